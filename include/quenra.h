@@ -1,0 +1,136 @@
+/* The controller of a PXI chassis, for C11 and C++.
+ *
+ * Conventions:
+ *
+ *  1. Every function but QUENRA_closeController returns a code of quenra_status.h: 0 success,
+ *     negative failure, positive warning. No function throws.
+ *  2. There is one controller per machine and one session per process. All successful opens share
+ *     it, and all get the same handle value, QUENRA_HANDLE. Each open is to be matched by a close.
+ *  3. Any thread may call any function at any time, with one exception: the close that drops the
+ *     last open must not overlap another call on the handle.
+ *  4. Memory is the caller's. The library keeps no pointer after a call.
+ *  5. Pointers are never followed when null: where one is needed, the function returns
+ *     QUENRA_STATUS_INVALID_PARAMETER.
+ *  6. On failure, what an out-argument holds is unchanged unless a function says otherwise.
+ *  7. A negative code from the driver is passed on unchanged, so codes beyond those listed can
+ *     appear. */
+#ifndef QUENRA_H
+#define QUENRA_H
+
+#include <stdint.h>
+
+#include "quenra_attributes.h"
+#include "quenra_status.h"
+
+/* The value of every valid handle: "QNRA" read as a number. */
+#define QUENRA_HANDLE UINT64_C(0x514E5241)
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Opens the controller, or counts one more user of the open one.
+ *
+ * handle: out, 8 bytes; receives QUENRA_HANDLE unless the code is negative.
+ *
+ * The first open finds the driver's device interfaces, fetches the SMBIOS table from the driver and
+ * checks the machine; a failed one leaves nothing behind and may be repeated. While the controller
+ * is open, further opens cannot fail.
+ *
+ * Returns
+ *   0                                   done
+ *   positive                            done; the driver gave a warning
+ *   QUENRA_STATUS_INVALID_PARAMETER     handle is null
+ *   QUENRA_STATUS_NO_CONTROLLER         no controller interface is present, or the machine is not
+ *                                       one that the library serves
+ *   QUENRA_STATUS_GENERIC_FAILURE       more than one controller or Marten interface is present
+ *   QUENRA_STATUS_NOT_SUPPORTED         the machine's memory devices cannot be read from its table
+ *   QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL
+ *   QUENRA_STATUS_ACCESS_DENIED, ...    what the system or the driver reported
+ */
+int32_t QUENRA_openController(uint64_t* handle);
+
+/* Drops one open; the last one closes the controller. Other handle values, and closing more often
+ * than opening, are ignored. */
+void QUENRA_closeController(uint64_t handle);
+
+/* Reads a text attribute.
+ *
+ * attribute: an id of QUENRA_TextAttribute, with instance and selector where they apply.
+ * buffer:    out; receives the text as UTF-8 with its NUL.
+ * size:      in: the buffer's size in bytes; out: on QUENRA_STATUS_BUFFER_TOO_SMALL the size that is
+ *            needed, NUL included, and after a read from the Marten interface the bytes the driver
+ *            filled; else unchanged. For the needed size, pass a size of 0.
+ *
+ * QUENRA_ATTRIBUTE_DEVICE_PATH is answered without an open controller and for any handle.
+ *
+ * A field that is malformed in the machine's table reads as success with the buffer unchanged: put a
+ * NUL into the buffer before the call where that matters.
+ *
+ * Returns
+ *   0                                 done; without a size pointer: nothing was read
+ *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
+ *   QUENRA_STATUS_BUFFER_TOO_SMALL    *size tells the size needed (also for a null size pointer
+ *                                     where the text is the device path or a location)
+ *   QUENRA_STATUS_NOT_SUPPORTED       unknown id, or not on this machine
+ *   QUENRA_STATUS_NO_CONTROLLER       the interface selected is not open; for the device path, no
+ *                                     device is present
+ *   QUENRA_STATUS_PATH_TOO_LONG       the device path needs more than 256 bytes
+ *   QUENRA_STATUS_INVALID_PARAMETER   buffer is null although size is not too small
+ *   QUENRA_STATUS_OUT_OF_MEMORY
+ *   others                            what the system or the driver reported
+ */
+int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer, uint64_t* size);
+
+/* Reads an unsigned attribute.
+ *
+ * attribute: an id of QUENRA_UnsignedAttribute, with instance and selector where they apply.
+ * value:     out, 4 bytes; 0 on most failures (see the ids for exceptions), untouched when the
+ *            handle is bad or no controller is open.
+ *
+ * A field that is malformed in the machine's table reads as 0 with success.
+ *
+ * Returns
+ *   0                                 done
+ *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
+ *   QUENRA_STATUS_INVALID_PARAMETER   value is null
+ *   QUENRA_STATUS_NOT_SUPPORTED       unknown id, or not on this machine
+ *   QUENRA_STATUS_NO_CONTROLLER       the interface selected is not open, or a field that decides
+ *                                     the answer cannot be read
+ *   QUENRA_STATUS_OUT_OF_MEMORY
+ *   others                            what the driver reported
+ */
+int32_t QUENRA_getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value);
+
+/* There is no signed attribute. value is untouched.
+ *
+ * Returns QUENRA_STATUS_INVALID_HANDLE for a bad handle or when no controller is open, else
+ * QUENRA_STATUS_NOT_SUPPORTED. */
+int32_t QUENRA_getAttributeI32(uint64_t handle, uint32_t attribute, int32_t* value);
+
+/* There is no floating-point attribute. Returns as QUENRA_getAttributeI32. */
+int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t attribute, double* value);
+
+/* ---- Announced: part of the interface, not yet exported by this version of the library ----
+ * A program that calls one of these does not link. */
+
+/* Writes a text attribute: at most 255 bytes of UTF-8 and a NUL. */
+int32_t QUENRA_setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text);
+
+/* Writes an unsigned attribute. */
+int32_t QUENRA_setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value);
+
+/* Applies a firmware image of `size` bytes, whatever versions are installed. */
+int32_t QUENRA_updateFirmware(uint64_t handle, const void* image, uint64_t size);
+
+/* The same; options 0 skips components that are current already, 1 does not. */
+int32_t QUENRA_updateFirmware2(uint64_t handle, const void* image, uint64_t size, uint32_t options);
+
+/* Runs the controller's self-test. */
+int32_t QUENRA_performSelfTest(uint64_t handle);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,29 @@
+/* The interface classes under which the driver publishes its devices. */
+#ifndef PROTOCOL_INTERFACECLASSES_H
+#define PROTOCOL_INTERFACECLASSES_H
+
+#include "protocol/layout.h"
+
+/* The members of a GUID in the order and widths of the operating system's own record. */
+typedef struct tInterfaceClass {
+  uint32_t data1;
+  uint16_t data2;
+  uint16_t data3;
+  uint8_t data4[8];
+} tInterfaceClass;
+PROTOCOL_SIZE(tInterfaceClass, 16);
+
+/* {3238F9E5-71EA-4E33-B8D9-AABD2BE0C9E7}: the controller itself; exactly one may be present. */
+static const tInterfaceClass kControllerInterfaceClass = {
+    0x3238F9E5, 0x71EA, 0x4E33, {0xB8, 0xD9, 0xAA, 0xBD, 0x2B, 0xE0, 0xC9, 0xE7}};
+
+/* {86323179-590C-46CB-AF2C-88CC76AA8FE8}: the Marten device; at most one may be present. */
+static const tInterfaceClass kMartenInterfaceClass = {
+    0x86323179, 0x590C, 0x46CB, {0xAF, 0x2C, 0x88, 0xCC, 0x76, 0xAA, 0x8F, 0xE8}};
+
+/* {23C0848A-7CF1-4BE5-8A27-B34818445CC4}: the device whose path the device path attribute tells and
+ * on which trigger routes are made. */
+static const tInterfaceClass kDevicePathInterfaceClass = {
+    0x23C0848A, 0x7CF1, 0x4BE5, {0x8A, 0x27, 0xB3, 0x48, 0x18, 0x44, 0x5C, 0xC4}};
+
+#endif

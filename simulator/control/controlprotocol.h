@@ -1,0 +1,130 @@
+/* How `quenra-sim` and the tests talk to the simulated machine: device control requests on an
+ * interface of its own, which no real controller has. All requests use the buffered method. */
+#ifndef SIMULATOR_CONTROL_CONTROLPROTOCOL_H
+#define SIMULATOR_CONTROL_CONTROLPROTOCOL_H
+
+#include "protocol/interfaceclasses.h"
+#include "protocol/requestcodes.h"
+
+/* {6F1A2C54-0B7D-4C1E-9E43-5D2B8F60A7C1} */
+static const tInterfaceClass kSimulatorControlInterfaceClass = {
+    0x6F1A2C54, 0x0B7D, 0x4C1E, {0x9E, 0x43, 0x5D, 0x2B, 0x8F, 0x60, 0xA7, 0xC1}};
+
+#define SIMULATOR_CONTROL_CODE(function) PROTOCOL_REQUEST_CODE(0x80A0, 0, function)
+
+/* No input, no output. Back to the default machine: table, text, attributes, presence; no scripted
+ * answers; empty log, counting from 1 again. */
+#define SIMULATOR_RESET SIMULATOR_CONTROL_CODE(0x900)
+/* In: tSimulatorPresence. Which device interfaces are present from now on. */
+#define SIMULATOR_SET_PRESENCE SIMULATOR_CONTROL_CODE(0x901)
+/* Out: tSimulatorPresence. */
+#define SIMULATOR_GET_PRESENCE SIMULATOR_CONTROL_CODE(0x902)
+/* In: the SMBIOS structure table that the controller interface hands over, 0 to
+ * SIMULATOR_TABLE_CAPACITY bytes, taken as it is. */
+#define SIMULATOR_SET_TABLE SIMULATOR_CONTROL_CODE(0x903)
+/* Out: the table. */
+#define SIMULATOR_GET_TABLE SIMULATOR_CONTROL_CODE(0x904)
+/* In: the SMBIOS version text as it is to be handed over, 0 to SIMULATOR_TEXT_CAPACITY bytes; a NUL
+ * is sent only if it is among them. */
+#define SIMULATOR_SET_VERSION_TEXT SIMULATOR_CONTROL_CODE(0x905)
+/* In: tSimulatorAttribute. Gives an attribute of one of the two interfaces a value. */
+#define SIMULATOR_SET_ATTRIBUTE SIMULATOR_CONTROL_CODE(0x906)
+/* In: tSimulatorAttribute, of which only the interface and the id count. From now on the driver
+ * refuses the attribute with SIMULATOR_STATUS_NOT_SUPPORTED. */
+#define SIMULATOR_REMOVE_ATTRIBUTE SIMULATOR_CONTROL_CODE(0x907)
+/* In: tSimulatorScript. Scripts are tried in the order in which they were added. */
+#define SIMULATOR_ADD_SCRIPT SIMULATOR_CONTROL_CODE(0x908)
+/* No input, no output. */
+#define SIMULATOR_CLEAR_SCRIPTS SIMULATOR_CONTROL_CODE(0x909)
+/* In: u64, the sequence number to begin with. Out: as many tSimulatorLogEntry as are kept from there
+ * on and fit the output buffer, oldest first. The log keeps the last SIMULATOR_LOG_CAPACITY. */
+#define SIMULATOR_READ_LOG SIMULATOR_CONTROL_CODE(0x90A)
+/* No input, no output. The next entry has sequence number 1 again. */
+#define SIMULATOR_CLEAR_LOG SIMULATOR_CONTROL_CODE(0x90B)
+
+enum {
+  SIMULATOR_TABLE_CAPACITY = 65536,
+  SIMULATOR_TEXT_CAPACITY = 1024,
+  SIMULATOR_VALUE_CAPACITY = 256,
+  SIMULATOR_ATTRIBUTE_CAPACITY = 64,
+  SIMULATOR_SCRIPT_CAPACITY = 32,
+  SIMULATOR_LOG_CAPACITY = 1024,
+  SIMULATOR_INPUT_CAPACITY = 64,
+  SIMULATOR_OUTPUT_CAPACITY = 48
+};
+
+/* The code with which the simulated driver refuses an attribute that it does not have. */
+#define SIMULATOR_STATUS_NOT_SUPPORTED (-26934)
+/* ... and a buffer of the caller that cannot be read or written. */
+#define SIMULATOR_STATUS_BAD_ADDRESS (-52005)
+
+typedef enum tSimulatorInterface {
+  kSimulatorInterfaceController = 1,
+  kSimulatorInterfaceMarten = 2,
+  kSimulatorInterfaceDevicePath = 3,
+  kSimulatorInterfaceControl = 4
+} tSimulatorInterface;
+
+typedef struct tSimulatorPresence {
+  uint32_t controllers; /* 0 to 2 */
+  uint32_t martens;     /* 0 to 2 */
+  uint32_t devicePaths; /* 0 or 1 */
+} tSimulatorPresence;
+PROTOCOL_SIZE(tSimulatorPresence, 12);
+
+typedef struct tSimulatorAttribute {
+  uint32_t interfaceKind; /* tSimulatorInterface: controller or Marten */
+  uint32_t attribute;     /* the id as the library sends it, selector and instance included */
+  uint32_t size;          /* bytes of `value` that count, at most SIMULATOR_VALUE_CAPACITY */
+  uint8_t value[SIMULATOR_VALUE_CAPACITY]; /* a text holds its NUL itself */
+} tSimulatorAttribute;
+PROTOCOL_SIZE(tSimulatorAttribute, 268);
+
+typedef enum tSimulatorAction {
+  /* The request is not carried out; the reply is zeros but for `driverStatus`. */
+  kSimulatorActionAnswerCode = 1,
+  /* The request itself fails with the Windows error `windowsError`; there is no reply. */
+  kSimulatorActionFail = 2,
+  /* The request is not carried out; the reply is the first `replySize` bytes of `reply`. */
+  kSimulatorActionReply = 3,
+  /* The request is carried out and its reply is cut to `replySize` bytes. */
+  kSimulatorActionTruncate = 4,
+  /* The request is carried out and `driverStatus` replaces the reply's own, as a warning would. */
+  kSimulatorActionAddCode = 5
+} tSimulatorAction;
+
+typedef struct tSimulatorScript {
+  uint32_t interfaceKind; /* tSimulatorInterface */
+  uint32_t requestCode;   /* 0: any request on the interface */
+  uint32_t skip;          /* matching requests to let through first */
+  uint32_t times;         /* matching requests to answer then; 0: all that follow */
+  uint32_t action;        /* tSimulatorAction */
+  int32_t driverStatus;
+  uint32_t windowsError; /* below 65536 */
+  uint32_t replySize;
+  uint8_t reply[SIMULATOR_OUTPUT_CAPACITY];
+} tSimulatorScript;
+PROTOCOL_SIZE(tSimulatorScript, 80);
+
+typedef enum tSimulatorEvent {
+  kSimulatorEventOpen = 1,
+  kSimulatorEventClose = 2,
+  kSimulatorEventRequest = 3
+} tSimulatorEvent;
+
+typedef struct tSimulatorLogEntry {
+  uint64_t sequence; /* 1, 2, 3, ... */
+  uint64_t process;  /* the caller's process id */
+  uint64_t file;     /* names one open file on one interface */
+  uint32_t event;    /* tSimulatorEvent; the members below count for requests only */
+  uint32_t interfaceKind;
+  uint32_t requestCode;
+  uint32_t inputSize;    /* bytes sent; the first SIMULATOR_INPUT_CAPACITY are kept */
+  uint32_t outputSize;   /* bytes answered */
+  uint32_t windowsError; /* 0, or the error with which the request failed */
+  uint8_t input[SIMULATOR_INPUT_CAPACITY];
+  uint8_t output[SIMULATOR_OUTPUT_CAPACITY];
+} tSimulatorLogEntry;
+PROTOCOL_SIZE(tSimulatorLogEntry, 160);
+
+#endif
