@@ -6,7 +6,7 @@
 #include "protocol/layout.h"
 
 #define PROTOCOL_REQUEST_CODE(deviceType, access, function) \
-  (((uint32_t)(deviceType) << 16) | ((uint32_t)(access) << 14) | ((uint32_t)(function) << 2))
+  ((0u + (deviceType)) << 16 | (0u + (access)) << 14 | (0u + (function)) << 2)
 
 #define PROTOCOL_CONTROLLER_CODE(function) PROTOCOL_REQUEST_CODE(0x807B, 3, function)
 

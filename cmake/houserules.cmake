@@ -1,0 +1,27 @@
+# How every target of the project is compiled. Link `house_rules` to take it over.
+add_library(house_rules INTERFACE)
+target_include_directories(house_rules INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
+target_compile_options(house_rules INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor>)
+
+set(QUENRA_SANITIZERS "" CACHE STRING "Sanitizers of a native build, as -fsanitize= takes them")
+
+if(WIN32)
+  target_compile_definitions(house_rules INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX)
+else()
+  # The native build compiles the library's own source against the Windows headers that come with
+  # Wine; the functions behind them are those of tests/fakewindows. Windows has 16-bit wide
+  # characters, and everything that meets those headers has to agree on that.
+  add_compile_options(-fshort-wchar)
+  target_compile_definitions(house_rules INTERFACE WINE_UNICODE_NATIVE WIN32_LEAN_AND_MEAN NOMINMAX)
+  target_include_directories(house_rules SYSTEM INTERFACE /usr/include/wine/wine/windows)
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    target_compile_options(house_rules INTERFACE -Wthread-safety)
+  endif()
+  if(QUENRA_SANITIZERS)
+    add_compile_options(-fsanitize=${QUENRA_SANITIZERS} -fno-sanitize-recover=all
+      -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${QUENRA_SANITIZERS})
+  endif()
+endif()
