@@ -1,0 +1,174 @@
+#include "zoapal/protons/status/descriptionwriter.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <optional>
+
+namespace zoerr {
+namespace {
+
+constexpr bool isBlank(char c) noexcept {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+
+constexpr char closerOf(char opener) noexcept {
+  return opener == '{' ? '}' : ']';
+}
+
+// Where the container at the start of the text closes; none when it does not.
+std::optional<size_t> findCloser(std::string_view text) noexcept {
+  size_t depth = 0;
+  bool inString = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (inString) {
+      if (c == '\\') {
+        ++i;
+      } else if (c == '"') {
+        inString = false;
+      }
+    } else if (c == '"') {
+      inString = true;
+    } else if (c == '{' || c == '[') {
+      ++depth;
+    } else if ((c == '}' || c == ']') && --depth == 0) {
+      return c == closerOf(text.front()) ? std::optional(i) : std::nullopt;
+    }
+  }
+  return std::nullopt;
+}
+
+bool isEmptyContainer(std::string_view text) noexcept {
+  const auto next = std::find_if_not(text.begin() + 1, text.end(), isBlank);
+  return next != text.end() && *next == closerOf(text.front());
+}
+
+// The text of a buffer; none when the marker or the NUL is missing or the text is no container.
+std::optional<std::string_view> textOf(const char* buffer, uint32_t capacity) noexcept {
+  if (buffer == nullptr || capacity < kSmallestDescription ||
+      buffer[capacity - 1] != kDescriptionMarker) {
+    return std::nullopt;
+  }
+  const void* end = std::memchr(buffer, '\0', capacity - 1);
+  if (end == nullptr || (buffer[0] != '{' && buffer[0] != '[')) {
+    return std::nullopt;
+  }
+  return std::string_view(buffer, static_cast<size_t>(static_cast<const char*>(end) - buffer));
+}
+
+// How a byte stands in a JSON string: itself, or an escape of at most six characters.
+struct tEscape {
+  std::array<char, 6> characters;
+  size_t length;
+};
+
+tEscape escapeOf(char character) noexcept {
+  constexpr std::string_view kHexadecimal = "0123456789abcdef";
+  constexpr std::string_view kShortEscapes = "\bb\tt\nn\ff\rr\"\"\\\\";
+  for (size_t i = 0; i < kShortEscapes.size(); i += 2) {
+    if (kShortEscapes[i] == character) {
+      return {{'\\', kShortEscapes[i + 1]}, 2};
+    }
+  }
+  const auto byte = static_cast<unsigned char>(character);
+  if (byte < 32 || byte == 127) {
+    return {{'\\', 'u', '0', '0', kHexadecimal[byte >> 4], kHexadecimal[byte & 15]}, 6};
+  }
+  return {{character}, 1};
+}
+
+size_t escapedLength(std::string_view text) noexcept {
+  size_t length = 0;
+  for (const char c : text) {
+    length += escapeOf(c).length;
+  }
+  return length;
+}
+
+char* writeEscaped(char* to, std::string_view text) noexcept {
+  for (const char c : text) {
+    const tEscape escape = escapeOf(c);
+    to = std::copy_n(escape.characters.begin(), escape.length, to);
+  }
+  return to;
+}
+
+char* writeQuoted(char* to, std::string_view text) noexcept {
+  *to++ = '"';
+  to = writeEscaped(to, text);
+  *to++ = '"';
+  return to;
+}
+
+// Room for a value of a known length, and for its key where the container is an object.
+struct tRoom {
+  tAppendResult result;
+  char* position;
+  bool keyed;
+};
+
+tRoom makeRoom(char* buffer, uint32_t capacity, std::string_view key, size_t valueLength) noexcept {
+  const std::optional<std::string_view> text = textOf(buffer, capacity);
+  const std::optional<size_t> closer = text ? findCloser(*text) : std::nullopt;
+  if (!closer) {
+    return {tAppendResult::unusable, nullptr, false};
+  }
+  const bool keyed = text->front() == '{';
+  const bool comma = !isEmptyContainer(*text);
+  const size_t needed = valueLength + (keyed ? escapedLength(key) + 3 : 0) + (comma ? 1 : 0);
+  const char* const zeros = buffer + text->size() + 1;
+  const char* const endOfZeros = std::find_if(
+      zeros, static_cast<const char*>(buffer) + capacity - 1, [](char c) { return c != '\0'; });
+  if (static_cast<size_t>(endOfZeros - zeros) < needed) {
+    return {tAppendResult::noRoom, nullptr, false};
+  }
+  char* position = buffer + *closer;
+  std::memmove(position + needed, position, text->size() - *closer + 1);
+  if (comma) {
+    *position++ = ',';
+  }
+  return {tAppendResult::appended, position, keyed};
+}
+
+// Returns where the value goes.
+char* writeKey(const tRoom& room, std::string_view key) noexcept {
+  if (!room.keyed) {
+    return room.position;
+  }
+  char* to = writeQuoted(room.position, key);
+  *to++ = ':';
+  return to;
+}
+
+}  // namespace
+
+void resetDescription(char* buffer, uint32_t capacity) noexcept {
+  std::memset(buffer, 0, capacity);
+  std::memcpy(buffer, kEmptyDescription.data(), kEmptyDescription.size());
+  buffer[capacity - 1] = kDescriptionMarker;
+}
+
+tAppendResult appendText(char* buffer, uint32_t capacity, std::string_view key,
+                         std::string_view value) noexcept {
+  const tRoom room = makeRoom(buffer, capacity, key, escapedLength(value) + 2);
+  if (room.result == tAppendResult::appended) {
+    writeQuoted(writeKey(room, key), value);
+  }
+  return room.result;
+}
+
+tAppendResult appendInteger(char* buffer, uint32_t capacity, std::string_view key,
+                            int32_t value) noexcept {
+  std::array<char, 11> digits;  // "-2147483648"
+  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  const std::string_view text(digits.data(), static_cast<size_t>(end - digits.data()));
+  const tRoom room = makeRoom(buffer, capacity, key, text.size());
+  if (room.result == tAppendResult::appended) {
+    text.copy(writeKey(room, key), text.size());
+  }
+  return room.result;
+}
+
+}  // namespace zoerr

@@ -1,0 +1,36 @@
+#ifndef ZOAPAL_PROTONS_STATUS_DESCRIPTIONWRITER_H
+#define ZOAPAL_PROTONS_STATUS_DESCRIPTIONWRITER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace zoerr {
+
+// The description of a status is one JSON text in a buffer: the NUL-terminated text, zero bytes as
+// free room, and the marker as the very last byte. The functions here edit it in place and never
+// build a tree.
+inline constexpr char kDescriptionMarker = 'J';
+inline constexpr std::string_view kEmptyDescription = "{}";
+// An empty description, its NUL and the marker.
+inline constexpr uint32_t kSmallestDescription = 4;
+
+enum class tAppendResult {
+  appended,
+  noRoom,    // the buffer is unchanged; grow it and try again
+  unusable,  // the buffer holds no such text; nothing can be appended
+};
+
+// Makes the buffer hold "{}". `capacity` is at least kSmallestDescription bytes.
+void resetDescription(char* buffer, uint32_t capacity) noexcept;
+
+// Appends a member to the object, or an element to the array, at the top level of the text. Values
+// are escaped; bytes from 128 on are copied as they are.
+[[nodiscard]] tAppendResult appendText(char* buffer, uint32_t capacity, std::string_view key,
+                                       std::string_view value) noexcept;
+[[nodiscard]] tAppendResult appendInteger(char* buffer, uint32_t capacity, std::string_view key,
+                                          int32_t value) noexcept;
+
+}  // namespace zoerr
+
+#endif

@@ -1,0 +1,21 @@
+#ifndef ZOAPAL_PROTONS_STATUS_TSOURCELOCATION_H
+#define ZOAPAL_PROTONS_STATUS_TSOURCELOCATION_H
+
+#include <cstdint>
+
+namespace nZOAPALS100 {
+
+inline constexpr const char* kComponent = "quenra";
+
+// Names a site that raises an error. Line numbers are part of what users see and search for: they
+// are constants that stay when the source moves.
+struct tSourceLocation {
+  const char* file;
+  uint32_t line;
+  const char* component = kComponent;
+  const char* errorConstant = nullptr;  // symbolic name of the code, where the site tells it
+};
+
+}  // namespace nZOAPALS100
+
+#endif

@@ -1,0 +1,76 @@
+#ifndef ZOAPAL_PROTONS_STATUS_ZOERRSTATUS_H
+#define ZOAPAL_PROTONS_STATUS_ZOERRSTATUS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "zoapal/protons/status/tsourcelocation.h"
+#include "zoapal/protons/status/tstatus.h"
+
+namespace zoerr {
+
+struct Status;
+
+// The reallocation function of every status that the library makes itself. Capacity 0 frees the
+// buffer; a capacity that is there already changes nothing; else the buffer becomes 512 bytes or
+// the next power of two, its text kept, the rest zero, the marker last. False, with the old buffer
+// kept, above 2^31 - 1 bytes and when memory is short.
+bool defaultReallocate(Status& status, uint32_t newCapacity) noexcept;
+
+// The status record above the driver layer: a code, and a description that grows through
+// `reallocate`. It crosses the routing interface by pointer, so its layout is fixed and it has no
+// destructor; tOwnedStatus below is the one that releases.
+struct Status {
+  int32_t code = 0;
+  uint32_t capacity = 0;  // of the description buffer in bytes; 0 when there is none
+  bool (*reallocate)(Status& status, uint32_t newCapacity) = &defaultReallocate;
+  char* description = nullptr;  // NUL-terminated JSON text, or null
+
+  [[nodiscard]] bool isError() const noexcept { return code < 0; }
+
+  // Stores `newCode` under the merge rule and makes the description tell its location: file, line,
+  // component. True when the code was stored, even where memory for the description was short.
+  bool set(int32_t newCode, const nZOAPALS100::tSourceLocation& location) noexcept;
+
+  // As set; the description begins with the location's error constant.
+  bool setWithConstant(int32_t newCode, const nZOAPALS100::tSourceLocation& location) noexcept;
+
+  // Takes over the code of a driver-layer status under the merge rule, with its location as far as
+  // it has one. False only when memory for the description was short; the code is stored even then.
+  bool mergeFrom(const nZOAPALS100::tStatus& source) noexcept;
+
+  // Back to success, without a description.
+  void clear() noexcept;
+
+  // Frees the description the way it was allocated.
+  void releaseDescription() noexcept;
+
+ private:
+  [[nodiscard]] bool ensureCapacity(uint32_t needed) noexcept;
+  [[nodiscard]] bool grow() noexcept;
+  void resetExistingDescription() noexcept;
+  template <class Append>
+  [[nodiscard]] bool appendGrowing(Append append) noexcept;
+  [[nodiscard]] bool appendTextMember(const char* key, const char* value) noexcept;
+  [[nodiscard]] bool appendLineMember(uint32_t line) noexcept;
+  [[nodiscard]] bool appendLocation(const nZOAPALS100::tSourceLocation& location) noexcept;
+};
+
+static_assert(std::is_standard_layout_v<Status>);
+static_assert(sizeof(Status) == 24);
+static_assert(offsetof(Status, capacity) == 4);
+static_assert(offsetof(Status, reallocate) == 8);
+static_assert(offsetof(Status, description) == 16);
+
+// A status on the stack of an exported function: its description ends with it.
+struct tOwnedStatus : Status {
+  tOwnedStatus() = default;
+  tOwnedStatus(const tOwnedStatus&) = delete;
+  tOwnedStatus& operator=(const tOwnedStatus&) = delete;
+  ~tOwnedStatus() { releaseDescription(); }
+};
+
+}  // namespace zoerr
+
+#endif

@@ -1,0 +1,41 @@
+#include "zoapal/protons/synchronization/windowsu/tcriticalsection.h"
+
+#include "zoapal/protons/status/win32error.h"
+
+namespace nQUENRA1400::nZOAPAL000 {
+namespace {
+
+constexpr const char* kFile = "tcriticalsection";
+constexpr uint32_t kInitialiseLine = 31;
+// The lock is held for a pointer copy: worth a short wait on another processor before sleeping.
+constexpr DWORD kSpinCount = 400;
+
+}  // namespace
+
+void tCriticalSection::initialise(nZOAPALS100::tStatus& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  if (InitializeCriticalSectionEx(&section_, kSpinCount, 0)) {
+    initialised_ = true;
+  } else {
+    mergeWin32Failure(GetLastError(), status, kFile, kInitialiseLine);
+  }
+}
+
+void tCriticalSection::destroy() noexcept {
+  if (initialised_) {
+    DeleteCriticalSection(&section_);
+    initialised_ = false;
+  }
+}
+
+void tCriticalSection::enter() noexcept {
+  EnterCriticalSection(&section_);
+}
+
+void tCriticalSection::leave() noexcept {
+  LeaveCriticalSection(&section_);
+}
+
+}  // namespace nQUENRA1400::nZOAPAL000
