@@ -1,0 +1,233 @@
+#include "zosmbios/czosmbiosprovider.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "zosmbios/location.h"
+#include "zosmbios/stringset.h"
+
+namespace nQUENRA1400::nZOSMBIOS_1_1 {
+namespace {
+
+using nZOAPALS100::kInvalidParameter;
+using nZOAPALS100::tSourceLocation;
+using nZOAPALS100::tStatus;
+
+constexpr auto kStructureOutsideTable = providerLocation(174);
+constexpr auto kFormattedAreaOutsideTable = providerLocation(189);
+constexpr auto kUnknownWidth = providerLocation(226);
+constexpr auto kFieldBeyondStructure = providerLocation(235);
+constexpr auto kProviderValueInstance = providerLocation(287);
+constexpr auto kVersionWithoutBuffer = providerLocation(302);
+constexpr auto kVersionBufferTooSmall = providerLocation(314);
+constexpr auto kUnknownProviderValue = providerLocation(325);
+constexpr auto kStringAbsent = providerLocation(378);
+constexpr auto kStringBufferTooSmall = providerLocation(486);
+constexpr auto kStringWithoutBuffer = providerLocation(487);
+constexpr auto kSizeMissing = providerLocation(488);
+constexpr auto kNumberReadAsString = providerLocation(497);
+constexpr auto kStructureNotFound = providerLocation(860);
+
+// Bytes of a field of a width class; 0 for a class that no structure has.
+constexpr uint32_t widthOf(tWidthClass width) noexcept {
+  switch (width) {
+    case tWidthClass::text:
+    case tWidthClass::byte:
+      return 1;
+    case tWidthClass::word:
+      return 2;
+    case tWidthClass::doubleWord:
+      return 4;
+    case tWidthClass::quadWord:
+      return 8;
+    case tWidthClass::provider:
+      break;
+  }
+  return 0;
+}
+
+struct tCopySites {
+  const tSourceLocation& tooSmall;
+  const tSourceLocation& withoutBuffer;
+};
+
+// The size rule that all texts share.
+void copyText(std::string_view text, char* buffer, uint32_t* size, const tCopySites& sites,
+              tStatus& status) noexcept {
+  const auto needed = static_cast<uint32_t>(text.size() + 1);
+  if (*size < needed) {
+    *size = needed;
+    mergeStatus(status, kBufferTooSmall, sites.tooSmall);
+  } else if (buffer == nullptr) {
+    mergeStatus(status, kInvalidParameter, sites.withoutBuffer);
+  } else {
+    text.copy(buffer, text.size());
+    buffer[text.size()] = '\0';
+  }
+}
+
+}  // namespace
+
+void cZoSmBiosProvider::install(std::span<const uint8_t> table, std::span<const char> version,
+                                tStatus& status) noexcept {
+  nZOAPAL000::tByteBuffer copy = nZOAPAL000::allocateBytes(table.size(), status);
+  if (copy == nullptr) {
+    return;
+  }
+  std::copy(table.begin(), table.end(), copy.get());
+  storage_ = std::move(copy);
+  table_ = tStructureTable({storage_.get(), table.size()});
+  index_.build(table_);
+
+  const size_t length = std::min<size_t>(version.size(), kVersionTextCapacity - 1);
+  const auto end =
+      std::find(version.begin(), version.begin() + static_cast<ptrdiff_t>(length), '\0');
+  *std::copy(version.begin(), end, versionText_) = '\0';
+}
+
+void cZoSmBiosProvider::clear() noexcept {
+  storage_.reset();
+  table_ = tStructureTable();
+  index_.clear();
+}
+
+void cZoSmBiosProvider::loadOnFirstUse(tStatus& status) noexcept {
+  if (!hasTable()) {
+    load(status);
+  }
+}
+
+void cZoSmBiosProvider::findStructure(uint8_t type, uint32_t instance, tStructureOffset* structure,
+                                      tStatus& status) const noexcept {
+  if (status.isError()) {
+    return;
+  }
+  const auto found = index_.isUsable() ? index_.findStructure(type, instance)
+                                       : table_.findStructure(type, instance);
+  if (found) {
+    *structure = *found;
+  } else {
+    mergeStatus(status, kFieldNotFound, kStructureNotFound);
+  }
+}
+
+void cZoSmBiosProvider::checkField(tStructureOffset structure, tFieldId field,
+                                   tStatus& status) const noexcept {
+  if (status.isError()) {
+    return;
+  }
+  const auto bytes = table_.bytes();
+  if (size_t{structure} + 2 > bytes.size()) {
+    mergeStatus(status, kTableMalformed, kStructureOutsideTable);
+    return;
+  }
+  const uint32_t length = bytes[size_t{structure} + 1];
+  if (size_t{structure} + length > bytes.size()) {
+    mergeStatus(status, kTableMalformed, kFormattedAreaOutsideTable);
+    return;
+  }
+  const uint32_t width = widthOf(widthClassOf(field));
+  if (width == 0) {
+    mergeStatus(status, kTableMalformed, kUnknownWidth);
+  } else if (offsetOf(field) + width > length) {
+    mergeStatus(status, kFieldNotFound, kFieldBeyondStructure);
+  }
+}
+
+template <class Value>
+int32_t cZoSmBiosProvider::readNumber(tWidthClass width, tFieldId field, uint32_t instance,
+                                      Value* value) noexcept {
+  if (value == nullptr) {
+    return kInvalidParameter;
+  }
+  tStatus status;
+  loadOnFirstUse(status);
+  if (status.isError()) {
+    return status.code;
+  }
+  if (widthClassOf(field) != width) {
+    return kFieldNotFound;
+  }
+  tStructureOffset structure = 0;
+  findStructure(structureTypeOf(field), instance, &structure, status);
+  checkField(structure, field, status);
+  if (status.isError()) {
+    return status.code;
+  }
+  std::memcpy(value, table_.bytes().data() + structure + offsetOf(field), sizeof *value);
+  return 0;
+}
+
+int32_t cZoSmBiosProvider::readByte(tFieldId field, uint32_t instance, uint8_t* value) noexcept {
+  return readNumber(tWidthClass::byte, field, instance, value);
+}
+
+int32_t cZoSmBiosProvider::readWord(tFieldId field, uint32_t instance, uint16_t* value) noexcept {
+  return readNumber(tWidthClass::word, field, instance, value);
+}
+
+int32_t cZoSmBiosProvider::readQword(tFieldId field, uint32_t instance, uint64_t* value) noexcept {
+  return readNumber(tWidthClass::quadWord, field, instance, value);
+}
+
+void cZoSmBiosProvider::getString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                                  tStatus& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  if (size == nullptr) {
+    mergeStatus(status, kInvalidParameter, kSizeMissing);
+    return;
+  }
+  loadOnFirstUse(status);
+  switch (widthClassOf(field)) {
+    case tWidthClass::text:
+      getStructureString(field, instance, buffer, size, status);
+      break;
+    case tWidthClass::provider:
+      getVersion(field, instance, buffer, size, status);
+      break;
+    default:
+      mergeStatus(status, kFieldNotFound, kNumberReadAsString);
+  }
+}
+
+void cZoSmBiosProvider::getStructureString(tFieldId field, uint32_t instance, char* buffer,
+                                           uint32_t* size, tStatus& status) noexcept {
+  tStructureOffset structure = 0;
+  findStructure(structureTypeOf(field), instance, &structure, status);
+  checkField(structure, field, status);
+  if (status.isError()) {
+    return;
+  }
+  const uint8_t number = table_.bytes()[size_t{structure} + offsetOf(field)];
+  if (number == 0) {
+    mergeStatus(status, kNoString, kStringAbsent);
+    if (buffer != nullptr && *size != 0) {
+      *buffer = '\0';
+    }
+    return;
+  }
+  const std::string_view text =
+      findString(table_, table_.stringSetOf(structure), number, kLongestString, status);
+  if (!status.isError()) {
+    copyText(text, buffer, size, {kStringBufferTooSmall, kStringWithoutBuffer}, status);
+  }
+}
+
+void cZoSmBiosProvider::getVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                                   tStatus& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  if (instance != 0) {
+    mergeStatus(status, kFieldNotFound, kProviderValueInstance);
+  } else if ((field & 0xFFFFF) != kVersionText) {
+    mergeStatus(status, kFieldNotFound, kUnknownProviderValue);
+  } else {
+    copyText(versionText_, buffer, size, {kVersionBufferTooSmall, kVersionWithoutBuffer}, status);
+  }
+}
+
+}  // namespace nQUENRA1400::nZOSMBIOS_1_1

@@ -1,0 +1,101 @@
+#ifndef ZOSMBIOS_CZOSMBIOSPROVIDER_H
+#define ZOSMBIOS_CZOSMBIOSPROVIDER_H
+
+#include <cstdint>
+#include <span>
+
+#include "zoapal/protons/cppnewdelete/memoryallocation.h"
+#include "zoapal/protons/status/tstatus.h"
+#include "zosmbios/fieldid.h"
+#include "zosmbios/tstructureindex.h"
+#include "zosmbios/tstructuretable.h"
+
+namespace nQUENRA1400::nZOSMBIOS_1_1 {
+
+// Codes of the provider.
+inline constexpr int32_t kNoString = 240050;         // warning: the structure has no such string
+inline constexpr int32_t kBufferTooSmall = -240051;  // the needed size has been told
+inline constexpr int32_t kFieldNotFound = -240052;
+inline constexpr int32_t kTableMalformed = -240053;
+inline constexpr int32_t kNoTable = -240060;
+
+// Read access to the machine's SMBIOS structure table: numbers at a byte offset of a structure,
+// strings that a structure refers to, and the SMBIOS version.
+//
+// The table is installed by the owner or, when there is none yet, loaded by the first reader.
+// Readers may run concurrently once a table is there; install, clear and load may not overlap
+// anything.
+class cZoSmBiosProvider {
+ public:
+  static constexpr uint32_t kVersionTextCapacity = 256;
+  static constexpr uint32_t kLongestString = 128;
+
+  constexpr cZoSmBiosProvider() noexcept = default;
+  cZoSmBiosProvider(const cZoSmBiosProvider&) = delete;
+  cZoSmBiosProvider& operator=(const cZoSmBiosProvider&) = delete;
+  virtual ~cZoSmBiosProvider() = default;
+
+  // Replaces the table with the machine's own. Does nothing when the status holds an error; on
+  // failure there is no table.
+  virtual void load(nZOAPALS100::tStatus& status) noexcept = 0;
+
+  // Replaces table and version. The table takes a copy of `table`, the version at most 255 bytes of
+  // `version` up to its first NUL. A table of no bytes is a table: readers will not load another.
+  // When memory is short the old table stays, with kMemoryFull in the status.
+  void install(std::span<const uint8_t> table, std::span<const char> version,
+               nZOAPALS100::tStatus& status) noexcept;
+  // Frees the table; the version stays.
+  void clear() noexcept;
+
+  [[nodiscard]] bool hasTable() const noexcept { return storage_ != nullptr; }
+  [[nodiscard]] const tStructureTable& table() const noexcept { return table_; }
+  [[nodiscard]] const char* versionText() const noexcept { return versionText_; }
+  // The operating system's error of the last failed load.
+  [[nodiscard]] uint32_t lastOsError() const noexcept { return lastOsError_; }
+
+  // The numeric readers return 0 with the value set, or else leave it untouched and return
+  //   kInvalidParameter  value is null
+  //   kFieldNotFound     no such structure, the field lies beyond it, or the field id is of another
+  //                      width
+  //   kTableMalformed    the structure runs outside the table
+  //   the code of a failed load
+  [[nodiscard]] int32_t readByte(tFieldId field, uint32_t instance, uint8_t* value) noexcept;
+  [[nodiscard]] int32_t readWord(tFieldId field, uint32_t instance, uint16_t* value) noexcept;
+  [[nodiscard]] int32_t readQword(tFieldId field, uint32_t instance, uint64_t* value) noexcept;
+
+  // Reads a string, or with kVersionText the version. `size`: in the buffer's bytes, out on
+  // kBufferTooSmall the bytes needed, NUL included; with a size of 0 the buffer may be null.
+  // Status codes: kNoString (an empty string is stored where there is room), kBufferTooSmall,
+  // kFieldNotFound, kTableMalformed, kInvalidParameter (null size, or null buffer of a sufficient
+  // size), or the code of a failed load.
+  void getString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                 nZOAPALS100::tStatus& status) noexcept;
+
+  // The parts of which the readers are made.
+  void findStructure(uint8_t type, uint32_t instance, tStructureOffset* structure,
+                     nZOAPALS100::tStatus& status) const noexcept;
+  void checkField(tStructureOffset structure, tFieldId field,
+                  nZOAPALS100::tStatus& status) const noexcept;
+
+ protected:
+  void setLastOsError(uint32_t error) noexcept { lastOsError_ = error; }
+
+ private:
+  template <class Value>
+  int32_t readNumber(tWidthClass width, tFieldId field, uint32_t instance, Value* value) noexcept;
+  void getStructureString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                          nZOAPALS100::tStatus& status) noexcept;
+  void getVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                  nZOAPALS100::tStatus& status) noexcept;
+  void loadOnFirstUse(nZOAPALS100::tStatus& status) noexcept;
+
+  nZOAPAL000::tByteBuffer storage_;
+  tStructureTable table_;
+  tStructureIndex index_;
+  char versionText_[kVersionTextCapacity] = {};
+  uint32_t lastOsError_ = 0;
+};
+
+}  // namespace nQUENRA1400::nZOSMBIOS_1_1
+
+#endif
