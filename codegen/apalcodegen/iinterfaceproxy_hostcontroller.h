@@ -1,0 +1,34 @@
+#ifndef CODEGEN_APALCODEGEN_IINTERFACEPROXY_HOSTCONTROLLER_H
+#define CODEGEN_APALCODEGEN_IINTERFACEPROXY_HOSTCONTROLLER_H
+
+#include "zoapal/protons/driver/iinterfaceproxy.h"
+
+namespace nQUENRA1400::nZOAPAL000 {
+
+// The controller's main interface. Every method sends one request and waits for the answer; it does
+// nothing when the status holds an error. Buffers are addresses in this process as 64-bit numbers,
+// sizes are in bytes. Out-values are taken over whenever the driver answered, also with an error.
+class iInterfaceProxy_hostControllerBase : public virtual iInterfaceProxy {
+ public:
+  // Fetches the SMBIOS version text and structure table. With addresses and sizes of 0 it asks for
+  // the sizes, which come back with the driver's buffer-too-small code.
+  virtual void exchangeValues(uint64_t textBuffer, uint32_t& textSize, uint64_t tableBuffer,
+                              int32_t& tableSize, nZOAPALS100::tStatus& status) noexcept = 0;
+
+  // Hands over a firmware payload.
+  virtual void sendCommand(uint64_t payload, uint32_t payloadSize,
+                           nZOAPALS100::tStatus& status) noexcept = 0;
+
+  // `size`: in the buffer's capacity, out the bytes filled or needed.
+  virtual void getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
+                            nZOAPALS100::tStatus& status) noexcept = 0;
+
+  virtual void setAttribute(uint32_t attribute, uint64_t buffer, int32_t size,
+                            nZOAPALS100::tStatus& status) noexcept = 0;
+};
+
+class iInterfaceProxy_hostController : public iInterfaceProxy_hostControllerBase {};
+
+}  // namespace nQUENRA1400::nZOAPAL000
+
+#endif

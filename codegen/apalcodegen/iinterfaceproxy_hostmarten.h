@@ -1,0 +1,25 @@
+#ifndef CODEGEN_APALCODEGEN_IINTERFACEPROXY_HOSTMARTEN_H
+#define CODEGEN_APALCODEGEN_IINTERFACEPROXY_HOSTMARTEN_H
+
+#include "zoapal/protons/driver/iinterfaceproxy.h"
+
+namespace nQUENRA1400::nZOAPAL000 {
+
+// The controller's second device. The rules are those of iInterfaceProxy_hostControllerBase.
+class iInterfaceProxy_hostMarten : public virtual iInterfaceProxy {
+ public:
+  // Hands over a firmware payload.
+  virtual void sendCommand(uint64_t payload, uint32_t payloadSize,
+                           nZOAPALS100::tStatus& status) noexcept = 0;
+
+  // `size`: in the buffer's capacity, out the bytes filled or needed.
+  virtual void getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
+                            nZOAPALS100::tStatus& status) noexcept = 0;
+
+  virtual void setAttribute(uint32_t attribute, uint64_t buffer, int32_t size,
+                            nZOAPALS100::tStatus& status) noexcept = 0;
+};
+
+}  // namespace nQUENRA1400::nZOAPAL000
+
+#endif
