@@ -58,14 +58,15 @@ void QUENRA_closeController(uint64_t handle);
  *
  * attribute: an id of QUENRA_TextAttribute, with instance and selector where they apply.
  * buffer:    out; receives the text as UTF-8 with its NUL.
- * size:      in: the buffer's size in bytes; out: on QUENRA_STATUS_BUFFER_TOO_SMALL the size that is
- *            needed, NUL included, and after a read from the Marten interface the bytes the driver
- *            filled; else unchanged. For the needed size, pass a size of 0.
+ * size:      in: the buffer's size in bytes. Out: with QUENRA_STATUS_BUFFER_TOO_SMALL the size
+ *            needed, NUL included; after a read from the Marten interface the bytes it filled; else
+ *            unchanged. To ask for the needed size, pass 0.
  *
  * QUENRA_ATTRIBUTE_DEVICE_PATH is answered without an open controller and for any handle.
  *
- * A field that is malformed in the machine's table reads as success with the buffer unchanged: put a
- * NUL into the buffer before the call where that matters.
+ * A field that is malformed in the machine's table reads as success with the buffer unchanged: put
+ * a NUL into the buffer before the call where that matters. A text that stands for none ("Not
+ * Applicable", a version that repeats the BIOS version) leaves an empty text in the buffer.
  *
  * Returns
  *   0                                 done; without a size pointer: nothing was read
@@ -77,7 +78,6 @@ void QUENRA_closeController(uint64_t handle);
  *                                     device is present
  *   QUENRA_STATUS_PATH_TOO_LONG       the device path needs more than 256 bytes
  *   QUENRA_STATUS_INVALID_PARAMETER   buffer is null although size is not too small
- *   QUENRA_STATUS_OUT_OF_MEMORY
  *   others                            what the system or the driver reported
  */
 int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer, uint64_t* size);
@@ -97,7 +97,6 @@ int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffe
  *   QUENRA_STATUS_NOT_SUPPORTED       unknown id, or not on this machine
  *   QUENRA_STATUS_NO_CONTROLLER       the interface selected is not open, or a field that decides
  *                                     the answer cannot be read
- *   QUENRA_STATUS_OUT_OF_MEMORY
  *   others                            what the driver reported
  */
 int32_t QUENRA_getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value);

@@ -74,8 +74,8 @@ enum QUENRA_TextAttribute {
 
 enum QUENRA_UnsignedAttribute {
   /* Identity. */
-  /* 1, 2 and 3 by the bus structures found (0x97, 0x98, 0x9F); else byte 0x0C of structure 0x96 when
-   * that is 1 to 5; else 0xFFFFFFFF. */
+  /* 1, 2 and 3 by the bus structures found (0x97, 0x98, 0x9F); else byte 0x0C of structure 0x96
+   * when that is 1 to 5; else 0xFFFFFFFF. */
   QUENRA_ATTRIBUTE_CONTROLLER_KIND = 0x20000500,
   /* A word of structure 0x96. */
   QUENRA_ATTRIBUTE_PLATFORM_CODE = 0x20000600,

@@ -21,8 +21,8 @@ enum QUENRA_Status {
   QUENRA_STATUS_NO_CONTROLLER = -26932,
   /* Memory for the session, a value or a firmware image could not be allocated. */
   QUENRA_STATUS_OUT_OF_MEMORY = -26933,
-  /* The attribute or operation is not supported on this machine: unknown id, field absent, value not
-   * usable, instance out of range. */
+  /* The attribute or operation is not supported on this machine: unknown id, field absent, value
+   * not usable, instance out of range. */
   QUENRA_STATUS_NOT_SUPPORTED = -26934,
   /* A value cannot be taken: a text of more than 255 bytes, an unknown update option. */
   QUENRA_STATUS_INVALID_VALUE = -26935,
@@ -44,7 +44,8 @@ enum QUENRA_Status {
   QUENRA_STATUS_MEMORY_FULL = -52000,
   /* The driver does not know the request. */
   QUENRA_STATUS_REQUEST_NOT_SUPPORTED = -52002,
-  /* A device or system failure without a code of its own; also: more than one controller present. */
+  /* A device or system failure without a code of its own; also: more than one controller present.
+   */
   QUENRA_STATUS_GENERIC_FAILURE = -52003,
   /* A bad argument, such as a null pointer. */
   QUENRA_STATUS_INVALID_PARAMETER = -52005,
