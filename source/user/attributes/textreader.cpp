@@ -1,0 +1,247 @@
+#include "source/user/attributes/textreader.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+#include "source/user/attributes/attributeid.h"
+#include "source/user/attributes/driverread.h"
+#include "source/user/attributes/normalisedtext.h"
+#include "source/user/attributes/providerresult.h"
+#include "source/user/attributes/providertext.h"
+#include "source/user/attributes/texttable.h"
+#include "source/user/attributes/unsignedreader.h"
+#include "source/user/location.h"
+#include "source/user/statuscodes.h"
+
+namespace nQUENRA1400 {
+namespace {
+
+using nZOAPALS100::tSourceLocation;
+using nZOAPALS100::tStatus;
+using nZOSMBIOS_1_1::tFieldId;
+
+constexpr auto kMartenNotOpen = sessionLocation(449);
+constexpr auto kSerialNumberNotApplicable = sessionLocation(493);
+constexpr auto kIdentifierNotApplicable = sessionLocation(537);
+constexpr auto kEarlyPlatform = sessionLocation(545);
+constexpr auto kVersionIsBiosVersion = sessionLocation(622);
+constexpr auto kUnknownAttribute = sessionLocation(893);
+constexpr auto kTextDoesNotFit = sessionLocation(2770);
+constexpr auto kBufferMissing = sessionLocation(2771);
+
+constexpr auto kBiosVersion = nZOSMBIOS_1_1::textField(0x00, 0x05);
+constexpr std::string_view kNotApplicable = "Not Applicable";
+constexpr uint32_t kFirmwareVersionNumber = 4;
+constexpr uint32_t kGenerationWithIdentifier = 7;
+
+// Sizes of the layers below have 32 bits: a larger buffer is as good as the largest.
+uint32_t saturated(uint64_t size) noexcept {
+  return static_cast<uint32_t>(std::min<uint64_t>(size, std::numeric_limits<uint32_t>::max()));
+}
+
+class tTextReading {
+ public:
+  tTextReading(const tReadSources& sources, tAttributeId attribute, char* buffer, uint64_t* size,
+               zoerr::Status& status) noexcept
+      : sources_(sources), attribute_(attribute), buffer_(buffer), size_(size), status_(status) {}
+
+  void readFromMarten() const noexcept;
+  void readRow(const tTextRow& row) const noexcept;
+
+ private:
+  void readOrdinaryRow(const tTextRow& row) const noexcept;
+  bool readField(tFieldId field, uint32_t instance) const noexcept;
+  void readApplicable(tFieldId field, const tSourceLocation& notApplicable) const noexcept;
+  void readUnlikeBiosVersion(tFieldId field) const noexcept;
+  void readOnLaterPlatforms(tFieldId field) const noexcept;
+  void readOfMemoryModule(tFieldId field) const noexcept;
+  void readNormalised(tFieldId field, uint32_t instance, tSegments segments) const noexcept;
+  void readNormalisedEntry(const tListSource& list, tSegments segments) const noexcept;
+  void refuseText(const tSourceLocation& location) const noexcept;
+  void deliver(std::string_view text) const noexcept;
+
+  const tReadSources& sources_;
+  const tAttributeId attribute_;
+  char* const buffer_;
+  uint64_t* const size_;
+  zoerr::Status& status_;
+};
+
+void tTextReading::readFromMarten() const noexcept {
+  if (size_ == nullptr) {
+    return;
+  }
+  if (buffer_ == nullptr && *size_ != 0) {
+    status_.set(nZOAPALS100::kInvalidParameter, kBufferMissing);
+    return;
+  }
+  const uint32_t offered = saturated(*size_);
+  uint32_t answered = offered;
+  tStatus driver;
+  driver.code = status_.code;
+  readFromDriver(sources_.marten, attribute_, buffer_, answered, driver);
+  if (answered != offered) {
+    *size_ = answered;
+  }
+  status_.mergeFrom(driver);
+}
+
+void tTextReading::readRow(const tTextRow& row) const noexcept {
+  switch (row.rule) {
+    case tTextRule::normalised:
+      readNormalised(row.field, attribute_.instance(), tSegments::one);
+      break;
+    case tTextRule::normalisedList:
+      readNormalisedEntry(*row.list, tSegments::one);
+      break;
+    case tTextRule::normalisedGroupsList:
+      readNormalisedEntry(*row.list, tSegments::separatedByCommas);
+      break;
+    default:
+      if (size_ != nullptr) {
+        readOrdinaryRow(row);
+      }
+  }
+}
+
+void tTextReading::readOrdinaryRow(const tTextRow& row) const noexcept {
+  switch (row.rule) {
+    case tTextRule::applicable:
+      readApplicable(row.field, kSerialNumberNotApplicable);
+      break;
+    case tTextRule::unlikeBiosVersion:
+      readUnlikeBiosVersion(row.field);
+      break;
+    case tTextRule::onLaterPlatforms:
+      readOnLaterPlatforms(row.field);
+      break;
+    case tTextRule::ofMemoryModule:
+      readOfMemoryModule(row.field);
+      break;
+    default:
+      readField(row.field, attribute_.instance());
+  }
+}
+
+// True when the caller's buffer holds the text.
+bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
+  uint32_t size = saturated(*size_);
+  tStatus result;
+  sources_.provider.getString(field, instance, buffer_, &size, result);
+  if (result.code == nZOSMBIOS_1_1::kBufferTooSmall) {
+    *size_ = size;
+  }
+  if (result.code == nZOAPALS100::kInvalidParameter) {
+    status_.mergeFrom(result);
+  }
+  mergeProviderResult(result.code, status_);
+  return result.code == 0;
+}
+
+// A text that stands for none is not left behind as if it were one.
+void tTextReading::refuseText(const tSourceLocation& location) const noexcept {
+  buffer_[0] = '\0';
+  status_.set(kAttributeNotSupported, location);
+}
+
+void tTextReading::readApplicable(tFieldId field,
+                                  const tSourceLocation& notApplicable) const noexcept {
+  if (readField(field, attribute_.instance()) && buffer_ == kNotApplicable) {
+    refuseText(notApplicable);
+  }
+}
+
+void tTextReading::readUnlikeBiosVersion(tFieldId field) const noexcept {
+  if (!readField(field, attribute_.instance())) {
+    return;
+  }
+  const tProviderText biosVersion(sources_.provider, kBiosVersion, 0);
+  mergeProviderResult(biosVersion.result(), status_);
+  if (biosVersion.result() == 0 && buffer_ == biosVersion.view()) {
+    refuseText(kVersionIsBiosVersion);
+  }
+}
+
+void tTextReading::readOnLaterPlatforms(tFieldId field) const noexcept {
+  uint32_t generation = 0;
+  readUnsignedAttribute(sources_, QUENRA_ATTRIBUTE_PLATFORM_GENERATION, generation, status_);
+  if (status_.isError()) {
+    return;
+  }
+  if (generation < kGenerationWithIdentifier) {
+    status_.set(kAttributeNotSupported, kEarlyPlatform);
+    return;
+  }
+  readApplicable(field, kIdentifierNotApplicable);
+}
+
+void tTextReading::readOfMemoryModule(tFieldId field) const noexcept {
+  const uint32_t instance = sources_.memoryModules.instanceOf(attribute_.instance(), status_);
+  if (!status_.isError()) {
+    readField(field, instance);
+  }
+}
+
+void tTextReading::readNormalised(tFieldId field, uint32_t instance,
+                                  tSegments segments) const noexcept {
+  const tProviderText text(sources_.provider, field, instance);
+  mergeProviderResult(text.result(), status_);
+  if (text.result() == 0) {
+    // A text that is there answers for itself alone: a warning from before is dropped.
+    status_.clear();
+    deliver(tNormalisedText(text.view(), segments).view());
+  }
+}
+
+void tTextReading::readNormalisedEntry(const tListSource& list, tSegments segments) const noexcept {
+  uint8_t count = 0;
+  mergeProviderResult(sources_.provider.readByte(list.count, 0, &count), status_);
+  if (status_.isError()) {
+    return;
+  }
+  const uint32_t position = attribute_.instance();
+  if (position >= count || position >= list.capacity) {
+    status_.set(kAttributeNotSupported, sessionLocation(list.line));
+    return;
+  }
+  readNormalised(list.entry(position), 0, segments);
+}
+
+void tTextReading::deliver(std::string_view text) const noexcept {
+  const uint64_t needed = text.size() + 1;
+  if (size_ == nullptr || *size_ < needed) {
+    if (size_ != nullptr) {
+      *size_ = needed;
+    }
+    status_.set(kBufferTooSmall, kTextDoesNotFit);
+  } else if (buffer_ == nullptr) {
+    status_.set(nZOAPALS100::kInvalidParameter, kBufferMissing);
+  } else {
+    buffer_[text.copy(buffer_, text.size())] = '\0';
+  }
+}
+
+}  // namespace
+
+void readTextAttribute(const tReadSources& sources, uint32_t attribute, char* buffer,
+                       uint64_t* size, zoerr::Status& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  const tAttributeId id(attribute);
+  const tTextReading reading(sources, id, buffer, size, status);
+  if (!sources.martenIsOpen && id.selectsMarten()) {
+    status.set(kNoController, kMartenNotOpen);
+  } else if (sources.martenIsOpen && id.number() == kFirmwareVersionNumber &&
+             !id.selectsController()) {
+    reading.readFromMarten();
+  } else if (const tTextRow* row = findTextRow(id.base())) {
+    reading.readRow(*row);
+  } else {
+    status.set(kAttributeNotSupported, kUnknownAttribute);
+  }
+}
+
+}  // namespace nQUENRA1400

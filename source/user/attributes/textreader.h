@@ -1,0 +1,19 @@
+#ifndef SOURCE_USER_ATTRIBUTES_TEXTREADER_H
+#define SOURCE_USER_ATTRIBUTES_TEXTREADER_H
+
+#include <cstdint>
+
+#include "source/user/attributes/readsources.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace nQUENRA1400 {
+
+// Reads a text attribute into the caller's buffer; what QUENRA_getAttributeUTF8 says holds. Without
+// a size the field of an ordinary attribute is not read. Does nothing when the status holds an
+// error.
+void readTextAttribute(const tReadSources& sources, uint32_t attribute, char* buffer,
+                       uint64_t* size, zoerr::Status& status) noexcept;
+
+}  // namespace nQUENRA1400
+
+#endif

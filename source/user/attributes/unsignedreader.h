@@ -1,0 +1,18 @@
+#ifndef SOURCE_USER_ATTRIBUTES_UNSIGNEDREADER_H
+#define SOURCE_USER_ATTRIBUTES_UNSIGNEDREADER_H
+
+#include <cstdint>
+
+#include "source/user/attributes/readsources.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace nQUENRA1400 {
+
+// Reads an unsigned attribute; what QUENRA_getAttributeU32 says holds. Does nothing when the status
+// holds an error.
+void readUnsignedAttribute(const tReadSources& sources, uint32_t attribute, uint32_t& value,
+                           zoerr::Status& status) noexcept;
+
+}  // namespace nQUENRA1400
+
+#endif

@@ -1,0 +1,29 @@
+#ifndef SOURCE_USER_EXPORTS_EXCEPTIONBOUNDARY_H
+#define SOURCE_USER_EXPORTS_EXCEPTIONBOUNDARY_H
+
+#include <new>
+
+#include "source/user/location.h"
+#include "source/user/statuscodes.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace nQUENRA1400 {
+
+// Runs what an export does. Nothing that is thrown inside leaves it: short memory becomes
+// kOutOfMemory, anything else kInternalError.
+template <class Operation>
+void runWithoutThrowing(zoerr::Status& status, Operation operation) noexcept {
+  constexpr auto kMemoryShort = sessionLocation(1701);
+  constexpr auto kUnforeseen = sessionLocation(1702);
+  try {
+    operation();
+  } catch (const std::bad_alloc&) {
+    status.set(kOutOfMemory, kMemoryShort);
+  } catch (...) {
+    status.set(nZOAPALS100::kInternalError, kUnforeseen);
+  }
+}
+
+}  // namespace nQUENRA1400
+
+#endif

@@ -1,0 +1,94 @@
+#include <cstdint>
+
+#include "quenra.h"
+#include "source/user/exports/devicepathattribute.h"
+#include "source/user/exports/exceptionboundary.h"
+#include "source/user/exports/tprocessstate.h"
+#include "source/user/location.h"
+#include "source/user/statuscodes.h"
+
+namespace {
+
+using nQUENRA1400::processState;
+using nQUENRA1400::readDevicePath;
+using nQUENRA1400::runWithoutThrowing;
+using nQUENRA1400::sessionLocation;
+using nQUENRA1400::tControllerUserSession;
+
+constexpr auto kNoSignedAttribute = sessionLocation(1590);
+constexpr auto kNoFloatingAttribute = sessionLocation(1611);
+constexpr auto kValueMissing = sessionLocation(1721);
+
+// What exports on a handle have in common: the handle, how loading went, and the session, in this
+// order. A bad handle is told without the lock. The operation runs outside the lock.
+template <class Operation>
+int32_t runOnSession(uint64_t handle, Operation operation) noexcept {
+  if (handle != QUENRA_HANDLE) {
+    return nQUENRA1400::kInvalidHandle;
+  }
+  zoerr::tOwnedStatus status;
+  processState().mergeLoadStatus(status);
+  if (status.isError()) {
+    return status.code;
+  }
+  if (tControllerUserSession* const session = processState().session(status)) {
+    runWithoutThrowing(status, [&] { operation(*session, status); });
+  }
+  return status.code;
+}
+
+}  // namespace
+
+int32_t QUENRA_openController(uint64_t* handle) {
+  if (handle == nullptr) {
+    return nZOAPALS100::kInvalidParameter;
+  }
+  zoerr::tOwnedStatus status;
+  processState().mergeLoadStatus(status);
+  if (!status.isError()) {
+    runWithoutThrowing(status, [&status] { processState().open(status); });
+  }
+  if (!status.isError()) {
+    *handle = QUENRA_HANDLE;
+  }
+  return status.code;
+}
+
+void QUENRA_closeController(uint64_t handle) {
+  if (handle == QUENRA_HANDLE && processState().isLoaded()) {
+    processState().close();
+  }
+}
+
+int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer, uint64_t* size) {
+  if (attribute == QUENRA_ATTRIBUTE_DEVICE_PATH) {
+    zoerr::tOwnedStatus status;
+    readDevicePath(buffer, size, status);
+    return status.code;
+  }
+  return runOnSession(handle, [=](tControllerUserSession& session, zoerr::Status& status) {
+    session.readText(attribute, buffer, size, status);
+  });
+}
+
+int32_t QUENRA_getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value) {
+  return runOnSession(handle, [=](tControllerUserSession& session, zoerr::Status& status) {
+    if (value == nullptr) {
+      status.set(nZOAPALS100::kInvalidParameter, kValueMissing);
+    } else {
+      session.readUnsigned(attribute, *value, status);
+    }
+  });
+}
+
+int32_t QUENRA_getAttributeI32(uint64_t handle, uint32_t, int32_t*) {
+  return runOnSession(handle, [](tControllerUserSession&, zoerr::Status& status) {
+    status.set(nQUENRA1400::kAttributeNotSupported, kNoSignedAttribute);
+  });
+}
+
+int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t, double*) {
+  return runOnSession(handle, [](tControllerUserSession&, zoerr::Status& status) {
+    status.set(nQUENRA1400::kAttributeNotSupported, kNoFloatingAttribute);
+  });
+}

@@ -1,0 +1,84 @@
+#include "source/user/session/smbioshandover.h"
+
+#include <algorithm>
+#include <bit>
+#include <span>
+
+#include "protocol/requestcodes.h"
+#include "source/user/location.h"
+#include "source/user/statuscodes.h"
+#include "zoapal/protons/cppnewdelete/memoryallocation.h"
+
+namespace nQUENRA1400 {
+namespace {
+
+using nZOAPALS100::tStatus;
+using tController = nZOAPAL000::iInterfaceProxy_hostController;
+
+constexpr auto kTableSizeNegative = sessionLocation(301);
+
+struct tSizes {
+  uint32_t text = 0;
+  int32_t table = 0;
+};
+
+// A record for one call to the driver, which is told of a warning that there already is. Each call
+// has its own, because the first one is expected to end in an error.
+tStatus recordFor(const zoerr::Status& status) noexcept {
+  tStatus record;
+  record.code = status.code;
+  return record;
+}
+
+tSizes askForSizes(tController& controller, zoerr::Status& status) noexcept {
+  tSizes sizes;
+  tStatus driver = recordFor(status);
+  controller.exchangeValues(0, sizes.text, 0, sizes.table, driver);
+  if (driver.code == DRIVER_STATUS_BUFFER_TOO_SMALL) {
+    return sizes;
+  }
+  status.mergeFrom(driver);
+  return sizes;
+}
+
+// What the driver says it has filled counts only as far as it was given room.
+size_t filled(uint32_t answered, size_t room) noexcept {
+  return std::min<size_t>(answered, room);
+}
+
+}  // namespace
+
+void installSmbiosTable(tController& controller, nZOSMBIOS_1_1::cZoSmBiosProvider& provider,
+                        zoerr::Status& status) noexcept {
+  const tSizes room = askForSizes(controller, status);
+  if (status.isError()) {
+    return;
+  }
+  if (room.table < 0) {
+    status.set(nZOAPALS100::kMemoryFull, kTableSizeNegative);
+    return;
+  }
+  const auto tableRoom = static_cast<uint32_t>(room.table);
+  tStatus allocation;
+  const auto text = nZOAPAL000::allocateBytes(room.text, allocation);
+  const auto table = nZOAPAL000::allocateBytes(tableRoom, allocation);
+  status.mergeFrom(allocation);
+  if (status.isError()) {
+    return;
+  }
+
+  tSizes answered = room;
+  tStatus driver = recordFor(status);
+  controller.exchangeValues(std::bit_cast<uintptr_t>(text.get()), answered.text,
+                            std::bit_cast<uintptr_t>(table.get()), answered.table, driver);
+  if (driver.isError()) {
+    provider.clear();
+  } else {
+    const void* const version = text.get();
+    provider.install({table.get(), filled(std::bit_cast<uint32_t>(answered.table), tableRoom)},
+                     {static_cast<const char*>(version), filled(answered.text, room.text)}, driver);
+  }
+  status.mergeFrom(driver);
+}
+
+}  // namespace nQUENRA1400

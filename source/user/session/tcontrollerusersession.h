@@ -1,0 +1,56 @@
+#ifndef SOURCE_USER_SESSION_TCONTROLLERUSERSESSION_H
+#define SOURCE_USER_SESSION_TCONTROLLERUSERSESSION_H
+
+#include <cstdint>
+
+#include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
+#include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
+#include "protocol/interfaceclasses.h"
+#include "source/user/attributes/readsources.h"
+#include "source/user/session/tmemorymodules.h"
+#include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+#include "zosmbios/czosmbiosprovider.h"
+
+namespace nQUENRA1400 {
+
+// The one object behind every valid handle. Made, counted and destroyed under the lock of the
+// exports; reads change nothing in it and may run concurrently.
+class tControllerUserSession {
+ public:
+  // Opens the driver's interfaces, installs the machine's SMBIOS table in the provider and checks
+  // that the library serves the machine. A session whose construction reported an error holds no
+  // open interface and is to be destroyed. The provider is referred to and outlives the session.
+  tControllerUserSession(nZOSMBIOS_1_1::cZoSmBiosProvider& provider,
+                         zoerr::Status& status) noexcept;
+  tControllerUserSession(const tControllerUserSession&) = delete;
+  tControllerUserSession& operator=(const tControllerUserSession&) = delete;
+  ~tControllerUserSession();
+
+  void addReference() noexcept { ++referenceCount_; }
+  // True when that was the last one, and the session is to be destroyed.
+  [[nodiscard]] bool dropReference() noexcept { return --referenceCount_ == 0; }
+
+  void readText(uint32_t attribute, char* buffer, uint64_t* size, zoerr::Status& status) noexcept;
+  void readUnsigned(uint32_t attribute, uint32_t& value, zoerr::Status& status) noexcept;
+
+ private:
+  void openControllerInterface(zoerr::Status& status) noexcept;
+  void openMartenInterface(zoerr::Status& status) noexcept;
+  void checkPlatform(zoerr::Status& status) noexcept;
+  void checkModel(zoerr::Status& status) noexcept;
+  void closeInterfaces() noexcept;
+  [[nodiscard]] tReadSources sources() noexcept;
+
+  nZOSMBIOS_1_1::cZoSmBiosProvider& provider_;
+  tMemoryModules memoryModules_;
+  uint64_t referenceCount_ = 1;
+  nZOAPAL000::tDeviceInterfaceProxy controllerDevice_;
+  nZOAPAL000::tDeviceInterfaceProxy martenDevice_;
+  nZOAPAL000::tInterfaceProxy_hostController controller_{controllerDevice_};
+  nZOAPAL000::tInterfaceProxy_hostMarten marten_{martenDevice_};
+};
+
+}  // namespace nQUENRA1400
+
+#endif
