@@ -66,6 +66,9 @@ void installSmbiosTable(tController& controller, nZOSMBIOS_1_1::cZoSmBiosProvide
   if (status.isError()) {
     return;
   }
+  // What a driver leaves out although it says to have filled it is nothing, not old memory.
+  std::fill_n(text.get(), room.text, uint8_t{0});
+  std::fill_n(table.get(), tableRoom, uint8_t{0});
 
   tSizes answered = room;
   tStatus driver = recordFor(status);
