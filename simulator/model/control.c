@@ -1,0 +1,193 @@
+#include "simulator/model/control.h"
+
+#include <stddef.h>
+
+#include "simulator/model/bytes.h"
+#include "simulator/model/defaultmachine.h"
+#include "simulator/model/windowserrors.h"
+
+enum {
+  kMostControllers = 2,
+  kMostMartens = 2,
+  kMostDevicePaths = 1
+};
+
+static tModelReply done(void) {
+  return (tModelReply){kWindowsErrorNone, 0};
+}
+
+static tModelReply failed(uint32_t windowsError) {
+  return (tModelReply){windowsError, 0};
+}
+
+static tModelReply answered(const tModelRequest* request, const void* bytes, uint32_t size) {
+  if (request->outputSize < size) {
+    return failed(kWindowsErrorInsufficientBuffer);
+  }
+  copyBytes(request->output, bytes, size);
+  return (tModelReply){kWindowsErrorNone, size};
+}
+
+static bool readInput(const tModelRequest* request, void* destination, uint32_t size) {
+  if (request->inputSize != size) {
+    return false;
+  }
+  copyBytes(destination, request->input, size);
+  return true;
+}
+
+static bool samePresence(const tSimulatorPresence* left, const tSimulatorPresence* right) {
+  return left->controllers == right->controllers && left->martens == right->martens &&
+         left->devicePaths == right->devicePaths;
+}
+
+static void changePresence(tModel* model, const tSimulatorPresence* presence) {
+  if (!samePresence(&model->presence, presence)) {
+    model->presence = *presence;
+    model->host.presenceChanged(model->host.context, &model->presence);
+  }
+}
+
+void resetMachine(tModel* model) {
+  makeDefaultMachine(model);
+  scriptsClear(&model->scripts);
+  logClear(&model->log);
+}
+
+static tModelReply reset(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  resetMachine(model);
+  changePresence(model, &kDefaultPresence);
+  return done();
+}
+
+static tModelReply setPresence(tModel* model, const tModelRequest* request) {
+  tSimulatorPresence presence;
+  if (!readInput(request, &presence, sizeof(presence)) || presence.controllers > kMostControllers ||
+      presence.martens > kMostMartens || presence.devicePaths > kMostDevicePaths) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  changePresence(model, &presence);
+  return done();
+}
+
+static tModelReply getPresence(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return answered(request, &model->presence, sizeof(model->presence));
+}
+
+static tModelReply setTable(tModel* model, const tModelRequest* request) {
+  return handoverSetTable(&model->handover, request->input, request->inputSize)
+             ? done()
+             : failed(kWindowsErrorInvalidParameter);
+}
+
+static tModelReply getTable(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return answered(request, model->handover.table, model->handover.tableSize);
+}
+
+static tModelReply setVersionText(tModel* model, const tModelRequest* request) {
+  return handoverSetText(&model->handover, request->input, request->inputSize)
+             ? done()
+             : failed(kWindowsErrorInvalidParameter);
+}
+
+static bool hasAttributes(uint32_t interfaceKind) {
+  return interfaceKind == kSimulatorInterfaceController ||
+         interfaceKind == kSimulatorInterfaceMarten;
+}
+
+static tModelReply setAttribute(tModel* model, const tModelRequest* request) {
+  tSimulatorAttribute attribute;
+  if (!readInput(request, &attribute, sizeof(attribute)) ||
+      !hasAttributes(attribute.interfaceKind) || attribute.size > SIMULATOR_VALUE_CAPACITY) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return attributesPut(&model->attributes, &attribute) ? done()
+                                                       : failed(kWindowsErrorNoSystemResources);
+}
+
+static tModelReply removeAttribute(tModel* model, const tModelRequest* request) {
+  tSimulatorAttribute attribute;
+  if (!readInput(request, &attribute, sizeof(attribute)) ||
+      !hasAttributes(attribute.interfaceKind)) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  attributesRemove(&model->attributes, attribute.interfaceKind, attribute.attribute);
+  return done();
+}
+
+static tModelReply addScript(tModel* model, const tModelRequest* request) {
+  tSimulatorScript script;
+  if (!readInput(request, &script, sizeof(script)) || !scriptIsValid(&script)) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return scriptsAdd(&model->scripts, &script) ? done() : failed(kWindowsErrorNoSystemResources);
+}
+
+static tModelReply clearScripts(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  scriptsClear(&model->scripts);
+  return done();
+}
+
+static tModelReply readLog(tModel* model, const tModelRequest* request) {
+  uint64_t fromSequence;
+  if (!readInput(request, &fromSequence, sizeof(fromSequence))) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  const uint32_t kept = logCountFrom(&model->log, fromSequence);
+  const uint32_t room = request->outputSize / (uint32_t)sizeof(tSimulatorLogEntry);
+  if (kept != 0 && room == 0) {
+    return failed(kWindowsErrorInsufficientBuffer);
+  }
+  const uint32_t count = smallerOf(kept, room);
+  logCopyFrom(&model->log, fromSequence, count, request->output);
+  return (tModelReply){kWindowsErrorNone, count * (uint32_t)sizeof(tSimulatorLogEntry)};
+}
+
+static tModelReply clearLog(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  logClear(&model->log);
+  return done();
+}
+
+typedef struct tControlRequest {
+  uint32_t code;
+  tModelReply (*carryOut)(tModel* model, const tModelRequest* request);
+} tControlRequest;
+
+static const tControlRequest kControlRequests[] = {
+    {SIMULATOR_RESET, reset},
+    {SIMULATOR_SET_PRESENCE, setPresence},
+    {SIMULATOR_GET_PRESENCE, getPresence},
+    {SIMULATOR_SET_TABLE, setTable},
+    {SIMULATOR_GET_TABLE, getTable},
+    {SIMULATOR_SET_VERSION_TEXT, setVersionText},
+    {SIMULATOR_SET_ATTRIBUTE, setAttribute},
+    {SIMULATOR_REMOVE_ATTRIBUTE, removeAttribute},
+    {SIMULATOR_ADD_SCRIPT, addScript},
+    {SIMULATOR_CLEAR_SCRIPTS, clearScripts},
+    {SIMULATOR_READ_LOG, readLog},
+    {SIMULATOR_CLEAR_LOG, clearLog},
+};
+
+tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {
+  for (size_t i = 0; i < sizeof(kControlRequests) / sizeof(kControlRequests[0]); ++i) {
+    if (kControlRequests[i].code == request->code) {
+      return kControlRequests[i].carryOut(model, request);
+    }
+  }
+  return failed(kWindowsErrorInvalidFunction);
+}

@@ -1,0 +1,21 @@
+/* The state behind `tModel`. Only the model itself looks into it; the host needs its size. */
+#ifndef SIMULATOR_MODEL_MODELSTATE_H
+#define SIMULATOR_MODEL_MODELSTATE_H
+
+#include "simulator/model/attributes.h"
+#include "simulator/model/model.h"
+#include "simulator/model/requestlog.h"
+#include "simulator/model/scripts.h"
+#include "simulator/model/smbioshandover.h"
+
+/* About 250 KB: too large for a stack. Needs no clearing before modelInitialise. */
+struct tModel {
+  tModelHost host;
+  tSimulatorPresence presence;
+  tSmbiosHandover handover;
+  tAttributeStore attributes;
+  tScriptList scripts;
+  tRequestLog log;
+};
+
+#endif

@@ -1,0 +1,22 @@
+/* What the controller interface hands over when it is asked to exchange values: the SMBIOS version
+ * text and the SMBIOS structure table. */
+#ifndef SIMULATOR_MODEL_SMBIOSHANDOVER_H
+#define SIMULATOR_MODEL_SMBIOSHANDOVER_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#include "simulator/control/controlprotocol.h"
+
+typedef struct tSmbiosHandover {
+  uint32_t textSize;
+  uint32_t tableSize;
+  uint8_t text[SIMULATOR_TEXT_CAPACITY];
+  uint8_t table[SIMULATOR_TABLE_CAPACITY];
+} tSmbiosHandover;
+
+/* False, with nothing changed, when `size` exceeds the capacity. */
+bool handoverSetText(tSmbiosHandover* handover, const void* text, uint32_t size);
+bool handoverSetTable(tSmbiosHandover* handover, const void* table, uint32_t size);
+
+#endif
