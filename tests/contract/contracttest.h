@@ -1,0 +1,109 @@
+// What the contract tests share. They know the library by its exports and the machine by its control
+// interface, and are built twice: for the simulated machine, and natively against the fake Windows.
+#ifndef TESTS_CONTRACT_CONTRACTTEST_H
+#define TESTS_CONTRACT_CONTRACTTEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "quenra.h"
+#include "simulator/control/tsimulatedmachine.h"
+#include "tests/builders/referencetable.h"
+
+#ifndef _WIN32
+#include "tests/fakewindows/fakewindowstest.h"
+#endif
+
+namespace nTests {
+
+#ifdef _WIN32
+using tContractTestBase = testing::Test;
+#else
+using tContractTestBase = nFakeWindows::FakeWindowsTest;
+#endif
+
+// Starts from the default machine with the reference table, and leaves no controller open.
+class ContractTest : public tContractTestBase {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // The machine that the next open finds.
+  void useTable(const tReferenceTable& table);
+  void usePresence(uint32_t controllers, uint32_t martens, uint32_t devicePaths = 1);
+  // Opens; the test fails when that fails.
+  void open();
+
+  nSimulator::tSimulatedMachine& machine() { return *machine_; }
+  // The requests with this code that the driver has received from this process, oldest first.
+  std::vector<tSimulatorLogEntry> requests(uint32_t code);
+  // How often an interface has been opened or closed.
+  size_t count(tSimulatorEvent event, tSimulatorInterface interfaceKind);
+
+ private:
+  std::unique_ptr<nSimulator::tSimulatedMachine> machine_;
+};
+
+// Opens for a scope.
+class tOpenController {
+ public:
+  tOpenController() : code_(QUENRA_openController(&handle_)) {}
+  tOpenController(const tOpenController&) = delete;
+  tOpenController& operator=(const tOpenController&) = delete;
+  ~tOpenController() {
+    if (code_ >= 0) {
+      QUENRA_closeController(handle_);
+    }
+  }
+  [[nodiscard]] int32_t code() const { return code_; }
+  [[nodiscard]] uint64_t handle() const { return handle_; }
+
+ private:
+  uint64_t handle_ = 0;
+  int32_t code_;
+};
+
+inline constexpr uint64_t kUntouchedSize = 200;
+inline constexpr char kUntouchedText[] = "untouched";
+inline constexpr uint32_t kUntouchedValue = 0xCAFEF00D;
+
+// The outcome of one read, to be compared as a whole.
+struct tTextRead {
+  int32_t code;
+  std::string text;  // what the buffer holds; kUntouchedText when nothing was written
+  uint64_t size = kUntouchedSize;
+  bool operator==(const tTextRead&) const = default;
+};
+struct tUnsignedRead {
+  int32_t code;
+  uint32_t value;
+  bool operator==(const tUnsignedRead&) const = default;
+};
+void PrintTo(const tTextRead& read, std::ostream* out);
+void PrintTo(const tUnsignedRead& read, std::ostream* out);
+
+// Reads with the valid handle. The buffer has `size` bytes, and kUntouchedText before the read as
+// far as it fits.
+[[nodiscard]] tTextRead readText(uint32_t attribute, uint64_t size = kUntouchedSize);
+[[nodiscard]] tUnsignedRead readUnsigned(uint32_t attribute);
+
+[[nodiscard]] inline tTextRead text(std::string value) {
+  return {QUENRA_STATUS_SUCCESS, std::move(value)};
+}
+[[nodiscard]] inline tTextRead noText(int32_t code) {
+  return {code, kUntouchedText};
+}
+[[nodiscard]] inline tUnsignedRead value(uint32_t number) {
+  return {QUENRA_STATUS_SUCCESS, number};
+}
+[[nodiscard]] inline tUnsignedRead noValue(int32_t code) {
+  return {code, 0};
+}
+
+}  // namespace nTests
+
+#endif

@@ -1,0 +1,418 @@
+#include "tests/contract/contracttest.h"
+
+namespace nTests {
+namespace {
+
+class TextAttribute : public ContractTest {
+ protected:
+  void openOn(const tReferenceTable& table) {
+    useTable(table);
+    open();
+  }
+  static constexpr int32_t kNotSupported = QUENRA_STATUS_NOT_SUPPORTED;
+};
+
+// ---- Every row of the table ----
+
+struct tTextCase {
+  uint32_t attribute;
+  uint8_t structure;  // the structure that the text is in
+  uint8_t offset;     // ... and where in it
+  const char* value;
+};
+void PrintTo(const tTextCase& row, std::ostream* out) {
+  *out << "attribute " << std::hex << row.attribute;
+}
+
+class TextTable : public TextAttribute, public testing::WithParamInterface<tTextCase> {};
+
+// Without a Marten interface every attribute comes from the machine's table.
+TEST_P(TextTable, ReadsItsField) {
+  usePresence(1, 0);
+  open();
+  EXPECT_EQ(readText(GetParam().attribute), text(GetParam().value));
+}
+
+TEST_P(TextTable, SelectedOnTheController_ReadsItsField) {
+  open();
+  EXPECT_EQ(readText(GetParam().attribute | QUENRA_SELECTOR_CONTROLLER), text(GetParam().value));
+}
+
+TEST_P(TextTable, WithAnUnknownSelector_ReadsItsField) {
+  usePresence(1, 0);
+  open();
+  EXPECT_EQ(readText(GetParam().attribute | 0x00300000), text(GetParam().value));
+}
+
+TEST_P(TextTable, InABufferThatJustFits_ReadsItsField) {
+  usePresence(1, 0);
+  open();
+  const uint64_t needed = std::string_view(GetParam().value).size() + 1;
+  EXPECT_EQ(readText(GetParam().attribute, needed), (tTextRead{0, GetParam().value, needed}));
+}
+
+TEST_P(TextTable, InABufferOneByteTooSmall_TellsTheSizeNeeded) {
+  usePresence(1, 0);
+  open();
+  const uint64_t needed = std::string_view(GetParam().value).size() + 1;
+  const tTextRead read = readText(GetParam().attribute, needed - 1);
+  EXPECT_EQ(read.code, QUENRA_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(read.size, needed);
+}
+
+TEST_P(TextTable, WithSizeZeroAndNoBuffer_TellsTheSizeNeeded) {
+  usePresence(1, 0);
+  open();
+  uint64_t size = 0;
+  EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, GetParam().attribute, nullptr, &size),
+            QUENRA_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(size, std::string_view(GetParam().value).size() + 1);
+}
+
+TEST_P(TextTable, WithoutBuffer_FailsWithInvalidParameter) {
+  usePresence(1, 0);
+  open();
+  uint64_t size = 200;
+  EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, GetParam().attribute, nullptr, &size),
+            QUENRA_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(size, 200u);
+}
+
+TEST_P(TextTable, WithASizeBeyond32Bits_ReadsItsField) {
+  usePresence(1, 0);
+  open();
+  char buffer[200] = "";
+  uint64_t size = (uint64_t{1} << 32) + 1;
+  EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, GetParam().attribute, buffer, &size), 0);
+  EXPECT_STREQ(buffer, GetParam().value);
+  EXPECT_EQ(size, (uint64_t{1} << 32) + 1);
+}
+
+TEST_P(TextTable, WhoseStringIsAbsent_IsNotSupported) {
+  usePresence(1, 0);
+  // The product name decides whether the machine is served at all.
+  if (GetParam().attribute == QUENRA_ATTRIBUTE_PRODUCT_NAME) {
+    GTEST_SKIP() << "a machine without a product name does not open";
+  }
+  tReferenceTable table;
+  table.structure(GetParam().structure).byte(GetParam().offset, 0);
+  openOn(table);
+  const tTextRead read = readText(GetParam().attribute);
+  EXPECT_EQ(read.code, kNotSupported);
+  EXPECT_EQ(read.size, kUntouchedSize);
+}
+
+TEST_P(TextTable, WhoseStringNumberLeavesTheSet_ReadsAsNothing) {
+  usePresence(1, 0);
+  if (GetParam().attribute == QUENRA_ATTRIBUTE_PRODUCT_NAME) {
+    GTEST_SKIP() << "a machine without a product name does not open";
+  }
+  tReferenceTable table;
+  table.structure(GetParam().structure).byte(GetParam().offset, 99);
+  openOn(table);
+  EXPECT_EQ(readText(GetParam().attribute), noText(0));
+}
+
+TEST_P(TextTable, WhoseStructureIsTooShort_IsNotSupported) {
+  usePresence(1, 0);
+  const tTextCase& row = GetParam();
+  if (row.attribute == QUENRA_ATTRIBUTE_PRODUCT_NAME) {
+    GTEST_SKIP() << "a machine without a product name does not open";
+  }
+  if (row.structure == 0x01 && row.offset < 0x05) {
+    GTEST_SKIP() << "the product name would be cut off too";
+  }
+  tReferenceTable table;
+  table.structure(row.structure).cutTo(row.offset);
+  openOn(table);
+  EXPECT_EQ(readText(row.attribute), noText(kNotSupported));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, TextTable,
+    testing::Values(
+        tTextCase{0x10000000, 0x01, 0x04, "Bench Works"},
+        tTextCase{0x10000100, 0x01, 0x05, "BW-8135"}, tTextCase{0x10000200, 0x01, 0x07, "S-0042"},
+        tTextCase{0x10000300, 0x01, 0x06, "V-7"}, tTextCase{0x10000400, 0x00, 0x05, "B-1.23"},
+        tTextCase{0x10000700, 0x96, 0x0D, "PI-0001"},
+        tTextCase{0x10006400, 0x96, 0x09, "platform text 1"},
+        tTextCase{0x10006500, 0x96, 0x0A, "platform text 2"},
+        tTextCase{0x1000CC00, 0x11, 0x17, "Memory maker 0"},
+        tTextCase{0x1000CD00, 0x11, 0x1A, "MP-0"}, tTextCase{0x1000CE00, 0x11, 0x18, "MS-0"},
+        tTextCase{0x1000CF00, 0x11, 0x10, "DIMM 0"},
+        tTextCase{0x10012C00, 0x04, 0x07, "Processor maker 0"},
+        tTextCase{0x10012D00, 0x04, 0x10, "Processor version 0"},
+        tTextCase{0x1001F400, 0x97, 0x04, "07:12"}, tTextCase{0x10025900, 0x98, 0x05, "01:0"},
+        tTextCase{0x1002BD00, 0x99, 0x05, "03:4"}, tTextCase{0x1002BE00, 0x99, 0x06, "link text"},
+        tTextCase{0x10032100, 0x9A, 0x05, "05:6"},
+        tTextCase{0x10038400, 0x9C, 0x04, "platform text 3"},
+        tTextCase{0x1006A500, 0xA3, 0x07, "00:b"}, tTextCase{0x1006A600, 0xA3, 0x08, "00:2,03:4"}));
+
+// ---- Sizes that are not given ----
+
+TEST_F(TextAttribute, OrdinaryWithoutSize_IsNotReadAndNotAnError) {
+  open();
+  char buffer[200] = "untouched";
+  for (const uint32_t attribute :
+       {QUENRA_ATTRIBUTE_PRODUCT_NAME, QUENRA_ATTRIBUTE_SERIAL_NUMBER,
+        QUENRA_ATTRIBUTE_SYSTEM_VERSION, QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER,
+        QUENRA_ATTRIBUTE_MEMORY_LOCATOR, QUENRA_ATTRIBUTE_FIRMWARE_VERSION}) {
+    EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, buffer, nullptr), 0);
+  }
+  EXPECT_STREQ(buffer, "untouched");
+}
+
+TEST_F(TextAttribute, LocationWithoutSize_FailsWithBufferTooSmall) {
+  open();
+  char buffer[200] = "untouched";
+  for (const uint32_t attribute : {QUENRA_ATTRIBUTE_BUS_LOCATION, QUENRA_ATTRIBUTE_SLOT_LOCATION,
+                                   QUENRA_ATTRIBUTE_BRIDGE_MEMBERS}) {
+    EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, buffer, nullptr),
+              QUENRA_STATUS_BUFFER_TOO_SMALL);
+  }
+  EXPECT_STREQ(buffer, "untouched");
+}
+
+// ---- Ids that are not in the table ----
+
+TEST_F(TextAttribute, WithAnUnknownId_IsNotSupported) {
+  open();
+  for (const uint32_t attribute :
+       {0u, 0x10000500u, 0x1000CB00u, 0x20000100u, 0x11000100u, 0x18000200u, 0x1FFFFFFFu, ~0u}) {
+    EXPECT_EQ(readText(attribute), noText(kNotSupported)) << std::hex << attribute;
+  }
+}
+
+// ---- Texts that stand for none ----
+
+TEST_F(TextAttribute, SerialNumberNotApplicable_IsNotSupportedAndLeavesNoText) {
+  tReferenceTable table;
+  table.structure(0x01).text(0x07, "Not Applicable");
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SERIAL_NUMBER), (tTextRead{kNotSupported, ""}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SERIAL_NUMBER, 14).code, QUENRA_STATUS_BUFFER_TOO_SMALL);
+}
+
+TEST_F(TextAttribute, SerialNumberThatOnlyBeginsLikeIt_IsRead) {
+  tReferenceTable table;
+  table.structure(0x01).text(0x07, "Not Applicable 2");
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SERIAL_NUMBER), text("Not Applicable 2"));
+}
+
+TEST_F(TextAttribute, SystemVersionThatRepeatsTheBiosVersion_IsNotSupported) {
+  tReferenceTable table;
+  table.structure(0x01).text(0x06, "B-1.23");
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SYSTEM_VERSION), (tTextRead{kNotSupported, ""}));
+}
+
+TEST_F(TextAttribute, SystemVersionWithoutBiosStructure_IsNotSupportedYetLeavesTheVersion) {
+  openOn(tReferenceTable().remove(0x00));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SYSTEM_VERSION), (tTextRead{kNotSupported, "V-7"}));
+}
+
+TEST_F(TextAttribute, SystemVersionWithMalformedBiosVersion_IsRead) {
+  tReferenceTable table;
+  table.structure(0x00).byte(0x05, 99);
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SYSTEM_VERSION), text("V-7"));
+}
+
+// ---- The platform identifier ----
+
+TEST_F(TextAttribute, PlatformIdentifierBeforeGeneration7_IsNotSupported) {
+  usePresence(1, 0);
+  tReferenceTable table;
+  table.structure(0x96).byte(0x04, 6);
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER), noText(kNotSupported));
+}
+
+TEST_F(TextAttribute, PlatformIdentifierNotApplicable_IsNotSupportedAndLeavesNoText) {
+  tReferenceTable table;
+  table.structure(0x96).text(0x0D, "Not Applicable");
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER), (tTextRead{kNotSupported, ""}));
+}
+
+// ---- Instances ----
+
+TEST_F(TextAttribute, OfASecondProcessor_IsReadByInstance) {
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER + 1), text("Processor maker 1"));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PROCESSOR_VERSION + 1), text("Processor version 1"));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PROCESSOR_VERSION + 2), noText(kNotSupported));
+}
+
+TEST_F(TextAttribute, OfASecondPopulatedModule_SkipsTheEmptySocket) {
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_MEMORY_MANUFACTURER + 1), text("Memory maker 2"));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_MEMORY_PART_NUMBER + 1), text("MP-2"));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_MEMORY_SERIAL_NUMBER + 1), text("MS-2"));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_MEMORY_LOCATOR + 1), text("DIMM 2"));
+}
+
+TEST_F(TextAttribute, OfAModuleThatIsNotThere_IsNotSupported) {
+  open();
+  for (const uint32_t attribute :
+       {QUENRA_ATTRIBUTE_MEMORY_MANUFACTURER, QUENRA_ATTRIBUTE_MEMORY_PART_NUMBER,
+        QUENRA_ATTRIBUTE_MEMORY_SERIAL_NUMBER, QUENRA_ATTRIBUTE_MEMORY_LOCATOR}) {
+    EXPECT_EQ(readText(attribute + 2), noText(kNotSupported));
+    EXPECT_EQ(readText(attribute + 255), noText(kNotSupported));
+  }
+}
+
+TEST_F(TextAttribute, WithOneStructureOnly_HasNoSecondInstance) {
+  open();
+  for (const uint32_t attribute :
+       {QUENRA_ATTRIBUTE_SYSTEM_MANUFACTURER, QUENRA_ATTRIBUTE_PLATFORM_TEXT_1,
+        QUENRA_ATTRIBUTE_BUS_LOCATION, QUENRA_ATTRIBUTE_LINK_TEXT}) {
+    EXPECT_EQ(readText(attribute + 1), noText(kNotSupported));
+  }
+}
+
+// ---- Lists ----
+
+TEST_F(TextAttribute, OfAList_IsReadByPosition) {
+  open();
+  const char* const slots[] = {"01:0", "02:0", "13:1", "4"};
+  for (uint32_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SLOT_LOCATION + i), text(slots[i]));
+  }
+  for (uint32_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_LOCATION + i), text("0" + std::to_string(i) + ":b"));
+    EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS + i),
+              text("0" + std::to_string(i) + ":2,03:4"));
+  }
+}
+
+TEST_F(TextAttribute, OfAList_BeyondItsCount_IsNotSupported) {
+  tReferenceTable table;
+  table.structure(0x98).byte(0x04, 2);
+  table.structure(0xA3).byte(0x06, 0);
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SLOT_LOCATION + 1), text("02:0"));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SLOT_LOCATION + 2), noText(kNotSupported));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_LOCATION), noText(kNotSupported));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS), noText(kNotSupported));
+}
+
+TEST_F(TextAttribute, OfAList_BeyondTheStructuresRoom_IsNotSupported) {
+  tReferenceTable table;
+  table.structure(0x98).byte(0x04, 10);
+  table.structure(0xA3).byte(0x06, 10);
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SLOT_LOCATION + 4), noText(kNotSupported));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_LOCATION + 5), noText(kNotSupported));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS + 5), noText(kNotSupported));
+}
+
+// ---- The Marten interface ----
+
+class TextFromMarten : public TextAttribute {
+ protected:
+  void SetUp() override {
+    TextAttribute::SetUp();
+    for (const uint32_t attribute :
+         {uint32_t{QUENRA_ATTRIBUTE_FIRMWARE_VERSION},
+          QUENRA_ATTRIBUTE_FIRMWARE_VERSION | uint32_t{QUENRA_SELECTOR_MARTEN}}) {
+      machine().setAttributeText(kSimulatorInterfaceMarten, attribute, "M-9.8");
+    }
+  }
+};
+
+TEST_F(TextFromMarten, FirmwareVersion_IsAskedOfAnOpenMarten) {
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{0, "M-9.8", 6}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN),
+            (tTextRead{0, "M-9.8", 6}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_CONTROLLER),
+            text("B-1.23"));
+}
+
+TEST_F(TextFromMarten, FirmwareVersion_WithoutMarten_IsTheBiosVersion) {
+  usePresence(1, 0);
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), text("B-1.23"));
+}
+
+TEST_F(TextFromMarten, AnyTextSelectedOnAClosedMarten_FailsWithNoController) {
+  usePresence(1, 0);
+  open();
+  for (const uint32_t attribute : {QUENRA_ATTRIBUTE_FIRMWARE_VERSION, QUENRA_ATTRIBUTE_PRODUCT_NAME,
+                                   QUENRA_ATTRIBUTE_BUS_LOCATION}) {
+    EXPECT_EQ(readText(attribute | QUENRA_SELECTOR_MARTEN), noText(QUENRA_STATUS_NO_CONTROLLER));
+  }
+  EXPECT_EQ(readText(0x1FF00000 | QUENRA_SELECTOR_MARTEN), noText(kNotSupported));
+  EXPECT_EQ(readText(0x10205000), noText(QUENRA_STATUS_NO_CONTROLLER)) << "an unknown attribute";
+}
+
+TEST_F(TextFromMarten, OtherTextsSelectedOnAnOpenMarten_ComeFromTheTable) {
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PRODUCT_NAME | QUENRA_SELECTOR_MARTEN), text("BW-8135"));
+}
+
+TEST_F(TextFromMarten, InABufferThatIsTooSmall_TellsTheSizeNeeded) {
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 5),
+            (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "untou", 6}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 6), (tTextRead{0, "M-9.8", 6}));
+}
+
+TEST_F(TextFromMarten, WithSizeZeroAndNoBuffer_TellsTheSizeNeeded) {
+  open();
+  uint64_t size = 0;
+  EXPECT_EQ(
+      QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, nullptr, &size),
+      QUENRA_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(size, 6u);
+}
+
+TEST_F(TextFromMarten, WithASizeButNoBuffer_FailsWithInvalidParameter) {
+  open();
+  uint64_t size = 100;
+  EXPECT_EQ(
+      QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, nullptr, &size),
+      QUENRA_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(size, 100u);
+}
+
+TEST_F(TextFromMarten, DriversWarning_IsReturnedWithTheText) {
+  open();
+  tSimulatorScript script{};
+  script.interfaceKind = kSimulatorInterfaceMarten;
+  script.action = kSimulatorActionAddCode;
+  script.driverStatus = 9;
+  machine().addScript(script);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{9, "M-9.8", 6}));
+}
+
+TEST_F(TextFromMarten, RequestThatFails_GivesTheMappedCodeAndLeavesTheSize) {
+  open();
+  tSimulatorScript script{};
+  script.interfaceKind = kSimulatorInterfaceMarten;
+  script.action = kSimulatorActionFail;
+  script.windowsError = 121;
+  machine().addScript(script);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), noText(QUENRA_STATUS_TIME_OUT));
+}
+
+TEST_F(TextFromMarten, WithASizeBeyond32Bits_OffersTheDriverTheLargestSize) {
+  open();
+  machine().clearLog();
+  char buffer[200] = "";
+  uint64_t size = (uint64_t{1} << 32) + 10;
+  EXPECT_EQ(
+      QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, buffer, &size), 0);
+  EXPECT_STREQ(buffer, "M-9.8");
+  EXPECT_EQ(size, 6u);
+  const auto entries = requests(REQUEST_GET_ATTRIBUTE);
+  ASSERT_EQ(entries.size(), 1u);
+  for (size_t i = 16; i < 20; ++i) {
+    EXPECT_EQ(entries[0].input[i], 0xFF);
+  }
+}
+
+}  // namespace
+}  // namespace nTests
