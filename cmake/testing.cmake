@@ -1,0 +1,16 @@
+# quenra_test(NAME SOURCES file... [LIBRARIES target...])
+#
+# A GoogleTest program. Natively each of its tests is a test of its own. On Windows the program is
+# one test, because starting a program costs more there than most tests do, and only one at a time
+# has the simulated machine.
+function(quenra_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE house_rules ${arg_LIBRARIES} gmock gtest_main)
+  if(WIN32)
+    add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK simulated_machine TIMEOUT 300)
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+  endif()
+endfunction()
