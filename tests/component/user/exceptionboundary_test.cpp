@@ -1,0 +1,34 @@
+#include "source/user/exports/exceptionboundary.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace nTests {
+namespace {
+
+using nQUENRA1400::runWithoutThrowing;
+
+TEST(ExceptionBoundary, WithoutException_LeavesTheStatusToTheOperation) {
+  zoerr::tOwnedStatus status;
+  runWithoutThrowing(status, [&status] { status.code = 3; });
+  EXPECT_EQ(status.code, 3);
+}
+
+TEST(ExceptionBoundary, ShortMemory_BecomesOutOfMemory) {
+  zoerr::tOwnedStatus status;
+  runWithoutThrowing(status, [] { throw std::bad_alloc(); });
+  EXPECT_EQ(status.code, -26933);
+}
+
+TEST(ExceptionBoundary, AnythingElse_BecomesInternalError) {
+  zoerr::tOwnedStatus status;
+  runWithoutThrowing(status, [] { throw std::runtime_error("unforeseen"); });
+  EXPECT_EQ(status.code, -52008);
+  zoerr::tOwnedStatus other;
+  runWithoutThrowing(other, [] { throw 5; });
+  EXPECT_EQ(other.code, -52008);
+}
+
+}  // namespace
+}  // namespace nTests

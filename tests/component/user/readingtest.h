@@ -1,0 +1,84 @@
+// A reader's surroundings: a provider with a table, memory modules, and doubles of the driver.
+#ifndef TESTS_COMPONENT_USER_READINGTEST_H
+#define TESTS_COMPONENT_USER_READINGTEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "source/user/attributes/readsources.h"
+#include "source/user/attributes/textreader.h"
+#include "source/user/attributes/unsignedreader.h"
+#include "tests/builders/referencetable.h"
+#include "tests/component/user/tscripteddriver.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+#include "zosmbios/czosmbiosprovider.h"
+
+namespace nTests {
+
+// A provider that has no machine to load a table from.
+class tInstalledProvider final : public nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosProvider {
+ public:
+  void load(nZOAPALS100::tStatus& status) noexcept override {
+    mergeStatus(status, nQUENRA1400::nZOSMBIOS_1_1::kNoTable, "quenra", "test", 1);
+  }
+};
+
+// The source line that a status tells; 0 when it tells none.
+[[nodiscard]] inline uint32_t lineOf(const zoerr::Status& status) {
+  const std::string text = status.description == nullptr ? "" : status.description;
+  const size_t line = text.find("\"line\":");
+  return line == std::string::npos ? 0 : static_cast<uint32_t>(std::stoul(text.substr(line + 7)));
+}
+
+struct tFailure {
+  int32_t code;
+  uint32_t line;
+  bool operator==(const tFailure&) const = default;
+};
+inline void PrintTo(const tFailure& failure, std::ostream* out) {
+  *out << "code " << failure.code << " at line " << failure.line;
+}
+
+class ReadingTest : public testing::Test {
+ protected:
+  void SetUp() override { install(tReferenceTable()); }
+
+  void install(const tReferenceTable& table) {
+    const std::vector<uint8_t> bytes = table.build();
+    nZOAPALS100::tStatus installing;
+    provider.install(bytes, {}, installing);
+    ASSERT_EQ(installing.code, 0);
+    modules = nQUENRA1400::tMemoryModules();
+    zoerr::tOwnedStatus finding;
+    modules.find(provider, finding);
+  }
+  nQUENRA1400::tReadSources sources() {
+    return {provider, modules, controller, marten, controllerIsOpen, martenIsOpen};
+  }
+  tFailure readText(uint32_t attribute, uint64_t size = sizeof buffer) {
+    zoerr::tOwnedStatus status;
+    readTextAttribute(sources(), attribute, buffer, &size, status);
+    return {status.code, lineOf(status)};
+  }
+  tFailure readUnsigned(uint32_t attribute) {
+    zoerr::tOwnedStatus status;
+    readUnsignedAttribute(sources(), attribute, value, status);
+    return {status.code, lineOf(status)};
+  }
+
+  tInstalledProvider provider;
+  nQUENRA1400::tMemoryModules modules;
+  tScriptedController controller;
+  tScriptedMarten marten;
+  bool controllerIsOpen = true;
+  bool martenIsOpen = false;
+  char buffer[200] = "untouched";
+  uint32_t value = 0xCAFEF00D;
+};
+
+}  // namespace nTests
+
+#endif

@@ -1,0 +1,69 @@
+#include "tests/component/user/readingtest.h"
+
+namespace nTests {
+namespace {
+
+class MemoryModules : public ReadingTest {
+ protected:
+  tFailure find(const tReferenceTable& table) {
+    const std::vector<uint8_t> bytes = table.build();
+    nZOAPALS100::tStatus installing;
+    provider.install(bytes, {}, installing);
+    modules = nQUENRA1400::tMemoryModules();
+    zoerr::tOwnedStatus status;
+    modules.find(provider, status);
+    return {status.code, lineOf(status)};
+  }
+};
+
+TEST_F(MemoryModules, AreThePopulatedDevicesInTableOrder) {
+  EXPECT_EQ(find(tReferenceTable()), (tFailure{0, 0}));
+  EXPECT_EQ(modules.count(), 2u);
+  zoerr::tOwnedStatus status;
+  EXPECT_EQ(modules.instanceOf(0, status), 0u);
+  EXPECT_EQ(modules.instanceOf(1, status), 2u);
+  EXPECT_EQ(status.code, 0);
+}
+
+TEST_F(MemoryModules, IndexBeyondTheCount_FailsAtLine2534) {
+  zoerr::tOwnedStatus status;
+  EXPECT_EQ(modules.instanceOf(2, status), 0u);
+  EXPECT_EQ(status.code, -26934);
+  EXPECT_EQ(lineOf(status), 2534u);
+}
+
+TEST_F(MemoryModules, WithoutAnArray_FailAtLine2569) {
+  EXPECT_EQ(find(tReferenceTable().remove(0x10)), (tFailure{-26934, 2569}));
+}
+
+TEST_F(MemoryModules, WithADeviceMissing_FailAtLine2569AndAreNone) {
+  tReferenceTable table;
+  table.structure(0x10).word(0x0D, 5);
+  EXPECT_EQ(find(table), (tFailure{-26934, 2569}));
+  EXPECT_EQ(modules.count(), 0u);
+}
+
+TEST_F(MemoryModules, WhoseSizeIsMalformed_AreSkipped) {
+  tReferenceTable table;
+  table.remove(0x11).structure(0x10).word(0x0D, 1);
+  std::vector<uint8_t> bytes = table.build();
+  bytes.insert(bytes.end(), {0x11, 0x28, 0x00, 0x00});
+  nZOAPALS100::tStatus installing;
+  provider.install(bytes, {}, installing);
+  nQUENRA1400::tMemoryModules found;
+  zoerr::tOwnedStatus status;
+  found.find(provider, status);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(found.count(), 0u);
+}
+
+TEST_F(MemoryModules, OnAStatusInError_AreNotLookedFor) {
+  nQUENRA1400::tMemoryModules none;
+  zoerr::tOwnedStatus status;
+  status.code = -1;
+  none.find(provider, status);
+  EXPECT_EQ(none.count(), 0u);
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,105 @@
+// Doubles of the driver's interfaces: each holds the attributes it answers and notes what it is
+// asked.
+#ifndef TESTS_COMPONENT_USER_TSCRIPTEDDRIVER_H
+#define TESTS_COMPONENT_USER_TSCRIPTEDDRIVER_H
+
+#include <cstdint>
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "codegen/apalcodegen/iinterfaceproxy_hostcontroller.h"
+#include "codegen/apalcodegen/iinterfaceproxy_hostmarten.h"
+
+namespace nTests {
+
+using nZOAPALS100::tStatus;
+
+struct tAnswer {
+  std::string bytes;
+  int32_t code = 0;
+};
+
+struct tQuestion {
+  uint32_t attribute;
+  uint32_t size;
+  int32_t callerCode;
+  bool operator==(const tQuestion&) const = default;
+};
+
+// What both doubles do with a get-attribute call. An attribute without an answer is refused.
+class tAttributeStore {
+ public:
+  std::map<uint32_t, tAnswer> answers;
+  std::vector<tQuestion> questions;
+
+  void answerNumber(uint32_t attribute, uint32_t value, int32_t code = 0) {
+    std::string bytes(sizeof value, '\0');
+    std::memcpy(bytes.data(), &value, sizeof value);
+    answers[attribute] = {bytes, code};
+  }
+  void answerText(uint32_t attribute, const std::string& text) {
+    answers[attribute] = {text + '\0', 0};
+  }
+  void get(uint32_t attribute, uint64_t buffer, uint32_t& size, tStatus& status) {
+    if (status.isError()) {
+      return;
+    }
+    questions.push_back({attribute, size, status.code});
+    const auto answer = answers.find(attribute);
+    if (answer == answers.end()) {
+      mergeStatus(status, -26934, "driver", "store", 1);
+      return;
+    }
+    const std::string& bytes = answer->second.bytes;
+    const auto needed = static_cast<uint32_t>(bytes.size());
+    if (size < needed) {
+      mergeStatus(status, -26930, "driver", "store", 2);
+    } else {
+      std::memcpy(reinterpret_cast<void*>(static_cast<uintptr_t>(buffer)), bytes.data(), needed);
+      mergeStatus(status, answer->second.code, "driver", "store", 3);
+    }
+    size = needed;
+  }
+};
+
+// The channel operations that no reader uses.
+template <class Interface>
+class tWithoutChannel : public Interface {
+ public:
+  void close() noexcept override {}
+  uint32_t deviceControl(uint32_t, const void*, uint32_t, void*, uint32_t,
+                         tStatus&) noexcept override {
+    return 0;
+  }
+  uint32_t read(void*, uint32_t, tStatus&) noexcept override { return 0; }
+  uint32_t write(const void*, uint32_t, tStatus&) noexcept override { return 0; }
+  void sendCommand(uint64_t, uint32_t, tStatus&) noexcept override {}
+  void setAttribute(uint32_t, uint64_t, int32_t, tStatus&) noexcept override {}
+};
+
+class tScriptedController final
+    : public tWithoutChannel<nQUENRA1400::nZOAPAL000::iInterfaceProxy_hostController>,
+      public tAttributeStore {
+ public:
+  void exchangeValues(uint64_t, uint32_t&, uint64_t, int32_t&, tStatus&) noexcept override {}
+  void getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
+                    tStatus& status) noexcept override {
+    get(attribute, buffer, size, status);
+  }
+};
+
+class tScriptedMarten final
+    : public tWithoutChannel<nQUENRA1400::nZOAPAL000::iInterfaceProxy_hostMarten>,
+      public tAttributeStore {
+ public:
+  void getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
+                    tStatus& status) noexcept override {
+    get(attribute, buffer, size, status);
+  }
+};
+
+}  // namespace nTests
+
+#endif
