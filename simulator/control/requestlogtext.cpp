@@ -1,0 +1,181 @@
+#include "simulator/control/requestlogtext.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+
+#include "protocol/controllerrequests.h"
+#include "protocol/requestcodes.h"
+
+namespace nSimulator {
+namespace {
+
+enum class tFormat {
+  number,
+  signedNumber,
+  hexadecimal
+};
+
+// One member of a request or a reply.
+struct tMember {
+  const char* name;
+  size_t offset;
+  size_t width;
+  tFormat format;
+};
+
+struct tRequestLayout {
+  uint32_t code;
+  const char* name;
+  std::array<tMember, 5> request;  // unused ones have no name
+  std::array<tMember, 3> reply;
+};
+
+constexpr tMember kNone{nullptr, 0, 0, tFormat::number};
+constexpr tMember kStatusOnly{"status", 0, 4, tFormat::signedNumber};
+
+constexpr std::array<tMember, 5> kSendCommand = {{
+    {"payload", 0, 8, tFormat::hexadecimal},
+    {"size", 8, 4, tFormat::number},
+    {"caller", 12, 4, tFormat::signedNumber},
+    kNone,
+    kNone,
+}};
+constexpr std::array<tMember, 5> kAttribute = {{
+    {"attribute", 0, 4, tFormat::hexadecimal},
+    {"buffer", 8, 8, tFormat::hexadecimal},
+    {"size", 16, 4, tFormat::number},
+    {"caller", 20, 4, tFormat::signedNumber},
+    kNone,
+}};
+
+constexpr tRequestLayout kLayouts[] = {
+    {REQUEST_GET_ATTRIBUTE,
+     "get-attribute",
+     kAttribute,
+     {{{"size", 0, 4, tFormat::number}, {"status", 4, 4, tFormat::signedNumber}, kNone}}},
+    {REQUEST_SET_ATTRIBUTE, "set-attribute", kAttribute, {{kStatusOnly, kNone, kNone}}},
+    {REQUEST_EXCHANGE_VALUES,
+     "exchange-values",
+     {{{"text", 0, 8, tFormat::hexadecimal},
+       {"text-size", 8, 4, tFormat::number},
+       {"table", 16, 8, tFormat::hexadecimal},
+       {"table-size", 24, 4, tFormat::signedNumber},
+       {"caller", 28, 4, tFormat::signedNumber}}},
+     {{{"text-size", 0, 4, tFormat::number},
+       {"table-size", 4, 4, tFormat::number},
+       {"status", 8, 4, tFormat::signedNumber}}}},
+    {REQUEST_CONTROLLER_SEND_COMMAND, "send-command", kSendCommand, {{kStatusOnly, kNone, kNone}}},
+    {REQUEST_MARTEN_SEND_COMMAND, "send-command", kSendCommand, {{kStatusOnly, kNone, kNone}}},
+};
+
+const tRequestLayout* layoutOf(uint32_t code) {
+  const auto* found =
+      std::find_if(std::begin(kLayouts), std::end(kLayouts),
+                   [code](const tRequestLayout& layout) { return layout.code == code; });
+  return found == std::end(kLayouts) ? nullptr : found;
+}
+
+std::string hexadecimal(uint64_t number) {
+  std::array<char, 24> text{};
+  std::snprintf(text.data(), text.size(), "0x%llX", static_cast<unsigned long long>(number));
+  return text.data();
+}
+
+std::string memberText(const tMember& member, const uint8_t* bytes, size_t size) {
+  std::string text = std::string(" ") + member.name + "=";
+  if (member.offset + member.width > size) {
+    return text + "(missing)";
+  }
+  uint64_t number = 0;
+  std::memcpy(&number, bytes + member.offset, member.width);
+  switch (member.format) {
+    case tFormat::hexadecimal:
+      return text + hexadecimal(number);
+    case tFormat::signedNumber:
+      return text + std::to_string(static_cast<int32_t>(number));
+    case tFormat::number:
+      break;
+  }
+  return text + std::to_string(number);
+}
+
+template <size_t N>
+std::string membersText(const std::array<tMember, N>& members, const uint8_t* bytes, size_t size) {
+  std::string text;
+  for (const tMember& member : members) {
+    if (member.name != nullptr) {
+      text += memberText(member, bytes, size);
+    }
+  }
+  return text;
+}
+
+std::string bytesText(const uint8_t* bytes, size_t size) {
+  std::string text;
+  for (size_t i = 0; i < size; ++i) {
+    std::array<char, 4> digits{};
+    std::snprintf(digits.data(), digits.size(), " %02X", static_cast<unsigned>(bytes[i]));
+    text += digits.data();
+  }
+  return text;
+}
+
+std::string requestText(const tSimulatorLogEntry& entry) {
+  const size_t sent = std::min<size_t>(entry.inputSize, sizeof entry.input);
+  const size_t answered = std::min<size_t>(entry.outputSize, sizeof entry.output);
+  const tRequestLayout* const layout = layoutOf(entry.requestCode);
+  std::string text = requestName(entry.requestCode);
+  text += layout ? membersText(layout->request, entry.input, sent) : bytesText(entry.input, sent);
+  text += " ->";
+  if (entry.windowsError != 0) {
+    return text + " Windows error " + std::to_string(entry.windowsError);
+  }
+  return text + (layout ? membersText(layout->reply, entry.output, answered)
+                        : bytesText(entry.output, answered));
+}
+
+std::string eventText(const tSimulatorLogEntry& entry) {
+  switch (entry.event) {
+    case kSimulatorEventOpen:
+      return "open";
+    case kSimulatorEventClose:
+      return "close";
+    case kSimulatorEventRequest:
+      return requestText(entry);
+    default:
+      return "event " + std::to_string(entry.event);
+  }
+}
+
+}  // namespace
+
+std::string interfaceName(uint32_t interfaceKind) {
+  switch (interfaceKind) {
+    case kSimulatorInterfaceController:
+      return "controller";
+    case kSimulatorInterfaceMarten:
+      return "marten";
+    case kSimulatorInterfaceDevicePath:
+      return "device-path";
+    case kSimulatorInterfaceControl:
+      return "control";
+    default:
+      return "interface " + std::to_string(interfaceKind);
+  }
+}
+
+std::string requestName(uint32_t requestCode) {
+  const tRequestLayout* const layout = layoutOf(requestCode);
+  return layout != nullptr ? layout->name : hexadecimal(requestCode);
+}
+
+std::string requestLogLine(const tSimulatorLogEntry& entry) {
+  return std::to_string(entry.sequence) + " process " + std::to_string(entry.process) + " " +
+         interfaceName(entry.interfaceKind) + "#" + std::to_string(entry.file) + " " +
+         eventText(entry);
+}
+
+}  // namespace nSimulator

@@ -1,0 +1,190 @@
+#include "simulator/control/tsimulatedmachine.h"
+
+#include <windows.h>
+// setupapi.h needs windows.h first.
+#include <setupapi.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+
+namespace nSimulator {
+namespace {
+
+constexpr const char* kNotInstalled =
+    "the simulated machine is not there; install it with 'quenra-sim install'";
+
+template <class Record>
+std::span<const uint8_t> bytesOf(const Record& record) {
+  const void* const bytes = &record;
+  return {static_cast<const uint8_t*>(bytes), sizeof record};
+}
+template <class Record>
+std::span<uint8_t> writableBytesOf(Record* records, size_t count) {
+  void* const bytes = records;
+  return {static_cast<uint8_t*>(bytes), count * sizeof(Record)};
+}
+
+std::string failureText(uint32_t code, uint32_t windowsError) {
+  std::array<char, 16> number{};
+  std::snprintf(number.data(), number.size(), "0x%08X", static_cast<unsigned>(code));
+  return std::string("the simulated machine refused request ") + number.data() +
+         " with Windows error " + std::to_string(windowsError);
+}
+
+// The path of the first present control interface; empty when there is none.
+std::string findControlInterface() {
+  const auto interfaceClass = std::bit_cast<GUID>(kSimulatorControlInterfaceClass);
+  const HDEVINFO set = SetupDiGetClassDevsA(&interfaceClass, nullptr, nullptr,
+                                            DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
+  if (set == INVALID_HANDLE_VALUE) {
+    return {};
+  }
+  std::string path;
+  SP_DEVICE_INTERFACE_DATA data{};
+  data.cbSize = sizeof data;
+  if (SetupDiEnumDeviceInterfaces(set, nullptr, &interfaceClass, 0, &data)) {
+    alignas(SP_DEVICE_INTERFACE_DETAIL_DATA_A) std::array<char, 256> area{};
+    void* const memory = area.data();
+    auto* const detail = static_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_A*>(memory);
+    detail->cbSize = sizeof *detail;
+    if (SetupDiGetDeviceInterfaceDetailA(set, &data, detail, static_cast<DWORD>(area.size()),
+                                         nullptr, nullptr)) {
+      path = area.data() + offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_A, DevicePath);
+    }
+  }
+  SetupDiDestroyDeviceInfoList(set);
+  return path;
+}
+
+}  // namespace
+
+// The open control interface.
+struct tSimulatedMachine::tChannel {
+  explicit tChannel(const std::string& path)
+      : file(CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+                         FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr)) {
+    if (file == INVALID_HANDLE_VALUE) {
+      throw tControlError(kNotInstalled, GetLastError());
+    }
+  }
+  tChannel(const tChannel&) = delete;
+  tChannel& operator=(const tChannel&) = delete;
+  ~tChannel() { CloseHandle(file); }
+
+  HANDLE file;
+};
+
+tSimulatedMachine::tSimulatedMachine() {
+  const std::string path = findControlInterface();
+  if (path.empty()) {
+    throw tControlError(kNotInstalled, 0);
+  }
+  channel_ = std::make_unique<tChannel>(path);
+}
+
+tSimulatedMachine::~tSimulatedMachine() = default;
+
+uint32_t tSimulatedMachine::request(uint32_t code, std::span<const uint8_t> input,
+                                    std::span<uint8_t> output) {
+  DWORD bytes = 0;
+  // The parameter is not const although the system only reads from it.
+  if (!DeviceIoControl(channel_->file, code, const_cast<uint8_t*>(input.data()),
+                       static_cast<DWORD>(input.size()), output.data(),
+                       static_cast<DWORD>(output.size()), &bytes, nullptr)) {
+    const DWORD error = GetLastError();
+    throw tControlError(failureText(code, error), error);
+  }
+  return bytes;
+}
+
+void tSimulatedMachine::command(uint32_t code, std::span<const uint8_t> input) {
+  request(code, input, {});
+}
+
+void tSimulatedMachine::reset() {
+  command(SIMULATOR_RESET);
+}
+
+void tSimulatedMachine::setPresence(const tSimulatorPresence& presence) {
+  command(SIMULATOR_SET_PRESENCE, bytesOf(presence));
+}
+
+tSimulatorPresence tSimulatedMachine::presence() {
+  tSimulatorPresence presence{};
+  request(SIMULATOR_GET_PRESENCE, {}, writableBytesOf(&presence, 1));
+  return presence;
+}
+
+void tSimulatedMachine::setTable(std::span<const uint8_t> table) {
+  command(SIMULATOR_SET_TABLE, table);
+}
+
+std::vector<uint8_t> tSimulatedMachine::table() {
+  std::vector<uint8_t> table(SIMULATOR_TABLE_CAPACITY);
+  table.resize(request(SIMULATOR_GET_TABLE, {}, table));
+  return table;
+}
+
+void tSimulatedMachine::setVersionText(std::string_view text) {
+  const void* const bytes = text.data();
+  command(SIMULATOR_SET_VERSION_TEXT, {static_cast<const uint8_t*>(bytes), text.size()});
+}
+
+void tSimulatedMachine::setAttribute(tSimulatorInterface interfaceKind, uint32_t attribute,
+                                     std::span<const uint8_t> value) {
+  tSimulatorAttribute record{};
+  if (value.size() > sizeof record.value) {
+    throw tControlError("an attribute of the simulated machine has at most " +
+                            std::to_string(sizeof record.value) + " bytes",
+                        ERROR_INVALID_PARAMETER);
+  }
+  record.interfaceKind = interfaceKind;
+  record.attribute = attribute;
+  record.size = static_cast<uint32_t>(value.size());
+  std::copy(value.begin(), value.end(), record.value);
+  command(SIMULATOR_SET_ATTRIBUTE, bytesOf(record));
+}
+
+void tSimulatedMachine::setAttributeU32(tSimulatorInterface interfaceKind, uint32_t attribute,
+                                        uint32_t value) {
+  setAttribute(interfaceKind, attribute, bytesOf(value));
+}
+
+void tSimulatedMachine::setAttributeText(tSimulatorInterface interfaceKind, uint32_t attribute,
+                                         std::string_view text) {
+  const std::string terminated(text);
+  const void* const bytes = terminated.c_str();
+  setAttribute(interfaceKind, attribute,
+               {static_cast<const uint8_t*>(bytes), terminated.size() + 1});
+}
+
+void tSimulatedMachine::removeAttribute(tSimulatorInterface interfaceKind, uint32_t attribute) {
+  tSimulatorAttribute record{};
+  record.interfaceKind = interfaceKind;
+  record.attribute = attribute;
+  command(SIMULATOR_REMOVE_ATTRIBUTE, bytesOf(record));
+}
+
+void tSimulatedMachine::addScript(const tSimulatorScript& script) {
+  command(SIMULATOR_ADD_SCRIPT, bytesOf(script));
+}
+
+void tSimulatedMachine::clearScripts() {
+  command(SIMULATOR_CLEAR_SCRIPTS);
+}
+
+std::vector<tSimulatorLogEntry> tSimulatedMachine::log(uint64_t from) {
+  std::vector<tSimulatorLogEntry> entries(SIMULATOR_LOG_CAPACITY);
+  const uint32_t bytes =
+      request(SIMULATOR_READ_LOG, bytesOf(from), writableBytesOf(entries.data(), entries.size()));
+  entries.resize(bytes / sizeof(tSimulatorLogEntry));
+  return entries;
+}
+
+void tSimulatedMachine::clearLog() {
+  command(SIMULATOR_CLEAR_LOG);
+}
+
+}  // namespace nSimulator
