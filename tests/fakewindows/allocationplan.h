@@ -1,0 +1,21 @@
+#ifndef TESTS_FAKEWINDOWS_ALLOCATIONPLAN_H
+#define TESTS_FAKEWINDOWS_ALLOCATIONPLAN_H
+
+namespace nFakeWindows {
+
+// While it lives, counts the allocations of its thread - malloc, calloc, realloc and operator new -
+// and lets one of them fail.
+class tAllocationPlan {
+ public:
+  // Lets the nth allocation fail; 0: none.
+  explicit tAllocationPlan(unsigned nth) noexcept;
+  tAllocationPlan(const tAllocationPlan&) = delete;
+  tAllocationPlan& operator=(const tAllocationPlan&) = delete;
+  ~tAllocationPlan();
+
+  [[nodiscard]] unsigned count() const noexcept;
+};
+
+}  // namespace nFakeWindows
+
+#endif

@@ -1,0 +1,44 @@
+#include <windows.h>
+
+#include <chrono>
+#include <thread>
+
+#include "tests/fakewindows/objects.h"
+#include "tests/fakewindows/unusual.h"
+
+using namespace nFakeWindows;
+
+HANDLE WINAPI CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL initiallySignalled,
+                           LPCSTR name) {
+  constexpr auto kCall = tCall::createEvent;
+  expectUsual(security == nullptr && name == nullptr, kCall, "only a plain event can be made");
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return nullptr;
+  }
+  const std::lock_guard lock(objects().mutex);
+  return objects().add(tEvent{manualReset != FALSE, initiallySignalled != FALSE});
+}
+
+DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+  constexpr auto kCall = tCall::waitForSingleObject;
+  expectUsual(milliseconds == INFINITE, kCall, "only waiting without limit is supported");
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return WAIT_FAILED;
+  }
+  std::unique_lock lock(objects().mutex);
+  for (;;) {
+    tEvent* const event = objects().find<tEvent>(handle);
+    expectUsual(event != nullptr, kCall, "not an event, or one that was closed");
+    if (event->signalled) {
+      event->signalled = event->manualReset;
+      return WAIT_OBJECT_0;
+    }
+    objects().changed.wait(lock);
+  }
+}
+
+void WINAPI Sleep(DWORD milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}

@@ -1,0 +1,35 @@
+// The fixture of tests on the fake Windows.
+#ifndef TESTS_FAKEWINDOWS_FAKEWINDOWSTEST_H
+#define TESTS_FAKEWINDOWS_FAKEWINDOWSTEST_H
+
+#include <gtest/gtest.h>
+
+#include "tests/fakewindows/faultplan.h"
+#include "tests/fakewindows/machine.h"
+#include "tests/fakewindows/objects.h"
+
+namespace nFakeWindows {
+
+// Starts from the default machine without any plan, and fails when something is left open.
+class FakeWindowsTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    faultPlan().reset();
+    machine().reset();
+    criticalSectionsBefore_ = criticalSections();
+    ASSERT_EQ(objects().open(), std::vector<std::string>()) << "left open by an earlier test";
+  }
+  void TearDown() override {
+    objects().waitForThreads();
+    EXPECT_EQ(objects().open(), std::vector<std::string>()) << "left open";
+    EXPECT_EQ(criticalSections(), criticalSectionsBefore_);
+    faultPlan().reset();
+  }
+
+ private:
+  int criticalSectionsBefore_ = 0;
+};
+
+}  // namespace nFakeWindows
+
+#endif

@@ -1,0 +1,126 @@
+#include "tests/fakewindows/faultplan.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace nFakeWindows {
+namespace {
+
+constinit tFaultPlan thePlan;
+
+constexpr const char* kNames[kCalls] = {
+    "SetupDiGetClassDevsA",
+    "SetupDiEnumDeviceInterfaces",
+    "SetupDiGetDeviceInterfaceDetailA",
+    "SetupDiDestroyDeviceInfoList",
+    "CreateFileA",
+    "CreateEventA",
+    "DeviceIoControl",
+    "ReadFile",
+    "WriteFile",
+    "GetOverlappedResult",
+    "CancelIoEx",
+    "WaitForSingleObject",
+    "CloseHandle",
+    "InitializeCriticalSectionEx",
+    "GetSystemFirmwareTable",
+};
+
+}  // namespace
+
+tFaultPlan& faultPlan() noexcept {
+  return thePlan;
+}
+
+const char* nameOf(tCall call) noexcept {
+  return kNames[static_cast<size_t>(call)];
+}
+
+void tFaultPlan::reset() {
+  const std::lock_guard lock(mutex_);
+  counts_.fill(0);
+  record_.clear();
+  failures_.clear();
+  hooks_.clear();
+  completion_ = tCompletion::atOnce;
+  completionError_ = 0;
+}
+
+void tFaultPlan::failCall(tCall call, unsigned nth, uint32_t error) {
+  const std::lock_guard lock(mutex_);
+  failures_.push_back({call, nth, error});
+}
+
+void tFaultPlan::failAnyCall(unsigned nth, uint32_t error) {
+  const std::lock_guard lock(mutex_);
+  failures_.push_back({std::nullopt, nth, error});
+}
+
+void tFaultPlan::failEveryCall(tCall call, uint32_t error) {
+  failCall(call, 0, error);
+}
+
+void tFaultPlan::beforeCall(tCall call, unsigned nth, std::function<void()> hook) {
+  const std::lock_guard lock(mutex_);
+  hooks_.push_back({call, nth, std::move(hook)});
+}
+
+void tFaultPlan::complete(tCompletion completion, uint32_t error) {
+  const std::lock_guard lock(mutex_);
+  completion_ = completion;
+  completionError_ = error;
+}
+
+tCompletion tFaultPlan::completion() const {
+  const std::lock_guard lock(mutex_);
+  return completion_;
+}
+
+uint32_t tFaultPlan::completionError() const {
+  const std::lock_guard lock(mutex_);
+  return completionError_;
+}
+
+unsigned tFaultPlan::callCount() const {
+  const std::lock_guard lock(mutex_);
+  return std::accumulate(counts_.begin(), counts_.end(), 0u);
+}
+
+unsigned tFaultPlan::callCount(tCall call) const {
+  const std::lock_guard lock(mutex_);
+  return counts_[static_cast<size_t>(call)];
+}
+
+std::vector<tCallRecord> tFaultPlan::calls() const {
+  const std::lock_guard lock(mutex_);
+  return record_;
+}
+
+std::optional<uint32_t> tFaultPlan::enter(tCall call, std::string argument) {
+  std::function<void()> hook;
+  std::optional<uint32_t> error;
+  {
+    const std::lock_guard lock(mutex_);
+    const unsigned nth = ++counts_[static_cast<size_t>(call)];
+    const unsigned nthOfAny = std::accumulate(counts_.begin(), counts_.end(), 0u);
+    record_.push_back({call, std::move(argument)});
+    for (const tHook& candidate : hooks_) {
+      if (candidate.call == call && candidate.nth == nth) {
+        hook = candidate.run;
+      }
+    }
+    for (const tFailure& failure : failures_) {
+      const unsigned count = failure.call ? nth : nthOfAny;
+      if (failure.call.value_or(call) == call && (failure.nth == 0 || failure.nth == count)) {
+        error = failure.error;
+      }
+    }
+  }
+  // Without the lock: a hook may change the plan or call the fake itself.
+  if (hook) {
+    hook();
+  }
+  return error;
+}
+
+}  // namespace nFakeWindows

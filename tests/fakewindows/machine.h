@@ -1,0 +1,84 @@
+#ifndef TESTS_FAKEWINDOWS_MACHINE_H
+#define TESTS_FAKEWINDOWS_MACHINE_H
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "protocol/interfaceclasses.h"
+#include "simulator/model/model.h"
+
+namespace nFakeWindows {
+
+// A device interface that is present.
+struct tDeviceInterface {
+  tSimulatorInterface kind;
+  uint32_t index;  // among those of its kind
+  bool operator==(const tDeviceInterface&) const = default;
+  auto operator<=>(const tDeviceInterface&) const = default;
+};
+
+inline constexpr uint64_t kFakeProcess = 4242;
+
+// The machine under the fake Windows: devices served by the model, and the firmware's own SMBIOS
+// table. Any thread.
+class tMachine {
+ public:
+  tMachine();
+  tMachine(const tMachine&) = delete;
+  tMachine& operator=(const tMachine&) = delete;
+
+  // Back to the default machine.
+  void reset();
+
+  // The interfaces of a class, in order.
+  [[nodiscard]] std::vector<tDeviceInterface> present(const tInterfaceClass& interfaceClass);
+  [[nodiscard]] std::string pathOf(const tDeviceInterface& device);
+  // Gives a device interface another path.
+  void usePath(const tDeviceInterface& device, const std::string& path);
+  [[nodiscard]] std::optional<tDeviceInterface> findPath(const std::string& path);
+
+  // Names the new file.
+  [[nodiscard]] tModelFile open(const tDeviceInterface& device);
+  void close(const tModelFile& file);
+  [[nodiscard]] tModelReply request(const tModelRequest& request);
+
+  // The driver can neither read nor write the caller's memory in this range.
+  void makeUnreachable(const void* memory, uint64_t size);
+
+  // What GetSystemFirmwareTable answers: the raw SMBIOS data; empty: it fails with `error`.
+  void useFirmwareTable(std::vector<uint8_t> raw, uint32_t error = 0);
+  [[nodiscard]] std::vector<uint8_t> firmwareTable();
+  [[nodiscard]] uint32_t firmwareError();
+
+ private:
+  struct tRange {
+    uint64_t address;
+    uint64_t size;
+  };
+
+  [[nodiscard]] bool isReachable(uint64_t address, uint32_t size) const;
+  [[nodiscard]] static bool readCaller(void* context, uint64_t process, uint64_t address,
+                                       void* destination, uint32_t size);
+  [[nodiscard]] static bool writeCaller(void* context, uint64_t process, uint64_t address,
+                                        const void* source, uint32_t size);
+  static void presenceChanged(void* context, const tSimulatorPresence* presence);
+
+  std::mutex mutex_;
+  tModel model_;
+  tSimulatorPresence presence_{};
+  uint64_t nextFile_ = 1;
+  std::map<tDeviceInterface, std::string> paths_;
+  std::vector<tRange> unreachable_;
+  std::vector<uint8_t> firmwareTable_;
+  uint32_t firmwareError_ = 0;
+};
+
+[[nodiscard]] tMachine& machine();
+
+}  // namespace nFakeWindows
+
+#endif

@@ -1,0 +1,13 @@
+#include "tests/fakewindows/unusual.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace nFakeWindows {
+
+void stop(const char* function, const char* what) {
+  std::fprintf(stderr, "the fake Windows: %s: %s\n", function, what);
+  std::abort();
+}
+
+}  // namespace nFakeWindows
