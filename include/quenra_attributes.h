@@ -17,11 +17,12 @@
 #ifndef QUENRA_ATTRIBUTES_H
 #define QUENRA_ATTRIBUTES_H
 
-enum QUENRA_InterfaceSelector {
-  QUENRA_SELECTOR_DEFAULT = 0x00000000,
-  QUENRA_SELECTOR_CONTROLLER = 0x00100000,
-  QUENRA_SELECTOR_MARTEN = 0x00200000
-};
+#include <stdint.h>
+
+/* Interface selectors. They are no enumeration, so that C++ lets them be added to an id. */
+#define QUENRA_SELECTOR_DEFAULT UINT32_C(0x00000000)
+#define QUENRA_SELECTOR_CONTROLLER UINT32_C(0x00100000)
+#define QUENRA_SELECTOR_MARTEN UINT32_C(0x00200000)
 
 enum QUENRA_TextAttribute {
   /* Path of the controller's device interface. Needs no open controller and accepts any handle. */

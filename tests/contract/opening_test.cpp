@@ -30,8 +30,11 @@ class Opening : public ContractTest {
     script.skip = skip;
     script.times = 1;
     script.action = action;
-    script.driverStatus = code;
-    script.windowsError = static_cast<uint32_t>(code);
+    if (action == kSimulatorActionFail) {
+      script.windowsError = static_cast<uint32_t>(code);
+    } else {
+      script.driverStatus = code;
+    }
     machine().addScript(script);
   }
   // Replaces the driver's n-th answer to REQUEST_EXCHANGE_VALUES.

@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include <bit>
+#include <algorithm>
 
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/unusual.h"
@@ -27,10 +27,15 @@ struct tOutcome {
   DWORD bytes;
 };
 
-// A device request, with the buffers of the caller.
+// A device request. As with the system's buffered method, the driver works on a copy of the input,
+// and the caller receives as many bytes as the driver says.
 tOutcome carryOut(const tModelFile& file, DWORD code, const void* in, DWORD inSize, void* out,
                   DWORD outSize) {
-  const tModelReply reply = machine().request({file, code, in, inSize, out, outSize});
+  std::vector<uint8_t> buffer(std::max(inSize, outSize));
+  std::copy_n(static_cast<const uint8_t*>(in), inSize, buffer.begin());
+  const tModelReply reply =
+      machine().request({file, code, buffer.data(), inSize, buffer.data(), outSize});
+  std::copy_n(buffer.begin(), reply.size, static_cast<uint8_t*>(out));
   return {reply.windowsError, reply.size};
 }
 

@@ -66,9 +66,7 @@ TEST_F(UnsignedReader, UnknownRevision_FailsAtLine1560) {
   EXPECT_EQ(readUnsigned(0x20019600), (tFailure{-26934, 1560}));
 }
 
-TEST_F(UnsignedReader, RevisionWithoutItsBase_IsNotSupported) {
-  // The base is the byte before the revision: both are there or both are not, so that only a table
-  // with a second structure can tell them apart.
+TEST_F(UnsignedReader, RevisionBeyondItsStructure_FailsAtLine2569) {
   tReferenceTable table;
   table.structure(0xB4).cutTo(0x07);
   install(table);
