@@ -4,7 +4,7 @@
 namespace nFakeWindows {
 
 // While it lives, counts the allocations of its thread - malloc, calloc, realloc and operator new -
-// and lets one of them fail.
+// and lets one of them fail. What the fake Windows itself allocates does not count.
 class tAllocationPlan {
  public:
   // Lets the nth allocation fail; 0: none.

@@ -31,6 +31,7 @@ int criticalSections() {
 using namespace nFakeWindows;
 
 BOOL WINAPI InitializeCriticalSectionEx(CRITICAL_SECTION* section, DWORD, DWORD flags) {
+  const tInside inside;
   expectUsual(flags == 0, tCall::initializeCriticalSectionEx, "flags are not supported");
   if (const auto error = faultPlan().enter(tCall::initializeCriticalSectionEx)) {
     SetLastError(*error);
@@ -51,6 +52,7 @@ void WINAPI LeaveCriticalSection(CRITICAL_SECTION* section) {
 }
 
 void WINAPI DeleteCriticalSection(CRITICAL_SECTION* section) {
+  const tInside inside;
   delete mutexOf(section, "DeleteCriticalSection");
   section->LockSemaphore = nullptr;
   --alive;

@@ -26,6 +26,7 @@ tDeviceInformationSet& setOf(HDEVINFO handle, tCall call) {
 
 HDEVINFO WINAPI SetupDiGetClassDevsA(const GUID* interfaceClass, PCSTR enumerator, HWND parent,
                                      DWORD flags) {
+  const tInside inside;
   constexpr auto kCall = tCall::setupDiGetClassDevs;
   expectUsual(interfaceClass != nullptr && enumerator == nullptr && parent == nullptr, kCall,
               "only a class can be asked for");
@@ -43,6 +44,7 @@ HDEVINFO WINAPI SetupDiGetClassDevsA(const GUID* interfaceClass, PCSTR enumerato
 BOOL WINAPI SetupDiEnumDeviceInterfaces(HDEVINFO handle, PSP_DEVINFO_DATA device,
                                         const GUID* interfaceClass, DWORD index,
                                         PSP_DEVICE_INTERFACE_DATA data) {
+  const tInside inside;
   constexpr auto kCall = tCall::setupDiEnumDeviceInterfaces;
   expectUsual(device == nullptr && interfaceClass != nullptr, kCall, "only a class is listed");
   expectUsual(data != nullptr && data->cbSize == sizeof *data, kCall, "a wrong cbSize");
@@ -64,6 +66,7 @@ BOOL WINAPI SetupDiEnumDeviceInterfaces(HDEVINFO handle, PSP_DEVINFO_DATA device
 BOOL WINAPI SetupDiGetDeviceInterfaceDetailA(HDEVINFO handle, PSP_DEVICE_INTERFACE_DATA data,
                                              PSP_DEVICE_INTERFACE_DETAIL_DATA_A detail, DWORD size,
                                              PDWORD required, PSP_DEVINFO_DATA device) {
+  const tInside inside;
   constexpr auto kCall = tCall::setupDiGetDeviceInterfaceDetail;
   expectUsual(device == nullptr, kCall, "device data is not supported");
   expectUsual(data != nullptr && data->Reserved != 0, kCall, "not an interface of a set");
@@ -93,6 +96,7 @@ BOOL WINAPI SetupDiGetDeviceInterfaceDetailA(HDEVINFO handle, PSP_DEVICE_INTERFA
 }
 
 BOOL WINAPI SetupDiDestroyDeviceInfoList(HDEVINFO handle) {
+  const tInside inside;
   constexpr auto kCall = tCall::setupDiDestroyDeviceInfoList;
   static_cast<void>(faultPlan().enter(kCall));
   const std::lock_guard lock(objects().mutex);

@@ -10,6 +10,7 @@ using namespace nFakeWindows;
 
 HANDLE WINAPI CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL initiallySignalled,
                            LPCSTR name) {
+  const tInside inside;
   constexpr auto kCall = tCall::createEvent;
   expectUsual(security == nullptr && name == nullptr, kCall, "only a plain event can be made");
   if (const auto error = faultPlan().enter(kCall)) {
@@ -21,6 +22,7 @@ HANDLE WINAPI CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL
 }
 
 DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+  const tInside inside;
   constexpr auto kCall = tCall::waitForSingleObject;
   expectUsual(milliseconds == INFINITE, kCall, "only waiting without limit is supported");
   if (const auto error = faultPlan().enter(kCall)) {

@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <bit>
 
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/unusual.h"
@@ -70,6 +71,8 @@ BOOL transfer(tCall call, HANDLE handle, DWORD* bytes, OVERLAPPED* overlapped, W
     const std::lock_guard lock(objects().mutex);
     tEvent* const event = objects().find<tEvent>(overlapped->hEvent);
     expectUsual(event != nullptr, call, "an OVERLAPPED without an event");
+    expectUsual((std::bit_cast<uintptr_t>(overlapped->hEvent) & 1) != 0, call,
+                "an event without its lowest bit set: the completion would go to a port");
     event->signalled = false;
     overlapped->Internal = kStatusPending;
     objects().find<tFile>(handle)->pending.push_back(overlapped);
@@ -102,6 +105,7 @@ BOOL transfer(tCall call, HANDLE handle, DWORD* bytes, OVERLAPPED* overlapped, W
 
 HANDLE WINAPI CreateFileA(LPCSTR path, DWORD access, DWORD sharing, SECURITY_ATTRIBUTES* security,
                           DWORD creation, DWORD flags, HANDLE templateFile) {
+  const tInside inside;
   constexpr auto kCall = tCall::createFile;
   expectUsual(path != nullptr && security == nullptr && templateFile == nullptr, kCall,
               "only a path can be given");
@@ -125,6 +129,7 @@ HANDLE WINAPI CreateFileA(LPCSTR path, DWORD access, DWORD sharing, SECURITY_ATT
 
 BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, LPVOID out,
                             DWORD outSize, LPDWORD bytes, LPOVERLAPPED overlapped) {
+  const tInside inside;
   if (const auto error = faultPlan().enter(tCall::deviceIoControl, std::to_string(code))) {
     SetLastError(*error);
     return FALSE;
@@ -136,6 +141,7 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, 
 
 // The simulated driver takes neither reads nor writes.
 BOOL WINAPI ReadFile(HANDLE handle, LPVOID, DWORD, LPDWORD bytes, LPOVERLAPPED overlapped) {
+  const tInside inside;
   if (const auto error = faultPlan().enter(tCall::readFile)) {
     SetLastError(*error);
     return FALSE;
@@ -146,6 +152,7 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID, DWORD, LPDWORD bytes, LPOVERLAPPED o
 }
 
 BOOL WINAPI WriteFile(HANDLE handle, LPCVOID, DWORD, LPDWORD bytes, LPOVERLAPPED overlapped) {
+  const tInside inside;
   if (const auto error = faultPlan().enter(tCall::writeFile)) {
     SetLastError(*error);
     return FALSE;
@@ -156,6 +163,7 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID, DWORD, LPDWORD bytes, LPOVERLAPPED
 }
 
 BOOL WINAPI GetOverlappedResult(HANDLE, LPOVERLAPPED overlapped, LPDWORD bytes, BOOL wait) {
+  const tInside inside;
   constexpr auto kCall = tCall::getOverlappedResult;
   expectUsual(wait != FALSE, kCall, "only waiting is supported");
   if (const auto error = faultPlan().enter(kCall)) {
@@ -173,6 +181,7 @@ BOOL WINAPI GetOverlappedResult(HANDLE, LPOVERLAPPED overlapped, LPDWORD bytes, 
 }
 
 BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
+  const tInside inside;
   constexpr auto kCall = tCall::cancelIoEx;
   expectUsual(overlapped != nullptr, kCall, "only one request can be cancelled");
   if (const auto error = faultPlan().enter(kCall)) {
@@ -192,6 +201,7 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
 }
 
 BOOL WINAPI CloseHandle(HANDLE handle) {
+  const tInside inside;
   constexpr auto kCall = tCall::closeHandle;
   std::optional<tModelFile> closed;
   bool known = false;

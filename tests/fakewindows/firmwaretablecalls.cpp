@@ -8,6 +8,7 @@
 using namespace nFakeWindows;
 
 UINT WINAPI GetSystemFirmwareTable(DWORD provider, DWORD id, PVOID buffer, DWORD size) {
+  const tInside inside;
   constexpr auto kCall = tCall::getSystemFirmwareTable;
   expectUsual(provider == 0x52534D42 && id == 0, kCall, "only 'RSMB', table 0, is there");
   expectUsual(buffer != nullptr || size == 0, kCall, "a size without a buffer");

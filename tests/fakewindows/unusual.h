@@ -5,6 +5,20 @@
 
 namespace nFakeWindows {
 
+// Marks that a thread is inside the fake Windows, whose own allocations nobody wants to fail.
+class tInside {
+ public:
+  tInside() noexcept { ++depth; }
+  tInside(const tInside&) = delete;
+  tInside& operator=(const tInside&) = delete;
+  ~tInside() { --depth; }
+
+  [[nodiscard]] static bool isSo() noexcept { return depth != 0; }
+
+ private:
+  static thread_local int depth;
+};
+
 // Ends the program, naming the function: it was called in a way that the library has no reason for.
 [[noreturn]] void stop(const char* function, const char* what);
 

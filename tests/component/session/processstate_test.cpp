@@ -1,0 +1,117 @@
+#include "source/user/exports/tprocessstate.h"
+
+#include <future>
+#include <thread>
+
+#include "tests/component/session/sessiontest.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::faultPlan;
+using nFakeWindows::tCall;
+
+class ProcessState : public SessionTest {};
+
+TEST_F(ProcessState, UnloadingWithAnOpenSession_ClosesNothing) {
+  nQUENRA1400::tProcessState state;
+  state.load();
+  zoerr::tOwnedStatus status;
+  state.open(status);
+  ASSERT_EQ(status.code, 0);
+  faultPlan().reset();
+  state.unload();
+  EXPECT_EQ(faultPlan().callCount(), 0u);
+  state.unload();  // the lock is deleted but once
+
+  state.load();
+  state.close();
+  state.unload();
+}
+
+TEST_F(ProcessState, LockThatCannotBeMade_IsTheLoadStatus) {
+  faultPlan().failCall(tCall::initializeCriticalSectionEx, 1, ERROR_NOT_ENOUGH_MEMORY);
+  nQUENRA1400::tProcessState state;
+  state.load();
+  EXPECT_FALSE(state.isLoaded());
+  zoerr::tOwnedStatus status;
+  state.mergeLoadStatus(status);
+  EXPECT_EQ(outcomeOf(status), (tOutcome{-52000, "tcriticalsection", 31}));
+  state.unload();
+}
+
+TEST_F(ProcessState, WithoutSession_FailsAtLine184) {
+  nQUENRA1400::tProcessState state;
+  state.load();
+  zoerr::tOwnedStatus status;
+  EXPECT_EQ(state.session(status), nullptr);
+  EXPECT_EQ(outcomeOf(status), sessionFailure(-26931, 184));
+  state.unload();
+}
+
+// While one thread opens, which takes as long as its driver does, the lock is held.
+TEST_F(ProcessState, BadHandleWhileTheLockIsHeld_IsToldAtOnce) {
+  std::promise<void> lockIsHeld;
+  std::promise<void> goOn;
+  faultPlan().beforeCall(tCall::deviceIoControl, 1, [&] {
+    lockIsHeld.set_value();
+    goOn.get_future().wait();
+  });
+  std::thread opening([] {
+    uint64_t handle = 0;
+    EXPECT_EQ(QUENRA_openController(&handle), 0);
+  });
+  lockIsHeld.get_future().wait();
+  uint32_t value = 0;
+  EXPECT_EQ(QUENRA_getAttributeU32(0, QUENRA_ATTRIBUTE_MEMORY_TYPE, &value), -26931);
+  char path[256];
+  uint64_t size = sizeof path;
+  EXPECT_EQ(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, path, &size), 0)
+      << "the device path needs no lock either";
+  QUENRA_closeController(0);
+  goOn.set_value();
+  opening.join();
+  QUENRA_closeController(QUENRA_HANDLE);
+}
+
+class DevicePathAttribute : public SessionTest {
+ protected:
+  static int32_t read() {
+    char path[256] = "untouched";
+    uint64_t size = sizeof path;
+    const int32_t code = QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, path, &size);
+    if (code != 0) {
+      EXPECT_STREQ(path, "untouched");
+    }
+    EXPECT_EQ(size, sizeof path);
+    return code;
+  }
+};
+
+TEST_F(DevicePathAttribute, ListThatCannotBeMade_IsNoController) {
+  faultPlan().failCall(tCall::setupDiGetClassDevs, 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(read(), -26932);
+  EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 0u);
+}
+
+TEST_F(DevicePathAttribute, ListThatCannotBeRead_IsNoController) {
+  faultPlan().failCall(tCall::setupDiEnumDeviceInterfaces, 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(read(), -26932);
+  EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 1u);
+}
+
+TEST_F(DevicePathAttribute, DetailThatCannotBeRead_GivesTheMappedCode) {
+  faultPlan().failCall(tCall::setupDiGetDeviceInterfaceDetail, 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(read(), -52009);
+  EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 1u);
+}
+
+TEST_F(DevicePathAttribute, PathOf252Characters_IsTooLong) {
+  nFakeWindows::machine().usePath({kSimulatorInterfaceDevicePath, 0}, std::string(252, 'p'));
+  EXPECT_EQ(read(), -52019);
+  nFakeWindows::machine().usePath({kSimulatorInterfaceDevicePath, 0}, std::string(251, 'p'));
+  EXPECT_EQ(read(), 0);
+}
+
+}  // namespace
+}  // namespace nTests
