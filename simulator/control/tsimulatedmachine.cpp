@@ -1,13 +1,13 @@
 #include "simulator/control/tsimulatedmachine.h"
 
 #include <windows.h>
-// setupapi.h needs windows.h first.
-#include <setupapi.h>
 
 #include <algorithm>
 #include <array>
-#include <bit>
+#include <cstdio>
 #include <cstring>
+
+#include "simulator/control/deviceinterfaces.h"
 
 namespace nSimulator {
 namespace {
@@ -33,31 +33,6 @@ std::string failureText(uint32_t code, uint32_t windowsError) {
          " with Windows error " + std::to_string(windowsError);
 }
 
-// The path of the first present control interface; empty when there is none.
-std::string findControlInterface() {
-  const auto interfaceClass = std::bit_cast<GUID>(kSimulatorControlInterfaceClass);
-  const HDEVINFO set = SetupDiGetClassDevsA(&interfaceClass, nullptr, nullptr,
-                                            DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
-  if (set == INVALID_HANDLE_VALUE) {
-    return {};
-  }
-  std::string path;
-  SP_DEVICE_INTERFACE_DATA data{};
-  data.cbSize = sizeof data;
-  if (SetupDiEnumDeviceInterfaces(set, nullptr, &interfaceClass, 0, &data)) {
-    alignas(SP_DEVICE_INTERFACE_DETAIL_DATA_A) std::array<char, 256> area{};
-    void* const memory = area.data();
-    auto* const detail = static_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_A*>(memory);
-    detail->cbSize = sizeof *detail;
-    if (SetupDiGetDeviceInterfaceDetailA(set, &data, detail, static_cast<DWORD>(area.size()),
-                                         nullptr, nullptr)) {
-      path = area.data() + offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_A, DevicePath);
-    }
-  }
-  SetupDiDestroyDeviceInfoList(set);
-  return path;
-}
-
 }  // namespace
 
 // The open control interface.
@@ -77,11 +52,11 @@ struct tSimulatedMachine::tChannel {
 };
 
 tSimulatedMachine::tSimulatedMachine() {
-  const std::string path = findControlInterface();
-  if (path.empty()) {
+  const std::vector<std::string> paths = presentInterfaces(kSimulatorControlInterfaceClass);
+  if (paths.empty()) {
     throw tControlError(kNotInstalled, 0);
   }
-  channel_ = std::make_unique<tChannel>(path);
+  channel_ = std::make_unique<tChannel>(paths.front());
 }
 
 tSimulatedMachine::~tSimulatedMachine() = default;

@@ -65,16 +65,16 @@ void PrintTo(const tUnsignedRead& read, std::ostream* out) {
 
 tTextRead readText(uint32_t attribute, uint64_t size) {
   // Exactly as large as promised, so that one byte too many is seen.
-  const auto buffer = std::make_unique<char[]>(size + 1);
-  char* const last = buffer.get() + size;
-  *last = '#';
+  std::vector<char> buffer(size);
+  buffer.push_back('#');
   const std::string_view before(kUntouchedText);
-  std::copy_n(before.begin(), std::min<uint64_t>(size, before.size()), buffer.get());
+  std::copy_n(before.begin(), std::min<uint64_t>(size, before.size()), buffer.begin());
 
   tTextRead result{0, "", size};
-  result.code = QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, buffer.get(), &result.size);
-  EXPECT_EQ(*last, '#') << "written behind the buffer's end";
-  result.text.assign(buffer.get(), std::find(buffer.get(), last, '\0'));
+  result.code = QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, buffer.data(), &result.size);
+  EXPECT_EQ(buffer.back(), '#') << "written behind the buffer's end";
+  buffer.pop_back();
+  result.text.assign(buffer.begin(), std::find(buffer.begin(), buffer.end(), '\0'));
   return result;
 }
 

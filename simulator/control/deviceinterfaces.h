@@ -1,0 +1,16 @@
+#ifndef SIMULATOR_CONTROL_DEVICEINTERFACES_H
+#define SIMULATOR_CONTROL_DEVICEINTERFACES_H
+
+#include <string>
+#include <vector>
+
+#include "protocol/interfaceclasses.h"
+
+namespace nSimulator {
+
+// The paths of the present device interfaces of a class, in the system's order.
+[[nodiscard]] std::vector<std::string> presentInterfaces(const tInterfaceClass& interfaceClass);
+
+}  // namespace nSimulator
+
+#endif

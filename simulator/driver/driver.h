@@ -1,0 +1,56 @@
+/* What the parts of the driver share. One machine serves all devices; every routine here runs at
+ * passive level. */
+#ifndef SIMULATOR_DRIVER_DRIVER_H
+#define SIMULATOR_DRIVER_DRIVER_H
+
+#include <ntifs.h>
+#include <stdbool.h>
+
+#include "simulator/model/model.h"
+
+/* What a device of this driver is. */
+typedef struct tDeviceRole {
+  const WCHAR* hardwareId;
+  const tInterfaceClass* interfaceClass;
+  tSimulatorInterface interfaceKind;
+} tDeviceRole;
+
+/* The extension of a device object. */
+typedef struct tDevice {
+  DEVICE_OBJECT* self;
+  DEVICE_OBJECT* lower;
+  const tDeviceRole* role;
+  uint32_t index;               /* among the devices of its role */
+  UNICODE_STRING interfaceName; /* of its device interface */
+  bool started;
+  bool shown; /* the interface is enabled */
+} tDevice;
+
+/* devices.c: the devices of the driver. */
+DRIVER_ADD_DEVICE addDevice;
+void removeDevice(tDevice* device);
+/* Shows and hides interfaces, so that those are there which are present in the machine. The machine
+ * is locked, or not yet in use. */
+void showPresentInterfaces(const tSimulatorPresence* presence);
+
+/* machine.c: the machine behind the devices. */
+void initialiseMachine(void);
+void lockMachine(void);
+void unlockMachine(void);
+/* With the machine locked. */
+tModel* lockedMachine(void);
+const tSimulatorPresence* lockedPresence(void);
+
+/* The routines behind the IRPs: plugandplay.c, files.c, requests.c. */
+DRIVER_DISPATCH dispatchPlugAndPlay;
+DRIVER_DISPATCH dispatchCreate;
+DRIVER_DISPATCH dispatchClose;
+DRIVER_DISPATCH dispatchDeviceControl;
+
+/* What dispatchCreate keeps about an open file. */
+tModelFile modelFileOf(const FILE_OBJECT* file);
+
+/* Ends an IRP. */
+NTSTATUS completeIrp(IRP* irp, NTSTATUS status, ULONG_PTR information);
+
+#endif

@@ -1,0 +1,47 @@
+#include "simulator/callermemory/callermemory.h"
+#include "simulator/driver/driver.h"
+
+/* Not on the heap, so that there is a machine whenever there is a driver. */
+static tModel theMachine;
+static tSimulatorPresence thePresence;
+static FAST_MUTEX theLock;
+
+static bool readCaller(void* context, uint64_t process, uint64_t address, void* destination,
+                       uint32_t size) {
+  (void)context;
+  return callerMemoryRead(process, address, destination, size) != 0;
+}
+
+static bool writeCaller(void* context, uint64_t process, uint64_t address, const void* source,
+                        uint32_t size) {
+  (void)context;
+  return callerMemoryWrite(process, address, source, size) != 0;
+}
+
+static void presenceChanged(void* context, const tSimulatorPresence* presence) {
+  (void)context;
+  thePresence = *presence;
+  showPresentInterfaces(presence);
+}
+
+void initialiseMachine(void) {
+  static const tModelHost kHost = {NULL, readCaller, writeCaller, presenceChanged};
+  ExInitializeFastMutex(&theLock);
+  modelInitialise(&theMachine, &kHost);
+}
+
+void lockMachine(void) {
+  ExAcquireFastMutex(&theLock);
+}
+
+void unlockMachine(void) {
+  ExReleaseFastMutex(&theLock);
+}
+
+tModel* lockedMachine(void) {
+  return &theMachine;
+}
+
+const tSimulatorPresence* lockedPresence(void) {
+  return &thePresence;
+}

@@ -1,0 +1,13 @@
+#ifndef SIMULATOR_QUENRA_SIM_INSTALLATION_ROOTDEVICES_H
+#define SIMULATOR_QUENRA_SIM_INSTALLATION_ROOTDEVICES_H
+
+namespace nSimulator {
+
+// The devices of the simulated machine, which no bus enumerates: they are put under the root of the
+// device tree. Both throw std::system_error.
+void createRootDevices();
+void removeRootDevices();
+
+}  // namespace nSimulator
+
+#endif

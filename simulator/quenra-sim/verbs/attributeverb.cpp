@@ -1,0 +1,95 @@
+#include <algorithm>
+#include <charconv>
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "simulator/control/tsimulatedmachine.h"
+#include "simulator/quenra-sim/verbs/verb.h"
+
+namespace nSimulator {
+
+CLI::CheckedTransformer interfaceNames() {
+  return CLI::CheckedTransformer(std::map<std::string, uint32_t>{
+      {"controller", kSimulatorInterfaceController}, {"marten", kSimulatorInterfaceMarten}});
+}
+
+namespace {
+
+struct tArguments {
+  uint32_t interfaceKind = 0;
+  uint32_t attribute = 0;
+  std::optional<uint32_t> number;
+  std::optional<std::string> text;
+  std::optional<std::string> bytes;
+};
+
+// "01 02", "0102" or "01,02".
+std::vector<uint8_t> bytesOf(std::string text) {
+  std::erase_if(text, [](char c) { return c == ' ' || c == ','; });
+  std::vector<uint8_t> bytes;
+  for (size_t i = 0; i < text.size(); i += 2) {
+    uint8_t byte = 0;
+    const char* const first = text.data() + i;
+    const auto end = std::from_chars(first, text.data() + std::min(i + 2, text.size()), byte, 16);
+    if (end.ec != std::errc() || end.ptr != first + 2) {
+      throw tUsageError("'" + text + "' is not a list of bytes of two hexadecimal digits");
+    }
+    bytes.push_back(byte);
+  }
+  return bytes;
+}
+
+void set(const tArguments& arguments) {
+  if (!arguments.number && !arguments.text && !arguments.bytes) {
+    throw tUsageError("attribute set: give a value with --number, --text or --bytes");
+  }
+  const auto kind = static_cast<tSimulatorInterface>(arguments.interfaceKind);
+  const std::vector<uint8_t> bytes =
+      arguments.bytes ? bytesOf(*arguments.bytes) : std::vector<uint8_t>();
+  tSimulatedMachine machine;
+  if (arguments.number) {
+    machine.setAttributeU32(kind, arguments.attribute, *arguments.number);
+  } else if (arguments.text) {
+    machine.setAttributeText(kind, arguments.attribute, *arguments.text);
+  } else {
+    machine.setAttribute(kind, arguments.attribute, bytes);
+  }
+}
+
+void addTarget(CLI::App* verb, tArguments& arguments) {
+  verb->add_option("interface", arguments.interfaceKind, "controller or marten")
+      ->required()
+      ->transform(interfaceNames());
+  verb->add_option("id", arguments.attribute,
+                   "The attribute's id as the library sends it, selector and instance included")
+      ->required();
+}
+
+}  // namespace
+
+void addAttribute(CLI::App& app, tAction& action) {
+  static tArguments arguments;
+  CLI::App* const verb =
+      app.add_subcommand("attribute", "Change the attributes that the driver answers");
+  verb->require_subcommand(1);
+  CLI::App* const setVerb = verb->add_subcommand("set", "Give an attribute a value");
+  addTarget(setVerb, arguments);
+  CLI::Option* const number = setVerb->add_option("--number", arguments.number, "32-bit number");
+  CLI::Option* const text = setVerb->add_option("--text", arguments.text, "Text")->excludes(number);
+  setVerb->add_option("--bytes", arguments.bytes, "Bytes in hexadecimal")
+      ->excludes(number)
+      ->excludes(text);
+  setVerb->callback([&action] { action = [] { set(arguments); }; });
+  CLI::App* const removeVerb =
+      verb->add_subcommand("remove", "Make the driver refuse an attribute");
+  addTarget(removeVerb, arguments);
+  removeVerb->callback([&action] {
+    action = [] {
+      tSimulatedMachine().removeAttribute(static_cast<tSimulatorInterface>(arguments.interfaceKind),
+                                          arguments.attribute);
+    };
+  });
+}
+
+}  // namespace nSimulator

@@ -1,0 +1,58 @@
+#include <chrono>
+#include <iostream>
+
+#include "simulator/quenra-sim/installation/driverservice.h"
+#include "simulator/quenra-sim/installation/readiness.h"
+#include "simulator/quenra-sim/installation/rootdevices.h"
+#include "simulator/quenra-sim/verbs/verb.h"
+
+namespace nSimulator {
+namespace {
+
+void uninstall() {
+  removeRootDevices();
+  removeDriverService();
+}
+
+void install() {
+  // What is there may be another version.
+  uninstall();
+  createRootDevices();
+  installDriver();
+  waitUntilReady(std::chrono::seconds(15));
+  std::cout << "the simulated controller is installed\n";
+}
+
+}  // namespace
+
+void addInstall(CLI::App& app, tAction& action) {
+  app.add_subcommand(
+         "install",
+         "Install the driver from the files beside this program and create the devices; "
+         "replaces what is installed")
+      ->callback([&action] { action = install; });
+}
+
+void addUninstall(CLI::App& app, tAction& action) {
+  app.add_subcommand("uninstall", "Remove the devices and the driver")->callback([&action] {
+    action = [] {
+      uninstall();
+      std::cout << "the simulated controller is removed\n";
+    };
+  });
+}
+
+void addWait(CLI::App& app, tAction& action) {
+  static double seconds = 15;
+  CLI::App* const verb = app.add_subcommand("wait", "Wait until the simulated machine is ready");
+  verb->add_option("--timeout", seconds, "Give up after this many seconds")
+      ->check(CLI::Range(0.0, 600.0))
+      ->capture_default_str();
+  verb->callback([&action] {
+    action = [] {
+      waitUntilReady(std::chrono::milliseconds(static_cast<int64_t>(seconds * 1000)));
+    };
+  });
+}
+
+}  // namespace nSimulator

@@ -1,0 +1,43 @@
+#ifndef SIMULATOR_QUENRA_SIM_VERBS_JSON_H
+#define SIMULATOR_QUENRA_SIM_VERBS_JSON_H
+
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <iostream>
+#include <string>
+
+namespace nSimulator {
+
+// Writes one JSON document on standard output when it ends.
+class tJsonDocument {
+ public:
+  tJsonDocument() = default;
+  tJsonDocument(const tJsonDocument&) = delete;
+  tJsonDocument& operator=(const tJsonDocument&) = delete;
+  ~tJsonDocument() { std::cout << buffer_.GetString() << '\n'; }
+
+  void begin() { writer_.StartObject(); }
+  void end() { writer_.EndObject(); }
+  void beginList(const char* key) {
+    writer_.Key(key);
+    writer_.StartArray();
+  }
+  void endList() { writer_.EndArray(); }
+  void member(const char* key, uint64_t value) {
+    writer_.Key(key);
+    writer_.Uint64(value);
+  }
+  void member(const char* key, const std::string& value) {
+    writer_.Key(key);
+    writer_.String(value.c_str(), static_cast<rapidjson::SizeType>(value.size()));
+  }
+
+ private:
+  rapidjson::StringBuffer buffer_;
+  rapidjson::Writer<rapidjson::StringBuffer> writer_{buffer_};
+};
+
+}  // namespace nSimulator
+
+#endif
