@@ -41,7 +41,9 @@ bool defaultReallocate(Status& status, uint32_t newCapacity) noexcept {
   }
   resetDescription(buffer, size);
   if (status.description != nullptr) {
-    std::memcpy(buffer, status.description, strnlen(status.description, status.capacity));
+    const size_t length = strnlen(status.description, status.capacity);
+    std::memset(buffer, 0, kEmptyDescription.size());
+    std::memcpy(buffer, status.description, length);
   }
   std::free(status.description);
   status.description = buffer;
