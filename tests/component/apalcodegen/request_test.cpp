@@ -1,0 +1,125 @@
+// What goes out.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/component/apalcodegen/hexbytes.h"
+#include "tests/component/apalcodegen/requests.h"
+
+namespace nTests {
+namespace {
+
+using nZOAPALS100::mergeStatus;
+using nZOAPALS100::tStatus;
+
+// The golden bytes with the caller's status code behind them.
+std::string goldenRequest(const tRequestPromise& promise, std::string_view callerStatus) {
+  std::vector<uint8_t> bytes = bytesOf(promise.goldenBytes);
+  const std::vector<uint8_t> status = bytesOf(callerStatus);
+  bytes.insert(bytes.end(), status.begin(), status.end());
+  return hexadecimalOf(bytes);
+}
+
+TEST_P(EveryRequest, OnACleanStatus_IsTheGoldenBytes) {
+  tStatus status;
+  send(status);
+  ASSERT_EQ(device_.requests().size(), 1u);
+  const auto& request = device_.requests()[0];
+  EXPECT_EQ(request.code, GetParam().code);
+  EXPECT_EQ(hexadecimalOf(request.in), goldenRequest(GetParam(), "00 00 00 00"));
+  EXPECT_EQ(request.outSize, GetParam().replySize);
+}
+
+TEST_P(EveryRequest, OnAWarning_TakesItsCodeAlong) {
+  tStatus status;
+  mergeStatus(status, 5, {"caller", 1});
+  send(status);
+  ASSERT_EQ(device_.requests().size(), 1u);
+  EXPECT_EQ(hexadecimalOf(device_.requests()[0].in), goldenRequest(GetParam(), "05 00 00 00"));
+}
+
+TEST_P(EveryRequest, OnALargeWarning_TakesAllItsBytesAlong) {
+  tStatus status;
+  mergeStatus(status, 0x7A7B7C7D, {"caller", 1});
+  send(status);
+  ASSERT_EQ(device_.requests().size(), 1u);
+  EXPECT_EQ(hexadecimalOf(device_.requests()[0].in), goldenRequest(GetParam(), "7d 7c 7b 7a"));
+}
+
+TEST_P(EveryRequest, OnAnError_IsNotSent) {
+  tStatus status;
+  mergeStatus(status, -52003, {"caller", 1});
+  send(status);
+  EXPECT_TRUE(device_.requests().empty());
+  EXPECT_EQ(outs_, tOuts());
+  EXPECT_EQ(status.code, -52003);
+  EXPECT_STREQ(status.file, "caller");
+}
+
+TEST_P(EveryRequest, TransportStatus_IsFreshButForTheCallersCode) {
+  tStatus status;
+  mergeStatus(status, 5, "component", "caller", 77);
+  status.extension[0] = 9;
+  send(status);
+  ASSERT_EQ(device_.requests().size(), 1u);
+  const tStatus& transport = device_.requests()[0].transport;
+  EXPECT_EQ(transport.structSize, 208u);
+  EXPECT_EQ(transport.code, 5);
+  EXPECT_STREQ(transport.component, "");
+  EXPECT_STREQ(transport.file, "");
+  EXPECT_EQ(transport.line, 0u);
+  EXPECT_EQ(transport.extension[0], 0u);
+}
+
+TEST_P(EveryRequest, SentTwice_IsTheSameTwice) {
+  for (int i = 0; i < 2; ++i) {
+    tStatus status;
+    outs_ = {};
+    send(status);
+  }
+  ASSERT_EQ(device_.requests().size(), 2u);
+  EXPECT_EQ(device_.requests()[0].in, device_.requests()[1].in);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sent, EveryRequest, testing::ValuesIn(kAllRequests), nameOf);
+
+TEST(ExchangeValues, ToAskForTheSizes_SendsZeros) {
+  tRecordingDevice device;
+  nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostController controller(device);
+  tStatus status;
+  uint32_t textSize = 0;
+  int32_t tableSize = 0;
+  controller.exchangeValues(0, textSize, 0, tableSize, status);
+  ASSERT_EQ(device.requests().size(), 1u);
+  EXPECT_EQ(device.requests()[0].in, std::vector<uint8_t>(32));
+}
+
+// Each typed interface is a channel itself: that of its device.
+template <class Interface>
+class TypedInterface : public testing::Test {};
+using tInterfaces = testing::Types<nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostController,
+                                   nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostMarten>;
+TYPED_TEST_SUITE(TypedInterface, tInterfaces);
+
+TYPED_TEST(TypedInterface, AsAChannel_PassesThroughToItsDevice) {
+  tRecordingDevice device;
+  TypeParam typed(device);
+  nQUENRA1400::nZOAPAL000::iInterfaceProxy& channel = typed;
+  tStatus status;
+  EXPECT_EQ(channel.read(nullptr, 7, status), 7u);
+  EXPECT_EQ(channel.write(nullptr, 8, status), 8u);
+  channel.close();
+  EXPECT_THAT(device.passedThrough(),
+              testing::ElementsAre(testing::StrEq("read"), testing::StrEq("write"),
+                                   testing::StrEq("close")));
+}
+
+TYPED_TEST(TypedInterface, Destroyed_LeavesItsDeviceOpen) {
+  tRecordingDevice device;
+  { const TypeParam typed(device); }
+  EXPECT_TRUE(device.passedThrough().empty());
+}
+
+}  // namespace
+}  // namespace nTests

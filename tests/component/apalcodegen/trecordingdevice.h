@@ -1,0 +1,48 @@
+#ifndef TESTS_COMPONENT_APALCODEGEN_TRECORDINGDEVICE_H
+#define TESTS_COMPONENT_APALCODEGEN_TRECORDINGDEVICE_H
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
+
+namespace nTests {
+
+// A device that records the requests it is sent and answers as it is told.
+class tRecordingDevice final : public nQUENRA1400::nZOAPAL000::tDeviceInterfaceProxy {
+ public:
+  struct tRequest {
+    uint32_t code;
+    std::vector<uint8_t> in;
+    uint32_t outSize;
+    nZOAPALS100::tStatus transport;  // as it came in
+  };
+
+  // The driver's reply; bytes beyond the caller's buffer are cut off.
+  void answerWith(std::vector<uint8_t> reply) { reply_ = std::move(reply); }
+  // What happens to the transport status of a request.
+  void transportWill(std::function<void(nZOAPALS100::tStatus&)> change) {
+    changeTransport_ = std::move(change);
+  }
+
+  [[nodiscard]] const std::vector<tRequest>& requests() const { return requests_; }
+  // What the typed interface has passed through without making a request of it.
+  [[nodiscard]] const std::vector<const char*>& passedThrough() const { return passedThrough_; }
+
+  void close() noexcept override;
+  uint32_t deviceControl(uint32_t code, const void* in, uint32_t inSize, void* out,
+                         uint32_t outSize, nZOAPALS100::tStatus& status) noexcept override;
+  uint32_t read(void* buffer, uint32_t size, nZOAPALS100::tStatus& status) noexcept override;
+  uint32_t write(const void* buffer, uint32_t size, nZOAPALS100::tStatus& status) noexcept override;
+
+ private:
+  std::vector<uint8_t> reply_;
+  std::function<void(nZOAPALS100::tStatus&)> changeTransport_;
+  std::vector<tRequest> requests_;
+  std::vector<const char*> passedThrough_;
+};
+
+}  // namespace nTests
+
+#endif

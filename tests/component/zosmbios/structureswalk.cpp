@@ -1,0 +1,41 @@
+#include "tests/component/zosmbios/structureswalk.h"
+
+namespace nTests {
+namespace {
+
+// The two NULs that end a structure; the table's size when there are none.
+size_t endOfStrings(std::span<const uint8_t> table, size_t from) {
+  for (size_t i = from; i + 1 < table.size(); ++i) {
+    if (table[i] == 0 && table[i + 1] == 0) {
+      return i + 2;
+    }
+  }
+  return table.size();
+}
+
+}  // namespace
+
+std::vector<tWalkedStructure> walkStructures(std::span<const uint8_t> table) {
+  std::vector<tWalkedStructure> structures;
+  size_t offset = 0;
+  while (offset < table.size()) {
+    structures.push_back({offset, table[offset]});
+    if (offset + 1 == table.size()) {
+      break;
+    }
+    offset = endOfStrings(table, offset + table[offset + 1]);
+  }
+  return structures;
+}
+
+std::optional<size_t> walkedStructure(const std::vector<tWalkedStructure>& structures, uint8_t type,
+                                      uint32_t instance) {
+  for (const tWalkedStructure& structure : structures) {
+    if (structure.type == type && instance-- == 0) {
+      return structure.offset;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace nTests

@@ -1,0 +1,52 @@
+#ifndef TESTS_COMPONENT_ZOSMBIOS_TTESTPROVIDER_H
+#define TESTS_COMPONENT_ZOSMBIOS_TTESTPROVIDER_H
+
+#include <cstdint>
+#include <iosfwd>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "zosmbios/czosmbiosprovider.h"
+
+namespace nTests {
+
+inline constexpr char kProviderFile[] = "dep_mirror\\deps\\zosmbios\\includes\\czosmbiosprovider";
+
+// A provider with a given table, or with one that its load brings.
+class tTestProvider final : public nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosProvider {
+ public:
+  tTestProvider() = default;
+  explicit tTestProvider(std::span<const uint8_t> table, std::string_view version = "3.4");
+
+  // What load does from now on: installs a table, or fails.
+  void loadWill(std::vector<uint8_t> table) { loadedTable_ = std::move(table); }
+  void loadWillFail(int32_t code) { loadCode_ = code; }
+  [[nodiscard]] int loads() const { return loads_; }
+
+  void load(nZOAPALS100::tStatus& status) noexcept override;
+
+ private:
+  std::vector<uint8_t> loadedTable_;
+  int32_t loadCode_ = 0;
+  int loads_ = 0;
+};
+
+// The outcome of one getString, to be compared as a whole.
+struct tStringRead {
+  int32_t code;
+  uint32_t line;
+  std::string
+      text;  // what a big enough buffer holds afterwards; kUntouched when nothing was stored
+  bool operator==(const tStringRead&) const = default;
+};
+std::ostream& operator<<(std::ostream& out, const tStringRead& read);
+inline constexpr char kUntouched[] = "untouched";
+
+tStringRead readString(nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosProvider& provider,
+                       nQUENRA1400::nZOSMBIOS_1_1::tFieldId field, uint32_t instance = 0);
+
+}  // namespace nTests
+
+#endif
