@@ -1,0 +1,244 @@
+// The rules of Windows that the library relies on, as the fake keeps them.
+#include <windows.h>
+// setupapi.h needs windows.h first.
+#include <setupapi.h>
+
+#include <bit>
+#include <cstring>
+#include <thread>
+
+#include "protocol/controllerrequests.h"
+#include "protocol/requestcodes.h"
+#include "tests/fakewindows/fakewindowstest.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::faultPlan;
+using nFakeWindows::machine;
+using nFakeWindows::tCall;
+using nFakeWindows::tCompletion;
+
+const auto kControllerClass = std::bit_cast<GUID>(kControllerInterfaceClass);
+
+class FakeWindows : public nFakeWindows::FakeWindowsTest {
+ protected:
+  static HDEVINFO list() {
+    return SetupDiGetClassDevsA(&kControllerClass, nullptr, nullptr,
+                                DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
+  }
+  static HANDLE open(DWORD flags = FILE_FLAG_OVERLAPPED) {
+    const std::string path = machine().pathOf({kSimulatorInterfaceController, 0});
+    return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, flags, nullptr);
+  }
+  static HANDLE tagged(HANDLE event) {
+    return std::bit_cast<HANDLE>(std::bit_cast<uintptr_t>(event) | uintptr_t{1});
+  }
+};
+using FakeWindowsDeathTest = FakeWindows;
+
+TEST_F(FakeWindows, Listing_EndsWithNoMoreItems) {
+  const HDEVINFO set = list();
+  SP_DEVICE_INTERFACE_DATA data{};
+  data.cbSize = sizeof data;
+  EXPECT_TRUE(SetupDiEnumDeviceInterfaces(set, nullptr, &kControllerClass, 0, &data));
+  EXPECT_FALSE(SetupDiEnumDeviceInterfaces(set, nullptr, &kControllerClass, 1, &data));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_ITEMS});
+  EXPECT_TRUE(SetupDiDestroyDeviceInfoList(set));
+}
+
+TEST_F(FakeWindows, Detail_TellsTheSizeAlsoWhenItDoesNotFit) {
+  const HDEVINFO set = list();
+  SP_DEVICE_INTERFACE_DATA data{};
+  data.cbSize = sizeof data;
+  ASSERT_TRUE(SetupDiEnumDeviceInterfaces(set, nullptr, &kControllerClass, 0, &data));
+  const std::string path = machine().pathOf({kSimulatorInterfaceController, 0});
+  alignas(8) char area[256] = {};
+  auto* const detail = static_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_A*>(static_cast<void*>(area));
+  detail->cbSize = sizeof *detail;
+  DWORD required = 0;
+  EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailA(
+      set, &data, detail, static_cast<DWORD>(4 + path.size()), &required, nullptr));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+  EXPECT_EQ(required, 4 + path.size() + 1);
+  EXPECT_TRUE(SetupDiGetDeviceInterfaceDetailA(set, &data, detail, required, &required, nullptr));
+  EXPECT_EQ(area + 4, path);
+  SetupDiDestroyDeviceInfoList(set);
+}
+
+TEST_F(FakeWindows, FileThatIsNotThere_IsNotFound) {
+  EXPECT_EQ(CreateFileA("\\\\?\\nothing", GENERIC_READ | GENERIC_WRITE,
+                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr),
+            INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+}
+
+TEST_F(FakeWindows, RequestThatIsPending_SignalsItsEventWhenItCompletes) {
+  faultPlan().complete(tCompletion::later);
+  const HANDLE file = open();
+  const HANDLE event = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = tagged(event);
+  const tExchangeValuesRequest request{};
+  tExchangeValuesReply reply{};
+  DWORD bytes = 0;
+  EXPECT_FALSE(DeviceIoControl(file, REQUEST_EXCHANGE_VALUES,
+                               const_cast<tExchangeValuesRequest*>(&request), sizeof request,
+                               &reply, sizeof reply, &bytes, &overlapped));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
+  EXPECT_EQ(WaitForSingleObject(event, INFINITE), DWORD{WAIT_OBJECT_0});
+  EXPECT_TRUE(GetOverlappedResult(file, &overlapped, &bytes, TRUE));
+  EXPECT_EQ(bytes, 12u);
+  EXPECT_EQ(reply.driverStatus, DRIVER_STATUS_BUFFER_TOO_SMALL);
+  CloseHandle(file);
+  CloseHandle(event);
+}
+
+TEST_F(FakeWindows, RequestThatIsCancelled_FailsAsAborted) {
+  faultPlan().complete(tCompletion::never);
+  const HANDLE file = open();
+  const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = tagged(event);
+  DWORD bytes = 0;
+  EXPECT_FALSE(DeviceIoControl(file, 1, nullptr, 0, nullptr, 0, &bytes, &overlapped));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
+  EXPECT_TRUE(CancelIoEx(file, &overlapped));
+  EXPECT_FALSE(GetOverlappedResult(file, &overlapped, &bytes, TRUE));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_OPERATION_ABORTED});
+  EXPECT_FALSE(CancelIoEx(file, &overlapped));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_FOUND});
+  CloseHandle(file);
+  CloseHandle(event);
+}
+
+TEST_F(FakeWindows, FailedRequest_LeavesTheOutputAlone) {
+  const HANDLE file = open(0);
+  char output[8] = "before!";
+  DWORD bytes = 99;
+  EXPECT_FALSE(
+      DeviceIoControl(file, 1, output, sizeof output, output, sizeof output, &bytes, nullptr));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FUNCTION});
+  EXPECT_STREQ(output, "before!");
+  EXPECT_EQ(bytes, 0u);
+  CloseHandle(file);
+}
+
+TEST_F(FakeWindows, SignalledEvent_StaysSignalled) {
+  const HANDLE manual = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+  EXPECT_EQ(WaitForSingleObject(manual, INFINITE), DWORD{WAIT_OBJECT_0});
+  EXPECT_EQ(WaitForSingleObject(manual, INFINITE), DWORD{WAIT_OBJECT_0}) << "stays signalled";
+  CloseHandle(manual);
+}
+
+TEST_F(FakeWindows, LastError_IsTheThreadsOwn) {
+  SetLastError(5);
+  std::thread([] {
+    EXPECT_EQ(GetLastError(), 0u);
+    SetLastError(6);
+  }).join();
+  EXPECT_EQ(GetLastError(), 5u);
+}
+
+TEST_F(FakeWindows, UnreachableMemory_IsRefusedByTheDriver) {
+  const HANDLE file = open(0);
+  char target[64] = {};
+  machine().makeUnreachable(target, sizeof target);
+  tExchangeValuesRequest request{};
+  request.textBuffer = std::bit_cast<uintptr_t>(&target[0]);
+  request.textSize = sizeof target;
+  request.tableBuffer = std::bit_cast<uintptr_t>(&target[0]);
+  request.tableSize = 65536;
+  tExchangeValuesReply reply{};
+  DWORD bytes = 0;
+  EXPECT_TRUE(DeviceIoControl(file, REQUEST_EXCHANGE_VALUES, &request, sizeof request, &reply,
+                              sizeof reply, &bytes, nullptr));
+  EXPECT_EQ(reply.driverStatus, SIMULATOR_STATUS_BAD_ADDRESS);
+  CloseHandle(file);
+}
+
+TEST_F(FakeWindows, FirmwareTable_TellsItsSizeAndNeedsRoom) {
+  machine().useFirmwareTable({1, 2, 3});
+  uint8_t buffer[3] = {};
+  EXPECT_EQ(GetSystemFirmwareTable(0x52534D42, 0, nullptr, 0), 3u);
+  EXPECT_EQ(GetSystemFirmwareTable(0x52534D42, 0, buffer, 2), 3u);
+  EXPECT_EQ(buffer[0], 0) << "nothing is copied when there is too little room";
+  EXPECT_EQ(GetSystemFirmwareTable(0x52534D42, 0, buffer, 3), 3u);
+  EXPECT_EQ(buffer[2], 3);
+  machine().useFirmwareTable({}, ERROR_INVALID_FUNCTION);
+  EXPECT_EQ(GetSystemFirmwareTable(0x52534D42, 0, nullptr, 0), 0u);
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FUNCTION});
+}
+
+// ---- The fault plan ----
+
+TEST_F(FakeWindows, PlannedFailure_HitsTheNthCallOfAFunction) {
+  faultPlan().failCall(tCall::createEvent, 2, 8);
+  const HANDLE first = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  EXPECT_NE(first, nullptr);
+  EXPECT_EQ(CreateEventA(nullptr, TRUE, FALSE, nullptr), nullptr);
+  EXPECT_EQ(GetLastError(), 8u);
+  const HANDLE third = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  EXPECT_NE(third, nullptr);
+  EXPECT_EQ(faultPlan().callCount(tCall::createEvent), 3u);
+  CloseHandle(first);
+  CloseHandle(third);
+  EXPECT_EQ(faultPlan().callCount(), 5u);
+}
+
+TEST_F(FakeWindows, Record_TellsTheCallsInOrder) {
+  const HANDLE file = open();
+  CloseHandle(file);
+  const auto calls = faultPlan().calls();
+  ASSERT_EQ(calls.size(), 2u);
+  EXPECT_EQ(calls[0].call, tCall::createFile);
+  EXPECT_EQ(calls[0].argument, machine().pathOf({kSimulatorInterfaceController, 0}));
+  EXPECT_EQ(calls[1].call, tCall::closeHandle);
+}
+
+TEST_F(FakeWindows, WhatIsOpen_IsNamed) {
+  const HANDLE file = open();
+  const HDEVINFO set = list();
+  EXPECT_EQ(nFakeWindows::objects().open().size(), 2u);
+  CloseHandle(file);
+  SetupDiDestroyDeviceInfoList(set);
+  EXPECT_TRUE(nFakeWindows::objects().open().empty());
+}
+
+// ---- What no program may do ----
+
+TEST_F(FakeWindowsDeathTest, ClosingTwice_Stops) {
+  const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  CloseHandle(event);
+  EXPECT_DEATH(CloseHandle(event), "CloseHandle: neither an event nor a file, or closed already");
+}
+
+TEST_F(FakeWindowsDeathTest, UnknownArguments_Stop) {
+  EXPECT_DEATH(CreateEventA(nullptr, TRUE, FALSE, "name"), "CreateEventA: only a plain event");
+  EXPECT_DEATH(SetupDiGetClassDevsA(&kControllerClass, nullptr, nullptr, DIGCF_DEVICEINTERFACE),
+               "SetupDiGetClassDevsA: only present device interfaces");
+}
+
+TEST_F(FakeWindowsDeathTest, RequestOnAClosedFile_Stops) {
+  const HANDLE file = open(0);
+  CloseHandle(file);
+  DWORD bytes = 0;
+  EXPECT_DEATH(DeviceIoControl(file, 1, nullptr, 0, nullptr, 0, &bytes, nullptr),
+               "DeviceIoControl: not a file, or one that was closed");
+}
+
+TEST_F(FakeWindowsDeathTest, CompletionThatWouldGoToAPort_Stops) {
+  const HANDLE file = open();
+  const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = event;
+  DWORD bytes = 0;
+  EXPECT_DEATH(DeviceIoControl(file, 1, nullptr, 0, nullptr, 0, &bytes, &overlapped),
+               "an event without its lowest bit set");
+  CloseHandle(file);
+  CloseHandle(event);
+}
+
+}  // namespace
+}  // namespace nTests

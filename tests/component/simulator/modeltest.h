@@ -1,0 +1,118 @@
+// A model with a host of the test's own.
+#ifndef TESTS_COMPONENT_SIMULATOR_MODELTEST_H
+#define TESTS_COMPONENT_SIMULATOR_MODELTEST_H
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+#include <span>
+#include <type_traits>
+#include <vector>
+
+#include "protocol/controllerrequests.h"
+#include "simulator/model/model.h"
+
+namespace nTests {
+
+inline constexpr uint64_t kProcess = 77;
+
+struct tAnswer {
+  uint32_t windowsError = 0;
+  std::vector<uint8_t> bytes;
+};
+
+class ModelTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    const tModelHost host = {this, &readCaller, &writeCaller, &presenceChanged};
+    modelInitialise(model_.get(), &host);
+  }
+
+  // Sends a request; the output buffer has `room` bytes.
+  tAnswer request(tSimulatorInterface kind, uint32_t code, std::span<const uint8_t> input,
+                  uint32_t room) {
+    // One buffer for both, as with the system's buffered method.
+    std::vector<uint8_t> buffer(std::max<size_t>(input.size(), room));
+    std::copy(input.begin(), input.end(), buffer.begin());
+    const tModelRequest asked = {{1, kProcess, kind}, code,
+                                 buffer.data(),       static_cast<uint32_t>(input.size()),
+                                 buffer.data(),       room};
+    const tModelReply reply = modelRequest(model_.get(), &asked);
+    EXPECT_LE(reply.size, room) << "more than there is room for";
+    if (reply.windowsError != 0) {
+      EXPECT_EQ(reply.size, 0u) << "a request that fails has no reply";
+    }
+    buffer.resize(reply.size);
+    return {reply.windowsError, buffer};
+  }
+  // The same with a record as input.
+  template <class Record>
+  requires(!std::is_convertible_v<Record, std::span<const uint8_t>>) tAnswer
+      request(tSimulatorInterface kind, uint32_t code, const Record& input, uint32_t room) {
+    std::vector<uint8_t> bytes(sizeof input);
+    std::memcpy(bytes.data(), &input, sizeof input);
+    return request(kind, code, std::span<const uint8_t>(bytes), room);
+  }
+  tAnswer control(uint32_t code, std::span<const uint8_t> input = {}, uint32_t room = 0) {
+    return request(kSimulatorInterfaceControl, code, input, room);
+  }
+  template <class Record>
+  requires(!std::is_convertible_v<Record, std::span<const uint8_t>>) tAnswer
+      control(uint32_t code, const Record& input) {
+    return request(kSimulatorInterfaceControl, code, input, 0);
+  }
+  template <class Record>
+  static Record recordOf(const tAnswer& answer) {
+    Record record{};
+    EXPECT_EQ(answer.bytes.size(), sizeof record);
+    std::memcpy(&record, answer.bytes.data(), std::min(answer.bytes.size(), sizeof record));
+    return record;
+  }
+  std::vector<tSimulatorLogEntry> log(uint64_t from = 1) {
+    const tAnswer answer =
+        request(kSimulatorInterfaceControl, SIMULATOR_READ_LOG, from,
+                static_cast<uint32_t>(SIMULATOR_LOG_CAPACITY * sizeof(tSimulatorLogEntry)));
+    std::vector<tSimulatorLogEntry> entries(answer.bytes.size() / sizeof(tSimulatorLogEntry));
+    if (!entries.empty()) {
+      std::memcpy(entries.data(), answer.bytes.data(), answer.bytes.size());
+    }
+    return entries;
+  }
+
+  // The memory of the calling process: addresses are offsets into it.
+  std::vector<uint8_t> memory = std::vector<uint8_t>(0x20000, 0xEE);
+  std::vector<tSimulatorPresence> presences;
+
+ private:
+  static ModelTest& self(void* context) { return *static_cast<ModelTest*>(context); }
+  bool isInside(uint64_t process, uint64_t address, uint32_t size) const {
+    return process == kProcess && address != 0 && address <= memory.size() &&
+           size <= memory.size() - address;
+  }
+  static bool readCaller(void* context, uint64_t process, uint64_t address, void* destination,
+                         uint32_t size) {
+    if (!self(context).isInside(process, address, size)) {
+      return false;
+    }
+    std::memcpy(destination, self(context).memory.data() + address, size);
+    return true;
+  }
+  static bool writeCaller(void* context, uint64_t process, uint64_t address, const void* source,
+                          uint32_t size) {
+    if (!self(context).isInside(process, address, size)) {
+      return false;
+    }
+    std::memcpy(self(context).memory.data() + address, source, size);
+    return true;
+  }
+  static void presenceChanged(void* context, const tSimulatorPresence* presence) {
+    self(context).presences.push_back(*presence);
+  }
+
+  std::unique_ptr<tModel> model_ = std::make_unique<tModel>();
+};
+
+}  // namespace nTests
+
+#endif
