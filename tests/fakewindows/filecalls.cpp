@@ -1,7 +1,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <bit>
 
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/unusual.h"
@@ -71,7 +70,7 @@ BOOL transfer(tCall call, HANDLE handle, DWORD* bytes, OVERLAPPED* overlapped, W
     const std::lock_guard lock(objects().mutex);
     tEvent* const event = objects().find<tEvent>(overlapped->hEvent);
     expectUsual(event != nullptr, call, "an OVERLAPPED without an event");
-    expectUsual((std::bit_cast<uintptr_t>(overlapped->hEvent) & 1) != 0, call,
+    expectUsual((reinterpret_cast<uintptr_t>(overlapped->hEvent) & 1) != 0, call,
                 "an event without its lowest bit set: the completion would go to a port");
     event->signalled = false;
     overlapped->Internal = kStatusPending;

@@ -29,7 +29,7 @@ class tNormalisedText {
   void append(char character) noexcept { characters_[length_++] = character; }
 
   // At worst every character is the beginning of a group.
-  std::array<char, 2 * nZOSMBIOS_1_1::cZoSmBiosProvider::kLongestString> characters_{};
+  std::array<char, size_t{2} * nZOSMBIOS_1_1::cZoSmBiosProvider::kLongestString> characters_{};
   size_t length_ = 0;
 };
 

@@ -32,9 +32,7 @@ class FakeWindows : public nFakeWindows::FakeWindowsTest {
     return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE,
                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, flags, nullptr);
   }
-  static HANDLE tagged(HANDLE event) {
-    return std::bit_cast<HANDLE>(std::bit_cast<uintptr_t>(event) | uintptr_t{1});
-  }
+  static HANDLE tagged(HANDLE event) { return static_cast<char*>(event) + 1; }
 };
 using FakeWindowsDeathTest = FakeWindows;
 

@@ -1,7 +1,5 @@
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 
-#include <bit>
-
 #include "zoapal/protons/driver/windowsu/ttransferevent.h"
 #include "zoapal/protons/status/win32error.h"
 
@@ -15,9 +13,9 @@ constexpr uint32_t kOpenLine = 43;
 constexpr uint32_t kCreateEventLine = 51;
 
 // With its lowest bit set, the event keeps the completion off a port that the handle may be
-// associated with: whoever reads the port is to see notifications only.
+// associated with: whoever reads the port is to see notifications only. Handles are multiples of 4.
 HANDLE taggedForNoPort(HANDLE event) noexcept {
-  return std::bit_cast<HANDLE>(std::bit_cast<uintptr_t>(event) | uintptr_t{1});
+  return static_cast<char*>(event) + 1;
 }
 
 // After a failed wait the system may still own the transfer, which writes into the caller's memory
