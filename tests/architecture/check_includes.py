@@ -20,7 +20,6 @@ WINDOWS_HEADERS = {
 MAY_CALL_WINDOWS = (
     "zoapal/protons/", "zosmbios/czosmbioswindowsprovider.cpp", "simulator/driver/",
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
-    "tools/quenra/tterminal.cpp",
     "tests/",
 )
 SKIPPED = {"build", ".git"}

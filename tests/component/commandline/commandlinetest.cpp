@@ -1,0 +1,63 @@
+#include "tests/component/commandline/commandlinetest.h"
+
+#include <sstream>
+
+#include "tools/quenra/commandline.h"
+
+namespace nTests {
+
+rapidjson::Document tRun::document() const {
+  rapidjson::Document document;
+  document.Parse<rapidjson::kParseValidateEncodingFlag>(out.data(), out.size());
+  EXPECT_FALSE(document.HasParseError()) << out;
+  EXPECT_TRUE(document.IsObject()) << out;
+  return document;
+}
+
+CommandLineTest::~CommandLineTest() {
+  EXPECT_EQ(library_.opens, library_.closes) << "a controller was left open";
+  EXPECT_FALSE(library_.readWhileClosed);
+}
+
+tRun CommandLineTest::run(const std::vector<std::string>& words) {
+  return runWith(words, false);
+}
+
+tRun CommandLineTest::runOnTerminal(const std::vector<std::string>& words) {
+  return runWith(words, true);
+}
+
+tRun CommandLineTest::runWith(const std::vector<std::string>& words, bool terminal) {
+  std::vector<const char*> arguments{"quenra"};
+  for (const std::string& word : words) {
+    arguments.push_back(word.c_str());
+  }
+  std::ostringstream out;
+  std::ostringstream error;
+  nCommandLine::tStreams streams{out, error, terminal, terminal};
+  const int exitCode = nCommandLine::runCommandLine(static_cast<int>(arguments.size()),
+                                                    arguments.data(), streams, library_);
+  return {exitCode, out.str(), error.str()};
+}
+
+std::vector<std::string> memberNames(const rapidjson::Value& object) {
+  std::vector<std::string> names;
+  for (const auto& member : object.GetObject()) {
+    names.emplace_back(member.name.GetString());
+  }
+  return names;
+}
+
+const rapidjson::Value& itemWith(const rapidjson::Value& array, const char* member,
+                                 const std::string& text) {
+  static const rapidjson::Value kNone(rapidjson::kObjectType);
+  for (const rapidjson::Value& item : array.GetArray()) {
+    if (item[member].IsString() && item[member].GetString() == text) {
+      return item;
+    }
+  }
+  ADD_FAILURE() << "no item has " << member << " " << text;
+  return kNone;
+}
+
+}  // namespace nTests

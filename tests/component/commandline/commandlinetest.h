@@ -1,0 +1,48 @@
+#ifndef TESTS_COMPONENT_COMMANDLINE_COMMANDLINETEST_H
+#define TESTS_COMPONENT_COMMANDLINE_COMMANDLINETEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <rapidjson/document.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/component/commandline/tscriptedlibrary.h"
+
+namespace nTests {
+
+// What a run of the program left behind.
+struct tRun {
+  int exitCode;
+  std::string out;
+  std::string error;
+
+  // The document on the standard output; fails the test unless there is exactly one.
+  [[nodiscard]] rapidjson::Document document() const;
+};
+
+class CommandLineTest : public testing::Test {
+ protected:
+  ~CommandLineTest() override;
+
+  // With the words as they stand after the program's name.
+  tRun run(const std::vector<std::string>& words);
+  tRun runOnTerminal(const std::vector<std::string>& words);
+
+  tScriptedLibrary library_;
+
+ private:
+  tRun runWith(const std::vector<std::string>& words, bool terminal);
+};
+
+// The names of an object's members, in order.
+[[nodiscard]] std::vector<std::string> memberNames(const rapidjson::Value& object);
+
+// The item of an array whose member has that text; fails the test when there is none.
+[[nodiscard]] const rapidjson::Value& itemWith(const rapidjson::Value& array, const char* member,
+                                               const std::string& text);
+
+}  // namespace nTests
+
+#endif

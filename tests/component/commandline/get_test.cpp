@@ -1,0 +1,225 @@
+#include "quenra_attributes.h"
+#include "tests/component/commandline/commandlinetest.h"
+
+namespace nTests {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Get : public CommandLineTest {
+ protected:
+  // The id that a command line makes the library read.
+  uint32_t idReadBy(const std::vector<std::string>& words) {
+    library_.reads.clear();
+    const tRun result = run(words);
+    EXPECT_EQ(library_.reads.size(), 1u) << result.error;
+    return library_.reads.empty() ? 0 : library_.reads.front();
+  }
+};
+
+TEST_F(Get, Text_IsPrintedAlone) {
+  library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "qctl-8840");
+  const tRun result = run({"get", "product-name"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "qctl-8840\n");
+  EXPECT_THAT(result.error, IsEmpty());
+}
+
+TEST_F(Get, Number_HasItsUnitOnATerminalOnly) {
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE, 16384);
+  EXPECT_EQ(run({"get", "memory-size"}).out, "16384\n");
+  EXPECT_EQ(runOnTerminal({"get", "memory-size"}).out, "16384 MiB\n");
+}
+
+TEST_F(Get, AttributeIsFoundByNameConstantAndId) {
+  const std::string names[] = {"product-name", "PRODUCT_NAME", "QUENRA_ATTRIBUTE_PRODUCT_NAME",
+                               "0x10000100", "268435712"};
+  for (const std::string& name : names) {
+    EXPECT_EQ(idReadBy({"get", name}), 0x10000100u) << name;
+  }
+}
+
+TEST_F(Get, InstanceAndInterface_GoIntoTheId) {
+  EXPECT_EQ(idReadBy({"get", "memory-size", "--instance", "1"}), 0x2000D001u);
+  EXPECT_EQ(idReadBy({"get", "memory-size", "--instance=0x10"}), 0x2000D010u);
+  EXPECT_EQ(idReadBy({"get", "firmware-version", "--controller"}), 0x10100400u);
+  EXPECT_EQ(idReadBy({"get", "--marten", "firmware-version"}), 0x10200400u);
+}
+
+TEST_F(Get, IdMayHoldInstanceAndInterfaceItself) {
+  EXPECT_EQ(idReadBy({"get", "0x2000D002"}), 0x2000D002u);
+  EXPECT_EQ(idReadBy({"get", "0x10200400"}), 0x10200400u);
+  EXPECT_EQ(idReadBy({"get", "0x10200400", "--marten"}), 0x10200400u);
+  EXPECT_EQ(idReadBy({"get", "0x2000D002", "--instance", "2"}), 0x2000D002u);
+}
+
+TEST_F(Get, IdThatContradictsTheOptions_IsWrongUsage) {
+  EXPECT_EQ(run({"get", "0x2000D002", "--instance", "1"}).exitCode, 2);
+  EXPECT_EQ(run({"get", "0x10200400", "--controller"}).exitCode, 2);
+  EXPECT_THAT(library_.reads, IsEmpty());
+}
+
+TEST_F(Get, IdOutsideTheCatalogue_IsAskedOfTheLibrary) {
+  library_.number(0x20212300, 5);
+  const tRun result = run({"get", "0x20212300", "--json"});
+  EXPECT_EQ(result.exitCode, 0);
+  const auto document = result.document();
+  EXPECT_TRUE(document["attribute"]["name"].IsNull());
+  EXPECT_STREQ(document["attribute"]["id"].GetString(), "0x20012300");
+  EXPECT_STREQ(document["attribute"]["interface"].GetString(), "marten");
+  EXPECT_EQ(document["attribute"]["value"].GetUint(), 5u);
+}
+
+TEST_F(Get, ImpossibleIds_AreWrongUsage) {
+  const std::string ids[] = {"0", "0x30000000", "0x10300400", "0x1FFFFFFFF", "12x", "-5", "+1"};
+  for (const std::string& id : ids) {
+    EXPECT_EQ(run({"get", id}).exitCode, 2) << id;
+  }
+  EXPECT_THAT(library_.reads, IsEmpty());
+}
+
+TEST_F(Get, ImpossibleInstances_AreWrongUsage) {
+  const std::string instances[] = {"-1", "256", "one", "", "0x100"};
+  for (const std::string& instance : instances) {
+    EXPECT_EQ(run({"get", "memory-size", "--instance", instance}).exitCode, 2) << instance;
+  }
+}
+
+TEST_F(Get, BothInterfaces_AreWrongUsage) {
+  EXPECT_EQ(run({"get", "firmware-version", "--controller", "--marten"}).exitCode, 2);
+}
+
+TEST_F(Get, UnknownName_IsMetWithASuggestion) {
+  const tRun result = run({"get", "product-nam"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error, HasSubstr("Did you mean product-name?"));
+}
+
+TEST_F(Get, NotSupported_IsSaidWithoutAnythingOnTheOutput) {
+  const tRun result = run({"get", "serial-number"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error, HasSubstr("serial-number is not supported on this machine"));
+  EXPECT_THAT(result.error, HasSubstr("-26934 QUENRA_STATUS_NOT_SUPPORTED"));
+  EXPECT_THAT(result.error, HasSubstr("Advice: "));
+}
+
+TEST_F(Get, NotSupportedWithJson_IsAnAnswer) {
+  const tRun result = run({"get", "serial-number", "--json"});
+  EXPECT_EQ(result.exitCode, 3);
+  const auto document = result.document();
+  EXPECT_STREQ(document["kind"].GetString(), "get");
+  EXPECT_EQ(document["exitCode"].GetInt(), 3);
+  EXPECT_STREQ(document["attribute"]["state"].GetString(), "notSupported");
+  EXPECT_TRUE(document["attribute"]["value"].IsNull());
+  EXPECT_EQ(document["attribute"]["status"]["code"].GetInt(), -26934);
+}
+
+TEST_F(Get, InterfaceThatThisMachineLacks_IsNotSupported) {
+  library_.code(0x10200400, QUENRA_STATUS_NO_CONTROLLER);
+  const tRun result = run({"get", "firmware-version", "--marten", "--json"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_STREQ(result.document()["attribute"]["state"].GetString(), "unavailable");
+}
+
+TEST_F(Get, FailedRead_GivesCodeConstantAndAdvice) {
+  library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, QUENRA_STATUS_TIME_OUT);
+  const tRun result = run({"get", "driver-setting-1"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error, HasSubstr("driver-setting-1 cannot be read"));
+  EXPECT_THAT(result.error, HasSubstr("-52007 QUENRA_STATUS_TIME_OUT"));
+  EXPECT_THAT(result.error, HasSubstr("Advice: Try again"));
+}
+
+TEST_F(Get, CodeOfTheDriver_IsPassedOnWithoutAConstant) {
+  library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, -333);
+  const auto document = run({"get", "driver-setting-1", "--json"}).document();
+  EXPECT_EQ(document["error"]["code"].GetInt(), -333);
+  EXPECT_TRUE(document["error"]["constant"].IsNull());
+  EXPECT_EQ(document["exitCode"].GetInt(), 1);
+}
+
+TEST_F(Get, NoController_HasAnExitCodeOfItsOwn) {
+  library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
+  const tRun result = run({"get", "product-name", "--json"});
+  EXPECT_EQ(result.exitCode, 4);
+  EXPECT_THAT(result.error, HasSubstr("-26932 QUENRA_STATUS_NO_CONTROLLER"));
+  const auto document = result.document();
+  EXPECT_STREQ(document["kind"].GetString(), "error");
+  EXPECT_STREQ(document["command"].GetString(), "get");
+  EXPECT_EQ(document["error"]["code"].GetInt(), -26932);
+}
+
+TEST_F(Get, TwoControllers_AreAFailure) {
+  library_.openCode = QUENRA_STATUS_GENERIC_FAILURE;
+  EXPECT_EQ(run({"get", "product-name"}).exitCode, 1);
+}
+
+TEST_F(Get, DevicePath_NeedsNoController) {
+  library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
+  library_.text(QUENRA_ATTRIBUTE_DEVICE_PATH, R"(\\?\root#x#0)");
+  const tRun result = run({"get", "device-path"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "\\\\?\\root#x#0\n");
+}
+
+TEST_F(Get, DevicePathWithoutADevice_IsNoController) {
+  library_.code(QUENRA_ATTRIBUTE_DEVICE_PATH, QUENRA_STATUS_NO_CONTROLLER);
+  const tRun result = run({"get", "device-path"});
+  EXPECT_EQ(result.exitCode, 4);
+  EXPECT_THAT(result.error, HasSubstr("device-path cannot be read"));
+}
+
+TEST_F(Get, Warnings_GoToTheErrorStreamAndTheDocument) {
+  library_.openCode = 77;
+  library_.number(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 5, QUENRA_STATUS_IO_PENDING);
+  const tRun result = run({"get", "driver-setting-1", "--json"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.error, HasSubstr("warning: opening the controller\n  77\n"));
+  EXPECT_THAT(result.error,
+              HasSubstr("warning: reading driver-setting-1\n  52011 QUENRA_STATUS_IO_"));
+  const auto document = result.document();
+  ASSERT_EQ(document["warnings"].Size(), 2u);
+  EXPECT_TRUE(document["warnings"][0]["constant"].IsNull());
+  EXPECT_STREQ(document["warnings"][1]["constant"].GetString(), "QUENRA_STATUS_IO_PENDING");
+  EXPECT_EQ(document["attribute"]["value"].GetUint(), 5u);
+}
+
+TEST_F(Get, Document_HasThePromisedMembers) {
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE + 1, 8192);
+  const auto document = run({"get", "memory-size", "--instance", "1", "--json"}).document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "attribute"));
+  const rapidjson::Value& attribute = document["attribute"];
+  EXPECT_THAT(memberNames(attribute), ElementsAre("name", "id", "instance", "interface", "type",
+                                                  "state", "value", "shown", "unit", "status"));
+  EXPECT_STREQ(attribute["name"].GetString(), "memory-size");
+  EXPECT_STREQ(attribute["id"].GetString(), "0x2000D000");
+  EXPECT_EQ(attribute["instance"].GetInt(), 1);
+  EXPECT_STREQ(attribute["interface"].GetString(), "default");
+  EXPECT_STREQ(attribute["type"].GetString(), "unsigned");
+  EXPECT_STREQ(attribute["state"].GetString(), "value");
+  EXPECT_EQ(attribute["value"].GetInt(), 8192);
+  EXPECT_STREQ(attribute["shown"].GetString(), "8192 MiB");
+  EXPECT_STREQ(attribute["unit"].GetString(), "MiB");
+  EXPECT_EQ(attribute["status"]["code"].GetInt(), 0);
+}
+
+TEST_F(Get, TextOfAnyBytes_LeavesAValidDocument) {
+  library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "a\xFF\"\\\x1B[0m");
+  const auto document = run({"get", "product-name", "--json"}).document();
+  EXPECT_STREQ(document["attribute"]["value"].GetString(), "a\xEF\xBF\xBD\"\\\x1B[0m");
+  EXPECT_STREQ(document["attribute"]["shown"].GetString(), "a\xEF\xBF\xBD\"\\\\x1B[0m");
+}
+
+TEST_F(Get, TextWithEscapeCodes_NeverReachesTheOutputAsSuch) {
+  library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "a\x1B[31m\r\n");
+  EXPECT_EQ(runOnTerminal({"get", "product-name"}).out, "a\\x1B[31m\\x0D\\x0A\n");
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,60 @@
+#include "tests/component/commandline/commandlinetest.h"
+#include "tools/quenra/exitcode.h"
+
+namespace nTests {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+using Help = CommandLineTest;
+
+TEST_F(Help, NamesEveryVerb) {
+  const tRun result = run({"--help"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.error, IsEmpty());
+  for (const char* verb :
+       {"\n  info ", "\n  get ", "\n  attributes ", "\n  explain ", "\n  help "}) {
+    EXPECT_THAT(result.out, HasSubstr(verb));
+  }
+}
+
+TEST_F(Help, EndsWithExamplesAndExitCodes) {
+  for (const char* verb : {"info", "get", "attributes", "explain"}) {
+    const std::string text = run({verb, "--help"}).out;
+    EXPECT_THAT(text, HasSubstr(std::string("Examples:\n  quenra ") + verb));
+    for (const nCommandLine::tExitCodeRow& row : nCommandLine::kExitCodes) {
+      EXPECT_THAT(text, HasSubstr(std::to_string(nCommandLine::exitNumber(row.code)) + "  " +
+                                  std::string(row.meaning)));
+    }
+  }
+}
+
+TEST_F(Help, OfAVerb_NamesItsOptions) {
+  const std::string text = run({"get", "--help"}).out;
+  for (const char* option : {"NAME|ID", "--instance N", "--controller", "--marten", "--json"}) {
+    EXPECT_THAT(text, HasSubstr(option));
+  }
+  EXPECT_THAT(text, HasSubstr("quenra get"));
+}
+
+TEST_F(Help, VerbAndOption_SayTheSame) {
+  EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
+  EXPECT_EQ(run({"help", "get"}).out, run({"get", "--help"}).out);
+  EXPECT_EQ(run({"get", "-h"}).out, run({"get", "--help"}).out);
+}
+
+TEST_F(Help, WithJson_IsADocument) {
+  const auto document = run({"help", "get", "--json"}).document();
+  EXPECT_STREQ(document["kind"].GetString(), "help");
+  EXPECT_EQ(document["text"].GetString(), run({"get", "--help"}).out);
+}
+
+TEST_F(Help, Version_IsTheProjects) {
+  EXPECT_EQ(run({"--version"}).out, "quenra " QUENRA_VERSION "\n");
+  EXPECT_EQ(run({"--version"}).exitCode, 0);
+  EXPECT_STREQ(run({"--version", "--json"}).document()["version"].GetString(), QUENRA_VERSION);
+}
+
+}  // namespace
+}  // namespace nTests

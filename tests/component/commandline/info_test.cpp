@@ -1,0 +1,148 @@
+#include <algorithm>
+
+#include "quenra_attributes.h"
+#include "tests/component/commandline/commandlinetest.h"
+#include "tools/quenra/catalogue/attributecatalogue.h"
+
+namespace nTests {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class Info : public CommandLineTest {
+ protected:
+  Info() {
+    library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "qctl-8840");
+    library_.number(QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT, 2);
+    library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE, 16384);
+    library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE + 1, 8192);
+    library_.text(QUENRA_ATTRIBUTE_PROCESSOR_VERSION, "T6");
+  }
+  // How often an attribute, with any instance, was read.
+  std::ptrdiff_t readsOf(uint32_t id) {
+    return std::ranges::count_if(library_.reads,
+                                 [id](uint32_t read) { return (read & ~0xFFu) == id; });
+  }
+};
+
+TEST_F(Info, ShowsSubjectsNamesValuesAndUnits) {
+  const tRun result = run({"info"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.error, IsEmpty());
+  EXPECT_THAT(result.out, testing::StartsWith("Identity\n  system-manufacturer "));
+  EXPECT_THAT(result.out, testing::ContainsRegex("\n  product-name +qctl-8840\n"));
+  EXPECT_THAT(result.out, HasSubstr("\n\nMemory\n"));
+  EXPECT_THAT(result.out, testing::ContainsRegex("\n  memory-size.0. +16384 MiB\n"));
+  EXPECT_THAT(result.out, testing::ContainsRegex("\n  memory-size.1. +8192 MiB\n"));
+}
+
+TEST_F(Info, NamesEveryAttribute) {
+  const tRun result = run({"info"});
+  for (const nCommandLine::tAttributeRow& row : nCommandLine::kAttributes) {
+    EXPECT_THAT(result.out, HasSubstr("\n  " + std::string(row.name)));
+  }
+}
+
+TEST_F(Info, AttributeThatTheMachineLacks_IsShownAsSuch) {
+  const tRun result = run({"info"});
+  EXPECT_THAT(result.out, testing::ContainsRegex("\n  serial-number +not supported\n"));
+  EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST_F(Info, AttributeWhoseDeviceIsAbsent_IsShownAsSuch) {
+  library_.code(QUENRA_ATTRIBUTE_DEVICE_PATH, QUENRA_STATUS_NO_CONTROLLER);
+  const tRun result = run({"info"});
+  EXPECT_THAT(result.out, testing::ContainsRegex("\n  device-path +not available\n"));
+  EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST_F(Info, CountedInstances_AreReadAsOftenAsTheyAreThere) {
+  run({"info"});
+  EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_MEMORY_SIZE), 2);
+}
+
+TEST_F(Info, ListWithAnAbsurdCount_EndsWhereTheLibraryDoes) {
+  library_.number(QUENRA_ATTRIBUTE_SLOT_COUNT, 255);
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT, 70000);
+  run({"info"});
+  EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_SLOT_NUMBER), 4);
+  EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_MEMORY_SIZE), 256);
+}
+
+TEST_F(Info, EmptyList_IsShownOnceAsNotSupported) {
+  library_.number(QUENRA_ATTRIBUTE_BRIDGE_COUNT, 0);
+  EXPECT_THAT(run({"info"}).out, testing::ContainsRegex("\n  bridge-location.0. +not supported\n"));
+  EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_BRIDGE_LOCATION), 1);
+}
+
+TEST_F(Info, ProcessorsAreShownAsFarAsTheyHaveNames) {
+  library_.text(QUENRA_ATTRIBUTE_PROCESSOR_VERSION + 1, "");
+  library_.text(QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER + 1, "Maker");
+  library_.number(QUENRA_ATTRIBUTE_PROCESSOR_STEPPING + 1, 6);
+  const tRun result = run({"info"});
+  EXPECT_THAT(result.out, testing::ContainsRegex("\n  processor-stepping.1. +6\n"));
+  EXPECT_THAT(result.out, Not(HasSubstr("processor-stepping[2]")));
+}
+
+TEST_F(Info, NamelessProcessorsOfAMalformedTable_DoNotGoOnForEver) {
+  for (uint32_t i = 0; i < 256; ++i) {
+    library_.code(QUENRA_ATTRIBUTE_PROCESSOR_VERSION + i, QUENRA_STATUS_SUCCESS);
+    library_.code(QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER + i, QUENRA_STATUS_SUCCESS);
+  }
+  run({"info"});
+  EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_PROCESSOR_STEPPING), 1);
+}
+
+TEST_F(Info, FailedReads_AreShownAndReportedTogetherAndTheRestStays) {
+  library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, QUENRA_STATUS_TIME_OUT);
+  library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_2, QUENRA_STATUS_TIME_OUT);
+  const tRun result = run({"info"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.out,
+              testing::ContainsRegex("driver-setting-1 +failed: -52007 QUENRA_STATUS_TIME_OUT\n"));
+  EXPECT_THAT(result.out, HasSubstr("qctl-8840"));
+  EXPECT_THAT(result.error, HasSubstr("cannot read driver-setting-1, driver-setting-2\n"
+                                      "  -52007 QUENRA_STATUS_TIME_OUT\n"));
+}
+
+TEST_F(Info, FailedReadWithJson_IsPartOfTheDocument) {
+  library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, QUENRA_STATUS_TIME_OUT);
+  const auto document = run({"info", "--json"}).document();
+  EXPECT_STREQ(document["kind"].GetString(), "info");
+  EXPECT_EQ(document["exitCode"].GetInt(), 1);
+  const rapidjson::Value& attribute =
+      itemWith(itemWith(document["subjects"], "subject", "driver")["attributes"], "name",
+               "driver-setting-1");
+  EXPECT_STREQ(attribute["state"].GetString(), "failed");
+  EXPECT_EQ(attribute["status"]["code"].GetInt(), -52007);
+}
+
+TEST_F(Info, NoController_IsReported) {
+  library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
+  const tRun result = run({"info"});
+  EXPECT_EQ(result.exitCode, 4);
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error, HasSubstr("the controller cannot be opened"));
+}
+
+TEST_F(Info, Document_HoldsEverySubjectAndAttribute) {
+  const auto document = run({"info", "--json"}).document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "subjects"));
+  EXPECT_THAT(memberNames(document["subjects"][0]), ElementsAre("subject", "title", "attributes"));
+  for (const nCommandLine::tAttributeRow& row : nCommandLine::kAttributes) {
+    const auto& subject = itemWith(document["subjects"], "subject", std::string(row.subject->key));
+    EXPECT_TRUE(itemWith(subject["attributes"], "name", std::string(row.name)).HasMember("state"));
+  }
+}
+
+TEST_F(Info, EscapeCodes_AppearOnATerminalOnly) {
+  EXPECT_THAT(run({"info"}).out, Not(HasSubstr("\x1B")));
+  EXPECT_THAT(runOnTerminal({"info"}).out, HasSubstr("\x1B[1mIdentity\x1B[0m"));
+}
+
+}  // namespace
+}  // namespace nTests

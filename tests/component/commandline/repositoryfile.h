@@ -1,0 +1,25 @@
+#ifndef TESTS_COMPONENT_COMMANDLINE_REPOSITORYFILE_H
+#define TESTS_COMPONENT_COMMANDLINE_REPOSITORYFILE_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nTests {
+
+// A file of the repository as lines without their ends; fails the test when it cannot be read.
+[[nodiscard]] std::vector<std::string> linesOf(std::string_view path);
+
+// The enumerators of a C header whose names begin with the prefix, with their values.
+[[nodiscard]] std::map<std::string, int64_t> enumeratorsOf(std::string_view path,
+                                                           std::string_view prefix);
+
+// The rows of the Markdown table under a heading, as cells without `` ` ``; the head is left out.
+[[nodiscard]] std::vector<std::vector<std::string>> tableUnder(std::string_view path,
+                                                               std::string_view heading);
+
+}  // namespace nTests
+
+#endif

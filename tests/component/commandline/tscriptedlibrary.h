@@ -1,0 +1,54 @@
+#ifndef TESTS_COMPONENT_COMMANDLINE_TSCRIPTEDLIBRARY_H
+#define TESTS_COMPONENT_COMMANDLINE_TSCRIPTEDLIBRARY_H
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "quenra_status.h"
+#include "tools/quenra/reading/iquenra.h"
+
+namespace nTests {
+
+// A library that answers what it was told. Attributes it was told nothing about are not supported.
+class tScriptedLibrary final : public nCommandLine::iQuenra {
+ public:
+  void text(uint32_t id, std::string value, int32_t code = QUENRA_STATUS_SUCCESS);
+  void number(uint32_t id, uint32_t value, int32_t code = QUENRA_STATUS_SUCCESS);
+  // The code, and nothing is written.
+  void code(uint32_t id, int32_t code);
+  // Runs before each answer to a text read.
+  void beforeText(std::function<void()> action) { beforeText_ = std::move(action); }
+
+  int32_t openController(uint64_t* handle) noexcept override;
+  void closeController(uint64_t handle) noexcept override;
+  int32_t getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer,
+                           uint64_t* size) noexcept override;
+  int32_t getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value) noexcept override;
+
+  int32_t openCode = QUENRA_STATUS_SUCCESS;
+  int opens = 0;
+  int closes = 0;
+  std::vector<uint32_t> reads;  // ids, in order
+  bool readWhileClosed = false;
+
+ private:
+  struct tAnswer {
+    int32_t code = QUENRA_STATUS_NOT_SUPPORTED;
+    bool writes = false;
+    std::string text;
+    uint32_t number = 0;
+  };
+
+  const tAnswer& answerTo(uint64_t handle, uint32_t attribute);
+
+  std::map<uint32_t, tAnswer> answers_;
+  tAnswer none_;
+  std::function<void()> beforeText_;
+};
+
+}  // namespace nTests
+
+#endif

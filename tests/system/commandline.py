@@ -1,0 +1,90 @@
+"""Runs quenra and quenra-sim as their users do, and checks every document against its schema.
+
+Environment:
+  QUENRA_EXE      quenra.exe
+  QUENRA_SIM_EXE  quenra-sim.exe
+  QUENRA_RUNNER   what starts a Windows program, with its words as in a shell; empty on Windows
+"""
+
+import json
+import os
+import shlex
+import subprocess
+import unittest
+
+from documentschema import DocumentSchema
+
+ESCAPE = "\x1b"
+TIME_LIMIT_SECONDS = 60
+
+
+def start(program, words):
+    runner = shlex.split(os.environ.get("QUENRA_RUNNER", ""))
+    return subprocess.run(
+        runner + [os.environ[program], *words],
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        timeout=TIME_LIMIT_SECONDS,
+        check=False,
+    )
+
+
+class Run:
+    """What one run of quenra left behind."""
+
+    def __init__(self, words):
+        result = start("QUENRA_EXE", words)
+        self.words = words
+        self.exit_code = result.returncode
+        self.out = result.stdout.decode("utf-8")
+        self.error = result.stderr.decode("utf-8")
+
+    def __repr__(self):
+        return f"quenra {shlex.join(self.words)}: {self.exit_code}\n{self.out}\n{self.error}"
+
+
+class CommandLineTest(unittest.TestCase):
+    """Every test begins with the default machine and leaves it behind."""
+
+    schema = DocumentSchema()
+
+    def setUp(self):
+        self.machine("reset")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.machine("reset")
+
+    @staticmethod
+    def machine(*words):
+        result = start("QUENRA_SIM_EXE", words)
+        if result.returncode != 0:
+            raise RuntimeError(
+                f"quenra-sim {shlex.join(words)}: {result.returncode} {result.stderr!r}"
+            )
+
+    def quenra(self, *words, exit_code=0):
+        """A run as text. Nothing of it may be meant for a terminal."""
+        run = Run(words)
+        self.assertEqual(run.exit_code, exit_code, run)
+        self.assertNotIn(ESCAPE, run.out, run)
+        self.assertNotIn(ESCAPE, run.error, run)
+        self.assertNotIn("\r", run.out, run)
+        return run
+
+    def document(self, *words, kind, exit_code=0):
+        """The document of a run with --json, checked for what all documents promise."""
+        run = self.quenra(*words, "--json", exit_code=exit_code)
+        document = json.loads(run.out)  # fails for anything behind the one document
+        self.assertEqual(document["kind"], kind, run)
+        self.assertEqual(document["exitCode"], exit_code, run)
+        self.schema.check(document)
+        if exit_code != 0:
+            self.assertTrue(run.error.startswith("quenra: "), run)
+        return document
+
+    def assert_failure(self, run, code, constant):
+        """A failure says its code, its constant and what to do, and nothing on standard output."""
+        self.assertEqual(run.out, "", run)
+        self.assertIn(f"\n  {code} {constant}\n", run.error)
+        self.assertIn("\n  Advice: ", run.error)

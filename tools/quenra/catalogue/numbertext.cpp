@@ -1,0 +1,51 @@
+#include "tools/quenra/catalogue/numbertext.h"
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cstdio>
+
+namespace nCommandLine {
+namespace {
+
+template <class Number>
+std::optional<Number> parseWhole(std::string_view text, int base) noexcept {
+  Number value{};
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value, base);
+  return error == std::errc{} && stop == end ? std::optional(value) : std::nullopt;
+}
+
+bool hasHexadecimalPrefix(std::string_view text) noexcept {
+  return text.starts_with("0x") || text.starts_with("0X");
+}
+
+}  // namespace
+
+bool looksLikeNumber(std::string_view text) noexcept {
+  return !text.empty() && std::string_view("+-0123456789").find(text.front()) != text.npos;
+}
+
+std::optional<uint32_t> parseUnsigned(std::string_view text) noexcept {
+  return hasHexadecimalPrefix(text) ? parseWhole<uint32_t>(text.substr(2), 16)
+                                    : parseWhole<uint32_t>(text, 10);
+}
+
+std::optional<int32_t> parseStatusCode(std::string_view text) noexcept {
+  if (text.starts_with('+')) {
+    return parseUnsigned(text.substr(1)) ? parseStatusCode(text.substr(1)) : std::nullopt;
+  }
+  if (text.starts_with('-')) {
+    return parseWhole<int32_t>(text, 10);
+  }
+  const auto bits = parseUnsigned(text);
+  return bits ? std::optional(std::bit_cast<int32_t>(*bits)) : std::nullopt;
+}
+
+std::string hexadecimalText(uint32_t value, int digits) {
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), "0x%0*X", digits, static_cast<unsigned>(value));
+  return text.data();
+}
+
+}  // namespace nCommandLine

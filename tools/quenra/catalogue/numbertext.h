@@ -1,0 +1,26 @@
+#ifndef TOOLS_QUENRA_CATALOGUE_NUMBERTEXT_H
+#define TOOLS_QUENRA_CATALOGUE_NUMBERTEXT_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nCommandLine {
+
+// Whether a text is meant as a number rather than a name: it begins with a digit or a sign.
+[[nodiscard]] bool looksLikeNumber(std::string_view text) noexcept;
+
+// Decimal, or hexadecimal after 0x. Nothing for anything else and for what needs more than 32 bits.
+[[nodiscard]] std::optional<uint32_t> parseUnsigned(std::string_view text) noexcept;
+
+// A status code as programs show it: signed decimal, or its 32 bits as an unsigned number, decimal
+// or hexadecimal.
+[[nodiscard]] std::optional<int32_t> parseStatusCode(std::string_view text) noexcept;
+
+// With 0x and at least as many digits as given.
+[[nodiscard]] std::string hexadecimalText(uint32_t value, int digits = 1);
+
+}  // namespace nCommandLine
+
+#endif

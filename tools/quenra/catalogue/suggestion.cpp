@@ -1,0 +1,85 @@
+#include "tools/quenra/catalogue/suggestion.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <numeric>
+#include <tuple>
+#include <utility>
+
+namespace nCommandLine {
+namespace {
+
+constexpr size_t kMostSuggestions = 3;
+// A shorter name is part of too much to mean anything.
+constexpr size_t kShortestPart = 3;
+
+// How many characters have to be inserted, removed, replaced, or swapped with their neighbour to make
+// one text of the other. Row i holds the distances of the first i characters of `from`.
+size_t editDistance(std::string_view from, std::string_view to) {
+  std::vector<size_t> beforeLast;
+  std::vector<size_t> last(to.size() + 1);
+  std::iota(last.begin(), last.end(), size_t{0});
+  for (size_t i = 1; i <= from.size(); ++i) {
+    std::vector<size_t> row(to.size() + 1, i);
+    for (size_t j = 1; j <= to.size(); ++j) {
+      const size_t replaced = last[j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
+      row[j] = std::min({replaced, last[j] + 1, row[j - 1] + 1});
+      const bool swapped = i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
+      if (swapped) {
+        row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+      }
+    }
+    beforeLast = std::exchange(last, std::move(row));
+  }
+  return last[to.size()];
+}
+
+struct tCandidate {
+  bool isPart;
+  size_t distance;
+  std::string_view name;
+
+  // A near miss is more likely than a part of a name.
+  [[nodiscard]] auto rank() const { return std::tuple(isPart, distance, name); }
+};
+
+}  // namespace
+
+std::string comparableName(std::string_view name) {
+  std::string result(name);
+  for (char& character : result) {
+    if (character >= 'A' && character <= 'Z') {
+      character = static_cast<char>(character - 'A' + 'a');
+    } else if (character == '_') {
+      character = '-';
+    }
+  }
+  return result;
+}
+
+std::vector<std::string> suggest(std::string_view name,
+                                 const std::vector<std::string_view>& candidates) {
+  const std::string wanted = comparableName(name);
+  const size_t tolerance = std::max<size_t>(1, wanted.size() / 3);
+  std::vector<tCandidate> found;
+  for (const std::string_view candidate : candidates) {
+    const std::string comparable = comparableName(candidate);
+    const size_t distance = editDistance(wanted, comparable);
+    const bool near = distance <= tolerance;
+    const bool part =
+        wanted.size() >= kShortestPart && comparable.find(wanted) != std::string::npos;
+    if (near || part) {
+      found.push_back({!near, distance, candidate});
+    }
+  }
+  std::ranges::sort(found, {}, &tCandidate::rank);
+  found.resize(std::min(found.size(), kMostSuggestions));
+  std::vector<std::string> names;
+  names.reserve(found.size());
+  for (const tCandidate& candidate : found) {
+    names.emplace_back(candidate.name);
+  }
+  return names;
+}
+
+}  // namespace nCommandLine

@@ -1,0 +1,37 @@
+#ifndef TOOLS_QUENRA_EXITCODE_H
+#define TOOLS_QUENRA_EXITCODE_H
+
+#include <cstdint>
+#include <string_view>
+
+namespace nCommandLine {
+
+enum class tExitCode : uint8_t {
+  done = 0,
+  failure = 1,
+  wrongUsage = 2,
+  notSupported = 3,
+  noController = 4,
+};
+
+struct tExitCodeRow {
+  tExitCode code;
+  std::string_view meaning;
+};
+
+// The table that the help and the guide show; scripts rely on it.
+inline constexpr tExitCodeRow kExitCodes[] = {
+    {tExitCode::done, "done"},
+    {tExitCode::failure, "the library reported a failure, or the output could not be written"},
+    {tExitCode::wrongUsage, "wrong usage"},
+    {tExitCode::notSupported, "not supported on this machine"},
+    {tExitCode::noController, "no controller could be reached"},
+};
+
+[[nodiscard]] constexpr int exitNumber(tExitCode code) noexcept {
+  return static_cast<int>(code);
+}
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,23 @@
+// What goes to the error stream, and the document that stands for it with --json.
+#ifndef TOOLS_QUENRA_OUTPUT_DIAGNOSTICS_H
+#define TOOLS_QUENRA_OUTPUT_DIAGNOSTICS_H
+
+#include <ostream>
+#include <span>
+#include <string_view>
+
+#include "tools/quenra/output/tjsondocument.h"
+#include "tools/quenra/output/warning.h"
+#include "tools/quenra/tcommanderror.h"
+
+namespace nCommandLine {
+
+void printError(std::ostream& stream, const tCommandError& error);
+void printWarnings(std::ostream& stream, std::span<const tWarning> warnings);
+
+// `command` is the verb, empty where none was recognised.
+void writeErrorDocument(std::ostream& stream, const tCommandError& error, std::string_view command);
+
+}  // namespace nCommandLine
+
+#endif

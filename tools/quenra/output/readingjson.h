@@ -1,0 +1,16 @@
+#ifndef TOOLS_QUENRA_OUTPUT_READINGJSON_H
+#define TOOLS_QUENRA_OUTPUT_READINGJSON_H
+
+#include "tools/quenra/catalogue/attributerow.h"
+#include "tools/quenra/output/tjsondocument.h"
+#include "tools/quenra/reading/reading.h"
+
+namespace nCommandLine {
+
+// Writes a reading's members into the object that is open. `row` is null for an attribute that the
+// catalogue does not have.
+void writeReading(tJsonDocument& document, const tAttributeRow* row, const tReading& reading);
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,116 @@
+#include "tools/quenra/output/tjsondocument.h"
+
+#include <string>
+
+#include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/output/utf8text.h"
+
+namespace nCommandLine {
+namespace {
+
+// Raised only if a member ever had to change its meaning.
+constexpr int kFormat = 1;
+
+rapidjson::SizeType lengthOf(std::string_view text) {
+  return static_cast<rapidjson::SizeType>(text.size());
+}
+
+}  // namespace
+
+tJsonDocument::tJsonDocument(std::string_view kind, tExitCode exitCode,
+                             std::span<const tWarning> warnings) {
+  writer_.SetIndent(' ', 2);
+  writer_.StartObject();
+  number("format", kFormat);
+  text("kind", kind);
+  number("exitCode", exitNumber(exitCode));
+  writeWarnings(warnings);
+}
+
+void tJsonDocument::beginObject(std::string_view name) {
+  key(name);
+  writer_.StartObject();
+}
+void tJsonDocument::beginObject() {
+  writer_.StartObject();
+}
+void tJsonDocument::endObject() {
+  writer_.EndObject();
+}
+
+void tJsonDocument::beginArray(std::string_view name) {
+  key(name);
+  writer_.StartArray();
+}
+void tJsonDocument::endArray() {
+  writer_.EndArray();
+}
+
+void tJsonDocument::text(std::string_view name, std::string_view value) {
+  key(name);
+  textItem(value);
+}
+
+void tJsonDocument::textItem(std::string_view value) {
+  const std::string valid = validUtf8(value);
+  writer_.String(valid.data(), lengthOf(valid));
+}
+
+void tJsonDocument::optionalText(std::string_view name, std::string_view value) {
+  if (value.empty()) {
+    null(name);
+  } else {
+    text(name, value);
+  }
+}
+
+void tJsonDocument::number(std::string_view name, int64_t value) {
+  key(name);
+  writer_.Int64(value);
+}
+
+void tJsonDocument::truth(std::string_view name, bool value) {
+  key(name);
+  writer_.Bool(value);
+}
+
+void tJsonDocument::null(std::string_view name) {
+  key(name);
+  writer_.Null();
+}
+
+void tJsonDocument::status(std::string_view name, int32_t code) {
+  beginObject(name);
+  codeAndConstant(code);
+  endObject();
+}
+
+void tJsonDocument::writeTo(std::ostream& stream) {
+  writer_.EndObject();
+  stream << std::string_view(buffer_.GetString(), buffer_.GetSize()) << '\n';
+}
+
+void tJsonDocument::key(std::string_view name) {
+  writer_.Key(name.data(), lengthOf(name));
+}
+
+void tJsonDocument::codeAndConstant(int32_t code) {
+  number("code", code);
+  optionalText("constant", explainStatus(code).constant);
+}
+
+void tJsonDocument::writeWarnings(std::span<const tWarning> warnings) {
+  beginArray("warnings");
+  for (const tWarning& warning : warnings) {
+    const tStatusExplanation explanation = explainStatus(warning.code);
+    beginObject();
+    text("about", warning.about);
+    codeAndConstant(warning.code);
+    text("meaning", explanation.meaning);
+    text("advice", explanation.advice);
+    endObject();
+  }
+  endArray();
+}
+
+}  // namespace nCommandLine

@@ -1,0 +1,53 @@
+#ifndef TOOLS_QUENRA_OUTPUT_TJSONDOCUMENT_H
+#define TOOLS_QUENRA_OUTPUT_TJSONDOCUMENT_H
+
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+
+#include <cstdint>
+#include <ostream>
+#include <span>
+#include <string_view>
+
+#include "tools/quenra/exitcode.h"
+#include "tools/quenra/output/warning.h"
+
+namespace nCommandLine {
+
+// The one document that a command prints with --json. It begins with the members that all of them
+// share; docs/schema describes them. Members are only ever added.
+class tJsonDocument {
+ public:
+  tJsonDocument(std::string_view kind, tExitCode exitCode, std::span<const tWarning> warnings = {});
+
+  void beginObject(std::string_view key);
+  void beginObject();  // as an item of an array
+  void endObject();
+  void beginArray(std::string_view key);
+  void endArray();
+
+  void text(std::string_view key, std::string_view value);
+  void textItem(std::string_view value);
+  // Null when the text is empty.
+  void optionalText(std::string_view key, std::string_view value);
+  void number(std::string_view key, int64_t value);
+  void truth(std::string_view key, bool value);
+  void null(std::string_view key);
+  // Code and constant of a status.
+  void status(std::string_view key, int32_t code);
+
+  // Ends the document and writes it with a line end.
+  void writeTo(std::ostream& stream);
+
+ private:
+  void key(std::string_view key);
+  void codeAndConstant(int32_t code);
+  void writeWarnings(std::span<const tWarning> warnings);
+
+  rapidjson::StringBuffer buffer_;
+  rapidjson::PrettyWriter<rapidjson::StringBuffer> writer_{buffer_};
+};
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef TOOLS_QUENRA_OUTPUT_VALUETEXT_H
+#define TOOLS_QUENRA_OUTPUT_VALUETEXT_H
+
+#include <string>
+#include <string_view>
+
+#include "tools/quenra/catalogue/attributerow.h"
+#include "tools/quenra/reading/reading.h"
+
+namespace nCommandLine {
+
+// `row` is null for an attribute that the catalogue does not have.
+
+// The value alone, for scripts: a text, or a decimal number.
+[[nodiscard]] std::string plainValue(const tAttributeValue& value);
+
+// The value as people read it: with its unit, and with the name of what a number stands for.
+[[nodiscard]] std::string shownValue(const tAttributeRow* row, const tAttributeValue& value);
+
+// The unit of the number itself; empty where it has none.
+[[nodiscard]] std::string_view unitOf(const tAttributeRow* row, const tAttributeValue& value);
+
+}  // namespace nCommandLine
+
+#endif

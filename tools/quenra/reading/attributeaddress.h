@@ -1,0 +1,39 @@
+#ifndef TOOLS_QUENRA_READING_ATTRIBUTEADDRESS_H
+#define TOOLS_QUENRA_READING_ATTRIBUTEADDRESS_H
+
+#include <cstdint>
+#include <string_view>
+
+#include "tools/quenra/catalogue/attributerow.h"
+
+namespace nCommandLine {
+
+enum class tInterface : uint8_t {
+  byDefault = 0,
+  controller = 1,
+  marten = 2,
+};
+
+[[nodiscard]] std::string_view interfaceName(tInterface which) noexcept;
+
+// An attribute id taken apart into what it addresses.
+struct tAttributeAddress {
+  uint32_t attribute;  // the id without selector and instance
+  uint8_t instance = 0;
+  tInterface which = tInterface::byDefault;
+
+  [[nodiscard]] constexpr uint32_t id() const noexcept {
+    return attribute | static_cast<uint32_t>(which) << kSelectorShift | instance;
+  }
+  [[nodiscard]] constexpr tAttributeType type() const noexcept {
+    return static_cast<tAttributeType>(typeBits(attribute));
+  }
+
+  static constexpr unsigned kSelectorShift = 20;
+  static constexpr uint32_t kSelectorMask = 0x00F00000;
+  static constexpr uint32_t kInstanceMask = 0x000000FF;
+};
+
+}  // namespace nCommandLine
+
+#endif

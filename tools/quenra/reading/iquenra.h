@@ -1,0 +1,26 @@
+#ifndef TOOLS_QUENRA_READING_IQUENRA_H
+#define TOOLS_QUENRA_READING_IQUENRA_H
+
+#include <cstdint>
+
+namespace nCommandLine {
+
+// The functions of quenra.h that the command line calls, with the contracts given there.
+class iQuenra {
+ public:
+  iQuenra() = default;
+  iQuenra(const iQuenra&) = delete;
+  iQuenra& operator=(const iQuenra&) = delete;
+  virtual ~iQuenra() = default;
+
+  virtual int32_t openController(uint64_t* handle) noexcept = 0;
+  virtual void closeController(uint64_t handle) noexcept = 0;
+  virtual int32_t getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer,
+                                   uint64_t* size) noexcept = 0;
+  virtual int32_t getAttributeU32(uint64_t handle, uint32_t attribute,
+                                  uint32_t* value) noexcept = 0;
+};
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,37 @@
+#ifndef TOOLS_QUENRA_READING_READING_H
+#define TOOLS_QUENRA_READING_READING_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "quenra_status.h"
+#include "tools/quenra/reading/attributeaddress.h"
+
+namespace nCommandLine {
+
+// The text's bytes are those of the firmware, not necessarily UTF-8.
+using tAttributeValue = std::variant<std::string, uint32_t>;
+
+enum class tReadingState : uint8_t {
+  value,
+  notSupported,  // the machine does not have the attribute
+  unavailable,   // what would answer is not there: an interface, a device, a deciding field
+  failed,
+};
+
+[[nodiscard]] std::string_view stateName(tReadingState state) noexcept;
+
+// What became of reading one attribute.
+struct tReading {
+  tAttributeAddress address;
+  int32_t code = QUENRA_STATUS_SUCCESS;
+  tAttributeValue value;  // counts in state `value` only
+
+  [[nodiscard]] tReadingState state() const noexcept;
+};
+
+}  // namespace nCommandLine
+
+#endif

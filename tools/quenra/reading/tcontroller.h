@@ -1,0 +1,32 @@
+#ifndef TOOLS_QUENRA_READING_TCONTROLLER_H
+#define TOOLS_QUENRA_READING_TCONTROLLER_H
+
+#include <cstdint>
+
+#include "tools/quenra/reading/iquenra.h"
+#include "tools/quenra/reading/reading.h"
+
+namespace nCommandLine {
+
+// The controller, open for as long as the object lives, unless `code()` is negative: then it could
+// not be opened.
+class tController {
+ public:
+  explicit tController(iQuenra& library) noexcept;
+  tController(const tController&) = delete;
+  tController& operator=(const tController&) = delete;
+  ~tController();
+
+  // What opening answered; positive is a warning.
+  [[nodiscard]] int32_t code() const noexcept { return code_; }
+  [[nodiscard]] tReading read(const tAttributeAddress& address) const;
+
+ private:
+  iQuenra& library_;
+  uint64_t handle_ = 0;
+  int32_t code_;
+};
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,25 @@
+#include "tools/quenra/reading/tquenralibrary.h"
+
+#include "quenra.h"
+
+namespace nCommandLine {
+
+int32_t tQuenraLibrary::openController(uint64_t* handle) noexcept {
+  return QUENRA_openController(handle);
+}
+
+void tQuenraLibrary::closeController(uint64_t handle) noexcept {
+  QUENRA_closeController(handle);
+}
+
+int32_t tQuenraLibrary::getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer,
+                                         uint64_t* size) noexcept {
+  return QUENRA_getAttributeUTF8(handle, attribute, buffer, size);
+}
+
+int32_t tQuenraLibrary::getAttributeU32(uint64_t handle, uint32_t attribute,
+                                        uint32_t* value) noexcept {
+  return QUENRA_getAttributeU32(handle, attribute, value);
+}
+
+}  // namespace nCommandLine

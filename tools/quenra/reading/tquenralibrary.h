@@ -1,0 +1,20 @@
+#ifndef TOOLS_QUENRA_READING_TQUENRALIBRARY_H
+#define TOOLS_QUENRA_READING_TQUENRALIBRARY_H
+
+#include "tools/quenra/reading/iquenra.h"
+
+namespace nCommandLine {
+
+// The library itself.
+class tQuenraLibrary final : public iQuenra {
+ public:
+  int32_t openController(uint64_t* handle) noexcept override;
+  void closeController(uint64_t handle) noexcept override;
+  int32_t getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer,
+                           uint64_t* size) noexcept override;
+  int32_t getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value) noexcept override;
+};
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,101 @@
+#include "tools/quenra/verbs/attributeargument.h"
+
+#include <algorithm>
+
+#include "tools/quenra/catalogue/attributelookup.h"
+#include "tools/quenra/catalogue/numbertext.h"
+#include "tools/quenra/tcommanderror.h"
+
+namespace nCommandLine {
+namespace {
+
+constexpr int kIdDigits = 8;
+
+[[noreturn]] void refuse(const std::string& what, std::vector<std::string> suggestions = {}) {
+  throw tCommandError(what, "'quenra attributes' lists all attributes.", std::move(suggestions));
+}
+
+// An id may hold selector and instance itself.
+tWantedAttribute attributeById(const std::string& text) {
+  const auto id = parseUnsigned(text);
+  if (!id) {
+    refuse("'" + text + "' is neither a name nor a 32-bit id");
+  }
+  const uint32_t type = typeBits(*id);
+  if (type != static_cast<uint32_t>(tAttributeType::text) &&
+      type != static_cast<uint32_t>(tAttributeType::unsigned32)) {
+    refuse("'" + text + "' is no attribute id: ids begin with 0x1 (text) or 0x2 (unsigned)");
+  }
+  const uint32_t selector =
+      (*id & tAttributeAddress::kSelectorMask) >> tAttributeAddress::kSelectorShift;
+  if (selector > static_cast<uint32_t>(tInterface::marten)) {
+    refuse("'" + text + "' selects an interface that does not exist");
+  }
+  const uint32_t attribute =
+      *id & ~(tAttributeAddress::kSelectorMask | tAttributeAddress::kInstanceMask);
+  return {findAttribute(attribute),
+          {attribute, static_cast<uint8_t>(*id & tAttributeAddress::kInstanceMask),
+           static_cast<tInterface>(selector)}};
+}
+
+tWantedAttribute attributeByName(const std::string& text) {
+  const tAttributeRow* const row = findAttribute(std::string_view(text));
+  if (row == nullptr) {
+    refuse("there is no attribute '" + text + "'", suggestAttributes(text));
+  }
+  return {row, {row->id}};
+}
+
+void applyInstance(const std::string& text, tAttributeAddress& address) {
+  const auto instance = parseUnsigned(text);
+  if (!instance || *instance > tAttributeAddress::kInstanceMask) {
+    throw tCommandError("'" + text + "' is no instance", "Instances are numbered from 0 to 255.",
+                        {});
+  }
+  if (address.instance != 0 && address.instance != *instance) {
+    throw tCommandError("the id holds another instance than --instance",
+                        "Give the instance in one place.", {});
+  }
+  address.instance = static_cast<uint8_t>(*instance);
+}
+
+void applyInterface(tInterface wanted, tAttributeAddress& address) {
+  if (address.which != tInterface::byDefault && address.which != wanted) {
+    throw tCommandError(
+        "the id selects another interface than --" + std::string(interfaceName(wanted)),
+        "Select the interface in one place.", {});
+  }
+  address.which = wanted;
+}
+
+}  // namespace
+
+std::string tWantedAttribute::label() const {
+  std::string text =
+      row == nullptr ? hexadecimalText(address.attribute, kIdDigits) : std::string(row->name);
+  if (address.instance != 0) {
+    text += ", instance " + std::to_string(address.instance);
+  }
+  if (address.which != tInterface::byDefault) {
+    text.append(", interface ").append(interfaceName(address.which));
+  }
+  return text;
+}
+
+tWantedAttribute wantedAttribute(const tGetArguments& arguments) {
+  tWantedAttribute wanted = looksLikeNumber(arguments.attribute)
+                                ? attributeById(arguments.attribute)
+                                : attributeByName(arguments.attribute);
+  if (arguments.instance) {
+    applyInstance(*arguments.instance, wanted.address);
+  }
+  if (arguments.controller) {
+    applyInterface(tInterface::controller, wanted.address);
+  }
+  if (arguments.marten) {
+    applyInterface(tInterface::marten, wanted.address);
+  }
+  return wanted;
+}
+
+}  // namespace nCommandLine

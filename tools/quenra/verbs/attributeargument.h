@@ -1,0 +1,25 @@
+#ifndef TOOLS_QUENRA_VERBS_ATTRIBUTEARGUMENT_H
+#define TOOLS_QUENRA_VERBS_ATTRIBUTEARGUMENT_H
+
+#include <string>
+
+#include "tools/quenra/arguments.h"
+#include "tools/quenra/catalogue/attributerow.h"
+#include "tools/quenra/reading/attributeaddress.h"
+
+namespace nCommandLine {
+
+struct tWantedAttribute {
+  const tAttributeRow* row;  // null: an id that only the library may know
+  tAttributeAddress address;
+
+  // As messages name it: "memory-size, instance 1".
+  [[nodiscard]] std::string label() const;
+};
+
+// Finds out which attribute is meant; throws tCommandError when none can be.
+[[nodiscard]] tWantedAttribute wantedAttribute(const tGetArguments& arguments);
+
+}  // namespace nCommandLine
+
+#endif

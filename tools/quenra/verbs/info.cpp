@@ -1,0 +1,143 @@
+#include "tools/quenra/verbs/info.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tools/quenra/catalogue/attributecatalogue.h"
+#include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/readingjson.h"
+#include "tools/quenra/output/table.h"
+#include "tools/quenra/output/valuetext.h"
+#include "tools/quenra/reading/machinereading.h"
+#include "tools/quenra/verbs/opening.h"
+
+namespace nCommandLine {
+namespace {
+
+using tMachine = std::vector<tAttributeReadings>;
+
+bool hasInstances(const tAttributeRow& row) noexcept {
+  return row.instances->most > 1;
+}
+
+// "memory-size[1]" where there are instances.
+std::string labelOf(const tAttributeRow& row, const tReading& reading) {
+  std::string label(row.name);
+  return hasInstances(row) ? label + "[" + std::to_string(reading.address.instance) + "]" : label;
+}
+
+template <class Visitor>
+void forEachReading(const tMachine& machine, Visitor visit) {
+  for (const tAttributeReadings& attribute : machine) {
+    for (const tReading& reading : attribute.readings) {
+      visit(*attribute.row, reading);
+    }
+  }
+}
+
+void addWarnings(const tMachine& machine, std::vector<tWarning>& warnings) {
+  forEachReading(machine, [&warnings](const tAttributeRow& row, const tReading& reading) {
+    if (reading.code > 0) {
+      warnings.push_back({"reading " + labelOf(row, reading), reading.code});
+    }
+  });
+}
+
+// One error for each code that is a failure, naming all attributes that met it.
+std::vector<tCommandError> errorsOf(const tMachine& machine) {
+  std::map<int32_t, std::string> failed;
+  forEachReading(machine, [&failed](const tAttributeRow& row, const tReading& reading) {
+    if (reading.state() == tReadingState::failed) {
+      std::string& labels = failed[reading.code];
+      labels += (labels.empty() ? "" : ", ") + labelOf(row, reading);
+    }
+  });
+  std::vector<tCommandError> errors;
+  errors.reserve(failed.size());
+  for (const auto& [code, labels] : failed) {
+    errors.emplace_back(tExitCode::failure, "cannot read " + labels, code);
+  }
+  return errors;
+}
+
+std::string cellOf(const tAttributeRow& row, const tReading& reading) {
+  switch (reading.state()) {
+    case tReadingState::value:
+      return shownValue(&row, reading.value);
+    case tReadingState::notSupported:
+      return "not supported";
+    case tReadingState::unavailable:
+      return "not available";
+    case tReadingState::failed:
+      break;
+  }
+  return "failed: " + codeAndConstant(reading.code);
+}
+
+void printTable(const tStreams& streams, const tMachine& machine) {
+  tTable table;
+  const tSubjectRow* subject = nullptr;
+  forEachReading(machine, [&](const tAttributeRow& row, const tReading& reading) {
+    if (row.subject != subject) {
+      subject = row.subject;
+      table.addHeading(subject->title);
+    }
+    table.addRow({"  " + labelOf(row, reading), cellOf(row, reading)},
+                 reading.state() != tReadingState::value);
+  });
+  table.write(streams.out, tStyle(streams.outTakesStyles));
+}
+
+void writeSubject(tJsonDocument& document, const tSubjectRow& subject, const tMachine& machine) {
+  document.beginObject();
+  document.text("subject", subject.key);
+  document.text("title", subject.title);
+  document.beginArray("attributes");
+  forEachReading(machine, [&](const tAttributeRow& row, const tReading& reading) {
+    if (row.subject == &subject) {
+      document.beginObject();
+      writeReading(document, &row, reading);
+      document.endObject();
+    }
+  });
+  document.endArray();
+  document.endObject();
+}
+
+void printDocument(std::ostream& stream, const tMachine& machine, tExitCode exitCode,
+                   const std::vector<tWarning>& warnings) {
+  tJsonDocument document("info", exitCode, warnings);
+  document.beginArray("subjects");
+  for (const tSubjectRow* const subject : kSubjects) {
+    writeSubject(document, *subject, machine);
+  }
+  document.endArray();
+  document.writeTo(stream);
+}
+
+}  // namespace
+
+tExitCode runInfo(const tVerbContext& context) {
+  std::vector<tWarning> warnings;
+  const tController controller(context.library);
+  judgeOpening(controller.code(), warnings);
+  const tMachine machine = readMachine(controller);
+  addWarnings(machine, warnings);
+  printWarnings(context.streams.error, warnings);
+
+  const std::vector<tCommandError> errors = errorsOf(machine);
+  for (const tCommandError& error : errors) {
+    printError(context.streams.error, error);
+  }
+  const tExitCode exitCode = errors.empty() ? tExitCode::done : tExitCode::failure;
+  if (context.json) {
+    printDocument(context.streams.out, machine, exitCode, warnings);
+  } else {
+    printTable(context.streams, machine);
+  }
+  return exitCode;
+}
+
+}  // namespace nCommandLine
