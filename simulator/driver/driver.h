@@ -26,20 +26,21 @@ typedef struct tDevice {
   bool shown; /* the interface is enabled */
 } tDevice;
 
-/* devices.c: the devices of the driver. */
-DRIVER_ADD_DEVICE addDevice;
-void removeDevice(tDevice* device);
-/* Shows and hides interfaces, so that those are there which are present in the machine. The machine
- * is locked, or not yet in use. */
-void showPresentInterfaces(const tSimulatorPresence* presence);
-
-/* machine.c: the machine behind the devices. */
-void initialiseMachine(void);
+/* machine.c: the machine behind the devices. The listener is told of every change of presence, with
+ * the machine locked or not yet in use. */
+typedef void tPresenceListener(const tSimulatorPresence* presence);
+void initialiseMachine(tPresenceListener* listener);
 void lockMachine(void);
 void unlockMachine(void);
 /* With the machine locked. */
 tModel* lockedMachine(void);
 const tSimulatorPresence* lockedPresence(void);
+
+/* devices.c: the devices of the driver. */
+DRIVER_ADD_DEVICE addDevice;
+void removeDevice(tDevice* device);
+/* Shows and hides interfaces, so that those are there which are present in the machine. */
+tPresenceListener showPresentInterfaces;
 
 /* The routines behind the IRPs: plugandplay.c, files.c, requests.c. */
 DRIVER_DISPATCH dispatchPlugAndPlay;

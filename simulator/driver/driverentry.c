@@ -21,7 +21,7 @@ NTSTATUS NTAPI DriverEntry(DRIVER_OBJECT* driver, UNICODE_STRING* registryPath);
 
 NTSTATUS NTAPI DriverEntry(DRIVER_OBJECT* driver, UNICODE_STRING* registryPath) {
   (void)registryPath;
-  initialiseMachine();
+  initialiseMachine(showPresentInterfaces);
   driver->DriverExtension->AddDevice = addDevice;
   driver->DriverUnload = unload;
   driver->MajorFunction[IRP_MJ_PNP] = dispatchPlugAndPlay;

@@ -4,6 +4,7 @@
 /* Not on the heap, so that there is a machine whenever there is a driver. */
 static tModel theMachine;
 static tSimulatorPresence thePresence;
+static tPresenceListener* theListener;
 static FAST_MUTEX theLock;
 
 static bool readCaller(void* context, uint64_t process, uint64_t address, void* destination,
@@ -21,11 +22,12 @@ static bool writeCaller(void* context, uint64_t process, uint64_t address, const
 static void presenceChanged(void* context, const tSimulatorPresence* presence) {
   (void)context;
   thePresence = *presence;
-  showPresentInterfaces(presence);
+  theListener(presence);
 }
 
-void initialiseMachine(void) {
+void initialiseMachine(tPresenceListener* listener) {
   static const tModelHost kHost = {NULL, readCaller, writeCaller, presenceChanged};
+  theListener = listener;
   ExInitializeFastMutex(&theLock);
   modelInitialise(&theMachine, &kHost);
 }

@@ -107,6 +107,17 @@ TEST_F(DeviceInterfaceIterator, PathOneCharacterTooLong_IsToldAtLine224) {
   EXPECT_EQ(status.line, 224u);
 }
 
+TEST_F(DeviceInterfaceIterator, PathAtTheEnd_IsEmptyAndAnError) {
+  tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
+  EXPECT_FALSE(i.getDevicePath(status).isEmpty());
+  i.next();
+  EXPECT_TRUE(i.isEnd());
+  EXPECT_TRUE(i.getDevicePath(status).isEmpty());
+  EXPECT_STREQ(i.getDevicePath(status).text, "");
+  EXPECT_EQ(status.code, -52005);
+  EXPECT_EQ(status.line, 232u);
+}
+
 TEST_F(DeviceInterfaceIterator, DetailThatCannotBeRead_IsToldAtLine232) {
   faultPlan().failCall(tCall::setupDiGetDeviceInterfaceDetail, 1, ERROR_DEVICE_REMOVED);
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);

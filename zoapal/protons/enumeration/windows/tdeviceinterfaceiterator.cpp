@@ -82,6 +82,12 @@ const tDevicePath& tDeviceInterfaceIterator::getDevicePath(tStatus& status) noex
   if (status.isError() || !path_.isEmpty()) {
     return path_;
   }
+  if (isEnd()) {
+    // What the system says about an interface that it did not hand out. Asked with what is left of
+    // the last one, it would give that one's path again.
+    mergeWin32Failure(ERROR_INVALID_PARAMETER, status, kFile, kGetDetailLine);
+    return path_;
+  }
   tDetailArea detail;
   DWORD required = 0;
   const BOOL done = SetupDiGetDeviceInterfaceDetailA(set_.get(), &interfaceData_, detail.record(),
