@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "protocol/interfaceclasses.h"
@@ -18,7 +19,9 @@ struct tDeviceInterface {
   tSimulatorInterface kind;
   uint32_t index;  // among those of its kind
   bool operator==(const tDeviceInterface&) const = default;
-  auto operator<=>(const tDeviceInterface&) const = default;
+  bool operator<(const tDeviceInterface& other) const {
+    return std::tie(kind, index) < std::tie(other.kind, other.index);
+  }
 };
 
 inline constexpr uint64_t kFakeProcess = 4242;
