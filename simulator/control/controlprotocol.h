@@ -41,6 +41,11 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 #define SIMULATOR_READ_LOG SIMULATOR_CONTROL_CODE(0x90A)
 /* No input, no output. The next entry has sequence number 1 again. */
 #define SIMULATOR_CLEAR_LOG SIMULATOR_CONTROL_CODE(0x90B)
+/* In: tSimulatorAttribute, of which only the interface and the id count. From now on the library can
+ * write the attribute, which has a value; or no longer. An attribute that is given its first value is
+ * not writable. */
+#define SIMULATOR_ALLOW_WRITES SIMULATOR_CONTROL_CODE(0x90C)
+#define SIMULATOR_REFUSE_WRITES SIMULATOR_CONTROL_CODE(0x90D)
 
 enum {
   SIMULATOR_TABLE_CAPACITY = 65536,
@@ -55,6 +60,8 @@ enum {
 
 /* The code with which the simulated driver refuses an attribute that it does not have. */
 #define SIMULATOR_STATUS_NOT_SUPPORTED (-26934)
+/* ... a value of a size that the attribute cannot have. */
+#define SIMULATOR_STATUS_BAD_VALUE (-26935)
 /* ... and a buffer of the caller that cannot be read or written. */
 #define SIMULATOR_STATUS_BAD_ADDRESS (-52005)
 
@@ -74,7 +81,7 @@ PROTOCOL_SIZE(tSimulatorPresence, 12);
 
 typedef struct tSimulatorAttribute {
   uint32_t interfaceKind; /* tSimulatorInterface: controller or Marten */
-  uint32_t attribute;     /* the id as the library sends it, selector and instance included */
+  uint32_t attribute;     /* the id with its instance; the selector does not count */
   uint32_t size;          /* bytes of `value` that count, at most SIMULATOR_VALUE_CAPACITY */
   uint8_t value[SIMULATOR_VALUE_CAPACITY]; /* a text holds its NUL itself */
 } tSimulatorAttribute;

@@ -135,11 +135,24 @@ void tSimulatedMachine::setAttributeText(tSimulatorInterface interfaceKind, uint
                {static_cast<const uint8_t*>(bytes), terminated.size() + 1});
 }
 
-void tSimulatedMachine::removeAttribute(tSimulatorInterface interfaceKind, uint32_t attribute) {
+void tSimulatedMachine::commandOn(uint32_t code, tSimulatorInterface interfaceKind,
+                                  uint32_t attribute) {
   tSimulatorAttribute record{};
   record.interfaceKind = interfaceKind;
   record.attribute = attribute;
-  command(SIMULATOR_REMOVE_ATTRIBUTE, bytesOf(record));
+  command(code, bytesOf(record));
+}
+
+void tSimulatedMachine::removeAttribute(tSimulatorInterface interfaceKind, uint32_t attribute) {
+  commandOn(SIMULATOR_REMOVE_ATTRIBUTE, interfaceKind, attribute);
+}
+
+void tSimulatedMachine::allowWrites(tSimulatorInterface interfaceKind, uint32_t attribute) {
+  commandOn(SIMULATOR_ALLOW_WRITES, interfaceKind, attribute);
+}
+
+void tSimulatedMachine::refuseWrites(tSimulatorInterface interfaceKind, uint32_t attribute) {
+  commandOn(SIMULATOR_REFUSE_WRITES, interfaceKind, attribute);
 }
 
 void tSimulatedMachine::addScript(const tSimulatorScript& script) {

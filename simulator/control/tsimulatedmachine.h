@@ -56,6 +56,10 @@ class tSimulatedMachine {
                         std::string_view text);
   void removeAttribute(tSimulatorInterface interfaceKind, uint32_t attribute);
 
+  // Whether the library can write an attribute that has a value.
+  void allowWrites(tSimulatorInterface interfaceKind, uint32_t attribute);
+  void refuseWrites(tSimulatorInterface interfaceKind, uint32_t attribute);
+
   void addScript(const tSimulatorScript& script);
   void clearScripts();
 
@@ -66,6 +70,7 @@ class tSimulatedMachine {
  private:
   struct tChannel;
 
+  void commandOn(uint32_t code, tSimulatorInterface interfaceKind, uint32_t attribute);
   uint32_t request(uint32_t code, std::span<const uint8_t> input, std::span<uint8_t> output);
   void command(uint32_t code, std::span<const uint8_t> input = {});
 

@@ -33,11 +33,37 @@ void carryOutGetAttribute(tModel* model, const tModelFile* file, const void* inp
   copyBytes(reply, &answer, sizeof(answer));
 }
 
-/* No attribute of the machine can be written yet, so the value is not even read. */
+/* A number keeps its size; a text has whatever its writer gives it. */
+static bool fits(const tSimulatorAttribute* attribute, int32_t size) {
+  const bool isNumber = attribute->attribute >> 28 == 2;
+  return isNumber ? size == (int32_t)sizeof(uint32_t)
+                  : size > 0 && size <= SIMULATOR_VALUE_CAPACITY;
+}
+
+static int32_t setAttribute(tModel* model, const tModelFile* file,
+                            const tSetAttributeRequest* request) {
+  const tSimulatorAttribute* present =
+      attributesFind(&model->attributes, file->interfaceKind, request->attribute);
+  if (present == NULL ||
+      !attributesIsWritable(&model->attributes, file->interfaceKind, request->attribute)) {
+    return SIMULATOR_STATUS_NOT_SUPPORTED;
+  }
+  if (!fits(present, request->size)) {
+    return SIMULATOR_STATUS_BAD_VALUE;
+  }
+  tSimulatorAttribute changed = *present;
+  changed.size = (uint32_t)request->size;
+  if (!model->host.readCaller(model->host.context, file->process, request->buffer, changed.value,
+                              changed.size)) {
+    return SIMULATOR_STATUS_BAD_ADDRESS;
+  }
+  attributesPut(&model->attributes, &changed);
+  return 0;
+}
+
 void carryOutSetAttribute(tModel* model, const tModelFile* file, const void* input, void* reply) {
-  (void)model;
-  (void)file;
-  (void)input;
-  const tStatusReply answer = {SIMULATOR_STATUS_NOT_SUPPORTED};
+  tSetAttributeRequest request;
+  copyBytes(&request, input, sizeof(request));
+  const tStatusReply answer = {setAttribute(model, file, &request)};
   copyBytes(reply, &answer, sizeof(answer));
 }

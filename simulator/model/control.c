@@ -124,6 +124,24 @@ static tModelReply removeAttribute(tModel* model, const tModelRequest* request) 
   return done();
 }
 
+static tModelReply setWritable(tModel* model, const tModelRequest* request, bool writable) {
+  tSimulatorAttribute attribute;
+  if (!readInput(request, &attribute, sizeof(attribute)) ||
+      !attributesSetWritable(&model->attributes, attribute.interfaceKind, attribute.attribute,
+                             writable)) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return done();
+}
+
+static tModelReply allowWrites(tModel* model, const tModelRequest* request) {
+  return setWritable(model, request, true);
+}
+
+static tModelReply refuseWrites(tModel* model, const tModelRequest* request) {
+  return setWritable(model, request, false);
+}
+
 static tModelReply addScript(tModel* model, const tModelRequest* request) {
   tSimulatorScript script;
   if (!readInput(request, &script, sizeof(script)) || !scriptIsValid(&script)) {
@@ -181,6 +199,8 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_CLEAR_SCRIPTS, clearScripts},
     {SIMULATOR_READ_LOG, readLog},
     {SIMULATOR_CLEAR_LOG, clearLog},
+    {SIMULATOR_ALLOW_WRITES, allowWrites},
+    {SIMULATOR_REFUSE_WRITES, refuseWrites},
 };
 
 tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {

@@ -10,15 +10,10 @@ const tSimulatorPresence kDefaultPresence = {.controllers = 1, .martens = 1, .de
 static const char kVersionText[] = "3.2";
 static const char kMartenVersion[] = "1.4.0f7";
 
-enum {
-  kSelectController = 0x00100000,
-  kSelectMarten = 0x00200000
-};
-
 typedef struct tDefaultAttribute {
   tSimulatorInterface interfaceKind;
   uint32_t attribute;
-  uint32_t selector; /* under which the attribute is known too */
+  bool writable;
   const void* value;
   uint32_t size;
 } tDefaultAttribute;
@@ -26,33 +21,35 @@ typedef struct tDefaultAttribute {
 static const uint32_t kProcessorSetting = 2;
 static const uint32_t kDriverSetting1 = 5;
 static const uint32_t kDriverSetting2 = 250;
+static const uint32_t kMartenSetting = 1;
+static const char kNoText[] = "";
 
 static const tDefaultAttribute kDefaultAttributes[] = {
-    {kSimulatorInterfaceController, 0x20013100, kSelectController, &kProcessorSetting,
+    {kSimulatorInterfaceController, 0x20013100, false, &kProcessorSetting,
      sizeof(kProcessorSetting)},
-    {kSimulatorInterfaceController, 0x20044C00, kSelectController, &kDriverSetting1,
-     sizeof(kDriverSetting1)},
-    {kSimulatorInterfaceController, 0x20051400, kSelectController, &kDriverSetting2,
-     sizeof(kDriverSetting2)},
-    {kSimulatorInterfaceMarten, 0x10000400, kSelectMarten, kMartenVersion, sizeof(kMartenVersion)},
+    {kSimulatorInterfaceController, 0x20044C00, true, &kDriverSetting1, sizeof(kDriverSetting1)},
+    {kSimulatorInterfaceController, 0x20051400, true, &kDriverSetting2, sizeof(kDriverSetting2)},
+    {kSimulatorInterfaceController, 0x18000000, true, kNoText, sizeof(kNoText)},
+    {kSimulatorInterfaceMarten, 0x10000400, false, kMartenVersion, sizeof(kMartenVersion)},
+    {kSimulatorInterfaceMarten, 0x20051400, true, &kMartenSetting, sizeof(kMartenSetting)},
+    {kSimulatorInterfaceMarten, 0x18000000, true, kNoText, sizeof(kNoText)},
 };
 
-static void putAttribute(tAttributeStore* store, const tDefaultAttribute* source, uint32_t id) {
+static void putAttribute(tAttributeStore* store, const tDefaultAttribute* source) {
   tSimulatorAttribute attribute;
   fillWithZeros(&attribute, sizeof(attribute));
   attribute.interfaceKind = source->interfaceKind;
-  attribute.attribute = id;
+  attribute.attribute = source->attribute;
   attribute.size = source->size;
   copyBytes(attribute.value, source->value, source->size);
   attributesPut(store, &attribute);
+  attributesSetWritable(store, source->interfaceKind, source->attribute, source->writable);
 }
 
 static void putDefaultAttributes(tAttributeStore* store) {
   attributesClear(store);
   for (size_t i = 0; i < sizeof(kDefaultAttributes) / sizeof(kDefaultAttributes[0]); ++i) {
-    const tDefaultAttribute* source = &kDefaultAttributes[i];
-    putAttribute(store, source, source->attribute);
-    putAttribute(store, source, source->attribute | source->selector);
+    putAttribute(store, &kDefaultAttributes[i]);
   }
 }
 

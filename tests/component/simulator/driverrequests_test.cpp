@@ -20,6 +20,13 @@ class ModelRequests : public ModelTest {
     asked.size = size;
     return recordOf<tGetAttributeReply>(request(kind, REQUEST_GET_ATTRIBUTE, asked, 8));
   }
+  int32_t set(tSimulatorInterface kind, uint32_t attribute, uint64_t buffer, int32_t size) {
+    tSetAttributeRequest asked{};
+    asked.attribute = attribute;
+    asked.buffer = buffer;
+    asked.size = size;
+    return recordOf<tStatusReply>(request(kind, REQUEST_SET_ATTRIBUTE, asked, 4)).driverStatus;
+  }
   void give(tSimulatorInterface kind, uint32_t attribute, std::string_view value) {
     tSimulatorAttribute record{};
     record.interfaceKind = kind;
@@ -107,11 +114,43 @@ TEST_F(ModelRequests, AttributeIntoUnreachableMemory_IsRefused) {
   EXPECT_EQ(get(kMarten, 5, memory.size() - 3, 4).driverStatus, SIMULATOR_STATUS_BAD_ADDRESS);
 }
 
-TEST_F(ModelRequests, WritesAndCommands_AreRefused) {
-  EXPECT_EQ(
-      recordOf<tStatusReply>(request(kController, REQUEST_SET_ATTRIBUTE, tSetAttributeRequest{}, 4))
-          .driverStatus,
-      SIMULATOR_STATUS_NOT_SUPPORTED);
+TEST_F(ModelRequests, WriteOfAWritableAttribute_IsKept) {
+  std::memcpy(memory.data() + 0x300, "new", 4);
+  EXPECT_EQ(set(kMarten, 0x18200000, 0x300, 4), 0);
+  EXPECT_EQ(get(kMarten, 0x18000000, 0x400, 8).size, 4u) << "the selector does not count";
+  EXPECT_EQ(std::memcmp(memory.data() + 0x400, "new", 4), 0);
+  EXPECT_EQ(get(kController, 0x18000000, 0x400, 8).size, 1u) << "each interface has its own";
+}
+
+TEST_F(ModelRequests, WriteOfWhatIsNotWritable_IsNotSupported) {
+  EXPECT_EQ(set(kMarten, 0x10000400, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
+  EXPECT_EQ(set(kMarten, 0x10000500, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
+  give(kMarten, 0x10000500, "abc");
+  EXPECT_EQ(set(kMarten, 0x10000500, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
+}
+
+TEST_F(ModelRequests, Writability_CanBeChanged) {
+  tSimulatorAttribute record{};
+  record.interfaceKind = kMarten;
+  record.attribute = 0x10000400;
+  EXPECT_EQ(control(SIMULATOR_ALLOW_WRITES, record).windowsError, 0u);
+  EXPECT_EQ(set(kMarten, 0x10000400, 0x300, 4), 0);
+  EXPECT_EQ(control(SIMULATOR_REFUSE_WRITES, record).windowsError, 0u);
+  EXPECT_EQ(set(kMarten, 0x10000400, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
+  record.attribute = 0x70000000;
+  EXPECT_EQ(control(SIMULATOR_ALLOW_WRITES, record).windowsError, 87u) << "it has no value";
+}
+
+TEST_F(ModelRequests, WriteOfAWrongSizeOrFromUnreachableMemory_IsRefused) {
+  EXPECT_EQ(set(kController, 0x20044C00, 0x300, 3), SIMULATOR_STATUS_BAD_VALUE);
+  EXPECT_EQ(set(kController, 0x18000000, 0x300, 0), SIMULATOR_STATUS_BAD_VALUE);
+  EXPECT_EQ(set(kController, 0x18000000, 0x300, -1), SIMULATOR_STATUS_BAD_VALUE);
+  EXPECT_EQ(set(kController, 0x18000000, 0x300, 257), SIMULATOR_STATUS_BAD_VALUE);
+  EXPECT_EQ(set(kController, 0x18000000, 0x300, 256), 0);
+  EXPECT_EQ(set(kController, 0x20044C00, 0, 4), SIMULATOR_STATUS_BAD_ADDRESS);
+}
+
+TEST_F(ModelRequests, Commands_AreRefused) {
   EXPECT_EQ(recordOf<tStatusReply>(
                 request(kController, REQUEST_CONTROLLER_SEND_COMMAND, tSendCommandRequest{}, 4))
                 .driverStatus,
