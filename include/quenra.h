@@ -110,23 +110,48 @@ int32_t QUENRA_getAttributeI32(uint64_t handle, uint32_t attribute, int32_t* val
 /* There is no floating-point attribute. Returns as QUENRA_getAttributeI32. */
 int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t attribute, double* value);
 
-/* ---- Announced: part of the interface, not yet exported by this version of the library ----
- * A program that calls one of these does not link. */
-
-/* Writes a text attribute: at most 255 bytes of UTF-8 and a NUL. */
+/* Writes a text attribute. The driver decides which attributes it takes.
+ *
+ * attribute: an ordinary id is offered to the controller interface, whatever its selector, and what
+ *            that does not take to the Marten interface. QUENRA_TEXT_SETTING_OF_BOTH goes to both, or
+ *            with QUENRA_SELECTOR_MARTEN to the Marten interface alone; that the Marten interface is
+ *            not there or does not take it is then no failure.
+ * text:      at most 255 bytes of UTF-8 and a NUL.
+ *
+ * Returns
+ *   0                                 done
+ *   QUENRA_STATUS_INVALID_HANDLE      bad handle
+ *   QUENRA_STATUS_NO_CONTROLLER       no controller open, or the machine's table does not say whether
+ *                                     texts can be written
+ *   QUENRA_STATUS_INVALID_PARAMETER   text is null
+ *   QUENRA_STATUS_INVALID_VALUE       text is longer than 255 bytes; nothing was written
+ *   QUENRA_STATUS_NOT_SUPPORTED       neither interface takes the attribute
+ *   others                            what the driver reported */
 int32_t QUENRA_setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text);
 
-/* Writes an unsigned attribute. */
+/* Writes an unsigned attribute: with QUENRA_SELECTOR_MARTEN to the Marten interface, else to the
+ * controller interface. The driver decides which attributes it takes.
+ *
+ * Returns
+ *   0                                 done
+ *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
+ *   QUENRA_STATUS_NO_CONTROLLER       the interface selected is not open
+ *   others                            what the driver reported */
 int32_t QUENRA_setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value);
+
+/* The self-test: that a controller is open is all there is to test.
+ *
+ * Returns 0, or QUENRA_STATUS_INVALID_HANDLE for a bad handle or when no controller is open. */
+int32_t QUENRA_performSelfTest(uint64_t handle);
+
+/* ---- Announced: part of the interface, not yet exported by this version of the library ----
+ * A program that calls one of these does not link. */
 
 /* Applies a firmware image of `size` bytes, whatever versions are installed. */
 int32_t QUENRA_updateFirmware(uint64_t handle, const void* image, uint64_t size);
 
 /* The same; options 0 skips components that are current already, 1 does not. */
 int32_t QUENRA_updateFirmware2(uint64_t handle, const void* image, uint64_t size, uint32_t options);
-
-/* Runs the controller's self-test. */
-int32_t QUENRA_performSelfTest(uint64_t handle);
 
 #ifdef __cplusplus
 }

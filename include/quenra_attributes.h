@@ -73,6 +73,11 @@ enum QUENRA_TextAttribute {
   QUENRA_ATTRIBUTE_BRIDGE_MEMBERS = 0x1006A600
 };
 
+enum QUENRA_TextSetting {
+  /* Private, and only written: a text that the controller and the Marten interface take at once. */
+  QUENRA_TEXT_SETTING_OF_BOTH = 0x18000000
+};
+
 enum QUENRA_UnsignedAttribute {
   /* Identity. */
   /* 1, 2 and 3 by the bus structures found (0x97, 0x98, 0x9F); else byte 0x0C of structure 0x96

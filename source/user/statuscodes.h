@@ -16,6 +16,7 @@ inline constexpr int32_t kInvalidHandle = QUENRA_STATUS_INVALID_HANDLE;
 inline constexpr int32_t kNoController = QUENRA_STATUS_NO_CONTROLLER;
 inline constexpr int32_t kOutOfMemory = QUENRA_STATUS_OUT_OF_MEMORY;
 inline constexpr int32_t kAttributeNotSupported = QUENRA_STATUS_NOT_SUPPORTED;
+inline constexpr int32_t kInvalidValue = QUENRA_STATUS_INVALID_VALUE;
 
 // The layers below name their codes themselves; applications see them under the public names.
 static_assert(nZOAPALS100::kMemoryFull == QUENRA_STATUS_MEMORY_FULL);

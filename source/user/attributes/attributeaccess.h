@@ -1,5 +1,5 @@
-#ifndef SOURCE_USER_ATTRIBUTES_READSOURCES_H
-#define SOURCE_USER_ATTRIBUTES_READSOURCES_H
+#ifndef SOURCE_USER_ATTRIBUTES_ATTRIBUTEACCESS_H
+#define SOURCE_USER_ATTRIBUTES_ATTRIBUTEACCESS_H
 
 #include "codegen/apalcodegen/iinterfaceproxy_hostcontroller.h"
 #include "codegen/apalcodegen/iinterfaceproxy_hostmarten.h"
@@ -8,8 +8,8 @@
 
 namespace nQUENRA1400 {
 
-// Everything that attributes are read from. Refers to it and owns nothing.
-struct tReadSources {
+// Everything that attributes are read from and written to. Refers to it and owns nothing.
+struct tAttributeAccess {
   nZOSMBIOS_1_1::cZoSmBiosProvider& provider;
   const tMemoryModules& memoryModules;
   nZOAPAL000::iInterfaceProxy_hostController& controller;

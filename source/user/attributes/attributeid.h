@@ -17,6 +17,10 @@ class tAttributeId {
   [[nodiscard]] constexpr uint32_t base() const noexcept {
     return id_ & ~(kSelectorMask | kInstanceMask);
   }
+  [[nodiscard]] constexpr uint32_t withoutSelector() const noexcept { return id_ & ~kSelectorMask; }
+  [[nodiscard]] constexpr tAttributeId onMarten() const noexcept {
+    return tAttributeId(withoutSelector() | QUENRA_SELECTOR_MARTEN);
+  }
   [[nodiscard]] constexpr bool isPrivate() const noexcept { return (id_ & kPrivateBit) != 0; }
   [[nodiscard]] constexpr uint32_t number() const noexcept { return id_ >> 8 & 0xFFF; }
   [[nodiscard]] constexpr uint32_t instance() const noexcept { return id_ & kInstanceMask; }

@@ -1,22 +1,35 @@
-#ifndef SOURCE_USER_ATTRIBUTES_DRIVERREAD_H
-#define SOURCE_USER_ATTRIBUTES_DRIVERREAD_H
+#ifndef SOURCE_USER_ATTRIBUTES_DRIVERCALLS_H
+#define SOURCE_USER_ATTRIBUTES_DRIVERCALLS_H
 
 #include <bit>
 #include <cstdint>
 
 #include "source/user/attributes/attributeid.h"
 #include "zoapal/protons/status/tstatus.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {
 
-// Asks an interface of the driver for an attribute. The driver sees the status code and reports
-// into the status. `size`: in the buffer's bytes, out what the driver answered; unchanged when the
-// request did not reach it.
+// How the driver is asked: addresses travel as numbers, and each call has a record of its own, which
+// starts with the warning that there may be and is merged into the session's status.
+
+[[nodiscard]] inline uint64_t addressOf(const void* memory) noexcept {
+  static_assert(sizeof(uintptr_t) == sizeof(uint64_t));
+  return std::bit_cast<uintptr_t>(memory);
+}
+
+[[nodiscard]] inline nZOAPALS100::tStatus recordFor(const zoerr::Status& status) noexcept {
+  nZOAPALS100::tStatus record;
+  record.code = status.code;
+  return record;
+}
+
+// Asks an interface of the driver for an attribute, reporting into the status. `size`: in the
+// buffer's bytes, out what the driver answered; unchanged when the request did not reach it.
 template <class Interface>
 void readFromDriver(Interface& device, tAttributeId attribute, void* buffer, uint32_t& size,
                     nZOAPALS100::tStatus& status) noexcept {
-  static_assert(sizeof(uintptr_t) == sizeof(uint64_t));
-  device.getAttribute(attribute.value(), std::bit_cast<uintptr_t>(buffer), size, status);
+  device.getAttribute(attribute.value(), addressOf(buffer), size, status);
 }
 
 // The same for an unsigned attribute.
@@ -25,6 +38,15 @@ void readFromDriver(Interface& device, tAttributeId attribute, uint32_t& value,
                     nZOAPALS100::tStatus& status) noexcept {
   uint32_t size = sizeof value;
   readFromDriver(device, attribute, &value, size, status);
+}
+
+// Hands a value of `size` bytes to an interface of the driver.
+template <class Interface>
+void writeToDriver(Interface& device, tAttributeId attribute, const void* value, int32_t size,
+                   zoerr::Status& status) noexcept {
+  nZOAPALS100::tStatus driver = recordFor(status);
+  device.setAttribute(attribute.value(), addressOf(value), size, driver);
+  status.mergeFrom(driver);
 }
 
 }  // namespace nQUENRA1400

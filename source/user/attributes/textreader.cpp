@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "source/user/attributes/attributeid.h"
-#include "source/user/attributes/driverread.h"
+#include "source/user/attributes/drivercalls.h"
 #include "source/user/attributes/normalisedtext.h"
 #include "source/user/attributes/providerresult.h"
 #include "source/user/attributes/providertext.h"
@@ -43,9 +43,9 @@ uint32_t saturated(uint64_t size) noexcept {
 
 class tTextReading {
  public:
-  tTextReading(const tReadSources& sources, tAttributeId attribute, char* buffer, uint64_t* size,
+  tTextReading(const tAttributeAccess& access, tAttributeId attribute, char* buffer, uint64_t* size,
                zoerr::Status& status) noexcept
-      : sources_(sources), attribute_(attribute), buffer_(buffer), size_(size), status_(status) {}
+      : access_(access), attribute_(attribute), buffer_(buffer), size_(size), status_(status) {}
 
   void readFromMarten() const noexcept;
   void readRow(const tTextRow& row) const noexcept;
@@ -62,7 +62,7 @@ class tTextReading {
   void refuseText(const tSourceLocation& location) const noexcept;
   void deliver(std::string_view text) const noexcept;
 
-  const tReadSources& sources_;
+  const tAttributeAccess& access_;
   const tAttributeId attribute_;
   char* const buffer_;
   uint64_t* const size_;
@@ -79,9 +79,8 @@ void tTextReading::readFromMarten() const noexcept {
   }
   const uint32_t offered = saturated(*size_);
   uint32_t answered = offered;
-  tStatus driver;
-  driver.code = status_.code;
-  readFromDriver(sources_.marten, attribute_, buffer_, answered, driver);
+  tStatus driver = recordFor(status_);
+  readFromDriver(access_.marten, attribute_, buffer_, answered, driver);
   if (answered != offered) {
     *size_ = answered;
   }
@@ -129,7 +128,7 @@ void tTextReading::readOrdinaryRow(const tTextRow& row) const noexcept {
 bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
   uint32_t size = saturated(*size_);
   tStatus result;
-  sources_.provider.getString(field, instance, buffer_, &size, result);
+  access_.provider.getString(field, instance, buffer_, &size, result);
   if (result.code == nZOSMBIOS_1_1::kBufferTooSmall) {
     *size_ = size;
   }
@@ -157,7 +156,7 @@ void tTextReading::readUnlikeBiosVersion(tFieldId field) const noexcept {
   if (!readField(field, attribute_.instance())) {
     return;
   }
-  const tProviderText biosVersion(sources_.provider, kBiosVersion, 0);
+  const tProviderText biosVersion(access_.provider, kBiosVersion, 0);
   mergeProviderResult(biosVersion.result(), status_);
   if (biosVersion.result() == 0 && buffer_ == biosVersion.view()) {
     refuseText(kVersionIsBiosVersion);
@@ -166,7 +165,7 @@ void tTextReading::readUnlikeBiosVersion(tFieldId field) const noexcept {
 
 void tTextReading::readOnLaterPlatforms(tFieldId field) const noexcept {
   uint32_t generation = 0;
-  readUnsignedAttribute(sources_, QUENRA_ATTRIBUTE_PLATFORM_GENERATION, generation, status_);
+  readUnsignedAttribute(access_, QUENRA_ATTRIBUTE_PLATFORM_GENERATION, generation, status_);
   if (status_.isError()) {
     return;
   }
@@ -178,7 +177,7 @@ void tTextReading::readOnLaterPlatforms(tFieldId field) const noexcept {
 }
 
 void tTextReading::readOfMemoryModule(tFieldId field) const noexcept {
-  const uint32_t instance = sources_.memoryModules.instanceOf(attribute_.instance(), status_);
+  const uint32_t instance = access_.memoryModules.instanceOf(attribute_.instance(), status_);
   if (!status_.isError()) {
     readField(field, instance);
   }
@@ -186,7 +185,7 @@ void tTextReading::readOfMemoryModule(tFieldId field) const noexcept {
 
 void tTextReading::readNormalised(tFieldId field, uint32_t instance,
                                   tSegments segments) const noexcept {
-  const tProviderText text(sources_.provider, field, instance);
+  const tProviderText text(access_.provider, field, instance);
   mergeProviderResult(text.result(), status_);
   if (text.result() == 0) {
     // A text that is there answers for itself alone: a warning from before is dropped.
@@ -197,7 +196,7 @@ void tTextReading::readNormalised(tFieldId field, uint32_t instance,
 
 void tTextReading::readNormalisedEntry(const tListSource& list, tSegments segments) const noexcept {
   uint8_t count = 0;
-  mergeProviderResult(sources_.provider.readByte(list.count, 0, &count), status_);
+  mergeProviderResult(access_.provider.readByte(list.count, 0, &count), status_);
   if (status_.isError()) {
     return;
   }
@@ -225,16 +224,16 @@ void tTextReading::deliver(std::string_view text) const noexcept {
 
 }  // namespace
 
-void readTextAttribute(const tReadSources& sources, uint32_t attribute, char* buffer,
+void readTextAttribute(const tAttributeAccess& access, uint32_t attribute, char* buffer,
                        uint64_t* size, zoerr::Status& status) noexcept {
   if (status.isError()) {
     return;
   }
   const tAttributeId id(attribute);
-  const tTextReading reading(sources, id, buffer, size, status);
-  if (!sources.martenIsOpen && id.selectsMarten()) {
+  const tTextReading reading(access, id, buffer, size, status);
+  if (!access.martenIsOpen && id.selectsMarten()) {
     status.set(kNoController, kMartenNotOpen);
-  } else if (sources.martenIsOpen && id.number() == kFirmwareVersionNumber &&
+  } else if (access.martenIsOpen && id.number() == kFirmwareVersionNumber &&
              !id.selectsController()) {
     reading.readFromMarten();
   } else if (const tTextRow* row = findTextRow(id.base())) {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "source/user/attributes/readsources.h"
+#include "source/user/attributes/attributeaccess.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {
@@ -11,7 +11,7 @@ namespace nQUENRA1400 {
 // Reads a text attribute into the caller's buffer; what QUENRA_getAttributeUTF8 says holds. Without
 // a size the field of an ordinary attribute is not read. Does nothing when the status holds an
 // error.
-void readTextAttribute(const tReadSources& sources, uint32_t attribute, char* buffer,
+void readTextAttribute(const tAttributeAccess& access, uint32_t attribute, char* buffer,
                        uint64_t* size, zoerr::Status& status) noexcept;
 
 }  // namespace nQUENRA1400

@@ -6,7 +6,7 @@
 
 #include "source/user/attributes/attributeid.h"
 #include "source/user/attributes/controllerkind.h"
-#include "source/user/attributes/driverread.h"
+#include "source/user/attributes/drivercalls.h"
 #include "source/user/attributes/providerresult.h"
 #include "source/user/attributes/providertext.h"
 #include "source/user/attributes/unsignedtable.h"
@@ -53,9 +53,9 @@ uint32_t kindOf(const tNamedKind (&kinds)[N], std::string_view name) noexcept {
 
 class tUnsignedReading {
  public:
-  tUnsignedReading(const tReadSources& sources, tAttributeId attribute, uint32_t& value,
+  tUnsignedReading(const tAttributeAccess& access, tAttributeId attribute, uint32_t& value,
                    zoerr::Status& status) noexcept
-      : sources_(sources), attribute_(attribute), value_(value), status_(status) {}
+      : access_(access), attribute_(attribute), value_(value), status_(status) {}
 
   void readFromMarten() const noexcept;
   void readRow(const tUnsignedRow& row) const noexcept;
@@ -76,31 +76,30 @@ class tUnsignedReading {
   void deliver(tUnsignedRule rule, uint32_t value) const noexcept;
   void askMartenInstead() const noexcept;
 
-  const tReadSources& sources_;
+  const tAttributeAccess& access_;
   const tAttributeId attribute_;
   uint32_t& value_;
   zoerr::Status& status_;
 };
 
 void tUnsignedReading::readFromMarten() const noexcept {
-  if (attribute_.instance() != 0 || !sources_.martenIsOpen) {
+  if (attribute_.instance() != 0 || !access_.martenIsOpen) {
     status_.set(kNoController, kMartenNotOpen);
     return;
   }
-  tStatus driver;
-  driver.code = status_.code;
-  readFromDriver(sources_.marten, attribute_, value_, driver);
+  tStatus driver = recordFor(status_);
+  readFromDriver(access_.marten, attribute_, value_, driver);
   status_.mergeFrom(driver);
 }
 
 void tUnsignedReading::readRow(const tUnsignedRow& row) const noexcept {
   switch (row.rule) {
     case tUnsignedRule::controllerKind:
-      value_ = controllerKind(sources_.provider);
+      value_ = controllerKind(access_.provider);
       refuseOtherInstances(row);
       break;
     case tUnsignedRule::memoryModuleCount:
-      value_ = sources_.memoryModules.count();
+      value_ = access_.memoryModules.count();
       refuseOtherInstances(row);
       break;
     case tUnsignedRule::firmwareUpdateSupport:
@@ -135,9 +134,8 @@ void tUnsignedReading::readFromController(const tUnsignedRow& row) const noexcep
   if (status_.isError()) {
     return;
   }
-  tStatus driver;
-  driver.code = status_.code;
-  readFromDriver(sources_.controller, attribute_, value_, driver);
+  tStatus driver = recordFor(status_);
+  readFromDriver(access_.controller, attribute_, value_, driver);
   status_.mergeFrom(driver);
 }
 
@@ -148,8 +146,8 @@ void tUnsignedReading::computeFirmwareUpdateSupport(const tUnsignedRow& row) con
   }
   uint8_t capability = 0;
   uint8_t restriction = 0;
-  if (sources_.provider.readByte(kUpdateCapability, 0, &capability) != 0 ||
-      sources_.provider.readByte(kUpdateRestriction, 0, &restriction) != 0) {
+  if (access_.provider.readByte(kUpdateCapability, 0, &capability) != 0 ||
+      access_.provider.readByte(kUpdateRestriction, 0, &restriction) != 0) {
     status_.set(kNoController, kUpdateSupportUnknown);
     return;
   }
@@ -157,19 +155,19 @@ void tUnsignedReading::computeFirmwareUpdateSupport(const tUnsignedRow& row) con
 }
 
 void tUnsignedReading::computeInterfacesPresent() const noexcept {
-  if (!sources_.controllerIsOpen) {
+  if (!access_.controllerIsOpen) {
     status_.set(kNoController, kControllerNotOpen);
     return;
   }
   constexpr uint32_t kController = QUENRA_SELECTOR_CONTROLLER;
   constexpr uint32_t kMarten = QUENRA_SELECTOR_MARTEN;
-  value_ = sources_.martenIsOpen ? kController | kMarten : kController;
+  value_ = access_.martenIsOpen ? kController | kMarten : kController;
 }
 
 void tUnsignedReading::readFieldRow(const tUnsignedRow& row) const noexcept {
   uint32_t instance = attribute_.instance();
   if (row.rule == tUnsignedRule::ofMemoryModule) {
-    instance = sources_.memoryModules.instanceOf(instance, status_);
+    instance = access_.memoryModules.instanceOf(instance, status_);
   }
   const uint32_t value = readField(row.field, instance);
   if (row.rule == tUnsignedRule::platformRevision) {
@@ -180,7 +178,7 @@ void tUnsignedReading::readFieldRow(const tUnsignedRow& row) const noexcept {
 }
 
 void tUnsignedReading::readKindRow(const tUnsignedRow& row) const noexcept {
-  const tProviderText name(sources_.provider, row.field, attribute_.instance());
+  const tProviderText name(access_.provider, row.field, attribute_.instance());
   mergeProviderResult(name.result(), status_);
   deliver(row.rule, row.rule == tUnsignedRule::linkKind ? kindOf(kLinkKinds, name.view())
                                                         : kindOf(kExpansionKinds, name.view()));
@@ -204,7 +202,7 @@ template <class Number>
 Number tUnsignedReading::readNumber(int32_t (cZoSmBiosProvider::*read)(tFieldId, uint32_t, Number*),
                                     tFieldId field, uint32_t instance) const noexcept {
   Number number = 0;
-  mergeProviderResult((sources_.provider.*read)(field, instance, &number), status_);
+  mergeProviderResult((access_.provider.*read)(field, instance, &number), status_);
   return number;
 }
 
@@ -241,13 +239,13 @@ void tUnsignedReading::deliver(tUnsignedRule rule, uint32_t value) const noexcep
 }
 
 void tUnsignedReading::askMartenInstead() const noexcept {
-  if (attribute_.instance() != 0 || !sources_.martenIsOpen) {
+  if (attribute_.instance() != 0 || !access_.martenIsOpen) {
     return;
   }
   // A record of its own: the session's holds the error that led here.
   tStatus driver;
   uint32_t value = 0;
-  readFromDriver(sources_.marten, attribute_, value, driver);
+  readFromDriver(access_.marten, attribute_, value, driver);
   if (!driver.isError()) {
     value_ = value;
     status_.clear();
@@ -256,14 +254,14 @@ void tUnsignedReading::askMartenInstead() const noexcept {
 
 }  // namespace
 
-void readUnsignedAttribute(const tReadSources& sources, uint32_t attribute, uint32_t& value,
+void readUnsignedAttribute(const tAttributeAccess& access, uint32_t attribute, uint32_t& value,
                            zoerr::Status& status) noexcept {
   if (status.isError()) {
     return;
   }
   value = 0;
   const tAttributeId id(attribute);
-  const tUnsignedReading reading(sources, id, value, status);
+  const tUnsignedReading reading(access, id, value, status);
   if (id.selectsMarten()) {
     reading.readFromMarten();
   } else if (id.isPrivate() && id.base() != QUENRA_ATTRIBUTE_PLATFORM_GENERATION) {

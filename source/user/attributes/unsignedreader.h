@@ -3,14 +3,14 @@
 
 #include <cstdint>
 
-#include "source/user/attributes/readsources.h"
+#include "source/user/attributes/attributeaccess.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {
 
 // Reads an unsigned attribute; what QUENRA_getAttributeU32 says holds. Does nothing when the status
 // holds an error.
-void readUnsignedAttribute(const tReadSources& sources, uint32_t attribute, uint32_t& value,
+void readUnsignedAttribute(const tAttributeAccess& access, uint32_t attribute, uint32_t& value,
                            zoerr::Status& status) noexcept;
 
 }  // namespace nQUENRA1400

@@ -19,6 +19,12 @@ constexpr auto kNoSignedAttribute = sessionLocation(1590);
 constexpr auto kNoFloatingAttribute = sessionLocation(1611);
 constexpr auto kValueMissing = sessionLocation(1721);
 
+// The session; null, with the reason in the status, when loading failed or none is open.
+tControllerUserSession* findSession(zoerr::Status& status) noexcept {
+  processState().mergeLoadStatus(status);
+  return status.isError() ? nullptr : processState().session(status);
+}
+
 // What exports on a handle have in common: the handle, how loading went, and the session, in this
 // order. A bad handle is told without the lock. The operation runs outside the lock.
 template <class Operation>
@@ -27,11 +33,7 @@ int32_t runOnSession(uint64_t handle, Operation operation) noexcept {
     return nQUENRA1400::kInvalidHandle;
   }
   zoerr::tOwnedStatus status;
-  processState().mergeLoadStatus(status);
-  if (status.isError()) {
-    return status.code;
-  }
-  if (tControllerUserSession* const session = processState().session(status)) {
+  if (tControllerUserSession* const session = findSession(status)) {
     runWithoutThrowing(status, [&] { operation(*session, status); });
   }
   return status.code;
@@ -91,4 +93,28 @@ int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t, double*) {
   return runOnSession(handle, [](tControllerUserSession&, zoerr::Status& status) {
     status.set(nQUENRA1400::kAttributeNotSupported, kNoFloatingAttribute);
   });
+}
+
+// Unlike the other exports, this one does not tell why no session could be reached.
+int32_t QUENRA_setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text) {
+  if (handle != QUENRA_HANDLE) {
+    return nQUENRA1400::kInvalidHandle;
+  }
+  zoerr::tOwnedStatus status;
+  tControllerUserSession* const session = findSession(status);
+  if (session == nullptr) {
+    return nQUENRA1400::kNoController;
+  }
+  runWithoutThrowing(status, [&] { session->writeText(attribute, text, status); });
+  return status.code;
+}
+
+int32_t QUENRA_setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value) {
+  return runOnSession(handle, [=](tControllerUserSession& session, zoerr::Status& status) {
+    session.writeUnsigned(attribute, value, status);
+  });
+}
+
+int32_t QUENRA_performSelfTest(uint64_t handle) {
+  return runOnSession(handle, [](tControllerUserSession&, zoerr::Status&) {});
 }

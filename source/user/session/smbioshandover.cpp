@@ -5,6 +5,7 @@
 #include <span>
 
 #include "protocol/requestcodes.h"
+#include "source/user/attributes/drivercalls.h"
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
@@ -22,14 +23,7 @@ struct tSizes {
   int32_t table = 0;
 };
 
-// A record for one call to the driver, which is told of a warning that there already is. Each call
-// has its own, because the first one is expected to end in an error.
-tStatus recordFor(const zoerr::Status& status) noexcept {
-  tStatus record;
-  record.code = status.code;
-  return record;
-}
-
+// The first call is expected to end in an error, which is nobody's failure.
 tSizes askForSizes(tController& controller, zoerr::Status& status) noexcept {
   tSizes sizes;
   tStatus driver = recordFor(status);
@@ -72,8 +66,8 @@ void installSmbiosTable(tController& controller, nZOSMBIOS_1_1::cZoSmBiosProvide
 
   tSizes answered = room;
   tStatus driver = recordFor(status);
-  controller.exchangeValues(std::bit_cast<uintptr_t>(text.get()), answered.text,
-                            std::bit_cast<uintptr_t>(table.get()), answered.table, driver);
+  controller.exchangeValues(addressOf(text.get()), answered.text, addressOf(table.get()),
+                            answered.table, driver);
   if (driver.isError()) {
     provider.clear();
   } else {

@@ -1,7 +1,9 @@
 #include "source/user/session/tcontrollerusersession.h"
 
 #include "source/user/attributes/textreader.h"
+#include "source/user/attributes/textwriter.h"
 #include "source/user/attributes/unsignedreader.h"
+#include "source/user/attributes/unsignedwriter.h"
 #include "source/user/location.h"
 #include "source/user/preconditions/modelfamilies.h"
 #include "source/user/session/smbioshandover.h"
@@ -121,7 +123,7 @@ void tControllerUserSession::closeInterfaces() noexcept {
   }
 }
 
-tReadSources tControllerUserSession::sources() noexcept {
+tAttributeAccess tControllerUserSession::access() noexcept {
   return {provider_,
           memoryModules_,
           controller_,
@@ -132,12 +134,22 @@ tReadSources tControllerUserSession::sources() noexcept {
 
 void tControllerUserSession::readText(uint32_t attribute, char* buffer, uint64_t* size,
                                       zoerr::Status& status) noexcept {
-  readTextAttribute(sources(), attribute, buffer, size, status);
+  readTextAttribute(access(), attribute, buffer, size, status);
 }
 
 void tControllerUserSession::readUnsigned(uint32_t attribute, uint32_t& value,
                                           zoerr::Status& status) noexcept {
-  readUnsignedAttribute(sources(), attribute, value, status);
+  readUnsignedAttribute(access(), attribute, value, status);
+}
+
+void tControllerUserSession::writeText(uint32_t attribute, const char* text,
+                                       zoerr::Status& status) noexcept {
+  writeTextAttribute(access(), attribute, text, status);
+}
+
+void tControllerUserSession::writeUnsigned(uint32_t attribute, uint32_t value,
+                                           zoerr::Status& status) noexcept {
+  writeUnsignedAttribute(access(), attribute, value, status);
 }
 
 }  // namespace nQUENRA1400

@@ -6,7 +6,7 @@
 #include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
 #include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
 #include "protocol/interfaceclasses.h"
-#include "source/user/attributes/readsources.h"
+#include "source/user/attributes/attributeaccess.h"
 #include "source/user/session/tmemorymodules.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/status/zoerrstatus.h"
@@ -15,7 +15,7 @@
 namespace nQUENRA1400 {
 
 // The one object behind every valid handle. Made, counted and destroyed under the lock of the
-// exports; reads change nothing in it and may run concurrently.
+// exports; reads and writes change nothing in it and may run concurrently.
 class tControllerUserSession {
  public:
   // Opens the driver's interfaces, installs the machine's SMBIOS table in the provider and checks
@@ -33,6 +33,8 @@ class tControllerUserSession {
 
   void readText(uint32_t attribute, char* buffer, uint64_t* size, zoerr::Status& status) noexcept;
   void readUnsigned(uint32_t attribute, uint32_t& value, zoerr::Status& status) noexcept;
+  void writeText(uint32_t attribute, const char* text, zoerr::Status& status) noexcept;
+  void writeUnsigned(uint32_t attribute, uint32_t value, zoerr::Status& status) noexcept;
 
  private:
   void openControllerInterface(zoerr::Status& status) noexcept;
@@ -40,7 +42,7 @@ class tControllerUserSession {
   void checkPlatform(zoerr::Status& status) noexcept;
   void checkModel(zoerr::Status& status) noexcept;
   void closeInterfaces() noexcept;
-  [[nodiscard]] tReadSources sources() noexcept;
+  [[nodiscard]] tAttributeAccess access() noexcept;
 
   nZOSMBIOS_1_1::cZoSmBiosProvider& provider_;
   tMemoryModules memoryModules_;

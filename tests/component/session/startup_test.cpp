@@ -35,6 +35,13 @@ TEST(FailedStart, IsWhatReadsReportForTheRightHandle) {
   uint64_t size = 0;
   EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, 0x10000100, nullptr, &size),
             QUENRA_STATUS_MEMORY_FULL);
+  EXPECT_EQ(QUENRA_performSelfTest(QUENRA_HANDLE), QUENRA_STATUS_MEMORY_FULL);
+  EXPECT_EQ(QUENRA_setAttributeU32(QUENRA_HANDLE, 0x20000600, 1), QUENRA_STATUS_MEMORY_FULL);
+}
+
+TEST(FailedStart, IsNoControllerForWritingAText) {
+  EXPECT_EQ(QUENRA_setAttributeUTF8(QUENRA_HANDLE, 0x10000100, "abc"), QUENRA_STATUS_NO_CONTROLLER);
+  EXPECT_EQ(QUENRA_setAttributeUTF8(1, 0x10000100, "abc"), QUENRA_STATUS_INVALID_HANDLE);
 }
 
 TEST(FailedStart, LeavesTheDevicePathReadable) {

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "source/user/attributes/readsources.h"
+#include "source/user/attributes/attributeaccess.h"
 #include "source/user/attributes/textreader.h"
 #include "source/user/attributes/unsignedreader.h"
 #include "tests/builders/referencetable.h"
@@ -55,17 +55,17 @@ class ReadingTest : public testing::Test {
     zoerr::tOwnedStatus finding;
     modules.find(provider, finding);
   }
-  nQUENRA1400::tReadSources sources() {
+  nQUENRA1400::tAttributeAccess access() {
     return {provider, modules, controller, marten, controllerIsOpen, martenIsOpen};
   }
   tFailure readText(uint32_t attribute, uint64_t size = sizeof buffer) {
     zoerr::tOwnedStatus status;
-    readTextAttribute(sources(), attribute, buffer, &size, status);
+    readTextAttribute(access(), attribute, buffer, &size, status);
     return {status.code, lineOf(status)};
   }
   tFailure readUnsigned(uint32_t attribute) {
     zoerr::tOwnedStatus status;
-    readUnsignedAttribute(sources(), attribute, value, status);
+    readUnsignedAttribute(access(), attribute, value, status);
     return {status.code, lineOf(status)};
   }
 

@@ -9,7 +9,7 @@ TEST_F(TextReader, OnAStatusInError_DoesNothing) {
   zoerr::tOwnedStatus status;
   status.code = -1;
   uint64_t size = sizeof buffer;
-  readTextAttribute(sources(), 0x10000100, buffer, &size, status);
+  readTextAttribute(access(), 0x10000100, buffer, &size, status);
   EXPECT_EQ(status.code, -1);
   EXPECT_STREQ(buffer, "untouched");
 }
@@ -104,7 +104,7 @@ TEST_F(TextReader, FirmwareVersionFromMarten_SeesSizeAndEarlierWarning) {
   zoerr::tOwnedStatus status;
   status.code = 5;
   uint64_t size = 100;
-  readTextAttribute(sources(), 0x10000400, buffer, &size, status);
+  readTextAttribute(access(), 0x10000400, buffer, &size, status);
   EXPECT_EQ(status.code, 5);
   EXPECT_EQ(size, 4u);
   EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{0x10000400, 100, 5}));
@@ -129,7 +129,7 @@ TEST_F(TextReader, ALocationThatIsRead_DropsAnEarlierWarning) {
   zoerr::tOwnedStatus status;
   status.code = 5;
   uint64_t size = sizeof buffer;
-  readTextAttribute(sources(), 0x1001F400, buffer, &size, status);
+  readTextAttribute(access(), 0x1001F400, buffer, &size, status);
   EXPECT_EQ(status.code, 0);
   EXPECT_STREQ(buffer, "07:12");
 }

@@ -42,6 +42,16 @@ class tAttributeStore {
   void answerText(uint32_t attribute, const std::string& text) {
     answers[attribute] = {text + '\0', 0};
   }
+  // What a write is answered with.
+  int32_t writeCode = 0;
+  std::vector<tQuestion> writes;
+
+  void set(uint32_t attribute, int32_t size, tStatus& status) {
+    if (!status.isError()) {
+      writes.push_back({attribute, static_cast<uint32_t>(size), status.code});
+      mergeStatus(status, writeCode, "driver", "store", 4);
+    }
+  }
   void get(uint32_t attribute, uint64_t buffer, uint32_t& size, tStatus& status) {
     if (status.isError()) {
       return;
@@ -76,7 +86,6 @@ class tWithoutChannel : public Interface {
   uint32_t read(void*, uint32_t, tStatus&) noexcept override { return 0; }
   uint32_t write(const void*, uint32_t, tStatus&) noexcept override { return 0; }
   void sendCommand(uint64_t, uint32_t, tStatus&) noexcept override {}
-  void setAttribute(uint32_t, uint64_t, int32_t, tStatus&) noexcept override {}
 };
 
 class tScriptedController final
@@ -88,6 +97,9 @@ class tScriptedController final
                     tStatus& status) noexcept override {
     get(attribute, buffer, size, status);
   }
+  void setAttribute(uint32_t attribute, uint64_t, int32_t size, tStatus& status) noexcept override {
+    set(attribute, size, status);
+  }
 };
 
 class tScriptedMarten final
@@ -97,6 +109,9 @@ class tScriptedMarten final
   void getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
                     tStatus& status) noexcept override {
     get(attribute, buffer, size, status);
+  }
+  void setAttribute(uint32_t attribute, uint64_t, int32_t size, tStatus& status) noexcept override {
+    set(attribute, size, status);
   }
 };
 

@@ -8,7 +8,7 @@ class UnsignedReader : public ReadingTest {};
 TEST_F(UnsignedReader, OnAStatusInError_TouchesNothing) {
   zoerr::tOwnedStatus status;
   status.code = -1;
-  readUnsignedAttribute(sources(), 0x20000600, value, status);
+  readUnsignedAttribute(access(), 0x20000600, value, status);
   EXPECT_EQ(status.code, -1);
   EXPECT_EQ(value, 0xCAFEF00D);
 }
@@ -107,7 +107,7 @@ TEST_F(UnsignedReader, AskingTheController_PassesAnEarlierWarning) {
   controller.answerNumber(0x20044C00, 12);
   zoerr::tOwnedStatus status;
   status.code = 5;
-  readUnsignedAttribute(sources(), 0x20044C00, value, status);
+  readUnsignedAttribute(access(), 0x20044C00, value, status);
   EXPECT_EQ(status.code, 5);
   EXPECT_EQ(value, 12u);
   EXPECT_THAT(controller.questions, testing::ElementsAre(tQuestion{0x20044C00, 4, 5}));
