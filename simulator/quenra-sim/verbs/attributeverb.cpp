@@ -24,6 +24,9 @@ struct tArguments {
   std::optional<std::string> bytes;
 };
 
+// What the command line says; an action runs when it has been read.
+tArguments theArguments;
+
 // "01 02", "0102" or "01,02".
 std::vector<uint8_t> bytesOf(std::string text) {
   std::erase_if(text, [](char c) { return c == ' ' || c == ','; });
@@ -62,14 +65,28 @@ void addTarget(CLI::App* verb, tArguments& arguments) {
       ->required()
       ->transform(interfaceNames());
   verb->add_option("id", arguments.attribute,
-                   "The attribute's id as the library sends it, selector and instance included")
+                   "The attribute's id with its instance; the selector does not count")
       ->required();
+}
+
+// A verb that needs no more than the attribute.
+void addSwitch(CLI::App* verb, tAction& action, const char* name, const char* description,
+               void (tSimulatedMachine::*change)(tSimulatorInterface, uint32_t)) {
+  CLI::App* const switchVerb = verb->add_subcommand(name, description);
+  addTarget(switchVerb, theArguments);
+  switchVerb->callback([&action, change] {
+    action = [change] {
+      tSimulatedMachine machine;
+      (machine.*change)(static_cast<tSimulatorInterface>(theArguments.interfaceKind),
+                        theArguments.attribute);
+    };
+  });
 }
 
 }  // namespace
 
 void addAttribute(CLI::App& app, tAction& action) {
-  static tArguments arguments;
+  tArguments& arguments = theArguments;
   CLI::App* const verb =
       app.add_subcommand("attribute", "Change the attributes that the driver answers");
   verb->require_subcommand(1);
@@ -80,16 +97,13 @@ void addAttribute(CLI::App& app, tAction& action) {
   setVerb->add_option("--bytes", arguments.bytes, "Bytes in hexadecimal")
       ->excludes(number)
       ->excludes(text);
-  setVerb->callback([&action] { action = [] { set(arguments); }; });
-  CLI::App* const removeVerb =
-      verb->add_subcommand("remove", "Make the driver refuse an attribute");
-  addTarget(removeVerb, arguments);
-  removeVerb->callback([&action] {
-    action = [] {
-      tSimulatedMachine().removeAttribute(static_cast<tSimulatorInterface>(arguments.interfaceKind),
-                                          arguments.attribute);
-    };
-  });
+  setVerb->callback([&action] { action = [] { set(theArguments); }; });
+  addSwitch(verb, action, "remove", "Make the driver refuse an attribute",
+            &tSimulatedMachine::removeAttribute);
+  addSwitch(verb, action, "allow-writes", "Let the library write an attribute that has a value",
+            &tSimulatedMachine::allowWrites);
+  addSwitch(verb, action, "refuse-writes", "Make the driver refuse to write an attribute",
+            &tSimulatedMachine::refuseWrites);
 }
 
 }  // namespace nSimulator
