@@ -1,0 +1,115 @@
+"""quenra-sim as its users run it, seen through what quenra then finds."""
+
+import json
+import pathlib
+import tempfile
+import unittest
+
+from commandline import CommandLineTest, start
+
+
+class Simulator(CommandLineTest):
+    def sim(self, *words, exit_code=0):
+        result = start("QUENRA_SIM_EXE", words)
+        self.assertEqual(result.returncode, exit_code, (words, result))
+        return result
+
+    def status(self):
+        return json.loads(self.sim("status", "--json").stdout)
+
+    def log(self):
+        return json.loads(self.sim("log", "--json").stdout)["entries"]
+
+    def test_status_tells_what_is_present(self):
+        status = self.status()
+        self.assertEqual((status["controllers"], status["martens"], status["devicePaths"]), (1, 1, 1))
+        self.assertIn(b"Marten interfaces       1\n", self.sim("status").stdout)
+
+    def test_scenario_changes_presence_until_reset(self):
+        self.sim("scenario", "--martens", "0", "--device-paths", "0")
+        self.assertEqual(self.status()["martens"], 0)
+        self.quenra("get", "device-path", exit_code=4)
+        self.sim("reset")
+        self.assertEqual(self.status()["martens"], 1)
+        self.quenra("get", "device-path")
+
+    def test_table_from_a_file_is_handed_over(self):
+        with tempfile.TemporaryDirectory() as folder:
+            table = pathlib.Path(folder, "table.bin")
+            table.write_bytes(b"")
+            self.sim("scenario", "--table", f"Z:{table}")
+            self.assertEqual(self.status()["tableSize"], 0)
+            self.quenra("info", exit_code=4)
+            table.write_bytes(b"x" * 65537)
+            self.assertIn(b"more than 65536 bytes",
+                          self.sim("scenario", "--table", f"Z:{table}", exit_code=2).stderr)
+
+    def test_attribute_is_given_and_removed(self):
+        self.sim("attribute", "set", "controller", "0x20044C00", "--bytes", "04 03,0201")
+        self.assertEqual(self.quenra("get", "driver-setting-1").out, f"{0x01020304}\n")
+        self.sim("attribute", "remove", "controller", "0x20044C00")
+        self.quenra("get", "driver-setting-1", exit_code=3)
+
+    def test_answers_are_scripted_and_cleared(self):
+        self.sim("answer", "add", "controller", "exchange-values", "--code", "-1")
+        self.quenra("info", exit_code=1)
+        self.quenra("info")  # it was for one request
+        self.sim("answer", "add", "controller", "any", "--times", "0", "--windows-error", "5")
+        self.assertIn("QUENRA_STATUS_ACCESS_DENIED", self.quenra("info", exit_code=1).error)
+        self.sim("answer", "clear")
+        self.quenra("info")
+
+    def test_log_tells_what_came_and_can_be_cleared(self):
+        self.quenra("get", "driver-setting-1")
+        requests = [entry for entry in self.log() if entry["event"] == "request"]
+        self.assertEqual([entry["request"] for entry in requests],
+                         ["exchange-values", "exchange-values", "get-attribute"])
+        self.assertEqual(requests[2]["input"][:16], "004c042000000000")
+        lines = self.sim("log", "--clear").stdout.decode().splitlines()
+        self.assertIn("get-attribute attribute=0x20044C00", "\n".join(lines))
+        self.assertEqual(self.log(), [])
+
+    def test_wrong_usage_is_told(self):
+        for words in (
+            [],
+            ["frob"],
+            ["scenario"],
+            ["scenario", "--controllers", "3"],
+            ["scenario", "--table", "Z:/does/not/exist"],
+            ["attribute", "set", "controller", "0x20044C00"],
+            ["attribute", "set", "elsewhere", "0x20044C00", "--number", "1"],
+            ["attribute", "set", "controller", "0x20044C00", "--bytes", "0g"],
+            ["answer", "add", "controller"],
+            ["answer", "add", "controller", "any", "--windows-error", "0"],
+        ):
+            with self.subTest(words=words):
+                result = self.sim(*words, exit_code=2)
+                self.assertTrue(result.stderr.strip(), result)
+                self.assertEqual(result.stdout, b"")
+
+    def test_what_the_machine_refuses_is_told(self):
+        result = self.sim("attribute", "allow-writes", "controller", "0x70000000", exit_code=1)
+        self.assertIn(b"refused request 0x80A02430 with Windows error 87", result.stderr)
+
+    def test_every_verb_has_help(self):
+        for verb in ("install", "uninstall", "wait", "status", "reset", "scenario", "attribute",
+                     "answer", "log"):
+            self.assertIn(b"--help", self.sim(verb, "--help").stdout)
+
+    def test_installing_again_brings_the_default_machine(self):
+        self.sim("scenario", "--martens", "0")
+        self.sim("install")
+        self.assertEqual(self.status()["martens"], 1)
+
+    def test_without_the_machine_programs_say_so(self):
+        self.sim("uninstall")
+        try:
+            result = self.sim("status", exit_code=4)
+            self.assertIn(b"quenra-sim install", result.stderr)
+            self.quenra("info", exit_code=4)
+        finally:
+            self.sim("install")
+
+
+if __name__ == "__main__":
+    unittest.main()
