@@ -5,12 +5,13 @@
 
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"
+#include "zoapal/protons/status/exception.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {
 
 // Runs what an export does. Nothing that is thrown inside leaves it: short memory becomes
-// kOutOfMemory, anything else kInternalError.
+// kOutOfMemory, an exception that carries a status that status, anything else kInternalError.
 template <class Operation>
 void runWithoutThrowing(zoerr::Status& status, Operation operation) noexcept {
   constexpr auto kMemoryShort = sessionLocation(1701);
@@ -19,6 +20,8 @@ void runWithoutThrowing(zoerr::Status& status, Operation operation) noexcept {
     operation();
   } catch (const std::bad_alloc&) {
     status.set(kOutOfMemory, kMemoryShort);
+  } catch (const zoerr::ExceptionBase& exception) {
+    status.mergeFrom(exception.status());
   } catch (...) {
     status.set(nZOAPALS100::kInternalError, kUnforeseen);
   }

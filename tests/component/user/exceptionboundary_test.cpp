@@ -21,6 +21,15 @@ TEST(ExceptionBoundary, ShortMemory_BecomesOutOfMemory) {
   EXPECT_EQ(status.code, -26933);
 }
 
+TEST(ExceptionBoundary, ExceptionWithAStatus_IsThatStatus) {
+  zoerr::tOwnedStatus raised;
+  raised.set(-77, {"file", 5});
+  zoerr::tOwnedStatus status;
+  runWithoutThrowing(status, [&raised] { throw zoerr::Exception(raised); });
+  EXPECT_EQ(status.code, -77);
+  EXPECT_STREQ(status.description, R"({"file":"file","line":5,"component":"quenra"})");
+}
+
 TEST(ExceptionBoundary, AnythingElse_BecomesInternalError) {
   zoerr::tOwnedStatus status;
   runWithoutThrowing(status, [] { throw std::runtime_error("unforeseen"); });

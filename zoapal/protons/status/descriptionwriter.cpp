@@ -144,10 +144,22 @@ char* writeKey(const tRoom& room, std::string_view key) noexcept {
 
 }  // namespace
 
-void resetDescription(char* buffer, uint32_t capacity) noexcept {
-  std::memset(buffer, 0, capacity);
-  std::memcpy(buffer, kEmptyDescription.data(), kEmptyDescription.size());
+std::string_view descriptionText(const char* buffer, uint32_t capacity) noexcept {
+  if (buffer == nullptr || capacity == 0) {
+    return {};
+  }
+  const size_t length = strnlen(buffer, capacity - 1);
+  return length == capacity - 1 ? std::string_view() : std::string_view(buffer, length);
+}
+
+void replaceDescription(char* buffer, uint32_t capacity, std::string_view text) noexcept {
+  std::memcpy(buffer, text.data(), text.size());
+  std::memset(buffer + text.size(), 0, capacity - text.size());
   buffer[capacity - 1] = kDescriptionMarker;
+}
+
+void resetDescription(char* buffer, uint32_t capacity) noexcept {
+  replaceDescription(buffer, capacity, kEmptyDescription);
 }
 
 tAppendResult appendText(char* buffer, uint32_t capacity, std::string_view key,

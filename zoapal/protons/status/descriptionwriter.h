@@ -21,6 +21,13 @@ enum class tAppendResult {
   unusable,  // the buffer holds no such text; nothing can be appended
 };
 
+// The text that a buffer holds; empty when it has no NUL before its last byte. Never looks beyond the
+// capacity. The text need not be sound: it is copied as it is.
+[[nodiscard]] std::string_view descriptionText(const char* buffer, uint32_t capacity) noexcept;
+
+// Makes the buffer hold this text, which leaves room for its NUL and the marker.
+void replaceDescription(char* buffer, uint32_t capacity, std::string_view text) noexcept;
+
 // Makes the buffer hold "{}". `capacity` is at least kSmallestDescription bytes.
 void resetDescription(char* buffer, uint32_t capacity) noexcept;
 

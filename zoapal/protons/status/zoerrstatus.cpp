@@ -91,6 +91,25 @@ bool Status::mergeFrom(const tStatus& source) noexcept {
          (ensureCapacity(kCapacityForLocation) && appendTextMember("component", source.component));
 }
 
+bool Status::mergeFrom(const Status& source) noexcept {
+  if (!nZOAPALS100::replacesCode(code, source.code)) {
+    return true;
+  }
+  code = source.code;
+  resetExistingDescription();
+  const std::string_view text = descriptionText(source.description, source.capacity);
+  if (text.empty()) {
+    return true;
+  }
+  // The text's NUL and the marker need room as well.
+  const auto needed = static_cast<uint32_t>(text.size() + 2);
+  if (!ensureCapacity(needed) || capacity < needed) {
+    return false;
+  }
+  replaceDescription(description, capacity, text);
+  return true;
+}
+
 void Status::clear() noexcept {
   code = 0;
   releaseDescription();

@@ -40,6 +40,10 @@ struct Status {
   // it has one. False only when memory for the description was short; the code is stored even then.
   bool mergeFrom(const nZOAPALS100::tStatus& source) noexcept;
 
+  // The same for another status of this kind: the description becomes a copy of its text, in this
+  // status's own memory. Where it has none, an existing one becomes empty.
+  bool mergeFrom(const Status& source) noexcept;
+
   // Back to success, without a description.
   void clear() noexcept;
 

@@ -6,6 +6,7 @@
 
 #include "tests/component/protons/status/descriptiontext.h"
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
+#include "zoapal/protons/status/exception.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nTests {
@@ -49,6 +50,16 @@ TEST(ShortMemory, SetWhileGrowing_LeavesWhatFits) {
   }
   EXPECT_EQ(status.code, -3);
   EXPECT_EQ(descriptionOf(status), "{}");
+}
+
+TEST(ShortMemory, CopiedException_KeepsItsCodeAlone) {
+  tOwnedStatus status;
+  ASSERT_TRUE(status.set(-3, {"file", 1}));
+  const zoerr::Exception exception(status);
+  const tShortMemory shortMemory(1);
+  const zoerr::Exception copy(exception);
+  EXPECT_EQ(copy.status().code, -3);
+  EXPECT_EQ(copy.status().description, nullptr);
 }
 
 TEST(ShortMemory, MergeFrom_TellsSoAndKeepsTheCode) {
