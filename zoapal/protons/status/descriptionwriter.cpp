@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <optional>
 
 namespace zoerr {
@@ -142,6 +144,16 @@ char* writeKey(const tRoom& room, std::string_view key) noexcept {
   return to;
 }
 
+// A value that needs no quotes.
+tAppendResult appendLiteral(char* buffer, uint32_t capacity, std::string_view key,
+                            std::string_view literal) noexcept {
+  const tRoom room = makeRoom(buffer, capacity, key, literal.size());
+  if (room.result == tAppendResult::appended) {
+    literal.copy(writeKey(room, key), literal.size());
+  }
+  return room.result;
+}
+
 }  // namespace
 
 std::string_view descriptionText(const char* buffer, uint32_t capacity) noexcept {
@@ -174,13 +186,36 @@ tAppendResult appendText(char* buffer, uint32_t capacity, std::string_view key,
 tAppendResult appendInteger(char* buffer, uint32_t capacity, std::string_view key,
                             int32_t value) noexcept {
   std::array<char, 11> digits;  // "-2147483648"
-  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-  const std::string_view text(digits.data(), static_cast<size_t>(end - digits.data()));
-  const tRoom room = makeRoom(buffer, capacity, key, text.size());
-  if (room.result == tAppendResult::appended) {
-    text.copy(writeKey(room, key), text.size());
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  return appendLiteral(buffer, capacity, key, {digits.data(), end.ptr});
+}
+
+tAppendResult appendUnsigned(char* buffer, uint32_t capacity, std::string_view key,
+                             uint64_t value) noexcept {
+  std::array<char, 20> digits;  // "18446744073709551615"
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  return appendLiteral(buffer, capacity, key, {digits.data(), end.ptr});
+}
+
+tAppendResult appendReal(char* buffer, uint32_t capacity, std::string_view key,
+                         double value) noexcept {
+  if (!std::isfinite(value)) {
+    return appendNull(buffer, capacity, key);
   }
-  return room.result;
+  // A sign, the digits of the largest number, the point and one decimal.
+  std::array<char, std::numeric_limits<double>::max_exponent10 + 4> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
+                                 std::chars_format::fixed, 1);
+  return appendLiteral(buffer, capacity, key, {digits.data(), end.ptr});
+}
+
+tAppendResult appendBoolean(char* buffer, uint32_t capacity, std::string_view key,
+                            bool value) noexcept {
+  return appendLiteral(buffer, capacity, key, value ? "true" : "false");
+}
+
+tAppendResult appendNull(char* buffer, uint32_t capacity, std::string_view key) noexcept {
+  return appendLiteral(buffer, capacity, key, "null");
 }
 
 }  // namespace zoerr

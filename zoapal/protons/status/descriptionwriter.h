@@ -31,12 +31,21 @@ void replaceDescription(char* buffer, uint32_t capacity, std::string_view text) 
 // Makes the buffer hold "{}". `capacity` is at least kSmallestDescription bytes.
 void resetDescription(char* buffer, uint32_t capacity) noexcept;
 
-// Appends a member to the object, or an element to the array, at the top level of the text. Values
-// are escaped; bytes from 128 on are copied as they are.
+// Append a member to the object, or an element to the array, at the top level of the text. Texts are
+// escaped; their bytes from 128 on are copied as they are. A real number has one decimal, whatever the
+// process's locale; one that is not finite is null.
 [[nodiscard]] tAppendResult appendText(char* buffer, uint32_t capacity, std::string_view key,
                                        std::string_view value) noexcept;
 [[nodiscard]] tAppendResult appendInteger(char* buffer, uint32_t capacity, std::string_view key,
                                           int32_t value) noexcept;
+[[nodiscard]] tAppendResult appendUnsigned(char* buffer, uint32_t capacity, std::string_view key,
+                                           uint64_t value) noexcept;
+[[nodiscard]] tAppendResult appendReal(char* buffer, uint32_t capacity, std::string_view key,
+                                       double value) noexcept;
+[[nodiscard]] tAppendResult appendBoolean(char* buffer, uint32_t capacity, std::string_view key,
+                                          bool value) noexcept;
+[[nodiscard]] tAppendResult appendNull(char* buffer, uint32_t capacity,
+                                       std::string_view key) noexcept;
 
 }  // namespace zoerr
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <limits>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -226,6 +227,87 @@ TEST_P(ExactRoom, EscapesCountAsWritten) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, ExactRoom, testing::Values("{}", R"({"a":1})"));
+
+// ---- Numbers and names ----
+
+using tAppendValue = tAppendResult (*)(char* buffer, uint32_t capacity, std::string_view key);
+struct tLiteral {
+  tAppendValue append;
+  std::string_view written;
+};
+std::ostream& operator<<(std::ostream& out, const tLiteral& literal) {
+  return out << literal.written;
+}
+
+template <uint64_t value>
+tAppendResult unsignedNumber(char* buffer, uint32_t capacity, std::string_view key) {
+  return zoerr::appendUnsigned(buffer, capacity, key, value);
+}
+template <int64_t thousandths>
+tAppendResult realNumber(char* buffer, uint32_t capacity, std::string_view key) {
+  return zoerr::appendReal(buffer, capacity, key, static_cast<double>(thousandths) / 1000);
+}
+template <bool value>
+tAppendResult boolean(char* buffer, uint32_t capacity, std::string_view key) {
+  return zoerr::appendBoolean(buffer, capacity, key, value);
+}
+
+class Literal : public testing::TestWithParam<tLiteral> {};
+
+TEST_P(Literal, IsWrittenWithoutQuotes) {
+  const tLiteral literal = GetParam();
+  std::vector<char> buffer(512);
+  zoerr::resetDescription(buffer.data(), 512);
+  EXPECT_EQ(literal.append(buffer.data(), 512, "k"), tAppendResult::appended);
+  EXPECT_EQ(buffer.data(), "{\"k\":" + std::string(literal.written) + "}");
+  EXPECT_TRUE(isJson(buffer.data()));
+}
+
+TEST_P(Literal, NeedsExactlyItsRoom) {
+  const tLiteral literal = GetParam();
+  const std::string after = "{\"k\":" + std::string(literal.written) + "}";
+  const auto enough = static_cast<uint32_t>(after.size() + 2);
+  std::vector<char> buffer(enough);
+  zoerr::resetDescription(buffer.data(), enough);
+  EXPECT_EQ(literal.append(buffer.data(), enough, "k"), tAppendResult::appended);
+  EXPECT_EQ(buffer.data(), after);
+  EXPECT_EQ(buffer.back(), 'J');
+  std::vector<char> small(enough - 1);
+  zoerr::resetDescription(small.data(), enough - 1);
+  EXPECT_EQ(literal.append(small.data(), enough - 1, "k"), tAppendResult::noRoom);
+  EXPECT_STREQ(small.data(), "{}");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, Literal,
+    testing::Values(tLiteral{&unsignedNumber<0>, "0"},
+                    tLiteral{&unsignedNumber<UINT64_MAX>, "18446744073709551615"},
+                    tLiteral{&realNumber<0>, "0.0"}, tLiteral{&realNumber<1500>, "1.5"},
+                    tLiteral{&realNumber<-1500>, "-1.5"}, tLiteral{&realNumber<-40>, "-0.0"},
+                    tLiteral{&realNumber<99960>, "100.0"}, tLiteral{&boolean<true>, "true"},
+                    tLiteral{&boolean<false>, "false"}, tLiteral{&zoerr::appendNull, "null"}));
+
+TEST(DescriptionWriter, LargestRealNumber_HasRoom) {
+  std::vector<char> buffer(512);
+  zoerr::resetDescription(buffer.data(), 512);
+  const double lowest = std::numeric_limits<double>::lowest();
+  EXPECT_EQ(zoerr::appendReal(buffer.data(), 512, "k", lowest), tAppendResult::appended);
+  const std::string text = buffer.data();
+  EXPECT_EQ(text.size(), std::string_view("{\"k\":-.0}").size() + 309);
+  EXPECT_TRUE(text.starts_with("{\"k\":-17976931348623157"));
+  EXPECT_TRUE(isJson(text));
+}
+
+TEST(DescriptionWriter, RealNumberThatIsNotFinite_IsNull) {
+  for (const double value :
+       {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+        std::numeric_limits<double>::quiet_NaN()}) {
+    std::vector<char> buffer(512);
+    zoerr::resetDescription(buffer.data(), 512);
+    EXPECT_EQ(zoerr::appendReal(buffer.data(), 512, "k", value), tAppendResult::appended);
+    EXPECT_STREQ(buffer.data(), R"({"k":null})");
+  }
+}
 
 TEST(DescriptionWriter, StrayByteInTheFreeRoom_EndsTheRoom) {
   tBuffer buffer("{}", 64);
