@@ -1,0 +1,42 @@
+#include "tests/component/protons/trace/debuggerlistener.h"
+#include "tests/fakewindows/fakewindowstest.h"
+#include "zoapal/protons/trace/tconsoletracedestination.h"
+#include "zoapal/protons/trace/ttrace.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::faultPlan;
+using nFakeWindows::tCall;
+using nQUENRA1400::nZOAPAL000::tConsoleTraceDestination;
+using nQUENRA1400::nZOAPAL000::tTrace;
+
+using TraceFault = nFakeWindows::FakeWindowsTest;
+
+TEST_F(TraceFault, LockThatCannotBeMade_IsToldAndTheTraceStaysSilent) {
+  tDebuggerListener listener;
+  tConsoleTraceDestination destination;
+  nZOAPALS100::tStatus status;
+  faultPlan().failCall(tCall::initializeCriticalSectionEx, 1, ERROR_NOT_ENOUGH_MEMORY);
+  {
+    tTrace trace(destination, status);
+    EXPECT_EQ(status.code, -52000);
+    trace.write("one");
+    trace.writeCounted("two", 3);
+  }
+  EXPECT_EQ(listener.take(), std::vector<std::string>());
+}
+
+TEST_F(TraceFault, TraceThatEnds_LeavesNoLockBehind) {
+  tConsoleTraceDestination destination;
+  nZOAPALS100::tStatus status;
+  const int before = nFakeWindows::criticalSections();
+  {
+    const tTrace trace(destination, status);
+    EXPECT_EQ(nFakeWindows::criticalSections(), before + 1);
+  }
+  EXPECT_EQ(nFakeWindows::criticalSections(), before);
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,32 @@
+#ifndef ZOAPAL_PROTONS_TRACE_TTRACE_H
+#define ZOAPAL_PROTONS_TRACE_TTRACE_H
+
+#include "zoapal/protons/synchronization/windowsu/tcriticalsection.h"
+#include "zoapal/protons/trace/itracedestination.h"
+
+namespace nQUENRA1400::nZOAPAL000 {
+
+// Forwards diagnostic text to one destination, one text at a time. The destination is the caller's
+// and outlives the trace.
+class tTrace {
+ public:
+  // When the lock cannot be made, the status receives its failure and the trace stays silent.
+  tTrace(iTraceDestination& destination, nZOAPALS100::tStatus& status) noexcept;
+  tTrace(const tTrace&) = delete;
+  tTrace& operator=(const tTrace&) = delete;
+  ~tTrace();
+
+  void write(const char* text) noexcept;
+  void writeCounted(const char* text, uint64_t length) noexcept;
+
+ private:
+  template <class Write>
+  void forward(Write write) noexcept;
+
+  iTraceDestination* destination_;
+  tCriticalSection lock_;  // guards what is behind destination_
+};
+
+}  // namespace nQUENRA1400::nZOAPAL000
+
+#endif
