@@ -4,6 +4,7 @@
 
 #include "simulator/model/attributes.h"
 #include "simulator/model/model.h"
+#include "simulator/model/pendinglist.h"
 #include "simulator/model/requestlog.h"
 #include "simulator/model/scripts.h"
 #include "simulator/model/smbioshandover.h"
@@ -15,6 +16,7 @@ struct tModel {
   tSmbiosHandover handover;
   tAttributeStore attributes;
   tScriptList scripts;
+  tPendingList pending;
   tRequestLog log;
 };
 

@@ -21,6 +21,8 @@ constexpr const char* kNames[kCalls] = {
     "GetOverlappedResult",
     "CancelIoEx",
     "WaitForSingleObject",
+    "WaitForMultipleObjects",
+    "_beginthreadex",
     "CloseHandle",
     "InitializeCriticalSectionEx",
     "GetSystemFirmwareTable",

@@ -25,6 +25,8 @@ enum class tCall : uint8_t {
   getOverlappedResult,
   cancelIoEx,
   waitForSingleObject,
+  waitForMultipleObjects,
+  beginThread,
   closeHandle,
   initializeCriticalSectionEx,
   getSystemFirmwareTable,

@@ -9,19 +9,6 @@ using namespace nFakeWindows;
 
 namespace {
 
-constexpr DWORD kStatusPending = 0x103;
-constexpr DWORD kStatusCancelled = 0xC0000120;
-// The status of a request that failed with a Windows error: the error, marked as one.
-constexpr DWORD kErrorMark = 0xC0070000;
-
-DWORD statusOf(DWORD error) {
-  return error == 0 ? 0 : kErrorMark | error;
-}
-
-DWORD errorOf(DWORD status) {
-  return status == kStatusCancelled ? ERROR_OPERATION_ABORTED : status & 0xFFFF;
-}
-
 struct tOutcome {
   DWORD error;
   DWORD bytes;
@@ -30,11 +17,11 @@ struct tOutcome {
 // A device request. As with the system's buffered method, the driver works on a copy of the input,
 // and the caller receives as many bytes as the driver says.
 tOutcome carryOut(const tModelFile& file, DWORD code, const void* in, DWORD inSize, void* out,
-                  DWORD outSize) {
+                  DWORD outSize, const OVERLAPPED* overlapped) {
   std::vector<uint8_t> buffer(std::max(inSize, outSize));
   std::copy_n(static_cast<const uint8_t*>(in), inSize, buffer.begin());
-  const tModelReply reply =
-      machine().request({file, code, buffer.data(), inSize, buffer.data(), outSize});
+  const tModelReply reply = machine().request({file, code, buffer.data(), inSize, buffer.data(),
+                                               outSize, reinterpret_cast<uintptr_t>(overlapped)});
   std::copy_n(buffer.begin(), reply.size, static_cast<uint8_t*>(out));
   return {reply.windowsError, reply.size};
 }
@@ -78,8 +65,10 @@ BOOL transfer(tCall call, HANDLE handle, DWORD* bytes, OVERLAPPED* overlapped, W
   }
   const auto finish = [=](const tModelFile& on) {
     const tOutcome outcome = plannedError != 0 ? tOutcome{plannedError, 0} : work(on);
-    const std::lock_guard lock(objects().mutex);
-    objects().complete(*overlapped, statusOf(outcome.error), outcome.bytes);
+    if (outcome.error != ERROR_IO_PENDING) {
+      const std::lock_guard lock(objects().mutex);
+      objects().complete(*overlapped, outcome.error, outcome.bytes);
+    }
     return outcome;
   };
   if (completion == tCompletion::atOnce) {
@@ -134,7 +123,7 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, 
     return FALSE;
   }
   return transfer(tCall::deviceIoControl, handle, bytes, overlapped, [=](const tModelFile& file) {
-    return carryOut(file, code, in, inSize, out, outSize);
+    return carryOut(file, code, in, inSize, out, outSize, overlapped);
   });
 }
 
@@ -174,7 +163,7 @@ BOOL WINAPI GetOverlappedResult(HANDLE, LPOVERLAPPED overlapped, LPDWORD bytes, 
   *bytes = static_cast<DWORD>(overlapped->InternalHigh);
   const auto status = static_cast<DWORD>(overlapped->Internal);
   if (status != 0) {
-    SetLastError(errorOf(status));
+    SetLastError(errorOfStatus(status));
   }
   return status == 0;
 }
@@ -187,36 +176,53 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
     SetLastError(*error);
     return FALSE;
   }
+  // What the machine keeps pending ...
+  const bool cancelled = machine().cancel(reinterpret_cast<uintptr_t>(overlapped));
   const std::lock_guard lock(objects().mutex);
-  tFile* const file = objects().find<tFile>(handle);
-  expectUsual(file != nullptr, kCall, "not a file, or one that was closed");
-  // A request that another thread is about to complete is too far gone to be cancelled.
-  if (faultPlan().completion() != tCompletion::never || overlapped->Internal != kStatusPending) {
+  expectUsual(objects().find<tFile>(handle) != nullptr, kCall,
+              "not a file, or one that was closed");
+  // ... and what never reached it. A request that another thread is about to complete is too far
+  // gone.
+  const bool neverSent =
+      faultPlan().completion() == tCompletion::never && overlapped->Internal == kStatusPending;
+  if (!cancelled && !neverSent) {
     SetLastError(ERROR_NOT_FOUND);
     return FALSE;
   }
-  objects().complete(*overlapped, kStatusCancelled, 0);
+  objects().complete(*overlapped, ERROR_OPERATION_ABORTED, 0);
   return TRUE;
 }
 
+namespace {
+
+std::optional<tModelFile> fileBehind(HANDLE handle) {
+  const std::lock_guard lock(objects().mutex);
+  const tFile* const file = objects().find<tFile>(handle);
+  return file == nullptr ? std::nullopt : std::optional(file->file);
+}
+
+void closeObject(HANDLE handle) {
+  const std::lock_guard lock(objects().mutex);
+  const tFile* const file = objects().find<tFile>(handle);
+  expectUsual(file == nullptr || file->pending.empty(), tCall::closeHandle,
+              "a file with a request under way that nobody ends");
+  expectUsual(file != nullptr || objects().isSignalled(handle).has_value(), tCall::closeHandle,
+              "not an object that is closed this way, or closed already");
+  static_cast<void>(objects().remove(handle));
+}
+
+}  // namespace
+
 BOOL WINAPI CloseHandle(HANDLE handle) {
   const tInside inside;
-  constexpr auto kCall = tCall::closeHandle;
-  std::optional<tModelFile> closed;
-  bool known = false;
-  {
-    const std::lock_guard lock(objects().mutex);
-    if (tFile* const file = objects().find<tFile>(handle)) {
-      expectUsual(file->pending.empty(), kCall, "a file with a request under way");
-      closed = file->file;
-    }
-    known = objects().find<tEvent>(handle) != nullptr || closed;
-    expectUsual(known, kCall, "neither an event nor a file, or closed already");
-    static_cast<void>(objects().remove(handle));
+  const std::optional<tModelFile> file = fileBehind(handle);
+  static_cast<void>(faultPlan().enter(tCall::closeHandle, file ? "file" : "object"));
+  if (file) {
+    machine().cleanUp(*file);
   }
-  static_cast<void>(faultPlan().enter(kCall, closed ? "file" : "event"));
-  if (closed) {
-    machine().close(*closed);
+  closeObject(handle);
+  if (file) {
+    machine().close(*file);
   }
   return TRUE;
 }

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <variant>
@@ -21,6 +22,9 @@ struct tEvent {
   bool manualReset;
   bool signalled;
 };
+struct tThread {
+  bool ended;
+};
 struct tFile {
   tModelFile file;
   bool overlapped;
@@ -30,11 +34,15 @@ struct tDeviceInformationSet {
   std::vector<tDeviceInterface> interfaces;
 };
 
+// What an OVERLAPPED says of its request.
+inline constexpr DWORD kStatusPending = 0x103;
+[[nodiscard]] DWORD errorOfStatus(DWORD status) noexcept;
+
 // Everything that has a handle, under one lock. Handles are never used twice, so that one that is
 // used after its end is noticed.
 class tObjects {
  public:
-  using tObject = std::variant<tEvent, tFile, tDeviceInformationSet>;
+  using tObject = std::variant<tEvent, tThread, tFile, tDeviceInformationSet>;
 
   // Guards all members below, and what they give access to.
   std::mutex mutex;
@@ -53,10 +61,16 @@ class tObjects {
   // One line for each thing that is open.
   [[nodiscard]] std::vector<std::string> open();
 
-  // Completes the request behind an OVERLAPPED. With the lock held.
-  void complete(OVERLAPPED& overlapped, DWORD status, DWORD bytes);
+  // An event, or a thread; null when the handle is neither. With the lock held.
+  [[nodiscard]] std::optional<bool> isSignalled(HANDLE handle);
 
-  // Threads that complete requests; joined by waitForThreads().
+  // False when the handle is no event. Takes the lock.
+  [[nodiscard]] bool signal(HANDLE handle);
+
+  // Completes the request behind an OVERLAPPED. With the lock held.
+  void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes);
+
+  // Threads that the library started or that complete requests; joined by waitForThreads().
   void addThread(std::thread thread);
   void waitForThreads();
 
