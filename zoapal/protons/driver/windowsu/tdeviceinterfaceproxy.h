@@ -7,14 +7,17 @@
 
 #include "zoapal/protons/driver/iinterfaceproxy.h"
 #include "zoapal/protons/driver/tdevicepath.h"
+#include "zoapal/protons/driver/windowsu/tpendingrequest.h"
+#include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 
 // The library's one channel to the kernel driver: an open handle on one device interface.
 //
-// Failures arrive as mapped Windows errors, located at "tdeviceinterfaceproxy". deviceControl, read
-// and write may overlap on one proxy; open and close may not overlap anything.
+// Failures arrive as mapped Windows errors, located at "tdeviceinterfaceproxy". deviceControl, read,
+// write and the beginning and ending of pending requests may overlap on one proxy; open and close may
+// not overlap any of these. Closing cancels the requests that are still pending.
 class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
  public:
   tDeviceInterfaceProxy() = default;
@@ -31,15 +34,13 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
   uint32_t read(void* buffer, uint32_t size, nZOAPALS100::tStatus& status) noexcept override;
   uint32_t write(const void* buffer, uint32_t size, nZOAPALS100::tStatus& status) noexcept override;
 
- private:
-  // The source lines of the two ways in which a transfer fails.
-  struct tTransferLines {
-    uint32_t afterWaiting;
-    uint32_t afterTheCall;
-  };
+  uint64_t beginPendingRequest(uint16_t a, uint64_t b, uint8_t c, tPendingRequest& request,
+                               nZOAPALS100::tStatus& status) noexcept override;
+  void endPendingRequest(tPendingRequest& request) noexcept override;
 
-  template <class Start>
-  uint32_t transfer(Start start, tTransferLines lines, nZOAPALS100::tStatus& status) noexcept;
+ private:
+  template <class Transfer>
+  uint32_t transfer(tTransferLines lines, nZOAPALS100::tStatus& status, Transfer carryOut) noexcept;
 
   tUniqueFile file_;
   tUniqueEvent event_;  // manual-reset; signalled when a transfer ends

@@ -40,17 +40,19 @@ class tUniqueHandle {
   tHandle handle_ = Policy::none();
 };
 
-struct tEventPolicy {
+// Events and threads.
+struct tObjectPolicy {
   using tHandle = HANDLE;
   static tHandle none() noexcept { return nullptr; }
   static void close(tHandle handle) noexcept { CloseHandle(handle); }
 };
 
-struct tFilePolicy : tEventPolicy {
+struct tFilePolicy : tObjectPolicy {
   static tHandle none() noexcept { return INVALID_HANDLE_VALUE; }
 };
 
-using tUniqueEvent = tUniqueHandle<tEventPolicy>;
+using tUniqueEvent = tUniqueHandle<tObjectPolicy>;
+using tUniqueThread = tUniqueHandle<tObjectPolicy>;
 using tUniqueFile = tUniqueHandle<tFilePolicy>;
 
 }  // namespace nQUENRA1400::nZOAPAL000
