@@ -62,6 +62,17 @@ class Simulator(CommandLineTest):
             self.assertIn(b"more than 65536 bytes",
                           self.sim("scenario", "--table", f"Z:{table}", exit_code=2).stderr)
 
+    def test_structures_of_the_table_can_be_changed(self):
+        size = self.status()["tableSize"]
+        self.assertEqual(self.quenra("get", "0x2004B000").out, "1\n")
+        self.sim("scenario", "--structure-byte", "0x9D/4=7", "--structure-byte", "158/5=0x0")
+        self.assertEqual(self.quenra("get", "0x2004B000").out, "7\n")
+        self.assertEqual(self.status()["tableSize"], size)
+        self.sim("scenario", "--without-structure", "0x9D")
+        self.quenra("get", "0x2004B000", exit_code=3)
+        self.assertLess(self.status()["tableSize"], size)
+        self.sim("scenario", "--without-structure", "0x9D", exit_code=2)
+
     def test_attribute_is_given_and_removed(self):
         self.sim("attribute", "set", "controller", "0x20044C00", "--bytes", "04 03,0201")
         self.assertEqual(self.quenra("get", "driver-setting-1").out, f"{0x01020304}\n")
@@ -121,6 +132,12 @@ class Simulator(CommandLineTest):
             ["scenario"],
             ["scenario", "--controllers", "3"],
             ["scenario", "--table", "Z:/does/not/exist"],
+            ["scenario", "--structure-byte", "0x9D"],
+            ["scenario", "--structure-byte", "0x9D/4=256"],
+            ["scenario", "--structure-byte", "0x9D/-1=0"],
+            ["scenario", "--structure-byte", "0x9D/6=0"],
+            ["scenario", "--structure-byte", "0xF0/4=0"],
+            ["scenario", "--without-structure", "256"],
             ["attribute", "set", "controller", "0x20044C00"],
             ["attribute", "set", "elsewhere", "0x20044C00", "--number", "1"],
             ["attribute", "set", "controller", "0x20044C00", "--bytes", "0g"],
