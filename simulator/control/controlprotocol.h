@@ -4,6 +4,7 @@
 #define SIMULATOR_CONTROL_CONTROLPROTOCOL_H
 
 #include "protocol/interfaceclasses.h"
+#include "protocol/notificationrequests.h"
 #include "protocol/requestcodes.h"
 
 /* {6F1A2C54-0B7D-4C1E-9E43-5D2B8F60A7C1} */
@@ -56,6 +57,8 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 #define SIMULATOR_READ_PENDING SIMULATOR_CONTROL_CODE(0x922)
 /* In: tSimulatorCompletion. Completes pending requests from the machine's side. */
 #define SIMULATOR_COMPLETE_PENDING SIMULATOR_CONTROL_CODE(0x923)
+/* In: tSimulatorNotice. Tells everybody who is registered for one of its events. */
+#define SIMULATOR_NOTIFY SIMULATOR_CONTROL_CODE(0x924)
 
 enum {
   SIMULATOR_TABLE_CAPACITY = 65536,
@@ -65,6 +68,7 @@ enum {
   SIMULATOR_SCRIPT_CAPACITY = 32,
   SIMULATOR_LOG_CAPACITY = 1024,
   SIMULATOR_PENDING_CAPACITY = 64,
+  SIMULATOR_NOTIFICATION_CAPACITY = 64,
   SIMULATOR_INPUT_CAPACITY = 64,
   SIMULATOR_OUTPUT_CAPACITY = 48
 };
@@ -149,6 +153,15 @@ typedef struct tSimulatorPendingRequest {
   uint8_t padding;
 } tSimulatorPendingRequest;
 PROTOCOL_SIZE(tSimulatorPendingRequest, 40);
+
+typedef struct tSimulatorNotice {
+  uint64_t file;         /* as in the log; 0: all */
+  uint64_t notification; /* 0: as registered; else a lie */
+  uint32_t mask;
+  uint32_t payloadSize; /* as it is told, which may be more than there is */
+  uint8_t payload[NOTIFICATION_PAYLOAD_CAPACITY];
+} tSimulatorNotice;
+PROTOCOL_SIZE(tSimulatorNotice, 56);
 
 typedef struct tSimulatorCompletion {
   uint64_t handle;       /* 0: all that are waiting to be accepted */

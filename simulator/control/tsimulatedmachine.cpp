@@ -185,6 +185,10 @@ void tSimulatedMachine::completePending(uint64_t handle, uint32_t windowsError) 
   command(SIMULATOR_COMPLETE_PENDING, bytesOf(completion));
 }
 
+void tSimulatedMachine::notify(const tSimulatorNotice& notice) {
+  command(SIMULATOR_NOTIFY, bytesOf(notice));
+}
+
 std::vector<tSimulatorLogEntry> tSimulatedMachine::log(uint64_t from) {
   std::vector<tSimulatorLogEntry> entries(SIMULATOR_LOG_CAPACITY);
   const uint32_t bytes =

@@ -61,6 +61,7 @@ NTSTATUS statusOfWindowsError(uint32_t windowsError);
 uint64_t tokenOf(const IRP* irp);
 /* Returns STATUS_PENDING; the IRP may be over by then. */
 NTSTATUS keepPending(IRP* irp);
-void completePendingIrp(void* context, uint64_t token, uint32_t windowsError);
+void completePendingIrp(void* context, uint64_t token, uint32_t windowsError, const void* output,
+                        uint32_t size);
 
 #endif

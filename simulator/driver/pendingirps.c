@@ -36,9 +36,14 @@ NTSTATUS keepPending(IRP* irp) {
   return STATUS_PENDING;
 }
 
-void completePendingIrp(void* context, uint64_t token, uint32_t windowsError) {
+void completePendingIrp(void* context, uint64_t token, uint32_t windowsError, const void* output,
+                        uint32_t size) {
   (void)context;
-  if (takeOver(irpOf(token))) {
-    completeIrp(irpOf(token), statusOfWindowsError(windowsError), 0);
+  IRP* irp = irpOf(token);
+  if (takeOver(irp)) {
+    if (size != 0) {
+      RtlCopyMemory(irp->AssociatedIrp.SystemBuffer, output, size);
+    }
+    completeIrp(irp, statusOfWindowsError(windowsError), size);
   }
 }

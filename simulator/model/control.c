@@ -4,6 +4,7 @@
 
 #include "simulator/model/bytes.h"
 #include "simulator/model/defaultmachine.h"
+#include "simulator/model/notifications.h"
 #include "simulator/model/pendingrequests.h"
 #include "simulator/model/windowserrors.h"
 
@@ -53,6 +54,7 @@ void resetMachine(tModel* model) {
   makeDefaultMachine(model);
   scriptsClear(&model->scripts);
   abortAllPending(model);
+  abortAllNotifications(model);
   pendingClear(&model->pending);
   logClear(&model->log);
 }
@@ -237,6 +239,14 @@ static tModelReply completeOne(tModel* model, const tModelRequest* request) {
              : failed(kWindowsErrorNotFound);
 }
 
+static tModelReply tell(tModel* model, const tModelRequest* request) {
+  tSimulatorNotice notice;
+  if (!readInput(request, &notice, sizeof(notice))) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return notify(model, &notice) != 0 ? done() : failed(kWindowsErrorNotFound);
+}
+
 typedef struct tControlRequest {
   uint32_t code;
   tModelReply (*carryOut)(tModel* model, const tModelRequest* request);
@@ -261,6 +271,7 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_ACCEPT_PENDING, acceptWaiting},
     {SIMULATOR_READ_PENDING, readPending},
     {SIMULATOR_COMPLETE_PENDING, completeOne},
+    {SIMULATOR_NOTIFY, tell},
 };
 
 tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {

@@ -4,6 +4,7 @@
 #include "simulator/model/control.h"
 #include "simulator/model/defaultmachine.h"
 #include "simulator/model/logentry.h"
+#include "simulator/model/notifications.h"
 #include "simulator/model/pendingrequests.h"
 #include "simulator/model/scriptedanswers.h"
 
@@ -41,6 +42,7 @@ static tModelReply answerAndLog(tModel* model, const tModelRequest* request) {
 void modelInitialise(tModel* model, const tModelHost* host) {
   model->host = *host;
   pendingClear(&model->pending);
+  fillWithZeros(&model->notifications, sizeof(model->notifications));
   resetMachine(model);
   model->presence = kDefaultPresence;
   host->presenceChanged(host->context, &model->presence);
@@ -52,6 +54,15 @@ void modelOpen(tModel* model, const tModelFile* file) {
 
 void modelCleanUp(tModel* model, const tModelFile* file) {
   abortPendingOf(model, file);
+  abortNotificationsOf(model, file);
+}
+
+void modelPended(tModel* model, uint64_t token) {
+  acceptIfAtOnce(model, token);
+}
+
+bool modelCancel(tModel* model, uint64_t token) {
+  return forgetPending(model, token) || forgetNotificationRequest(model, token);
 }
 
 void modelClose(tModel* model, const tModelFile* file) {

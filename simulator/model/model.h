@@ -28,8 +28,10 @@ typedef struct tModelHost {
                       uint32_t size);
   /* Signals an event of the calling process. False when it is none. */
   bool (*signalEvent)(void* context, uint64_t process, uint64_t event);
-  /* Completes a request that was left pending, without a reply. Its token is free from then on. */
-  void (*completeRequest)(void* context, uint64_t token, uint32_t windowsError);
+  /* Completes a request that was left pending; `output` fits its buffer. Its token is free from then
+   * on. */
+  void (*completeRequest)(void* context, uint64_t token, uint32_t windowsError, const void* output,
+                          uint32_t size);
   /* The presence of device interfaces has changed and the host is to publish or withdraw them. */
   void (*presenceChanged)(void* context, const tSimulatorPresence* presence);
 } tModelHost;

@@ -4,6 +4,7 @@
 
 #include "simulator/model/attributes.h"
 #include "simulator/model/model.h"
+#include "simulator/model/notificationlist.h"
 #include "simulator/model/pendinglist.h"
 #include "simulator/model/requestlog.h"
 #include "simulator/model/scripts.h"
@@ -17,6 +18,7 @@ struct tModel {
   tAttributeStore attributes;
   tScriptList scripts;
   tPendingList pending;
+  tNotificationList notifications;
   tRequestLog log;
 };
 

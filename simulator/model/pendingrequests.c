@@ -1,5 +1,7 @@
 #include "simulator/model/pendingrequests.h"
 
+#include <stddef.h>
+
 #include "protocol/pendingrequests.h"
 #include "simulator/model/bytes.h"
 #include "simulator/model/logentry.h"
@@ -27,7 +29,7 @@ static void logPending(tModel* model, const tPendingEntry* entry, tSimulatorEven
 static void complete(tModel* model, uint32_t index, uint32_t windowsError) {
   const tPendingEntry entry = pendingRemove(&model->pending, index);
   logPending(model, &entry, kSimulatorEventCompleted, windowsError);
-  model->host.completeRequest(model->host.context, entry.token, windowsError);
+  model->host.completeRequest(model->host.context, entry.token, windowsError, NULL, 0);
 }
 
 /* Tells the caller the handle. Gives the error with which the request fails instead. */
@@ -156,14 +158,14 @@ void abortAllPending(tModel* model) {
   }
 }
 
-void modelPended(tModel* model, uint64_t token) {
+void acceptIfAtOnce(tModel* model, uint64_t token) {
   const uint32_t index = pendingFindToken(&model->pending, token);
   if (index != model->pending.count && model->pending.acceptance == kSimulatorAcceptAtOnce) {
     accept(model, index);
   }
 }
 
-bool modelCancel(tModel* model, uint64_t token) {
+bool forgetPending(tModel* model, uint64_t token) {
   const uint32_t index = pendingFindToken(&model->pending, token);
   if (index == model->pending.count) {
     return false;

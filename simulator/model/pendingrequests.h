@@ -14,6 +14,10 @@ void acceptPending(tModel* model);
 /* Completes the request with this handle; false when there is none. 0 completes every request that
  * waits to be accepted. */
 bool completePending(tModel* model, uint64_t handle, uint32_t windowsError);
+/* Accepts the request with this token, if there is one and requests are accepted at once. */
+void acceptIfAtOnce(tModel* model, uint64_t token);
+/* Forgets the request with this token, which is cancelled; false when there is none. */
+bool forgetPending(tModel* model, uint64_t token);
 /* Completes what a file, or the whole machine, has pending, as aborted. */
 void abortPendingOf(tModel* model, const tModelFile* file);
 void abortAllPending(tModel* model);

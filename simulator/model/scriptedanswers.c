@@ -2,6 +2,7 @@
 
 #include "simulator/model/bytes.h"
 #include "simulator/model/driverrequests.h"
+#include "simulator/model/notifications.h"
 #include "simulator/model/pendingrequests.h"
 #include "simulator/model/windowserrors.h"
 
@@ -12,6 +13,9 @@ static tModelReply failed(uint32_t windowsError) {
 static tModelReply answerAsTheMachineDoes(tModel* model, const tModelRequest* request) {
   if (isPendingRequest(request->code)) {
     return carryOutPendingRequest(model, request);
+  }
+  if (isNotificationRequest(request->code)) {
+    return carryOutNotificationRequest(model, request);
   }
   const tDriverRequest* known = findDriverRequest(request->file.interfaceKind, request->code);
   if (known == NULL) {

@@ -15,20 +15,22 @@ struct tOutcome {
 };
 
 // A device request. As with the system's buffered method, the driver works on a copy of the input,
-// and the caller receives as many bytes as the driver says.
-tOutcome carryOut(const tModelFile& file, DWORD code, const void* in, DWORD inSize, void* out,
+// which was made when the request was, and the caller receives as many bytes as the driver says.
+tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>& in, void* out,
                   DWORD outSize, const OVERLAPPED* overlapped) {
-  std::vector<uint8_t> buffer(std::max(inSize, outSize));
-  std::copy_n(static_cast<const uint8_t*>(in), inSize, buffer.begin());
-  const tModelReply reply = machine().request({file, code, buffer.data(), inSize, buffer.data(),
-                                               outSize, reinterpret_cast<uintptr_t>(overlapped)});
+  std::vector<uint8_t> buffer(std::max<size_t>(in.size(), outSize));
+  std::copy(in.begin(), in.end(), buffer.begin());
+  const tModelReply reply =
+      machine().request({file, code, buffer.data(), static_cast<uint32_t>(in.size()), buffer.data(),
+                         outSize, reinterpret_cast<uintptr_t>(overlapped)});
   std::copy_n(buffer.begin(), reply.size, static_cast<uint8_t*>(out));
   return {reply.windowsError, reply.size};
 }
 
 // What the three kinds of transfer have in common. `work` carries the transfer out.
 template <class Work>
-BOOL transfer(tCall call, HANDLE handle, DWORD* bytes, OVERLAPPED* overlapped, Work work) {
+BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* overlapped,
+              Work work) {
   tModelFile file{};
   bool isOverlapped = false;
   {
@@ -56,18 +58,23 @@ BOOL transfer(tCall call, HANDLE handle, DWORD* bytes, OVERLAPPED* overlapped, W
   {
     const std::lock_guard lock(objects().mutex);
     tEvent* const event = objects().find<tEvent>(overlapped->hEvent);
-    expectUsual(event != nullptr, call, "an OVERLAPPED without an event");
-    expectUsual((reinterpret_cast<uintptr_t>(overlapped->hEvent) & 1) != 0, call,
-                "an event without its lowest bit set: the completion would go to a port");
-    event->signalled = false;
+    tFile& started = *objects().find<tFile>(handle);
+    expectUsual(event != nullptr || (overlapped->hEvent == nullptr && started.port != nullptr),
+                call, "neither an event nor a port would tell of the completion");
+    expectUsual(event == nullptr || (reinterpret_cast<uintptr_t>(overlapped->hEvent) & 1) != 0,
+                call, "an event without its lowest bit set: the completion would go to a port");
+    if (event != nullptr) {
+      event->signalled = false;
+    }
     overlapped->Internal = kStatusPending;
-    objects().find<tFile>(handle)->pending.push_back(overlapped);
+    started.pending.push_back({overlapped, out});
   }
   const auto finish = [=](const tModelFile& on) {
     const tOutcome outcome = plannedError != 0 ? tOutcome{plannedError, 0} : work(on);
     if (outcome.error != ERROR_IO_PENDING) {
       const std::lock_guard lock(objects().mutex);
-      objects().complete(*overlapped, outcome.error, outcome.bytes);
+      objects().complete(*overlapped, outcome.error, outcome.bytes,
+                         outcome.error != 0 && completion == tCompletion::atOnce);
     }
     return outcome;
   };
@@ -122,9 +129,12 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, 
     SetLastError(*error);
     return FALSE;
   }
-  return transfer(tCall::deviceIoControl, handle, bytes, overlapped, [=](const tModelFile& file) {
-    return carryOut(file, code, in, inSize, out, outSize, overlapped);
-  });
+  const auto* const bytesIn = static_cast<const uint8_t*>(in);
+  const std::vector<uint8_t> input(bytesIn, bytesIn + inSize);
+  return transfer(tCall::deviceIoControl, handle, out, bytes, overlapped,
+                  [=](const tModelFile& file) {
+                    return carryOut(file, code, input, out, outSize, overlapped);
+                  });
 }
 
 // The simulated driver takes neither reads nor writes.
@@ -134,7 +144,7 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID, DWORD, LPDWORD bytes, LPOVERLAPPED o
     SetLastError(*error);
     return FALSE;
   }
-  return transfer(tCall::readFile, handle, bytes, overlapped, [](const tModelFile&) {
+  return transfer(tCall::readFile, handle, nullptr, bytes, overlapped, [](const tModelFile&) {
     return tOutcome{ERROR_INVALID_FUNCTION, 0};
   });
 }
@@ -145,7 +155,7 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID, DWORD, LPDWORD bytes, LPOVERLAPPED
     SetLastError(*error);
     return FALSE;
   }
-  return transfer(tCall::writeFile, handle, bytes, overlapped, [](const tModelFile&) {
+  return transfer(tCall::writeFile, handle, nullptr, bytes, overlapped, [](const tModelFile&) {
     return tOutcome{ERROR_INVALID_FUNCTION, 0};
   });
 }
@@ -206,8 +216,9 @@ void closeObject(HANDLE handle) {
   const tFile* const file = objects().find<tFile>(handle);
   expectUsual(file == nullptr || file->pending.empty(), tCall::closeHandle,
               "a file with a request under way that nobody ends");
-  expectUsual(file != nullptr || objects().isSignalled(handle).has_value(), tCall::closeHandle,
-              "not an object that is closed this way, or closed already");
+  const bool isPort = objects().find<tPort>(handle) != nullptr;
+  expectUsual(file != nullptr || isPort || objects().isSignalled(handle).has_value(),
+              tCall::closeHandle, "not an object that is closed this way, or closed already");
   static_cast<void>(objects().remove(handle));
 }
 

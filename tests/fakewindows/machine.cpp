@@ -201,9 +201,12 @@ bool tMachine::signalEvent(void*, uint64_t, uint64_t event) {
   return objects().signal(pointerTo(event));
 }
 
-void tMachine::completeRequest(void*, uint64_t token, uint32_t windowsError) {
+void tMachine::completeRequest(void*, uint64_t token, uint32_t windowsError, const void* output,
+                               uint32_t size) {
   const std::lock_guard lock(objects().mutex);
-  objects().complete(*static_cast<OVERLAPPED*>(pointerTo(token)), windowsError, 0);
+  OVERLAPPED& overlapped = *static_cast<OVERLAPPED*>(pointerTo(token));
+  objects().handOver(overlapped, output, size);
+  objects().complete(overlapped, windowsError, size);
 }
 
 void tMachine::presenceChanged(void* context, const tSimulatorPresence* presence) {

@@ -75,7 +75,8 @@ class tMachine {
   [[nodiscard]] static bool writeCaller(void* context, uint64_t process, uint64_t address,
                                         const void* source, uint32_t size);
   [[nodiscard]] static bool signalEvent(void* context, uint64_t process, uint64_t event);
-  static void completeRequest(void* context, uint64_t token, uint32_t windowsError);
+  static void completeRequest(void* context, uint64_t token, uint32_t windowsError,
+                              const void* output, uint32_t size);
   static void presenceChanged(void* context, const tSimulatorPresence* presence);
 
   std::mutex mutex_;

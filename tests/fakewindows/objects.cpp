@@ -17,7 +17,17 @@ DWORD statusOfError(DWORD error) {
   return error == 0 ? 0 : kErrorMark | error;
 }
 
+bool isKeptOffPorts(const OVERLAPPED& overlapped) {
+  return (reinterpret_cast<uintptr_t>(overlapped.hEvent) & 1) != 0;
+}
+
 }  // namespace
+
+std::vector<tTransfer>::iterator tFile::find(const OVERLAPPED& request) {
+  return std::find_if(pending.begin(), pending.end(), [&request](const tTransfer& transfer) {
+    return transfer.overlapped == &request;
+  });
+}
 
 DWORD errorOfStatus(DWORD status) noexcept {
   return status == kStatusCancelled ? DWORD{ERROR_OPERATION_ABORTED} : status & 0xFFFF;
@@ -44,7 +54,8 @@ std::vector<std::string> tObjects::open() {
   const std::lock_guard lock(mutex);
   std::vector<std::string> lines;
   for (const auto& [handle, object] : objects_) {
-    static constexpr const char* kKinds[] = {"event", "thread", "file", "device information set"};
+    static constexpr const char* kKinds[] = {"event", "thread", "file", "completion port",
+                                             "device information set"};
     lines.push_back(std::string(kKinds[object.index()]) + " " + std::to_string(handle));
   }
   return lines;
@@ -70,19 +81,39 @@ bool tObjects::signal(HANDLE handle) {
   return event != nullptr;
 }
 
-void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes) {
+tFile* tObjects::fileOf(const OVERLAPPED& overlapped) {
+  for (auto& [handle, object] : objects_) {
+    tFile* const file = std::get_if<tFile>(&object);
+    if (file != nullptr && file->find(overlapped) != file->pending.end()) {
+      return file;
+    }
+  }
+  return nullptr;
+}
+
+void tObjects::handOver(const OVERLAPPED& overlapped, const void* reply, size_t size) {
+  if (tFile* const file = fileOf(overlapped)) {
+    std::copy_n(static_cast<const uint8_t*>(reply), size,
+                static_cast<uint8_t*>(file->find(overlapped)->out));
+  }
+}
+
+void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes, bool whileBeingMade) {
   overlapped.InternalHigh = bytes;
-  // As with the system, whoever started the request may look whether it has ended.
-  std::atomic_ref<ULONG_PTR>(overlapped.Internal)
-      .store(statusOfError(error), std::memory_order_release);
+  if (tFile* const file = fileOf(overlapped)) {
+    file->pending.erase(file->find(overlapped));
+    tPort* const port = find<tPort>(file->port);
+    if (port != nullptr && !isKeptOffPorts(overlapped) && !whileBeingMade) {
+      port->packets.push_back({bytes, file->key, &overlapped, error});
+    }
+  }
   if (tEvent* const event = find<tEvent>(overlapped.hEvent)) {
     event->signalled = true;
   }
-  for (auto& [handle, object] : objects_) {
-    if (tFile* const file = std::get_if<tFile>(&object)) {
-      std::erase(file->pending, &overlapped);
-    }
-  }
+  // As with the system, whoever started the request may look whether it has ended, and then do with
+  // the OVERLAPPED what they like.
+  std::atomic_ref<ULONG_PTR>(overlapped.Internal)
+      .store(statusOfError(error), std::memory_order_release);
   changed.notify_all();
 }
 

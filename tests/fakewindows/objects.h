@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <condition_variable>
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -23,12 +24,33 @@ struct tEvent {
   bool signalled;
 };
 struct tThread {
-  bool ended;
+  DWORD id;
+  bool ended = false;
+  int priority = THREAD_PRIORITY_NORMAL;
+};
+// A request under way, and where its reply goes.
+struct tTransfer {
+  OVERLAPPED* overlapped;
+  void* out;
 };
 struct tFile {
   tModelFile file;
   bool overlapped;
-  std::vector<OVERLAPPED*> pending;
+  std::vector<tTransfer> pending;
+  HANDLE port = nullptr;  // where completions go, if anywhere
+  ULONG_PTR key = 0;
+
+  // The end when it is not under way here.
+  [[nodiscard]] std::vector<tTransfer>::iterator find(const OVERLAPPED& request);
+};
+struct tPacket {
+  DWORD bytes;
+  ULONG_PTR key;
+  OVERLAPPED* overlapped;
+  DWORD error;
+};
+struct tPort {
+  std::deque<tPacket> packets;
 };
 struct tDeviceInformationSet {
   std::vector<tDeviceInterface> interfaces;
@@ -42,7 +64,7 @@ inline constexpr DWORD kStatusPending = 0x103;
 // used after its end is noticed.
 class tObjects {
  public:
-  using tObject = std::variant<tEvent, tThread, tFile, tDeviceInformationSet>;
+  using tObject = std::variant<tEvent, tThread, tFile, tPort, tDeviceInformationSet>;
 
   // Guards all members below, and what they give access to.
   std::mutex mutex;
@@ -67,8 +89,13 @@ class tObjects {
   // False when the handle is no event. Takes the lock.
   [[nodiscard]] bool signal(HANDLE handle);
 
-  // Completes the request behind an OVERLAPPED. With the lock held.
-  void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes);
+  // The rest with the lock held.
+
+  // Copies a reply to where the request behind an OVERLAPPED wants it.
+  void handOver(const OVERLAPPED& overlapped, const void* reply, size_t size);
+  // Completes the request behind an OVERLAPPED, which reaches the port of its file unless its event
+  // keeps it off. A request that fails while it is being made reaches no port either.
+  void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes, bool whileBeingMade = false);
 
   // Threads that the library started or that complete requests; joined by waitForThreads().
   void addThread(std::thread thread);
@@ -79,12 +106,17 @@ class tObjects {
     return reinterpret_cast<uintptr_t>(handle) & ~uintptr_t{3};
   }
 
+  [[nodiscard]] tFile* fileOf(const OVERLAPPED& overlapped);
+
   std::map<uintptr_t, tObject> objects_;
   std::vector<std::thread> threads_;
   uintptr_t next_ = 0x1000;
 };
 
 [[nodiscard]] tObjects& objects();
+
+// The priority with which threads come to life from now on.
+void startThreadsWithPriority(int priority);
 
 // Critical sections that live.
 [[nodiscard]] int criticalSections();

@@ -22,6 +22,7 @@ inline constexpr uint32_t kPending = 997;
 struct tCompletion {
   uint64_t token;
   uint32_t windowsError;
+  std::vector<uint8_t> output{};
   bool operator==(const tCompletion&) const = default;
 };
 
@@ -132,8 +133,10 @@ class ModelTest : public testing::Test {
     self(context).signalled.push_back(event);
     return self(context).eventsAreGood;
   }
-  static void completeRequest(void* context, uint64_t token, uint32_t windowsError) {
-    self(context).completions.push_back({token, windowsError});
+  static void completeRequest(void* context, uint64_t token, uint32_t windowsError,
+                              const void* output, uint32_t size) {
+    const auto* const bytes = static_cast<const uint8_t*>(output);
+    self(context).completions.push_back({token, windowsError, {bytes, bytes + size}});
   }
   static void presenceChanged(void* context, const tSimulatorPresence* presence) {
     self(context).presences.push_back(*presence);
