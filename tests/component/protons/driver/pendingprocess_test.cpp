@@ -1,7 +1,7 @@
 // Requests of a process that dies.
 #include <string>
 
-#include "tests/component/protons/driver/pendingtest.h"
+#include "tests/component/protons/driver/drivertest.h"
 
 namespace nTests {
 namespace {

@@ -1,6 +1,6 @@
 // Every Windows call on the way of a pending request, failed in turn.
 #include "protocol/requestcodes.h"
-#include "tests/component/protons/driver/pendingtest.h"
+#include "tests/component/protons/driver/drivertest.h"
 
 namespace nTests {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/component/protons/driver/pendingtest.h"
+#include "tests/component/protons/driver/drivertest.h"
 #include "tests/fakewindows/allocationplan.h"
 
 namespace nTests {

@@ -15,6 +15,12 @@ using nZOAPALS100::tStatus;
 constexpr uint32_t kOpenLine = 43;
 constexpr uint32_t kCreateEventLine = 51;
 constexpr uint32_t kCreateAcceptedEventLine = 238;
+constexpr uint32_t kAssociateLine = 315;
+constexpr uint32_t kArmDeliveryLine = 333;
+
+// How long a cancelled request is waited for: a driver takes no time for it, unless it is broken.
+constexpr int kCancelPauses = 2000;
+constexpr DWORD kCancelPauseMilliseconds = 1;
 
 }  // namespace
 
@@ -49,6 +55,12 @@ void tDeviceInterfaceProxy::open(const tDevicePath& path, tStatus& status) noexc
 }
 
 void tDeviceInterfaceProxy::close() noexcept {
+  if (delivery_ && !cancelRequest(delivery_->notificationKey)) {
+    // The driver may still write into it: better lost than freed.
+    static_cast<void>(delivery_.release());
+  }
+  delivery_.reset();
+  completionPort_ = nullptr;
   file_.reset();
   event_.reset();
 }
@@ -147,6 +159,69 @@ void tDeviceInterfaceProxy::endPendingRequest(tPendingRequest& request) noexcept
     waitFor(request.worker_.get());
   }
   request = {};
+}
+
+void tDeviceInterfaceProxy::associate(HANDLE port, tStatus& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  HANDLE before = nullptr;
+  if (!completionPort_.compare_exchange_strong(before, port) && before == port) {
+    return;
+  }
+  if (!delivery_) {
+    delivery_.reset(new (std::nothrow) tDelivery{.proxy = this});
+  }
+  if (!delivery_) {
+    mergeStatus(status, nZOAPALS100::kMemoryFull, "quenra", kTransferFile, kAssociateLine);
+  } else if (CreateIoCompletionPort(file_.get(), port,
+                                    reinterpret_cast<ULONG_PTR>(&delivery_->notificationKey),
+                                    0) == nullptr) {
+    mergeWin32Failure(GetLastError(), status, kTransferFile, kAssociateLine);
+  }
+  if (status.isError()) {
+    completionPort_ = before;
+  } else {
+    armDelivery(status);
+  }
+}
+
+void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  if (!delivery_) {
+    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile, kArmDeliveryLine);
+    return;
+  }
+  delivery_->notificationKey = {};
+  if (!DeviceIoControl(file_.get(), REQUEST_ARM_DELIVERY, nullptr, 0, &delivery_->rearmBuffer,
+                       sizeof delivery_->rearmBuffer, nullptr, &delivery_->notificationKey)) {
+    if (const DWORD error = GetLastError(); error != ERROR_IO_PENDING) {
+      mergeWin32Failure(error, status, kTransferFile, kArmDeliveryLine);
+    }
+  }
+}
+
+DWORD tDeviceInterfaceProxy::startRequest(uint32_t code, const void* in, uint32_t inSize,
+                                          OVERLAPPED& overlapped) noexcept {
+  if (DeviceIoControl(file_.get(), code, const_cast<void*>(in), inSize, nullptr, 0, nullptr,
+                      &overlapped)) {
+    return ERROR_SUCCESS;
+  }
+  const DWORD error = GetLastError();
+  return error == ERROR_IO_PENDING ? DWORD{ERROR_SUCCESS} : error;
+}
+
+bool tDeviceInterfaceProxy::cancelRequest(OVERLAPPED& overlapped) noexcept {
+  for (int i = 0; i < kCancelPauses && isUnderWay(overlapped); ++i) {
+    // Again each time: it may have failed, and does no harm to a request that is about to end.
+    CancelIoEx(file_.get(), &overlapped);
+    if (isUnderWay(overlapped)) {
+      Sleep(kCancelPauseMilliseconds);
+    }
+  }
+  return !isUnderWay(overlapped);
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

@@ -4,9 +4,11 @@
 #include <windows.h>
 
 #include <atomic>
+#include <memory>
 
 #include "zoapal/protons/driver/iinterfaceproxy.h"
 #include "zoapal/protons/driver/tdevicepath.h"
+#include "zoapal/protons/driver/windowsu/tdelivery.h"
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
@@ -17,7 +19,8 @@ namespace nQUENRA1400::nZOAPAL000 {
 //
 // Failures arrive as mapped Windows errors, located at "tdeviceinterfaceproxy". deviceControl, read,
 // write and the beginning and ending of pending requests may overlap on one proxy; open and close may
-// not overlap any of these. Closing cancels the requests that are still pending.
+// not overlap any of these. Closing cancels the requests that are still pending; whoever reads the port
+// has ended by then.
 class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
  public:
   tDeviceInterfaceProxy() = default;
@@ -38,6 +41,19 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
                                nZOAPALS100::tStatus& status) noexcept override;
   void endPendingRequest(tPendingRequest& request) noexcept override;
 
+  // For notifications (io_notification/). Lets the notices of this device arrive at a completion
+  // port, and arms the delivery of the first, unless the port has them already. Any thread.
+  void associate(HANDLE port, nZOAPALS100::tStatus& status) noexcept;
+  // Has the driver deliver the next notice.
+  void armDelivery(nZOAPALS100::tStatus& status) noexcept;
+  // Starts a request without a reply whose completion arrives at the port. Gives the Windows error
+  // with which it failed at once, else 0. `overlapped` is the system's until it completes.
+  [[nodiscard]] DWORD startRequest(uint32_t code, const void* in, uint32_t inSize,
+                                   OVERLAPPED& overlapped) noexcept;
+  // Cancels such a request and waits a while for its end. False when it is still under way: its
+  // memory must then stay.
+  [[nodiscard]] bool cancelRequest(OVERLAPPED& overlapped) noexcept;
+
  private:
   template <class Transfer>
   uint32_t transfer(tTransferLines lines, nZOAPALS100::tStatus& status, Transfer carryOut) noexcept;
@@ -45,6 +61,8 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
   tUniqueFile file_;
   tUniqueEvent event_;  // manual-reset; signalled when a transfer ends
   std::atomic_flag eventInUse_;
+  std::atomic<HANDLE> completionPort_ = nullptr;
+  std::unique_ptr<tDelivery> delivery_;
 };
 
 }  // namespace nQUENRA1400::nZOAPAL000

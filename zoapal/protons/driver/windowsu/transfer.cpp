@@ -9,12 +9,12 @@ namespace {
 
 constexpr ULONG_PTR kStatusPending = 0x103;
 
+}  // namespace
+
 bool isUnderWay(OVERLAPPED& overlapped) noexcept {
   return std::atomic_ref<ULONG_PTR>(overlapped.Internal).load(std::memory_order_acquire) ==
          kStatusPending;
 }
-
-}  // namespace
 
 HANDLE taggedForNoPort(HANDLE event) noexcept {
   return static_cast<char*>(event) + 1;

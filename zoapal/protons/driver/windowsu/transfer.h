@@ -22,6 +22,9 @@ inline constexpr tTransferLines kWriteLines{189, 194};
 // associated with: whoever reads the port is to see notifications only. Handles are multiples of 4.
 [[nodiscard]] HANDLE taggedForNoPort(HANDLE event) noexcept;
 
+// Whether the system still owns a request and its OVERLAPPED.
+[[nodiscard]] bool isUnderWay(OVERLAPPED& overlapped) noexcept;
+
 // After a failed wait the system may still own the transfer, which writes into the caller's memory
 // and into `overlapped`: neither may be left before it has ended.
 void abandonTransfer(HANDLE file, OVERLAPPED& overlapped, HANDLE event) noexcept;

@@ -40,7 +40,7 @@ class tUniqueHandle {
   tHandle handle_ = Policy::none();
 };
 
-// Events and threads.
+// Events, threads and completion ports.
 struct tObjectPolicy {
   using tHandle = HANDLE;
   static tHandle none() noexcept { return nullptr; }
@@ -53,6 +53,7 @@ struct tFilePolicy : tObjectPolicy {
 
 using tUniqueEvent = tUniqueHandle<tObjectPolicy>;
 using tUniqueThread = tUniqueHandle<tObjectPolicy>;
+using tUniquePort = tUniqueHandle<tObjectPolicy>;
 using tUniqueFile = tUniqueHandle<tFilePolicy>;
 
 }  // namespace nQUENRA1400::nZOAPAL000

@@ -1,6 +1,7 @@
-// What the tests of pending requests share: an open controller interface and the machine behind it.
-#ifndef TESTS_COMPONENT_PROTONS_DRIVER_PENDINGTEST_H
-#define TESTS_COMPONENT_PROTONS_DRIVER_PENDINGTEST_H
+// What the tests of the channel to the driver share: an open controller interface and the machine
+// behind it.
+#ifndef TESTS_COMPONENT_PROTONS_DRIVER_DRIVERTEST_H
+#define TESTS_COMPONENT_PROTONS_DRIVER_DRIVERTEST_H
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,9 +23,9 @@
 namespace nTests {
 
 #ifdef _WIN32
-using tPendingTestBase = testing::Test;
+using tDriverTestBase = testing::Test;
 #else
-using tPendingTestBase = nFakeWindows::FakeWindowsTest;
+using tDriverTestBase = nFakeWindows::FakeWindowsTest;
 #endif
 
 using nQUENRA1400::nZOAPAL000::tDeviceInterfaceIterator;
@@ -49,10 +50,11 @@ inline bool becomesTrue(const std::function<bool()>& condition) {
   return true;
 }
 
-class PendingRequest : public tPendingTestBase {
+// An open proxy and the machine behind it.
+class DriverTest : public tDriverTestBase {
  protected:
   void SetUp() override {
-    tPendingTestBase::SetUp();
+    tDriverTestBase::SetUp();
     machine_ = std::make_unique<nSimulator::tSimulatedMachine>();
     machine_->reset();
     openController(proxy, status);
@@ -63,12 +65,10 @@ class PendingRequest : public tPendingTestBase {
     proxy.close();
     machine_->reset();
     machine_.reset();
-    tPendingTestBase::TearDown();
+    tDriverTestBase::TearDown();
   }
 
   nSimulator::tSimulatedMachine& machine() { return *machine_; }
-  // What is pending on this process's files.
-  size_t pendingCount() { return machine_->pending().size(); }
   void script(uint32_t windowsError, uint32_t requestCode) {
     tSimulatorScript failing{};
     failing.interfaceKind = kSimulatorInterfaceController;
@@ -94,10 +94,17 @@ class PendingRequest : public tPendingTestBase {
 
   tStatus status;
   tDeviceInterfaceProxy proxy;
-  tPendingRequest request;
 
  private:
   std::unique_ptr<nSimulator::tSimulatedMachine> machine_;
+};
+
+class PendingRequest : public DriverTest {
+ protected:
+  // What is pending on this process's files.
+  size_t pendingCount() { return machine().pending().size(); }
+
+  tPendingRequest request;
 };
 
 }  // namespace nTests
