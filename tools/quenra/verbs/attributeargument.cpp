@@ -4,6 +4,7 @@
 
 #include "tools/quenra/catalogue/attributelookup.h"
 #include "tools/quenra/catalogue/numbertext.h"
+#include "tools/quenra/grammar/words.h"
 #include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
@@ -82,17 +83,16 @@ std::string tWantedAttribute::label() const {
   return text;
 }
 
-tWantedAttribute wantedAttribute(const tGetArguments& arguments) {
-  tWantedAttribute wanted = looksLikeNumber(arguments.attribute)
-                                ? attributeById(arguments.attribute)
-                                : attributeByName(arguments.attribute);
-  if (arguments.instance) {
-    applyInstance(*arguments.instance, wanted.address);
+tWantedAttribute wantedAttribute(const tArguments& arguments) {
+  const std::string text = arguments.text(nWords::kAttribute);
+  tWantedAttribute wanted = looksLikeNumber(text) ? attributeById(text) : attributeByName(text);
+  if (const auto instance = arguments.optional(nWords::kInstance)) {
+    applyInstance(*instance, wanted.address);
   }
-  if (arguments.controller) {
+  if (arguments.has(nWords::kController)) {
     applyInterface(tInterface::controller, wanted.address);
   }
-  if (arguments.marten) {
+  if (arguments.has(nWords::kMarten)) {
     applyInterface(tInterface::marten, wanted.address);
   }
   return wanted;

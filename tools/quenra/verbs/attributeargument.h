@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "tools/quenra/arguments.h"
 #include "tools/quenra/catalogue/attributerow.h"
+#include "tools/quenra/grammar/arguments.h"
 #include "tools/quenra/reading/attributeaddress.h"
 
 namespace nCommandLine {
@@ -18,7 +18,7 @@ struct tWantedAttribute {
 };
 
 // Finds out which attribute is meant; throws tCommandError when none can be.
-[[nodiscard]] tWantedAttribute wantedAttribute(const tGetArguments& arguments);
+[[nodiscard]] tWantedAttribute wantedAttribute(const tArguments& arguments);
 
 }  // namespace nCommandLine
 

@@ -67,7 +67,7 @@ void printValue(const tStreams& streams, const tWantedAttribute& wanted, const t
 
 }  // namespace
 
-tExitCode runGet(const tGetArguments& arguments, const tVerbContext& context) {
+tExitCode runGet(const tArguments& arguments, const tVerbContext& context) {
   const tWantedAttribute wanted = wantedAttribute(arguments);
   std::vector<tWarning> warnings;
   const tReading reading = readWanted(context.library, wanted.address, warnings);

@@ -1,0 +1,28 @@
+#include "tools/quenra/grammar/wordsets.h"
+
+#include "tools/quenra/catalogue/attributecatalogue.h"
+#include "tools/quenra/catalogue/statuscatalogue.h"
+#include "tools/quenra/grammar/verbtable.h"
+
+namespace nCommandLine {
+namespace {
+
+template <class Row>
+std::vector<std::string> wordsOf(std::span<const Row> rows, std::string_view Row::*word) {
+  std::vector<std::string> words;
+  words.reserve(rows.size());
+  for (const Row& row : rows) {
+    words.emplace_back(row.*word);
+  }
+  return words;
+}
+
+}  // namespace
+
+constinit const tWordSet kReadableWords{"attributes",
+                                        [] { return wordsOf(kAttributes, &tAttributeRow::name); }};
+constinit const tWordSet kStatusWords{"statuses",
+                                      [] { return wordsOf(kStatuses, &tStatusRow::constant); }};
+constinit const tWordSet kVerbWords{"verbs", [] { return wordsOf(kVerbs, &tVerbRow::name); }};
+
+}  // namespace nCommandLine

@@ -1,0 +1,15 @@
+// What completion can offer for a positional.
+#ifndef TOOLS_QUENRA_GRAMMAR_WORDSETS_H
+#define TOOLS_QUENRA_GRAMMAR_WORDSETS_H
+
+#include "tools/quenra/grammar/verbrow.h"
+
+namespace nCommandLine {
+
+extern const tWordSet kReadableWords;  // names of attributes
+extern const tWordSet kStatusWords;    // constants of the status codes
+extern const tWordSet kVerbWords;
+
+}  // namespace nCommandLine
+
+#endif
