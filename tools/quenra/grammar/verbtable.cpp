@@ -8,6 +8,7 @@
 #include "tools/quenra/verbs/get.h"
 #include "tools/quenra/verbs/help.h"
 #include "tools/quenra/verbs/info.h"
+#include "tools/quenra/verbs/set.h"
 #include "tools/quenra/verbs/version.h"
 
 namespace nCommandLine {
@@ -41,6 +42,28 @@ constexpr tExampleRow kGetExamples[] = {
     {"get 0x10000100", "... and by its id"},
     {"get memory-size --instance 1", "the second populated memory module"},
     {"get firmware-version --controller", "the BIOS, not the Marten"},
+};
+
+// ---- set ----
+
+constexpr tPositionalRow kSetPositionals[] = {
+    {nWords::kAttribute, "NAME|ID",
+     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kWritableWords},
+    {nWords::kValue, "VALUE",
+     "A text, or a number in decimal or in hexadecimal after 0x, without its unit"},
+};
+constexpr tOptionRow kSetOptions[] = {
+    kInstance,
+    {nWords::kController, "", "Write to the controller interface, which numbers go to anyway",
+     kInterface},
+    {nWords::kMarten, "", "Write to the Marten interface", kInterface},
+    {nWords::kBoth, "", "Write to both, where text-setting-of-both goes anyway", kInterface},
+};
+constexpr tExampleRow kSetExamples[] = {
+    {"set driver-setting-1 7", "a number"},
+    {"set driver-setting-2 0x1F --marten", "... on the Marten interface"},
+    {"set text-setting-of-both rack-7", "a text for both interfaces"},
+    {"set text-setting-of-both --marten -- -7", "... for one, beginning with a dash"},
 };
 
 // ---- attributes ----
@@ -80,6 +103,15 @@ constexpr tVerbRow kRows[] = {
      "On a terminal a number comes with its unit and with what it stands for; anywhere else the bare "
      "value is printed. Without an interface option the library chooses the interface.",
      kGetPositionals, kGetOptions, kGetExamples, runGet},
+
+    {"set", "Write one attribute",
+     "The driver decides which attributes it takes. Numbers go to the controller interface, or with "
+     "--marten to the Marten interface. A text is offered to the controller interface, and what that "
+     "does not take to the Marten interface; there is nothing to choose, but for "
+     "text-setting-of-both, which goes to both, or with --marten to the Marten interface alone. On a "
+     "terminal a line confirms what was written; anywhere else success is silent. A value that "
+     "begins with a dash stands behind --, after all options.",
+     kSetPositionals, kSetOptions, kSetExamples, runSet},
 
     {"attributes", "List every attribute with its id, type and unit",
      "Needs no controller.",

@@ -21,6 +21,14 @@ std::vector<std::string> wordsOf(std::span<const Row> rows, std::string_view Row
 
 constinit const tWordSet kReadableWords{"attributes",
                                         [] { return wordsOf(kAttributes, &tAttributeRow::name); }};
+constinit const tWordSet kWritableWords{"writable", [] {
+                                          std::vector<std::string> words =
+                                              wordsOf(kAttributes, &tAttributeRow::name);
+                                          for (const tAttributeRow& setting : kSettings) {
+                                            words.emplace_back(setting.name);
+                                          }
+                                          return words;
+                                        }};
 constinit const tWordSet kStatusWords{"statuses",
                                       [] { return wordsOf(kStatuses, &tStatusRow::constant); }};
 constinit const tWordSet kVerbWords{"verbs", [] { return wordsOf(kVerbs, &tVerbRow::name); }};

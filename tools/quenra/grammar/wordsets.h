@@ -7,6 +7,7 @@
 namespace nCommandLine {
 
 extern const tWordSet kReadableWords;  // names of attributes
+extern const tWordSet kWritableWords;  // ... and of what can only be written
 extern const tWordSet kStatusWords;    // constants of the status codes
 extern const tWordSet kVerbWords;
 
