@@ -22,6 +22,8 @@ def start(program, words):
     runner = shlex.split(os.environ.get("QUENRA_RUNNER", ""))
     return subprocess.run(
         runner + [os.environ[program], *words],
+        # Wine takes the words for text of the locale's encoding.
+        env={**os.environ, "LC_ALL": "C.UTF-8"},
         stdin=subprocess.DEVNULL,
         capture_output=True,
         timeout=TIME_LIMIT_SECONDS,
@@ -62,6 +64,12 @@ class CommandLineTest(unittest.TestCase):
             raise RuntimeError(
                 f"quenra-sim {shlex.join(words)}: {result.returncode} {result.stderr!r}"
             )
+        return result.stdout
+
+    @classmethod
+    def log(cls):
+        """What the driver has received and answered since the machine was reset, in order."""
+        return json.loads(cls.machine("log", "--json"))["entries"]
 
     def quenra(self, *words, exit_code=0):
         """A run as text. Nothing of it may be meant for a terminal."""

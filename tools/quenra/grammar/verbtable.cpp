@@ -8,6 +8,7 @@
 #include "tools/quenra/verbs/get.h"
 #include "tools/quenra/verbs/help.h"
 #include "tools/quenra/verbs/info.h"
+#include "tools/quenra/verbs/selftest.h"
 #include "tools/quenra/verbs/set.h"
 #include "tools/quenra/verbs/version.h"
 
@@ -66,6 +67,12 @@ constexpr tExampleRow kSetExamples[] = {
     {"set text-setting-of-both --marten -- -7", "... for one, beginning with a dash"},
 };
 
+// ---- self-test ----
+
+constexpr tExampleRow kSelfTestExamples[] = {
+    {"self-test", "whether the controller can be opened and used"},
+};
+
 // ---- attributes ----
 
 constexpr tExampleRow kAttributesExamples[] = {
@@ -112,6 +119,11 @@ constexpr tVerbRow kRows[] = {
      "terminal a line confirms what was written; anywhere else success is silent. A value that "
      "begins with a dash stands behind --, after all options.",
      kSetPositionals, kSetOptions, kSetExamples, runSet},
+
+    {"self-test", "Test the controller",
+     "Opens the controller and lets the library test itself; that a controller can be opened is all "
+     "there is to test.",
+     {}, {}, kSelfTestExamples, runSelfTest},
 
     {"attributes", "List every attribute with its id, type and unit",
      "Needs no controller.",
