@@ -4,7 +4,6 @@
 #define TOOLS_QUENRA_GRAMMAR_VERBROW_H
 
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,10 +14,15 @@ namespace nCommandLine {
 class tArguments;
 struct tVerbContext;
 
+struct tOfferedWord {
+  std::string_view word;
+  std::string_view meaning;
+};
+
 // Words of one kind, which completion offers.
 struct tWordSet {
   std::string_view name;  // a word of small letters
-  std::vector<std::string> (*words)();
+  std::vector<tOfferedWord> (*words)();
 };
 
 struct tPositionalRow {

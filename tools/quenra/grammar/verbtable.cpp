@@ -4,6 +4,7 @@
 
 #include "tools/quenra/grammar/wordsets.h"
 #include "tools/quenra/verbs/attributes.h"
+#include "tools/quenra/verbs/completion.h"
 #include "tools/quenra/verbs/explain.h"
 #include "tools/quenra/verbs/get.h"
 #include "tools/quenra/verbs/help.h"
@@ -90,6 +91,16 @@ constexpr tExampleRow kExplainExamples[] = {
     {"explain QUENRA_STATUS_BUSY", "... by its constant"},
 };
 
+// ---- completion ----
+
+constexpr tPositionalRow kCompletionPositionals[] = {
+    {nWords::kShell, "SHELL", "The shell: bash or powershell", &kShellWords},
+};
+constexpr tExampleRow kCompletionExamples[] = {
+    {"completion bash", "the script; 'source <(...)' loads it"},
+    {"completion powershell", "... for '| Out-String | Invoke-Expression'"},
+};
+
 // ---- help ----
 
 constexpr tPositionalRow kHelpPositionals[] = {
@@ -133,6 +144,11 @@ constexpr tVerbRow kRows[] = {
      "Codes that the library does not define are those of the driver, which the library passes on. "
      "Needs no controller.",
      kExplainPositionals, {}, kExplainExamples, runExplain},
+
+    {"completion", "Print the script that completes command lines in a shell",
+     "Verbs, options, names of attributes and constants of status codes are completed. Needs no "
+     "controller.",
+     kCompletionPositionals, {}, kCompletionExamples, runCompletion},
 
     {"help", "Show the help of the program or of a verb",
      "",

@@ -10,6 +10,10 @@ extern const tWordSet kReadableWords;  // names of attributes
 extern const tWordSet kWritableWords;  // ... and of what can only be written
 extern const tWordSet kStatusWords;    // constants of the status codes
 extern const tWordSet kVerbWords;
+extern const tWordSet kShellWords;
+
+inline constexpr const tWordSet* kWordSets[] = {&kReadableWords, &kWritableWords, &kStatusWords,
+                                                &kVerbWords, &kShellWords};
 
 }  // namespace nCommandLine
 
