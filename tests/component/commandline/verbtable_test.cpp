@@ -69,6 +69,20 @@ TEST(VerbTable, RowsAreWrittenAlike) {
   }
 }
 
+TEST(VerbTable, OptionsOfOneChoice_StandSideBySide) {
+  for (const tVerbRow& verb : kVerbs) {
+    std::set<std::string_view> closed;
+    std::string_view open;
+    for (const tOptionRow& row : verb.options) {
+      if (row.choice != open) {
+        closed.insert(open);
+        open = row.choice;
+      }
+      EXPECT_TRUE(open.empty() || !closed.contains(open)) << verb.name << " " << row.name;
+    }
+  }
+}
+
 TEST(VerbTable, ErrorSchema_KnowsEveryVerb) {
   const std::vector<std::string> lines = linesOf("docs/schema/error.schema.json");
   for (const tVerbRow& verb : kVerbs) {

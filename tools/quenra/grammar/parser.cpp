@@ -40,10 +40,14 @@ std::string verbAlternatives() {
   return text;
 }
 
+std::string programDescription() {
+  return "quenra - " + std::string(kProgramPurpose);
+}
+
 // The rows as CLI11 knows them.
 class tGrammar {
  public:
-  tGrammar() : program_(std::string(kProgramSummary) + ".", "quenra") {
+  tGrammar() : program_(programDescription(), "quenra") {
     program_.get_formatter()->label("SUBCOMMAND", "VERB");
     prepare(program_, helpFooter());
     program_.set_version_flag(std::string(kVersionOption.name), "",

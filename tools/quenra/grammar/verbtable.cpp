@@ -94,7 +94,7 @@ constexpr tExampleRow kExplainExamples[] = {
 // ---- completion ----
 
 constexpr tPositionalRow kCompletionPositionals[] = {
-    {nWords::kShell, "SHELL", "The shell: bash or powershell", &kShellWords},
+    {nWords::kShell, "bash|powershell", "The shell", &kShellWords},
 };
 constexpr tExampleRow kCompletionExamples[] = {
     {"completion bash", "the script; 'source <(...)' loads it"},
@@ -106,8 +106,12 @@ constexpr tExampleRow kCompletionExamples[] = {
 constexpr tPositionalRow kHelpPositionals[] = {
     {nWords::kVerb, "VERB", "The verb", &kVerbWords, false},
 };
+constexpr tOptionRow kHelpOptions[] = {
+    {nWords::kManual, "", "Print the manual page quenra(1) instead, as man reads it"},
+};
 constexpr tExampleRow kHelpExamples[] = {
     {"help get", "all about one verb"},
+    {"help --manual", "the manual page; '| man -l -' shows it"},
 };
 
 // clang-format off
@@ -152,7 +156,7 @@ constexpr tVerbRow kRows[] = {
 
     {"help", "Show the help of the program or of a verb",
      "",
-     kHelpPositionals, {}, kHelpExamples, runHelp},
+     kHelpPositionals, kHelpOptions, kHelpExamples, runHelp},
 };
 // clang-format on
 

@@ -16,10 +16,10 @@ extern const std::span<const tVerbRow> kVerbs;
 extern const tVerbRow kHelpAnswer;
 extern const tVerbRow kVersionAnswer;
 
-inline constexpr std::string_view kProgramSummary =
-    "Shows the controller of a PXI chassis and changes its settings";
+inline constexpr std::string_view kProgramPurpose =
+    "show the controller of a PXI chassis and change its settings";
 
-inline constexpr tOptionRow kHelpOption{nWords::kHelp, "", "Print this help and exit"};
+inline constexpr tOptionRow kHelpOption{nWords::kHelp, "", "Print the help and exit"};
 inline constexpr tOptionRow kJsonOption{nWords::kJson, "",
                                         "Print one JSON document, whatever happens"};
 inline constexpr tOptionRow kVersionOption{nWords::kVersion, "", "Print the version and exit"};

@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// `quenra help` and --help.
+// `quenra help` and --help: the help of the program or of a verb, or the manual page.
 [[nodiscard]] tExitCode runHelp(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine
