@@ -35,7 +35,7 @@ class Set(CommandLineTest):
 
     def test_text_of_any_characters_is_read_back(self):
         self.machine("attribute", "allow-writes", "marten", "0x10000400")
-        for text in (ANY_CHARACTERS, "", "x" * 255):
+        for text in (ANY_CHARACTERS, "", "*.py", "x" * 255):
             with self.subTest(text=text):
                 self.quenra("set", "firmware-version", text)
                 self.assertEqual(self.quenra("get", "firmware-version", "--marten").out, text + "\n")

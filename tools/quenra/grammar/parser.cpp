@@ -2,10 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include "tools/quenra/catalogue/suggestion.h"
 #include "tools/quenra/grammar/helpfooter.h"
+#include "tools/quenra/grammar/thelpformatter.h"
 #include "tools/quenra/grammar/verbtable.h"
 #include "tools/quenra/grammar/words.h"
 #include "tools/quenra/tcommanderror.h"
@@ -48,7 +50,9 @@ std::string programDescription() {
 class tGrammar {
  public:
   tGrammar() : program_(programDescription(), "quenra") {
-    program_.get_formatter()->label("SUBCOMMAND", "VERB");
+    const auto formatter = std::make_shared<tHelpFormatter>();
+    formatter->label("SUBCOMMAND", "VERB");
+    program_.formatter(formatter);
     prepare(program_, helpFooter());
     program_.set_version_flag(std::string(kVersionOption.name), "",
                               std::string(kVersionOption.description));
