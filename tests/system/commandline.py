@@ -68,6 +68,12 @@ class CommandLineTest(unittest.TestCase):
             raise RuntimeError(
                 f"quenra-sim {shlex.join(words)}: {result.returncode} {result.stderr!r}"
             )
+        return result.stdout
+
+    @classmethod
+    def log(cls):
+        """What the driver has received and answered since the machine was reset, in order."""
+        return json.loads(cls.machine("log", "--json"))["entries"]
 
     def quenra(self, *words, exit_code=0):
         """A run as text. Nothing of it may be meant for a terminal."""
