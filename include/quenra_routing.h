@@ -1,5 +1,5 @@
-/* Trigger routes of a PXI controller, for C11 and C++: the interface by which a routing service asks
- * the controller for routes between its trigger terminals (the PXI trigger lines, the trigger
+/* Trigger routes of a PXI controller, for C11 and C++: the interface by which a routing service
+ * asks the controller for routes between its trigger terminals (the PXI trigger lines, the trigger
  * connector, the watchdog), reserves and programs them, and tears them down.
  *
  * Conventions:
@@ -30,12 +30,12 @@
  *           getRouteTerminalPath at any time after calculateRoute
  *       destroySession
  *
- *     The driver holds the routes and sees to the order; the library keeps no record of them. Routes
- *     that a client leaves behind stay in the driver's hands.
- *  7. Codes. A code from the driver is passed on unchanged, so codes beyond those listed can appear;
- *     a warning from the driver is reported, and the work is done. Every function with a status can
- *     report QUENRA_STATUS_MEMORY_FULL (memory is short), and QUENRA_STATUS_INTERNAL_ERROR (a fault
- *     of the library).
+ *     The driver holds the routes and sees to the order; the library keeps no record of them.
+ *     Routes that a client leaves behind stay in the driver's hands.
+ *  7. Codes. A code from the driver is passed on unchanged, so codes beyond those listed can
+ *     appear; a warning from the driver is reported, and the work is done. Every function with a
+ *     status can report QUENRA_STATUS_MEMORY_FULL (memory is short), and
+ *     QUENRA_STATUS_INTERNAL_ERROR (a fault of the library).
  *  8. No function throws. */
 #ifndef QUENRA_ROUTING_H
 #define QUENRA_ROUTING_H
@@ -61,10 +61,10 @@ extern "C" {
  *              "component"), the name of its code ("error_constant") and for a bad request what is
  *              wrong with it ("zoroco_debug") and its text ("json"). Null when there is none. It is
  *              the client's: the library only asks the client's own `reallocate` for it.
- * capacity:    the size of the description's buffer in bytes. Behind the text and its NUL the buffer
- *              is zero, but for its last byte, which is 'J'.
- * reallocate:  makes the buffer at least newCapacity bytes, keeping the text, or "{}" where there was
- *              none, and the form told above; 0 frees it. False, with nothing changed, when it
+ * capacity:    the size of the description's buffer in bytes. Behind the text and its NUL the
+ *              buffer is zero, but for its last byte, which is 'J'.
+ * reallocate:  makes the buffer at least newCapacity bytes, keeping the text, or "{}" where there
+ *              was none, and the form told above; 0 frees it. False, with nothing changed, when it
  *              cannot. May be null: then codes arrive without descriptions. */
 typedef struct zoerr_Status {
   int32_t code;
@@ -139,9 +139,9 @@ typedef struct zoroco_TerminalIterator zoroco_TerminalIterator;
  * required, requiredAgain:  the bytes that are needed, the NUL included; twice the same number.
  * text:                     the answer. The function need not copy it, the library does.
  *
- * Returns the buffer, which the library stores in the output argument, or null when it has none: the
- * output argument then stays as it was, and the call fails with QUENRA_STATUS_MEMORY_FULL. Called
- * once for an answer, in the call that answers, and never when there is no answer. */
+ * Returns the buffer, which the library stores in the output argument, or null when it has none:
+ * the output argument then stays as it was, and the call fails with QUENRA_STATUS_MEMORY_FULL.
+ * Called once for an answer, in the call that answers, and never when there is no answer. */
 typedef char* (*zoroco_Reallocate)(char* current, size_t required, const char* text,
                                    size_t requiredAgain);
 
@@ -169,10 +169,10 @@ zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSession(const char* deviceI
 
 /* Opens a session with the routing device.
  *
- * deviceInterfaceName: the path of the device, as QUENRA_ATTRIBUTE_DEVICE_PATH tells it; at most 256
- *                      characters. A longer one ends the process: no such device can exist.
- * reallocate:          gives room for the answers of this session; kept until it is destroyed. Null:
- *                      every answer fails with QUENRA_STATUS_MEMORY_FULL.
+ * deviceInterfaceName: the path of the device, as QUENRA_ATTRIBUTE_DEVICE_PATH tells it; at most
+ *                      256 characters. A longer one ends the process: no such device can exist.
+ * reallocate:          gives room for the answers of this session; kept until it is destroyed.
+ *                      Null: every answer fails with QUENRA_STATUS_MEMORY_FULL.
  * callback:            told of demotions from then on; may be null.
  * context:             for the callback.
  *
@@ -210,11 +210,11 @@ void zoroco_ra_quenra_getHandledConstraints(zoroco_RoutingAdaptorSession* sessio
  * output:        receives a JSON array with an object for each route:
  *                  {"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,
  *                   "constraints":{"inversionNeeded":true}}
- *                The ticket names the route in all calls that follow. "constraints" is empty when the
- *                route does not invert. Without a route the array is empty.
+ *                The ticket names the route in all calls that follow. "constraints" is empty when
+ *                the route does not invert. Without a route the array is empty.
  *
- * Members that are not named here are ignored; of several members with one name the last counts. The
- * driver refuses the name of a terminal that does not exist. Documents may be 64 levels deep.
+ * Members that are not named here are ignored; of several members with one name the last counts.
+ * The driver refuses the name of a terminal that does not exist. Documents may be 64 levels deep.
  *
  * Returns the value that the driver's calculation gives.
  *
@@ -242,8 +242,8 @@ void zoroco_ra_quenra_reserveRoute(zoroco_RoutingAdaptorSession* session, uint32
 void zoroco_ra_quenra_programRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                    zoerr_Status* status);
 
-/* The steps of taking a route down. They report nothing, so that taking down always runs to its end:
- * what the driver refuses is dropped. The trailing words are reserved: pass 0. */
+/* The steps of taking a route down. They report nothing, so that taking down always runs to its
+ * end: what the driver refuses is dropped. The trailing words are reserved: pass 0. */
 void zoroco_ra_quenra_unprogramRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                      uint64_t reserved, uint64_t reservedToo);
 void zoroco_ra_quenra_unreserveRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
@@ -256,8 +256,8 @@ void zoroco_ra_quenra_beginExceptionalRouteDestruction(zoroco_RoutingAdaptorSess
                                                        uint32_t ticket, uint64_t reserved,
                                                        uint64_t reservedToo);
 
-/* Answers the names of the terminals along a route as a JSON array; a terminal that the library does
- * not know is an empty text. */
+/* Answers the names of the terminals along a route as a JSON array; a terminal that the library
+ * does not know is an empty text. */
 void zoroco_ra_quenra_getRouteTerminalPath(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                            char** output, zoerr_Status* status);
 
