@@ -12,12 +12,13 @@
 
 namespace zoark {
 
-// The memory of one reader's stack, the text of a document of 4 KiB in bytes of its own: RapidJSON does
+// The memory of one stack of a reader or writer: bytes of its own first, then the heap. RapidJSON does
 // not look whether it was given memory, so this throws std::bad_alloc. The names are RapidJSON's.
+template <size_t kOwn>
 class tJsonMemory {
  public:
   static constexpr bool kNeedFree = false;
-  static constexpr size_t kOwnBytes = 5 * 1024;
+  static constexpr size_t kOwnBytes = kOwn;
 
   tJsonMemory() = default;
   tJsonMemory(const tJsonMemory&) = delete;

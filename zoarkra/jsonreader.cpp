@@ -90,9 +90,11 @@ tJsonResult readJson(const char* document, iJsonHandler& handler) {
   constexpr unsigned kFlags = rapidjson::kParseIterativeFlag |
                               rapidjson::kParseValidateEncodingFlag |
                               rapidjson::kParseFullPrecisionFlag;
-  tJsonMemory memory;
-  rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, tJsonMemory> reader(
-      &memory, tJsonMemory::kOwnBytes);
+  // For a text of 4 KiB, and what the reader notes of the deepest nesting.
+  using tMemory = tJsonMemory<5 * 1024>;
+  tMemory memory;
+  rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, tMemory> reader(
+      &memory, tMemory::kOwnBytes);
   rapidjson::StringStream stream(document);
   tEvents events(handler);
   const rapidjson::ParseResult result = reader.Parse<kFlags>(stream, events);

@@ -11,10 +11,10 @@ std::span<const Record> recordsAt(uint64_t address, uint32_t count) {
   return {reinterpret_cast<const Record*>(static_cast<uintptr_t>(address)), count};
 }
 
-template <class Record>
-void fill(uint64_t address, uint32_t capacity, const std::vector<Record>& records) {
+template <class Records>
+void fill(uint64_t address, uint32_t capacity, const Records& records) {
   std::copy_n(records.begin(), std::min<size_t>(capacity, records.size()),
-              reinterpret_cast<Record*>(static_cast<uintptr_t>(address)));
+              reinterpret_cast<typename Records::value_type*>(static_cast<uintptr_t>(address)));
 }
 
 uint32_t countOf(size_t actual, uint32_t told) {
@@ -40,11 +40,15 @@ std::string listOf(std::span<const Record> records) {
 
 }  // namespace
 
-bool tScriptedRouter::enter(const std::string& call, const tStatus& status) {
+template <class Describe>
+bool tScriptedRouter::enter(Describe describe, const tStatus& status) {
   if (status.isError()) {
     return false;
   }
-  calls.push_back(status.code == 0 ? call : call + " st=" + std::to_string(status.code));
+  if (!isQuiet) {
+    const std::string warning = status.code == 0 ? "" : " st=" + std::to_string(status.code);
+    calls.push_back(describe() + warning);
+  }
   return true;
 }
 
@@ -56,7 +60,7 @@ void tScriptedRouter::leave(tStatus& status) {
 }
 
 void tScriptedRouter::method0(uint32_t&, tStatus& status) noexcept {
-  enter("method0()", status);
+  enter([] { return std::string("method0()"); }, status);
 }
 
 uint32_t tScriptedRouter::calculateRoute(uint64_t modifiers, uint64_t seeds, uint32_t seedCount,
@@ -64,11 +68,14 @@ uint32_t tScriptedRouter::calculateRoute(uint64_t modifiers, uint64_t seeds, uin
                                          uint32_t options, uint64_t routeBuffer,
                                          uint32_t& routeCount, tStatus& status) noexcept {
   const auto& asked = recordsAt<tRouteModifiers>(modifiers, 1)[0];
-  if (!enter("calculateRoute(" + listOf(recordsAt<tRouteSeed>(seeds, seedCount)) + " -> " +
-                 listOf(recordsAt<uint32_t>(destinations, destinationCount)) + ", required " +
-                 textOf(asked.required) + ", optional " + textOf(asked.optional) + ", options " +
-                 textOf(options) + ", room " + textOf(routeCount) + ")",
-             status)) {
+  if (!enter(
+          [&] {
+            return "calculateRoute(" + listOf(recordsAt<tRouteSeed>(seeds, seedCount)) + " -> " +
+                   listOf(recordsAt<uint32_t>(destinations, destinationCount)) + ", required " +
+                   textOf(asked.required) + ", optional " + textOf(asked.optional) + ", options " +
+                   textOf(options) + ", room " + textOf(routeCount) + ")";
+          },
+          status)) {
     return 0;
   }
   fill(routeBuffer, routeCount, routes);
@@ -78,14 +85,15 @@ uint32_t tScriptedRouter::calculateRoute(uint64_t modifiers, uint64_t seeds, uin
 }
 
 void tScriptedRouter::destroyRoute(uint32_t ticket, tStatus& status) noexcept {
-  if (enter("destroyRoute(" + textOf(ticket) + ")", status)) {
+  if (enter([&] { return "destroyRoute(" + textOf(ticket) + ")"; }, status)) {
     leave(status);
   }
 }
 
 void tScriptedRouter::reserveRoute(uint32_t ticket, uint64_t conflictBuffer, uint32_t& count,
                                    tStatus& status) noexcept {
-  if (enter("reserveRoute(" + textOf(ticket) + ", room " + textOf(count) + ")", status)) {
+  if (enter([&] { return "reserveRoute(" + textOf(ticket) + ", room " + textOf(count) + ")"; },
+            status)) {
     fill(conflictBuffer, count, conflicts);
     count = countOf(conflicts.size(), conflictCountTold);
     leave(status);
@@ -93,55 +101,63 @@ void tScriptedRouter::reserveRoute(uint32_t ticket, uint64_t conflictBuffer, uin
 }
 
 void tScriptedRouter::programRoute(uint32_t ticket, tStatus& status) noexcept {
-  if (enter("programRoute(" + textOf(ticket) + ")", status)) {
+  if (enter([&] { return "programRoute(" + textOf(ticket) + ")"; }, status)) {
     leave(status);
   }
 }
 
 void tScriptedRouter::unreserveRoute(uint32_t ticket, tStatus& status) noexcept {
-  if (enter("unreserveRoute(" + textOf(ticket) + ")", status)) {
+  if (enter([&] { return "unreserveRoute(" + textOf(ticket) + ")"; }, status)) {
     leave(status);
   }
 }
 
 void tScriptedRouter::unprogramRoute(uint32_t ticket, tStatus& status) noexcept {
-  if (enter("unprogramRoute(" + textOf(ticket) + ")", status)) {
+  if (enter([&] { return "unprogramRoute(" + textOf(ticket) + ")"; }, status)) {
     leave(status);
   }
 }
 
 void tScriptedRouter::getRouteTerminalPath(uint32_t ticket, uint64_t terminals, uint32_t& count,
                                            tStatus& status) noexcept {
-  if (enter("getRouteTerminalPath(" + textOf(ticket) + ", room " + textOf(count) + ")", status)) {
+  if (enter(
+          [&] {
+            return "getRouteTerminalPath(" + textOf(ticket) + ", room " + textOf(count) + ")";
+          },
+          status)) {
     const uint32_t capacity = count;
     fill(terminals, capacity, path);
     count = countOf(path.size(), pathLengthTold);
     if (codes.empty() && path.size() > capacity) {
-      codes = {-52019};
+      mergeStatus(status, -52019, "driver", "router", 9);
     }
     leave(status);
   }
 }
 
 void tScriptedRouter::getTopographyName(uint64_t buffer, uint32_t size, tStatus& status) noexcept {
-  if (enter("getTopographyName(" + textOf(size) + ")", status)) {
-    fill(buffer, size, std::vector<char>(topographyName.begin(), topographyName.end()));
+  if (enter([&] { return "getTopographyName(" + textOf(size) + ")"; }, status)) {
+    fill(buffer, size, topographyName);
     leave(status);
   }
 }
 
 void tScriptedRouter::resetTerminal(uint32_t terminal, uint32_t floating,
                                     tStatus& status) noexcept {
-  if (enter("resetTerminal(" + textOf(terminal) + ", " + textOf(floating) + ")", status)) {
+  if (enter([&] { return "resetTerminal(" + textOf(terminal) + ", " + textOf(floating) + ")"; },
+            status)) {
     leave(status);
   }
 }
 
 uint32_t tScriptedRouter::calculateResetTerminal(uint64_t reserved, uint32_t terminal,
                                                  int32_t floating, tStatus& status) noexcept {
-  if (!enter("calculateResetTerminal(" + std::to_string(reserved) + ", " + textOf(terminal) + ", " +
-                 std::to_string(floating) + ")",
-             status)) {
+  if (!enter(
+          [&] {
+            return "calculateResetTerminal(" + std::to_string(reserved) + ", " + textOf(terminal) +
+                   ", " + std::to_string(floating) + ")";
+          },
+          status)) {
     return 0;
   }
   leave(status);

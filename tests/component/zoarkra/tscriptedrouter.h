@@ -20,6 +20,9 @@ class tScriptedRouter final : public nQUENRA1400::nZOAPAL000::iInterfaceProxy_ro
   // is asked with an error.
   std::vector<std::string> calls;
 
+  // Notes nothing, and so allocates nothing.
+  bool isQuiet = false;
+
   // With which codes the next calls of any method end; then with success. They are located at
   // component "driver", file "router", line 9.
   std::vector<int32_t> codes;
@@ -67,8 +70,10 @@ class tScriptedRouter final : public nQUENRA1400::nZOAPAL000::iInterfaceProxy_ro
                                   tStatus& status) noexcept override;
 
  private:
-  // Notes a call. False when it is not made, because the status holds an error.
-  bool enter(const std::string& call, const tStatus& status);
+  // Notes a call, of which `describe` gives the text. False when it is not made, because the status
+  // holds an error.
+  template <class Describe>
+  bool enter(Describe describe, const tStatus& status);
   // Gives the code with which it ends.
   void leave(tStatus& status);
 };
