@@ -7,9 +7,9 @@
 namespace zoroco {
 
 // Takes over code and description of `source` as zoerr::Status::mergeFrom does, in the client's
-// memory. The client's record lies in memory as zoerr::Status does, but its reallocation function has
-// another type, and a function is only called as what it is. When the client gives no room, the code
-// arrives alone.
+// memory. The client's record lies in memory as zoerr::Status does, but its reallocation function
+// has another type, and a function is only called as what it is. When the client gives no room, the
+// code arrives alone.
 void mergeIntoClient(zoerr_Status& client, const zoerr::Status& source) noexcept;
 
 }  // namespace zoroco

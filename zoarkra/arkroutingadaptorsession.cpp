@@ -36,8 +36,8 @@ using tRequestMemory = tStackMemory<size_t{32} * 1024>;
 // Room for a path or a conflict report of ordinary length.
 using tListMemory = tStackMemory<size_t{2} * 1024>;
 
-// For how many terminals getRouteTerminalPath makes room first. An update that is lost costs one more
-// request.
+// For how many terminals getRouteTerminalPath makes room first. An update that is lost costs one
+// more request.
 std::atomic<uint32_t> pathCapacity = 32;
 
 void raisePathCapacity(uint32_t capacity) noexcept {

@@ -19,14 +19,14 @@ struct tClientFunctions {
   void* context;
 };
 
-// Keeps no record of routes: the driver holds them, a ticket names one. Used by one thread at a time;
-// the callback runs on a thread of the device.
+// Keeps no record of routes: the driver holds them, a ticket names one. Used by one thread at a
+// time; the callback runs on a thread of the device.
 class ARKRoutingAdaptorSession final : public zoroco::RoutingAdaptorSessionInterface,
                                        private iDemotionListener {
  public:
   // Opens the device under a name of at most 256 characters and finds its topography. Demotions are
-  // told from the end of the construction on; what comes before is dropped. Throws zoerr::Exception;
-  // then nothing is left open.
+  // told from the end of the construction on; what comes before is dropped. Throws
+  // zoerr::Exception; then nothing is left open.
   ARKRoutingAdaptorSession(std::unique_ptr<iRoutingDevice> device, const char* deviceInterfaceName,
                            const tClientFunctions& client, zoerr::Status& status);
   // Waits for a callback that is running.

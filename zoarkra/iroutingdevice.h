@@ -1,6 +1,8 @@
 #ifndef ZOARKRA_IROUTINGDEVICE_H
 #define ZOARKRA_IROUTINGDEVICE_H
 
+#include <memory>
+
 #include "codegen/apalcodegen/iinterfaceproxy_routing.h"
 
 namespace zoark {
@@ -37,6 +39,9 @@ class iRoutingDevice {
 
   [[nodiscard]] virtual nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept = 0;
 };
+
+// The device of the system's driver, not open yet. Throws std::bad_alloc.
+[[nodiscard]] std::unique_ptr<iRoutingDevice> makeRoutingDevice();
 
 }  // namespace zoark
 

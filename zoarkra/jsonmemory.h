@@ -12,8 +12,9 @@
 
 namespace zoark {
 
-// The memory of one stack of a reader or writer: bytes of its own first, then the heap. RapidJSON does
-// not look whether it was given memory, so this throws std::bad_alloc. The names are RapidJSON's.
+// The memory of one stack of a reader or writer: bytes of its own first, then the heap. RapidJSON
+// does not look whether it was given memory, so this throws std::bad_alloc. The names are
+// RapidJSON's.
 template <size_t kOwn>
 class tJsonMemory {
  public:

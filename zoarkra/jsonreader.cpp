@@ -7,7 +7,8 @@
 namespace zoark {
 namespace {
 
-// The reader refuses bytes that are no UTF-8, but decodes an escape of half a surrogate pair to such.
+// The reader refuses bytes that are no UTF-8, but decodes an escape of half a surrogate pair to
+// such.
 bool isSound(std::string_view text) noexcept {
   for (size_t i = 0; i + 1 < text.size(); ++i) {
     if (text[i] == '\xED' && static_cast<unsigned char>(text[i + 1]) >= 0xA0) {

@@ -22,9 +22,9 @@ enum class tJsonType : uint8_t {
 // A value, or the beginning of a container.
 struct tJsonValue {
   tJsonType type;
-  bool boolean = false;   // of a boolean
-  double number = 0;      // of a number
-  std::string_view text;  // of a string, decoded
+  bool boolean = false;        // of a boolean
+  double number = 0;           // of a number
+  std::string_view text = {};  // of a string, decoded
 };
 
 // Is told a document's parts as they come. Texts last as long as the call. False ends the reading.
@@ -58,9 +58,9 @@ struct tJsonResult {
   size_t offset;  // in bytes, where the reading ended
 };
 
-// Reads a document of JSON text in UTF-8, strictly: one value, and blanks only behind it. Numbers do
-// not depend on the process's locale. Depth costs no stack. Allocates nothing for a document of up to
-// 4 KiB; throws std::bad_alloc.
+// Reads a document of JSON text in UTF-8, strictly: one value, and blanks only behind it. Numbers
+// do not depend on the process's locale. Depth costs no stack. Allocates nothing for a document of
+// up to 4 KiB; throws std::bad_alloc.
 tJsonResult readJson(const char* document, iJsonHandler& handler);
 
 }  // namespace zoark

@@ -27,10 +27,10 @@ struct tRouteRequest {
   uint32_t options = 0;
 };
 
-// Reads a request; a terminal that the topography does not have becomes ROUTE_NO_TERMINAL. The first
-// fault found is thrown as a zoerr::Exception with kInvalidParameter and traced: the description tells
-// it under "zoroco_debug", and under "json" the document in which it was found. Memory is taken from
-// that of `request`; throws std::bad_alloc.
+// Reads a request; a terminal that the topography does not have becomes ROUTE_NO_TERMINAL. The
+// first fault found is thrown as a zoerr::Exception with kInvalidParameter and traced: the
+// description tells it under "zoroco_debug", and under "json" the document in which it was found.
+// Memory is taken from that of `request`; throws std::bad_alloc.
 void readRouteRequest(const tRequestTexts& texts, const tTopography& topography,
                       tRouteRequest& request);
 

@@ -13,7 +13,8 @@ class tClientOutput {
   tClientOutput(zoroco_Reallocate reallocate, char** output) noexcept
       : reallocate_(reallocate), output_(output) {}
 
-  // Throws zoerr::Exception with kInvalidParameter when the client has given no place for an answer.
+  // Throws zoerr::Exception with kInvalidParameter when the client has given no place for an
+  // answer.
   void requirePlace() const;
 
   // Copies the text, behind which there is a NUL, and the NUL. Throws zoerr::Exception with

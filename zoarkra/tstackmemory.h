@@ -9,8 +9,8 @@
 
 namespace zoark {
 
-// Memory for what an operation needs while it runs: bytes of its own first, then the heap. Nothing is
-// given back before it ends.
+// Memory for what an operation needs while it runs: bytes of its own first, then the heap. Nothing
+// is given back before it ends.
 template <size_t kBytes>
 class tStackMemory {
  public:

@@ -5,8 +5,8 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// The trigger-routing interface. The rules are those of iInterfaceProxy_hostControllerBase. A method
-// that returns a value returns 0 when nothing was sent or the request itself failed.
+// The trigger-routing interface. The rules are those of iInterfaceProxy_hostControllerBase. A
+// method that returns a value returns 0 when nothing was sent or the request itself failed.
 class iInterfaceProxy_routing : public virtual iInterfaceProxy {
  public:
   // Keeps the place of an operation that the library does not use.

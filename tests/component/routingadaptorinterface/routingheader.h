@@ -17,6 +17,18 @@ typedef struct tStatusFunctions {
 /* As a program in C has them. */
 extern const tStatusFunctions kStatusFunctionsOfC;
 
+/* What the header declares. */
+enum {
+  EXPORTS = 22
+};
+
+typedef struct tExport {
+  const char* name;
+  void (*function)(void);
+} tExport;
+
+extern const tExport kExportsOfC[EXPORTS];
+
 #ifdef __cplusplus
 }
 #endif

@@ -45,8 +45,8 @@ class Memory : public SessionTest {
     create({&giveStatic, nullptr, nullptr});
   }
 
-  // Runs the operation with every one of its allocations failing in turn: it fails with short memory,
-  // or with the code that it fails with anyway, or does without.
+  // Runs the operation with every one of its allocations failing in turn: it fails with short
+  // memory, or with the code that it fails with anyway, or does without.
   void failEveryAllocation(const std::function<void()>& operation, int32_t ownCode = -52000) {
     for (unsigned nth = 1;; ++nth) {
       tAllocationPlan plan(nth);

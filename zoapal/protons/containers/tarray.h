@@ -12,7 +12,8 @@
 namespace nQUENRA1400::nZOAPAL000 {
 
 // An array of up to a fixed number of elements that lies wholly in its owner. What is behind its
-// elements is always zero, and so is one element more: an array of characters is a text with its NUL.
+// elements is always zero, and so is one element more: an array of characters is a text with its
+// NUL.
 //
 // Nobody asks for more than the capacity: who does ends the process.
 template <class T, size_t kCapacity = 256>
