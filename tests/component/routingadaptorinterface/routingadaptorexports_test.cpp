@@ -36,6 +36,8 @@ using tStrings = std::vector<std::string>;
 
 constexpr const char* kSeeds = R"([{"terminal":"TRIG_SMB","cost":1,"constraints":{}}])";
 constexpr const char* kDestinations = R"(["PXI_Trig0"])";
+constexpr const char* kCalculation =
+    "calculateRoute([2/1/0] -> [4], required 0, optional 0, options 0, room 2)";
 constexpr const char* kNoHandle =
     R"({"error_constant":"zoapalerr_invalidParameter",)"
     R"("file":"routingadaptorinterface\\routingadaptorexports","line":48,"component":"quenra"})";
@@ -253,9 +255,7 @@ TEST_F(RoutingExports, LifeOfARoute_IsOneRequestForEachStep) {
   zoroco_ra_quenra_unprogramRoute(session_, 7, 1, 2);
   zoroco_ra_quenra_unreserveRoute(session_, 7, 1, 2);
   zoroco_ra_quenra_destroyRoute(session_, 7, 1, 2);
-  EXPECT_EQ(calls(), (tStrings{"calculateRoute([2/1/0] -> [4], required 0, optional 0, options 0, "
-                               "room 2)",
-                               "reserveRoute(7, room 8)", "programRoute(7)",
+  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, room 8)", "programRoute(7)",
                                "getRouteTerminalPath(7, room 32)", "unprogramRoute(7)",
                                "unreserveRoute(7)", "destroyRoute(7)"}));
   EXPECT_EQ(status_.code, 0);

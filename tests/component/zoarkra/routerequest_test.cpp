@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -155,15 +157,27 @@ TEST(Seeds, EscapesInATerminalsName_AreDecoded) {
 }
 
 TEST(Seeds, CostOfEveryForm_IsCutOff) {
-  const std::vector<std::pair<const char*, const char*>> costs{
-      {"0", "0"},       {"4294967295", "4294967295"},
-      {"1.9", "1"},     {"1e3", "1000"},
-      {"-0", "0"},      {"4294967295.9", "4294967295"},
-      {"-0.5", "0"},    {"0.9", "0"},
-      {"1E+3", "1000"}, {"12345e-3", "12"},
+  const std::vector<std::pair<std::string, std::string>> costs{
+      {"0", "0"},
+      {"4294967295", "4294967295"},
+      {"1.9", "1"},
+      {"1e3", "1000"},
+      {"-0", "0"},
+      {"4294967295.9", "4294967295"},
+      {"-0.5", "0"},
+      {"0.9", "0"},
+      {"1E+3", "1000"},
+      {"12345e-3", "12"},
+      {"0e40", "0"},
+      {"0.000000000000000000000e-2147483639", "0"},
+      {"2.99999999999999999999", "3"},
+      {"1e-99999999999999999999", "0"},
+      {"0.00001e-320", "0"},
+      {"-1e-9999", "0"},
+      {"0." + std::string(400, '0') + "1", "0"},
       {"1e-400", "0"}};
   for (const auto& [cost, expected] : costs) {
-    EXPECT_EQ(seedsOf(seedWithCost(cost)), std::string("2/") + expected + "/0 ") << cost;
+    EXPECT_EQ(seedsOf(seedWithCost(cost)), "2/" + expected + "/0 ") << cost;
   }
 }
 
@@ -371,6 +385,21 @@ TEST(Request, TextThatIsNoUnicode_IsMalformed) {
     EXPECT_EQ(failure.code, -52005) << name;
     EXPECT_NE(failure.description.find(R"("zoroco_debug":"malformed JSON")"), std::string::npos)
         << failure.description;
+  }
+}
+
+TEST(Request, EndingWithinACharacter_IsReadNoFurther) {
+  for (const std::string bytes : {"\xC3", "\xE2\x82", "\xF0\x9F\x98", "\xF4"}) {
+    const std::string text = R"(["x)" + bytes;
+    // Of exactly its size, so that the address sanitizer sees one byte too many.
+    const auto document = std::make_unique<char[]>(text.size() + 1);
+    text.copy(document.get(), text.size());
+    tRouteRequest request(std::pmr::get_default_resource());
+    EXPECT_EQ(failureOf([&] {
+                readRouteRequest({"[]", document.get(), "{}"},
+                                 zoark::findTopography("pxiContTriggerRouter"), request);
+              }).code,
+              -52005);
   }
 }
 
