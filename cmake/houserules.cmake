@@ -15,7 +15,8 @@ else()
   # characters, and everything that meets those headers has to agree on that.
   add_compile_options(-fshort-wchar)
   target_compile_definitions(house_rules INTERFACE WINE_UNICODE_NATIVE WIN32_LEAN_AND_MEAN NOMINMAX)
-  target_include_directories(house_rules SYSTEM INTERFACE /usr/include/wine/wine/windows)
+  target_include_directories(house_rules SYSTEM INTERFACE /usr/include/wine/wine/windows
+    ${CMAKE_SOURCE_DIR}/tests/fakewindows/include)
   if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
     target_compile_options(house_rules INTERFACE -Wthread-safety)
   endif()

@@ -23,6 +23,13 @@ class tForwardingInterfaceProxy : public virtual iInterfaceProxy {
                  nZOAPALS100::tStatus& status) noexcept override {
     return device_.write(buffer, size, status);
   }
+  uint64_t beginPendingRequest(uint16_t a, uint64_t b, uint8_t c, tPendingRequest& request,
+                               nZOAPALS100::tStatus& status) noexcept override {
+    return device_.beginPendingRequest(a, b, c, request, status);
+  }
+  void endPendingRequest(tPendingRequest& request) noexcept override {
+    device_.endPendingRequest(request);
+  }
 
  private:
   tDeviceInterfaceProxy& device_;

@@ -6,11 +6,7 @@
 
 #include <stdint.h>
 
-#ifdef CALLERMEMORY_BUILDING
-#define CALLERMEMORY_API __declspec(dllexport)
-#else
-#define CALLERMEMORY_API __declspec(dllimport)
-#endif
+#include "simulator/callermemory/visibility.h"
 
 CALLERMEMORY_API int callerMemoryRead(uint64_t process, uint64_t address, void* destination,
                                       uint32_t size);

@@ -4,6 +4,7 @@
 #define SIMULATOR_CONTROL_CONTROLPROTOCOL_H
 
 #include "protocol/interfaceclasses.h"
+#include "protocol/notificationrequests.h"
 #include "protocol/requestcodes.h"
 
 /* {6F1A2C54-0B7D-4C1E-9E43-5D2B8F60A7C1} */
@@ -47,6 +48,18 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 #define SIMULATOR_ALLOW_WRITES SIMULATOR_CONTROL_CODE(0x90C)
 #define SIMULATOR_REFUSE_WRITES SIMULATOR_CONTROL_CODE(0x90D)
 
+/* In: tSimulatorAcceptance. How pending requests are accepted from now on. Those that are waiting
+ * stay. */
+#define SIMULATOR_SET_ACCEPTANCE SIMULATOR_CONTROL_CODE(0x920)
+/* No input, no output. Accepts all that are waiting. */
+#define SIMULATOR_ACCEPT_PENDING SIMULATOR_CONTROL_CODE(0x921)
+/* Out: as many tSimulatorPendingRequest as there are and fit the output buffer, oldest first. */
+#define SIMULATOR_READ_PENDING SIMULATOR_CONTROL_CODE(0x922)
+/* In: tSimulatorCompletion. Completes pending requests from the machine's side. */
+#define SIMULATOR_COMPLETE_PENDING SIMULATOR_CONTROL_CODE(0x923)
+/* In: tSimulatorNotice. Tells everybody who is registered for one of its events. */
+#define SIMULATOR_NOTIFY SIMULATOR_CONTROL_CODE(0x924)
+
 enum {
   SIMULATOR_TABLE_CAPACITY = 65536,
   SIMULATOR_TEXT_CAPACITY = 1024,
@@ -54,6 +67,8 @@ enum {
   SIMULATOR_ATTRIBUTE_CAPACITY = 64,
   SIMULATOR_SCRIPT_CAPACITY = 32,
   SIMULATOR_LOG_CAPACITY = 1024,
+  SIMULATOR_PENDING_CAPACITY = 64,
+  SIMULATOR_NOTIFICATION_CAPACITY = 64,
   SIMULATOR_INPUT_CAPACITY = 64,
   SIMULATOR_OUTPUT_CAPACITY = 48
 };
@@ -116,14 +131,50 @@ PROTOCOL_SIZE(tSimulatorScript, 80);
 typedef enum tSimulatorEvent {
   kSimulatorEventOpen = 1,
   kSimulatorEventClose = 2,
-  kSimulatorEventRequest = 3
+  kSimulatorEventRequest = 3,  /* a pending one is logged with Windows error 997 */
+  kSimulatorEventAccepted = 4, /* a pending request has its handle: the output */
+  kSimulatorEventCompleted = 5 /* it is over: its handle, 0 before it was accepted, and its error */
 } tSimulatorEvent;
+
+typedef enum tSimulatorAcceptance {
+  kSimulatorAcceptAtOnce = 0,
+  kSimulatorAcceptLater = 1, /* when SIMULATOR_ACCEPT_PENDING says so */
+  kSimulatorAcceptNever = 2  /* pending requests complete at once, with success and no handle */
+} tSimulatorAcceptance;
+
+typedef struct tSimulatorPendingRequest {
+  uint64_t process; /* of the caller */
+  uint64_t file;    /* as in the log */
+  uint64_t handle;  /* 0: not accepted yet */
+  uint64_t b;
+  uint32_t interfaceKind;
+  uint16_t a;
+  uint8_t c;
+  uint8_t padding;
+} tSimulatorPendingRequest;
+PROTOCOL_SIZE(tSimulatorPendingRequest, 40);
+
+typedef struct tSimulatorNotice {
+  uint64_t file;         /* as in the log; 0: all */
+  uint64_t notification; /* 0: as registered; else a lie */
+  uint32_t mask;
+  uint32_t payloadSize; /* as it is told, which may be more than there is */
+  uint8_t payload[NOTIFICATION_PAYLOAD_CAPACITY];
+} tSimulatorNotice;
+PROTOCOL_SIZE(tSimulatorNotice, 56);
+
+typedef struct tSimulatorCompletion {
+  uint64_t handle;       /* 0: all that are waiting to be accepted */
+  uint32_t windowsError; /* 0: they succeed */
+  uint32_t padding;
+} tSimulatorCompletion;
+PROTOCOL_SIZE(tSimulatorCompletion, 16);
 
 typedef struct tSimulatorLogEntry {
   uint64_t sequence; /* 1, 2, 3, ... */
   uint64_t process;  /* the caller's process id */
   uint64_t file;     /* names one open file on one interface */
-  uint32_t event;    /* tSimulatorEvent; the members below count for requests only */
+  uint32_t event; /* tSimulatorEvent; opening and closing have no use for what follows the kind */
   uint32_t interfaceKind;
   uint32_t requestCode;
   uint32_t inputSize;    /* bytes sent; the first SIMULATOR_INPUT_CAPACITY are kept */

@@ -69,6 +69,26 @@ constexpr tRequestLayout kLayouts[] = {
        {"status", 8, 4, tFormat::signedNumber}}}},
     {REQUEST_CONTROLLER_SEND_COMMAND, "send-command", kSendCommand, {{kStatusOnly, kNone, kNone}}},
     {REQUEST_MARTEN_SEND_COMMAND, "send-command", kSendCommand, {{kStatusOnly, kNone, kNone}}},
+    {REQUEST_PENDING_NARROW,
+     "pending-request",
+     {{{"handle", 0, 8, tFormat::hexadecimal},
+       {"event", 8, 8, tFormat::hexadecimal},
+       {"a", 20, 2, tFormat::number},
+       {"b", 16, 4, tFormat::number},
+       {"c", 22, 1, tFormat::number}}},
+     {{kNone, kNone, kNone}}},
+    {REQUEST_PENDING_WIDE,
+     "pending-request-wide",
+     {{{"handle", 0, 8, tFormat::hexadecimal},
+       {"event", 8, 8, tFormat::hexadecimal},
+       {"a", 24, 2, tFormat::number},
+       {"b", 16, 8, tFormat::number},
+       {"c", 26, 1, tFormat::number}}},
+     {{kNone, kNone, kNone}}},
+    {REQUEST_END_PENDING,
+     "end-pending",
+     {{{"handle", 0, 8, tFormat::number}, kNone, kNone, kNone, kNone}},
+     {{kNone, kNone, kNone}}},
 };
 
 const tRequestLayout* layoutOf(uint32_t code) {
@@ -123,18 +143,34 @@ std::string bytesText(const uint8_t* bytes, size_t size) {
   return text;
 }
 
+std::string windowsErrorText(uint32_t windowsError) {
+  return " Windows error " + std::to_string(windowsError);
+}
+
 std::string requestText(const tSimulatorLogEntry& entry) {
+  constexpr uint32_t kPending = 997;
   const size_t sent = std::min<size_t>(entry.inputSize, sizeof entry.input);
   const size_t answered = std::min<size_t>(entry.outputSize, sizeof entry.output);
   const tRequestLayout* const layout = layoutOf(entry.requestCode);
   std::string text = requestName(entry.requestCode);
   text += layout ? membersText(layout->request, entry.input, sent) : bytesText(entry.input, sent);
   text += " ->";
+  if (entry.windowsError == kPending) {
+    return text + " pending";
+  }
   if (entry.windowsError != 0) {
-    return text + " Windows error " + std::to_string(entry.windowsError);
+    return text + windowsErrorText(entry.windowsError);
   }
   return text + (layout ? membersText(layout->reply, entry.output, answered)
                         : bytesText(entry.output, answered));
+}
+
+// What became of a request that was left pending.
+std::string pendingText(const char* event, const tSimulatorLogEntry& entry) {
+  const std::string text = std::string(event) + " " + requestName(entry.requestCode) +
+                           memberText({"handle", 0, 8, tFormat::number}, entry.output,
+                                      std::min<size_t>(entry.outputSize, sizeof entry.output));
+  return entry.windowsError == 0 ? text : text + " ->" + windowsErrorText(entry.windowsError);
 }
 
 std::string eventText(const tSimulatorLogEntry& entry) {
@@ -145,6 +181,10 @@ std::string eventText(const tSimulatorLogEntry& entry) {
       return "close";
     case kSimulatorEventRequest:
       return requestText(entry);
+    case kSimulatorEventAccepted:
+      return pendingText("accepted", entry);
+    case kSimulatorEventCompleted:
+      return pendingText("completed", entry);
     default:
       return "event " + std::to_string(entry.event);
   }

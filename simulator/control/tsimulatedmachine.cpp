@@ -163,6 +163,32 @@ void tSimulatedMachine::clearScripts() {
   command(SIMULATOR_CLEAR_SCRIPTS);
 }
 
+void tSimulatedMachine::setAcceptance(tSimulatorAcceptance acceptance) {
+  const auto number = static_cast<uint32_t>(acceptance);
+  command(SIMULATOR_SET_ACCEPTANCE, bytesOf(number));
+}
+
+void tSimulatedMachine::acceptPending() {
+  command(SIMULATOR_ACCEPT_PENDING);
+}
+
+std::vector<tSimulatorPendingRequest> tSimulatedMachine::pending() {
+  std::vector<tSimulatorPendingRequest> pending(SIMULATOR_PENDING_CAPACITY);
+  const uint32_t bytes =
+      request(SIMULATOR_READ_PENDING, {}, writableBytesOf(pending.data(), pending.size()));
+  pending.resize(bytes / sizeof(tSimulatorPendingRequest));
+  return pending;
+}
+
+void tSimulatedMachine::completePending(uint64_t handle, uint32_t windowsError) {
+  const tSimulatorCompletion completion{handle, windowsError, 0};
+  command(SIMULATOR_COMPLETE_PENDING, bytesOf(completion));
+}
+
+void tSimulatedMachine::notify(const tSimulatorNotice& notice) {
+  command(SIMULATOR_NOTIFY, bytesOf(notice));
+}
+
 std::vector<tSimulatorLogEntry> tSimulatedMachine::log(uint64_t from) {
   std::vector<tSimulatorLogEntry> entries(SIMULATOR_LOG_CAPACITY);
   const uint32_t bytes =

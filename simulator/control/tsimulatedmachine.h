@@ -63,6 +63,18 @@ class tSimulatedMachine {
   void addScript(const tSimulatorScript& script);
   void clearScripts();
 
+  // How requests that stay pending are accepted from now on.
+  void setAcceptance(tSimulatorAcceptance acceptance);
+  // Accepts those that are waiting.
+  void acceptPending();
+  // Oldest first.
+  [[nodiscard]] std::vector<tSimulatorPendingRequest> pending();
+  // From the machine's side; handle 0 stands for all that are waiting to be accepted.
+  void completePending(uint64_t handle, uint32_t windowsError);
+
+  // Tells everybody who is registered for one of the notice's events; throws when nobody is.
+  void notify(const tSimulatorNotice& notice);
+
   // The log from a sequence number on, oldest entry first.
   [[nodiscard]] std::vector<tSimulatorLogEntry> log(uint64_t from = 1);
   void clearLog();

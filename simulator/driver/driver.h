@@ -45,6 +45,7 @@ tPresenceListener showPresentInterfaces;
 /* The routines behind the IRPs: plugandplay.c, files.c, requests.c. */
 DRIVER_DISPATCH dispatchPlugAndPlay;
 DRIVER_DISPATCH dispatchCreate;
+DRIVER_DISPATCH dispatchCleanUp;
 DRIVER_DISPATCH dispatchClose;
 DRIVER_DISPATCH dispatchDeviceControl;
 
@@ -53,5 +54,14 @@ tModelFile modelFileOf(const FILE_OBJECT* file);
 
 /* Ends an IRP. */
 NTSTATUS completeIrp(IRP* irp, NTSTATUS status, ULONG_PTR information);
+/* The status that arrives at the caller as the Windows error. */
+NTSTATUS statusOfWindowsError(uint32_t windowsError);
+
+/* pendingirps.c: IRPs that the machine keeps pending. With the machine locked. */
+uint64_t tokenOf(const IRP* irp);
+/* Returns STATUS_PENDING; the IRP may be over by then. */
+NTSTATUS keepPending(IRP* irp);
+void completePendingIrp(void* context, uint64_t token, uint32_t windowsError, const void* output,
+                        uint32_t size);
 
 #endif

@@ -7,9 +7,9 @@ NTSTATUS completeIrp(IRP* irp, NTSTATUS status, ULONG_PTR information) {
   return status;
 }
 
-static NTSTATUS NTAPI dispatchNothing(DEVICE_OBJECT* device, IRP* irp) {
-  (void)device;
-  return completeIrp(irp, STATUS_SUCCESS, 0);
+NTSTATUS statusOfWindowsError(uint32_t windowsError) {
+  /* 0xC001 in the upper half hands the lower half through unchanged. */
+  return windowsError == 0 ? STATUS_SUCCESS : (NTSTATUS)(0xC0010000u | windowsError);
 }
 
 /* The system says which devices are gone before it unloads the driver. */
@@ -26,7 +26,7 @@ NTSTATUS NTAPI DriverEntry(DRIVER_OBJECT* driver, UNICODE_STRING* registryPath) 
   driver->DriverUnload = unload;
   driver->MajorFunction[IRP_MJ_PNP] = dispatchPlugAndPlay;
   driver->MajorFunction[IRP_MJ_CREATE] = dispatchCreate;
-  driver->MajorFunction[IRP_MJ_CLEANUP] = dispatchNothing;
+  driver->MajorFunction[IRP_MJ_CLEANUP] = dispatchCleanUp;
   driver->MajorFunction[IRP_MJ_CLOSE] = dispatchClose;
   driver->MajorFunction[IRP_MJ_DEVICE_CONTROL] = dispatchDeviceControl;
   return STATUS_SUCCESS;

@@ -22,10 +22,22 @@ NTSTATUS NTAPI dispatchCreate(DEVICE_OBJECT* deviceObject, IRP* irp) {
   return completeIrp(irp, STATUS_SUCCESS, 0);
 }
 
+/* The last handle is closed. What the file still has pending would keep it from being closed. */
+NTSTATUS NTAPI dispatchCleanUp(DEVICE_OBJECT* deviceObject, IRP* irp) {
+  (void)deviceObject;
+  const tModelFile modelFile = modelFileOf(IoGetCurrentIrpStackLocation(irp)->FileObject);
+  lockMachine();
+  modelCleanUp(lockedMachine(), &modelFile);
+  unlockMachine();
+  return completeIrp(irp, STATUS_SUCCESS, 0);
+}
+
 NTSTATUS NTAPI dispatchClose(DEVICE_OBJECT* deviceObject, IRP* irp) {
   (void)deviceObject;
   const tModelFile modelFile = modelFileOf(IoGetCurrentIrpStackLocation(irp)->FileObject);
   lockMachine();
+  /* Wine closes a file without cleaning it up first. */
+  modelCleanUp(lockedMachine(), &modelFile);
   modelClose(lockedMachine(), &modelFile);
   unlockMachine();
   return completeIrp(irp, STATUS_SUCCESS, 0);

@@ -1,3 +1,4 @@
+#include "simulator/callermemory/callerevent.h"
 #include "simulator/callermemory/callermemory.h"
 #include "simulator/driver/driver.h"
 
@@ -19,6 +20,11 @@ static bool writeCaller(void* context, uint64_t process, uint64_t address, const
   return callerMemoryWrite(process, address, source, size) != 0;
 }
 
+static bool signalEvent(void* context, uint64_t process, uint64_t event) {
+  (void)context;
+  return callerEventSignal(process, event) != 0;
+}
+
 static void presenceChanged(void* context, const tSimulatorPresence* presence) {
   (void)context;
   thePresence = *presence;
@@ -26,7 +32,8 @@ static void presenceChanged(void* context, const tSimulatorPresence* presence) {
 }
 
 void initialiseMachine(tPresenceListener* listener) {
-  static const tModelHost kHost = {NULL, readCaller, writeCaller, presenceChanged};
+  static const tModelHost kHost = {NULL,        readCaller,         writeCaller,
+                                   signalEvent, completePendingIrp, presenceChanged};
   theListener = listener;
   ExInitializeFastMutex(&theLock);
   modelInitialise(&theMachine, &kHost);

@@ -1,10 +1,5 @@
 #include "simulator/driver/driver.h"
-
-/* The status that arrives at the caller as the Windows error: 0xC001 in the upper half hands the
- * lower half through unchanged. */
-static NTSTATUS statusOf(uint32_t windowsError) {
-  return windowsError == 0 ? STATUS_SUCCESS : (NTSTATUS)(0xC0010000u | windowsError);
-}
+#include "simulator/model/windowserrors.h"
 
 NTSTATUS NTAPI dispatchDeviceControl(DEVICE_OBJECT* deviceObject, IRP* irp) {
   (void)deviceObject;
@@ -16,9 +11,13 @@ NTSTATUS NTAPI dispatchDeviceControl(DEVICE_OBJECT* deviceObject, IRP* irp) {
       .inputSize = stack->Parameters.DeviceIoControl.InputBufferLength,
       .output = irp->AssociatedIrp.SystemBuffer,
       .outputSize = stack->Parameters.DeviceIoControl.OutputBufferLength,
+      .token = tokenOf(irp),
   };
   lockMachine();
   const tModelReply reply = modelRequest(lockedMachine(), &request);
+  const bool isPending = reply.windowsError == kWindowsErrorIoPending;
+  const NTSTATUS pending = isPending ? keepPending(irp) : STATUS_SUCCESS;
   unlockMachine();
-  return completeIrp(irp, statusOf(reply.windowsError), reply.size);
+  return isPending ? pending
+                   : completeIrp(irp, statusOfWindowsError(reply.windowsError), reply.size);
 }

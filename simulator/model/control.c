@@ -4,6 +4,8 @@
 
 #include "simulator/model/bytes.h"
 #include "simulator/model/defaultmachine.h"
+#include "simulator/model/notifications.h"
+#include "simulator/model/pendingrequests.h"
 #include "simulator/model/windowserrors.h"
 
 enum {
@@ -51,6 +53,9 @@ static void changePresence(tModel* model, const tSimulatorPresence* presence) {
 void resetMachine(tModel* model) {
   makeDefaultMachine(model);
   scriptsClear(&model->scripts);
+  abortAllPending(model);
+  abortAllNotifications(model);
+  pendingClear(&model->pending);
   logClear(&model->log);
 }
 
@@ -181,6 +186,67 @@ static tModelReply clearLog(tModel* model, const tModelRequest* request) {
   return done();
 }
 
+static tModelReply setAcceptance(tModel* model, const tModelRequest* request) {
+  uint32_t acceptance;
+  if (!readInput(request, &acceptance, sizeof(acceptance)) || acceptance > kSimulatorAcceptNever) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  model->pending.acceptance = (tSimulatorAcceptance)acceptance;
+  return done();
+}
+
+static tModelReply acceptWaiting(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  acceptPending(model);
+  return done();
+}
+
+static tSimulatorPendingRequest describePending(const tPendingEntry* entry) {
+  return (tSimulatorPendingRequest){.process = entry->file.process,
+                                    .file = entry->file.file,
+                                    .handle = entry->handle,
+                                    .b = entry->b,
+                                    .interfaceKind = entry->file.interfaceKind,
+                                    .a = entry->a,
+                                    .c = entry->c};
+}
+
+static tModelReply readPending(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  const uint32_t room = request->outputSize / (uint32_t)sizeof(tSimulatorPendingRequest);
+  const uint32_t count = smallerOf(model->pending.count, room);
+  uint8_t* to = request->output;
+  for (uint32_t i = 0; i < count; ++i) {
+    const tSimulatorPendingRequest record = describePending(&model->pending.entries[i]);
+    copyBytes(to, &record, sizeof(record));
+    to += sizeof(record);
+  }
+  return (tModelReply){kWindowsErrorNone, count * (uint32_t)sizeof(tSimulatorPendingRequest)};
+}
+
+static tModelReply completeOne(tModel* model, const tModelRequest* request) {
+  tSimulatorCompletion completion;
+  if (!readInput(request, &completion, sizeof(completion)) ||
+      completion.windowsError > UINT16_MAX || completion.windowsError == kWindowsErrorIoPending) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return completePending(model, completion.handle, completion.windowsError)
+             ? done()
+             : failed(kWindowsErrorNotFound);
+}
+
+static tModelReply tell(tModel* model, const tModelRequest* request) {
+  tSimulatorNotice notice;
+  if (!readInput(request, &notice, sizeof(notice))) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return notify(model, &notice) != 0 ? done() : failed(kWindowsErrorNotFound);
+}
+
 typedef struct tControlRequest {
   uint32_t code;
   tModelReply (*carryOut)(tModel* model, const tModelRequest* request);
@@ -201,6 +267,11 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_CLEAR_LOG, clearLog},
     {SIMULATOR_ALLOW_WRITES, allowWrites},
     {SIMULATOR_REFUSE_WRITES, refuseWrites},
+    {SIMULATOR_SET_ACCEPTANCE, setAcceptance},
+    {SIMULATOR_ACCEPT_PENDING, acceptWaiting},
+    {SIMULATOR_READ_PENDING, readPending},
+    {SIMULATOR_COMPLETE_PENDING, completeOne},
+    {SIMULATOR_NOTIFY, tell},
 };
 
 tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {

@@ -3,47 +3,46 @@
 #include "simulator/model/bytes.h"
 #include "simulator/model/control.h"
 #include "simulator/model/defaultmachine.h"
+#include "simulator/model/logentry.h"
+#include "simulator/model/notifications.h"
+#include "simulator/model/pendingrequests.h"
 #include "simulator/model/scriptedanswers.h"
 
 static bool isLogged(const tModelFile* file) {
   return file->interfaceKind != kSimulatorInterfaceControl;
 }
 
-static void startEntry(tSimulatorLogEntry* entry, const tModelFile* file, tSimulatorEvent event) {
-  fillWithZeros(entry, sizeof(*entry));
-  entry->process = file->process;
-  entry->file = file->file;
-  entry->event = event;
-  entry->interfaceKind = file->interfaceKind;
-}
-
 static void logFileEvent(tModel* model, const tModelFile* file, tSimulatorEvent event) {
   if (isLogged(file)) {
     tSimulatorLogEntry entry;
-    startEntry(&entry, file, event);
+    startLogEntry(&entry, file, event);
     logAppend(&model->log, &entry);
   }
 }
 
 static tModelReply answerAndLog(tModel* model, const tModelRequest* request) {
   tSimulatorLogEntry entry;
-  startEntry(&entry, &request->file, kSimulatorEventRequest);
+  startLogEntry(&entry, &request->file, kSimulatorEventRequest);
   entry.requestCode = request->code;
   entry.inputSize = request->inputSize;
   /* Before the answer: it may overwrite the input. */
   copyBytes(entry.input, request->input, smallerOf(request->inputSize, sizeof(entry.input)));
 
+  /* Before what it brings about. */
+  tSimulatorLogEntry* logged = logAppend(&model->log, &entry);
+
   const tModelReply reply = answerDriverRequest(model, request);
 
-  entry.outputSize = reply.size;
-  entry.windowsError = reply.windowsError;
-  copyBytes(entry.output, request->output, smallerOf(reply.size, sizeof(entry.output)));
-  logAppend(&model->log, &entry);
+  logged->outputSize = reply.size;
+  logged->windowsError = reply.windowsError;
+  copyBytes(logged->output, request->output, smallerOf(reply.size, sizeof(logged->output)));
   return reply;
 }
 
 void modelInitialise(tModel* model, const tModelHost* host) {
   model->host = *host;
+  pendingClear(&model->pending);
+  fillWithZeros(&model->notifications, sizeof(model->notifications));
   resetMachine(model);
   model->presence = kDefaultPresence;
   host->presenceChanged(host->context, &model->presence);
@@ -51,6 +50,19 @@ void modelInitialise(tModel* model, const tModelHost* host) {
 
 void modelOpen(tModel* model, const tModelFile* file) {
   logFileEvent(model, file, kSimulatorEventOpen);
+}
+
+void modelCleanUp(tModel* model, const tModelFile* file) {
+  abortPendingOf(model, file);
+  abortNotificationsOf(model, file);
+}
+
+void modelPended(tModel* model, uint64_t token) {
+  acceptIfAtOnce(model, token);
+}
+
+bool modelCancel(tModel* model, uint64_t token) {
+  return forgetPending(model, token) || forgetNotificationRequest(model, token);
 }
 
 void modelClose(tModel* model, const tModelFile* file) {

@@ -11,6 +11,7 @@
 #include <stdint.h>
 
 #include "simulator/control/controlprotocol.h"
+#include "simulator/model/modelfile.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -25,16 +26,15 @@ typedef struct tModelHost {
                      uint32_t size);
   bool (*writeCaller)(void* context, uint64_t process, uint64_t address, const void* source,
                       uint32_t size);
+  /* Signals an event of the calling process. False when it is none. */
+  bool (*signalEvent)(void* context, uint64_t process, uint64_t event);
+  /* Completes a request that was left pending; `output` fits its buffer. Its token is free from then
+   * on. */
+  void (*completeRequest)(void* context, uint64_t token, uint32_t windowsError, const void* output,
+                          uint32_t size);
   /* The presence of device interfaces has changed and the host is to publish or withdraw them. */
   void (*presenceChanged)(void* context, const tSimulatorPresence* presence);
 } tModelHost;
-
-/* One open file: on which interface, by which process. `file` is chosen by the host, never 0. */
-typedef struct tModelFile {
-  uint64_t file;
-  uint64_t process;
-  tSimulatorInterface interfaceKind;
-} tModelFile;
 
 /* One device control request. `input` and `output` may be the same memory. */
 typedef struct tModelRequest {
@@ -44,10 +44,11 @@ typedef struct tModelRequest {
   uint32_t inputSize;
   void* output;
   uint32_t outputSize; /* its capacity in bytes */
+  uint64_t token;      /* names it while it is pending; 0: the host cannot keep it pending */
 } tModelRequest;
 
 typedef struct tModelReply {
-  uint32_t windowsError; /* 0: success; else the request fails with it */
+  uint32_t windowsError; /* 0: success; 997: the request is pending; else it fails with it */
   uint32_t size;         /* bytes written to `output`; 0 on failure */
 } tModelReply;
 
@@ -58,7 +59,14 @@ typedef struct tModel tModel;
 /* Makes the default machine and tells the host its presence. */
 void modelInitialise(tModel* model, const tModelHost* host);
 void modelOpen(tModel* model, const tModelFile* file);
+/* The file's last handle is closed: completes what it has pending. May be told twice. */
+void modelCleanUp(tModel* model, const tModelFile* file);
+/* The file is gone, and no request on it is under way. */
 void modelClose(tModel* model, const tModelFile* file);
+/* The host is ready to complete a request that it has just been told is pending. */
+void modelPended(tModel* model, uint64_t token);
+/* The host completes a pending request itself, as cancelled. False when it is no longer pending. */
+bool modelCancel(tModel* model, uint64_t token);
 tModelReply modelRequest(tModel* model, const tModelRequest* request);
 
 #ifdef __cplusplus

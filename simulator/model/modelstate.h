@@ -4,6 +4,8 @@
 
 #include "simulator/model/attributes.h"
 #include "simulator/model/model.h"
+#include "simulator/model/notificationlist.h"
+#include "simulator/model/pendinglist.h"
 #include "simulator/model/requestlog.h"
 #include "simulator/model/scripts.h"
 #include "simulator/model/smbioshandover.h"
@@ -15,6 +17,8 @@ struct tModel {
   tSmbiosHandover handover;
   tAttributeStore attributes;
   tScriptList scripts;
+  tPendingList pending;
+  tNotificationList notifications;
   tRequestLog log;
 };
 

@@ -20,11 +20,12 @@ void logClear(tRequestLog* log) {
   log->nextSequence = 1;
 }
 
-void logAppend(tRequestLog* log, const tSimulatorLogEntry* entry) {
+tSimulatorLogEntry* logAppend(tRequestLog* log, const tSimulatorLogEntry* entry) {
   tSimulatorLogEntry* slot = &log->entries[slotOf(log->nextSequence)];
   *slot = *entry;
   slot->sequence = log->nextSequence;
   ++log->nextSequence;
+  return slot;
 }
 
 uint32_t logCountFrom(const tRequestLog* log, uint64_t fromSequence) {

@@ -12,8 +12,9 @@ typedef struct tRequestLog {
 } tRequestLog;
 
 void logClear(tRequestLog* log);
-/* Keeps a copy of the entry under the next sequence number. */
-void logAppend(tRequestLog* log, const tSimulatorLogEntry* entry);
+/* Keeps a copy of the entry under the next sequence number. The copy may be completed as long as it is
+ * among the latest SIMULATOR_LOG_CAPACITY. */
+tSimulatorLogEntry* logAppend(tRequestLog* log, const tSimulatorLogEntry* entry);
 /* The number of entries kept whose sequence number is at least `fromSequence`. */
 uint32_t logCountFrom(const tRequestLog* log, uint64_t fromSequence);
 /* Copies the oldest `count` of them to `destination`, which need not be aligned. */

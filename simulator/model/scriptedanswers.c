@@ -2,6 +2,8 @@
 
 #include "simulator/model/bytes.h"
 #include "simulator/model/driverrequests.h"
+#include "simulator/model/notifications.h"
+#include "simulator/model/pendingrequests.h"
 #include "simulator/model/windowserrors.h"
 
 static tModelReply failed(uint32_t windowsError) {
@@ -9,6 +11,12 @@ static tModelReply failed(uint32_t windowsError) {
 }
 
 static tModelReply answerAsTheMachineDoes(tModel* model, const tModelRequest* request) {
+  if (isPendingRequest(request->code)) {
+    return carryOutPendingRequest(model, request);
+  }
+  if (isNotificationRequest(request->code)) {
+    return carryOutNotificationRequest(model, request);
+  }
   const tDriverRequest* known = findDriverRequest(request->file.interfaceKind, request->code);
   if (known == NULL) {
     return failed(kWindowsErrorInvalidFunction);
@@ -23,7 +31,7 @@ static tModelReply answerAsTheMachineDoes(tModel* model, const tModelRequest* re
   return (tModelReply){kWindowsErrorNone, known->replySize};
 }
 
-/* The driver's status code is the last member of every reply. */
+/* The driver's status code is the last member of every reply that is not empty. */
 static void putDriverStatus(const tModelRequest* request, uint32_t replySize, int32_t status) {
   uint8_t* output = request->output;
   copyBytes(output + (replySize - sizeof(status)), &status, sizeof(status));
@@ -56,7 +64,7 @@ static tModelReply answerCut(tModel* model, const tModelRequest* request, uint32
 
 static tModelReply answerWithCode(tModel* model, const tModelRequest* request, int32_t status) {
   const tModelReply reply = answerAsTheMachineDoes(model, request);
-  if (reply.windowsError == kWindowsErrorNone) {
+  if (reply.windowsError == kWindowsErrorNone && reply.size >= sizeof(status)) {
     putDriverStatus(request, reply.size, status);
   }
   return reply;

@@ -2,6 +2,8 @@
 
 #include <stddef.h>
 
+#include "simulator/model/windowserrors.h"
+
 enum {
   kWindowsErrorLimit = 65536
 };
@@ -26,7 +28,9 @@ bool scriptIsValid(const tSimulatorScript* script) {
   if (script->windowsError >= kWindowsErrorLimit || script->replySize > SIMULATOR_OUTPUT_CAPACITY) {
     return false;
   }
-  return script->action != kSimulatorActionFail || script->windowsError != 0;
+  /* Nothing would ever complete a request that a script leaves pending. */
+  return script->windowsError != kWindowsErrorIoPending &&
+         (script->action != kSimulatorActionFail || script->windowsError != kWindowsErrorNone);
 }
 
 bool scriptsAdd(tScriptList* scripts, const tSimulatorScript* script) {

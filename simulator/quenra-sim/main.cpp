@@ -33,6 +33,7 @@ int run(int argumentCount, char** arguments) {
   addScenario(app, action);
   addAttribute(app, action);
   addAnswer(app, action);
+  addPending(app, action);
   addLog(app, action);
   try {
     app.parse(argumentCount, arguments);

@@ -1,8 +1,5 @@
 #include <windows.h>
 
-#include <chrono>
-#include <thread>
-
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/unusual.h"
 
@@ -19,28 +16,4 @@ HANDLE WINAPI CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL
   }
   const std::lock_guard lock(objects().mutex);
   return objects().add(tEvent{manualReset != FALSE, initiallySignalled != FALSE});
-}
-
-DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-  const tInside inside;
-  constexpr auto kCall = tCall::waitForSingleObject;
-  expectUsual(milliseconds == INFINITE, kCall, "only waiting without limit is supported");
-  if (const auto error = faultPlan().enter(kCall)) {
-    SetLastError(*error);
-    return WAIT_FAILED;
-  }
-  std::unique_lock lock(objects().mutex);
-  for (;;) {
-    tEvent* const event = objects().find<tEvent>(handle);
-    expectUsual(event != nullptr, kCall, "not an event, or one that was closed");
-    if (event->signalled) {
-      event->signalled = event->manualReset;
-      return WAIT_OBJECT_0;
-    }
-    objects().changed.wait(lock);
-  }
-}
-
-void WINAPI Sleep(DWORD milliseconds) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }

@@ -9,39 +9,28 @@ using namespace nFakeWindows;
 
 namespace {
 
-constexpr DWORD kStatusPending = 0x103;
-constexpr DWORD kStatusCancelled = 0xC0000120;
-// The status of a request that failed with a Windows error: the error, marked as one.
-constexpr DWORD kErrorMark = 0xC0070000;
-
-DWORD statusOf(DWORD error) {
-  return error == 0 ? 0 : kErrorMark | error;
-}
-
-DWORD errorOf(DWORD status) {
-  return status == kStatusCancelled ? ERROR_OPERATION_ABORTED : status & 0xFFFF;
-}
-
 struct tOutcome {
   DWORD error;
   DWORD bytes;
 };
 
 // A device request. As with the system's buffered method, the driver works on a copy of the input,
-// and the caller receives as many bytes as the driver says.
-tOutcome carryOut(const tModelFile& file, DWORD code, const void* in, DWORD inSize, void* out,
-                  DWORD outSize) {
-  std::vector<uint8_t> buffer(std::max(inSize, outSize));
-  std::copy_n(static_cast<const uint8_t*>(in), inSize, buffer.begin());
+// which was made when the request was, and the caller receives as many bytes as the driver says.
+tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>& in, void* out,
+                  DWORD outSize, const OVERLAPPED* overlapped) {
+  std::vector<uint8_t> buffer(std::max<size_t>(in.size(), outSize));
+  std::copy(in.begin(), in.end(), buffer.begin());
   const tModelReply reply =
-      machine().request({file, code, buffer.data(), inSize, buffer.data(), outSize});
+      machine().request({file, code, buffer.data(), static_cast<uint32_t>(in.size()), buffer.data(),
+                         outSize, reinterpret_cast<uintptr_t>(overlapped)});
   std::copy_n(buffer.begin(), reply.size, static_cast<uint8_t*>(out));
   return {reply.windowsError, reply.size};
 }
 
 // What the three kinds of transfer have in common. `work` carries the transfer out.
 template <class Work>
-BOOL transfer(tCall call, HANDLE handle, DWORD* bytes, OVERLAPPED* overlapped, Work work) {
+BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* overlapped,
+              Work work) {
   tModelFile file{};
   bool isOverlapped = false;
   {
@@ -69,17 +58,24 @@ BOOL transfer(tCall call, HANDLE handle, DWORD* bytes, OVERLAPPED* overlapped, W
   {
     const std::lock_guard lock(objects().mutex);
     tEvent* const event = objects().find<tEvent>(overlapped->hEvent);
-    expectUsual(event != nullptr, call, "an OVERLAPPED without an event");
-    expectUsual((reinterpret_cast<uintptr_t>(overlapped->hEvent) & 1) != 0, call,
-                "an event without its lowest bit set: the completion would go to a port");
-    event->signalled = false;
+    tFile& started = *objects().find<tFile>(handle);
+    expectUsual(event != nullptr || (overlapped->hEvent == nullptr && started.port != nullptr),
+                call, "neither an event nor a port would tell of the completion");
+    expectUsual(event == nullptr || (reinterpret_cast<uintptr_t>(overlapped->hEvent) & 1) != 0,
+                call, "an event without its lowest bit set: the completion would go to a port");
+    if (event != nullptr) {
+      event->signalled = false;
+    }
     overlapped->Internal = kStatusPending;
-    objects().find<tFile>(handle)->pending.push_back(overlapped);
+    started.pending.push_back({overlapped, out});
   }
   const auto finish = [=](const tModelFile& on) {
     const tOutcome outcome = plannedError != 0 ? tOutcome{plannedError, 0} : work(on);
-    const std::lock_guard lock(objects().mutex);
-    objects().complete(*overlapped, statusOf(outcome.error), outcome.bytes);
+    if (outcome.error != ERROR_IO_PENDING) {
+      const std::lock_guard lock(objects().mutex);
+      objects().complete(*overlapped, outcome.error, outcome.bytes,
+                         outcome.error != 0 && completion == tCompletion::atOnce);
+    }
     return outcome;
   };
   if (completion == tCompletion::atOnce) {
@@ -133,9 +129,12 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, 
     SetLastError(*error);
     return FALSE;
   }
-  return transfer(tCall::deviceIoControl, handle, bytes, overlapped, [=](const tModelFile& file) {
-    return carryOut(file, code, in, inSize, out, outSize);
-  });
+  const auto* const bytesIn = static_cast<const uint8_t*>(in);
+  const std::vector<uint8_t> input(bytesIn, bytesIn + inSize);
+  return transfer(tCall::deviceIoControl, handle, out, bytes, overlapped,
+                  [=](const tModelFile& file) {
+                    return carryOut(file, code, input, out, outSize, overlapped);
+                  });
 }
 
 // The simulated driver takes neither reads nor writes.
@@ -145,7 +144,7 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID, DWORD, LPDWORD bytes, LPOVERLAPPED o
     SetLastError(*error);
     return FALSE;
   }
-  return transfer(tCall::readFile, handle, bytes, overlapped, [](const tModelFile&) {
+  return transfer(tCall::readFile, handle, nullptr, bytes, overlapped, [](const tModelFile&) {
     return tOutcome{ERROR_INVALID_FUNCTION, 0};
   });
 }
@@ -156,7 +155,7 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID, DWORD, LPDWORD bytes, LPOVERLAPPED
     SetLastError(*error);
     return FALSE;
   }
-  return transfer(tCall::writeFile, handle, bytes, overlapped, [](const tModelFile&) {
+  return transfer(tCall::writeFile, handle, nullptr, bytes, overlapped, [](const tModelFile&) {
     return tOutcome{ERROR_INVALID_FUNCTION, 0};
   });
 }
@@ -174,7 +173,7 @@ BOOL WINAPI GetOverlappedResult(HANDLE, LPOVERLAPPED overlapped, LPDWORD bytes, 
   *bytes = static_cast<DWORD>(overlapped->InternalHigh);
   const auto status = static_cast<DWORD>(overlapped->Internal);
   if (status != 0) {
-    SetLastError(errorOf(status));
+    SetLastError(errorOfStatus(status));
   }
   return status == 0;
 }
@@ -187,36 +186,54 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
     SetLastError(*error);
     return FALSE;
   }
+  // What the machine keeps pending ...
+  const bool cancelled = machine().cancel(reinterpret_cast<uintptr_t>(overlapped));
   const std::lock_guard lock(objects().mutex);
-  tFile* const file = objects().find<tFile>(handle);
-  expectUsual(file != nullptr, kCall, "not a file, or one that was closed");
-  // A request that another thread is about to complete is too far gone to be cancelled.
-  if (faultPlan().completion() != tCompletion::never || overlapped->Internal != kStatusPending) {
+  expectUsual(objects().find<tFile>(handle) != nullptr, kCall,
+              "not a file, or one that was closed");
+  // ... and what never reached it. A request that another thread is about to complete is too far
+  // gone.
+  const bool neverSent =
+      faultPlan().completion() == tCompletion::never && overlapped->Internal == kStatusPending;
+  if (!cancelled && !neverSent) {
     SetLastError(ERROR_NOT_FOUND);
     return FALSE;
   }
-  objects().complete(*overlapped, kStatusCancelled, 0);
+  objects().complete(*overlapped, ERROR_OPERATION_ABORTED, 0);
   return TRUE;
 }
 
+namespace {
+
+std::optional<tModelFile> fileBehind(HANDLE handle) {
+  const std::lock_guard lock(objects().mutex);
+  const tFile* const file = objects().find<tFile>(handle);
+  return file == nullptr ? std::nullopt : std::optional(file->file);
+}
+
+void closeObject(HANDLE handle) {
+  const std::lock_guard lock(objects().mutex);
+  const tFile* const file = objects().find<tFile>(handle);
+  expectUsual(file == nullptr || file->pending.empty(), tCall::closeHandle,
+              "a file with a request under way that nobody ends");
+  const bool isPort = objects().find<tPort>(handle) != nullptr;
+  expectUsual(file != nullptr || isPort || objects().isSignalled(handle).has_value(),
+              tCall::closeHandle, "not an object that is closed this way, or closed already");
+  static_cast<void>(objects().remove(handle));
+}
+
+}  // namespace
+
 BOOL WINAPI CloseHandle(HANDLE handle) {
   const tInside inside;
-  constexpr auto kCall = tCall::closeHandle;
-  std::optional<tModelFile> closed;
-  bool known = false;
-  {
-    const std::lock_guard lock(objects().mutex);
-    if (tFile* const file = objects().find<tFile>(handle)) {
-      expectUsual(file->pending.empty(), kCall, "a file with a request under way");
-      closed = file->file;
-    }
-    known = objects().find<tEvent>(handle) != nullptr || closed;
-    expectUsual(known, kCall, "neither an event nor a file, or closed already");
-    static_cast<void>(objects().remove(handle));
+  const std::optional<tModelFile> file = fileBehind(handle);
+  static_cast<void>(faultPlan().enter(tCall::closeHandle, file ? "file" : "object"));
+  if (file) {
+    machine().cleanUp(*file);
   }
-  static_cast<void>(faultPlan().enter(kCall, closed ? "file" : "event"));
-  if (closed) {
-    machine().close(*closed);
+  closeObject(handle);
+  if (file) {
+    machine().close(*file);
   }
   return TRUE;
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/unusual.h"
 
 namespace nFakeWindows {
@@ -63,7 +64,11 @@ tMachine::tMachine() {
 
 void tMachine::reset() {
   const std::lock_guard lock(mutex_);
-  const tModelHost host = {this, &tMachine::readCaller, &tMachine::writeCaller,
+  const tModelHost host = {this,
+                           &tMachine::readCaller,
+                           &tMachine::writeCaller,
+                           &tMachine::signalEvent,
+                           &tMachine::completeRequest,
                            &tMachine::presenceChanged};
   modelInitialise(&model_, &host);
   paths_.clear();
@@ -115,6 +120,11 @@ tModelFile tMachine::open(const tDeviceInterface& device) {
   return file;
 }
 
+void tMachine::cleanUp(const tModelFile& file) {
+  const std::lock_guard lock(mutex_);
+  modelCleanUp(&model_, &file);
+}
+
 void tMachine::close(const tModelFile& file) {
   const std::lock_guard lock(mutex_);
   modelClose(&model_, &file);
@@ -122,7 +132,16 @@ void tMachine::close(const tModelFile& file) {
 
 tModelReply tMachine::request(const tModelRequest& request) {
   const std::lock_guard lock(mutex_);
-  return modelRequest(&model_, &request);
+  const tModelReply reply = modelRequest(&model_, &request);
+  if (reply.windowsError == ERROR_IO_PENDING) {
+    modelPended(&model_, request.token);
+  }
+  return reply;
+}
+
+bool tMachine::cancel(uint64_t token) {
+  const std::lock_guard lock(mutex_);
+  return modelCancel(&model_, token);
 }
 
 void tMachine::makeUnreachable(const void* memory, uint64_t size) {
@@ -176,6 +195,18 @@ bool tMachine::writeCaller(void* context, uint64_t process, uint64_t address, co
   }
   std::memcpy(pointerTo(address), source, size);
   return true;
+}
+
+bool tMachine::signalEvent(void*, uint64_t, uint64_t event) {
+  return objects().signal(pointerTo(event));
+}
+
+void tMachine::completeRequest(void*, uint64_t token, uint32_t windowsError, const void* output,
+                               uint32_t size) {
+  const std::lock_guard lock(objects().mutex);
+  OVERLAPPED& overlapped = *static_cast<OVERLAPPED*>(pointerTo(token));
+  objects().handOver(overlapped, output, size);
+  objects().complete(overlapped, windowsError, size);
 }
 
 void tMachine::presenceChanged(void* context, const tSimulatorPresence* presence) {

@@ -46,8 +46,14 @@ class tMachine {
 
   // Names the new file.
   [[nodiscard]] tModelFile open(const tDeviceInterface& device);
+  // The last handle is closed: what the file has pending completes.
+  void cleanUp(const tModelFile& file);
   void close(const tModelFile& file);
+  // The token of a request is the address of its OVERLAPPED. What is pending may be over when the
+  // call returns.
   [[nodiscard]] tModelReply request(const tModelRequest& request);
+  // False when the request is not pending.
+  [[nodiscard]] bool cancel(uint64_t token);
 
   // The driver can neither read nor write the caller's memory in this range.
   void makeUnreachable(const void* memory, uint64_t size);
@@ -68,6 +74,9 @@ class tMachine {
                                        void* destination, uint32_t size);
   [[nodiscard]] static bool writeCaller(void* context, uint64_t process, uint64_t address,
                                         const void* source, uint32_t size);
+  [[nodiscard]] static bool signalEvent(void* context, uint64_t process, uint64_t event);
+  static void completeRequest(void* context, uint64_t token, uint32_t windowsError,
+                              const void* output, uint32_t size);
   static void presenceChanged(void* context, const tSimulatorPresence* presence);
 
   std::mutex mutex_;

@@ -1,8 +1,37 @@
 #include "tests/fakewindows/objects.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace nFakeWindows {
+namespace {
+
+constexpr DWORD kStatusCancelled = 0xC0000120;
+// The status of a request that failed with a Windows error: the error, marked as one.
+constexpr DWORD kErrorMark = 0xC0070000;
+
+DWORD statusOfError(DWORD error) {
+  if (error == ERROR_OPERATION_ABORTED) {
+    return kStatusCancelled;
+  }
+  return error == 0 ? 0 : kErrorMark | error;
+}
+
+bool isKeptOffPorts(const OVERLAPPED& overlapped) {
+  return (reinterpret_cast<uintptr_t>(overlapped.hEvent) & 1) != 0;
+}
+
+}  // namespace
+
+std::vector<tTransfer>::iterator tFile::find(const OVERLAPPED& request) {
+  return std::find_if(pending.begin(), pending.end(), [&request](const tTransfer& transfer) {
+    return transfer.overlapped == &request;
+  });
+}
+
+DWORD errorOfStatus(DWORD status) noexcept {
+  return status == kStatusCancelled ? DWORD{ERROR_OPERATION_ABORTED} : status & 0xFFFF;
+}
 
 tObjects& objects() {
   // Never destroyed: the library under test may still close handles while the program ends.
@@ -25,23 +54,66 @@ std::vector<std::string> tObjects::open() {
   const std::lock_guard lock(mutex);
   std::vector<std::string> lines;
   for (const auto& [handle, object] : objects_) {
-    static constexpr const char* kKinds[] = {"event", "file", "device information set"};
+    static constexpr const char* kKinds[] = {"event", "thread", "file", "completion port",
+                                             "device information set"};
     lines.push_back(std::string(kKinds[object.index()]) + " " + std::to_string(handle));
   }
   return lines;
 }
 
-void tObjects::complete(OVERLAPPED& overlapped, DWORD status, DWORD bytes) {
-  overlapped.Internal = status;
+std::optional<bool> tObjects::isSignalled(HANDLE handle) {
+  if (const tEvent* const event = find<tEvent>(handle)) {
+    return event->signalled;
+  }
+  if (const tThread* const thread = find<tThread>(handle)) {
+    return thread->ended;
+  }
+  return std::nullopt;
+}
+
+bool tObjects::signal(HANDLE handle) {
+  const std::lock_guard lock(mutex);
+  tEvent* const event = find<tEvent>(handle);
+  if (event != nullptr) {
+    event->signalled = true;
+    changed.notify_all();
+  }
+  return event != nullptr;
+}
+
+tFile* tObjects::fileOf(const OVERLAPPED& overlapped) {
+  for (auto& [handle, object] : objects_) {
+    tFile* const file = std::get_if<tFile>(&object);
+    if (file != nullptr && file->find(overlapped) != file->pending.end()) {
+      return file;
+    }
+  }
+  return nullptr;
+}
+
+void tObjects::handOver(const OVERLAPPED& overlapped, const void* reply, size_t size) {
+  if (tFile* const file = fileOf(overlapped)) {
+    std::copy_n(static_cast<const uint8_t*>(reply), size,
+                static_cast<uint8_t*>(file->find(overlapped)->out));
+  }
+}
+
+void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes, bool whileBeingMade) {
   overlapped.InternalHigh = bytes;
+  if (tFile* const file = fileOf(overlapped)) {
+    file->pending.erase(file->find(overlapped));
+    tPort* const port = find<tPort>(file->port);
+    if (port != nullptr && !isKeptOffPorts(overlapped) && !whileBeingMade) {
+      port->packets.push_back({bytes, file->key, &overlapped, error});
+    }
+  }
   if (tEvent* const event = find<tEvent>(overlapped.hEvent)) {
     event->signalled = true;
   }
-  for (auto& [handle, object] : objects_) {
-    if (tFile* const file = std::get_if<tFile>(&object)) {
-      std::erase(file->pending, &overlapped);
-    }
-  }
+  // As with the system, whoever started the request may look whether it has ended, and then do with
+  // the OVERLAPPED what they like.
+  std::atomic_ref<ULONG_PTR>(overlapped.Internal)
+      .store(statusOfError(error), std::memory_order_release);
   changed.notify_all();
 }
 

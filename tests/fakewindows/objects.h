@@ -4,9 +4,11 @@
 #include <windows.h>
 
 #include <condition_variable>
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <variant>
@@ -21,20 +23,48 @@ struct tEvent {
   bool manualReset;
   bool signalled;
 };
+struct tThread {
+  DWORD id;
+  bool ended = false;
+  int priority = THREAD_PRIORITY_NORMAL;
+};
+// A request under way, and where its reply goes.
+struct tTransfer {
+  OVERLAPPED* overlapped;
+  void* out;
+};
 struct tFile {
   tModelFile file;
   bool overlapped;
-  std::vector<OVERLAPPED*> pending;
+  std::vector<tTransfer> pending;
+  HANDLE port = nullptr;  // where completions go, if anywhere
+  ULONG_PTR key = 0;
+
+  // The end when it is not under way here.
+  [[nodiscard]] std::vector<tTransfer>::iterator find(const OVERLAPPED& request);
+};
+struct tPacket {
+  DWORD bytes;
+  ULONG_PTR key;
+  OVERLAPPED* overlapped;
+  DWORD error;
+};
+struct tPort {
+  std::deque<tPacket> packets;
 };
 struct tDeviceInformationSet {
   std::vector<tDeviceInterface> interfaces;
 };
 
+// What an OVERLAPPED says of its request.
+inline constexpr DWORD kStatusPending = 0x103;
+[[nodiscard]] DWORD errorOfStatus(DWORD status) noexcept;
+
 // Everything that has a handle, under one lock. Handles are never used twice, so that one that is
 // used after its end is noticed.
 class tObjects {
  public:
-  using tObject = std::variant<tEvent, tFile, tDeviceInformationSet>;
+  using tObject = std::variant<tEvent, tThread, tFile, tPort, tDeviceInformationSet>;
 
   // Guards all members below, and what they give access to.
   std::mutex mutex;
@@ -53,10 +83,21 @@ class tObjects {
   // One line for each thing that is open.
   [[nodiscard]] std::vector<std::string> open();
 
-  // Completes the request behind an OVERLAPPED. With the lock held.
-  void complete(OVERLAPPED& overlapped, DWORD status, DWORD bytes);
+  // An event, or a thread; null when the handle is neither. With the lock held.
+  [[nodiscard]] std::optional<bool> isSignalled(HANDLE handle);
 
-  // Threads that complete requests; joined by waitForThreads().
+  // False when the handle is no event. Takes the lock.
+  [[nodiscard]] bool signal(HANDLE handle);
+
+  // The rest with the lock held.
+
+  // Copies a reply to where the request behind an OVERLAPPED wants it.
+  void handOver(const OVERLAPPED& overlapped, const void* reply, size_t size);
+  // Completes the request behind an OVERLAPPED, which reaches the port of its file unless its event
+  // keeps it off. A request that fails while it is being made reaches no port either.
+  void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes, bool whileBeingMade = false);
+
+  // Threads that the library started or that complete requests; joined by waitForThreads().
   void addThread(std::thread thread);
   void waitForThreads();
 
@@ -65,12 +106,17 @@ class tObjects {
     return reinterpret_cast<uintptr_t>(handle) & ~uintptr_t{3};
   }
 
+  [[nodiscard]] tFile* fileOf(const OVERLAPPED& overlapped);
+
   std::map<uintptr_t, tObject> objects_;
   std::vector<std::thread> threads_;
   uintptr_t next_ = 0x1000;
 };
 
 [[nodiscard]] tObjects& objects();
+
+// The priority with which threads come to life from now on.
+void startThreadsWithPriority(int priority);
 
 // Critical sections that live.
 [[nodiscard]] int criticalSections();

@@ -3,6 +3,8 @@
 Environment:
   QUENRA_EXE      quenra.exe
   QUENRA_SIM_EXE  quenra-sim.exe
+  QUENRA_PENDING_HOLDER_EXE
+                  a program that keeps a request pending until its input ends
   QUENRA_RUNNER   what starts a Windows program, with its words as in a shell; empty on Windows
 """
 
@@ -18,10 +20,14 @@ ESCAPE = "\x1b"
 TIME_LIMIT_SECONDS = 60
 
 
-def start(program, words):
+def command(program, words=()):
     runner = shlex.split(os.environ.get("QUENRA_RUNNER", ""))
+    return runner + [os.environ[program], *words]
+
+
+def start(program, words):
     return subprocess.run(
-        runner + [os.environ[program], *words],
+        command(program, words),
         stdin=subprocess.DEVNULL,
         capture_output=True,
         timeout=TIME_LIMIT_SECONDS,
@@ -62,6 +68,12 @@ class CommandLineTest(unittest.TestCase):
             raise RuntimeError(
                 f"quenra-sim {shlex.join(words)}: {result.returncode} {result.stderr!r}"
             )
+        return result.stdout
+
+    @classmethod
+    def log(cls):
+        """What the driver has received and answered since the machine was reset, in order."""
+        return json.loads(cls.machine("log", "--json"))["entries"]
 
     def quenra(self, *words, exit_code=0):
         """A run as text. Nothing of it may be meant for a terminal."""

@@ -2,7 +2,7 @@ import unittest
 
 from commandline import CommandLineTest
 
-VERBS = ("info", "get", "attributes", "explain")
+VERBS = ("info", "get", "set", "self-test", "attributes", "explain", "completion", "help")
 
 
 class Help(CommandLineTest):

@@ -2,10 +2,12 @@
 
 import json
 import pathlib
+import subprocess
 import tempfile
+import time
 import unittest
 
-from commandline import CommandLineTest, start
+from commandline import CommandLineTest, command, start
 
 
 class Simulator(CommandLineTest):
@@ -13,6 +15,22 @@ class Simulator(CommandLineTest):
         result = start("QUENRA_SIM_EXE", words)
         self.assertEqual(result.returncode, exit_code, (words, result))
         return result
+
+    def pending(self):
+        return json.loads(self.sim("pending", "list", "--json").stdout)["pending"]
+
+    def wait_for(self, condition):
+        deadline = time.monotonic() + 20
+        while not condition():
+            self.assertLess(time.monotonic(), deadline, "it does not come")
+            time.sleep(0.05)
+
+    def holder(self):
+        """A program with a request pending on the controller; it ends when its input does."""
+        holder = subprocess.Popen(command("QUENRA_PENDING_HOLDER_EXE"), stdin=subprocess.PIPE,
+                                  stdout=subprocess.PIPE)
+        self.addCleanup(holder.communicate)
+        return holder
 
     def status(self):
         return json.loads(self.sim("status", "--json").stdout)
@@ -44,6 +62,17 @@ class Simulator(CommandLineTest):
             self.assertIn(b"more than 65536 bytes",
                           self.sim("scenario", "--table", f"Z:{table}", exit_code=2).stderr)
 
+    def test_structures_of_the_table_can_be_changed(self):
+        size = self.status()["tableSize"]
+        self.assertEqual(self.quenra("get", "0x2004B000").out, "1\n")
+        self.sim("scenario", "--structure-byte", "0x9D/4=7", "--structure-byte", "158/5=0x0")
+        self.assertEqual(self.quenra("get", "0x2004B000").out, "7\n")
+        self.assertEqual(self.status()["tableSize"], size)
+        self.sim("scenario", "--without-structure", "0x9D")
+        self.quenra("get", "0x2004B000", exit_code=3)
+        self.assertLess(self.status()["tableSize"], size)
+        self.sim("scenario", "--without-structure", "0x9D", exit_code=2)
+
     def test_attribute_is_given_and_removed(self):
         self.sim("attribute", "set", "controller", "0x20044C00", "--bytes", "04 03,0201")
         self.assertEqual(self.quenra("get", "driver-setting-1").out, f"{0x01020304}\n")
@@ -69,6 +98,33 @@ class Simulator(CommandLineTest):
         self.assertIn("get-attribute attribute=0x20044C00", "\n".join(lines))
         self.assertEqual(self.log(), [])
 
+    def test_pending_requests_are_shown_accepted_and_completed(self):
+        self.assertEqual(self.pending(), [])
+        self.sim("pending", "acceptance", "later")
+        holder = self.holder()
+        self.wait_for(self.pending)
+        self.assertEqual([(entry["handle"], entry["interface"], entry["a"], entry["b"], entry["c"])
+                          for entry in self.pending()], [(0, "controller", 1, 2, 3)])
+        self.assertIn(b"waiting process ", self.sim("pending", "list").stdout)
+        self.sim("pending", "accept")
+        self.assertEqual(holder.stdout.readline().strip(), b"0")
+        handle = self.pending()[0]["handle"]
+        self.assertIn(f"handle {handle} process ".encode(), self.sim("pending", "list").stdout)
+        self.sim("pending", "complete", str(handle), "--windows-error", "121")
+        self.assertEqual(self.pending(), [])
+        self.sim("pending", "complete", str(handle), exit_code=1)
+        events = [entry["event"] for entry in self.log()]
+        self.assertEqual(events, ["open", "request", "accepted", "completed"])
+        self.assertIn(f"completed pending-request handle={handle} -> Windows error 121",
+                      self.sim("log").stdout.decode())
+
+    def test_pending_requests_can_be_refused(self):
+        self.sim("answer", "add", "controller", "pending-request", "--windows-error", "21")
+        self.assertEqual(self.holder().stdout.readline().strip(), b"-52010")
+        self.sim("pending", "acceptance", "never")
+        self.assertEqual(self.holder().stdout.readline().strip(), b"0")
+        self.assertEqual(self.pending(), [])
+
     def test_wrong_usage_is_told(self):
         for words in (
             [],
@@ -76,11 +132,21 @@ class Simulator(CommandLineTest):
             ["scenario"],
             ["scenario", "--controllers", "3"],
             ["scenario", "--table", "Z:/does/not/exist"],
+            ["scenario", "--structure-byte", "0x9D"],
+            ["scenario", "--structure-byte", "0x9D/4=256"],
+            ["scenario", "--structure-byte", "0x9D/-1=0"],
+            ["scenario", "--structure-byte", "0x9D/6=0"],
+            ["scenario", "--structure-byte", "0xF0/4=0"],
+            ["scenario", "--without-structure", "256"],
             ["attribute", "set", "controller", "0x20044C00"],
             ["attribute", "set", "elsewhere", "0x20044C00", "--number", "1"],
             ["attribute", "set", "controller", "0x20044C00", "--bytes", "0g"],
             ["answer", "add", "controller"],
             ["answer", "add", "controller", "any", "--windows-error", "0"],
+            ["pending"],
+            ["pending", "acceptance", "sometimes"],
+            ["pending", "complete"],
+            ["pending", "complete", "1", "--windows-error", "65536"],
         ):
             with self.subTest(words=words):
                 result = self.sim(*words, exit_code=2)
@@ -93,7 +159,7 @@ class Simulator(CommandLineTest):
 
     def test_every_verb_has_help(self):
         for verb in ("install", "uninstall", "wait", "status", "reset", "scenario", "attribute",
-                     "answer", "log"):
+                     "answer", "pending", "log"):
             self.assertIn(b"--help", self.sim(verb, "--help").stdout)
 
     def test_installing_again_brings_the_default_machine(self):

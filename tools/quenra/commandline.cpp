@@ -3,61 +3,16 @@
 #include <span>
 #include <string_view>
 
-#include "tools/quenra/arguments.h"
 #include "tools/quenra/exitcode.h"
+#include "tools/quenra/grammar/parser.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/tcommanderror.h"
-#include "tools/quenra/verbs/attributes.h"
-#include "tools/quenra/verbs/explain.h"
-#include "tools/quenra/verbs/get.h"
-#include "tools/quenra/verbs/info.h"
 #include "tools/quenra/verbs/verbcontext.h"
 
 namespace nCommandLine {
 namespace {
 
 using tWords = std::span<const char* const>;
-
-tExitCode printHelp(const tVerbContext& context, std::string_view text) {
-  if (context.json) {
-    tJsonDocument document("help", tExitCode::done);
-    document.text("text", text);
-    document.writeTo(context.streams.out);
-  } else {
-    context.streams.out << text;
-  }
-  return tExitCode::done;
-}
-
-tExitCode printVersion(const tVerbContext& context) {
-  if (context.json) {
-    tJsonDocument document("version", tExitCode::done);
-    document.text("version", QUENRA_VERSION);
-    document.writeTo(context.streams.out);
-  } else {
-    context.streams.out << "quenra " QUENRA_VERSION "\n";
-  }
-  return tExitCode::done;
-}
-
-tExitCode runVerb(const tArguments& arguments, const tVerbContext& context) {
-  switch (arguments.verb) {
-    case tVerb::info:
-      return runInfo(context);
-    case tVerb::get:
-      return runGet(arguments.get, context);
-    case tVerb::attributes:
-      return runAttributes(context);
-    case tVerb::explain:
-      return runExplain(arguments.code, context);
-    case tVerb::version:
-      return printVersion(context);
-    case tVerb::help:
-      break;
-  }
-  return printHelp(context, arguments.helpText);
-}
 
 tExitCode report(const tCommandError& error, const tVerbContext& context, tWords words) {
   printError(context.streams.error, error);
@@ -69,7 +24,8 @@ tExitCode report(const tCommandError& error, const tVerbContext& context, tWords
 
 tExitCode runWords(const tVerbContext& context, tWords words) {
   try {
-    return runVerb(parseArguments(words), context);
+    const tArguments arguments = parseArguments(words);
+    return arguments.verb().run(arguments, context);
   } catch (const tCommandError& error) {
     return report(error, context, words);
   } catch (const std::exception& exception) {

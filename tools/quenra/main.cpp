@@ -1,14 +1,21 @@
-// The program on Windows: the library itself, the standard streams, and the console behind them.
+// The program on Windows: the library itself, the words it is given, the standard streams, and the
+// console behind them.
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
+// Needs the types of windows.h.
+#include <shellapi.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/reading/tquenralibrary.h"
+#include "tools/quenra/utf16word.h"
 
 namespace {
 
@@ -57,14 +64,38 @@ class tConsole {
   bool takesStyles_ = false;
 };
 
+struct tLocalFree {
+  void operator()(LPWSTR* memory) const noexcept { LocalFree(memory); }
+};
+
+// What `main` is given has gone through the process code page, which few characters survive, and
+// may have had its wildcards replaced by the names of files. Empty where memory is short.
+std::vector<std::string> commandLineWords() {
+  int count = 0;
+  const std::unique_ptr<LPWSTR, tLocalFree> words(CommandLineToArgvW(GetCommandLineW(), &count));
+  std::vector<std::string> result;
+  for (int i = 0; words && i < count; ++i) {
+    const LPCWSTR word = words.get()[i];
+    result.push_back(nCommandLine::utf8Word(std::u16string(word, word + wcslen(word))));
+  }
+  return result;
+}
+
 }  // namespace
 
-int main(int argc, char** argv) {
+int main() {
   // Lines end the same way wherever the program runs.
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
   const tConsole console;
   nCommandLine::tStreams streams{std::cout, std::cerr, console.present(), console.takesStyles()};
   nCommandLine::tQuenraLibrary library;
-  return nCommandLine::runCommandLine(argc, argv, streams, library);
+  const std::vector<std::string> words = commandLineWords();
+  std::vector<const char*> pointers;
+  pointers.reserve(words.size());
+  for (const std::string& word : words) {
+    pointers.push_back(word.c_str());
+  }
+  return nCommandLine::runCommandLine(static_cast<int>(pointers.size()), pointers.data(), streams,
+                                      library);
 }

@@ -27,6 +27,15 @@ uint32_t requestCodeOf(const tArguments& arguments) {
   if (name == "exchange-values") {
     return REQUEST_EXCHANGE_VALUES;
   }
+  if (name == "pending-request") {
+    return REQUEST_PENDING_NARROW;
+  }
+  if (name == "pending-request-wide") {
+    return REQUEST_PENDING_WIDE;
+  }
+  if (name == "end-pending") {
+    return REQUEST_END_PENDING;
+  }
   if (name == "send-command") {
     return arguments.script.interfaceKind == kSimulatorInterfaceMarten
                ? REQUEST_MARTEN_SEND_COMMAND
@@ -85,9 +94,10 @@ void addAnswer(CLI::App& app, tAction& action) {
       ->transform(interfaceNames());
   addVerb
       ->add_option("request", arguments.request,
-                   "get-attribute, set-attribute, exchange-values, send-command or any")
-      ->check(CLI::IsMember(
-          {"get-attribute", "set-attribute", "exchange-values", "send-command", "any"}))
+                   "get-attribute, set-attribute, exchange-values, send-command, pending-request, "
+                   "pending-request-wide, end-pending or any")
+      ->check(CLI::IsMember({"get-attribute", "set-attribute", "exchange-values", "send-command",
+                             "pending-request", "pending-request-wide", "end-pending", "any"}))
       ->capture_default_str();
   addVerb->add_option("--skip", arguments.script.skip, "Let so many requests through first")
       ->capture_default_str();

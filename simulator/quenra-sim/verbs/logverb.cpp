@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 
 #include "simulator/control/requestlogtext.h"
 #include "simulator/control/tsimulatedmachine.h"
@@ -26,14 +27,15 @@ std::string hexadecimal(const uint8_t* bytes, size_t size) {
 }
 
 void writeEntry(tJsonDocument& document, const tSimulatorLogEntry& entry) {
-  constexpr const char* kEvents[] = {"unknown", "open", "close", "request"};
+  constexpr const char* kEvents[] = {"unknown", "open",     "close",
+                                     "request", "accepted", "completed"};
   document.begin();
   document.member("sequence", entry.sequence);
   document.member("process", entry.process);
   document.member("file", entry.file);
   document.member("interface", interfaceName(entry.interfaceKind));
-  document.member("event", kEvents[entry.event <= kSimulatorEventRequest ? entry.event : 0]);
-  if (entry.event == kSimulatorEventRequest) {
+  document.member("event", kEvents[entry.event < std::size(kEvents) ? entry.event : 0]);
+  if (entry.event >= kSimulatorEventRequest) {
     document.member("request", requestName(entry.requestCode));
     document.member("windowsError", entry.windowsError);
     document.member(

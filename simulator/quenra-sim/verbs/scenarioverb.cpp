@@ -2,6 +2,7 @@
 #include <iterator>
 #include <optional>
 
+#include "simulator/control/tableedit.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "simulator/quenra-sim/verbs/verb.h"
 
@@ -14,7 +15,44 @@ struct tScenario {
   std::optional<uint32_t> devicePaths;
   std::optional<std::string> tableFile;
   std::optional<std::string> versionText;
+  std::vector<std::string> structureBytes;  // as "0x9D/4=1"
+  std::vector<uint16_t> removedStructures;  // types
+
+  [[nodiscard]] bool changesTable() const {
+    return tableFile || !structureBytes.empty() || !removedStructures.empty();
+  }
 };
+
+// What `--structure-byte` takes.
+struct tStructureByte {
+  uint8_t type;
+  uint8_t offset;
+  uint8_t value;
+};
+
+uint8_t byteOf(const std::string& text, const std::string& whole) {
+  try {
+    size_t used = 0;
+    const unsigned long number = std::stoul(text, &used, 0);
+    if (used == text.size() && number <= UINT8_MAX && text.front() != '-') {
+      return static_cast<uint8_t>(number);
+    }
+  } catch (const std::exception&) {
+    // Told below.
+  }
+  throw tUsageError("'" + whole + "' is no TYPE/OFFSET=VALUE of bytes, such as 0x9D/4=1");
+}
+
+tStructureByte parseStructureByte(const std::string& text) {
+  const size_t slash = text.find('/');
+  const size_t equals = text.find('=', slash == std::string::npos ? 0 : slash);
+  if (slash == std::string::npos || equals == std::string::npos) {
+    return {byteOf("", text), 0, 0};
+  }
+  return {byteOf(text.substr(0, slash), text),
+          byteOf(text.substr(slash + 1, equals - slash - 1), text),
+          byteOf(text.substr(equals + 1), text)};
+}
 
 std::vector<uint8_t> readFile(const std::string& name) {
   std::ifstream file(name, std::ios::binary);
@@ -30,20 +68,34 @@ std::vector<uint8_t> readFile(const std::string& name) {
   return bytes;
 }
 
+void editTable(std::vector<uint8_t>& table, const tScenario& scenario) {
+  for (const uint16_t type : scenario.removedStructures) {
+    if (!removeStructures(table, static_cast<uint8_t>(type))) {
+      throw tUsageError("the table has no structure of type " + std::to_string(type));
+    }
+  }
+  for (const std::string& text : scenario.structureBytes) {
+    const tStructureByte byte = parseStructureByte(text);
+    if (!changeStructureByte(table, byte.type, byte.offset, byte.value)) {
+      throw tUsageError("the table has no structure with the byte '" + text + "'");
+    }
+  }
+}
+
 void apply(const tScenario& scenario) {
-  if (!scenario.controllers && !scenario.martens && !scenario.devicePaths && !scenario.tableFile &&
-      !scenario.versionText) {
+  if (!scenario.controllers && !scenario.martens && !scenario.devicePaths &&
+      !scenario.changesTable() && !scenario.versionText) {
     throw tUsageError("scenario: say what is to change, or use 'quenra-sim reset'");
   }
   // Everything that can be wrong is found before anything is changed.
-  const std::vector<uint8_t> table =
-      scenario.tableFile ? readFile(*scenario.tableFile) : std::vector<uint8_t>();
   tSimulatedMachine machine;
+  std::vector<uint8_t> table = scenario.tableFile ? readFile(*scenario.tableFile) : machine.table();
+  editTable(table, scenario);
   tSimulatorPresence presence = machine.presence();
   presence.controllers = scenario.controllers.value_or(presence.controllers);
   presence.martens = scenario.martens.value_or(presence.martens);
   presence.devicePaths = scenario.devicePaths.value_or(presence.devicePaths);
-  if (scenario.tableFile) {
+  if (scenario.changesTable()) {
     machine.setTable(table);
   }
   if (scenario.versionText) {
@@ -65,6 +117,13 @@ void addScenario(CLI::App& app, tAction& action) {
       ->check(CLI::Range(0, 1));
   verb->add_option("--table", scenario.tableFile,
                    "SMBIOS structure table that the driver hands over, from a file as it is");
+  verb->add_option("--structure-byte", scenario.structureBytes,
+                   "Change a byte of the first structure of a type in that table, as 0x9D/4=1")
+      ->type_name("TYPE/OFFSET=VALUE");
+  verb->add_option("--without-structure", scenario.removedStructures,
+                   "Take the structures of a type out of that table")
+      ->check(CLI::Range(0, 255))
+      ->type_name("TYPE");
   verb->add_option("--version-text", scenario.versionText, "SMBIOS version text")
       ->check([](const std::string& text) {
         return text.size() < SIMULATOR_TEXT_CAPACITY ? std::string() : std::string("is too long");

@@ -112,10 +112,14 @@ TYPED_TEST(TypedInterface, AsAChannel_PassesThroughToItsDevice) {
   tStatus status;
   EXPECT_EQ(channel.read(nullptr, 7, status), 7u);
   EXPECT_EQ(channel.write(nullptr, 8, status), 8u);
+  nQUENRA1400::nZOAPAL000::tPendingRequest pending;
+  EXPECT_EQ(channel.beginPendingRequest(1, 20, 3, pending, status), 24u);
+  channel.endPendingRequest(pending);
   channel.close();
-  EXPECT_THAT(device.passedThrough(),
-              testing::ElementsAre(testing::StrEq("read"), testing::StrEq("write"),
-                                   testing::StrEq("close")));
+  EXPECT_THAT(
+      device.passedThrough(),
+      testing::ElementsAre(testing::StrEq("read"), testing::StrEq("write"), testing::StrEq("begin"),
+                           testing::StrEq("end"), testing::StrEq("close")));
 }
 
 TYPED_TEST(TypedInterface, Destroyed_LeavesItsDeviceOpen) {

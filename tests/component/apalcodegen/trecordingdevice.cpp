@@ -4,6 +4,7 @@
 
 namespace nTests {
 
+using nQUENRA1400::nZOAPAL000::tPendingRequest;
 using nZOAPALS100::tStatus;
 
 void tRecordingDevice::close() noexcept {
@@ -30,6 +31,16 @@ uint32_t tRecordingDevice::read(void*, uint32_t size, tStatus&) noexcept {
 uint32_t tRecordingDevice::write(const void*, uint32_t size, tStatus&) noexcept {
   passedThrough_.push_back("write");
   return size;
+}
+
+uint64_t tRecordingDevice::beginPendingRequest(uint16_t a, uint64_t b, uint8_t c, tPendingRequest&,
+                                               tStatus&) noexcept {
+  passedThrough_.push_back("begin");
+  return a + b + c;
+}
+
+void tRecordingDevice::endPendingRequest(tPendingRequest&) noexcept {
+  passedThrough_.push_back("end");
 }
 
 }  // namespace nTests

@@ -35,6 +35,10 @@ class tRecordingDevice final : public nQUENRA1400::nZOAPAL000::tDeviceInterfaceP
                          uint32_t outSize, nZOAPALS100::tStatus& status) noexcept override;
   uint32_t read(void* buffer, uint32_t size, nZOAPALS100::tStatus& status) noexcept override;
   uint32_t write(const void* buffer, uint32_t size, nZOAPALS100::tStatus& status) noexcept override;
+  uint64_t beginPendingRequest(uint16_t a, uint64_t b, uint8_t c,
+                               nQUENRA1400::nZOAPAL000::tPendingRequest& request,
+                               nZOAPALS100::tStatus& status) noexcept override;
+  void endPendingRequest(nQUENRA1400::nZOAPAL000::tPendingRequest& request) noexcept override;
 
  private:
   std::vector<uint8_t> reply_;

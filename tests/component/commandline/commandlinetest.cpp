@@ -16,7 +16,7 @@ rapidjson::Document tRun::document() const {
 
 CommandLineTest::~CommandLineTest() {
   EXPECT_EQ(library_.opens, library_.closes) << "a controller was left open";
-  EXPECT_FALSE(library_.readWhileClosed);
+  EXPECT_FALSE(library_.usedWhileClosed);
 }
 
 tRun CommandLineTest::run(const std::vector<std::string>& words) {

@@ -5,6 +5,8 @@
 #include "tools/quenra/catalogue/attributelookup.h"
 #include "tools/quenra/catalogue/numbertext.h"
 #include "tools/quenra/exitcode.h"
+#include "tools/quenra/grammar/synopsis.h"
+#include "tools/quenra/grammar/verbtable.h"
 
 namespace nTests {
 namespace {
@@ -25,6 +27,15 @@ TEST(Documentation, AttributeTable_IsTheCatalogue) {
   }
   EXPECT_THAT(tableUnder("docs/attributes.md", "## All attributes"),
               testing::ElementsAreArray(expected));
+}
+
+TEST(Documentation, SynopsisOfEveryVerb_IsTheGuides) {
+  const std::vector<std::string> lines = linesOf("docs/command-line.md");
+  for (const tVerbRow& verb : kVerbs) {
+    const std::string documented = "    " + synopsis(verb);
+    EXPECT_THAT(lines, testing::Contains(
+                           testing::AnyOf(documented, testing::StartsWith(documented + "  "))));
+  }
 }
 
 TEST(Documentation, ExitCodeTable_IsTheProgramsOwn) {

@@ -58,10 +58,35 @@ int32_t tScriptedLibrary::getAttributeU32(uint64_t handle, uint32_t attribute,
   return answer.code;
 }
 
+int32_t tScriptedLibrary::setAttributeUTF8(uint64_t handle, uint32_t attribute,
+                                           const char* text) noexcept {
+  return take(handle, {attribute, std::string(text)});
+}
+
+int32_t tScriptedLibrary::setAttributeU32(uint64_t handle, uint32_t attribute,
+                                          uint32_t value) noexcept {
+  return take(handle, {attribute, value});
+}
+
+int32_t tScriptedLibrary::performSelfTest(uint64_t handle) noexcept {
+  usedWhileClosed |= !isOpen(handle);
+  ++selfTests;
+  return selfTestCode;
+}
+
+int32_t tScriptedLibrary::take(uint64_t handle, tWrite write) {
+  usedWhileClosed |= !isOpen(handle);
+  writes.push_back(std::move(write));
+  return writeCode;
+}
+
+bool tScriptedLibrary::isOpen(uint64_t handle) const noexcept {
+  return opens > closes && handle == kHandle;
+}
+
 const tScriptedLibrary::tAnswer& tScriptedLibrary::answerTo(uint64_t handle, uint32_t attribute) {
   reads.push_back(attribute);
-  const bool open = opens > closes && handle == kHandle;
-  readWhileClosed |= !open && attribute != QUENRA_ATTRIBUTE_DEVICE_PATH;
+  usedWhileClosed |= !isOpen(handle) && attribute != QUENRA_ATTRIBUTE_DEVICE_PATH;
   const auto answer = answers_.find(attribute);
   return answer == answers_.end() ? none_ : answer->second;
 }

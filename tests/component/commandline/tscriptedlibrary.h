@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "quenra_status.h"
@@ -27,12 +28,25 @@ class tScriptedLibrary final : public nCommandLine::iQuenra {
   int32_t getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer,
                            uint64_t* size) noexcept override;
   int32_t getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value) noexcept override;
+  int32_t setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text) noexcept override;
+  int32_t setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value) noexcept override;
+  int32_t performSelfTest(uint64_t handle) noexcept override;
+
+  struct tWrite {
+    uint32_t id;
+    std::variant<std::string, uint32_t> value;
+    bool operator==(const tWrite&) const = default;
+  };
 
   int32_t openCode = QUENRA_STATUS_SUCCESS;
   int opens = 0;
   int closes = 0;
   std::vector<uint32_t> reads;  // ids, in order
-  bool readWhileClosed = false;
+  int32_t writeCode = QUENRA_STATUS_SUCCESS;
+  std::vector<tWrite> writes;
+  int32_t selfTestCode = QUENRA_STATUS_SUCCESS;
+  int selfTests = 0;
+  bool usedWhileClosed = false;
 
  private:
   struct tAnswer {
@@ -43,6 +57,8 @@ class tScriptedLibrary final : public nCommandLine::iQuenra {
   };
 
   const tAnswer& answerTo(uint64_t handle, uint32_t attribute);
+  int32_t take(uint64_t handle, tWrite write);
+  [[nodiscard]] bool isOpen(uint64_t handle) const noexcept;
 
   std::map<uint32_t, tAnswer> answers_;
   tAnswer none_;

@@ -17,6 +17,15 @@ namespace nTests {
 
 inline constexpr uint64_t kProcess = 77;
 
+inline constexpr uint32_t kPending = 997;
+
+struct tCompletion {
+  uint64_t token;
+  uint32_t windowsError;
+  std::vector<uint8_t> output{};
+  bool operator==(const tCompletion&) const = default;
+};
+
 struct tAnswer {
   uint32_t windowsError = 0;
   std::vector<uint8_t> bytes;
@@ -25,20 +34,24 @@ struct tAnswer {
 class ModelTest : public testing::Test {
  protected:
   void SetUp() override {
-    const tModelHost host = {this, &readCaller, &writeCaller, &presenceChanged};
+    const tModelHost host = {this,         &readCaller,      &writeCaller,
+                             &signalEvent, &completeRequest, &presenceChanged};
     modelInitialise(model_.get(), &host);
   }
 
-  // Sends a request; the output buffer has `room` bytes.
+  // Sends a request; the output buffer has `room` bytes. With a token it can be kept pending.
   tAnswer request(tSimulatorInterface kind, uint32_t code, std::span<const uint8_t> input,
-                  uint32_t room) {
+                  uint32_t room, uint64_t token = 0, uint64_t file = 1) {
     // One buffer for both, as with the system's buffered method.
     std::vector<uint8_t> buffer(std::max<size_t>(input.size(), room));
     std::copy(input.begin(), input.end(), buffer.begin());
-    const tModelRequest asked = {{1, kProcess, kind}, code,
-                                 buffer.data(),       static_cast<uint32_t>(input.size()),
-                                 buffer.data(),       room};
+    const tModelRequest asked = {
+        {file, kProcess, kind}, code, buffer.data(), static_cast<uint32_t>(input.size()),
+        buffer.data(),          room, token};
     const tModelReply reply = modelRequest(model_.get(), &asked);
+    if (reply.windowsError == kPending) {
+      modelPended(model_.get(), token);
+    }
     EXPECT_LE(reply.size, room) << "more than there is room for";
     if (reply.windowsError != 0) {
       EXPECT_EQ(reply.size, 0u) << "a request that fails has no reply";
@@ -80,9 +93,18 @@ class ModelTest : public testing::Test {
     return entries;
   }
 
+  void cleanUp(uint64_t file) {
+    const tModelFile closing = {file, kProcess, kSimulatorInterfaceController};
+    modelCleanUp(model_.get(), &closing);
+  }
+  bool cancel(uint64_t token) { return modelCancel(model_.get(), token); }
+
   // The memory of the calling process: addresses are offsets into it.
   std::vector<uint8_t> memory = std::vector<uint8_t>(0x20000, 0xEE);
   std::vector<tSimulatorPresence> presences;
+  std::vector<uint64_t> signalled;  // events
+  bool eventsAreGood = true;
+  std::vector<tCompletion> completions;
 
  private:
   static ModelTest& self(void* context) { return *static_cast<ModelTest*>(context); }
@@ -105,6 +127,16 @@ class ModelTest : public testing::Test {
     }
     std::memcpy(self(context).memory.data() + address, source, size);
     return true;
+  }
+  static bool signalEvent(void* context, uint64_t process, uint64_t event) {
+    EXPECT_EQ(process, kProcess);
+    self(context).signalled.push_back(event);
+    return self(context).eventsAreGood;
+  }
+  static void completeRequest(void* context, uint64_t token, uint32_t windowsError,
+                              const void* output, uint32_t size) {
+    const auto* const bytes = static_cast<const uint8_t*>(output);
+    self(context).completions.push_back({token, windowsError, {bytes, bytes + size}});
   }
   static void presenceChanged(void* context, const tSimulatorPresence* presence) {
     self(context).presences.push_back(*presence);

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "protocol/controllerrequests.h"
+#include "protocol/pendingrequests.h"
 #include "protocol/requestcodes.h"
 
 namespace nTests {
@@ -55,6 +56,47 @@ TEST(RequestLogText, NamesTheMembersOfARequestAndItsReply) {
                              tExchangeValuesReply{5, 6, 0})),
       "12 process 88 controller#3 exchange-values text=0x1 text-size=2 table=0x3 table-size=4 "
       "caller=0 -> text-size=5 table-size=6 status=0");
+}
+
+TEST(RequestLogText, TellsTheLifeOfAPendingRequest) {
+  tPendingWideRequest request{};
+  request.handleAddress = 0x7FFE1000;
+  request.event = 0x44;
+  request.a = 1;
+  request.b = 0x100000000;
+  request.c = 3;
+  const uint64_t handle = 9;
+  tSimulatorLogEntry entry = entryOf(REQUEST_PENDING_WIDE, request, handle);
+  entry.windowsError = 997;
+  EXPECT_EQ(requestLogLine(entry),
+            "12 process 88 controller#3 pending-request-wide handle=0x7FFE1000 event=0x44 a=1 "
+            "b=4294967296 c=3 -> pending");
+  entry.windowsError = 0;
+  entry.event = kSimulatorEventAccepted;
+  EXPECT_EQ(requestLogLine(entry),
+            "12 process 88 controller#3 accepted pending-request-wide handle=9");
+  entry.event = kSimulatorEventCompleted;
+  EXPECT_EQ(requestLogLine(entry),
+            "12 process 88 controller#3 completed pending-request-wide handle=9");
+  entry.windowsError = 995;
+  EXPECT_EQ(requestLogLine(entry),
+            "12 process 88 controller#3 completed pending-request-wide handle=9 -> Windows error "
+            "995");
+}
+
+TEST(RequestLogText, NamesTheMembersOfANarrowRequestAndOfItsEnd) {
+  tPendingNarrowRequest request{};
+  request.a = 65535;
+  request.b = 0xFFFFFFFF;
+  request.c = 255;
+  tSimulatorLogEntry entry = entryOf(REQUEST_PENDING_NARROW, request, uint64_t{0});
+  entry.windowsError = 21;
+  EXPECT_EQ(requestLogLine(entry),
+            "12 process 88 controller#3 pending-request handle=0x0 event=0x0 a=65535 b=4294967295 "
+            "c=255 -> Windows error 21");
+  entry = entryOf(REQUEST_END_PENDING, tEndPendingRequest{9}, uint64_t{0});
+  entry.outputSize = 0;
+  EXPECT_EQ(requestLogLine(entry), "12 process 88 controller#3 end-pending handle=9 ->");
 }
 
 TEST(RequestLogText, TellsAWindowsErrorInsteadOfAReply) {

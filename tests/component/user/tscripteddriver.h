@@ -85,6 +85,12 @@ class tWithoutChannel : public Interface {
   }
   uint32_t read(void*, uint32_t, tStatus&) noexcept override { return 0; }
   uint32_t write(const void*, uint32_t, tStatus&) noexcept override { return 0; }
+  uint64_t beginPendingRequest(uint16_t, uint64_t, uint8_t,
+                               nQUENRA1400::nZOAPAL000::tPendingRequest&,
+                               tStatus&) noexcept override {
+    return 0;
+  }
+  void endPendingRequest(nQUENRA1400::nZOAPAL000::tPendingRequest&) noexcept override {}
   void sendCommand(uint64_t, uint32_t, tStatus&) noexcept override {}
 };
 

@@ -167,6 +167,13 @@ inline constexpr tAttributeRow kRows[] = {
 
 inline constexpr std::span<const tAttributeRow> kAttributes{nAttributeRows::kRows};
 
+// What can only be written.
+inline constexpr tAttributeRow kSettings[] = {
+    {QUENRA_TEXT_SETTING_OF_BOTH, "text-setting-of-both", &nSubjects::kDriver, &nInstances::kNone,
+     "", "Text that the controller and the Marten interface take at once; it is only written",
+     "controller and Marten interface"},
+};
+
 }  // namespace nCommandLine
 
 #endif

@@ -16,7 +16,13 @@ namespace nCommandLine {
 // catalogue has no such attribute.
 [[nodiscard]] const tAttributeRow* findAttribute(std::string_view name);
 
+// The same for what can only be written.
+[[nodiscard]] const tAttributeRow* findSetting(uint32_t id) noexcept;
+[[nodiscard]] const tAttributeRow* findSetting(std::string_view name);
+
 [[nodiscard]] std::vector<std::string> suggestAttributes(std::string_view name);
+// With the settings.
+[[nodiscard]] std::vector<std::string> suggestWritable(std::string_view name);
 
 // What the header calls an attribute: QUENRA_ATTRIBUTE_PRODUCT_NAME.
 [[nodiscard]] std::string constantOf(const tAttributeRow& row);

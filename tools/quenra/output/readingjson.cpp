@@ -6,6 +6,14 @@
 namespace nCommandLine {
 namespace {
 
+void writeNoValue(tJsonDocument& document) {
+  document.null("value");
+  document.null("shown");
+  document.null("unit");
+}
+
+}  // namespace
+
 void writeAddress(tJsonDocument& document, const tAttributeRow* row,
                   const tAttributeAddress& address) {
   constexpr int kIdDigits = 8;
@@ -25,14 +33,6 @@ void writeValue(tJsonDocument& document, const tAttributeRow* row, const tAttrib
   document.text("shown", shownValue(row, value));
   document.optionalText("unit", unitOf(row, value));
 }
-
-void writeNoValue(tJsonDocument& document) {
-  document.null("value");
-  document.null("shown");
-  document.null("unit");
-}
-
-}  // namespace
 
 void writeReading(tJsonDocument& document, const tAttributeRow* row, const tReading& reading) {
   writeAddress(document, row, reading.address);

@@ -7,8 +7,12 @@
 
 namespace nCommandLine {
 
-// Writes a reading's members into the object that is open. `row` is null for an attribute that the
-// catalogue does not have.
+// Each writes members into the object that is open. `row` is null for an attribute that the catalogue
+// does not have.
+
+void writeAddress(tJsonDocument& document, const tAttributeRow* row,
+                  const tAttributeAddress& address);
+void writeValue(tJsonDocument& document, const tAttributeRow* row, const tAttributeValue& value);
 void writeReading(tJsonDocument& document, const tAttributeRow* row, const tReading& reading);
 
 }  // namespace nCommandLine

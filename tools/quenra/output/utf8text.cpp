@@ -93,6 +93,10 @@ std::string printableText(std::string_view bytes) {
   return rewritten(bytes, true);
 }
 
+bool isUtf8(std::string_view bytes) {
+  return validUtf8(bytes) == bytes;
+}
+
 size_t widthOf(std::string_view utf8) noexcept {
   return static_cast<size_t>(std::ranges::count_if(
       utf8, [](char byte) { return !isContinuation(static_cast<uint8_t>(byte)); }));

@@ -15,6 +15,8 @@ namespace nCommandLine {
 // As above, and control characters as \x1B: a text never moves a terminal's cursor or ends a line.
 [[nodiscard]] std::string printableText(std::string_view bytes);
 
+[[nodiscard]] bool isUtf8(std::string_view bytes);
+
 // In code points, which is the width of all but a few scripts.
 [[nodiscard]] size_t widthOf(std::string_view utf8) noexcept;
 

@@ -8,6 +8,8 @@ std::string_view interfaceName(tInterface which) noexcept {
       return "controller";
     case tInterface::marten:
       return "marten";
+    case tInterface::both:
+      return "both";
     case tInterface::byDefault:
       break;
   }

@@ -12,6 +12,7 @@ enum class tInterface : uint8_t {
   byDefault = 0,
   controller = 1,
   marten = 2,
+  both = 3,  // no selector of its own: some attributes mean it without one
 };
 
 [[nodiscard]] std::string_view interfaceName(tInterface which) noexcept;
@@ -23,7 +24,8 @@ struct tAttributeAddress {
   tInterface which = tInterface::byDefault;
 
   [[nodiscard]] constexpr uint32_t id() const noexcept {
-    return attribute | static_cast<uint32_t>(which) << kSelectorShift | instance;
+    const auto selector = which == tInterface::both ? 0 : static_cast<uint32_t>(which);
+    return attribute | selector << kSelectorShift | instance;
   }
   [[nodiscard]] constexpr tAttributeType type() const noexcept {
     return static_cast<tAttributeType>(typeBits(attribute));

@@ -19,6 +19,10 @@ class iQuenra {
                                    uint64_t* size) noexcept = 0;
   virtual int32_t getAttributeU32(uint64_t handle, uint32_t attribute,
                                   uint32_t* value) noexcept = 0;
+  virtual int32_t setAttributeUTF8(uint64_t handle, uint32_t attribute,
+                                   const char* text) noexcept = 0;
+  virtual int32_t setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value) noexcept = 0;
+  virtual int32_t performSelfTest(uint64_t handle) noexcept = 0;
 };
 
 }  // namespace nCommandLine

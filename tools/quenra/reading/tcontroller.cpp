@@ -17,4 +17,15 @@ tReading tController::read(const tAttributeAddress& address) const {
   return readAttribute(library_, handle_, address);
 }
 
+int32_t tController::write(const tAttributeAddress& address, const tAttributeValue& value) const {
+  if (const auto* const text = std::get_if<std::string>(&value)) {
+    return library_.setAttributeUTF8(handle_, address.id(), text->c_str());
+  }
+  return library_.setAttributeU32(handle_, address.id(), std::get<uint32_t>(value));
+}
+
+int32_t tController::selfTest() const noexcept {
+  return library_.performSelfTest(handle_);
+}
+
 }  // namespace nCommandLine

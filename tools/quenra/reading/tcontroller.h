@@ -20,6 +20,9 @@ class tController {
   // What opening answered; positive is a warning.
   [[nodiscard]] int32_t code() const noexcept { return code_; }
   [[nodiscard]] tReading read(const tAttributeAddress& address) const;
+  // The value is of the attribute's type.
+  [[nodiscard]] int32_t write(const tAttributeAddress& address, const tAttributeValue& value) const;
+  [[nodiscard]] int32_t selfTest() const noexcept;
 
  private:
   iQuenra& library_;

@@ -22,4 +22,18 @@ int32_t tQuenraLibrary::getAttributeU32(uint64_t handle, uint32_t attribute,
   return QUENRA_getAttributeU32(handle, attribute, value);
 }
 
+int32_t tQuenraLibrary::setAttributeUTF8(uint64_t handle, uint32_t attribute,
+                                         const char* text) noexcept {
+  return QUENRA_setAttributeUTF8(handle, attribute, text);
+}
+
+int32_t tQuenraLibrary::setAttributeU32(uint64_t handle, uint32_t attribute,
+                                        uint32_t value) noexcept {
+  return QUENRA_setAttributeU32(handle, attribute, value);
+}
+
+int32_t tQuenraLibrary::performSelfTest(uint64_t handle) noexcept {
+  return QUENRA_performSelfTest(handle);
+}
+
 }  // namespace nCommandLine

@@ -13,6 +13,9 @@ class tQuenraLibrary final : public iQuenra {
   int32_t getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer,
                            uint64_t* size) noexcept override;
   int32_t getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value) noexcept override;
+  int32_t setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text) noexcept override;
+  int32_t setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value) noexcept override;
+  int32_t performSelfTest(uint64_t handle) noexcept override;
 };
 
 }  // namespace nCommandLine

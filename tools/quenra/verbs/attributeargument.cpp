@@ -4,6 +4,7 @@
 
 #include "tools/quenra/catalogue/attributelookup.h"
 #include "tools/quenra/catalogue/numbertext.h"
+#include "tools/quenra/grammar/words.h"
 #include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
@@ -15,8 +16,18 @@ constexpr int kIdDigits = 8;
   throw tCommandError(what, "'quenra attributes' lists all attributes.", std::move(suggestions));
 }
 
+enum class tPurpose : uint8_t {
+  reading,
+  writing,
+};
+
+const tAttributeRow* findRow(uint32_t attribute, tPurpose purpose) noexcept {
+  const tAttributeRow* const setting = findSetting(attribute);
+  return purpose == tPurpose::writing && setting != nullptr ? setting : findAttribute(attribute);
+}
+
 // An id may hold selector and instance itself.
-tWantedAttribute attributeById(const std::string& text) {
+tWantedAttribute attributeById(const std::string& text, tPurpose purpose) {
   const auto id = parseUnsigned(text);
   if (!id) {
     refuse("'" + text + "' is neither a name nor a 32-bit id");
@@ -33,17 +44,27 @@ tWantedAttribute attributeById(const std::string& text) {
   }
   const uint32_t attribute =
       *id & ~(tAttributeAddress::kSelectorMask | tAttributeAddress::kInstanceMask);
-  return {findAttribute(attribute),
+  return {findRow(attribute, purpose),
           {attribute, static_cast<uint8_t>(*id & tAttributeAddress::kInstanceMask),
            static_cast<tInterface>(selector)}};
 }
 
-tWantedAttribute attributeByName(const std::string& text) {
-  const tAttributeRow* const row = findAttribute(std::string_view(text));
+const tAttributeRow& settingByName(const std::string& text, tPurpose purpose) {
+  const tAttributeRow* const row = findSetting(text);
   if (row == nullptr) {
-    refuse("there is no attribute '" + text + "'", suggestAttributes(text));
+    refuse("there is no attribute '" + text + "'",
+           purpose == tPurpose::reading ? suggestAttributes(text) : suggestWritable(text));
   }
-  return {row, {row->id}};
+  if (purpose == tPurpose::reading) {
+    throw tCommandError(std::string(row->name) + " can only be written", "'quenra set' does.", {});
+  }
+  return *row;
+}
+
+tWantedAttribute attributeByName(const std::string& text, tPurpose purpose) {
+  const tAttributeRow* const attribute = findAttribute(text);
+  const tAttributeRow& row = attribute == nullptr ? settingByName(text, purpose) : *attribute;
+  return {&row, {row.id}};
 }
 
 void applyInstance(const std::string& text, tAttributeAddress& address) {
@@ -68,34 +89,48 @@ void applyInterface(tInterface wanted, tAttributeAddress& address) {
   address.which = wanted;
 }
 
+tWantedAttribute wantedAttribute(const tArguments& arguments, tPurpose purpose) {
+  const std::string text = arguments.text(nWords::kAttribute);
+  tWantedAttribute wanted =
+      looksLikeNumber(text) ? attributeById(text, purpose) : attributeByName(text, purpose);
+  if (const auto instance = arguments.optional(nWords::kInstance)) {
+    applyInstance(*instance, wanted.address);
+  }
+  if (arguments.has(nWords::kController)) {
+    applyInterface(tInterface::controller, wanted.address);
+  }
+  if (arguments.has(nWords::kMarten)) {
+    applyInterface(tInterface::marten, wanted.address);
+  }
+  if (arguments.has(nWords::kBoth)) {
+    applyInterface(tInterface::both, wanted.address);
+  }
+  return wanted;
+}
+
 }  // namespace
 
+std::string tWantedAttribute::name() const {
+  return row == nullptr ? hexadecimalText(address.attribute, kIdDigits) : std::string(row->name);
+}
+
 std::string tWantedAttribute::label() const {
-  std::string text =
-      row == nullptr ? hexadecimalText(address.attribute, kIdDigits) : std::string(row->name);
+  std::string text = name();
   if (address.instance != 0) {
     text += ", instance " + std::to_string(address.instance);
   }
-  if (address.which != tInterface::byDefault) {
+  if (address.which == tInterface::controller || address.which == tInterface::marten) {
     text.append(", interface ").append(interfaceName(address.which));
   }
   return text;
 }
 
-tWantedAttribute wantedAttribute(const tGetArguments& arguments) {
-  tWantedAttribute wanted = looksLikeNumber(arguments.attribute)
-                                ? attributeById(arguments.attribute)
-                                : attributeByName(arguments.attribute);
-  if (arguments.instance) {
-    applyInstance(*arguments.instance, wanted.address);
-  }
-  if (arguments.controller) {
-    applyInterface(tInterface::controller, wanted.address);
-  }
-  if (arguments.marten) {
-    applyInterface(tInterface::marten, wanted.address);
-  }
-  return wanted;
+tWantedAttribute attributeToRead(const tArguments& arguments) {
+  return wantedAttribute(arguments, tPurpose::reading);
+}
+
+tWantedAttribute attributeToWrite(const tArguments& arguments) {
+  return wantedAttribute(arguments, tPurpose::writing);
 }
 
 }  // namespace nCommandLine

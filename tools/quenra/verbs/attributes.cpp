@@ -51,7 +51,7 @@ void printDocument(std::ostream& stream) {
 
 }  // namespace
 
-tExitCode runAttributes(const tVerbContext& context) {
+tExitCode runAttributes(const tArguments& /*arguments*/, const tVerbContext& context) {
   if (context.json) {
     printDocument(context.streams.out);
   } else {

@@ -2,6 +2,7 @@
 
 #include "tools/quenra/catalogue/numbertext.h"
 #include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/tcommanderror.h"
@@ -52,7 +53,8 @@ void printTable(const tStreams& streams, const tStatusExplanation& status) {
 
 }  // namespace
 
-tExitCode runExplain(const std::string& codeOrConstant, const tVerbContext& context) {
+tExitCode runExplain(const tArguments& arguments, const tVerbContext& context) {
+  const std::string codeOrConstant = arguments.text(nWords::kCode);
   const tStatusExplanation status =
       explainStatus(looksLikeNumber(codeOrConstant) ? codeByNumber(codeOrConstant)
                                                     : codeByConstant(codeOrConstant));

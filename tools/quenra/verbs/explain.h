@@ -1,15 +1,14 @@
 #ifndef TOOLS_QUENRA_VERBS_EXPLAIN_H
 #define TOOLS_QUENRA_VERBS_EXPLAIN_H
 
-#include <string>
-
 #include "tools/quenra/exitcode.h"
+#include "tools/quenra/grammar/arguments.h"
 #include "tools/quenra/verbs/verbcontext.h"
 
 namespace nCommandLine {
 
 // `quenra explain`: what a status code means. Needs no controller.
-[[nodiscard]] tExitCode runExplain(const std::string& codeOrConstant, const tVerbContext& context);
+[[nodiscard]] tExitCode runExplain(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine
 

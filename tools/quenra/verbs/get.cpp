@@ -67,8 +67,8 @@ void printValue(const tStreams& streams, const tWantedAttribute& wanted, const t
 
 }  // namespace
 
-tExitCode runGet(const tGetArguments& arguments, const tVerbContext& context) {
-  const tWantedAttribute wanted = wantedAttribute(arguments);
+tExitCode runGet(const tArguments& arguments, const tVerbContext& context) {
+  const tWantedAttribute wanted = attributeToRead(arguments);
   std::vector<tWarning> warnings;
   const tReading reading = readWanted(context.library, wanted.address, warnings);
   if (reading.code > 0) {

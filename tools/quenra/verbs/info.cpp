@@ -119,7 +119,7 @@ void printDocument(std::ostream& stream, const tMachine& machine, tExitCode exit
 
 }  // namespace
 
-tExitCode runInfo(const tVerbContext& context) {
+tExitCode runInfo(const tArguments& /*arguments*/, const tVerbContext& context) {
   std::vector<tWarning> warnings;
   const tController controller(context.library);
   judgeOpening(controller.code(), warnings);

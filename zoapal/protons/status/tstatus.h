@@ -24,6 +24,7 @@ inline constexpr int32_t kAlreadyExists = -52013;
 inline constexpr int32_t kPathTooLong = -52019;
 inline constexpr int32_t kDeviceRemoved = -52020;
 inline constexpr int32_t kSystemRefused = -52021;
+inline constexpr int32_t kNotificationTooLarge = -52024;
 inline constexpr int32_t kBusy = -52031;
 
 // The status record of the driver-access layer: a code, and in its full form where it was first

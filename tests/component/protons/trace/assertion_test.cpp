@@ -25,11 +25,17 @@ void failAssertion() {
   assertionFailed("quenra", "tArray", 64, "ASSERT(n <= kMaxSize)");
 }
 
-TEST(Assertion, Failed_PrintsItsLineAndStopsAtABreakpoint) {
+class Assertion : public testing::Test {
+ protected:
+  // The child is started anew instead of being forked off a process with threads.
+  void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(Assertion, Failed_PrintsItsLineAndStopsAtABreakpoint) {
   EXPECT_EXIT(failAssertion(), testing::KilledBySignal(SIGTRAP), kLine);
 }
 
-TEST(Assertion, FailedUnderADebuggerThatGoesOn_EndsAllTheSame) {
+TEST_F(Assertion, FailedUnderADebuggerThatGoesOn_EndsAllTheSame) {
   EXPECT_EXIT(
       {
         std::signal(SIGTRAP, SIG_IGN);

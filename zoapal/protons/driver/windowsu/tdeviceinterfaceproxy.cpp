@@ -1,31 +1,26 @@
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 
+#include "protocol/requestcodes.h"
+#include "zoapal/protons/driver/windowsu/tpendingrequest.h"
+#include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/driver/windowsu/ttransferevent.h"
 #include "zoapal/protons/status/win32error.h"
+#include "zoapal/protons/synchronization/windowsu/wait.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
 
 using nZOAPALS100::tStatus;
 
-constexpr const char* kFile = "tdeviceinterfaceproxy";
 constexpr uint32_t kOpenLine = 43;
 constexpr uint32_t kCreateEventLine = 51;
+constexpr uint32_t kCreateAcceptedEventLine = 238;
+constexpr uint32_t kAssociateLine = 315;
+constexpr uint32_t kArmDeliveryLine = 333;
 
-// With its lowest bit set, the event keeps the completion off a port that the handle may be
-// associated with: whoever reads the port is to see notifications only. Handles are multiples of 4.
-HANDLE taggedForNoPort(HANDLE event) noexcept {
-  return static_cast<char*>(event) + 1;
-}
-
-// After a failed wait the system may still own the transfer, which writes into the caller's memory
-// and into `overlapped`: neither may be left before it has ended.
-void abandon(HANDLE file, OVERLAPPED& overlapped, HANDLE event) noexcept {
-  CancelIoEx(file, &overlapped);
-  while (WaitForSingleObject(event, INFINITE) != WAIT_OBJECT_0) {
-    Sleep(1);
-  }
-}
+// How long a cancelled request is waited for: a driver takes no time for it, unless it is broken.
+constexpr int kCancelPauses = 2000;
+constexpr DWORD kCancelPauseMilliseconds = 1;
 
 }  // namespace
 
@@ -45,12 +40,12 @@ void tDeviceInterfaceProxy::open(const char* path, tStatus& status) noexcept {
   file_.reset(CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                           nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
   if (!file_) {
-    mergeWin32Failure(GetLastError(), status, kFile, kOpenLine);
+    mergeWin32Failure(GetLastError(), status, kTransferFile, kOpenLine);
     return;
   }
   event_.reset(CreateEventA(nullptr, TRUE, FALSE, nullptr));
   if (!event_) {
-    mergeWin32Failure(GetLastError(), status, kFile, kCreateEventLine);
+    mergeWin32Failure(GetLastError(), status, kTransferFile, kCreateEventLine);
     close();
   }
 }
@@ -60,72 +55,173 @@ void tDeviceInterfaceProxy::open(const tDevicePath& path, tStatus& status) noexc
 }
 
 void tDeviceInterfaceProxy::close() noexcept {
+  if (delivery_ && !cancelRequest(delivery_->notificationKey)) {
+    // The driver may still write into it: better lost than freed.
+    static_cast<void>(delivery_.release());
+  }
+  delivery_.reset();
+  completionPort_ = nullptr;
   file_.reset();
   event_.reset();
 }
 
-template <class Start>
-uint32_t tDeviceInterfaceProxy::transfer(Start start, tTransferLines lines,
-                                         tStatus& status) noexcept {
+template <class Transfer>
+uint32_t tDeviceInterfaceProxy::transfer(tTransferLines lines, tStatus& status,
+                                         Transfer carryOut) noexcept {
   if (status.isError()) {
     return 0;
   }
   if (!isOpen()) {
-    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kFile, lines.afterTheCall);
+    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile, lines.afterTheCall);
     return 0;
   }
   const tTransferEvent event(event_.get(), eventInUse_);
   if (event.get() == nullptr) {
-    mergeWin32Failure(GetLastError(), status, kFile, lines.afterTheCall);
+    mergeWin32Failure(GetLastError(), status, kTransferFile, lines.afterTheCall);
     return 0;
   }
-  OVERLAPPED overlapped{};
-  overlapped.hEvent = taggedForNoPort(event.get());
-  DWORD bytes = 0;
-  if (start(file_.get(), &bytes, &overlapped)) {
-    return bytes;
-  }
-  if (const DWORD error = GetLastError(); error != ERROR_IO_PENDING) {
-    mergeWin32Failure(error, status, kFile, lines.afterTheCall);
-    return 0;
-  }
-  if (!GetOverlappedResult(file_.get(), &overlapped, &bytes, TRUE)) {
-    mergeWin32Failure(GetLastError(), status, kFile, lines.afterWaiting);
-    abandon(file_.get(), overlapped, event.get());
-    return 0;
-  }
-  return bytes;
+  return carryOut(event.get());
 }
 
 uint32_t tDeviceInterfaceProxy::deviceControl(uint32_t code, const void* in, uint32_t inSize,
                                               void* out, uint32_t outSize,
                                               tStatus& status) noexcept {
-  constexpr tTransferLines kLines{110, 115};
-  return transfer(
-      [=](HANDLE file, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
-        // The parameter is not const although the system only reads from it.
-        return DeviceIoControl(file, code, const_cast<void*>(in), inSize, out, outSize, bytes,
-                               overlapped);
-      },
-      kLines, status);
+  return transfer(kDeviceControlLines, status, [&](HANDLE event) noexcept {
+    return controlDevice(file_.get(), event, code, in, inSize, out, outSize, status);
+  });
 }
 
 uint32_t tDeviceInterfaceProxy::read(void* buffer, uint32_t size, tStatus& status) noexcept {
-  constexpr tTransferLines kLines{148, 153};
-  return transfer(
-      [=](HANDLE file, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
-        return ReadFile(file, buffer, size, bytes, overlapped);
-      },
-      kLines, status);
+  return transfer(kReadLines, status, [&](HANDLE event) noexcept {
+    return carryOutTransfer(file_.get(), event, kReadLines, status,
+                            [=](HANDLE file, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
+                              return ReadFile(file, buffer, size, bytes, overlapped);
+                            });
+  });
 }
 
 uint32_t tDeviceInterfaceProxy::write(const void* buffer, uint32_t size, tStatus& status) noexcept {
-  constexpr tTransferLines kLines{189, 194};
-  return transfer(
-      [=](HANDLE file, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
-        return WriteFile(file, buffer, size, bytes, overlapped);
-      },
-      kLines, status);
+  return transfer(kWriteLines, status, [&](HANDLE event) noexcept {
+    return carryOutTransfer(file_.get(), event, kWriteLines, status,
+                            [=](HANDLE file, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
+                              return WriteFile(file, buffer, size, bytes, overlapped);
+                            });
+  });
+}
+
+uint64_t tDeviceInterfaceProxy::beginPendingRequest(uint16_t a, uint64_t b, uint8_t c,
+                                                    tPendingRequest& request,
+                                                    tStatus& status) noexcept {
+  if (status.isError()) {
+    return 0;
+  }
+  request = {};
+  if (!isOpen()) {
+    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile,
+                      kDeviceControlLines.afterTheCall);
+    return 0;
+  }
+  const tUniqueEvent accepted(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+  if (!accepted) {
+    mergeWin32Failure(GetLastError(), status, kTransferFile, kCreateAcceptedEventLine);
+    return 0;
+  }
+  auto work = makePendingWork(file_.get(), accepted.get(), a, b, c, status);
+  if (!work) {
+    return 0;
+  }
+  tUniqueThread worker = startWorker(work, status);
+  if (!worker) {
+    return 0;
+  }
+  // A request that fails, or that the driver completes at once, ends its worker.
+  waitForEither(accepted.get(), worker.get());
+  if (work->handle == 0) {
+    waitFor(worker.get());
+    const tStatus& outcome = work->status;
+    mergeStatus(status, outcome.code, outcome.component, outcome.file, outcome.line);
+    return 0;
+  }
+  request.handle_ = work->handle;
+  request.work_ = std::move(work);
+  request.worker_ = std::move(worker);
+  return request.handle_;
+}
+
+void tDeviceInterfaceProxy::endPendingRequest(tPendingRequest& request) noexcept {
+  if (request.handle_ == 0) {
+    return;
+  }
+  const tEndPendingRequest end{request.handle_};
+  tStatus status;
+  deviceControl(REQUEST_END_PENDING, &end, sizeof end, nullptr, 0, status);
+  if (!status.isError()) {
+    waitFor(request.worker_.get());
+  }
+  request = {};
+}
+
+void tDeviceInterfaceProxy::associate(HANDLE port, tStatus& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  HANDLE before = nullptr;
+  if (!completionPort_.compare_exchange_strong(before, port) && before == port) {
+    return;
+  }
+  if (!delivery_) {
+    delivery_.reset(new (std::nothrow) tDelivery{.proxy = this});
+  }
+  if (!delivery_) {
+    mergeStatus(status, nZOAPALS100::kMemoryFull, "quenra", kTransferFile, kAssociateLine);
+  } else if (CreateIoCompletionPort(file_.get(), port,
+                                    reinterpret_cast<ULONG_PTR>(&delivery_->notificationKey),
+                                    0) == nullptr) {
+    mergeWin32Failure(GetLastError(), status, kTransferFile, kAssociateLine);
+  }
+  if (status.isError()) {
+    completionPort_ = before;
+  } else {
+    armDelivery(status);
+  }
+}
+
+void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  if (!delivery_) {
+    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile, kArmDeliveryLine);
+    return;
+  }
+  delivery_->notificationKey = {};
+  if (!DeviceIoControl(file_.get(), REQUEST_ARM_DELIVERY, nullptr, 0, &delivery_->rearmBuffer,
+                       sizeof delivery_->rearmBuffer, nullptr, &delivery_->notificationKey)) {
+    if (const DWORD error = GetLastError(); error != ERROR_IO_PENDING) {
+      mergeWin32Failure(error, status, kTransferFile, kArmDeliveryLine);
+    }
+  }
+}
+
+DWORD tDeviceInterfaceProxy::startRequest(uint32_t code, const void* in, uint32_t inSize,
+                                          OVERLAPPED& overlapped) noexcept {
+  if (DeviceIoControl(file_.get(), code, const_cast<void*>(in), inSize, nullptr, 0, nullptr,
+                      &overlapped)) {
+    return ERROR_SUCCESS;
+  }
+  const DWORD error = GetLastError();
+  return error == ERROR_IO_PENDING ? DWORD{ERROR_SUCCESS} : error;
+}
+
+bool tDeviceInterfaceProxy::cancelRequest(OVERLAPPED& overlapped) noexcept {
+  for (int i = 0; i < kCancelPauses && isUnderWay(overlapped); ++i) {
+    // Again each time: it may have failed, and does no harm to a request that is about to end.
+    CancelIoEx(file_.get(), &overlapped);
+    if (isUnderWay(overlapped)) {
+      Sleep(kCancelPauseMilliseconds);
+    }
+  }
+  return !isUnderWay(overlapped);
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

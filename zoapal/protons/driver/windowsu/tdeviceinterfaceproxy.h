@@ -4,17 +4,23 @@
 #include <windows.h>
 
 #include <atomic>
+#include <memory>
 
 #include "zoapal/protons/driver/iinterfaceproxy.h"
 #include "zoapal/protons/driver/tdevicepath.h"
+#include "zoapal/protons/driver/windowsu/tdelivery.h"
+#include "zoapal/protons/driver/windowsu/tpendingrequest.h"
+#include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 
 // The library's one channel to the kernel driver: an open handle on one device interface.
 //
-// Failures arrive as mapped Windows errors, located at "tdeviceinterfaceproxy". deviceControl, read
-// and write may overlap on one proxy; open and close may not overlap anything.
+// Failures arrive as mapped Windows errors, located at "tdeviceinterfaceproxy". deviceControl, read,
+// write and the beginning and ending of pending requests may overlap on one proxy; open and close may
+// not overlap any of these. Closing cancels the requests that are still pending; whoever reads the port
+// has ended by then.
 class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
  public:
   tDeviceInterfaceProxy() = default;
@@ -31,19 +37,32 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
   uint32_t read(void* buffer, uint32_t size, nZOAPALS100::tStatus& status) noexcept override;
   uint32_t write(const void* buffer, uint32_t size, nZOAPALS100::tStatus& status) noexcept override;
 
- private:
-  // The source lines of the two ways in which a transfer fails.
-  struct tTransferLines {
-    uint32_t afterWaiting;
-    uint32_t afterTheCall;
-  };
+  uint64_t beginPendingRequest(uint16_t a, uint64_t b, uint8_t c, tPendingRequest& request,
+                               nZOAPALS100::tStatus& status) noexcept override;
+  void endPendingRequest(tPendingRequest& request) noexcept override;
 
-  template <class Start>
-  uint32_t transfer(Start start, tTransferLines lines, nZOAPALS100::tStatus& status) noexcept;
+  // For notifications (io_notification/). Lets the notices of this device arrive at a completion
+  // port, and arms the delivery of the first, unless the port has them already. Any thread.
+  void associate(HANDLE port, nZOAPALS100::tStatus& status) noexcept;
+  // Has the driver deliver the next notice.
+  void armDelivery(nZOAPALS100::tStatus& status) noexcept;
+  // Starts a request without a reply whose completion arrives at the port. Gives the Windows error
+  // with which it failed at once, else 0. `overlapped` is the system's until it completes.
+  [[nodiscard]] DWORD startRequest(uint32_t code, const void* in, uint32_t inSize,
+                                   OVERLAPPED& overlapped) noexcept;
+  // Cancels such a request and waits a while for its end. False when it is still under way: its
+  // memory must then stay.
+  [[nodiscard]] bool cancelRequest(OVERLAPPED& overlapped) noexcept;
+
+ private:
+  template <class Transfer>
+  uint32_t transfer(tTransferLines lines, nZOAPALS100::tStatus& status, Transfer carryOut) noexcept;
 
   tUniqueFile file_;
   tUniqueEvent event_;  // manual-reset; signalled when a transfer ends
   std::atomic_flag eventInUse_;
+  std::atomic<HANDLE> completionPort_ = nullptr;
+  std::unique_ptr<tDelivery> delivery_;
 };
 
 }  // namespace nQUENRA1400::nZOAPAL000

@@ -40,17 +40,20 @@ class tUniqueHandle {
   tHandle handle_ = Policy::none();
 };
 
-struct tEventPolicy {
+// Events, threads and completion ports.
+struct tObjectPolicy {
   using tHandle = HANDLE;
   static tHandle none() noexcept { return nullptr; }
   static void close(tHandle handle) noexcept { CloseHandle(handle); }
 };
 
-struct tFilePolicy : tEventPolicy {
+struct tFilePolicy : tObjectPolicy {
   static tHandle none() noexcept { return INVALID_HANDLE_VALUE; }
 };
 
-using tUniqueEvent = tUniqueHandle<tEventPolicy>;
+using tUniqueEvent = tUniqueHandle<tObjectPolicy>;
+using tUniqueThread = tUniqueHandle<tObjectPolicy>;
+using tUniquePort = tUniqueHandle<tObjectPolicy>;
 using tUniqueFile = tUniqueHandle<tFilePolicy>;
 
 }  // namespace nQUENRA1400::nZOAPAL000

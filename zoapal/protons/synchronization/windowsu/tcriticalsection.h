@@ -4,13 +4,7 @@
 #include <windows.h>
 
 #include "zoapal/protons/status/tstatus.h"
-
-// Lets a compiler that can prove which lock guards which data do so.
-#ifdef __clang__
-#define ZOAPAL_THREAD_ANNOTATION(x) __attribute__((x))
-#else
-#define ZOAPAL_THREAD_ANNOTATION(x)
-#endif
+#include "zoapal/protons/synchronization/windowsu/threadannotation.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 

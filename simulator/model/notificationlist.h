@@ -1,0 +1,35 @@
+/* What is registered, armed and waiting to be delivered: lists of fixed capacity, oldest first. */
+#ifndef SIMULATOR_MODEL_NOTIFICATIONLIST_H
+#define SIMULATOR_MODEL_NOTIFICATIONLIST_H
+
+#include "protocol/notificationrequests.h"
+#include "simulator/model/modelfile.h"
+
+typedef struct tRegistration {
+  uint64_t token;
+  tModelFile file;
+  uint64_t notification;
+  uint32_t mask;
+} tRegistration;
+
+typedef struct tArmedDelivery {
+  uint64_t token;
+  tModelFile file;
+} tArmedDelivery;
+
+/* A notice that no delivery was armed for. */
+typedef struct tHeldNotice {
+  uint64_t file;
+  tNotificationDelivery notice;
+} tHeldNotice;
+
+typedef struct tNotificationList {
+  uint32_t registrationCount;
+  uint32_t deliveryCount;
+  uint32_t noticeCount;
+  tRegistration registrations[SIMULATOR_NOTIFICATION_CAPACITY];
+  tArmedDelivery deliveries[SIMULATOR_NOTIFICATION_CAPACITY];
+  tHeldNotice notices[SIMULATOR_NOTIFICATION_CAPACITY];
+} tNotificationList;
+
+#endif

@@ -1,0 +1,82 @@
+#include <algorithm>
+
+#include "tests/component/commandline/commandlinetest.h"
+#include "tools/quenra/grammar/verbtable.h"
+#include "tools/quenra/grammar/wordsets.h"
+
+namespace nTests {
+namespace {
+
+using namespace nCommandLine;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Completion : public CommandLineTest {
+ protected:
+  std::string scriptFor(const std::string& shell) {
+    const tRun result = run({"completion", shell});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.error, IsEmpty());
+    EXPECT_EQ(library_.opens, 0);
+    return result.out;
+  }
+};
+
+TEST_F(Completion, EveryScript_KnowsEveryVerbOptionAndWord) {
+  for (const char* const shell : {"bash", "powershell"}) {
+    const std::string script = scriptFor(shell);
+    for (const tVerbRow& verb : kVerbs) {
+      EXPECT_THAT(script, HasSubstr(verb.name));
+      for (const tOptionRow& option : verb.options) {
+        EXPECT_THAT(script, HasSubstr(option.name)) << verb.name;
+      }
+      for (const tPositionalRow& positional : verb.positionals) {
+        EXPECT_TRUE(positional.words == nullptr ||
+                    std::ranges::count(kWordSets, positional.words) == 1)
+            << verb.name << " offers words that no script knows";
+      }
+    }
+    for (const tWordSet* const set : kWordSets) {
+      for (const tOfferedWord& offered : set->words()) {
+        EXPECT_THAT(script, HasSubstr(offered.word)) << shell;
+      }
+    }
+  }
+}
+
+TEST_F(Completion, OfferedWords_MeanNothingElseToAShell) {
+  for (const tWordSet* const set : kWordSets) {
+    EXPECT_FALSE(set->words().empty()) << set->name;
+    for (const tOfferedWord& offered : set->words()) {
+      EXPECT_EQ(offered.word.find_first_not_of(
+                    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-"),
+                std::string_view::npos)
+          << offered.word;
+      EXPECT_FALSE(offered.meaning.empty()) << offered.word;
+    }
+  }
+}
+
+TEST_F(Completion, QuotesInAMeaning_EndNoTextOfPowerShell) {
+  EXPECT_THAT(scriptFor("powershell"), HasSubstr("'Path of the controller''s device interface; "));
+}
+
+TEST_F(Completion, UnknownShell_IsMetWithASuggestion) {
+  const tRun result = run({"completion", "powershel"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error, HasSubstr("there is no completion for 'powershel'"));
+  EXPECT_THAT(result.error, HasSubstr("Did you mean powershell?"));
+  EXPECT_EQ(run({"completion"}).exitCode, 2);
+}
+
+TEST_F(Completion, Document_HoldsTheScript) {
+  const auto document = run({"completion", "bash", "--json"}).document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "shell", "script"));
+  EXPECT_EQ(document["script"].GetString(), scriptFor("bash"));
+}
+
+}  // namespace
+}  // namespace nTests

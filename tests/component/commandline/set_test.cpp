@@ -1,0 +1,234 @@
+#include "quenra_attributes.h"
+#include "tests/component/commandline/commandlinetest.h"
+
+namespace nTests {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using tWords = std::vector<std::string>;
+using tWrite = tScriptedLibrary::tWrite;
+
+class Set : public CommandLineTest {
+ protected:
+  // What a command line makes the library write.
+  tWrite writtenBy(const tWords& words) {
+    library_.writes.clear();
+    const tRun result = run(words);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_EQ(library_.writes.size(), 1u) << result.error;
+    return library_.writes.empty() ? tWrite{} : library_.writes.front();
+  }
+
+  std::string refusalOf(const tWords& words) {
+    library_.writes.clear();
+    const int opensBefore = library_.opens;
+    const tRun result = run(words);
+    EXPECT_EQ(result.exitCode, 2) << testing::PrintToString(words);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_THAT(library_.writes, IsEmpty()) << testing::PrintToString(words);
+    EXPECT_EQ(library_.opens, opensBefore) << testing::PrintToString(words);
+    return result.error;
+  }
+};
+
+TEST_F(Set, Success_IsSilentForScripts) {
+  const tRun result = run({"set", "driver-setting-1", "7"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error, IsEmpty());
+  EXPECT_THAT(library_.writes, ElementsAre(tWrite{0x20044C00, 7u}));
+  EXPECT_THAT(library_.reads, IsEmpty());
+}
+
+TEST_F(Set, Success_IsConfirmedOnATerminal) {
+  EXPECT_EQ(runOnTerminal({"set", "driver-setting-1", "0x10"}).out,
+            "driver-setting-1: set to 16\n");
+  EXPECT_EQ(runOnTerminal({"set", "memory-speed", "3200", "--instance", "1", "--marten"}).out,
+            "memory-speed, instance 1, interface marten: set to 3200 MT/s\n");
+  EXPECT_EQ(runOnTerminal({"set", "text-setting-of-both", "a\x1B[31m"}).out,
+            "text-setting-of-both: set to a\\x1B[31m\n");
+}
+
+TEST_F(Set, Number_IsTakenInDecimalAndHexadecimal) {
+  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "4294967295"}),
+            (tWrite{0x20051400, 0xFFFFFFFFu}));
+  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "0xfF"}), (tWrite{0x20051400, 255u}));
+  EXPECT_EQ(writtenBy({"set", "0x20051400", "0"}), (tWrite{0x20051400, 0u}));
+}
+
+TEST_F(Set, TextOfAnyCharacters_IsWrittenAsItIs) {
+  const std::string texts[] = {"rack 7",
+                               "",
+                               "12",
+                               "0x12",
+                               "info",
+                               "[a,b]",
+                               "{}",
+                               "*",
+                               "a=b",
+                               "'\"\\",
+                               "K\xC3\xB6ln \xE6\xBC\xA2 \xF0\x9F\x94\xA7",
+                               "a\nb"};
+  for (const std::string& text : texts) {
+    EXPECT_EQ(writtenBy({"set", "product-name", text}), (tWrite{0x10000100, text}));
+  }
+}
+
+TEST_F(Set, ValueThatBeginsWithADash_StandsBehindTwo) {
+  EXPECT_EQ(writtenBy({"set", "product-name", "--", "--json"}), (tWrite{0x10000100, "--json"}));
+  EXPECT_EQ(writtenBy({"set", "--", "product-name", "-x"}), (tWrite{0x10000100, "-x"}));
+  EXPECT_EQ(writtenBy({"set", "product-name", "--", "--"}), (tWrite{0x10000100, "--"}));
+  EXPECT_EQ(writtenBy({"set", "product-name", "--", "++"}), (tWrite{0x10000100, "++"}));
+  EXPECT_EQ(writtenBy({"set", "product-name", "-5"}), (tWrite{0x10000100, "-5"}));
+  for (const char* const value : {"-x", "--martn", "++"}) {
+    EXPECT_THAT(refusalOf({"set", "product-name", value}), HasSubstr("quenra set --help"));
+  }
+}
+
+TEST_F(Set, NumberGoesToTheControllerUnlessTheMartenIsSelected) {
+  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "1"}).id, 0x20051400u);
+  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "1", "--controller"}).id, 0x20151400u);
+  EXPECT_EQ(writtenBy({"set", "--marten", "driver-setting-2", "1"}).id, 0x20251400u);
+  EXPECT_EQ(writtenBy({"set", "0x20251400", "1"}).id, 0x20251400u);
+  EXPECT_EQ(writtenBy({"set", "memory-size", "1", "--instance", "2"}).id, 0x2000D002u);
+}
+
+TEST_F(Set, TextSettingOfBoth_GoesToBothOrToTheMarten) {
+  for (const char* const name : {"text-setting-of-both", "QUENRA_TEXT_SETTING_OF_BOTH",
+                                 "Text_Setting_of_both", "0x18000000"}) {
+    EXPECT_EQ(writtenBy({"set", name, "a"}), (tWrite{0x18000000, "a"})) << name;
+    EXPECT_EQ(writtenBy({"set", name, "a", "--both"}), (tWrite{0x18000000, "a"})) << name;
+    EXPECT_EQ(writtenBy({"set", name, "a", "--marten"}), (tWrite{0x18200000, "a"})) << name;
+  }
+}
+
+TEST_F(Set, WhatTheLibraryCannotMean_IsRefused) {
+  EXPECT_THAT(
+      refusalOf({"set", "text-setting-of-both", "a", "--controller"}),
+      HasSubstr("text-setting-of-both cannot be written to the controller interface alone\n"));
+  EXPECT_THAT(refusalOf({"set", "0x18100000", "a"}), HasSubstr("controller interface alone"));
+  EXPECT_THAT(refusalOf({"set", "text-setting-of-both", "a", "--instance", "1"}),
+              HasSubstr("text-setting-of-both has no instances"));
+  EXPECT_THAT(refusalOf({"set", "driver-setting-1", "1", "--both"}),
+              HasSubstr("driver-setting-1 cannot be written to both interfaces at once\n"
+                        "  Only text-setting-of-both can."));
+  EXPECT_THAT(refusalOf({"set", "product-name", "a", "--both"}), HasSubstr("both interfaces"));
+  for (const char* const option : {"--controller", "--marten"}) {
+    EXPECT_THAT(refusalOf({"set", "product-name", "a", option}),
+                HasSubstr("for product-name there is no choice of the interface"));
+  }
+  EXPECT_THAT(refusalOf({"set", "0x10200100", "a"}), HasSubstr("no choice of the interface"));
+  EXPECT_THAT(refusalOf({"set", "0x18200000", "a", "--both"}),
+              HasSubstr("the id selects another interface than --both"));
+}
+
+TEST_F(Set, AtMostOneInterface_CanBeChosen) {
+  static_cast<void>(refusalOf({"set", "text-setting-of-both", "a", "--both", "--marten"}));
+  static_cast<void>(refusalOf({"set", "driver-setting-1", "1", "--controller", "--marten"}));
+  static_cast<void>(refusalOf({"set", "driver-setting-1", "1", "--controller", "--both"}));
+}
+
+TEST_F(Set, ValueThatIsNoNumber_IsRefused) {
+  for (const char* const value : {"", "-1", "+1", " 1", "1 ", "4294967296", "0x", "0x1FFFFFFFF",
+                                  "1.5", "3200 MT/s", "yes", "1e3"}) {
+    EXPECT_THAT(
+        refusalOf({"set", "memory-speed", value}),
+        HasSubstr("'" + std::string(value) + "' is no unsigned 32-bit number\n  Give it in"));
+  }
+}
+
+TEST_F(Set, ValueThatIsNoUnicodeText_IsRefused) {
+  for (const char* const value : {"a\xFF", "\xC0\x80", "\xED\xA0\x80", "\xE6\xBC"}) {
+    EXPECT_THAT(refusalOf({"set", "product-name", value}),
+                HasSubstr("the value is no Unicode text\n  Texts are written as UTF-8."));
+  }
+}
+
+TEST_F(Set, MissingAndFurtherWords_AreWrongUsage) {
+  static_cast<void>(refusalOf({"set"}));
+  static_cast<void>(refusalOf({"set", "driver-setting-1"}));
+  static_cast<void>(refusalOf({"set", "product-name", "rack", "7"}));
+  EXPECT_THAT(refusalOf({"set", "driver-seting-1", "1"}),
+              HasSubstr("Did you mean driver-setting-1"));
+  EXPECT_THAT(refusalOf({"set", "text-setting-of-bot", "1"}),
+              HasSubstr("Did you mean text-setting-of-both"));
+}
+
+TEST_F(Set, SettingThatIsOnlyWritten_IsNotRead) {
+  const tRun result = run({"get", "text-setting-of-both"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.error, HasSubstr("text-setting-of-both can only be written"));
+  EXPECT_THAT(result.error, HasSubstr("'quenra set' does."));
+}
+
+TEST_F(Set, WhatNoInterfaceTakes_IsNotSupported) {
+  for (const auto& [code, constant] :
+       {std::pair(QUENRA_STATUS_NOT_SUPPORTED, "-26934 QUENRA_STATUS_NOT_SUPPORTED"),
+        std::pair(QUENRA_STATUS_NO_CONTROLLER, "-26932 QUENRA_STATUS_NO_CONTROLLER")}) {
+    library_.writeCode = code;
+    const tRun result = runOnTerminal({"set", "product-name", "a"});
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_THAT(result.error, HasSubstr("product-name cannot be written on this machine\n"));
+    EXPECT_THAT(result.error, HasSubstr(constant));
+  }
+}
+
+TEST_F(Set, FailureOfTheLibrary_IsAnErrorDocument) {
+  library_.writeCode = QUENRA_STATUS_INVALID_VALUE;
+  const tRun result = run({"set", "driver-setting-1", "1", "--json"});
+  EXPECT_EQ(result.exitCode, 1);
+  const auto document = result.document();
+  EXPECT_STREQ(document["kind"].GetString(), "error");
+  EXPECT_STREQ(document["command"].GetString(), "set");
+  EXPECT_STREQ(document["error"]["message"].GetString(), "driver-setting-1 cannot be written");
+  EXPECT_EQ(document["error"]["code"].GetInt(), -26935);
+}
+
+TEST_F(Set, NoController_HasAnExitCodeOfItsOwn) {
+  library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
+  EXPECT_EQ(run({"set", "driver-setting-1", "1"}).exitCode, 4);
+  EXPECT_THAT(library_.writes, IsEmpty());
+}
+
+TEST_F(Set, Warnings_GoToTheErrorStreamAndTheDocument) {
+  library_.openCode = 77;
+  library_.writeCode = QUENRA_STATUS_IO_PENDING;
+  const tRun result = run({"set", "driver-setting-1", "5", "--json"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.error, HasSubstr("warning: opening the controller\n  77\n"));
+  EXPECT_THAT(result.error, HasSubstr("warning: writing driver-setting-1\n  52011 "));
+  const auto document = result.document();
+  ASSERT_EQ(document["warnings"].Size(), 2u);
+  EXPECT_EQ(document["attribute"]["status"]["code"].GetInt(), QUENRA_STATUS_IO_PENDING);
+}
+
+TEST_F(Set, Document_HasThePromisedMembers) {
+  const auto document = run({"set", "memory-speed", "0xC80", "--marten", "--json"}).document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "attribute"));
+  EXPECT_STREQ(document["kind"].GetString(), "set");
+  const rapidjson::Value& attribute = document["attribute"];
+  EXPECT_THAT(memberNames(attribute), ElementsAre("name", "id", "instance", "interface", "type",
+                                                  "value", "shown", "unit", "status"));
+  EXPECT_STREQ(attribute["name"].GetString(), "memory-speed");
+  EXPECT_STREQ(attribute["id"].GetString(), "0x2000C900");
+  EXPECT_STREQ(attribute["interface"].GetString(), "marten");
+  EXPECT_EQ(attribute["value"].GetInt(), 3200);
+  EXPECT_STREQ(attribute["shown"].GetString(), "3200 MT/s");
+  EXPECT_EQ(attribute["status"]["code"].GetInt(), 0);
+}
+
+TEST_F(Set, DocumentOfTheSettingOfBoth_SaysWhereItWent) {
+  const tWords words{"set", "text-setting-of-both",
+                     "Gr\xC3\xBC\xC3\x9F"
+                     "e",
+                     "--json"};
+  EXPECT_STREQ(run(words).document()["attribute"]["interface"].GetString(), "both");
+  EXPECT_STREQ(run(words).document()["attribute"]["value"].GetString(), words[2].c_str());
+}
+
+}  // namespace
+}  // namespace nTests

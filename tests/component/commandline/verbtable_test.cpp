@@ -1,0 +1,94 @@
+#include "tools/quenra/grammar/verbtable.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+
+#include "tests/component/commandline/repositoryfile.h"
+#include "tools/quenra/grammar/parser.h"
+
+namespace nTests {
+namespace {
+
+using namespace nCommandLine;
+
+tArguments parsed(std::string_view command) {
+  std::istringstream stream{std::string(command)};
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;) {
+    words.push_back(word);
+  }
+  std::vector<const char*> pointers;
+  for (const std::string& word : words) {
+    pointers.push_back(word.c_str());
+  }
+  return parseArguments(pointers);
+}
+
+TEST(VerbTable, EveryExample_IsACommandLineOfItsVerb) {
+  for (const tVerbRow& verb : kVerbs) {
+    ASSERT_FALSE(verb.examples.empty()) << verb.name;
+    for (const tExampleRow& example : verb.examples) {
+      EXPECT_EQ(&parsed(example.command).verb(), &verb) << example.command;
+      EXPECT_FALSE(example.effect.empty()) << example.command;
+    }
+  }
+}
+
+TEST(VerbTable, NamesAreUsedOnce) {
+  std::set<std::string_view> verbs;
+  for (const tVerbRow& verb : kVerbs) {
+    EXPECT_TRUE(verbs.insert(verb.name).second) << verb.name;
+    EXPECT_EQ(findVerb(verb.name), &verb);
+    std::set<std::string_view> words;
+    for (const tOptionRow& row : kOptionsOfTheProgram) {
+      words.insert(row.name);
+    }
+    for (const tOptionRow& row : verb.options) {
+      EXPECT_TRUE(words.insert(row.name).second) << verb.name << " " << row.name;
+    }
+    for (const tPositionalRow& row : verb.positionals) {
+      EXPECT_TRUE(words.insert(row.name).second) << verb.name << " " << row.name;
+    }
+  }
+}
+
+TEST(VerbTable, RowsAreWrittenAlike) {
+  for (const tVerbRow& verb : kVerbs) {
+    EXPECT_FALSE(verb.summary.ends_with('.')) << verb.name;
+    EXPECT_TRUE(verb.details.empty() || verb.details.ends_with('.')) << verb.name;
+    for (const tOptionRow& row : verb.options) {
+      EXPECT_TRUE(row.name.starts_with("--")) << row.name;
+      EXPECT_FALSE(row.description.empty() || row.description.ends_with('.')) << row.name;
+    }
+    for (const tPositionalRow& row : verb.positionals) {
+      EXPECT_FALSE(row.description.empty() || row.description.ends_with('.')) << row.name;
+    }
+  }
+}
+
+TEST(VerbTable, OptionsOfOneChoice_StandSideBySide) {
+  for (const tVerbRow& verb : kVerbs) {
+    std::set<std::string_view> closed;
+    std::string_view open;
+    for (const tOptionRow& row : verb.options) {
+      if (row.choice != open) {
+        closed.insert(open);
+        open = row.choice;
+      }
+      EXPECT_TRUE(open.empty() || !closed.contains(open)) << verb.name << " " << row.name;
+    }
+  }
+}
+
+TEST(VerbTable, ErrorSchema_KnowsEveryVerb) {
+  const std::vector<std::string> lines = linesOf("docs/schema/error.schema.json");
+  for (const tVerbRow& verb : kVerbs) {
+    EXPECT_THAT(lines, testing::Contains("        \"" + std::string(verb.name) + "\","));
+  }
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,112 @@
+// What the tests of the channel to the driver share: an open controller interface and the machine
+// behind it.
+#ifndef TESTS_COMPONENT_PROTONS_DRIVER_DRIVERTEST_H
+#define TESTS_COMPONENT_PROTONS_DRIVER_DRIVERTEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include "protocol/interfaceclasses.h"
+#include "simulator/control/tsimulatedmachine.h"
+#include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
+#include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
+
+#ifndef _WIN32
+#include "tests/fakewindows/fakewindowstest.h"
+#endif
+
+namespace nTests {
+
+#ifdef _WIN32
+using tDriverTestBase = testing::Test;
+#else
+using tDriverTestBase = nFakeWindows::FakeWindowsTest;
+#endif
+
+using nQUENRA1400::nZOAPAL000::tDeviceInterfaceIterator;
+using nQUENRA1400::nZOAPAL000::tDeviceInterfaceProxy;
+using nQUENRA1400::nZOAPAL000::tPendingRequest;
+using nZOAPALS100::tStatus;
+
+inline void openController(tDeviceInterfaceProxy& proxy, tStatus& status) {
+  tDeviceInterfaceIterator iterator(kControllerInterfaceClass, status);
+  iterator.openCurrent(proxy, status);
+}
+
+// Waits for what another thread or process is about to bring about.
+inline bool becomesTrue(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      return false;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
+}
+
+// An open proxy and the machine behind it.
+class DriverTest : public tDriverTestBase {
+ protected:
+  void SetUp() override {
+    tDriverTestBase::SetUp();
+    machine_ = std::make_unique<nSimulator::tSimulatedMachine>();
+    machine_->reset();
+    openController(proxy, status);
+    ASSERT_EQ(status.code, 0);
+    machine_->clearLog();
+  }
+  void TearDown() override {
+    proxy.close();
+    machine_->reset();
+    machine_.reset();
+    tDriverTestBase::TearDown();
+  }
+
+  nSimulator::tSimulatedMachine& machine() { return *machine_; }
+  void script(uint32_t windowsError, uint32_t requestCode) {
+    tSimulatorScript failing{};
+    failing.interfaceKind = kSimulatorInterfaceController;
+    failing.requestCode = requestCode;
+    failing.times = 1;
+    failing.action = kSimulatorActionFail;
+    failing.windowsError = windowsError;
+    machine_->addScript(failing);
+  }
+  std::vector<tSimulatorLogEntry> logged(tSimulatorEvent event) {
+    std::vector<tSimulatorLogEntry> entries = machine_->log();
+    std::erase_if(entries, [event](const tSimulatorLogEntry& entry) {
+      return entry.event != static_cast<uint32_t>(event);
+    });
+    return entries;
+  }
+  void expectFailure(int32_t code, uint32_t line) {
+    EXPECT_EQ(status.code, code);
+    EXPECT_EQ(status.line, line);
+    EXPECT_STREQ(status.file, "tdeviceinterfaceproxy");
+    EXPECT_STREQ(status.component, "quenra");
+  }
+
+  tStatus status;
+  tDeviceInterfaceProxy proxy;
+
+ private:
+  std::unique_ptr<nSimulator::tSimulatedMachine> machine_;
+};
+
+class PendingRequest : public DriverTest {
+ protected:
+  // What is pending on this process's files.
+  size_t pendingCount() { return machine().pending().size(); }
+
+  tPendingRequest request;
+};
+
+}  // namespace nTests
+
+#endif

@@ -1,0 +1,461 @@
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <mutex>
+#include <thread>
+
+#include "protocol/notificationrequests.h"
+#include "protocol/requestcodes.h"
+#include "tests/component/protons/io_notification/notificationtest.h"
+
+namespace nTests {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// ---- A reader without a thread ----
+
+class NotificationReader : public NotificationTest {
+ protected:
+  void SetUp() override {
+    NotificationTest::SetUp();
+    reader = std::make_unique<tIONotificationReader>(makePort());
+  }
+  void TearDown() override {
+    notification.disable();
+    reader.reset();
+    NotificationTest::TearDown();
+  }
+
+  std::unique_ptr<tIONotificationReader> reader;
+  tIONotification notification;
+};
+
+TEST_F(NotificationReader, WakeUp_EndsTheWait) {
+  reader->wake(status);
+  EXPECT_EQ(status.code, 0);
+  const tNotice notice = waitOn(*reader);
+  EXPECT_EQ(notice.kind, kWakeUp);
+  EXPECT_EQ(notice.notification, nullptr);
+  EXPECT_EQ(notice.payload, "");
+}
+
+TEST_F(NotificationReader, NothingInTime_IsATimeOutAtLine59) {
+  const tNotice notice = waitOn(*reader, kShortTime);
+  EXPECT_EQ(notice.code, -52007);
+  EXPECT_EQ(notice.line, 59u);
+  EXPECT_EQ(notice.notification, nullptr);
+  EXPECT_EQ(notice.kind, kDelivered) << "no wake-up";
+  EXPECT_EQ(notice.payload, "");
+}
+
+TEST_F(NotificationReader, OnAStatusInError_WaitsAndWakesNot) {
+  status.code = -1;
+  reader->wake(status);
+  uint32_t kind = 99;
+  uint8_t payload[32];
+  uint32_t size = 99;
+  EXPECT_EQ(reader->wait(kind, payload, size, status, kLongTime), nullptr);
+  EXPECT_EQ(kind, kDelivered);
+  EXPECT_EQ(size, 0u);
+  EXPECT_EQ(status.code, -1);
+}
+
+TEST_F(NotificationReader, Enabled_IsToldWithThePayload) {
+  EXPECT_TRUE(notification.enable(*reader, proxy, kMask, status));
+  EXPECT_EQ(status.code, 0);
+  EXPECT_TRUE(notification.isEnabled());
+  notify("seven");
+  const tNotice notice = waitOn(*reader);
+  EXPECT_EQ(notice.notification, &notification);
+  EXPECT_EQ(notice.kind, kDelivered);
+  EXPECT_EQ(notice.payload, "seven");
+  EXPECT_EQ(notice.code, 0);
+}
+
+TEST_F(NotificationReader, Requests_AreAsTheDriverKnowsThem) {
+  notification.enable(*reader, proxy, kMask, status);
+  const std::vector<tSimulatorLogEntry> sent = logged(kSimulatorEventRequest);
+  ASSERT_THAT(sent, SizeIs(2));
+  EXPECT_EQ(sent[0].requestCode, 0x0022FC0Cu);
+  EXPECT_EQ(sent[0].inputSize, 0u);
+  EXPECT_EQ(sent[1].requestCode, 0x0022FC08u);
+  EXPECT_EQ(sent[1].inputSize, 16u);
+  tRegisterNotificationRequest asked{};
+  std::memcpy(&asked, sent[1].input, sizeof asked);
+  EXPECT_EQ(asked.notification, notification.address());
+  EXPECT_EQ(asked.mask, kMask);
+  EXPECT_EQ(asked.padding, 0u);
+  machine().clearLog();
+  notification.disable();
+  const std::vector<tSimulatorLogEntry> ended = logged(kSimulatorEventRequest);
+  ASSERT_THAT(ended, SizeIs(1));
+  EXPECT_EQ(ended[0].requestCode, 0x0022FC10u);
+  EXPECT_EQ(ended[0].inputSize, 4u);
+  EXPECT_EQ(std::memcmp(ended[0].input, "\x00\x00\x00\x80", 4), 0);
+}
+
+TEST_F(NotificationReader, ManyNotices_AllArriveInOrder) {
+  notification.enable(*reader, proxy, kMask, status);
+  for (char letter = 'a'; letter <= 'j'; ++letter) {
+    notify(std::string(1, letter));
+  }
+  std::string received;
+  for (int i = 0; i < 10; ++i) {
+    received += waitOn(*reader).payload;
+  }
+  EXPECT_EQ(received, "abcdefghij");
+  EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), 11u) << "armed again behind each";
+}
+
+TEST_F(NotificationReader, PayloadOf32Bytes_IsPassedOnWhole) {
+  notification.enable(*reader, proxy, kMask, status);
+  const std::string payload = "0123456789abcdefghijklmnopqrstuv";
+  ASSERT_EQ(payload.size(), 32u);
+  notify(payload);
+  EXPECT_EQ(waitOn(*reader).payload, payload);
+  notify("");
+  EXPECT_EQ(waitOn(*reader).payload, "");
+}
+
+TEST_F(NotificationReader, PayloadThatIsTooLarge_IsRefusedAndNothingMoreDelivered) {
+  for (const uint32_t size : {33u, 48u, 0xFFFFFFFFu}) {
+    notification.enable(*reader, proxy, kMask, status);
+    tSimulatorNotice tooLarge{};
+    tooLarge.mask = kMask;
+    tooLarge.payloadSize = size;
+    machine().notify(tooLarge);
+    const tNotice notice = waitOn(*reader);
+    EXPECT_EQ(notice.code, -52024) << size;
+    EXPECT_EQ(notice.line, 76u);
+    EXPECT_EQ(notice.notification, nullptr);
+    EXPECT_EQ(notice.kind, kDelivered);
+    EXPECT_EQ(notice.payload, "");
+    const size_t armed = requests(REQUEST_ARM_DELIVERY);
+    notify("held back");
+    EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
+    EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), armed);
+    // Closing the device ends that.
+    notification.disable();
+    proxy.close();
+    while (waitOn(*reader, kShortTime).code == 0) {
+    }
+    openController(proxy, status);
+  }
+}
+
+TEST_F(NotificationReader, NoticeForAnAddressThatNobodyHas_IsForNobody) {
+  notification.enable(*reader, proxy, kMask, status);
+  notify("lie", kMask, 0xDEADBEEF0);
+  tNotice notice = waitOn(*reader);
+  EXPECT_EQ(notice.notification, nullptr);
+  EXPECT_EQ(notice.kind, kDelivered);
+  EXPECT_EQ(notice.code, 0);
+  notify("truth");
+  notice = waitOn(*reader);
+  EXPECT_EQ(notice.notification, &notification) << "the next is delivered all the same";
+  EXPECT_EQ(notice.payload, "truth");
+}
+
+TEST_F(NotificationReader, NoticeForOneThatIsGone_IsForNobody) {
+  auto gone = std::make_unique<tIONotification>();
+  gone->enable(*reader, proxy, 1, status);
+  notification.enable(*reader, proxy, kMask, status);
+  const uint64_t address = gone->address();
+  gone->disable();
+  while (waitOn(*reader, kShortTime).code == 0) {
+  }
+  gone.reset();
+  notify("late", kMask, address);
+  EXPECT_EQ(waitOn(*reader).notification, nullptr);
+}
+
+TEST_F(NotificationReader, SecondNotificationOnTheSameProxy_SharesItsDelivery) {
+  tIONotification second;
+  EXPECT_TRUE(notification.enable(*reader, proxy, 1, status));
+  EXPECT_TRUE(second.enable(*reader, proxy, 2, status));
+  EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), 1u);
+  notify("first", 1);
+  notify("second", 2);
+  notify("both", 3);
+  tNotice notice = waitOn(*reader);
+  EXPECT_EQ(notice.notification, &notification);
+  EXPECT_EQ(notice.payload, "first");
+  notice = waitOn(*reader);
+  EXPECT_EQ(notice.notification, &second);
+  EXPECT_EQ(notice.payload, "second");
+  EXPECT_EQ(waitOn(*reader).notification, &notification);
+  EXPECT_EQ(waitOn(*reader).notification, &second);
+  second.disable();
+}
+
+TEST_F(NotificationReader, OfAnotherReader_CannotShareAProxy) {
+  tIONotificationReader other(makePort());
+  tIONotification second;
+  ASSERT_TRUE(notification.enable(*reader, proxy, 1, status));
+  EXPECT_FALSE(second.enable(other, proxy, 2, status));
+  expectFailure(-52005, 315);
+  EXPECT_FALSE(second.isEnabled());
+  notify("first", 1);
+  EXPECT_EQ(waitOn(*reader).payload, "first") << "the first goes on";
+}
+
+TEST_F(NotificationReader, Disabled_TellsThatItsRegistrationHasEnded) {
+  notification.enable(*reader, proxy, kMask, status);
+  notification.disable();
+  EXPECT_FALSE(notification.isEnabled());
+  const tNotice notice = waitOn(*reader);
+  EXPECT_EQ(notice.kind, kRegistrationEnded);
+  EXPECT_EQ(notice.notification, &notification);
+  EXPECT_EQ(notice.payload, "");
+  EXPECT_THROW(notify("nobody listens"), nSimulator::tControlError);
+  notification.disable();
+  EXPECT_EQ(requests(REQUEST_UNREGISTER_NOTIFICATION), 1u);
+}
+
+TEST_F(NotificationReader, DisabledOnAClosedProxy_AsksNothing) {
+  notification.enable(*reader, proxy, kMask, status);
+  proxy.close();
+  notification.disable();
+  EXPECT_FALSE(notification.isEnabled());
+  EXPECT_EQ(requests(REQUEST_UNREGISTER_NOTIFICATION), 0u);
+}
+
+TEST_F(NotificationReader, EnabledAgain_IsRegisteredOnce) {
+  notification.enable(*reader, proxy, kMask, status);
+  EXPECT_TRUE(notification.enable(*reader, proxy, kMask, status));
+  EXPECT_EQ(waitOn(*reader).kind, kRegistrationEnded) << "of the first time";
+  notify("once");
+  EXPECT_EQ(waitOn(*reader).payload, "once");
+  EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
+}
+
+TEST_F(NotificationReader, EnabledOnAStatusInError_AsksNothing) {
+  status.code = -1;
+  EXPECT_FALSE(notification.enable(*reader, proxy, kMask, status));
+  EXPECT_THAT(logged(kSimulatorEventRequest), IsEmpty());
+}
+
+TEST_F(NotificationReader, EnabledOnAClosedProxy_Fails) {
+  proxy.close();
+  EXPECT_FALSE(notification.enable(*reader, proxy, kMask, status));
+  EXPECT_LT(status.code, 0);
+  EXPECT_EQ(status.line, 315u);
+}
+
+TEST_F(NotificationReader, ReopenedProxy_IsAssociatedAgain) {
+  notification.enable(*reader, proxy, kMask, status);
+  notification.disable();
+  proxy.close();
+  while (waitOn(*reader, kShortTime).code == 0) {
+  }
+  openController(proxy, status);
+  EXPECT_TRUE(notification.enable(*reader, proxy, kMask, status));
+  notify("again");
+  EXPECT_EQ(waitOn(*reader).payload, "again");
+}
+
+TEST_F(NotificationReader, OrdinaryRequests_NeverReachThePort) {
+  notification.enable(*reader, proxy, kMask, status);
+  tPendingRequest request;
+  EXPECT_NE(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
+  proxy.endPendingRequest(request);
+  EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
+}
+
+TEST_F(NotificationReader, RegistrationThatIsRefused_IsToldAtLine134) {
+  script(5, REQUEST_REGISTER_NOTIFICATION);
+  const bool enabled = notification.enable(*reader, proxy, kMask, status);
+  // A driver's refusal arrives with the call, or as a failed completion that nobody waits for.
+  if (!enabled) {
+    EXPECT_EQ(status.code, -52009);
+    EXPECT_EQ(status.line, 134u);
+    EXPECT_STREQ(status.file, "tionotification");
+  }
+  EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007) << "failed completions are skipped";
+}
+
+TEST_F(NotificationReader, DeliveryThatFails_IsSkipped) {
+  notification.enable(*reader, proxy, kMask, status);
+  notify("one");
+  script(5, REQUEST_ARM_DELIVERY);
+  EXPECT_EQ(waitOn(*reader).payload, "one") << "that arming again fails is not told";
+  notify("two");
+  EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
+}
+
+// ---- A reader with a thread ----
+
+// What the callback was told, for the tests to look at.
+struct tHeard {
+  std::mutex mutex;
+  std::vector<std::string> payloads;
+  std::vector<uint32_t> kinds;
+  std::atomic<bool> isInside = false;
+  std::atomic<bool> mayLeave = true;
+
+  void reset() {
+    const std::lock_guard lock(mutex);
+    payloads.clear();
+    kinds.clear();
+    isInside = false;
+    mayLeave = true;
+  }
+  size_t count() {
+    const std::lock_guard lock(mutex);
+    return kinds.size();
+  }
+};
+tHeard heard;
+
+void hear(uint32_t kind, tIONotification*, const uint8_t* payload, uint32_t payloadSize,
+          tStatus&) noexcept {
+  {
+    const std::lock_guard lock(heard.mutex);
+    heard.kinds.push_back(kind);
+    heard.payloads.emplace_back(payload, payload + payloadSize);
+  }
+  heard.isInside = true;
+  while (!heard.mayLeave) {
+    std::this_thread::yield();
+  }
+  heard.isInside = false;
+}
+
+class ThreadedReader : public NotificationTest {
+ protected:
+  void SetUp() override {
+    NotificationTest::SetUp();
+    heard.reset();
+    reader = std::make_unique<tThreadedIONotificationReader>(makePort());
+  }
+  void TearDown() override {
+    notification.disable();
+    reader.reset();
+    NotificationTest::TearDown();
+  }
+
+  std::unique_ptr<tThreadedIONotificationReader> reader;
+  tIONotification notification;
+};
+
+TEST_F(ThreadedReader, HandsEveryNoticeToItsCallback) {
+  reader->start(hear, status);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_TRUE(reader->isRunning());
+  notification.enable(*reader, proxy, kMask, status);
+  notify("one");
+  notify("two");
+  EXPECT_TRUE(becomesTrue([] { return heard.count() == 2; }));
+  notification.disable();
+  EXPECT_TRUE(becomesTrue([] { return heard.count() == 3; }));
+  reader.reset();
+  EXPECT_THAT(heard.kinds, ElementsAre(kDelivered, kDelivered, kRegistrationEnded));
+  EXPECT_THAT(heard.payloads, ElementsAre("one", "two", ""));
+}
+
+TEST_F(ThreadedReader, WokenBeforeAnything_EndsWithoutACallback) {
+  tStatus woken;
+  reader->wake(woken);
+  reader->start(hear, status);
+  reader.reset();
+  EXPECT_EQ(heard.count(), 0u);
+}
+
+TEST_F(ThreadedReader, NeverStarted_EndsAtOnce) {
+  EXPECT_FALSE(reader->isRunning());
+  reader.reset();
+  EXPECT_EQ(heard.count(), 0u);
+}
+
+TEST_F(ThreadedReader, StartedOnAStatusInError_IsNot) {
+  status.code = -1;
+  reader->start(hear, status);
+  EXPECT_FALSE(reader->isRunning());
+  EXPECT_EQ(status.code, -1);
+}
+
+TEST_F(ThreadedReader, DestroyedWhileItsCallbackRuns_WaitsForIt) {
+  reader->start(hear, status);
+  notification.enable(*reader, proxy, kMask, status);
+  heard.mayLeave = false;
+  notify("slow");
+  EXPECT_TRUE(becomesTrue([] { return heard.isInside.load(); }));
+  std::atomic<bool> destroyed = false;
+  std::thread destroyer([&] {
+    notification.disable();
+    reader.reset();
+    destroyed = true;
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_FALSE(destroyed);
+  heard.mayLeave = true;
+  destroyer.join();
+  EXPECT_TRUE(destroyed);
+  EXPECT_FALSE(heard.isInside);
+}
+
+TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
+  for (int round = 0; round < 10; ++round) {
+    heard.reset();
+    tStatus own;
+    auto ownReader = std::make_unique<tThreadedIONotificationReader>(makePort());
+    ownReader->start(hear, own);
+    tDeviceInterfaceProxy ownProxy;
+    openController(ownProxy, own);
+    tIONotification ownNotification;
+    ownNotification.enable(*ownReader, ownProxy, kMask, own);
+    ASSERT_EQ(own.code, 0);
+    std::atomic<bool> over = false;
+    std::thread teller([&] {
+      nSimulator::tSimulatedMachine telling;
+      tSimulatorNotice notice{};
+      notice.mask = kMask;
+      while (!over) {
+        try {
+          telling.notify(notice);
+        } catch (const nSimulator::tControlError&) {
+          // Nobody is registered any more, or too much is held back.
+        }
+      }
+    });
+    EXPECT_TRUE(becomesTrue([] { return heard.count() > 3; }));
+    ownNotification.disable();
+    ownReader.reset();
+    const size_t count = heard.count();
+    ownProxy.close();
+    over = true;
+    teller.join();
+    EXPECT_EQ(heard.count(), count) << "nothing is told any more";
+  }
+}
+
+TEST_F(ThreadedReader, ManyNotificationsEnabledAtOnce_AssociateTheirProxyOnce) {
+  reader->start(hear, status);
+  std::vector<std::unique_ptr<tIONotification>> many;
+  for (int i = 0; i < 8; ++i) {
+    many.push_back(std::make_unique<tIONotification>());
+  }
+  std::vector<std::thread> threads;
+  for (auto& each : many) {
+    threads.emplace_back([this, &each] {
+      tStatus own;
+      EXPECT_TRUE(each->enable(*reader, proxy, 1, own));
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), 1u);
+  notify("all", 1);
+  EXPECT_TRUE(becomesTrue([] { return heard.count() == 8; }));
+  for (auto& each : many) {
+    each->disable();
+  }
+  reader.reset();
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,202 @@
+// Every Windows call on the way of a notification, failed in turn.
+#include "protocol/requestcodes.h"
+#include "tests/component/protons/io_notification/notificationtest.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::faultPlan;
+using nFakeWindows::tCall;
+using nQUENRA1400::nZOAPAL000::tThread;
+
+std::atomic<int> failedWaits = 0;
+
+void countFailures(uint32_t, tIONotification*, const uint8_t*, uint32_t, tStatus& status) noexcept {
+  failedWaits += status.isError() ? 1 : 0;
+}
+
+class NotificationFailures : public NotificationTest {
+ protected:
+  void SetUp() override {
+    NotificationTest::SetUp();
+    failedWaits = 0;
+    reader = std::make_unique<tThreadedIONotificationReader>(makePort());
+    faultPlan().reset();
+  }
+  void TearDown() override {
+    notification.disable();
+    reader.reset();
+    NotificationTest::TearDown();
+  }
+  bool enable() { return notification.enable(*reader, proxy, kMask, status); }
+  void expectFailureOf(const char* file, int32_t code, uint32_t line) {
+    EXPECT_EQ(status.code, code);
+    EXPECT_EQ(status.line, line);
+    EXPECT_STREQ(status.file, file);
+    EXPECT_STREQ(status.component, "quenra");
+  }
+  void expectTheNextWorks() {
+    EXPECT_FALSE(notification.isEnabled());
+    faultPlan().reset();
+    status = {};
+    EXPECT_TRUE(enable());
+    notify("works");
+    EXPECT_EQ(waitOn(*reader).payload, "works");
+  }
+
+  std::unique_ptr<tThreadedIONotificationReader> reader;
+  tIONotification notification;
+};
+
+TEST_F(NotificationFailures, PortThatTakesNoDevice_IsToldAtLine315AndTriedAgainNextTime) {
+  faultPlan().failCall(tCall::createIoCompletionPort, 1, ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(enable());
+  expectFailureOf("tdeviceinterfaceproxy", -52009, 315);
+  EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
+  expectTheNextWorks();
+}
+
+TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsToldAtLine333) {
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(enable());
+  expectFailureOf("tdeviceinterfaceproxy", -52009, 333);
+  EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 1u) << "nothing is registered";
+}
+
+TEST_F(NotificationFailures, RegistrationThatCannotBeSent_IsToldAtLine134) {
+  faultPlan().failCall(tCall::deviceIoControl, 2, ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(enable());
+  expectFailureOf("tionotification", -52009, 134);
+  expectTheNextWorks();
+}
+
+TEST_F(NotificationFailures, RequestsThatArePendingFirst_AreNoFailure) {
+  faultPlan().complete(nFakeWindows::tCompletion::later);
+  EXPECT_TRUE(enable());
+  EXPECT_EQ(status.code, 0);
+  nFakeWindows::objects().waitForThreads();
+  faultPlan().reset();
+  notify("later");
+  EXPECT_EQ(waitOn(*reader).payload, "later");
+}
+
+TEST_F(NotificationFailures, UnregisteringThatFails_CancelsTheRegistration) {
+  ASSERT_TRUE(enable());
+  faultPlan().reset();
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  notification.disable();
+  EXPECT_FALSE(notification.isEnabled());
+  EXPECT_EQ(faultPlan().callCount(tCall::cancelIoEx), 1u);
+  EXPECT_THROW(notify("nobody"), nSimulator::tControlError);
+}
+
+TEST_F(NotificationFailures, WakeUpThatCannotBePosted_IsToldAtLine101) {
+  faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, ERROR_INVALID_HANDLE);
+  reader->wake(status);
+  expectFailureOf("tionotification", -52003, 101);
+}
+
+TEST_F(NotificationFailures, WaitThatFails_IsToldAtLine59) {
+  faultPlan().failCall(tCall::getQueuedCompletionStatus, 1, ERROR_ACCESS_DENIED);
+  const tNotice notice = waitOn(*reader);
+  EXPECT_EQ(notice.code, -52009);
+  EXPECT_EQ(notice.line, 59u);
+  EXPECT_EQ(notice.notification, nullptr);
+}
+
+TEST_F(NotificationFailures, WaitThatFailsOnTheThread_IsHandedToTheCallbackAndTheLoopGoesOn) {
+  faultPlan().failCall(tCall::getQueuedCompletionStatus, 1, ERROR_ACCESS_DENIED);
+  reader->start(countFailures, status);
+  EXPECT_TRUE(becomesTrue([] { return failedWaits == 1; }));
+  EXPECT_TRUE(
+      becomesTrue([] { return faultPlan().callCount(tCall::getQueuedCompletionStatus) == 2; }));
+}
+
+TEST_F(NotificationFailures, ThreadThatCannotBeHad_IsToldAtLine471) {
+  faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
+  reader->start(countFailures, status);
+  expectFailureOf("thread", -52008, 471);
+  EXPECT_FALSE(reader->isRunning());
+  EXPECT_EQ(faultPlan().callCount(tCall::getThreadPriority), 0u);
+}
+
+TEST_F(NotificationFailures, ThreadOfNormalPriority_KeepsIt) {
+  reader->start(countFailures, status);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(faultPlan().callCount(tCall::setThreadPriority), 0u);
+}
+
+TEST_F(NotificationFailures, ThreadOfAnotherPriority_GetsTheNormalOne) {
+  nFakeWindows::startThreadsWithPriority(THREAD_PRIORITY_LOWEST);
+  reader->start(countFailures, status);
+  nFakeWindows::startThreadsWithPriority(THREAD_PRIORITY_NORMAL);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_TRUE(reader->isRunning());
+  EXPECT_EQ(faultPlan().callCount(tCall::setThreadPriority), 1u);
+}
+
+TEST_F(NotificationFailures, PriorityThatCannotBeRead_IsSet) {
+  faultPlan().failCall(tCall::getThreadPriority, 1, ERROR_ACCESS_DENIED);
+  reader->start(countFailures, status);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(faultPlan().callCount(tCall::setThreadPriority), 1u);
+}
+
+TEST_F(NotificationFailures,
+       PriorityThatCannotBeSet_IsToldAtLine866_AndTheThreadEndsWithItsReader) {
+  nFakeWindows::startThreadsWithPriority(THREAD_PRIORITY_LOWEST);
+  faultPlan().failCall(tCall::setThreadPriority, 1, ERROR_ACCESS_DENIED);
+  reader->start(countFailures, status);
+  nFakeWindows::startThreadsWithPriority(THREAD_PRIORITY_NORMAL);
+  expectFailureOf("thread", -52008, 866);
+  EXPECT_FALSE(reader->isRunning());
+  reader.reset();
+  EXPECT_EQ(faultPlan().callCount(tCall::waitForSingleObject), 1u) << "it is waited for";
+}
+
+TEST_F(NotificationFailures, PriorityOfAThreadThatIsNotStarted_IsToldAtLine859) {
+  tThread thread;
+  thread.setPriority(THREAD_PRIORITY_NORMAL, status);
+  expectFailureOf("thread", -52010, 859);
+  EXPECT_EQ(faultPlan().callCount(), 0u);
+}
+
+TEST_F(NotificationFailures, LastWakeUpThatCannotBePosted_IsTriedAgain) {
+  reader->start(countFailures, status);
+  faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, ERROR_INVALID_HANDLE);
+  reader.reset();
+  EXPECT_EQ(faultPlan().callCount(tCall::postQueuedCompletionStatus), 2u);
+}
+
+TEST_F(NotificationFailures, ThreadThatCannotBeNamed_RunsAllTheSame) {
+  faultPlan().failCall(tCall::addVectoredExceptionHandler, 1, ERROR_NOT_ENOUGH_MEMORY);
+  reader->start(countFailures, status);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_TRUE(reader->isRunning());
+}
+
+TEST_F(NotificationFailures, AnyCallThatFails_LeavesNothingBehind) {
+  for (unsigned nth = 1; nth <= 24; ++nth) {
+    SCOPED_TRACE(nth);
+    faultPlan().reset();
+    tStatus own;
+    auto ownReader = std::make_unique<tThreadedIONotificationReader>(makePort());
+    tDeviceInterfaceProxy ownProxy;
+    openController(ownProxy, own);
+    tIONotification ownNotification;
+    faultPlan().reset();  // counts from here
+    faultPlan().failAnyCall(nth, ERROR_ACCESS_DENIED);
+    ownReader->start(countFailures, own);
+    ownNotification.enable(*ownReader, ownProxy, kMask, own);
+    ownNotification.disable();
+    ownReader.reset();
+    ownProxy.close();
+  }
+  faultPlan().reset();
+  // The fixture's own: the proxy's two, the port and the channel to the machine.
+  nFakeWindows::objects().waitForThreads();
+  EXPECT_EQ(nFakeWindows::objects().open().size(), 4u);
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,181 @@
+// Every Windows call on the way of a pending request, failed in turn.
+#include "protocol/requestcodes.h"
+#include "tests/component/protons/driver/drivertest.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::faultPlan;
+using nFakeWindows::tCall;
+using testing::IsEmpty;
+
+class PendingFailures : public PendingRequest {
+ protected:
+  void SetUp() override {
+    PendingRequest::SetUp();
+    faultPlan().reset();
+  }
+  uint64_t begin() { return proxy.beginPendingRequest(1, 2, 3, request, status); }
+  // What is open beside the proxy's file and event and the test's own channel to the machine.
+  std::vector<std::string> opened() {
+    nFakeWindows::objects().waitForThreads();
+    std::vector<std::string> open = nFakeWindows::objects().open();
+    open.resize(open.size() - std::min<size_t>(open.size(), kOpenBefore));
+    return open;
+  }
+  static constexpr size_t kOpenBefore = 3;
+
+  void expectNothingLeft() {
+    EXPECT_EQ(request.handle(), 0u);
+    EXPECT_THAT(opened(), IsEmpty());
+    faultPlan().reset();
+    tStatus own;
+    EXPECT_NE(proxy.beginPendingRequest(1, 2, 3, request, own), 0u) << "the next one works";
+    proxy.endPendingRequest(request);
+    EXPECT_THAT(opened(), IsEmpty());
+  }
+};
+
+TEST_F(PendingFailures, WithoutAnEventToBeAcceptedBy_IsToldAtLine238) {
+  faultPlan().failCall(tCall::createEvent, 1, ERROR_NO_SYSTEM_RESOURCES);
+  EXPECT_EQ(begin(), 0u);
+  expectFailure(-52000, 238);
+  EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WithoutAThread_IsToldAtLine264) {
+  faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(begin(), 0u);
+  expectFailure(-52009, 264);
+  EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WithoutAThreadAndWithoutALastError_IsAGenericFailure) {
+  faultPlan().failCall(tCall::beginThread, 1, ERROR_SUCCESS);
+  EXPECT_EQ(begin(), 0u);
+  expectFailure(-52003, 264);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WorkerWithoutAnEvent_IsToldAtLine115) {
+  faultPlan().failCall(tCall::createEvent, 2, ERROR_NO_SYSTEM_RESOURCES);
+  EXPECT_EQ(begin(), 0u);
+  expectFailure(-52000, 115);
+  EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WorkerWhoseRequestFailsAtOnce_IsToldAtLine115) {
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(begin(), 0u);
+  expectFailure(-52009, 115);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WorkerWhoseRequestFailsLater_IsToldAtLine110) {
+  faultPlan().complete(nFakeWindows::tCompletion::later, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(begin(), 0u);
+  expectFailure(-52009, 110);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WorkerThatCannotWaitBeforeItIsAccepted_CancelsItsRequest) {
+  machine().setAcceptance(kSimulatorAcceptLater);
+  faultPlan().reset();
+  faultPlan().failCall(tCall::getOverlappedResult, 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(begin(), 0u);
+  expectFailure(-52009, 110);
+  EXPECT_EQ(pendingCount(), 0u);
+  machine().setAcceptance(kSimulatorAcceptAtOnce);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WorkerThatCannotWaitOnceItIsAccepted_CancelsItsRequest) {
+  faultPlan().failCall(tCall::getOverlappedResult, 1, ERROR_ACCESS_DENIED);
+  EXPECT_NE(begin(), 0u);
+  EXPECT_TRUE(becomesTrue([this] { return pendingCount() == 0; }));
+  faultPlan().reset();
+  proxy.endPendingRequest(request);
+  EXPECT_EQ(status.code, 0);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, RequestThatCannotBeCancelled_IsWaitedForAllTheSame) {
+  machine().setAcceptance(kSimulatorAcceptLater);
+  faultPlan().reset();
+  faultPlan().failCall(tCall::getOverlappedResult, 1, ERROR_ACCESS_DENIED);
+  faultPlan().failCall(tCall::cancelIoEx, 1, ERROR_NOT_FOUND);
+  std::thread starter([this] { begin(); });
+  EXPECT_TRUE(becomesTrue([] { return faultPlan().callCount(tCall::cancelIoEx) == 1; }));
+  EXPECT_EQ(pendingCount(), 1u);
+  machine().completePending(0, ERROR_OPERATION_ABORTED);
+  starter.join();
+  expectFailure(-52009, 110);
+  machine().setAcceptance(kSimulatorAcceptAtOnce);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WaitForBeingAcceptedThatFails_IsTriedAgain) {
+  faultPlan().failCall(tCall::waitForMultipleObjects, 1, ERROR_INVALID_HANDLE);
+  EXPECT_NE(begin(), 0u);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(faultPlan().callCount(tCall::waitForMultipleObjects), 2u);
+  proxy.endPendingRequest(request);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, WaitForTheWorkerThatFails_IsTriedAgain) {
+  ASSERT_NE(begin(), 0u);
+  faultPlan().reset();
+  faultPlan().failCall(tCall::waitForSingleObject, 1, ERROR_INVALID_HANDLE);
+  proxy.endPendingRequest(request);
+  EXPECT_EQ(faultPlan().callCount(tCall::waitForSingleObject), 2u);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, EndThatCannotBeSent_LeavesTheRequestToTheClosingOfTheDevice) {
+  ASSERT_NE(begin(), 0u);
+  faultPlan().reset();
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  proxy.endPendingRequest(request);
+  EXPECT_EQ(request.handle(), 0u);
+  EXPECT_EQ(faultPlan().callCount(tCall::waitForSingleObject), 0u) << "it would wait for ever";
+  EXPECT_EQ(pendingCount(), 1u);
+  proxy.close();
+  EXPECT_EQ(pendingCount(), 0u);
+}
+
+TEST_F(PendingFailures, NothingIsClosedTwiceAndNothingIsKept) {
+  ASSERT_NE(begin(), 0u);
+  // Two for the caller: the thread; and the worker's event.
+  proxy.endPendingRequest(request);
+  EXPECT_EQ(faultPlan().callCount(tCall::createEvent), 2u);
+  EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 1u);
+  nFakeWindows::objects().waitForThreads();
+  EXPECT_EQ(faultPlan().callCount(tCall::closeHandle), 3u);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, AnyCallThatFails_LeavesNothingBehind) {
+  for (unsigned nth = 1; nth <= 12; ++nth) {
+    SCOPED_TRACE(nth);
+    faultPlan().reset();
+    faultPlan().failAnyCall(nth, ERROR_ACCESS_DENIED);
+    status = {};
+    begin();
+    proxy.endPendingRequest(request);
+    faultPlan().reset();
+    proxy.close();
+    EXPECT_EQ(pendingCount(), 0u);
+    nFakeWindows::objects().waitForThreads();
+    EXPECT_EQ(nFakeWindows::objects().open().size(), 1u) << "the test's own channel";
+    status = {};
+    openController(proxy, status);
+    ASSERT_EQ(status.code, 0);
+  }
+}
+
+}  // namespace
+}  // namespace nTests

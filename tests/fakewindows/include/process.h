@@ -1,0 +1,20 @@
+/* Of this header, which does not come with the others, what the library calls. */
+#ifndef TESTS_FAKEWINDOWS_INCLUDE_PROCESS_H
+#define TESTS_FAKEWINDOWS_INCLUDE_PROCESS_H
+
+#include <stdint.h>
+#include <windows.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+uintptr_t __cdecl _beginthreadex(void* security, unsigned stackSize,
+                                 unsigned(__stdcall* start)(void*), void* argument, unsigned flags,
+                                 unsigned* id);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,100 @@
+#include <process.h>
+#include <windows.h>
+
+#include <thread>
+
+#include "tests/fakewindows/objects.h"
+#include "tests/fakewindows/unusual.h"
+
+using namespace nFakeWindows;
+
+namespace nFakeWindows {
+namespace {
+
+int initialThreadPriority = THREAD_PRIORITY_NORMAL;
+DWORD nextThreadId = 100;
+thread_local DWORD currentThreadId = 1;
+
+}  // namespace
+
+void startThreadsWithPriority(int priority) {
+  const std::lock_guard lock(objects().mutex);
+  initialThreadPriority = priority;
+}
+
+}  // namespace nFakeWindows
+
+namespace {
+
+void markEnded(HANDLE handle) {
+  const std::lock_guard lock(objects().mutex);
+  // The handle may have been closed while the thread ran.
+  if (tThread* const thread = objects().find<tThread>(handle)) {
+    thread->ended = true;
+    objects().changed.notify_all();
+  }
+}
+
+}  // namespace
+
+uintptr_t __cdecl _beginthreadex(void* security, unsigned stackSize,
+                                 unsigned(__stdcall* start)(void*), void* argument, unsigned flags,
+                                 unsigned* id) {
+  const tInside inside;
+  constexpr auto kCall = tCall::beginThread;
+  expectUsual(security == nullptr && stackSize == 0 && flags == 0, kCall,
+              "only a plain thread can be started");
+  // The C runtime sets its own error number; the last error may be missing.
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return 0;
+  }
+  HANDLE handle = nullptr;
+  DWORD newId = 0;
+  {
+    const std::lock_guard lock(objects().mutex);
+    const DWORD threadId = nextThreadId++;
+    handle = objects().add(tThread{threadId, false, initialThreadPriority});
+    if (id != nullptr) {
+      *id = threadId;
+    }
+    newId = threadId;
+  }
+  objects().addThread(std::thread([=] {
+    currentThreadId = newId;
+    start(argument);
+    markEnded(handle);
+  }));
+  return reinterpret_cast<uintptr_t>(handle);
+}
+
+DWORD WINAPI GetCurrentThreadId(void) {
+  return currentThreadId;
+}
+
+int WINAPI GetThreadPriority(HANDLE handle) {
+  const tInside inside;
+  constexpr auto kCall = tCall::getThreadPriority;
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return THREAD_PRIORITY_ERROR_RETURN;
+  }
+  const std::lock_guard lock(objects().mutex);
+  const tThread* const thread = objects().find<tThread>(handle);
+  expectUsual(thread != nullptr, kCall, "not a thread, or one that was closed");
+  return thread->priority;
+}
+
+BOOL WINAPI SetThreadPriority(HANDLE handle, int priority) {
+  const tInside inside;
+  constexpr auto kCall = tCall::setThreadPriority;
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return FALSE;
+  }
+  const std::lock_guard lock(objects().mutex);
+  tThread* const thread = objects().find<tThread>(handle);
+  expectUsual(thread != nullptr, kCall, "not a thread, or one that was closed");
+  thread->priority = priority;
+  return TRUE;
+}

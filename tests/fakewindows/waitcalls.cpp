@@ -1,0 +1,61 @@
+#include <windows.h>
+
+#include <chrono>
+#include <span>
+#include <thread>
+
+#include "tests/fakewindows/objects.h"
+#include "tests/fakewindows/unusual.h"
+
+using namespace nFakeWindows;
+
+namespace {
+
+// The index of a signalled object. Blocks until there is one.
+size_t waitForAny(tCall call, std::span<const HANDLE> handles) {
+  std::unique_lock lock(objects().mutex);
+  for (;;) {
+    for (size_t i = 0; i < handles.size(); ++i) {
+      const std::optional<bool> signalled = objects().isSignalled(handles[i]);
+      expectUsual(signalled.has_value(), call, "neither an event nor a thread, or closed already");
+      if (*signalled) {
+        tEvent* const event = objects().find<tEvent>(handles[i]);
+        if (event != nullptr && !event->manualReset) {
+          event->signalled = false;
+        }
+        return i;
+      }
+    }
+    objects().changed.wait(lock);
+  }
+}
+
+}  // namespace
+
+DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+  const tInside inside;
+  constexpr auto kCall = tCall::waitForSingleObject;
+  expectUsual(milliseconds == INFINITE, kCall, "only waiting without limit is supported");
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return WAIT_FAILED;
+  }
+  return static_cast<DWORD>(WAIT_OBJECT_0 + waitForAny(kCall, {&handle, 1}));
+}
+
+DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL all,
+                                    DWORD milliseconds) {
+  const tInside inside;
+  constexpr auto kCall = tCall::waitForMultipleObjects;
+  expectUsual(!all && milliseconds == INFINITE, kCall,
+              "only waiting for any without limit is supported");
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return WAIT_FAILED;
+  }
+  return static_cast<DWORD>(WAIT_OBJECT_0 + waitForAny(kCall, {handles, count}));
+}
+
+void WINAPI Sleep(DWORD milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}

@@ -1,0 +1,185 @@
+"""The completion scripts that quenra prints. The one for bash runs in bash."""
+
+import os
+import pathlib
+import pty
+import re
+import subprocess
+import tempfile
+import unittest
+
+from commandline import TIME_LIMIT_SECONDS, CommandLineTest
+
+# Completes the last of its words.
+COMPLETE = """
+source "$1"
+shift
+COMP_WORDS=(quenra "$@")
+COMP_CWORD=$#
+_quenra quenra "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD - 1]}"
+printf '%s\\n' "${COMPREPLY[@]}"
+"""
+
+
+class ScriptFile:
+    def __init__(self, test, shell):
+        self.text = test.quenra("completion", shell).out
+        folder = tempfile.TemporaryDirectory()
+        test.addCleanup(folder.cleanup)
+        self.path = pathlib.Path(folder.name, "completion")
+        self.path.write_text(self.text, encoding="utf-8")
+
+
+def bash(words, **options):
+    return subprocess.run(["bash", "--noprofile", "--norc", *words], capture_output=True, text=True,
+                          timeout=TIME_LIMIT_SECONDS, check=False, **options)
+
+
+class Bash(CommandLineTest):
+    def setUp(self):
+        super().setUp()
+        self.script = ScriptFile(self, "bash")
+
+    def offered(self, *words):
+        """What is offered for the last of the words that stand behind `quenra`."""
+        result = bash(["-euc", COMPLETE, "bash", str(self.script.path), *words])
+        self.assertEqual((result.returncode, result.stderr), (0, ""), words)
+        return [line for line in result.stdout.split("\n") if line]
+
+    def test_script_is_clean(self):
+        result = bash(["-n", str(self.script.path)])
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        result = subprocess.run(["shellcheck", "--shell=bash", str(self.script.path)],
+                                capture_output=True, text=True, check=False)
+        self.assertEqual((result.returncode, result.stdout), (0, ""))
+
+    def test_every_verb_is_offered(self):
+        listed = re.findall(r"(?m)^  ([a-z-]+) ", self.quenra("help").out.split("Verbs:\n")[1].split("Examples:")[0])
+        self.assertIn("set", listed)
+        self.assertEqual(self.offered(""), listed)
+        self.assertEqual(self.offered("help", ""), listed)
+        self.assertEqual(self.offered("in"), ["info"])
+        self.assertEqual(self.offered("--json", "ge"), ["get"])
+
+    def test_every_option_of_the_help_is_offered(self):
+        for verb in self.offered(""):
+            with self.subTest(verb=verb):
+                listed = re.findall(r"(?m)^  (?:-h,)?(--[a-z]+)", self.quenra(verb, "--help").out)
+                self.assertGreaterEqual(len(listed), 2)
+                self.assertEqual(sorted(self.offered(verb, "--")), sorted(listed))
+        self.assertEqual(self.offered("--v"), ["--version"])
+
+    def test_every_attribute_is_offered(self):
+        attributes = [attribute["name"]
+                      for attribute in self.document("attributes", kind="attributes")["attributes"]]
+        self.assertEqual(self.offered("get", ""), attributes)
+        self.assertEqual(self.offered("set", ""), attributes + ["text-setting-of-both"])
+        self.assertEqual(self.offered("get", "product-"), ["product-name"])
+
+    def test_every_status_is_offered(self):
+        offered = self.offered("explain", "")
+        self.assertEqual(self.offered("explain", "QUENRA_STATUS_NOT_S"), ["QUENRA_STATUS_NOT_SUPPORTED"])
+        self.assertEqual(len(offered), len(set(offered)))
+        self.quenra("explain", offered[-1])
+
+    def test_shells_are_offered(self):
+        self.assertEqual(self.offered("completion", ""), ["bash", "powershell"])
+
+    def test_options_count_for_no_position(self):
+        self.assertEqual(self.offered("get", "--json", "product-"), ["product-name"])
+        self.assertEqual(self.offered("get", "--instance", "1", "product-"), ["product-name"])
+        self.assertEqual(self.offered("get", "--instance", "=", "1", "product-"), ["product-name"])
+        self.assertEqual(self.offered("set", "--", "product-"), ["product-name"])
+
+    def test_nothing_is_offered_for_a_value(self):
+        self.assertEqual(self.offered("set", "driver-setting-1", ""), [])
+        self.assertEqual(self.offered("get", "--instance", ""), [])
+        self.assertEqual(self.offered("get", "--instance", "="), [])
+        self.assertEqual(self.offered("get", "--instance", "=", "1"), [])
+        self.assertEqual(self.offered("get", "--instance", "--"), [])
+
+    def test_what_was_given_and_what_it_excludes_is_not_offered_again(self):
+        self.assertEqual(self.offered("set", "--marten", "--"), ["--help", "--json", "--instance"])
+        self.assertEqual(self.offered("get", "--instance", "1", "--json", "--"),
+                         ["--help", "--controller", "--marten"])
+
+    def test_options_are_offered_where_nothing_else_can_stand(self):
+        self.assertEqual(self.offered("info", ""), ["--help", "--json"])
+
+    def test_behind_two_dashes_no_option_is_offered(self):
+        self.assertEqual(self.offered("set", "--", "driver-setting-1", "--"), [])
+
+    def test_unknown_verb_has_nothing(self):
+        self.assertEqual(self.offered("inof", ""), [])
+
+    def test_typed_keys_are_completed(self):
+        typed = ("quenra get product-n\t\n"
+                 "quenra sel\t--js\t\n"
+                 "quenra get --instance=1 memory-si\t--mar\t\n"
+                 "exit\n")
+        controller, terminal = pty.openpty()
+        with os.fdopen(controller, "wb", buffering=0) as keyboard:
+            shell = subprocess.Popen(
+                ["bash", "--noprofile", "--norc", "-i"], stdin=terminal, stderr=subprocess.DEVNULL,
+                stdout=subprocess.PIPE, text=True, cwd=self.script.path.parent,
+                env={**os.environ, "INPUTRC": "/dev/null", "TERM": "dumb"})
+            os.close(terminal)
+            with shell:
+                keyboard.write(b"source ./completion\nquenra() { printf '<%s>' \"$@\"; echo; }\n")
+                keyboard.write(typed.encode())
+                out, _ = shell.communicate(timeout=TIME_LIMIT_SECONDS)
+        self.assertEqual(out.split(), ["<get><product-name>",
+                                       "<self-test><--json>",
+                                       "<get><--instance=1><memory-size><--marten>"])
+
+    def test_program_is_known_by_both_names(self):
+        result = bash(["-c", 'source "$1"; complete -p quenra quenra.exe', "bash", str(self.script.path)])
+        self.assertEqual(result.stdout, "complete -F _quenra quenra\ncomplete -F _quenra quenra.exe\n")
+
+
+class PowerShell(CommandLineTest):
+    """There is no PowerShell to run it in: what can be said without one."""
+
+    def test_brackets_and_quotes_are_balanced(self):
+        text = ScriptFile(self, "powershell").text
+        self.assertTrue(text.isascii())
+        code = re.sub(r"'(?:[^'\n]|'')*'|\"[^\"\n]*\"|#[^\n]*", "", text)
+        self.assertNotRegex(code, "['\"`]")
+        expected = []
+        for bracket in re.findall(r"[][(){}]", code):
+            if bracket in "([{":
+                expected.append({"(": ")", "[": "]", "{": "}"}[bracket])
+            else:
+                self.assertEqual(bracket, expected.pop())
+        self.assertEqual(expected, [])
+
+    def test_offers_what_bash_offers(self):
+        text = ScriptFile(self, "powershell").text
+        lists = dict(re.findall(r"(?m)^        '(\w+)' = @\(\n((?:            @\{.*\n)*)", text))
+        for name, lines in lists.items():
+            with self.subTest(list=name):
+                rows = re.findall(r"@\{ Name = '([^']+)'; Meaning = '((?:[^']|'')+)' \}", lines)
+                self.assertEqual(len(rows), len(lines.splitlines()))
+                in_bash = re.search(rf"(?m)^_quenra_{name}='\n([^']*)'$", ScriptFile(self, "bash").text)
+                self.assertEqual([row[0] for row in rows], in_bash[1].split())
+        self.assertEqual(len(lists), 5)
+
+
+class Document(CommandLineTest):
+    def test_document_holds_the_script(self):
+        for shell in ("bash", "powershell"):
+            document = self.document("completion", shell, kind="completion")
+            self.assertEqual(document["shell"], shell)
+            self.assertEqual(document["script"], self.quenra("completion", shell).out)
+
+    def test_unknown_shell_is_wrong_usage(self):
+        error = self.document("completion", "bas", kind="error", exit_code=2)["error"]
+        self.assertEqual(error["suggestions"], ["bash"])
+
+    def test_needs_no_controller(self):
+        self.machine("scenario", "--controllers", "0")
+        self.quenra("completion", "bash")
+
+
+if __name__ == "__main__":
+    unittest.main()

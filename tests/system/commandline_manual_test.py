@@ -1,0 +1,58 @@
+"""The manual page that quenra prints, set by groff as man does."""
+
+import pathlib
+import re
+import subprocess
+import unittest
+
+from commandline import TIME_LIMIT_SECONDS, CommandLineTest
+
+COMMITTED = pathlib.Path(__file__).resolve().parents[2] / "docs" / "quenra.1"
+
+
+class Manual(CommandLineTest):
+    def page_as_read(self):
+        page = self.quenra("help", "--manual").out
+        # -ww: all warnings. -c and -P-cbou: no styles, so that words stay whole.
+        result = subprocess.run(
+            ["groff", "-man", "-Tutf8", "-ww", "-rHY=0", "-c", "-P-cbou"], input=page.encode(),
+            capture_output=True, timeout=TIME_LIMIT_SECONDS, check=False)
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        return result.stdout.decode("utf-8")
+
+    def verbs(self):
+        text = self.quenra("help").out.split("Verbs:\n")[1].split("Examples:")[0]
+        return re.findall(r"(?m)^  ([a-z-]+) ", text)
+
+    def test_is_set_without_a_warning_and_tells_everything(self):
+        text = self.page_as_read()
+        sections = re.findall(r"(?m)^[A-Z][A-Z ]+$", text)
+        self.assertEqual(sections, ["NAME", "SYNOPSIS", "DESCRIPTION", "VERBS",
+                                    "OPTIONS OF EVERY VERB", "EXIT STATUS", "ENVIRONMENT",
+                                    "EXAMPLES"])
+        self.assertRegex(text, r"(?m)^ +quenra - show ")
+
+    def test_names_every_verb_and_option_of_the_help(self):
+        text = self.page_as_read()
+        verbs = self.verbs()
+        self.assertIn("set", verbs)
+        for verb in verbs:
+            self.assertRegex(text, rf"(?m)^ +quenra {verb}\b")
+            self.assertRegex(text, rf"(?m)^   {verb}$")
+            for option in re.findall(r"(?m)^  (?:-h,)?(--[a-z]+)", self.quenra(verb, "--help").out):
+                self.assertRegex(text, rf"(?m)^ +{option}\b", verb)
+
+    def test_committed_page_is_the_programs_own(self):
+        self.assertEqual(COMMITTED.read_text(encoding="utf-8"), self.quenra("help", "--manual").out)
+
+    def test_is_of_the_whole_program(self):
+        run = self.quenra("help", "get", "--manual", exit_code=2)
+        self.assertIn("the manual page is of the whole program", run.error)
+
+    def test_with_json_is_a_document(self):
+        document = self.document("help", "--manual", kind="help")
+        self.assertEqual(document["text"], self.quenra("help", "--manual").out)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,162 @@
+#include "tools/quenra/completion/bashscript.h"
+
+#include <map>
+#include <vector>
+
+#include "tools/quenra/grammar/verbtable.h"
+#include "tools/quenra/grammar/wordsets.h"
+
+namespace nCommandLine {
+namespace {
+
+constexpr std::string_view kHead =
+    R"sh(# Completes the command lines of quenra in bash; printed by `quenra completion bash`.
+#
+#   source <(quenra completion bash)     for one session; in ~/.bashrc for all
+
+)sh";
+
+constexpr std::string_view kBody = R"sh(
+# An option was given: neither it nor what it excludes is offered again.
+_quenra_use() {
+  local group option
+  for group in "$1" "${choices[@]}"; do
+    [[ " $group " == *" $1 "* ]] || continue
+    for option in $group; do
+      options=" $options "
+      options=${options/" $option "/ }
+    done
+  done
+}
+
+_quenra() {
+  local word=${COMP_WORDS[COMP_CWORD]} options valued choices positionals
+  local current verb='' ended='' offered given=0 i
+  COMPREPLY=()
+  _quenra_grammar ''
+  for ((i = 1; i < COMP_CWORD; ++i)); do
+    current=${COMP_WORDS[i]}
+    if [[ -z $ended && $current == -- ]]; then
+      ended=yes
+    elif [[ -z $ended && $current == -* ]]; then
+      _quenra_use "$current"
+      if [[ " $valued " == *" $current "* ]]; then
+        # bash takes --option=value for three words.
+        [[ ${COMP_WORDS[++i]} != = ]] || ((++i))
+      fi
+    elif [[ -z $verb ]]; then
+      verb=$current
+      _quenra_grammar "$verb"
+    else
+      ((++given))
+    fi
+  done
+  # Nothing to offer for the value of an option.
+  ((i == COMP_CWORD)) || return 0
+  if [[ -z $ended && $word == -* ]] || ((given >= ${#positionals[@]})); then
+    offered=$options
+  else
+    offered=${positionals[given]}
+  fi
+  mapfile -t COMPREPLY < <(compgen -W "$offered" -- "$word")
+}
+
+complete -F _quenra quenra quenra.exe
+)sh";
+
+void appendWord(std::string& words, std::string_view word) {
+  words.append(words.empty() ? "" : " ").append(word);
+}
+
+std::string variableOf(const tWordSet& set) {
+  return "_quenra_" + std::string(set.name);
+}
+
+std::string wordLists() {
+  std::string text;
+  for (const tWordSet* const set : kWordSets) {
+    text.append(variableOf(*set)).append("='");
+    for (const tOfferedWord& offered : set->words()) {
+      text.append("\n").append(offered.word);
+    }
+    text += "'\n";
+  }
+  return text;
+}
+
+std::string optionNames(std::span<const tOptionRow> always, std::span<const tOptionRow> options) {
+  std::string names;
+  for (const tOptionRow& row : always) {
+    appendWord(names, row.name);
+  }
+  for (const tOptionRow& row : options) {
+    appendWord(names, row.name);
+  }
+  return names;
+}
+
+std::string valuedOptions(std::span<const tOptionRow> options) {
+  std::string names;
+  for (const tOptionRow& row : options) {
+    if (!row.valueName.empty()) {
+      appendWord(names, row.name);
+    }
+  }
+  return names;
+}
+
+// 'a b' 'c d'
+std::string choices(std::span<const tOptionRow> options) {
+  std::map<std::string_view, std::string> groups;
+  for (const tOptionRow& row : options) {
+    if (!row.choice.empty()) {
+      appendWord(groups[row.choice], row.name);
+    }
+  }
+  std::string text;
+  for (const auto& [choice, names] : groups) {
+    appendWord(text, "'" + names + "'");
+  }
+  return text;
+}
+
+std::string positionalWords(const tVerbRow& verb) {
+  std::string text;
+  for (const tPositionalRow& row : verb.positionals) {
+    appendWord(text, row.words == nullptr ? "''" : "\"$" + variableOf(*row.words) + "\"");
+  }
+  return text;
+}
+
+std::string caseOf(const tVerbRow& verb) {
+  std::string text = "    " + std::string(verb.name) + ")\n";
+  text += "      options='" + optionNames(kOptionsOfEveryVerb, verb.options) + "'\n";
+  text += "      valued='" + valuedOptions(verb.options) + "'\n";
+  text += "      choices=(" + choices(verb.options) + ")\n";
+  text += "      positionals=(" + positionalWords(verb) + ")\n";
+  return text + "      ;;\n";
+}
+
+std::string grammar() {
+  std::string text =
+      "\n# What may stand behind a verb, or in front of it; into the variables of the caller.\n"
+      "_quenra_grammar() {\n"
+      "  options='' valued='' choices=() positionals=()\n"
+      "  case $1 in\n"
+      "    '')\n"
+      "      options='" +
+      optionNames(kOptionsOfTheProgram, {}) + "'\n      positionals=(\"$" + variableOf(kVerbWords) +
+      "\")\n      ;;\n";
+  for (const tVerbRow& verb : kVerbs) {
+    text += caseOf(verb);
+  }
+  return text + "  esac\n}\n";
+}
+
+}  // namespace
+
+std::string bashScript() {
+  return std::string(kHead) + wordLists() + grammar() + std::string(kBody);
+}
+
+}  // namespace nCommandLine

@@ -1,0 +1,41 @@
+#ifndef TOOLS_QUENRA_GRAMMAR_ARGUMENTS_H
+#define TOOLS_QUENRA_GRAMMAR_ARGUMENTS_H
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/quenra/grammar/verbrow.h"
+
+namespace nCommandLine {
+
+// What a command line asks for: a verb, and the words it was given under the names of its rows.
+class tArguments {
+ public:
+  explicit tArguments(const tVerbRow& verb) : verb_(&verb) {}
+
+  void give(std::string_view name, std::string value) {
+    given_.insert_or_assign(std::string(name), std::move(value));
+  }
+
+  [[nodiscard]] const tVerbRow& verb() const noexcept { return *verb_; }
+  [[nodiscard]] bool has(std::string_view name) const { return given_.contains(name); }
+  // Nothing for an option or positional that was left out.
+  [[nodiscard]] std::optional<std::string> optional(std::string_view name) const {
+    const auto found = given_.find(name);
+    return found == given_.end() ? std::nullopt : std::optional(found->second);
+  }
+  // Of a positional that is required.
+  [[nodiscard]] std::string text(std::string_view name) const {
+    return optional(name).value_or("");
+  }
+
+ private:
+  const tVerbRow* verb_;
+  std::map<std::string, std::string, std::less<>> given_;
+};
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,24 @@
+#include "tools/quenra/grammar/thelpformatter.h"
+
+#include "tools/quenra/grammar/synopsis.h"
+#include "tools/quenra/grammar/verbtable.h"
+
+namespace nCommandLine {
+
+std::string tHelpFormatter::make_usage(const CLI::App* app, std::string name) const {
+  const tVerbRow* const verb = app->get_parent() == nullptr ? nullptr : findVerb(app->get_name());
+  return verb == nullptr ? Formatter::make_usage(app, std::move(name))
+                         : "Usage: " + synopsis(*verb) + "\n";
+}
+
+std::string tHelpFormatter::make_option_name(const CLI::Option* option, bool isPositional) const {
+  return isPositional ? option->get_type_name() : Formatter::make_option_name(option, false);
+}
+
+// What excludes what, and what can be left out, is in the usage.
+std::string tHelpFormatter::make_option_opts(const CLI::Option* option) const {
+  const bool takesValue = option->get_type_size() != 0 && !option->get_positional();
+  return takesValue ? " " + option->get_type_name() : "";
+}
+
+}  // namespace nCommandLine

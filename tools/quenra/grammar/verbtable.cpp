@@ -1,0 +1,174 @@
+#include "tools/quenra/grammar/verbtable.h"
+
+#include <algorithm>
+
+#include "tools/quenra/grammar/wordsets.h"
+#include "tools/quenra/verbs/attributes.h"
+#include "tools/quenra/verbs/completion.h"
+#include "tools/quenra/verbs/explain.h"
+#include "tools/quenra/verbs/get.h"
+#include "tools/quenra/verbs/help.h"
+#include "tools/quenra/verbs/info.h"
+#include "tools/quenra/verbs/selftest.h"
+#include "tools/quenra/verbs/set.h"
+#include "tools/quenra/verbs/version.h"
+
+namespace nCommandLine {
+namespace {
+
+constexpr std::string_view kInterface = "interface";
+
+constexpr tOptionRow kInstance{nWords::kInstance, "N",
+                               "Which memory module, processor or list position, from 0"};
+
+// ---- info ----
+
+constexpr tExampleRow kInfoExamples[] = {
+    {"info", "everything that this machine tells"},
+    {"info --json", "the same for a program"},
+};
+
+// ---- get ----
+
+constexpr tPositionalRow kGetPositionals[] = {
+    {nWords::kAttribute, "NAME|ID",
+     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kReadableWords},
+};
+constexpr tOptionRow kGetOptions[] = {
+    kInstance,
+    {nWords::kController, "", "Ask the controller interface", kInterface},
+    {nWords::kMarten, "", "Ask the Marten interface", kInterface},
+};
+constexpr tExampleRow kGetExamples[] = {
+    {"get product-name", "one attribute by its name"},
+    {"get 0x10000100", "... and by its id"},
+    {"get memory-size --instance 1", "the second populated memory module"},
+    {"get firmware-version --controller", "the BIOS, not the Marten"},
+};
+
+// ---- set ----
+
+constexpr tPositionalRow kSetPositionals[] = {
+    {nWords::kAttribute, "NAME|ID",
+     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kWritableWords},
+    {nWords::kValue, "VALUE",
+     "A text, or a number in decimal or in hexadecimal after 0x, without its unit"},
+};
+constexpr tOptionRow kSetOptions[] = {
+    kInstance,
+    {nWords::kController, "", "Write to the controller interface, which numbers go to anyway",
+     kInterface},
+    {nWords::kMarten, "", "Write to the Marten interface", kInterface},
+    {nWords::kBoth, "", "Write to both, where text-setting-of-both goes anyway", kInterface},
+};
+constexpr tExampleRow kSetExamples[] = {
+    {"set driver-setting-1 7", "a number"},
+    {"set driver-setting-2 0x1F --marten", "... on the Marten interface"},
+    {"set text-setting-of-both rack-7", "a text for both interfaces"},
+    {"set text-setting-of-both --marten -- -7", "... for one, beginning with a dash"},
+};
+
+// ---- self-test ----
+
+constexpr tExampleRow kSelfTestExamples[] = {
+    {"self-test", "whether the controller can be opened and used"},
+};
+
+// ---- attributes ----
+
+constexpr tExampleRow kAttributesExamples[] = {
+    {"attributes", "what can be asked for"},
+};
+
+// ---- explain ----
+
+constexpr tPositionalRow kExplainPositionals[] = {
+    {nWords::kCode, "CODE", "The code in decimal or in hexadecimal after 0x, or its constant",
+     &kStatusWords},
+};
+constexpr tExampleRow kExplainExamples[] = {
+    {"explain -26934", "what a code means and what to do"},
+    {"explain QUENRA_STATUS_BUSY", "... by its constant"},
+};
+
+// ---- completion ----
+
+constexpr tPositionalRow kCompletionPositionals[] = {
+    {nWords::kShell, "bash|powershell", "The shell", &kShellWords},
+};
+constexpr tExampleRow kCompletionExamples[] = {
+    {"completion bash", "the script; 'source <(...)' loads it"},
+    {"completion powershell", "... for '| Out-String | Invoke-Expression'"},
+};
+
+// ---- help ----
+
+constexpr tPositionalRow kHelpPositionals[] = {
+    {nWords::kVerb, "VERB", "The verb", &kVerbWords, false},
+};
+constexpr tOptionRow kHelpOptions[] = {
+    {nWords::kManual, "", "Print the manual page quenra(1) instead, as man reads it"},
+};
+constexpr tExampleRow kHelpExamples[] = {
+    {"help get", "all about one verb"},
+    {"help --manual", "the manual page; '| man -l -' shows it"},
+};
+
+// clang-format off
+constexpr tVerbRow kRows[] = {
+    {"info", "Show all attributes of this machine, by subject",
+     "What the machine does not have is shown as such and is no error. When other reads fail, they "
+     "are shown with their code and the rest is shown as always.",
+     {}, {}, kInfoExamples, runInfo},
+
+    {"get", "Show one attribute",
+     "On a terminal a number comes with its unit and with what it stands for; anywhere else the bare "
+     "value is printed. Without an interface option the library chooses the interface.",
+     kGetPositionals, kGetOptions, kGetExamples, runGet},
+
+    {"set", "Write one attribute",
+     "The driver decides which attributes it takes. Numbers go to the controller interface, or with "
+     "--marten to the Marten interface. A text is offered to the controller interface, and what that "
+     "does not take to the Marten interface; there is nothing to choose, but for "
+     "text-setting-of-both, which goes to both, or with --marten to the Marten interface alone. On a "
+     "terminal a line confirms what was written; anywhere else success is silent. A value that "
+     "begins with a dash stands behind --, after all options.",
+     kSetPositionals, kSetOptions, kSetExamples, runSet},
+
+    {"self-test", "Test the controller",
+     "Opens the controller and lets the library test itself; that a controller can be opened is all "
+     "there is to test.",
+     {}, {}, kSelfTestExamples, runSelfTest},
+
+    {"attributes", "List every attribute with its id, type and unit",
+     "Needs no controller.",
+     {}, {}, kAttributesExamples, runAttributes},
+
+    {"explain", "Say what a status code means and what to do",
+     "Codes that the library does not define are those of the driver, which the library passes on. "
+     "Needs no controller.",
+     kExplainPositionals, {}, kExplainExamples, runExplain},
+
+    {"completion", "Print the script that completes command lines in a shell",
+     "Verbs, options, names of attributes and constants of status codes are completed. Needs no "
+     "controller.",
+     kCompletionPositionals, {}, kCompletionExamples, runCompletion},
+
+    {"help", "Show the help of the program or of a verb",
+     "",
+     kHelpPositionals, kHelpOptions, kHelpExamples, runHelp},
+};
+// clang-format on
+
+}  // namespace
+
+constinit const std::span<const tVerbRow> kVerbs{kRows};
+constinit const tVerbRow kHelpAnswer{"help", "", "", {}, {}, {}, runHelp};
+constinit const tVerbRow kVersionAnswer{"version", "", "", {}, {}, {}, runVersion};
+
+const tVerbRow* findVerb(std::string_view name) noexcept {
+  const auto verb = std::ranges::find(kVerbs, name, &tVerbRow::name);
+  return verb == kVerbs.end() ? nullptr : &*verb;
+}
+
+}  // namespace nCommandLine

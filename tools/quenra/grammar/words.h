@@ -1,0 +1,30 @@
+// How the positionals and options are called between the rows and the verbs that ask for them.
+#ifndef TOOLS_QUENRA_GRAMMAR_WORDS_H
+#define TOOLS_QUENRA_GRAMMAR_WORDS_H
+
+#include <string_view>
+
+namespace nCommandLine {
+
+inline constexpr std::string_view kEndOfOptions = "--";
+
+namespace nWords {
+inline constexpr std::string_view kAttribute = "attribute";
+inline constexpr std::string_view kCode = "code";
+inline constexpr std::string_view kShell = "shell";
+inline constexpr std::string_view kValue = "value";
+inline constexpr std::string_view kVerb = "verb";
+
+inline constexpr std::string_view kBoth = "--both";
+inline constexpr std::string_view kController = "--controller";
+inline constexpr std::string_view kHelp = "--help";
+inline constexpr std::string_view kInstance = "--instance";
+inline constexpr std::string_view kJson = "--json";
+inline constexpr std::string_view kManual = "--manual";
+inline constexpr std::string_view kMarten = "--marten";
+inline constexpr std::string_view kVersion = "--version";
+}  // namespace nWords
+
+}  // namespace nCommandLine
+
+#endif

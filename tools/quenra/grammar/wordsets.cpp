@@ -1,0 +1,59 @@
+#include "tools/quenra/grammar/wordsets.h"
+
+#include "tools/quenra/catalogue/attributecatalogue.h"
+#include "tools/quenra/catalogue/statuscatalogue.h"
+#include "tools/quenra/completion/shells.h"
+#include "tools/quenra/grammar/verbtable.h"
+
+namespace nCommandLine {
+namespace {
+
+using tWords = std::vector<tOfferedWord>;
+
+template <class Rows, class Row>
+void append(tWords& words, const Rows& rows, std::string_view Row::*word,
+            std::string_view Row::*meaning) {
+  for (const Row& row : rows) {
+    words.push_back({row.*word, row.*meaning});
+  }
+}
+
+tWords readable() {
+  tWords words;
+  append(words, kAttributes, &tAttributeRow::name, &tAttributeRow::description);
+  return words;
+}
+
+tWords writable() {
+  tWords words = readable();
+  append(words, kSettings, &tAttributeRow::name, &tAttributeRow::description);
+  return words;
+}
+
+tWords statuses() {
+  tWords words;
+  append(words, kStatuses, &tStatusRow::constant, &tStatusRow::meaning);
+  return words;
+}
+
+tWords verbs() {
+  tWords words;
+  append(words, kVerbs, &tVerbRow::name, &tVerbRow::summary);
+  return words;
+}
+
+tWords shells() {
+  tWords words;
+  append(words, kShells, &tShellRow::name, &tShellRow::use);
+  return words;
+}
+
+}  // namespace
+
+constinit const tWordSet kReadableWords{"attributes", readable};
+constinit const tWordSet kWritableWords{"writable", writable};
+constinit const tWordSet kStatusWords{"statuses", statuses};
+constinit const tWordSet kVerbWords{"verbs", verbs};
+constinit const tWordSet kShellWords{"shells", shells};
+
+}  // namespace nCommandLine

@@ -1,0 +1,20 @@
+// What completion can offer for a positional.
+#ifndef TOOLS_QUENRA_GRAMMAR_WORDSETS_H
+#define TOOLS_QUENRA_GRAMMAR_WORDSETS_H
+
+#include "tools/quenra/grammar/verbrow.h"
+
+namespace nCommandLine {
+
+extern const tWordSet kReadableWords;  // names of attributes
+extern const tWordSet kWritableWords;  // ... and of what can only be written
+extern const tWordSet kStatusWords;    // constants of the status codes
+extern const tWordSet kVerbWords;
+extern const tWordSet kShellWords;
+
+inline constexpr const tWordSet* kWordSets[] = {&kReadableWords, &kWritableWords, &kStatusWords,
+                                                &kVerbWords, &kShellWords};
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,41 @@
+#include "tools/quenra/verbs/completion.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "tools/quenra/catalogue/suggestion.h"
+#include "tools/quenra/completion/shells.h"
+#include "tools/quenra/grammar/words.h"
+#include "tools/quenra/output/tjsondocument.h"
+#include "tools/quenra/tcommanderror.h"
+
+namespace nCommandLine {
+namespace {
+
+const tShellRow& knownShell(const std::string& name) {
+  const auto* const shell = std::ranges::find(kShells, name, &tShellRow::name);
+  if (shell == std::ranges::end(kShells)) {
+    std::vector<std::string_view> names;
+    std::ranges::transform(kShells, std::back_inserter(names), &tShellRow::name);
+    throw tCommandError("there is no completion for '" + name + "'",
+                        "There is one for bash and one for PowerShell.", suggest(name, names));
+  }
+  return *shell;
+}
+
+}  // namespace
+
+tExitCode runCompletion(const tArguments& arguments, const tVerbContext& context) {
+  const tShellRow& shell = knownShell(arguments.text(nWords::kShell));
+  if (context.json) {
+    tJsonDocument document("completion", tExitCode::done);
+    document.text("shell", shell.name);
+    document.text("script", shell.script());
+    document.writeTo(context.streams.out);
+  } else {
+    context.streams.out << shell.script();
+  }
+  return tExitCode::done;
+}
+
+}  // namespace nCommandLine

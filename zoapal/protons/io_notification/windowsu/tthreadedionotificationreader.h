@@ -1,0 +1,37 @@
+#ifndef ZOAPAL_PROTONS_IO_NOTIFICATION_WINDOWSU_TTHREADEDIONOTIFICATIONREADER_H
+#define ZOAPAL_PROTONS_IO_NOTIFICATION_WINDOWSU_TTHREADEDIONOTIFICATIONREADER_H
+
+#include "zoapal/protons/io_notification/windowsu/tionotificationreader.h"
+#include "zoapal/protons/thread/windowsu/tthread.h"
+
+namespace nQUENRA1400::nZOAPAL000 {
+
+// A reader with a thread of its own, which hands every notice to a callback. Destroying it waits for
+// the callback that is running; from inside the callback it must not be destroyed.
+class tThreadedIONotificationReader : public tIONotificationReader {
+ public:
+  // Called on the reader's thread for everything but wake-ups, also for a wait that failed: the status
+  // tells. `notification` may be null; `payload` has `payloadSize` bytes. Must not throw.
+  using tCallback = void (*)(uint32_t kind, tIONotification* notification, const uint8_t* payload,
+                             uint32_t payloadSize, nZOAPALS100::tStatus& status) noexcept;
+
+  using tIONotificationReader::tIONotificationReader;
+  ~tThreadedIONotificationReader() override;
+
+  // Once. Failures are those of tThread: no thread, or one whose priority cannot be set.
+  void start(tCallback callback, nZOAPALS100::tStatus& status) noexcept;
+  [[nodiscard]] bool isRunning() const noexcept { return running_; }
+
+ private:
+  static unsigned __stdcall runLoop(void* reader) noexcept;
+  void loop() noexcept;
+  void wakeUntilItIsHeard() noexcept;
+
+  tCallback callback_ = nullptr;
+  tThread thread_;
+  bool running_ = false;
+};
+
+}  // namespace nQUENRA1400::nZOAPAL000
+
+#endif
