@@ -13,11 +13,13 @@ namespace {
 using nZOAPALS100::mergeStatus;
 using nZOAPALS100::tStatus;
 
-// The golden bytes with the caller's status code behind them.
+// The golden bytes with the caller's status code in its place.
 std::string goldenRequest(const tRequestPromise& promise, std::string_view callerStatus) {
   std::vector<uint8_t> bytes = bytesOf(promise.goldenBytes);
   const std::vector<uint8_t> status = bytesOf(callerStatus);
+  const std::vector<uint8_t> end = bytesOf(promise.goldenEnd);
   bytes.insert(bytes.end(), status.begin(), status.end());
+  bytes.insert(bytes.end(), end.begin(), end.end());
   return hexadecimalOf(bytes);
 }
 
@@ -99,7 +101,8 @@ TEST(ExchangeValues, ToAskForTheSizes_SendsZeros) {
 template <class Interface>
 class TypedInterface : public testing::Test {};
 using tInterfaces = testing::Types<nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostController,
-                                   nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostMarten>;
+                                   nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostMarten,
+                                   nQUENRA1400::nZOAPAL000::tInterfaceProxy_routing>;
 TYPED_TEST_SUITE(TypedInterface, tInterfaces);
 
 TYPED_TEST(TypedInterface, AsAChannel_PassesThroughToItsDevice) {

@@ -10,23 +10,34 @@
 
 #include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
 #include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
+#include "codegen/apalcodegen/tinterfaceproxy_routing.h"
 #include "tests/component/apalcodegen/trecordingdevice.h"
 
 namespace nTests {
 
+// An out-value of a request.
+enum class tOut {
+  size,
+  tableSize,
+  result
+};
+
 // The arguments that go in and come out; before a call they hold what the golden bytes show.
 struct tOuts {
-  uint32_t size = 0x51525354;       // textSize of exchangeValues, size of getAttribute
+  uint32_t size = 0x51525354;       // textSize of exchangeValues, size of getAttribute, counts
   int32_t tableSize = -0x01020304;  // tableSize of exchangeValues
+  uint32_t result = 0;              // of methods that return a value; 0 also when they fail
   bool operator==(const tOuts&) const = default;
 };
 std::ostream& operator<<(std::ostream& out, const tOuts& outs);
 
 struct tTypedInterfaces {
-  explicit tTypedInterfaces(tRecordingDevice& device) : controller(device), marten(device) {}
+  explicit tTypedInterfaces(tRecordingDevice& device)
+      : controller(device), marten(device), routing(device) {}
 
   nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostController controller;
   nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostMarten marten;
+  nQUENRA1400::nZOAPAL000::tInterfaceProxy_routing routing;
 };
 
 // One request of a typed interface, and what is promised of it.
@@ -34,16 +45,17 @@ struct tRequestPromise {
   const char* name;
   void (*send)(tTypedInterfaces&, tOuts&, nZOAPALS100::tStatus&);
   uint32_t code;
-  const char* goldenBytes;  // up to the caller's status code, which ends the request
+  const char* goldenBytes;  // up to the caller's status code
   uint32_t replySize;       // the driver's status code are the last four bytes
   const char* file;
   uint32_t line;
-  size_t outs;  // how many values the reply has
+  std::vector<tOut> outs;      // where the values of the reply go, in their order
+  const char* goldenEnd = "";  // what follows the caller's status code
 };
 
 std::ostream& operator<<(std::ostream& out, const tRequestPromise& promise);
 
-// All requests of both interfaces.
+// All requests of all interfaces.
 extern const std::vector<tRequestPromise> kAllRequests;
 
 class EveryRequest : public testing::TestWithParam<tRequestPromise> {
@@ -51,8 +63,9 @@ class EveryRequest : public testing::TestWithParam<tRequestPromise> {
   void send(nZOAPALS100::tStatus& status) { GetParam().send(interfaces_, outs_, status); }
   // A reply of the request's full size with the values 0xA1A2A3A4, 0xB1B2B3B4 and the driver's code.
   [[nodiscard]] static std::vector<uint8_t> replyWith(int32_t driverCode);
-  // What the arguments hold after that reply.
+  // What the arguments hold after that reply, and after one of zeros.
   [[nodiscard]] static tOuts outsOfReply();
+  [[nodiscard]] static tOuts outsOfZeros();
 
   tRecordingDevice device_;
   tTypedInterfaces interfaces_{device_};

@@ -1,0 +1,172 @@
+/* Requests and replies of the trigger-routing interface, byte for byte, little-endian.
+ *
+ * A request ends with the caller's status code, so that the driver sees whether the caller already
+ * carries a warning. A reply ends with the driver's status code. Members named `padding` are zero.
+ * Buffers are the caller's own: their addresses travel as 64-bit numbers, 0 with a count of 0. */
+#ifndef PROTOCOL_ROUTINGREQUESTS_H
+#define PROTOCOL_ROUTINGREQUESTS_H
+
+#include "protocol/layout.h"
+#include "protocol/requestcodes.h"
+
+#define PROTOCOL_ROUTING_CODE(function) PROTOCOL_REQUEST_CODE(0x8080, 0, function)
+
+/* A request that no part of the library sends; it has no arguments. */
+#define REQUEST_ROUTING_METHOD0 PROTOCOL_ROUTING_CODE(0x800)
+#define REQUEST_CALCULATE_ROUTE PROTOCOL_ROUTING_CODE(0x801)
+#define REQUEST_DESTROY_ROUTE PROTOCOL_ROUTING_CODE(0x802)
+#define REQUEST_RESERVE_ROUTE PROTOCOL_ROUTING_CODE(0x803)
+#define REQUEST_PROGRAM_ROUTE PROTOCOL_ROUTING_CODE(0x804)
+#define REQUEST_UNRESERVE_ROUTE PROTOCOL_ROUTING_CODE(0x805)
+#define REQUEST_UNPROGRAM_ROUTE PROTOCOL_ROUTING_CODE(0x806)
+#define REQUEST_GET_ROUTE_TERMINAL_PATH PROTOCOL_ROUTING_CODE(0x807)
+#define REQUEST_GET_TOPOGRAPHY_NAME PROTOCOL_ROUTING_CODE(0x808)
+#define REQUEST_RESET_TERMINAL PROTOCOL_ROUTING_CODE(0x80A)
+#define REQUEST_CALCULATE_RESET_TERMINAL PROTOCOL_ROUTING_CODE(0x80B)
+
+PROTOCOL_ASSERT(REQUEST_ROUTING_METHOD0 == 0x80802000u);
+PROTOCOL_ASSERT(REQUEST_CALCULATE_ROUTE == 0x80802004u);
+PROTOCOL_ASSERT(REQUEST_DESTROY_ROUTE == 0x80802008u);
+PROTOCOL_ASSERT(REQUEST_RESERVE_ROUTE == 0x8080200Cu);
+PROTOCOL_ASSERT(REQUEST_PROGRAM_ROUTE == 0x80802010u);
+PROTOCOL_ASSERT(REQUEST_UNRESERVE_ROUTE == 0x80802014u);
+PROTOCOL_ASSERT(REQUEST_UNPROGRAM_ROUTE == 0x80802018u);
+PROTOCOL_ASSERT(REQUEST_GET_ROUTE_TERMINAL_PATH == 0x8080201Cu);
+PROTOCOL_ASSERT(REQUEST_GET_TOPOGRAPHY_NAME == 0x80802020u);
+PROTOCOL_ASSERT(REQUEST_RESET_TERMINAL == 0x80802028u);
+PROTOCOL_ASSERT(REQUEST_CALCULATE_RESET_TERMINAL == 0x8080202Cu);
+
+/* The driver's own status codes that the routing adaptor acts on: the resources of a route are
+ * reserved by others; the caller's buffer is too small for a path. */
+#define DRIVER_STATUS_ROUTE_CONFLICT (-89137)
+#define DRIVER_STATUS_PATH_TOO_LONG (-52019)
+
+/* The name of a driver's topography has at most so many bytes; one that fills them has no NUL. */
+#define ROUTING_TOPOGRAPHY_NAME_SIZE 128
+
+/* REQUEST_ROUTING_METHOD0. */
+typedef struct tRoutingMethod0Request {
+  int32_t callerStatus;
+} tRoutingMethod0Request;
+PROTOCOL_SIZE(tRoutingMethod0Request, 4);
+PROTOCOL_OFFSET(tRoutingMethod0Request, callerStatus, 0);
+
+/* The reply of requests that return one 32-bit value. */
+typedef struct tRoutingValueReply {
+  uint32_t value;
+  int32_t driverStatus;
+} tRoutingValueReply;
+PROTOCOL_SIZE(tRoutingValueReply, 8);
+PROTOCOL_OFFSET(tRoutingValueReply, value, 0);
+PROTOCOL_OFFSET(tRoutingValueReply, driverStatus, 4);
+
+/* REQUEST_CALCULATE_ROUTE: `modifiers` is a tRouteModifiers record, `seeds` are tRouteSeed records,
+ * `destinations` terminal ids, `options` are of ROUTE_OPTION_..., `routes` receives tRouteRecord
+ * records; counts and the capacity are in records. */
+typedef struct tCalculateRouteRequest {
+  uint64_t modifiers;
+  uint64_t seeds;
+  uint32_t seedCount;
+  uint32_t padding;
+  uint64_t destinations;
+  uint32_t destinationCount;
+  uint32_t options;
+  uint64_t routes;
+  uint32_t routeCapacity;
+  int32_t callerStatus;
+} tCalculateRouteRequest;
+PROTOCOL_SIZE(tCalculateRouteRequest, 56);
+PROTOCOL_OFFSET(tCalculateRouteRequest, modifiers, 0);
+PROTOCOL_OFFSET(tCalculateRouteRequest, seeds, 8);
+PROTOCOL_OFFSET(tCalculateRouteRequest, seedCount, 16);
+PROTOCOL_OFFSET(tCalculateRouteRequest, padding, 20);
+PROTOCOL_OFFSET(tCalculateRouteRequest, destinations, 24);
+PROTOCOL_OFFSET(tCalculateRouteRequest, destinationCount, 32);
+PROTOCOL_OFFSET(tCalculateRouteRequest, options, 36);
+PROTOCOL_OFFSET(tCalculateRouteRequest, routes, 40);
+PROTOCOL_OFFSET(tCalculateRouteRequest, routeCapacity, 48);
+PROTOCOL_OFFSET(tCalculateRouteRequest, callerStatus, 52);
+
+/* `value` goes to the client as it is; `routeCount` is the number of routes calculated. */
+typedef struct tCalculateRouteReply {
+  uint32_t value;
+  uint32_t routeCount;
+  int32_t driverStatus;
+} tCalculateRouteReply;
+PROTOCOL_SIZE(tCalculateRouteReply, 12);
+PROTOCOL_OFFSET(tCalculateRouteReply, value, 0);
+PROTOCOL_OFFSET(tCalculateRouteReply, routeCount, 4);
+PROTOCOL_OFFSET(tCalculateRouteReply, driverStatus, 8);
+
+/* REQUEST_DESTROY_ROUTE, REQUEST_PROGRAM_ROUTE, REQUEST_UNPROGRAM_ROUTE, REQUEST_UNRESERVE_ROUTE. */
+typedef struct tTicketRequest {
+  uint32_t ticket;
+  int32_t callerStatus;
+} tTicketRequest;
+PROTOCOL_SIZE(tTicketRequest, 8);
+PROTOCOL_OFFSET(tTicketRequest, ticket, 0);
+PROTOCOL_OFFSET(tTicketRequest, callerStatus, 4);
+
+/* REQUEST_RESERVE_ROUTE: the buffer receives tRouteConflict records; REQUEST_GET_ROUTE_TERMINAL_PATH:
+ * terminal ids. `count` is the buffer's capacity in records. */
+typedef struct tTicketListRequest {
+  uint32_t ticket;
+  uint32_t padding;
+  uint64_t buffer;
+  uint32_t count;
+  int32_t callerStatus;
+} tTicketListRequest;
+PROTOCOL_SIZE(tTicketListRequest, 24);
+PROTOCOL_OFFSET(tTicketListRequest, ticket, 0);
+PROTOCOL_OFFSET(tTicketListRequest, padding, 4);
+PROTOCOL_OFFSET(tTicketListRequest, buffer, 8);
+PROTOCOL_OFFSET(tTicketListRequest, count, 16);
+PROTOCOL_OFFSET(tTicketListRequest, callerStatus, 20);
+
+/* `count` is the number of records there are, filled in as far as the capacity goes. */
+typedef struct tTicketListReply {
+  uint32_t count;
+  int32_t driverStatus;
+} tTicketListReply;
+PROTOCOL_SIZE(tTicketListReply, 8);
+PROTOCOL_OFFSET(tTicketListReply, count, 0);
+PROTOCOL_OFFSET(tTicketListReply, driverStatus, 4);
+
+/* REQUEST_GET_TOPOGRAPHY_NAME: `size` is the buffer's size in bytes. */
+typedef struct tGetTopographyNameRequest {
+  uint64_t buffer;
+  uint32_t size;
+  int32_t callerStatus;
+} tGetTopographyNameRequest;
+PROTOCOL_SIZE(tGetTopographyNameRequest, 16);
+PROTOCOL_OFFSET(tGetTopographyNameRequest, buffer, 0);
+PROTOCOL_OFFSET(tGetTopographyNameRequest, size, 8);
+PROTOCOL_OFFSET(tGetTopographyNameRequest, callerStatus, 12);
+
+/* REQUEST_RESET_TERMINAL: `floating` is 0 for the default state, 1 for the floating one. */
+typedef struct tResetTerminalRequest {
+  uint32_t terminal;
+  uint32_t floating;
+  int32_t callerStatus;
+} tResetTerminalRequest;
+PROTOCOL_SIZE(tResetTerminalRequest, 12);
+PROTOCOL_OFFSET(tResetTerminalRequest, terminal, 0);
+PROTOCOL_OFFSET(tResetTerminalRequest, floating, 4);
+PROTOCOL_OFFSET(tResetTerminalRequest, callerStatus, 8);
+
+/* REQUEST_CALCULATE_RESET_TERMINAL: as REQUEST_RESET_TERMINAL; `reserved` is 0. */
+typedef struct tCalculateResetTerminalRequest {
+  uint64_t reserved;
+  uint32_t terminal;
+  int32_t floating;
+  int32_t callerStatus;
+  uint32_t padding;
+} tCalculateResetTerminalRequest;
+PROTOCOL_SIZE(tCalculateResetTerminalRequest, 24);
+PROTOCOL_OFFSET(tCalculateResetTerminalRequest, reserved, 0);
+PROTOCOL_OFFSET(tCalculateResetTerminalRequest, terminal, 8);
+PROTOCOL_OFFSET(tCalculateResetTerminalRequest, floating, 12);
+PROTOCOL_OFFSET(tCalculateResetTerminalRequest, callerStatus, 16);
+PROTOCOL_OFFSET(tCalculateResetTerminalRequest, padding, 20);
+
+#endif

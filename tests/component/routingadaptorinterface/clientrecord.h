@@ -1,0 +1,28 @@
+#ifndef TESTS_COMPONENT_ROUTINGADAPTORINTERFACE_CLIENTRECORD_H
+#define TESTS_COMPONENT_ROUTINGADAPTORINTERFACE_CLIENTRECORD_H
+
+#include "quenra_routing.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace nTests {
+
+// A client's record as one of the library, to look at.
+inline zoerr::Status recordOf(const zoerr_Status& client) {
+  zoerr::Status record;
+  record.code = client.code;
+  record.capacity = client.capacity;
+  record.description = client.description;
+  return record;
+}
+
+// A client's record for a scope.
+struct tClientStatus : zoerr_Status {
+  tClientStatus() : zoerr_Status(zoerr_Status_initial()) {}
+  tClientStatus(const tClientStatus&) = delete;
+  tClientStatus& operator=(const tClientStatus&) = delete;
+  ~tClientStatus() { zoerr_Status_release(this); }
+};
+
+}  // namespace nTests
+
+#endif

@@ -1,0 +1,134 @@
+// What a client's status record takes over from the library's.
+#include "routingadaptorinterface/clientstatus.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "tests/component/protons/status/descriptiontext.h"
+#include "tests/component/routingadaptorinterface/clientrecord.h"
+#include "zoapal/protons/status/descriptionwriter.h"
+
+namespace nTests {
+namespace {
+
+using zoroco::mergeIntoClient;
+
+struct tSource : zoerr::tOwnedStatus {
+  explicit tSource(int32_t newCode, const char* file = "file") {
+    EXPECT_TRUE(set(newCode, {file, 7}));
+  }
+};
+
+constexpr const char* kDescription = R"({"file":"file","line":7,"component":"quenra"})";
+
+TEST(MergeIntoClient, Error_ArrivesWithItsDescription) {
+  tClientStatus client;
+  mergeIntoClient(client, tSource(-5));
+  EXPECT_EQ(client.code, -5);
+  EXPECT_EQ(descriptionOf(recordOf(client)), kDescription);
+}
+
+TEST(MergeIntoClient, Success_ChangesNothing) {
+  tClientStatus client;
+  mergeIntoClient(client, zoerr::Status());
+  EXPECT_EQ(client.code, 0);
+  EXPECT_EQ(client.description, nullptr);
+}
+
+TEST(MergeIntoClient, WarningOnAWarning_KeepsTheFirst) {
+  tClientStatus client;
+  mergeIntoClient(client, tSource(5));
+  mergeIntoClient(client, tSource(7, "other"));
+  EXPECT_EQ(client.code, 5);
+  EXPECT_EQ(descriptionOf(recordOf(client)), kDescription);
+}
+
+TEST(MergeIntoClient, ErrorOnAWarning_ReplacesItWithItsText) {
+  tClientStatus client;
+  mergeIntoClient(client, tSource(5, "a file with a longer name"));
+  mergeIntoClient(client, tSource(-7));
+  EXPECT_EQ(client.code, -7);
+  EXPECT_EQ(descriptionOf(recordOf(client)), kDescription);
+}
+
+TEST(MergeIntoClient, ErrorOnAnError_KeepsTheFirst) {
+  tClientStatus client;
+  mergeIntoClient(client, tSource(-5));
+  mergeIntoClient(client, tSource(-7, "other"));
+  EXPECT_EQ(client.code, -5);
+  EXPECT_EQ(descriptionOf(recordOf(client)), kDescription);
+}
+
+TEST(MergeIntoClient, SourceWithoutADescription_EmptiesTheClients) {
+  tClientStatus client;
+  mergeIntoClient(client, tSource(5));
+  zoerr::Status bare;
+  bare.code = -7;
+  mergeIntoClient(client, bare);
+  EXPECT_EQ(client.code, -7);
+  EXPECT_EQ(descriptionOf(recordOf(client)), "{}");
+}
+
+TEST(MergeIntoClient, LongDescription_GrowsTheBuffer) {
+  const std::string name(600, 'x');
+  tClientStatus client;
+  mergeIntoClient(client, tSource(5));
+  mergeIntoClient(client, tSource(-7, name.c_str()));
+  EXPECT_EQ(client.capacity, 1024u);
+  EXPECT_EQ(descriptionOf(recordOf(client)),
+            R"({"file":")" + name + R"(","line":7,"component":"quenra"})");
+}
+
+TEST(MergeIntoClient, ClientWithoutAReallocationFunction_HasTheCodeAlone) {
+  zoerr_Status client{0, 0, nullptr, nullptr};
+  mergeIntoClient(client, tSource(-7));
+  EXPECT_EQ(client.code, -7);
+  EXPECT_EQ(client.description, nullptr);
+}
+
+TEST(MergeIntoClient, ClientThatRefuses_HasTheCodeAlone) {
+  zoerr_Status client{0, 0, [](zoerr_Status*, uint32_t) { return false; }, nullptr};
+  mergeIntoClient(client, tSource(-7));
+  EXPECT_EQ(client.code, -7);
+  EXPECT_EQ(client.description, nullptr);
+}
+
+TEST(MergeIntoClient, ClientThatOnlyPretends_HasTheCodeAlone) {
+  zoerr_Status client{0, 0, [](zoerr_Status*, uint32_t) { return true; }, nullptr};
+  mergeIntoClient(client, tSource(-7));
+  EXPECT_EQ(client.code, -7);
+  EXPECT_EQ(client.description, nullptr);
+}
+
+TEST(MergeIntoClient, BufferThatIsTooSmallAndStays_IsEmptied) {
+  std::array<char, 10> buffer{};
+  zoerr::resetDescription(buffer.data(), buffer.size());
+  zoerr_Status client{0, buffer.size(), nullptr, buffer.data()};
+  mergeIntoClient(client, tSource(-7));
+  EXPECT_EQ(client.code, -7);
+  EXPECT_EQ(descriptionOf(recordOf(client)), "{}");
+}
+
+TEST(MergeIntoClient, ExactlyTheBytesNeeded_AreAskedFor) {
+  static std::vector<uint32_t> asked;
+  static std::array<char, 64> buffer;
+  asked.clear();
+  zoerr_Status client{0, 0,
+                      [](zoerr_Status* status, uint32_t newCapacity) {
+                        asked.push_back(newCapacity);
+                        status->description = buffer.data();
+                        status->capacity = newCapacity;
+                        return true;
+                      },
+                      nullptr};
+  mergeIntoClient(client, tSource(-7));
+  const auto needed = static_cast<uint32_t>(std::string_view(kDescription).size() + 2);
+  EXPECT_EQ(asked, std::vector<uint32_t>{needed});
+  EXPECT_EQ(descriptionOf(recordOf(client)), kDescription);
+}
+
+}  // namespace
+}  // namespace nTests

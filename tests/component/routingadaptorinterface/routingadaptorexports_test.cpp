@@ -1,0 +1,377 @@
+// The routing exports as a client calls them.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/component/protons/status/descriptiontext.h"
+#include "tests/component/routingadaptorinterface/clientrecord.h"
+#include "tests/component/routingadaptorinterface/routingheader.h"
+#include "tests/component/zoarkra/tanswer.h"
+#include "tests/component/zoarkra/tscriptedroutingdevice.h"
+
+namespace nTests {
+namespace {
+
+// What the next session opens.
+tRoutingDeviceScript* deviceScript = nullptr;
+
+}  // namespace
+}  // namespace nTests
+
+namespace zoark {
+
+std::unique_ptr<iRoutingDevice> makeRoutingDevice() {
+  return std::make_unique<nTests::tScriptedRoutingDevice>(*nTests::deviceScript);
+}
+
+}  // namespace zoark
+
+namespace nTests {
+namespace {
+
+using tStrings = std::vector<std::string>;
+
+constexpr const char* kSeeds = R"([{"terminal":"TRIG_SMB","cost":1,"constraints":{}}])";
+constexpr const char* kDestinations = R"(["PXI_Trig0"])";
+constexpr const char* kCalculation =
+    "calculateRoute([2/1/0] -> [4], required 0, optional 0, options 0, room 2)";
+constexpr const char* kNoHandle =
+    R"({"error_constant":"zoapalerr_invalidParameter",)"
+    R"("file":"routingadaptorinterface\\routingadaptorexports","line":48,"component":"quenra"})";
+
+class RoutingExports : public testing::Test {
+ protected:
+  RoutingExports() {
+    deviceScript = &script_;
+    session_ = zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status_);
+    script_.router.calls.clear();
+  }
+  ~RoutingExports() override {
+    zoroco_ra_quenra_TerminalIterator_destroy(iterator_);
+    zoroco_ra_quenra_destroySession(session_);
+  }
+
+  zoroco_TerminalIterator* iterator() {
+    if (iterator_ == nullptr) {
+      iterator_ = zoroco_ra_quenra_getAllTerminals(session_, &status_, 0);
+    }
+    return iterator_;
+  }
+  [[nodiscard]] const tStrings& calls() const { return script_.router.calls; }
+  [[nodiscard]] std::string description() const { return descriptionOf(recordOf(status_)); }
+
+  tRoutingDeviceScript script_;
+  tClientStatus status_;
+  tAnswer answer_;
+  zoroco_RoutingAdaptorSession* session_ = nullptr;
+  zoroco_TerminalIterator* iterator_ = nullptr;
+};
+
+TEST_F(RoutingExports, OfAProgramInC_AreAllThere) {
+  std::set<std::string> names;
+  for (const tExport& entry : kExportsOfC) {
+    EXPECT_NE(entry.function, nullptr) << entry.name;
+    names.insert(entry.name);
+  }
+  EXPECT_EQ(names.size(), 22u);
+}
+
+TEST_F(RoutingExports, Version_IsThree) {
+  EXPECT_EQ(zoroco_ra_quenra_getAPIVersion(), 3u);
+}
+
+// ---- Sessions ----
+
+TEST_F(RoutingExports, SessionThatIsCreated_IsOpenUntilItIsDestroyed) {
+  ASSERT_NE(session_, nullptr);
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start"}));
+  zoroco_ra_quenra_destroySession(session_);
+  session_ = nullptr;
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
+}
+
+TEST_F(RoutingExports, SessionWithoutACallback_TellsNoDemotion) {
+  ASSERT_NE(script_.listener, nullptr);
+  script_.listener->routeDemoted(&script_);
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(RoutingExports, SessionWithACallback_TellsDemotions) {
+  static std::vector<std::string> told;
+  told.clear();
+  int context = 0;
+  auto* const session = zoroco_ra_quenra_createSessionWithDemotionFunc(
+      "device", &tAnswer::giveRoom,
+      [](void* itsContext, int32_t reason, zoerr_Status* status, void* notification) {
+        EXPECT_EQ(itsContext, notification);
+        told.push_back(std::to_string(reason) + " " + std::to_string(status->code));
+      },
+      &context, &status_);
+  script_.listener->routeDemoted(&context);
+  EXPECT_EQ(told, tStrings{"101 0"});
+  zoroco_ra_quenra_destroySession(session);
+}
+
+TEST_F(RoutingExports, SessionThatCannotBeCreated_IsNullWithItsReason) {
+  script_.openCode = -52006;
+  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status_), nullptr);
+  EXPECT_EQ(status_.code, -52006);
+  EXPECT_EQ(description(), R"({"file":"device","line":1,"component":"driver"})");
+}
+
+TEST_F(RoutingExports, SessionOfAnUnknownTopography_IsNullWithItsReason) {
+  script_.router.topographyName = "other";
+  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status_), nullptr);
+  EXPECT_EQ(status_.code, -50003);
+  EXPECT_EQ(description(),
+            R"({"error_constant":"zopalerr_badSelector",)"
+            R"("file":"zoarkra\\topographyinforegistration","line":52,"component":"quenra",)"
+            R"("zoark_debug":"Topography not found: other"})");
+}
+
+TEST_F(RoutingExports, SessionThatDoesNotExist_CanBeDestroyed) {
+  script_.events.clear();
+  zoroco_ra_quenra_destroySession(nullptr);
+  zoroco_ra_quenra_TerminalIterator_destroy(nullptr);
+  EXPECT_TRUE(script_.events.empty());
+}
+
+// ---- What exports have in common ----
+
+// Calls every export that takes a status, with pointers that must not be followed.
+void callEverything(zoerr_Status* status) {
+  auto* const session = reinterpret_cast<zoroco_RoutingAdaptorSession*>(uintptr_t{8});
+  auto* const iterator = reinterpret_cast<zoroco_TerminalIterator*>(uintptr_t{16});
+  const auto* const text = reinterpret_cast<const char*>(uintptr_t{24});
+  auto** const output = reinterpret_cast<char**>(uintptr_t{32});
+  EXPECT_EQ(zoroco_ra_quenra_createSession(text, nullptr, status), nullptr);
+  EXPECT_EQ(zoroco_ra_quenra_createSessionWithDemotionFunc(text, nullptr, nullptr, nullptr, status),
+            nullptr);
+  zoroco_ra_quenra_getHandledConstraints(session, output, status);
+  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session, text, text, text, output, status), 0u);
+  zoroco_ra_quenra_reserveRoute(session, 7, output, status);
+  zoroco_ra_quenra_programRoute(session, 7, status);
+  zoroco_ra_quenra_getRouteTerminalPath(session, 7, output, status);
+  EXPECT_EQ(zoroco_ra_quenra_getAllTerminals(session, status, 0), nullptr);
+  zoroco_ra_quenra_TerminalIterator_next(iterator, status);
+  EXPECT_EQ(zoroco_ra_quenra_TerminalIterator_getStringAttribute(iterator, text, status), nullptr);
+  EXPECT_FALSE(zoroco_ra_quenra_TerminalIterator_getBoolAttribute(iterator, text, status));
+  EXPECT_EQ(zoroco_ra_quenra_TerminalIterator_getU32Attribute(iterator, text, status), 0u);
+  zoroco_ra_quenra_TerminalIterator_resetTerminal(iterator, text, status);
+  EXPECT_EQ(
+      zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(session, iterator, text, status),
+      0u);
+}
+
+TEST_F(RoutingExports, OnAnError_DoNothingAndFollowNoPointer) {
+  status_.code = -1;
+  callEverything(&status_);
+  EXPECT_EQ(status_.code, -1);
+  EXPECT_EQ(status_.description, nullptr);
+  EXPECT_TRUE(calls().empty());
+}
+
+TEST_F(RoutingExports, WithoutAStatus_DoNothingAndFollowNoPointer) {
+  callEverything(nullptr);
+  EXPECT_TRUE(calls().empty());
+}
+
+TEST_F(RoutingExports, OnANullSession_TellSo) {
+  const auto expectRefused = [](auto call) {
+    tClientStatus status;
+    call(&status);
+    EXPECT_EQ(status.code, -52005);
+    EXPECT_EQ(descriptionOf(recordOf(status)), kNoHandle);
+  };
+  expectRefused([&](zoerr_Status* status) {
+    zoroco_ra_quenra_getHandledConstraints(nullptr, answer_.place(), status);
+  });
+  expectRefused([&](zoerr_Status* status) {
+    zoroco_ra_quenra_calculateRoute(nullptr, "[]", "[]", "{}", answer_.place(), status);
+  });
+  expectRefused([&](zoerr_Status* status) {
+    zoroco_ra_quenra_reserveRoute(nullptr, 7, answer_.place(), status);
+  });
+  expectRefused([](zoerr_Status* status) { zoroco_ra_quenra_programRoute(nullptr, 7, status); });
+  expectRefused([&](zoerr_Status* status) {
+    zoroco_ra_quenra_getRouteTerminalPath(nullptr, 7, answer_.place(), status);
+  });
+  expectRefused([](zoerr_Status* status) {
+    EXPECT_EQ(zoroco_ra_quenra_getAllTerminals(nullptr, status, 0), nullptr);
+  });
+  expectRefused([&](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(nullptr, iterator(), "default",
+                                                             status);
+  });
+  expectRefused([&](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(session_, nullptr, "default", status);
+  });
+}
+
+TEST_F(RoutingExports, OnANullIterator_TellSo) {
+  const auto expectRefused = [](auto call) {
+    tClientStatus status;
+    call(&status);
+    EXPECT_EQ(status.code, -52005);
+    EXPECT_EQ(descriptionOf(recordOf(status)), kNoHandle);
+  };
+  expectRefused(
+      [](zoerr_Status* status) { zoroco_ra_quenra_TerminalIterator_next(nullptr, status); });
+  expectRefused([](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_getStringAttribute(nullptr, "name", status);
+  });
+  expectRefused([](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_getBoolAttribute(nullptr, "isOwned", status);
+  });
+  expectRefused([](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_getU32Attribute(nullptr, "id", status);
+  });
+  expectRefused([](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_resetTerminal(nullptr, "default", status);
+  });
+  EXPECT_TRUE(zoroco_ra_quenra_TerminalIterator_isEnd(nullptr));
+}
+
+// ---- Routes ----
+
+TEST_F(RoutingExports, LifeOfARoute_IsOneRequestForEachStep) {
+  script_.router.routes = {{7, 4, 1, 0, 0, {}}};
+  script_.router.value = 77;
+  script_.router.path = {2, 4};
+  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.place(),
+                                            &status_),
+            77u);
+  EXPECT_EQ(answer_.text(),
+            R"([{"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,)"
+            R"("constraints":{}}])");
+  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.place(), &status_);
+  zoroco_ra_quenra_programRoute(session_, 7, &status_);
+  zoroco_ra_quenra_getRouteTerminalPath(session_, 7, answer_.place(), &status_);
+  EXPECT_EQ(answer_.text(), R"(["TRIG_SMB","PXI_Trig0"])");
+  zoroco_ra_quenra_beginExceptionalRouteDestruction(session_, 7, 1, 2);
+  zoroco_ra_quenra_unprogramRoute(session_, 7, 1, 2);
+  zoroco_ra_quenra_unreserveRoute(session_, 7, 1, 2);
+  zoroco_ra_quenra_destroyRoute(session_, 7, 1, 2);
+  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, room 8)", "programRoute(7)",
+                               "getRouteTerminalPath(7, room 32)", "unprogramRoute(7)",
+                               "unreserveRoute(7)", "destroyRoute(7)"}));
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(RoutingExports, HandledConstraints_AreExactlyTheOne) {
+  zoroco_ra_quenra_getHandledConstraints(session_, answer_.place(), &status_);
+  EXPECT_EQ(answer_.text(), R"(["inversionNeeded"])");
+}
+
+TEST_F(RoutingExports, BadRequest_IsToldToTheClient) {
+  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, R"([{"terminal":5}])", kDestinations, "{}",
+                                            answer_.place(), &status_),
+            0u);
+  EXPECT_EQ(status_.code, -52005);
+  EXPECT_EQ(description(),
+            R"({"error_constant":"zoapalerr_invalidParameter","file":"RoCoUtils","line":104,)"
+            R"("component":"quenra","zoroco_debug":"terminal name must be a string",)"
+            R"("json":"[{\"terminal\":5}]"})");
+  EXPECT_TRUE(calls().empty());
+}
+
+TEST_F(RoutingExports, Conflict_IsReportedAndTold) {
+  script_.router.codes = {-89137};
+  script_.router.conflicts = {{3, 4, 0}};
+  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.place(), &status_);
+  EXPECT_EQ(status_.code, -89137);
+  EXPECT_EQ(answer_.text(), R"([{"sessionId":3,"ticket":4}])");
+  EXPECT_EQ(description(), R"({"file":"router","line":9,"component":"driver"})");
+}
+
+TEST_F(RoutingExports, FailureOfTheDriver_GivesNoValue) {
+  script_.router.codes = {-7};
+  script_.router.value = 77;
+  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.place(),
+                                            &status_),
+            0u);
+  EXPECT_EQ(status_.code, -7);
+}
+
+TEST_F(RoutingExports, WarningOfTheDriver_ComesWithTheValue) {
+  script_.router.codes = {7};
+  script_.router.value = 77;
+  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.place(),
+                                            &status_),
+            77u);
+  EXPECT_EQ(status_.code, 7);
+  zoroco_ra_quenra_programRoute(session_, 7, &status_);
+  EXPECT_EQ(calls().back(), "programRoute(7) st=7");
+}
+
+TEST_F(RoutingExports, MoreConflictsThanMemory_AreMemoryFull) {
+  script_.router.codes = {-89137};
+  script_.router.conflictCountTold = 4'000'000'000;
+  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.place(), &status_);
+  EXPECT_EQ(status_.code, -52000);
+  EXPECT_EQ(answer_.text(), "(none)");
+}
+
+TEST_F(RoutingExports, TeardownThatTheDriverRefuses_LeavesNoTrace) {
+  script_.router.codes = {-1, -2, -3};
+  zoroco_ra_quenra_unprogramRoute(session_, 7, 0, 0);
+  zoroco_ra_quenra_unreserveRoute(session_, 7, 0, 0);
+  zoroco_ra_quenra_destroyRoute(session_, 7, 0, 0);
+  EXPECT_EQ(calls(), (tStrings{"unprogramRoute(7)", "unreserveRoute(7)", "destroyRoute(7)"}));
+}
+
+TEST_F(RoutingExports, TeardownOfANullSession_DoesNothing) {
+  zoroco_ra_quenra_unprogramRoute(nullptr, 7, 0, 0);
+  zoroco_ra_quenra_unreserveRoute(nullptr, 7, 0, 0);
+  zoroco_ra_quenra_destroyRoute(nullptr, 7, 0, 0);
+  zoroco_ra_quenra_beginExceptionalRouteDestruction(nullptr, 7, 0, 0);
+  EXPECT_TRUE(calls().empty());
+}
+
+// ---- Terminals ----
+
+TEST_F(RoutingExports, WalkOverTheTerminals_GivesAllOfThem) {
+  std::string names;
+  uint32_t owned = 0;
+  uint32_t ids = 0;
+  while (!zoroco_ra_quenra_TerminalIterator_isEnd(iterator())) {
+    names += zoroco_ra_quenra_TerminalIterator_getStringAttribute(iterator(), "name", &status_);
+    names += ' ';
+    ids += zoroco_ra_quenra_TerminalIterator_getU32Attribute(iterator(), "id", &status_);
+    owned +=
+        zoroco_ra_quenra_TerminalIterator_getBoolAttribute(iterator(), "isOwned", &status_) ? 1 : 0;
+    zoroco_ra_quenra_TerminalIterator_next(iterator(), &status_);
+  }
+  EXPECT_EQ(names,
+            "FLOAT TRIG_SMB WD_Terminal PXI_Trig0 PXI_Trig1 PXI_Trig2 PXI_Trig3 PXI_Trig4 "
+            "PXI_Trig5 PXI_Trig6 PXI_Trig7 ");
+  EXPECT_EQ(ids, 66u);
+  EXPECT_EQ(owned, 3u);
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(RoutingExports, AttributeOfAnotherType_IsABadSelector) {
+  EXPECT_FALSE(zoroco_ra_quenra_TerminalIterator_getBoolAttribute(iterator(), "name", &status_));
+  EXPECT_EQ(status_.code, -50003);
+  EXPECT_EQ(description(),
+            R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
+            R"("line":450,"component":"quenra"})");
+}
+
+TEST_F(RoutingExports, ResetOfATerminal_AsksTheDriver) {
+  script_.router.value = 9;
+  zoroco_ra_quenra_TerminalIterator_resetTerminal(iterator(), "floating", &status_);
+  EXPECT_EQ(zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(session_, iterator(),
+                                                                     "default", &status_),
+            9u);
+  EXPECT_EQ(calls(), (tStrings{"resetTerminal(1, 1)", "calculateResetTerminal(0, 1, 0)"}));
+  zoroco_ra_quenra_TerminalIterator_resetTerminal(iterator(), "Floating", &status_);
+  EXPECT_EQ(status_.code, -50003);
+  EXPECT_EQ(calls().size(), 2u);
+}
+
+}  // namespace
+}  // namespace nTests

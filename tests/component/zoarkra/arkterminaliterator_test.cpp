@@ -1,0 +1,180 @@
+#include "zoarkra/arkterminaliterator.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tests/component/zoarkra/expectfailure.h"
+#include "tests/component/zoarkra/tscriptedrouter.h"
+#include "zoarkra/topographyinforegistration.h"
+
+namespace nTests {
+namespace {
+
+using zoark::ARKTerminalIterator;
+
+const std::vector<const char*> kStringNames{"name", "visibility", "busType", "busName",
+                                            "canonicalName"};
+const std::vector<const char*> kBoolNames{"isExternal", "isOwned", "isAlias", "isMaskedOut"};
+const std::vector<const char*> kU32Names{"busLine", "id"};
+const std::vector<const char*> kUnknownNames{"Name", "name ", " name", "",
+                                             "nam",  "names", "ID",    nullptr};
+
+const tFailure kUnknownAttribute{
+    -50003, R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
+            R"("line":450,"component":"quenra"})"};
+const tFailure kUnknownMode{
+    -50003, R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
+            R"("line":512,"component":"quenra"})"};
+const tFailure kBehindTheEnd{
+    -52005, R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
+            R"("line":431,"component":"quenra"})"};
+
+class TerminalIterator : public testing::Test {
+ protected:
+  // Goes to the terminal with this name.
+  void goTo(const char* name) {
+    while (!iterator_.isEnd() && std::strcmp(string("name"), name) != 0) {
+      iterator_.next(status_);
+    }
+    ASSERT_FALSE(iterator_.isEnd());
+  }
+  void goToTheEnd() {
+    while (!iterator_.isEnd()) {
+      iterator_.next(status_);
+    }
+  }
+  const char* string(const char* name) { return iterator_.getStringAttribute(name, status_); }
+  bool flag(const char* name) { return iterator_.getBoolAttribute(name, status_); }
+  uint32_t number(const char* name) { return iterator_.getU32Attribute(name, status_); }
+
+  tScriptedRouter router_;
+  ARKTerminalIterator iterator_{zoark::findTopography("pxiContTriggerRouter"), router_};
+  zoerr::tOwnedStatus status_;
+};
+
+TEST_F(TerminalIterator, FullWalk_GivesElevenTerminalsInTheirOrder) {
+  std::vector<std::string> walked;
+  for (; !iterator_.isEnd(); iterator_.next(status_)) {
+    walked.push_back(std::to_string(number("id")) + " " + string("name"));
+  }
+  EXPECT_EQ(walked,
+            (std::vector<std::string>{"1 FLOAT", "2 TRIG_SMB", "3 WD_Terminal", "4 PXI_Trig0",
+                                      "5 PXI_Trig1", "6 PXI_Trig2", "7 PXI_Trig3", "8 PXI_Trig4",
+                                      "9 PXI_Trig5", "10 PXI_Trig6", "11 PXI_Trig7"}));
+  EXPECT_TRUE(router_.calls.empty());
+}
+
+TEST_F(TerminalIterator, BehindTheEnd_StaysAtTheEnd) {
+  goToTheEnd();
+  for (int i = 0; i < 100; ++i) {
+    iterator_.next(status_);
+    EXPECT_TRUE(iterator_.isEnd());
+  }
+}
+
+TEST_F(TerminalIterator, BusTypeOfTheConnector_IsNull) {
+  goTo("TRIG_SMB");
+  EXPECT_EQ(string("busType"), nullptr);
+  EXPECT_EQ(string("busName"), nullptr);
+}
+
+TEST_F(TerminalIterator, EveryAttributeOfATriggerLine_IsServedByItsType) {
+  goTo("PXI_Trig3");
+  EXPECT_STREQ(string("visibility"), "public");
+  EXPECT_STREQ(string("busType"), "PXI_Trig");
+  EXPECT_EQ(string("busName"), nullptr);
+  EXPECT_STREQ(string("canonicalName"), "PXI_Trig3");
+  EXPECT_TRUE(flag("isExternal"));
+  EXPECT_FALSE(flag("isOwned"));
+  EXPECT_FALSE(flag("isAlias"));
+  EXPECT_FALSE(flag("isMaskedOut"));
+  EXPECT_EQ(number("busLine"), 3u);
+  EXPECT_EQ(number("id"), 7u);
+}
+
+TEST_F(TerminalIterator, BusLineOfTheFloatingTerminal_IsAllOnes) {
+  goTo("FLOAT");
+  EXPECT_EQ(number("busLine"), 4294967295u);
+  EXPECT_STREQ(string("visibility"), "private");
+  EXPECT_TRUE(flag("isOwned"));
+  EXPECT_FALSE(flag("isExternal"));
+}
+
+TEST_F(TerminalIterator, NamesOfOtherTypes_AreUnknown) {
+  for (const auto* names : {&kBoolNames, &kU32Names, &kUnknownNames}) {
+    for (const char* name : *names) {
+      EXPECT_EQ(failureOf([&] { string(name); }), kUnknownAttribute);
+    }
+  }
+  for (const auto* names : {&kStringNames, &kU32Names, &kUnknownNames}) {
+    for (const char* name : *names) {
+      EXPECT_EQ(failureOf([&] { flag(name); }), kUnknownAttribute);
+    }
+  }
+  for (const auto* names : {&kStringNames, &kBoolNames, &kUnknownNames}) {
+    for (const char* name : *names) {
+      EXPECT_EQ(failureOf([&] { number(name); }), kUnknownAttribute);
+    }
+  }
+}
+
+TEST_F(TerminalIterator, AfterAnUnknownName_StandsWhereItStood) {
+  goTo("WD_Terminal");
+  failureOf([&] { string("busLine"); });
+  EXPECT_STREQ(string("name"), "WD_Terminal");
+}
+
+TEST_F(TerminalIterator, BehindTheEnd_HasNoAttributes) {
+  goToTheEnd();
+  EXPECT_EQ(failureOf([&] { string("name"); }), kBehindTheEnd);
+  EXPECT_EQ(failureOf([&] { flag("isOwned"); }), kBehindTheEnd);
+  EXPECT_EQ(failureOf([&] { number("id"); }), kBehindTheEnd);
+}
+
+TEST_F(TerminalIterator, Reset_TellsTheDriverTerminalAndMode) {
+  goTo("PXI_Trig3");
+  iterator_.resetTerminal("default", status_);
+  iterator_.resetTerminal("floating", status_);
+  EXPECT_EQ(router_.calls,
+            (std::vector<std::string>{"resetTerminal(7, 0)", "resetTerminal(7, 1)"}));
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(TerminalIterator, ResetToAnUnknownMode_DoesNotAskTheDriver) {
+  for (const char* mode : {"Default", "Floating", "floatingX", "default ", "", "float"}) {
+    EXPECT_EQ(failureOf([&] { iterator_.resetTerminal(mode, status_); }), kUnknownMode);
+  }
+  EXPECT_EQ(failureOf([&] { iterator_.resetTerminal(nullptr, status_); }), kUnknownMode);
+  EXPECT_TRUE(router_.calls.empty());
+}
+
+TEST_F(TerminalIterator, ResetBehindTheEnd_DoesNotAskTheDriver) {
+  goToTheEnd();
+  EXPECT_EQ(failureOf([&] { iterator_.resetTerminal("default", status_); }), kBehindTheEnd);
+  EXPECT_TRUE(router_.calls.empty());
+}
+
+TEST_F(TerminalIterator, ResetThatTheDriverRefuses_FailsWithTheDriversCode) {
+  router_.codes = {-7};
+  EXPECT_EQ(failureOf([&] { iterator_.resetTerminal("default", status_); }), failureOfRouter(-7));
+}
+
+TEST_F(TerminalIterator, ResetWithAWarningOfTheDriver_IsDone) {
+  router_.codes = {7};
+  iterator_.resetTerminal("default", status_);
+  EXPECT_EQ(status_.code, 7);
+  EXPECT_EQ(descriptionOf(status_), R"({"file":"router","line":9,"component":"driver"})");
+}
+
+TEST_F(TerminalIterator, ResetUnderAWarning_TellsItToTheDriver) {
+  status_.code = 5;
+  iterator_.resetTerminal("default", status_);
+  EXPECT_EQ(router_.calls, std::vector<std::string>{"resetTerminal(1, 0) st=5"});
+  EXPECT_EQ(status_.code, 5);
+}
+
+}  // namespace
+}  // namespace nTests

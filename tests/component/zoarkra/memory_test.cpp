@@ -1,0 +1,147 @@
+// What operations ask of the heap, and what becomes of them when it is short. Native only.
+#include <array>
+#include <functional>
+#include <new>
+
+#include "tests/component/zoarkra/sessiontest.h"
+#include "tests/fakewindows/allocationplan.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::tAllocationPlan;
+
+// A client that gives memory of its own.
+char* giveStatic(char*, size_t required, const char*, size_t) {
+  static std::array<char, 1 << 16> room;
+  return required <= room.size() ? room.data() : nullptr;
+}
+
+constexpr size_t kFourKilobytes = 4096;
+
+std::string destinationsOfSize(size_t size) {
+  std::string text = R"(["FLOAT")";
+  const std::string next = R"(,"PXI_Trig0")";
+  while (text.size() + next.size() < size) {
+    text += next;
+  }
+  return text + "]";
+}
+
+std::string seedsOfSize(size_t size) {
+  const std::string seed =
+      R"({"terminal":"FLOAT","cost":1,"constraints":{"inversionNeeded":true}})";
+  std::string text = "[" + seed;
+  while (text.size() + seed.size() + 2 < size) {
+    text += "," + seed;
+  }
+  return text + "]";
+}
+
+class Memory : public SessionTest {
+ protected:
+  Memory() {
+    router().isQuiet = true;
+    create({&giveStatic, nullptr, nullptr});
+  }
+
+  // Runs the operation with every one of its allocations failing in turn: it fails with short
+  // memory, or with the code that it fails with anyway, or does without.
+  void failEveryAllocation(const std::function<void()>& operation, int32_t ownCode = -52000) {
+    for (unsigned nth = 1;; ++nth) {
+      tAllocationPlan plan(nth);
+      try {
+        operation();
+      } catch (const std::bad_alloc&) {
+      } catch (const zoerr::ExceptionBase& exception) {
+        EXPECT_EQ(exception.status().code, ownCode);
+      }
+      if (plan.count() < nth) {
+        break;
+      }
+    }
+  }
+  // How often the operation asks the heap.
+  static unsigned allocationsOf(const std::function<void()>& operation) {
+    tAllocationPlan plan(0);
+    operation();
+    return plan.count();
+  }
+  void calculate(const std::string& seeds, const std::string& destinations) {
+    session_->calculateRoute({seeds.c_str(), destinations.c_str(), "{}"}, &output_, status_);
+  }
+
+  char* output_ = nullptr;
+};
+
+TEST_F(Memory, RequestsOfFourKilobytes_DoWithoutTheHeap) {
+  router().routes.assign(4, {7, 4, 1, 0, 1, {}});
+  const std::string manySeeds = seedsOfSize(kFourKilobytes - 12);
+  const std::string manyDestinations = destinationsOfSize(kFourKilobytes - 70);
+  const std::string longName = R"([{"terminal":")" + std::string(kFourKilobytes - 50, 'n') +
+                               R"(","cost":1,"constraints":{}}])";
+  EXPECT_EQ(allocationsOf([&] { calculate(manySeeds, "[]"); }), 0u);
+  EXPECT_EQ(allocationsOf([&] { calculate("[]", manyDestinations); }), 0u);
+  EXPECT_EQ(allocationsOf([&] { calculate(longName, R"(["FLOAT"])"); }), 0u);
+}
+
+TEST_F(Memory, OtherOperationsOfOrdinarySize_DoWithoutTheHeap) {
+  router().path.assign(32, 2);
+  EXPECT_EQ(allocationsOf([&] {
+              session_->getHandledConstraints(&output_, status_);
+              session_->reserveRoute(7, &output_, status_);
+              session_->programRoute(7, status_);
+              session_->getRouteTerminalPath(7, &output_, status_);
+              session_->unprogramRoute(7, 0, 0);
+              session_->unreserveRoute(7, 0, 0);
+              session_->destroyRoute(7, 0, 0);
+            }),
+            0u);
+}
+
+TEST_F(Memory, ShortWhileALargeRequestIsRead_EndsTheRequest) {
+  const std::string seeds = seedsOfSize(20 * kFourKilobytes);
+  const std::string destinations = destinationsOfSize(20 * kFourKilobytes);
+  router().routes.assign(100, {7, 4, 1, 0, 1, {}});
+  failEveryAllocation([&] { calculate(seeds, destinations); });
+  EXPECT_GT(allocationsOf([&] { calculate(seeds, destinations); }), 2u);
+}
+
+TEST_F(Memory, ShortWhileABadRequestIsTold_LeavesItsCode) {
+  const std::string seeds = "[" + std::string(3 * kFourKilobytes, ' ') + "5]";
+  failEveryAllocation([&] { calculate(seeds, "[]"); }, -52005);
+}
+
+TEST_F(Memory, ShortWhileConflictsAreReported_EndsTheReservation) {
+  router().conflicts.assign(200, {1, 2, 0});
+  for (unsigned nth = 1; nth <= 3; ++nth) {
+    router().codes = {-89137};
+    tAllocationPlan plan(nth);
+    try {
+      session_->reserveRoute(7, &output_, status_);
+      ADD_FAILURE() << "a conflict is a failure";
+    } catch (const std::bad_alloc&) {
+    } catch (const zoerr::ExceptionBase& exception) {
+      EXPECT_EQ(exception.status().code, -89137);
+    }
+  }
+}
+
+TEST_F(Memory, ShortWhileAPathIsFetched_EndsTheFetch) {
+  router().path.assign(1000, 4);
+  failEveryAllocation([&] { session_->getRouteTerminalPath(7, &output_, status_); });
+}
+
+TEST_F(Memory, ShortWhileASessionIsMade_LeavesNothing) {
+  failEveryAllocation([&] { create({&giveStatic, nullptr, nullptr}); });
+  router().topographyName = "other";
+  failEveryAllocation([&] { create({&giveStatic, nullptr, nullptr}); }, -50003);
+  EXPECT_EQ(script_.listener, nullptr);
+}
+
+TEST_F(Memory, ShortWhileAnIteratorIsMade_EndsTheCall) {
+  failEveryAllocation([&] { static_cast<void>(session_->getAllTerminals(status_, 0)); });
+}
+
+}  // namespace
+}  // namespace nTests

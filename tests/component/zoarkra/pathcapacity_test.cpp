@@ -1,0 +1,72 @@
+// The room for paths that the whole process shares. A program of its own, since it only grows.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/component/zoarkra/tscriptedroutingdevice.h"
+#include "zoarkra/arkroutingadaptorsession.h"
+
+namespace nTests {
+namespace {
+
+// A client that keeps nothing.
+char* giveScratch(char*, size_t required, const char*, size_t) {
+  thread_local std::vector<char> room;
+  room.resize(required);
+  return room.data();
+}
+
+struct tRoutingClient {
+  std::vector<std::string> fetch(uint32_t length) {
+    script.router.path.assign(length, 4);
+    script.router.calls.clear();
+    char* output = nullptr;
+    session.getRouteTerminalPath(7, &output, status);
+    return script.router.calls;
+  }
+
+  tRoutingDeviceScript script;
+  zoerr::tOwnedStatus status;
+  zoark::ARKRoutingAdaptorSession session{std::make_unique<tScriptedRoutingDevice>(script),
+                                          "device",
+                                          {&giveScratch, nullptr, nullptr},
+                                          status};
+};
+
+using tCalls = std::vector<std::string>;
+const std::string kRoom32 = "getRouteTerminalPath(7, room 32)";
+const std::string kRoom33 = "getRouteTerminalPath(7, room 33)";
+const std::string kRoom40 = "getRouteTerminalPath(7, room 40)";
+
+TEST(PathCapacity, BeginsAt32AndGrowsForAllSessions) {
+  tRoutingClient first;
+  EXPECT_EQ(first.fetch(32), tCalls{kRoom32});
+  EXPECT_EQ(first.fetch(33), (tCalls{kRoom32, kRoom33}));
+  EXPECT_EQ(first.fetch(40), (tCalls{kRoom33, kRoom40}));
+  EXPECT_EQ(first.fetch(40), tCalls{kRoom40});
+  tRoutingClient second;
+  EXPECT_EQ(second.fetch(1), tCalls{kRoom40});
+}
+
+TEST(PathCapacity, RaisedByManyThreads_ServesThemAll) {
+  constexpr uint32_t kThreads = 8;
+  constexpr uint32_t kLongest = 400;
+  std::vector<std::jthread> threads;
+  for (uint32_t i = 0; i < kThreads; ++i) {
+    threads.emplace_back([i] {
+      tRoutingClient client;
+      for (uint32_t length = i; length <= kLongest; length += kThreads) {
+        const tCalls calls = client.fetch(length);
+        EXPECT_GE(calls.size(), 1u);
+        EXPECT_LE(calls.size(), 2u);
+        EXPECT_EQ(client.status.code, 0);
+      }
+    });
+  }
+}
+
+}  // namespace
+}  // namespace nTests

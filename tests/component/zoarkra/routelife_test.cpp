@@ -1,0 +1,304 @@
+// Routes from their reservation to their end.
+#include <numeric>
+
+#include "tests/component/zoarkra/sessiontest.h"
+#include "zoarkra/arkterminaliterator.h"
+
+namespace nTests {
+namespace {
+
+class RouteLife : public SessionTest {
+ protected:
+  // Reserves against conflicts, of which the driver tells `told`, 0 for as many as it fills in.
+  tFailure reserveAgainst(std::vector<tRouteConflict> conflicts, uint32_t told = 0) {
+    router().codes = {-89137};
+    router().conflicts = std::move(conflicts);
+    router().conflictCountTold = told;
+    return failureOf([&] { session_->reserveRoute(7, answer_.place(), status_); });
+  }
+  void getPath() { session_->getRouteTerminalPath(7, answer_.place(), status_); }
+  // How much room paths have now.
+  uint32_t pathRoom() {
+    getPath();
+    const std::string& call = calls().back();
+    const uint32_t room = static_cast<uint32_t>(std::stoul(call.substr(call.find("room ") + 5)));
+    router().calls.clear();
+    return room;
+  }
+};
+
+std::string pathCall(uint32_t room) {
+  return "getRouteTerminalPath(7, room " + std::to_string(room) + ")";
+}
+
+// ---- Reservation ----
+
+TEST_F(RouteLife, ReservationThatSucceeds_AnswersNothing) {
+  session_->reserveRoute(7, answer_.place(), status_);
+  EXPECT_EQ(calls(), tStrings{"reserveRoute(7, room 8)"});
+  EXPECT_EQ(answer_.text(), "(none)");
+  EXPECT_TRUE(tAnswer::requests().empty());
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(RouteLife, Conflicts_AreReportedInTheirOrder) {
+  EXPECT_EQ(reserveAgainst({{18446744073709551615u, 4294967295, 0}, {3, 4, 0}}),
+            failureOfRouter(-89137));
+  EXPECT_EQ(answer_.text(), R"([{"sessionId":18446744073709551615,"ticket":4294967295},)"
+                            R"({"sessionId":3,"ticket":4}])");
+  EXPECT_EQ(calls().size(), 1u);
+}
+
+TEST_F(RouteLife, ConflictWithNobody_IsReportedAsAnEmptyArray) {
+  EXPECT_EQ(reserveAgainst({}), failureOfRouter(-89137));
+  EXPECT_EQ(answer_.text(), "[]");
+}
+
+TEST_F(RouteLife, NineConflicts_EndWithZerosThatTheDriverHasNotFilled) {
+  const std::vector<tRouteConflict> conflicts(9, {5, 6, 0});
+  EXPECT_EQ(reserveAgainst(conflicts), failureOfRouter(-89137));
+  std::string expected;
+  for (int i = 0; i < 8; ++i) {
+    expected += R"({"sessionId":5,"ticket":6},)";
+  }
+  EXPECT_EQ(answer_.text(), "[" + expected + R"({"sessionId":0,"ticket":0}])");
+}
+
+TEST_F(RouteLife, MoreConflictsThanAnyRouterHas_AreShortOfMemory) {
+  router().codes = {-89137};
+  router().conflictCountTold = 4'000'000'000;
+  EXPECT_THROW(session_->reserveRoute(7, answer_.place(), status_), std::bad_alloc);
+  EXPECT_EQ(answer_.text(), "(none)");
+}
+
+TEST_F(RouteLife, ConflictsWithoutRoomForTheReport_AreShortOfMemory) {
+  create({&tAnswer::refuse, nullptr, nullptr});
+  EXPECT_EQ(reserveAgainst({{1, 2, 0}}), kNoRoom);
+}
+
+TEST_F(RouteLife, ConflictsWithoutAPlaceForTheReport_AreAnInvalidParameter) {
+  router().codes = {-89137};
+  EXPECT_EQ(failureOf([&] { session_->reserveRoute(7, nullptr, status_); }), kNoPlace);
+}
+
+TEST_F(RouteLife, ReservationWithoutAPlaceForAReport_NeedsNoneToSucceed) {
+  session_->reserveRoute(7, nullptr, status_);
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(RouteLife, ReservationRefusedForAnotherReason_AnswersNothing) {
+  router().codes = {-7};
+  router().conflicts = {{1, 2, 0}};
+  EXPECT_EQ(failureOf([&] { session_->reserveRoute(7, answer_.place(), status_); }),
+            failureOfRouter(-7));
+  EXPECT_EQ(answer_.text(), "(none)");
+}
+
+TEST_F(RouteLife, ReservationWithAWarning_Succeeds) {
+  router().codes = {7};
+  session_->reserveRoute(7, answer_.place(), status_);
+  EXPECT_EQ(status_.code, 7);
+  EXPECT_EQ(answer_.text(), "(none)");
+}
+
+TEST_F(RouteLife, ConflictUnderAWarning_IsReported) {
+  status_.code = 5;
+  EXPECT_EQ(reserveAgainst({}), failureOfRouter(-89137));
+  EXPECT_EQ(calls(), tStrings{"reserveRoute(7, room 8) st=5"});
+}
+
+// ---- Programming and teardown ----
+
+TEST_F(RouteLife, Programming_IsOneRequest) {
+  session_->programRoute(7, status_);
+  EXPECT_EQ(calls(), tStrings{"programRoute(7)"});
+}
+
+TEST_F(RouteLife, ProgrammingThatIsRefused_FailsWithTheDriversCode) {
+  router().codes = {-7};
+  EXPECT_EQ(failureOf([&] { session_->programRoute(7, status_); }), failureOfRouter(-7));
+}
+
+TEST_F(RouteLife, ProgrammingWithAWarning_IsDone) {
+  router().codes = {7};
+  session_->programRoute(7, status_);
+  EXPECT_EQ(status_.code, 7);
+}
+
+TEST_F(RouteLife, Teardown_IsOneRequestForEachStep) {
+  session_->unprogramRoute(7, 1, 2);
+  session_->unreserveRoute(8, 3, 4);
+  session_->destroyRoute(9, 5, 6);
+  EXPECT_EQ(calls(), (tStrings{"unprogramRoute(7)", "unreserveRoute(8)", "destroyRoute(9)"}));
+}
+
+TEST_F(RouteLife, TeardownThatIsRefused_FailsWithTheDriversCode) {
+  router().codes = {-1, -2, -3};
+  EXPECT_EQ(failureOf([&] { session_->unprogramRoute(7, 0, 0); }), failureOfRouter(-1));
+  EXPECT_EQ(failureOf([&] { session_->unreserveRoute(7, 0, 0); }), failureOfRouter(-2));
+  EXPECT_EQ(failureOf([&] { session_->destroyRoute(7, 0, 0); }), failureOfRouter(-3));
+}
+
+TEST_F(RouteLife, TeardownWithWarnings_IsDone) {
+  router().codes = {1, 2, 3};
+  session_->unprogramRoute(7, 0, 0);
+  session_->unreserveRoute(7, 0, 0);
+  session_->destroyRoute(7, 0, 0);
+  EXPECT_EQ(calls().size(), 3u);
+}
+
+TEST_F(RouteLife, ExceptionalDestruction_AsksTheDriverNothing) {
+  session_->beginExceptionalRouteDestruction(7, 0, 0);
+  EXPECT_TRUE(calls().empty());
+}
+
+TEST_F(RouteLife, OrderOfTheSteps_IsTheDriversBusiness) {
+  session_->destroyRoute(7, 0, 0);
+  session_->programRoute(7, status_);
+  session_->reserveRoute(7, answer_.place(), status_);
+  EXPECT_EQ(calls(), (tStrings{"destroyRoute(7)", "programRoute(7)", "reserveRoute(7, room 8)"}));
+}
+
+// ---- Paths ----
+
+TEST_F(RouteLife, Path_IsToldByNamesInItsOrder) {
+  router().path = {2, 4, 11, 4};
+  getPath();
+  EXPECT_EQ(answer_.text(), R"(["TRIG_SMB","PXI_Trig0","PXI_Trig7","PXI_Trig0"])");
+}
+
+TEST_F(RouteLife, EmptyPath_IsAnEmptyArray) {
+  getPath();
+  EXPECT_EQ(answer_.text(), "[]");
+}
+
+TEST_F(RouteLife, UnknownTerminalsOfAPath_AreEmptyNames) {
+  router().path = {0, 4, 99};
+  getPath();
+  EXPECT_EQ(answer_.text(), R"(["","PXI_Trig0",""])");
+}
+
+TEST_F(RouteLife, LongPath_IsFetchedTwiceAndRemembered) {
+  const uint32_t room = pathRoom();
+  router().path.assign(room + 8, 4);
+  getPath();
+  EXPECT_EQ(calls(), (tStrings{pathCall(room), pathCall(room + 8)}));
+  EXPECT_EQ(answer_.text().size(), (room + 8) * std::string_view(R"("PXI_Trig0",)").size() + 1);
+  router().calls.clear();
+  create({&tAnswer::giveRoom, nullptr, nullptr});
+  getPath();
+  EXPECT_EQ(calls().back(), pathCall(room + 8));
+}
+
+TEST_F(RouteLife, PathThatGrowsMeanwhile_IsNotFetchedAThirdTime) {
+  const uint32_t room = pathRoom();
+  router().codes = {-52019, -52019};
+  router().pathLengthTold = room + 1;
+  EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(-52019));
+  EXPECT_EQ(calls(), (tStrings{pathCall(room), pathCall(room + 1)}));
+  EXPECT_EQ(answer_.text(), "[]");  // of pathRoom
+}
+
+TEST_F(RouteLife, PathThatIsRefusedAtTheSecondTime_FailsWithThatCode) {
+  router().codes = {-52019, -7};
+  EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(-7));
+}
+
+TEST_F(RouteLife, PathThatIsRefused_IsFetchedOnce) {
+  router().codes = {-7};
+  EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(-7));
+  EXPECT_EQ(calls().size(), 1u);
+  EXPECT_EQ(answer_.text(), "(none)");
+}
+
+TEST_F(RouteLife, PathLongerThanItsRoomInSpiteOfSuccess_IsCutOff) {
+  const uint32_t room = pathRoom();
+  router().pathLengthTold = 0xFFFFFFFF;
+  router().path = {4};
+  getPath();
+  std::string expected = R"(["PXI_Trig0")";
+  for (uint32_t i = 1; i < room; ++i) {
+    expected += R"(,"")";
+  }
+  EXPECT_EQ(answer_.text(), expected + "]");
+}
+
+TEST_F(RouteLife, PathLongerThanAnyRouterHas_IsShortOfMemoryAndForgotten) {
+  const uint32_t room = pathRoom();
+  router().codes = {-52019};
+  router().pathLengthTold = 4'000'000'000;
+  EXPECT_THROW(getPath(), std::bad_alloc);
+  EXPECT_EQ(pathRoom(), room);
+}
+
+TEST_F(RouteLife, PathUnderAWarning_TellsItBothTimes) {
+  const uint32_t room = pathRoom();
+  router().path.assign(room + 1, 4);
+  status_.code = 5;
+  getPath();
+  EXPECT_EQ(calls(), (tStrings{pathCall(room) + " st=5", pathCall(room + 1) + " st=5"}));
+}
+
+TEST_F(RouteLife, PathWithAWarning_IsTold) {
+  router().codes = {7};
+  router().path = {4};
+  getPath();
+  EXPECT_EQ(status_.code, 7);
+  EXPECT_EQ(answer_.text(), R"(["PXI_Trig0"])");
+}
+
+TEST_F(RouteLife, PathWithoutAPlaceForTheAnswer_IsNotFetched) {
+  EXPECT_EQ(failureOf([&] { session_->getRouteTerminalPath(7, nullptr, status_); }), kNoPlace);
+  EXPECT_TRUE(calls().empty());
+}
+
+// ---- Terminals of a session ----
+
+TEST_F(RouteLife, TerminalsOfTheSession_AreElevenOnItsInterface) {
+  const auto iterator = session_->getAllTerminals(status_, 99);
+  iterator->resetTerminal("floating", status_);
+  EXPECT_EQ(calls(), tStrings{"resetTerminal(1, 1)"});
+  int count = 0;
+  for (; !iterator->isEnd(); iterator->next(status_)) {
+    ++count;
+  }
+  EXPECT_EQ(count, 11);
+}
+
+TEST_F(RouteLife, CalculatedReset_TellsTheDriverTerminalAndMode) {
+  const auto iterator = session_->getAllTerminals(status_, 0);
+  iterator->next(status_);
+  router().value = 4294967295;
+  EXPECT_EQ(session_->calculateResetTerminal(*iterator, "default", status_), 4294967295u);
+  EXPECT_EQ(session_->calculateResetTerminal(*iterator, "floating", status_), 4294967295u);
+  EXPECT_EQ(calls(),
+            (tStrings{"calculateResetTerminal(0, 2, 0)", "calculateResetTerminal(0, 2, 1)"}));
+}
+
+TEST_F(RouteLife, CalculatedResetThatFails_FailsAsAResetDoes) {
+  const auto iterator = session_->getAllTerminals(status_, 0);
+  const auto calculate = [&](const char* mode) {
+    return failureOf([&] { session_->calculateResetTerminal(*iterator, mode, status_); });
+  };
+  EXPECT_EQ(calculate("Default").code, -50003);
+  EXPECT_EQ(calculate(nullptr).code, -50003);
+  EXPECT_TRUE(calls().empty());
+  router().codes = {-7};
+  EXPECT_EQ(calculate("default"), failureOfRouter(-7));
+  while (!iterator->isEnd()) {
+    iterator->next(status_);
+  }
+  EXPECT_EQ(calculate("default").code, -52005);
+  EXPECT_EQ(calls().size(), 1u);
+}
+
+TEST_F(RouteLife, CalculatedResetWithAWarning_GivesItsValue) {
+  const auto iterator = session_->getAllTerminals(status_, 0);
+  router().codes = {7};
+  router().value = 5;
+  EXPECT_EQ(session_->calculateResetTerminal(*iterator, "default", status_), 5u);
+  EXPECT_EQ(status_.code, 7);
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,207 @@
+// How a session begins and ends, and what it tells of demotions.
+#include <stdexcept>
+
+#include "tests/component/protons/trace/debuggerlistener.h"
+#include "tests/component/zoarkra/sessiontest.h"
+
+#ifndef _WIN32
+#include <csignal>
+
+#include "tests/fakewindows/debuggeroutput.h"
+#endif
+
+namespace nTests {
+namespace {
+
+// What a callback was told. One test at a time.
+struct tDemotions {
+  std::vector<void*> contexts;
+  std::vector<int32_t> reasons;
+  std::vector<int32_t> codes;
+  std::vector<void*> notifications;
+};
+
+tDemotions& demotions() {
+  static tDemotions told;
+  return told;
+}
+
+void noteDemotion(void* context, int32_t reason, zoerr_Status* status, void* notification) {
+  demotions().contexts.push_back(context);
+  demotions().reasons.push_back(reason);
+  demotions().codes.push_back(status->code);
+  demotions().notifications.push_back(notification);
+}
+
+class SessionCreation : public SessionTest {
+ protected:
+  SessionCreation() {
+    demotions() = {};
+    session_.reset();
+    script_.router.calls.clear();
+  }
+  const zoark::tClientFunctions client_{&tAnswer::giveRoom, &noteDemotion, &script_};
+};
+
+TEST_F(SessionCreation, Successful_OpensListensAndAsksForTheTopography) {
+  create(client_);
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start"}));
+  EXPECT_EQ(calls(), tStrings{"getTopographyName(128)"});
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(SessionCreation, Destroyed_StopsListeningBeforeItCloses) {
+  create(client_);
+  session_.reset();
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
+}
+
+TEST_F(SessionCreation, WithoutACallback_ListensAllTheSame) {
+  create({&tAnswer::giveRoom, nullptr, nullptr});
+  ASSERT_NE(script_.listener, nullptr);
+  script_.listener->routeDemoted(nullptr);
+  EXPECT_TRUE(demotions().reasons.empty());
+}
+
+TEST_F(SessionCreation, DeviceThatCannotBeOpened_LeavesNothing) {
+  script_.openCode = -52006;
+  EXPECT_EQ(failureOf([&] { create(client_); }),
+            (tFailure{-52006, R"({"file":"device","line":1,"component":"driver"})"}));
+  EXPECT_EQ(script_.events, (tStrings{"open device", "stop", "closed"}));
+  EXPECT_TRUE(calls().empty());
+}
+
+TEST_F(SessionCreation, NotificationsThatAreRefused_LeaveNothing) {
+  script_.startCode = -52002;
+  EXPECT_EQ(failureOf([&] { create(client_); }),
+            (tFailure{-52002, R"({"file":"device","line":2,"component":"driver"})"}));
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
+  EXPECT_TRUE(calls().empty());
+}
+
+TEST_F(SessionCreation, TopographyThatIsRefused_LeavesNothing) {
+  router().codes = {-7};
+  EXPECT_EQ(failureOf([&] { create(client_); }), failureOfRouter(-7));
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
+}
+
+TEST_F(SessionCreation, TopographyThatIsNotKnown_IsToldAndTraced) {
+  router().topographyName = "pxiContTriggerRouter2";
+  tDebuggerListener listener;
+  EXPECT_EQ(
+      failureOf([&] { create(client_); }),
+      (tFailure{-50003,
+                R"({"error_constant":"zopalerr_badSelector",)"
+                R"("file":"zoarkra\\topographyinforegistration","line":52,"component":"quenra",)"
+                R"("zoark_debug":"Topography not found: pxiContTriggerRouter2"})"}));
+  EXPECT_EQ(listener.take(),
+            tStrings{"[zoark_debug] Topography not found: pxiContTriggerRouter2\n"});
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
+}
+
+TEST_F(SessionCreation, TopographyNameWithoutANul_IsReadToItsEnd) {
+  router().topographyName = std::string(128, 'n');
+  const tFailure failure = failureOf([&] { create(client_); });
+  EXPECT_NE(failure.description.find(": " + std::string(128, 'n') + "\""), std::string::npos)
+      << failure.description;
+}
+
+TEST_F(SessionCreation, TopographyNameWithSomethingBehindItsNul_IsFound) {
+  router().topographyName = std::string("pxiContTriggerRouter\0rest", 25);
+  create(client_);
+  EXPECT_NE(session_, nullptr);
+}
+
+TEST_F(SessionCreation, WarningsOfTheDriver_ArriveInTheStatus) {
+  script_.openCode = 3;
+  router().codes = {4};
+  create(client_);
+  EXPECT_EQ(status_.code, 3);
+  EXPECT_EQ(calls(), tStrings{"getTopographyName(128) st=3"});
+}
+
+TEST_F(SessionCreation, NameThatIsNull_IsRefused) {
+  EXPECT_EQ(failureOf([&] { create(client_, nullptr); }),
+            (tFailure{-52005, R"({"error_constant":"zoapalerr_invalidParameter",)"
+                              R"("file":"zoarkra\\arkroutingadaptor","line":203,)"
+                              R"("component":"quenra"})"}));
+  EXPECT_EQ(script_.events, (tStrings{"stop", "closed"}));
+}
+
+TEST_F(SessionCreation, NameOf256Characters_IsOpened) {
+  const std::string name(256, 'n');
+  create(client_, name.c_str());
+  EXPECT_EQ(script_.events[0], "open " + name);
+}
+
+#ifndef _WIN32
+TEST_F(SessionCreation, NameOf257Characters_StopsTheProcess) {
+  const std::string name(257, 'n');
+  EXPECT_EXIT(
+      {
+        nFakeWindows::showDebuggerOutput();
+        create(client_, name.c_str());
+      },
+      testing::KilledBySignal(SIGTRAP), "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$");
+}
+#endif
+
+TEST_F(SessionCreation, Demotion_IsToldToTheCallback) {
+  create(client_);
+  int notification = 0;
+  script_.listener->routeDemoted(&notification);
+  script_.listener->routeDemoted(&notification);
+  EXPECT_EQ(demotions().contexts, (std::vector<void*>{&script_, &script_}));
+  EXPECT_EQ(demotions().reasons, (std::vector<int32_t>{101, 101}));
+  EXPECT_EQ(demotions().codes, (std::vector<int32_t>{0, 0}));
+  EXPECT_EQ(demotions().notifications, (std::vector<void*>{&notification, &notification}));
+}
+
+TEST_F(SessionCreation, DemotionBeforeTheSessionIsMade_IsDropped) {
+  script_.demotesAtStart = true;
+  create(client_);
+  EXPECT_TRUE(demotions().reasons.empty());
+}
+
+TEST_F(SessionCreation, StatusThatACallbackFills_IsReleasedAndForgotten) {
+  create({&tAnswer::giveRoom,
+          [](void*, int32_t, zoerr_Status* status, void*) {
+            EXPECT_EQ(status->description, nullptr);
+            status->code = -5;
+            EXPECT_TRUE(status->reallocate(status, 100));
+          },
+          nullptr});
+  script_.listener->routeDemoted(nullptr);
+  script_.listener->routeDemoted(nullptr);
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(SessionCreation, CallbackWithMemoryOfItsOwn_ReleasesItItself) {
+  static std::vector<uint32_t> asked;
+  static char buffer[] = "{}\0J";
+  asked.clear();
+  create({&tAnswer::giveRoom,
+          [](void*, int32_t, zoerr_Status* status, void*) {
+            status->description = buffer;
+            status->capacity = sizeof buffer;
+            status->reallocate = [](zoerr_Status*, uint32_t newCapacity) {
+              asked.push_back(newCapacity);
+              return true;
+            };
+          },
+          nullptr});
+  script_.listener->routeDemoted(nullptr);
+  EXPECT_EQ(asked, std::vector<uint32_t>{0});
+}
+
+TEST_F(SessionCreation, CallbackThatThrows_HarmsNothing) {
+  create({&tAnswer::giveRoom,
+          [](void*, int32_t, zoerr_Status*, void*) { throw std::runtime_error("callback"); },
+          nullptr});
+  script_.listener->routeDemoted(nullptr);
+  session_->programRoute(7, status_);
+  EXPECT_EQ(status_.code, 0);
+}
+
+}  // namespace
+}  // namespace nTests

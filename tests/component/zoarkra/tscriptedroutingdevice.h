@@ -1,0 +1,65 @@
+#ifndef TESTS_COMPONENT_ZOARKRA_TSCRIPTEDROUTINGDEVICE_H
+#define TESTS_COMPONENT_ZOARKRA_TSCRIPTEDROUTINGDEVICE_H
+
+#include <string>
+#include <vector>
+
+#include "tests/component/zoarkra/tscriptedrouter.h"
+#include "zoarkra/iroutingdevice.h"
+
+namespace nTests {
+
+// What a test keeps of a device that belongs to a session.
+struct tRoutingDeviceScript {
+  tScriptedRouter router;
+  std::vector<std::string> events;  // "open NAME", "start", "stop", "closed"
+  int32_t openCode = 0;             // located at component "driver", file "device", line 1
+  int32_t startCode = 0;            // the same with line 2
+  zoark::iDemotionListener* listener = nullptr;
+  bool demotesAtStart = false;  // the listener is told once while the session is not yet made
+};
+
+class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
+ public:
+  explicit tScriptedRoutingDevice(tRoutingDeviceScript& script) : script_(script) {}
+  ~tScriptedRoutingDevice() override { note("closed"); }
+
+  void open(const char* name, nZOAPALS100::tStatus& status) noexcept override {
+    if (!status.isError()) {
+      note("open ", name);
+      mergeStatus(status, script_.openCode, "driver", "device", 1);
+    }
+  }
+  void startNotifications(zoark::iDemotionListener& listener,
+                          nZOAPALS100::tStatus& status) override {
+    if (status.isError()) {
+      return;
+    }
+    note("start");
+    mergeStatus(status, script_.startCode, "driver", "device", 2);
+    script_.listener = &listener;
+    if (script_.demotesAtStart) {
+      listener.routeDemoted(nullptr);
+    }
+  }
+  void stopNotifications() noexcept override {
+    note("stop");
+    script_.listener = nullptr;
+  }
+  nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept override {
+    return script_.router;
+  }
+
+ private:
+  void note(const char* event, const char* argument = "") {
+    if (!script_.router.isQuiet) {
+      script_.events.push_back(std::string(event) + argument);
+    }
+  }
+
+  tRoutingDeviceScript& script_;
+};
+
+}  // namespace nTests
+
+#endif

@@ -1,0 +1,153 @@
+#include "tests/fuzz/routerequest.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "tests/component/zoarkra/tscriptedroutingdevice.h"
+#include "tests/fakewindows/debuggeroutput.h"
+#include "zoapal/protons/status/exception.h"
+#include "zoarkra/arkroutingadaptorsession.h"
+
+namespace nRouteFuzz {
+namespace {
+
+using rapidjson::Document;
+using rapidjson::SizeType;
+using zoark::ARKRoutingAdaptorSession;
+
+constexpr int32_t kInvalidParameter = -52005;
+
+// In the place of an answer, with a buffer of exactly the size that is asked for.
+std::unique_ptr<char[]> answer;
+
+char* giveRoom(char*, size_t required, const char*, size_t) {
+  answer = std::make_unique<char[]>(required);
+  return answer.get();
+}
+
+// A session on a router that has two routes for everything.
+struct tSession {
+  tSession() {
+    script.router.calls.clear();
+    script.router.routes = {{1, 4, 2, 0, 0, {}}, {2, 5, 3, 1, 1, {}}};
+  }
+
+  nTests::tRoutingDeviceScript script;
+  zoerr::tOwnedStatus status;
+  ARKRoutingAdaptorSession session{std::make_unique<nTests::tScriptedRoutingDevice>(script),
+                                   "device",
+                                   {&giveRoom, nullptr, nullptr},
+                                   status};
+};
+
+// Numbers come as texts, since the reader's own arithmetic is undefined for some of them. The names
+// are RapidJSON's.
+class tTreeBuilder {
+ public:
+  explicit tTreeBuilder(Document& to) : to_(to) {}
+
+  bool Null() { return to_.Null(); }
+  bool Bool(bool value) { return to_.Bool(value); }
+  bool Int(int) { return false; }
+  bool Uint(unsigned) { return false; }
+  bool Int64(int64_t) { return false; }
+  bool Uint64(uint64_t) { return false; }
+  bool Double(double) { return false; }
+  bool RawNumber(const char* text, SizeType, bool) {
+    return to_.Double(std::strtod(text, nullptr));
+  }
+  bool String(const char* text, SizeType length, bool) { return to_.String(text, length, true); }
+  bool StartObject() { return to_.StartObject(); }
+  bool Key(const char* text, SizeType length, bool) { return to_.Key(text, length, true); }
+  bool EndObject(SizeType members) { return to_.EndObject(members); }
+  bool StartArray() { return to_.StartArray(); }
+  bool EndArray(SizeType elements) { return to_.EndArray(elements); }
+
+ private:
+  Document& to_;
+};
+
+// Memory of exactly the text and its NUL, so that the address sanitizer sees one byte too many.
+std::unique_ptr<char[]> exactCopy(const std::string& text) {
+  auto copy = std::make_unique<char[]>(text.size() + 1);
+  std::memcpy(copy.get(), text.c_str(), text.size() + 1);
+  return copy;
+}
+
+void checkRefusal(const zoerr::Status& status, bool isSound) {
+  require(status.code == kInvalidParameter, "a request is refused as an invalid parameter");
+  const auto description = treeOf(status.description);
+  require(description && description->IsObject(), "the description is a JSON object");
+  const std::string_view message = (*description)["zoroco_debug"].GetString();
+  require(!isSound || message == "malformed JSON" || message == "JSON nested too deeply",
+          "a sound document is only refused for its depth or its texts");
+}
+
+}  // namespace
+
+std::string textOf(const uint8_t* data, size_t size) {
+  const std::string text(data, data + size);
+  return text.substr(0, text.find('\0'));
+}
+
+void require(bool holds, const char* promise) {
+  if (!holds) {
+    std::fprintf(stderr, "broken promise: %s\n", promise);
+    std::abort();
+  }
+}
+
+std::optional<Document> treeOf(const std::string& document) {
+  constexpr unsigned kFlags =
+      rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+  rapidjson::Reader reader;
+  Document tree;
+  const auto build = [&](Document& to) {
+    rapidjson::StringStream stream(document.c_str());
+    tTreeBuilder builder(to);
+    return !reader.Parse<kFlags>(stream, builder).IsError();
+  };
+  tree.Populate(build);
+  return reader.HasParseError() ? std::nullopt : std::optional(std::move(tree));
+}
+
+const rapidjson::Value* lastMember(const rapidjson::Value& object, const char* name) {
+  const rapidjson::Value* last = nullptr;
+  for (const auto& member : object.GetObject()) {
+    const std::string_view itsName(member.name.GetString(), member.name.GetStringLength());
+    if (itsName == name) {
+      last = &member.value;
+    }
+  }
+  return last;
+}
+
+void calculate(const tDocuments& documents, bool isSound) {
+  static tSession on;
+  const auto seeds = exactCopy(documents.seeds);
+  const auto destinations = exactCopy(documents.destinations);
+  const auto modifiers = exactCopy(documents.modifiers);
+  char* output = nullptr;
+  try {
+    on.session.calculateRoute({seeds.get(), destinations.get(), modifiers.get()}, &output,
+                              on.status);
+    require(isSound, "a document that is not sound is refused");
+    require(on.script.router.calls.size() == 1, "a request is sent once");
+    const auto routes = treeOf(output);
+    require(routes && routes->IsArray(), "the answer is a JSON array");
+  } catch (const zoerr::ExceptionBase& exception) {
+    require(on.script.router.calls.empty(), "a request that is refused is not sent");
+    require(output == nullptr, "a request that is refused has no answer");
+    checkRefusal(exception.status(), isSound);
+  }
+  // Nothing is kept, or the fuzzer looks for a leak after every input.
+  on.script.router.calls = {};
+  answer.reset();
+  static_cast<void>(nFakeWindows::takeDebuggerOutput());
+}
+
+}  // namespace nRouteFuzz

@@ -1,0 +1,61 @@
+#ifndef ZOAPAL_PROTONS_CONTAINERS_TARRAY_H
+#define ZOAPAL_PROTONS_CONTAINERS_TARRAY_H
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <type_traits>
+
+#include "zoapal/protons/status/tsourcelocation.h"
+#include "zoapal/protons/trace/assertion.h"
+
+namespace nQUENRA1400::nZOAPAL000 {
+
+// An array of up to a fixed number of elements that lies wholly in its owner. What is behind its
+// elements is always zero, and so is one element more: an array of characters is a text with its
+// NUL.
+//
+// Nobody asks for more than the capacity: who does ends the process.
+template <class T, size_t kCapacity = 256>
+class tArray {
+  static_assert(std::is_trivial_v<T>);
+
+ public:
+  static constexpr size_t kMaxSize = kCapacity;
+
+  [[nodiscard]] size_t size() const noexcept { return size_; }
+  [[nodiscard]] bool isEmpty() const noexcept { return size_ == 0; }
+  [[nodiscard]] T* data() noexcept { return elements_.data(); }
+  [[nodiscard]] const T* data() const noexcept { return elements_.data(); }
+  [[nodiscard]] const T* begin() const noexcept { return elements_.data(); }
+  [[nodiscard]] const T* end() const noexcept { return elements_.data() + size_; }
+
+  // New elements are zero.
+  void resize(size_t n) noexcept {
+    requireRoomFor(n);
+    std::fill(elements_.begin() + std::min(n, size_), elements_.begin() + size_, T{});
+    size_ = n;
+  }
+
+  // `elements` may be null when n is 0.
+  void assign(const T* elements, size_t n) noexcept {
+    requireRoomFor(n);
+    std::copy_n(elements, n, elements_.begin());
+    size_ = std::max(n, size_);
+    resize(n);
+  }
+
+ private:
+  static void requireRoomFor(size_t n) noexcept {
+    if (!(n <= kMaxSize)) {
+      assertionFailed(nZOAPALS100::kComponent, "tArray", 64, "ASSERT(n <= kMaxSize)");
+    }
+  }
+
+  std::array<T, kMaxSize + 1> elements_{};
+  size_t size_ = 0;
+};
+
+}  // namespace nQUENRA1400::nZOAPAL000
+
+#endif

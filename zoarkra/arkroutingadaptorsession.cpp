@@ -1,0 +1,236 @@
+#include "zoarkra/arkroutingadaptorsession.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "protocol/routingrequests.h"
+#include "zoarkra/arkterminaliterator.h"
+#include "zoarkra/driverstatus.h"
+#include "zoarkra/failure.h"
+#include "zoarkra/resetmode.h"
+#include "zoarkra/routedescriptions.h"
+#include "zoarkra/tclientoutput.h"
+#include "zoarkra/topographyinforegistration.h"
+#include "zoarkra/tstackmemory.h"
+
+namespace zoark {
+namespace {
+
+using nZOAPALS100::tStatus;
+
+constexpr auto kNameMissing = adaptorLocation(203, kInvalidParameterConstant);
+
+constexpr int32_t kReasonDemoted = 101;
+constexpr uint32_t kFirstConflicts = 8;
+constexpr uint32_t kRoutesPerDestination = 2;
+// No router has as many conflicts or terminals; a larger number is not worth its memory.
+constexpr uint32_t kLargestCount = 1u << 20;
+
+// Room for what a request of 4 KiB for terminals that there are becomes.
+using tRequestMemory = tStackMemory<size_t{32} * 1024>;
+// Room for a path or a conflict report of ordinary length.
+using tListMemory = tStackMemory<size_t{2} * 1024>;
+
+// For how many terminals getRouteTerminalPath makes room first. An update that is lost costs one
+// more request.
+std::atomic<uint32_t> pathCapacity = 32;
+
+void raisePathCapacity(uint32_t capacity) noexcept {
+  if (capacity > pathCapacity.load(std::memory_order_relaxed)) {
+    pathCapacity.store(capacity, std::memory_order_relaxed);
+  }
+}
+
+template <class Record>
+uint64_t addressOf(const std::pmr::vector<Record>& records) noexcept {
+  return records.empty() ? 0 : reinterpret_cast<uintptr_t>(records.data());
+}
+
+// As the driver takes it; there is no memory for more.
+template <class Record>
+uint32_t countOf(const std::pmr::vector<Record>& records) {
+  if (records.size() > std::numeric_limits<uint32_t>::max() / kRoutesPerDestination) {
+    throw std::bad_alloc();
+  }
+  return static_cast<uint32_t>(records.size());
+}
+
+// Makes as many records as the driver says there are; new ones are zero.
+template <class Record>
+void resizeAsTold(std::pmr::vector<Record>& records, uint32_t count) {
+  if (count > kLargestCount) {
+    throw std::bad_alloc();
+  }
+  records.resize(count);
+}
+
+// Of the records that there is room for, those that the driver has filled.
+template <class Record>
+void keepFilled(std::pmr::vector<Record>& records, uint32_t count) {
+  records.resize(std::min<size_t>(count, records.size()));
+}
+
+// A step of taking a route down, whose warnings nobody hears.
+template <class Step>
+void takeDown(Step step) {
+  tStatus driver;
+  step(driver);
+  zoerr::tOwnedStatus unheard;
+  takeDriverStatus(driver, unheard);
+}
+
+}  // namespace
+
+ARKRoutingAdaptorSession::ARKRoutingAdaptorSession(std::unique_ptr<iRoutingDevice> device,
+                                                   const char* deviceInterfaceName,
+                                                   const tClientFunctions& client,
+                                                   zoerr::Status& status)
+    : device_(std::move(device)), reallocate_(client.reallocate), notificationsEnd_(*device_) {
+  if (deviceInterfaceName == nullptr) {
+    raise(nZOAPALS100::kInvalidParameter, kNameMissing);
+  }
+  deviceInterfaceName_.assign(deviceInterfaceName, std::strlen(deviceInterfaceName));
+  open(status);
+  context_ = client.context;
+  callback_.store(client.callback, std::memory_order_release);
+}
+
+ARKRoutingAdaptorSession::~ARKRoutingAdaptorSession() = default;
+
+void ARKRoutingAdaptorSession::open(zoerr::Status& status) {
+  tStatus driver = statusForDriver(status);
+  device_->open(deviceInterfaceName_.data(), driver);
+  device_->startNotifications(*this, driver);
+  std::array<char, ROUTING_TOPOGRAPHY_NAME_SIZE> name{};
+  proxy().getTopographyName(reinterpret_cast<uintptr_t>(name.data()),
+                            static_cast<uint32_t>(name.size()), driver);
+  takeDriverStatus(driver, status);
+  topography_ = &findTopography({name.data(), strnlen(name.data(), name.size())});
+}
+
+void ARKRoutingAdaptorSession::routeDemoted(void* notification) noexcept {
+  const zoroco_DemotionCallback callback = callback_.load(std::memory_order_acquire);
+  if (callback == nullptr) {
+    return;
+  }
+  zoerr_Status status = zoerr_Status_initial();
+  try {
+    callback(context_, kReasonDemoted, &status, notification);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): nobody hears what a callback throws
+  }
+  zoerr_Status_release(&status);
+}
+
+void ARKRoutingAdaptorSession::getHandledConstraints(char** output, zoerr::Status&) {
+  tListMemory memory;
+  std::pmr::string text(memory.resource());
+  describeHandledConstraints(text);
+  tClientOutput(reallocate_, output).write(text);
+}
+
+uint32_t ARKRoutingAdaptorSession::calculateRoute(const tRequestTexts& texts, char** output,
+                                                  zoerr::Status& status) {
+  const tClientOutput answer(reallocate_, output);
+  answer.requirePlace();
+  tRequestMemory memory;
+  tRouteRequest request(memory.resource());
+  readRouteRequest(texts, *topography_, request);
+
+  const uint32_t destinationCount = countOf(request.destinations);
+  std::pmr::vector<tRouteRecord> routes(size_t{destinationCount} * kRoutesPerDestination,
+                                        memory.resource());
+  auto routeCount = static_cast<uint32_t>(routes.size());
+  tStatus driver = statusForDriver(status);
+  const uint32_t value = proxy().calculateRoute(
+      reinterpret_cast<uintptr_t>(&request.modifiers), addressOf(request.seeds),
+      countOf(request.seeds), addressOf(request.destinations), destinationCount, request.options,
+      addressOf(routes), routeCount, driver);
+  takeDriverStatus(driver, status);
+
+  keepFilled(routes, routeCount);
+  std::pmr::string text(memory.resource());
+  describeRoutes(routes, *topography_, text);
+  answer.write(text);
+  return value;
+}
+
+void ARKRoutingAdaptorSession::reserveRoute(uint32_t ticket, char** output, zoerr::Status& status) {
+  tListMemory memory;
+  std::pmr::vector<tRouteConflict> conflicts(kFirstConflicts, memory.resource());
+  uint32_t count = kFirstConflicts;
+  tStatus driver = statusForDriver(status);
+  proxy().reserveRoute(ticket, addressOf(conflicts), count, driver);
+  if (driver.code == DRIVER_STATUS_ROUTE_CONFLICT) {
+    resizeAsTold(conflicts, count);
+    std::pmr::string text(memory.resource());
+    describeConflicts(conflicts, text);
+    tClientOutput(reallocate_, output).write(text);
+  }
+  takeDriverStatus(driver, status);
+}
+
+void ARKRoutingAdaptorSession::programRoute(uint32_t ticket, zoerr::Status& status) {
+  tStatus driver = statusForDriver(status);
+  proxy().programRoute(ticket, driver);
+  takeDriverStatus(driver, status);
+}
+
+void ARKRoutingAdaptorSession::unprogramRoute(uint32_t ticket, uint64_t, uint64_t) {
+  takeDown([&](tStatus& driver) { proxy().unprogramRoute(ticket, driver); });
+}
+
+void ARKRoutingAdaptorSession::unreserveRoute(uint32_t ticket, uint64_t, uint64_t) {
+  takeDown([&](tStatus& driver) { proxy().unreserveRoute(ticket, driver); });
+}
+
+void ARKRoutingAdaptorSession::beginExceptionalRouteDestruction(uint32_t, uint64_t, uint64_t) {}
+
+void ARKRoutingAdaptorSession::destroyRoute(uint32_t ticket, uint64_t, uint64_t) {
+  takeDown([&](tStatus& driver) { proxy().destroyRoute(ticket, driver); });
+}
+
+void ARKRoutingAdaptorSession::getRouteTerminalPath(uint32_t ticket, char** output,
+                                                    zoerr::Status& status) {
+  const tClientOutput answer(reallocate_, output);
+  answer.requirePlace();
+  tListMemory memory;
+  uint32_t count = pathCapacity.load(std::memory_order_relaxed);
+  std::pmr::vector<uint32_t> terminals(count, memory.resource());
+  tStatus driver = statusForDriver(status);
+  proxy().getRouteTerminalPath(ticket, addressOf(terminals), count, driver);
+  if (driver.code == DRIVER_STATUS_PATH_TOO_LONG) {
+    resizeAsTold(terminals, count);
+    raisePathCapacity(count);
+    driver = statusForDriver(status);
+    proxy().getRouteTerminalPath(ticket, addressOf(terminals), count, driver);
+  }
+  takeDriverStatus(driver, status);
+  keepFilled(terminals, count);
+  std::pmr::string text(memory.resource());
+  describePath(terminals, *topography_, text);
+  answer.write(text);
+}
+
+std::unique_ptr<zoroco::TerminalIteratorInterface> ARKRoutingAdaptorSession::getAllTerminals(
+    zoerr::Status&, uint64_t) {
+  return std::make_unique<ARKTerminalIterator>(*topography_, proxy());
+}
+
+uint32_t ARKRoutingAdaptorSession::calculateResetTerminal(
+    const zoroco::TerminalIteratorInterface& iterator, const char* mode, zoerr::Status& status) {
+  constexpr uint64_t kReserved = 0;
+  const uint32_t floating = floatingFlagOf(mode);
+  const uint32_t terminal = iterator.getU32Attribute("id", status);
+  tStatus driver = statusForDriver(status);
+  const uint32_t value =
+      proxy().calculateResetTerminal(kReserved, terminal, static_cast<int32_t>(floating), driver);
+  takeDriverStatus(driver, status);
+  return value;
+}
+
+}  // namespace zoark

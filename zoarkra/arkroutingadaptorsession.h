@@ -1,0 +1,81 @@
+#ifndef ZOARKRA_ARKROUTINGADAPTORSESSION_H
+#define ZOARKRA_ARKROUTINGADAPTORSESSION_H
+
+#include <atomic>
+#include <memory>
+
+#include "quenra_routing.h"
+#include "zoapal/protons/containers/tarray.h"
+#include "zoarkra/iroutingdevice.h"
+#include "zoarkra/routingadaptorsessioninterface.h"
+#include "zoarkra/topography.h"
+
+namespace zoark {
+
+// What a client brings along for its session.
+struct tClientFunctions {
+  zoroco_Reallocate reallocate;
+  zoroco_DemotionCallback callback;  // may be null
+  void* context;
+};
+
+// Keeps no record of routes: the driver holds them, a ticket names one. Used by one thread at a
+// time; the callback runs on a thread of the device.
+class ARKRoutingAdaptorSession final : public zoroco::RoutingAdaptorSessionInterface,
+                                       private iDemotionListener {
+ public:
+  // Opens the device under a name of at most 256 characters and finds its topography. Demotions are
+  // told from the end of the construction on; what comes before is dropped. Throws
+  // zoerr::Exception; then nothing is left open.
+  ARKRoutingAdaptorSession(std::unique_ptr<iRoutingDevice> device, const char* deviceInterfaceName,
+                           const tClientFunctions& client, zoerr::Status& status);
+  // Waits for a callback that is running.
+  ~ARKRoutingAdaptorSession() override;
+
+  void getHandledConstraints(char** output, zoerr::Status& status) override;
+  uint32_t calculateRoute(const tRequestTexts& texts, char** output,
+                          zoerr::Status& status) override;
+  void reserveRoute(uint32_t ticket, char** output, zoerr::Status& status) override;
+  void programRoute(uint32_t ticket, zoerr::Status& status) override;
+  void unprogramRoute(uint32_t ticket, uint64_t first, uint64_t second) override;
+  void unreserveRoute(uint32_t ticket, uint64_t first, uint64_t second) override;
+  void beginExceptionalRouteDestruction(uint32_t ticket, uint64_t first, uint64_t second) override;
+  void destroyRoute(uint32_t ticket, uint64_t first, uint64_t second) override;
+  void getRouteTerminalPath(uint32_t ticket, char** output, zoerr::Status& status) override;
+  [[nodiscard]] std::unique_ptr<zoroco::TerminalIteratorInterface> getAllTerminals(
+      zoerr::Status& status, uint64_t reserved) override;
+  uint32_t calculateResetTerminal(const zoroco::TerminalIteratorInterface& iterator,
+                                  const char* mode, zoerr::Status& status) override;
+
+ private:
+  // Ends the notifications, also when the construction fails.
+  class tNotificationsEnd {
+   public:
+    explicit tNotificationsEnd(iRoutingDevice& device) noexcept : device_(device) {}
+    tNotificationsEnd(const tNotificationsEnd&) = delete;
+    tNotificationsEnd& operator=(const tNotificationsEnd&) = delete;
+    ~tNotificationsEnd() { device_.stopNotifications(); }
+
+   private:
+    iRoutingDevice& device_;
+  };
+
+  void open(zoerr::Status& status);
+  void routeDemoted(void* notification) noexcept override;
+  [[nodiscard]] nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() const noexcept {
+    return device_->proxy();
+  }
+
+  std::unique_ptr<iRoutingDevice> device_;
+  nQUENRA1400::nZOAPAL000::tArray<char> deviceInterfaceName_;
+  zoroco_Reallocate reallocate_;
+  std::atomic<zoroco_DemotionCallback> callback_ = nullptr;  // published after context_
+  void* context_ = nullptr;
+  const tTopography* topography_ = nullptr;
+  // The last member, so that nothing is gone yet while a callback still runs.
+  tNotificationsEnd notificationsEnd_;
+};
+
+}  // namespace zoark
+
+#endif

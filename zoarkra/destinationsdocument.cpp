@@ -1,0 +1,16 @@
+#include "zoarkra/destinationsdocument.h"
+
+namespace zoark {
+
+bool tDestinationsDocument::value(const tJsonValue& value, size_t depth) {
+  if (depth == 0) {
+    return value.type == tJsonType::array || fail(kDestinationsNoArray);
+  }
+  if (value.type != tJsonType::string) {
+    return fail(kDestinationNoString);
+  }
+  destinations_.push_back(terminalIdOf(topography_, value.text));
+  return true;
+}
+
+}  // namespace zoark

@@ -1,0 +1,46 @@
+#include "zoarkra/failure.h"
+
+#include "zoapal/protons/status/descriptionwriter.h"
+
+namespace zoark {
+namespace {
+
+using zoerr::Status;
+using zoerr::tAppendResult;
+
+// One step of growth. A reallocation function that says yes without giving more ends it.
+bool grow(Status& status) noexcept {
+  constexpr uint64_t kLargestRequest = 0x7FFFFFFF;
+  const uint64_t wanted = uint64_t{status.capacity} * 2 - 4;
+  const uint32_t before = status.capacity;
+  return status.description != nullptr && wanted <= kLargestRequest &&
+         status.reallocate(status, static_cast<uint32_t>(wanted)) && status.capacity > before;
+}
+
+template <class Append>
+void appendGrowing(Status& status, Append append) noexcept {
+  while (append(status.description, status.capacity) == tAppendResult::noRoom && grow(status)) {
+  }
+}
+
+}  // namespace
+
+void appendMember(Status& status, std::string_view key, std::string_view text) noexcept {
+  appendGrowing(status, [=](char* buffer, uint32_t capacity) noexcept {
+    return zoerr::appendText(buffer, capacity, key, text);
+  });
+}
+
+void appendMember(Status& status, std::string_view key, uint64_t number) noexcept {
+  appendGrowing(status, [=](char* buffer, uint32_t capacity) noexcept {
+    return zoerr::appendUnsigned(buffer, capacity, key, number);
+  });
+}
+
+void raise(int32_t code, const nZOAPALS100::tSourceLocation& location) {
+  zoerr::tOwnedStatus status;
+  status.setWithConstant(code, location);
+  throw zoerr::Exception(status);
+}
+
+}  // namespace zoark

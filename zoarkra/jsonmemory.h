@@ -1,0 +1,56 @@
+#ifndef ZOARKRA_JSONMEMORY_H
+#define ZOARKRA_JSONMEMORY_H
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "zoapal/protons/cppnewdelete/memoryallocation.h"
+
+namespace zoark {
+
+// The memory of one stack of a reader or writer: bytes of its own first, then the heap. RapidJSON
+// does not look whether it was given memory, so this throws std::bad_alloc. The names are
+// RapidJSON's.
+template <size_t kOwn>
+class tJsonMemory {
+ public:
+  static constexpr bool kNeedFree = false;
+  static constexpr size_t kOwnBytes = kOwn;
+
+  tJsonMemory() = default;
+  tJsonMemory(const tJsonMemory&) = delete;
+  tJsonMemory& operator=(const tJsonMemory&) = delete;
+
+  // NOLINTBEGIN(readability-identifier-naming)
+  void* Malloc(size_t size) { return Realloc(nullptr, 0, size); }
+  // `block` is null or what was given last.
+  void* Realloc(void* block, size_t size, size_t newSize) {
+    if (newSize <= own_.size() && heap_ == nullptr) {
+      return own_.data();
+    }
+    nZOAPALS100::tStatus status;
+    auto grown = nQUENRA1400::nZOAPAL000::allocateBytes(newSize, status);
+    if (grown == nullptr) {
+      throw std::bad_alloc();
+    }
+    if (block != nullptr) {
+      std::memcpy(grown.get(), block, std::min(size, newSize));
+    }
+    heap_ = std::move(grown);
+    return heap_.get();
+  }
+  static void Free(void*) noexcept {}
+  // NOLINTEND(readability-identifier-naming)
+
+ private:
+  alignas(std::max_align_t) std::array<char, kOwnBytes> own_;
+  nQUENRA1400::nZOAPAL000::tByteBuffer heap_;
+};
+
+}  // namespace zoark
+
+#endif

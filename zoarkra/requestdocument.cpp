@@ -1,0 +1,36 @@
+#include "zoarkra/requestdocument.h"
+
+namespace zoark {
+namespace {
+
+tFoundFault faultOf(const tJsonResult& result, const tRequestDocument& document) noexcept {
+  switch (result.outcome) {
+    case tJsonOutcome::read:
+    case tJsonOutcome::ended:
+      break;
+    case tJsonOutcome::tooDeep:
+      return {&kTooDeep, {}, result.offset};
+    case tJsonOutcome::numberTooLarge:
+      if (&document.faultOfLargeNumber() != &kMalformed) {
+        return {&document.faultOfLargeNumber(), {}, {}};
+      }
+      [[fallthrough]];
+    case tJsonOutcome::malformed:
+      return {&kMalformed, {}, result.offset};
+  }
+  return document.found();
+}
+
+}  // namespace
+
+void readRequestDocument(const char* text, tRequestDocument& document) {
+  if (text == nullptr) {
+    raiseRequestFault({&kDocumentMissing, {}, {}}, text);
+  }
+  const tFoundFault found = faultOf(readJson(text, document), document);
+  if (found.fault != nullptr) {
+    raiseRequestFault(found, text);
+  }
+}
+
+}  // namespace zoark

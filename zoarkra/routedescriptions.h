@@ -1,0 +1,32 @@
+#ifndef ZOARKRA_ROUTEDESCRIPTIONS_H
+#define ZOARKRA_ROUTEDESCRIPTIONS_H
+
+#include <cstdint>
+#include <memory_resource>
+#include <span>
+#include <string>
+
+#include "protocol/routingrecords.h"
+#include "zoarkra/topography.h"
+
+namespace zoark {
+
+// The answers of a session as compact JSON texts, appended to `text`. Throw std::bad_alloc.
+
+// Calculated routes, in their order.
+void describeRoutes(std::span<const tRouteRecord> routes, const tTopography& topography,
+                    std::pmr::string& text);
+
+// Routes that are in the way, in their order.
+void describeConflicts(std::span<const tRouteConflict> conflicts, std::pmr::string& text);
+
+// The names of terminals; an id without a terminal is an empty text, so that none is missing.
+void describePath(std::span<const uint32_t> terminals, const tTopography& topography,
+                  std::pmr::string& text);
+
+// The names of the handled constraints.
+void describeHandledConstraints(std::pmr::string& text);
+
+}  // namespace zoark
+
+#endif

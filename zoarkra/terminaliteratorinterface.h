@@ -1,0 +1,36 @@
+#ifndef ZOARKRA_TERMINALITERATORINTERFACE_H
+#define ZOARKRA_TERMINALITERATORINTERFACE_H
+
+#include <cstdint>
+
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace zoroco {
+
+// A walk over the terminals of a session. The order of the operations is part of the interface.
+//
+// Operations throw zoerr::Exception when they fail, and std::bad_alloc; the status takes warnings,
+// and its code goes to the driver.
+class TerminalIteratorInterface {
+ public:
+  TerminalIteratorInterface() = default;
+  TerminalIteratorInterface(const TerminalIteratorInterface&) = delete;
+  TerminalIteratorInterface& operator=(const TerminalIteratorInterface&) = delete;
+  virtual ~TerminalIteratorInterface() = default;
+
+  virtual void next(zoerr::Status& status) = 0;
+  [[nodiscard]] virtual bool isEnd() const = 0;
+
+  // An attribute of the current terminal. A text is a constant, or null where it is absent.
+  [[nodiscard]] virtual const char* getStringAttribute(const char* name,
+                                                       zoerr::Status& status) const = 0;
+  [[nodiscard]] virtual bool getBoolAttribute(const char* name, zoerr::Status& status) const = 0;
+  [[nodiscard]] virtual uint32_t getU32Attribute(const char* name, zoerr::Status& status) const = 0;
+
+  // Returns the current terminal to a state of rest, "default" or "floating".
+  virtual void resetTerminal(const char* mode, zoerr::Status& status) = 0;
+};
+
+}  // namespace zoroco
+
+#endif

@@ -1,0 +1,48 @@
+#ifndef ZOARKRA_TOPOGRAPHY_H
+#define ZOARKRA_TOPOGRAPHY_H
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace zoark {
+
+// The line of a terminal that is on no bus.
+inline constexpr uint32_t kNoBusLine = 0xFFFFFFFF;
+
+// A trigger terminal. Texts are constants; a null one is absent.
+struct tTerminal {
+  const char* name;
+  uint32_t id;  // unique, from 1
+  bool isExternal;
+  bool isOwned;
+  const char* visibility;
+  const char* busType;
+  uint32_t busLine;
+  const char* busName;
+  bool isAlias;
+  const char* canonicalName;
+  bool isMaskedOut;
+};
+
+// The terminals of a trigger router. The driver tells by name which one it has.
+struct tTopography {
+  const char* name;
+  uint64_t terminalCount;
+  const tTerminal* firstTerminal;
+  uint32_t words[2];  // part of the record; nothing here depends on them
+
+  [[nodiscard]] constexpr std::span<const tTerminal> terminals() const noexcept {
+    return {firstTerminal, terminalCount};
+  }
+};
+
+// The id of the terminal with exactly this name, ROUTE_NO_TERMINAL when there is none.
+[[nodiscard]] uint32_t terminalIdOf(const tTopography& topography, std::string_view name) noexcept;
+
+// The name of the terminal with this id, an empty text when there is none.
+[[nodiscard]] const char* terminalNameOf(const tTopography& topography, uint32_t id) noexcept;
+
+}  // namespace zoark
+
+#endif

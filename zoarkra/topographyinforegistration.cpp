@@ -1,0 +1,73 @@
+#include "zoarkra/topographyinforegistration.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iterator>
+
+#include "protocol/routingrequests.h"
+#include "zoapal/protons/trace/debugprintf.h"
+#include "zoarkra/failure.h"
+
+namespace zoark {
+namespace {
+
+constexpr auto kTopographyNotFound = registrationLocation(52, kBadSelectorConstant);
+constexpr const char* kDebugComponent = "zoark_debug";
+
+constexpr const char* kPublic = "public";
+constexpr const char* kPrivate = "private";
+constexpr const char* kPxiTrig = "PXI_Trig";
+constexpr const char* kNone = nullptr;
+constexpr uint32_t kNoLine = kNoBusLine;
+
+// The order is that in which terminals are told.
+// clang-format off
+constexpr tTerminal kPxiControllerTerminals[] = {
+// name        id  external owned visibility bus type line    bus name alias canonical masked out
+{"FLOAT",       1, false, true,  kPrivate, kNone,    kNoLine, kNone, false, "FLOAT",       false},
+{"TRIG_SMB",    2, false, true,  kPublic,  kNone,    kNoLine, kNone, false, "TRIG_SMB",    false},
+{"WD_Terminal", 3, false, true,  kPrivate, kNone,    kNoLine, kNone, false, "WD_Terminal", false},
+{"PXI_Trig0",   4, true,  false, kPublic,  kPxiTrig, 0,    kNone, false, "PXI_Trig0",   false},
+{"PXI_Trig1",   5, true,  false, kPublic,  kPxiTrig, 1,       kNone, false, "PXI_Trig1",   false},
+{"PXI_Trig2",   6, true,  false, kPublic,  kPxiTrig, 2,       kNone, false, "PXI_Trig2",   false},
+{"PXI_Trig3",   7, true,  false, kPublic,  kPxiTrig, 3,       kNone, false, "PXI_Trig3",   false},
+{"PXI_Trig4",   8, true,  false, kPublic,  kPxiTrig, 4,       kNone, false, "PXI_Trig4",   false},
+{"PXI_Trig5",   9, true,  false, kPublic,  kPxiTrig, 5,       kNone, false, "PXI_Trig5",   false},
+{"PXI_Trig6",  10, true,  false, kPublic,  kPxiTrig, 6,       kNone, false, "PXI_Trig6",   false},
+{"PXI_Trig7",  11, true,  false, kPublic,  kPxiTrig, 7,       kNone, false, "PXI_Trig7",   false},
+};
+// clang-format on
+
+constexpr tTopography kTopographies[] = {
+    {"pxiContTriggerRouter",
+     std::size(kPxiControllerTerminals),
+     kPxiControllerTerminals,
+     {0xD0, 0x0A}},
+};
+
+[[noreturn]] void raiseNotFound(std::string_view name) {
+  constexpr std::string_view kBeginning = "Topography not found: ";
+  std::array<char, kBeginning.size() + ROUTING_TOPOGRAPHY_NAME_SIZE + 1> message{};
+  std::snprintf(message.data(), message.size(), "%.*s%.*s", static_cast<int>(kBeginning.size()),
+                kBeginning.data(), static_cast<int>(name.size()), name.data());
+  nQUENRA1400::nZOAPAL000::debugPrintf("[%s] %s\n", kDebugComponent, message.data());
+  zoerr::tOwnedStatus status;
+  status.setWithConstant(kBadSelector, kTopographyNotFound);
+  appendMember(status, kDebugComponent, message.data());
+  throw zoerr::Exception(status);
+}
+
+}  // namespace
+
+const tTopography& findTopography(std::string_view name) {
+  const auto* const found =
+      std::find_if(std::begin(kTopographies), std::end(kTopographies),
+                   [name](const tTopography& topography) { return name == topography.name; });
+  if (found == std::end(kTopographies)) {
+    raiseNotFound(name);
+  }
+  return *found;
+}
+
+}  // namespace zoark
