@@ -59,6 +59,15 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 #define SIMULATOR_COMPLETE_PENDING SIMULATOR_CONTROL_CODE(0x923)
 /* In: tSimulatorNotice. Tells everybody who is registered for one of its events. */
 #define SIMULATOR_NOTIFY SIMULATOR_CONTROL_CODE(0x924)
+/* In: u32, a ticket. Demotes a route that is reserved or programmed, and tells its session. */
+#define SIMULATOR_DEMOTE_ROUTE SIMULATOR_CONTROL_CODE(0x940)
+/* Out: as many tSimulatorRoute as there are and fit the output buffer, oldest first. */
+#define SIMULATOR_READ_ROUTES SIMULATOR_CONTROL_CODE(0x941)
+/* In: u32, how many terminals every path has; 0: as many as it has, which are two. */
+#define SIMULATOR_SET_PATH_LENGTH SIMULATOR_CONTROL_CODE(0x942)
+/* In: the name of the topography, 0 to SIMULATOR_TOPOGRAPHY_NAME_CAPACITY bytes; a NUL is sent only
+ * if it is among them. */
+#define SIMULATOR_SET_TOPOGRAPHY_NAME SIMULATOR_CONTROL_CODE(0x943)
 
 enum {
   SIMULATOR_TABLE_CAPACITY = 65536,
@@ -69,6 +78,8 @@ enum {
   SIMULATOR_LOG_CAPACITY = 1024,
   SIMULATOR_PENDING_CAPACITY = 64,
   SIMULATOR_NOTIFICATION_CAPACITY = 64,
+  SIMULATOR_ROUTE_CAPACITY = 256,
+  SIMULATOR_TOPOGRAPHY_NAME_CAPACITY = 256,
   SIMULATOR_INPUT_CAPACITY = 64,
   SIMULATOR_OUTPUT_CAPACITY = 48
 };
@@ -79,6 +90,12 @@ enum {
 #define SIMULATOR_STATUS_BAD_VALUE (-26935)
 /* ... and a buffer of the caller that cannot be read or written. */
 #define SIMULATOR_STATUS_BAD_ADDRESS (-52005)
+/* The simulated trigger router: a terminal id, or a ticket, that it does not know; a step of a route's
+ * life out of its order; more routes than it keeps. */
+#define SIMULATOR_STATUS_NO_SUCH_TERMINAL (-240601)
+#define SIMULATOR_STATUS_NO_SUCH_TICKET (-240602)
+#define SIMULATOR_STATUS_WRONG_ORDER (-240603)
+#define SIMULATOR_STATUS_TOO_MANY_ROUTES (-240604)
 
 typedef enum tSimulatorInterface {
   kSimulatorInterfaceController = 1,
@@ -162,6 +179,24 @@ typedef struct tSimulatorNotice {
   uint8_t payload[NOTIFICATION_PAYLOAD_CAPACITY];
 } tSimulatorNotice;
 PROTOCOL_SIZE(tSimulatorNotice, 56);
+
+typedef enum tSimulatorRouteState {
+  kSimulatorRouteCalculated = 0,
+  kSimulatorRouteReserved = 1,
+  kSimulatorRouteProgrammed = 2
+} tSimulatorRouteState;
+
+typedef struct tSimulatorRoute {
+  uint64_t process; /* of the session that made it */
+  uint64_t session; /* its open file, as in the log */
+  uint32_t ticket;
+  uint32_t source;
+  uint32_t destination;
+  uint32_t state;   /* tSimulatorRouteState */
+  uint32_t inverts; /* 0 or 1 */
+  uint32_t padding;
+} tSimulatorRoute;
+PROTOCOL_SIZE(tSimulatorRoute, 40);
 
 typedef struct tSimulatorCompletion {
   uint64_t handle;       /* 0: all that are waiting to be accepted */

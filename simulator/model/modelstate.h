@@ -7,6 +7,7 @@
 #include "simulator/model/notificationlist.h"
 #include "simulator/model/pendinglist.h"
 #include "simulator/model/requestlog.h"
+#include "simulator/model/routelist.h"
 #include "simulator/model/scripts.h"
 #include "simulator/model/smbioshandover.h"
 
@@ -19,6 +20,7 @@ struct tModel {
   tScriptList scripts;
   tPendingList pending;
   tNotificationList notifications;
+  tRouter router;
   tRequestLog log;
 };
 

@@ -34,6 +34,7 @@ int run(int argumentCount, char** arguments) {
   addAttribute(app, action);
   addAnswer(app, action);
   addPending(app, action);
+  addRoutes(app, action);
   addLog(app, action);
   try {
     app.parse(argumentCount, arguments);

@@ -36,6 +36,7 @@ void addScenario(CLI::App& app, tAction& action);
 void addAttribute(CLI::App& app, tAction& action);
 void addAnswer(CLI::App& app, tAction& action);
 void addPending(CLI::App& app, tAction& action);
+void addRoutes(CLI::App& app, tAction& action);
 void addLog(CLI::App& app, tAction& action);
 
 // "controller" or "marten" on the command line.
