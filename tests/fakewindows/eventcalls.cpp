@@ -24,12 +24,16 @@ HANDLE WINAPI CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL
 DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
   const tInside inside;
   constexpr auto kCall = tCall::waitForSingleObject;
-  expectUsual(milliseconds == INFINITE, kCall, "only waiting without limit is supported");
-  if (const auto error = faultPlan().enter(kCall)) {
+  if (const auto error = faultPlan().enter(kCall, std::to_string(milliseconds))) {
     SetLastError(*error);
     return WAIT_FAILED;
   }
   std::unique_lock lock(objects().mutex);
+  if (const tProcess* const process = objects().find<tProcess>(handle)) {
+    // Time passes at once for a program.
+    return process->milliseconds <= milliseconds ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+  }
+  expectUsual(milliseconds == INFINITE, kCall, "an event is waited for without limit");
   for (;;) {
     tEvent* const event = objects().find<tEvent>(handle);
     expectUsual(event != nullptr, kCall, "not an event, or one that was closed");

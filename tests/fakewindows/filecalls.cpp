@@ -199,22 +199,40 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
   return TRUE;
 }
 
+namespace {
+
+// Of what CloseHandle closes; null: nothing of that. With the lock of the objects held.
+const char* kindOf(HANDLE handle) {
+  if (objects().find<tEvent>(handle) != nullptr) {
+    return "event";
+  }
+  if (objects().find<tFile>(handle) != nullptr) {
+    return "file";
+  }
+  if (objects().find<tProcess>(handle) != nullptr) {
+    return "process";
+  }
+  return objects().find<tProgramThread>(handle) != nullptr ? "thread" : nullptr;
+}
+
+}  // namespace
+
 BOOL WINAPI CloseHandle(HANDLE handle) {
   const tInside inside;
   constexpr auto kCall = tCall::closeHandle;
   std::optional<tModelFile> closed;
-  bool known = false;
+  const char* kind = nullptr;
   {
     const std::lock_guard lock(objects().mutex);
     if (tFile* const file = objects().find<tFile>(handle)) {
       expectUsual(file->pending.empty(), kCall, "a file with a request under way");
       closed = file->file;
     }
-    known = objects().find<tEvent>(handle) != nullptr || closed;
-    expectUsual(known, kCall, "neither an event nor a file, or closed already");
+    kind = kindOf(handle);
+    expectUsual(kind != nullptr, kCall, "nothing that can be closed, or closed already");
     static_cast<void>(objects().remove(handle));
   }
-  static_cast<void>(faultPlan().enter(kCall, closed ? "file" : "event"));
+  static_cast<void>(faultPlan().enter(kCall, kind));
   if (closed) {
     machine().close(*closed);
   }

@@ -25,7 +25,8 @@ std::vector<std::string> tObjects::open() {
   const std::lock_guard lock(mutex);
   std::vector<std::string> lines;
   for (const auto& [handle, object] : objects_) {
-    static constexpr const char* kKinds[] = {"event", "file", "device information set"};
+    static constexpr const char* kKinds[] = {"event", "file", "device information set", "process",
+                                             "thread"};
     lines.push_back(std::string(kKinds[object.index()]) + " " + std::to_string(handle));
   }
   return lines;

@@ -29,12 +29,16 @@ struct tFile {
 struct tDeviceInformationSet {
   std::vector<tDeviceInterface> interfaces;
 };
+struct tProcess {
+  DWORD milliseconds;  // how long it runs
+};
+struct tProgramThread {};
 
 // Everything that has a handle, under one lock. Handles are never used twice, so that one that is
 // used after its end is noticed.
 class tObjects {
  public:
-  using tObject = std::variant<tEvent, tFile, tDeviceInformationSet>;
+  using tObject = std::variant<tEvent, tFile, tDeviceInformationSet, tProcess, tProgramThread>;
 
   // Guards all members below, and what they give access to.
   std::mutex mutex;
