@@ -63,6 +63,10 @@ class tSimulatedMachine {
   void addScript(const tSimulatorScript& script);
   void clearScripts();
 
+  // The firmware payloads that came in on both interfaces, oldest first.
+  [[nodiscard]] std::vector<tSimulatorPayload> firmware();
+  void clearFirmware();
+
   // The log from a sequence number on, oldest entry first.
   [[nodiscard]] std::vector<tSimulatorLogEntry> log(uint64_t from = 1);
   void clearLog();

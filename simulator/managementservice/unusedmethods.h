@@ -95,7 +95,7 @@ class tUnusedServices : public IWbemServices {
 
  protected:
   tUnusedServices() = default;
-  virtual ~tUnusedServices() = default;
+  ~tUnusedServices() = default;
   // What a method answers that has no behaviour.
   [[nodiscard]] virtual HRESULT unused(const char* method) noexcept = 0;
 };
@@ -115,7 +115,7 @@ class tUnusedVolumes : public IEnumWbemClassObject {
 
  protected:
   tUnusedVolumes() = default;
-  virtual ~tUnusedVolumes() = default;
+  ~tUnusedVolumes() = default;
   // What a method answers that has no behaviour.
   [[nodiscard]] virtual HRESULT unused(const char* method) noexcept = 0;
 };
@@ -195,7 +195,7 @@ class tUnusedVolume : public IWbemClassObject {
 
  protected:
   tUnusedVolume() = default;
-  virtual ~tUnusedVolume() = default;
+  ~tUnusedVolume() = default;
   // What a method answers that has no behaviour.
   [[nodiscard]] virtual HRESULT unused(const char* method) noexcept = 0;
 };

@@ -52,6 +52,7 @@ void resetMachine(tModel* model) {
   makeDefaultMachine(model);
   scriptsClear(&model->scripts);
   logClear(&model->log);
+  firmwareClear(&model->firmware);
 }
 
 static tModelReply reset(tModel* model, const tModelRequest* request) {
@@ -181,6 +182,26 @@ static tModelReply clearLog(tModel* model, const tModelRequest* request) {
   return done();
 }
 
+static tModelReply readFirmware(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  const uint32_t size = firmwareKept(&model->firmware) * (uint32_t)sizeof(tSimulatorPayload);
+  if (request->outputSize < size) {
+    return failed(kWindowsErrorInsufficientBuffer);
+  }
+  firmwareCopy(&model->firmware, firmwareKept(&model->firmware), request->output);
+  return (tModelReply){kWindowsErrorNone, size};
+}
+
+static tModelReply clearFirmware(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  firmwareClear(&model->firmware);
+  return done();
+}
+
 typedef struct tControlRequest {
   uint32_t code;
   tModelReply (*carryOut)(tModel* model, const tModelRequest* request);
@@ -201,6 +222,8 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_CLEAR_LOG, clearLog},
     {SIMULATOR_ALLOW_WRITES, allowWrites},
     {SIMULATOR_REFUSE_WRITES, refuseWrites},
+    {SIMULATOR_READ_FIRMWARE, readFirmware},
+    {SIMULATOR_CLEAR_FIRMWARE, clearFirmware},
 };
 
 tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {

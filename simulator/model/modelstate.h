@@ -3,12 +3,13 @@
 #define SIMULATOR_MODEL_MODELSTATE_H
 
 #include "simulator/model/attributes.h"
+#include "simulator/model/firmware.h"
 #include "simulator/model/model.h"
 #include "simulator/model/requestlog.h"
 #include "simulator/model/scripts.h"
 #include "simulator/model/smbioshandover.h"
 
-/* About 250 KB: too large for a stack. Needs no clearing before modelInitialise. */
+/* About 320 KB: too large for a stack. Needs no clearing before modelInitialise. */
 struct tModel {
   tModelHost host;
   tSimulatorPresence presence;
@@ -16,6 +17,7 @@ struct tModel {
   tAttributeStore attributes;
   tScriptList scripts;
   tRequestLog log;
+  tFirmwareSink firmware;
 };
 
 #endif

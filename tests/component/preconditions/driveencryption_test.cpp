@@ -15,7 +15,6 @@ namespace {
 using nFakeWindows::com;
 using nFakeWindows::faultPlan;
 using nFakeWindows::tCall;
-using nSimulator::tVolume;
 
 constexpr int32_t kUpdateEnvironment = -26937;
 constexpr auto kRefused = static_cast<uint32_t>(E_ACCESSDENIED);
