@@ -34,6 +34,9 @@ int run(int argumentCount, char** arguments) {
   addAttribute(app, action);
   addAnswer(app, action);
   addLog(app, action);
+  addFirmware(app, action);
+  addEncryption(app, action);
+  addDriverStore(app, action);
   try {
     app.parse(argumentCount, arguments);
   } catch (const CLI::ParseError& error) {

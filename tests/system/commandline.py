@@ -19,9 +19,14 @@ TIME_LIMIT_SECONDS = 60
 
 
 def start(program, words):
+    """Runs a program that the environment names."""
+    return start_program(os.environ[program], *words)
+
+
+def start_program(path, *words):
     runner = shlex.split(os.environ.get("QUENRA_RUNNER", ""))
     return subprocess.run(
-        runner + [os.environ[program], *words],
+        runner + [path, *words],
         stdin=subprocess.DEVNULL,
         capture_output=True,
         timeout=TIME_LIMIT_SECONDS,

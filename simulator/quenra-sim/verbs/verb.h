@@ -36,6 +36,9 @@ void addScenario(CLI::App& app, tAction& action);
 void addAttribute(CLI::App& app, tAction& action);
 void addAnswer(CLI::App& app, tAction& action);
 void addLog(CLI::App& app, tAction& action);
+void addFirmware(CLI::App& app, tAction& action);
+void addEncryption(CLI::App& app, tAction& action);
+void addDriverStore(CLI::App& app, tAction& action);
 
 // "controller" or "marten" on the command line.
 [[nodiscard]] CLI::CheckedTransformer interfaceNames();
