@@ -148,6 +148,7 @@ void tCom::objectMade(const char* name) noexcept {
 }
 
 void tCom::objectGone(const char* name) noexcept {
+  const tInside inside;
   const std::lock_guard lock(mutex_);
   objects_.erase(objects_.find(name));
 }
