@@ -10,10 +10,8 @@ namespace nTests {
 namespace {
 
 using nFakeWindows::com;
-using nFakeWindows::faultPlan;
 using nFakeWindows::programs;
 using nFakeWindows::tAllocationPlan;
-using nFakeWindows::tCall;
 
 class ShortMemory : public nFakeWindows::FakeWindowsTest {};
 
