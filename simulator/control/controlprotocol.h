@@ -14,7 +14,7 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 #define SIMULATOR_CONTROL_CODE(function) PROTOCOL_REQUEST_CODE(0x80A0, 0, function)
 
 /* No input, no output. Back to the default machine: table, text, attributes, presence; no scripted
- * answers; empty log, counting from 1 again. */
+ * answers; no firmware received; empty log, counting from 1 again. */
 #define SIMULATOR_RESET SIMULATOR_CONTROL_CODE(0x900)
 /* In: tSimulatorPresence. Which device interfaces are present from now on. */
 #define SIMULATOR_SET_PRESENCE SIMULATOR_CONTROL_CODE(0x901)
@@ -47,6 +47,11 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
  * not writable. */
 #define SIMULATOR_ALLOW_WRITES SIMULATOR_CONTROL_CODE(0x90C)
 #define SIMULATOR_REFUSE_WRITES SIMULATOR_CONTROL_CODE(0x90D)
+/* Out: the latest SIMULATOR_PAYLOAD_CAPACITY firmware payloads of both interfaces as tSimulatorPayload,
+ * oldest first. */
+#define SIMULATOR_READ_FIRMWARE SIMULATOR_CONTROL_CODE(0x950)
+/* No input, no output. The next payload of each interface is its first again. */
+#define SIMULATOR_CLEAR_FIRMWARE SIMULATOR_CONTROL_CODE(0x951)
 
 /* In: tSimulatorAcceptance. How pending requests are accepted from now on. Those that are waiting
  * stay. */
@@ -81,7 +86,10 @@ enum {
   SIMULATOR_ROUTE_CAPACITY = 256,
   SIMULATOR_TOPOGRAPHY_NAME_CAPACITY = 256,
   SIMULATOR_INPUT_CAPACITY = 64,
-  SIMULATOR_OUTPUT_CAPACITY = 48
+  SIMULATOR_OUTPUT_CAPACITY = 48,
+  SIMULATOR_PAYLOAD_CAPACITY = 64,
+  SIMULATOR_PAYLOAD_START = 64,
+  SIMULATOR_HASH_SIZE = 32
 };
 
 /* The code with which the simulated driver refuses an attribute that it does not have. */
@@ -118,6 +126,18 @@ typedef struct tSimulatorAttribute {
   uint8_t value[SIMULATOR_VALUE_CAPACITY]; /* a text holds its NUL itself */
 } tSimulatorAttribute;
 PROTOCOL_SIZE(tSimulatorAttribute, 268);
+
+/* A firmware payload that an interface has received whole. */
+typedef struct tSimulatorPayload {
+  uint64_t process;       /* the caller's process id */
+  uint32_t interfaceKind; /* tSimulatorInterface: controller or Marten */
+  uint32_t number;        /* 1, 2, 3, ... on its interface */
+  uint32_t size;          /* in bytes */
+  int32_t callerStatus;   /* what the caller's status held */
+  uint8_t sha256[SIMULATOR_HASH_SIZE];
+  uint8_t start[SIMULATOR_PAYLOAD_START]; /* its first bytes, then zeros */
+} tSimulatorPayload;
+PROTOCOL_SIZE(tSimulatorPayload, 120);
 
 typedef enum tSimulatorAction {
   /* The request is not carried out; the reply is zeros but for `driverStatus`. */

@@ -210,6 +210,18 @@ void tSimulatedMachine::notify(const tSimulatorNotice& notice) {
   command(SIMULATOR_NOTIFY, bytesOf(notice));
 }
 
+std::vector<tSimulatorPayload> tSimulatedMachine::firmware() {
+  std::vector<tSimulatorPayload> payloads(SIMULATOR_PAYLOAD_CAPACITY);
+  const uint32_t bytes =
+      request(SIMULATOR_READ_FIRMWARE, {}, writableBytesOf(payloads.data(), payloads.size()));
+  payloads.resize(bytes / sizeof(tSimulatorPayload));
+  return payloads;
+}
+
+void tSimulatedMachine::clearFirmware() {
+  command(SIMULATOR_CLEAR_FIRMWARE);
+}
+
 std::vector<tSimulatorLogEntry> tSimulatedMachine::log(uint64_t from) {
   std::vector<tSimulatorLogEntry> entries(SIMULATOR_LOG_CAPACITY);
   const uint32_t bytes =

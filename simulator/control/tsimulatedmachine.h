@@ -84,6 +84,10 @@ class tSimulatedMachine {
   // Tells everybody who is registered for one of the notice's events; throws when nobody is.
   void notify(const tSimulatorNotice& notice);
 
+  // The firmware payloads that came in on both interfaces, oldest first.
+  [[nodiscard]] std::vector<tSimulatorPayload> firmware();
+  void clearFirmware();
+
   // The log from a sequence number on, oldest entry first.
   [[nodiscard]] std::vector<tSimulatorLogEntry> log(uint64_t from = 1);
   void clearLog();

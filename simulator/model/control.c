@@ -59,6 +59,7 @@ void resetMachine(tModel* model) {
   routerClear(&model->router);
   pendingClear(&model->pending);
   logClear(&model->log);
+  firmwareClear(&model->firmware);
 }
 
 static tModelReply reset(tModel* model, const tModelRequest* request) {
@@ -297,6 +298,26 @@ static tModelReply setTopographyName(tModel* model, const tModelRequest* request
   return done();
 }
 
+static tModelReply readFirmware(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  const uint32_t size = firmwareKept(&model->firmware) * (uint32_t)sizeof(tSimulatorPayload);
+  if (request->outputSize < size) {
+    return failed(kWindowsErrorInsufficientBuffer);
+  }
+  firmwareCopy(&model->firmware, firmwareKept(&model->firmware), request->output);
+  return (tModelReply){kWindowsErrorNone, size};
+}
+
+static tModelReply clearFirmware(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  firmwareClear(&model->firmware);
+  return done();
+}
+
 typedef struct tControlRequest {
   uint32_t code;
   tModelReply (*carryOut)(tModel* model, const tModelRequest* request);
@@ -326,6 +347,8 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_READ_ROUTES, readRoutes},
     {SIMULATOR_SET_PATH_LENGTH, setPathLength},
     {SIMULATOR_SET_TOPOGRAPHY_NAME, setTopographyName},
+    {SIMULATOR_READ_FIRMWARE, readFirmware},
+    {SIMULATOR_CLEAR_FIRMWARE, clearFirmware},
 };
 
 tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {

@@ -3,6 +3,7 @@
 #define SIMULATOR_MODEL_MODELSTATE_H
 
 #include "simulator/model/attributes.h"
+#include "simulator/model/firmware.h"
 #include "simulator/model/model.h"
 #include "simulator/model/notificationlist.h"
 #include "simulator/model/pendinglist.h"
@@ -11,7 +12,7 @@
 #include "simulator/model/scripts.h"
 #include "simulator/model/smbioshandover.h"
 
-/* About 250 KB: too large for a stack. Needs no clearing before modelInitialise. */
+/* About 320 KB: too large for a stack. Needs no clearing before modelInitialise. */
 struct tModel {
   tModelHost host;
   tSimulatorPresence presence;
@@ -22,6 +23,7 @@ struct tModel {
   tNotificationList notifications;
   tRouter router;
   tRequestLog log;
+  tFirmwareSink firmware;
 };
 
 #endif

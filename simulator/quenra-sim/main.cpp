@@ -36,6 +36,9 @@ int run(int argumentCount, char** arguments) {
   addPending(app, action);
   addRoutes(app, action);
   addLog(app, action);
+  addFirmware(app, action);
+  addEncryption(app, action);
+  addDriverStore(app, action);
   try {
     app.parse(argumentCount, arguments);
   } catch (const CLI::ParseError& error) {

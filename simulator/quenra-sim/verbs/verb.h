@@ -38,6 +38,9 @@ void addAnswer(CLI::App& app, tAction& action);
 void addPending(CLI::App& app, tAction& action);
 void addRoutes(CLI::App& app, tAction& action);
 void addLog(CLI::App& app, tAction& action);
+void addFirmware(CLI::App& app, tAction& action);
+void addEncryption(CLI::App& app, tAction& action);
+void addDriverStore(CLI::App& app, tAction& action);
 
 // "controller" or "marten" on the command line.
 [[nodiscard]] CLI::CheckedTransformer interfaceNames();
