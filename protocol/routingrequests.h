@@ -41,6 +41,9 @@ PROTOCOL_ASSERT(REQUEST_CALCULATE_RESET_TERMINAL == 0x8080202Cu);
 #define DRIVER_STATUS_ROUTE_CONFLICT (-89137)
 #define DRIVER_STATUS_PATH_TOO_LONG (-52019)
 
+/* The event that a route was demoted, in the mask of a notification. */
+#define ROUTING_NOTIFICATION_DEMOTED 0x80000000u
+
 /* The name of a driver's topography has at most so many bytes; one that fills them has no NUL. */
 #define ROUTING_TOPOGRAPHY_NAME_SIZE 128
 
