@@ -1,7 +1,6 @@
 // The routing exports as a client calls them.
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -9,25 +8,8 @@
 #include "tests/component/protons/status/descriptiontext.h"
 #include "tests/component/routingadaptorinterface/clientrecord.h"
 #include "tests/component/routingadaptorinterface/routingheader.h"
+#include "tests/component/routingadaptorinterface/scripteddevice.h"
 #include "tests/component/zoarkra/tanswer.h"
-#include "tests/component/zoarkra/tscriptedroutingdevice.h"
-
-namespace nTests {
-namespace {
-
-// What the next session opens.
-tRoutingDeviceScript* deviceScript = nullptr;
-
-}  // namespace
-}  // namespace nTests
-
-namespace zoark {
-
-std::unique_ptr<iRoutingDevice> makeRoutingDevice() {
-  return std::make_unique<nTests::tScriptedRoutingDevice>(*nTests::deviceScript);
-}
-
-}  // namespace zoark
 
 namespace nTests {
 namespace {
@@ -45,7 +27,7 @@ constexpr const char* kNoHandle =
 class RoutingExports : public testing::Test {
  protected:
   RoutingExports() {
-    deviceScript = &script_;
+    useDevice(script_);
     session_ = zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status_);
     script_.router.calls.clear();
   }

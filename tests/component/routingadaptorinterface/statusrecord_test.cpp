@@ -84,7 +84,7 @@ TEST_P(ClientStatus, WithoutAReallocationFunction_CanBeReleased) {
 INSTANTIATE_TEST_SUITE_P(In, ClientStatus,
                          testing::Values(tLanguage{"C", &kStatusFunctionsOfC},
                                          tLanguage{"Cpp", &kStatusFunctionsOfCpp}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& language) { return std::string(language.param.name); });
 
 }  // namespace
 }  // namespace nTests

@@ -50,6 +50,12 @@ class tScriptedRouter final : public nQUENRA1400::nZOAPAL000::iInterfaceProxy_ro
   }
   uint32_t read(void*, uint32_t, tStatus&) noexcept override { return 0; }
   uint32_t write(const void*, uint32_t, tStatus&) noexcept override { return 0; }
+  uint64_t beginPendingRequest(uint16_t, uint64_t, uint8_t,
+                               nQUENRA1400::nZOAPAL000::tPendingRequest&,
+                               tStatus&) noexcept override {
+    return 0;
+  }
+  void endPendingRequest(nQUENRA1400::nZOAPAL000::tPendingRequest&) noexcept override {}
 
   void method0(uint32_t& result, tStatus& status) noexcept override;
   uint32_t calculateRoute(uint64_t modifiers, uint64_t seeds, uint32_t seedCount,

@@ -1,0 +1,108 @@
+// The program of docs/routing.md, compiled as it stands there, on a scripted device.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "tests/component/routingadaptorinterface/scripteddevice.h"
+
+extern "C" int routingExample(int argc, char** argv);
+
+namespace nTests {
+namespace {
+
+using tStrings = std::vector<std::string>;
+
+#ifdef _WIN32
+constexpr const char* kNothingToRead = "NUL";
+#else
+constexpr const char* kNothingToRead = "/dev/null";
+#endif
+
+// What the program prints, and its exit code. It waits for a key, of which there is none.
+struct tRun {
+  int exitCode;
+  std::string output;
+};
+
+tRun run(tStrings words) {
+  std::vector<char*> arguments;
+  for (std::string& word : words) {
+    arguments.push_back(word.data());
+  }
+  EXPECT_NE(std::freopen(kNothingToRead, "r", stdin), nullptr);
+  testing::internal::CaptureStdout();
+  const int exitCode = routingExample(static_cast<int>(arguments.size()), arguments.data());
+  return {exitCode, testing::internal::GetCapturedStdout()};
+}
+
+class RoutingExample : public testing::Test {
+ protected:
+  RoutingExample() { useDevice(script_); }
+
+  tRun connect() { return run({"routing", "device", "TRIG_SMB", "PXI_Trig0"}); }
+  // The requests behind the one for the topography.
+  [[nodiscard]] tStrings calls() const {
+    return {script_.router.calls.begin() + 1, script_.router.calls.end()};
+  }
+
+  tRoutingDeviceScript script_;
+};
+
+constexpr const char* kTerminals =
+    "terminal FLOAT\nterminal TRIG_SMB\nterminal WD_Terminal\nterminal PXI_Trig0\n"
+    "terminal PXI_Trig1\nterminal PXI_Trig2\nterminal PXI_Trig3\nterminal PXI_Trig4\n"
+    "terminal PXI_Trig5\nterminal PXI_Trig6\nterminal PXI_Trig7\n";
+constexpr const char* kCalculation =
+    "calculateRoute([2/0/0] -> [4], required 0, optional 0, options 0, room 2)";
+
+TEST_F(RoutingExample, Route_IsConnectedAndTakenDown) {
+  script_.router.routes = {{7, 4, 1, 0, 0, {}}};
+  script_.router.path = {2, 4};
+  const tRun result = connect();
+  EXPECT_EQ(result.output, std::string(kTerminals) + "connected: [\"TRIG_SMB\",\"PXI_Trig0\"]\n");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, room 8)", "programRoute(7)",
+                               "getRouteTerminalPath(7, room 32)", "unprogramRoute(7)",
+                               "unreserveRoute(7)", "destroyRoute(7)"}));
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
+}
+
+TEST_F(RoutingExample, RouteThatIsNotThere_IsTold) {
+  const tRun result = connect();
+  EXPECT_EQ(result.output, std::string(kTerminals) + "there is no such route\n");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(calls(), tStrings{kCalculation});
+}
+
+TEST_F(RoutingExample, Conflict_IsToldAndTheRouteTakenDown) {
+  script_.router.routes = {{7, 4, 1, 0, 0, {}}};
+  script_.router.conflicts = {{3, 4, 0}};
+  script_.router.codes = {0, 0, -89137};
+  const tRun result = connect();
+  EXPECT_EQ(result.output,
+            std::string(kTerminals) +
+                "in the way: [{\"sessionId\":3,\"ticket\":4}]\n"
+                "failed: -89137 {\"file\":\"router\",\"line\":9,\"component\":\"driver\"}\n");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, room 8)", "unprogramRoute(7)",
+                               "unreserveRoute(7)", "destroyRoute(7)"}));
+}
+
+TEST_F(RoutingExample, DeviceThatIsNotThere_IsTold) {
+  script_.openCode = -52006;
+  const tRun result = connect();
+  EXPECT_EQ(result.output,
+            "failed: -52006 {\"file\":\"device\",\"line\":1,\"component\":\"driver\"}\n");
+  EXPECT_EQ(result.exitCode, 1);
+}
+
+TEST_F(RoutingExample, WithoutArguments_TellsItsUsage) {
+  const tRun result = run({"routing"});
+  EXPECT_EQ(result.output, "usage: routing DEVICE FROM TO\n");
+  EXPECT_EQ(result.exitCode, 1);
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,25 @@
+#!/usr/bin/env python3
+"""Writes the C program of a Markdown page to a file.
+
+Usage: extractexample.py PAGE FILE
+
+The page has exactly one block of C.
+"""
+
+import pathlib
+import re
+import sys
+
+
+def main():
+    page, file = map(pathlib.Path, sys.argv[1:])
+    blocks = re.findall(r"^```c\n(.*?)^```$", page.read_text(), re.MULTILINE | re.DOTALL)
+    if len(blocks) != 1:
+        print(f"{page}: {len(blocks)} blocks of C, not one")
+        return 1
+    file.write_text(blocks[0])
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,25 @@
+#include "tests/component/routingadaptorinterface/scripteddevice.h"
+
+#include <memory>
+
+namespace nTests {
+namespace {
+
+tRoutingDeviceScript* current = nullptr;
+
+}  // namespace
+
+void useDevice(tRoutingDeviceScript& script) noexcept {
+  current = &script;
+}
+
+}  // namespace nTests
+
+namespace zoark {
+
+// Linked in the place of the system's.
+std::unique_ptr<iRoutingDevice> makeRoutingDevice() {
+  return std::make_unique<nTests::tScriptedRoutingDevice>(*nTests::current);
+}
+
+}  // namespace zoark

@@ -1,0 +1,100 @@
+// Every Windows call and every allocation of a device's beginning, failed in turn. Native only.
+#include "tests/component/zoarkra/routingdevicetest.h"
+#include "tests/fakewindows/allocationplan.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::faultPlan;
+using nFakeWindows::tAllocationPlan;
+using nFakeWindows::tCall;
+using nFakeWindows::tCallRecord;
+
+constexpr uint32_t kAccessDenied = 5;
+
+struct tPlace {
+  int32_t code;
+  std::string file;
+  uint32_t line;
+  bool operator==(const tPlace&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const tPlace& place) {
+  return out << place.code << " " << place.file << " " << place.line;
+}
+
+// What is told when the nth call of a function fails.
+tPlace placeOf(tCall call, unsigned nth) {
+  const bool first = nth == 1;
+  switch (call) {
+    case tCall::createFile:
+      return {-52009, "tdeviceinterfaceproxy", 43};
+    case tCall::createEvent:
+      return {-52009, "tdeviceinterfaceproxy", 51};
+    case tCall::createIoCompletionPort:
+      return first ? tPlace{-52009, "tionotification", 31}
+                   : tPlace{-52009, "tdeviceinterfaceproxy", 315};
+    case tCall::beginThread:
+      return {-52008, "thread", 471};
+    case tCall::deviceIoControl:
+      return first ? tPlace{-52009, "tdeviceinterfaceproxy", 333}
+                   : tPlace{-52009, "tionotification", 134};
+    default:
+      // Nothing follows from a failed wait or a failed clean-up.
+      return {0, "", 0};
+  }
+}
+
+class DeviceFailures : public RoutingDeviceTest {
+ protected:
+  tPlace begin() {
+    status = {};
+    device = std::make_unique<zoark::tRoutingDevice>();
+    openAndStart();
+    return {status.code, status.file, status.line};
+  }
+};
+
+TEST_F(DeviceFailures, OfEachCall_HaveTheirPlaceAndLeaveNothing) {
+  for (const tCall call : {tCall::createFile, tCall::createEvent, tCall::createIoCompletionPort,
+                           tCall::beginThread, tCall::deviceIoControl}) {
+    for (unsigned nth = 1; nth <= 2; ++nth) {
+      faultPlan().reset();
+      begin();
+      if (faultPlan().callCount(call) < nth) {
+        continue;
+      }
+      device.reset();
+      faultPlan().reset();
+      faultPlan().failCall(call, nth, kAccessDenied);
+      SCOPED_TRACE(std::string(nFakeWindows::nameOf(call)) + ", call " + std::to_string(nth));
+      EXPECT_EQ(begin(), placeOf(call, nth));
+      device.reset();
+      faultPlan().reset();
+      EXPECT_EQ(begin(), (tPlace{0, "", 0})) << "the next one works";
+      notify(machine());
+      EXPECT_TRUE(becomesTrue([this] { return listener.count > 0; }));
+      device.reset();
+      listener.count = 0;
+    }
+  }
+}
+
+TEST_F(DeviceFailures, OfEachAllocation_LeaveNothing) {
+  for (unsigned nth = 1;; ++nth) {
+    const tAllocationPlan plan(nth);
+    try {
+      begin();
+      EXPECT_TRUE(status.code == 0 || status.code == -52000) << status.code;
+    } catch (const std::bad_alloc&) {
+    }
+    device.reset();
+    if (plan.count() < nth) {
+      EXPECT_EQ(status.code, 0);
+      break;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace nTests

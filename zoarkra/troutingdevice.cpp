@@ -1,0 +1,42 @@
+#include "zoarkra/troutingdevice.h"
+
+#include <utility>
+
+#include "protocol/routingrequests.h"
+#include "zoapal/protons/io_notification/windowsu/completionport.h"
+
+namespace zoark {
+
+using nQUENRA1400::nZOAPAL000::createCompletionPort;
+using nQUENRA1400::nZOAPAL000::tThreadedIONotificationReader;
+using nZOAPALS100::tStatus;
+
+tRoutingDevice::~tRoutingDevice() {
+  tRoutingDevice::stopNotifications();
+}
+
+void tRoutingDevice::open(const char* name, tStatus& status) noexcept {
+  device_.open(name, status);
+}
+
+void tRoutingDevice::startNotifications(iDemotionListener& listener, tStatus& status) {
+  auto port = createCompletionPort(status);
+  if (status.isError()) {
+    return;
+  }
+  reader_ = std::make_unique<tThreadedIONotificationReader>(std::move(port));
+  notification_.setListener(&listener);
+  reader_->start(&tDemotionNotification::takeNotice, status);
+  notification_.enable(*reader_, device_, ROUTING_NOTIFICATION_DEMOTED, status);
+}
+
+void tRoutingDevice::stopNotifications() noexcept {
+  notification_.disable();
+  reader_.reset();
+}
+
+std::unique_ptr<iRoutingDevice> makeRoutingDevice() {
+  return std::make_unique<tRoutingDevice>();
+}
+
+}  // namespace zoark

@@ -1,0 +1,36 @@
+#ifndef ZOARKRA_TROUTINGDEVICE_H
+#define ZOARKRA_TROUTINGDEVICE_H
+
+#include <memory>
+
+#include "codegen/apalcodegen/tinterfaceproxy_routing.h"
+#include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
+#include "zoapal/protons/io_notification/windowsu/tthreadedionotificationreader.h"
+#include "zoarkra/iroutingdevice.h"
+#include "zoarkra/tdemotionnotification.h"
+
+namespace zoark {
+
+// The device of the system's driver.
+class tRoutingDevice final : public iRoutingDevice {
+ public:
+  ~tRoutingDevice() override;
+
+  void open(const char* name, nZOAPALS100::tStatus& status) noexcept override;
+  void startNotifications(iDemotionListener& listener, nZOAPALS100::tStatus& status) override;
+  void stopNotifications() noexcept override;
+  [[nodiscard]] nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept override {
+    return routing_;
+  }
+
+ private:
+  // What begins first ends last: nothing is closed before nobody reads from it any more.
+  nQUENRA1400::nZOAPAL000::tDeviceInterfaceProxy device_;
+  nQUENRA1400::nZOAPAL000::tInterfaceProxy_routing routing_{device_};
+  tDemotionNotification notification_;
+  std::unique_ptr<nQUENRA1400::nZOAPAL000::tThreadedIONotificationReader> reader_;
+};
+
+}  // namespace zoark
+
+#endif
