@@ -336,7 +336,8 @@ TEST_F(Parser, NumberWithoutLineEnd_FailsAtLine351) {
     EXPECT_EQ(parse("HeaderVersion::1\r\n" + header + "ByteCount::0\r\nCRC::0" + std::string(end)),
               (tFailure{-26933, 351}));
   }
-  EXPECT_EQ(parse("HeaderVersion::1\0\r\n" + header), (tFailure{-26933, 351}));
+  EXPECT_EQ(parse(std::string("HeaderVersion::1") + '\0' + "\r\n" + header),
+            (tFailure{-26933, 351}));
 }
 
 TEST_F(Parser, MissingText_FailsAtLine409) {
