@@ -14,7 +14,10 @@ constexpr size_t kBlock = 32;       // characters translated at a time
 constexpr size_t kGroup = 128;      // sextets packed at a time...
 constexpr size_t kGroupBytes = 96;  // ...to so many bytes, three registers
 constexpr size_t kRound = 2048;     // characters translated before their sextets are packed
-constexpr size_t kPrefetch = 4096;  // bytes ahead
+constexpr size_t kPrefetch = 4096;  // bytes of text ahead
+// Bytes of data ahead. Lines that are to be written have to be fetched too, and the processor does not
+// see in time that they will be.
+constexpr size_t kPrefetchData = 2048;
 
 // ---- Characters to sextets ----
 
@@ -228,6 +231,8 @@ void packGroups(const uint8_t* sextets, size_t groups, uint8_t* out, tFolded& fo
     const __m256i lanes03 = gather(four0, four1, kLanes[0]);
     const __m256i lanes14 = gather(four1, four2, kLanes[1]);
     const __m256i lanes25 = gather(four2, four3, kLanes[2]);
+    _mm_prefetch(reinterpret_cast<const char*>(out) + kPrefetchData, _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char*>(out) + kPrefetchData + 64, _MM_HINT_T0);
     store128(out, lowerLane(lanes03));
     store128(out + 16, lowerLane(lanes14));
     store128(out + 32, lowerLane(lanes25));

@@ -13,7 +13,10 @@ constexpr size_t kRegister = 64;
 constexpr size_t kGroup = 4 * kRegister;       // sextets packed at a time...
 constexpr size_t kGroupBytes = 3 * kRegister;  // ...to so many bytes
 constexpr size_t kRound = 2048;                // characters translated before they are packed
-constexpr size_t kPrefetch = 4096;             // bytes ahead
+constexpr size_t kPrefetch = 4096;             // bytes of text ahead
+// Bytes of data ahead. Lines that are to be written have to be fetched too, and the processor does not
+// see in time that they will be.
+constexpr size_t kPrefetchData = 2048;
 
 struct alignas(kRegister) tBytes {
   uint8_t at[kRegister];
@@ -151,6 +154,9 @@ void packGroups(const uint8_t* sextets, size_t groups, uint8_t* out, tFolded& fo
     const __m512i first = _mm512_permutex2var_epi8(numbers0, load(&kPlaces[0]), numbers1);
     const __m512i second = _mm512_permutex2var_epi8(numbers1, load(&kPlaces[1]), numbers2);
     const __m512i third = _mm512_permutex2var_epi8(numbers2, load(&kPlaces[2]), numbers3);
+    for (size_t line = 0; line < kGroupBytes; line += kRegister) {
+      _mm_prefetch(reinterpret_cast<const char*>(out) + kPrefetchData + line, _MM_HINT_T0);
+    }
     store(out, first);
     store(out + kRegister, second);
     store(out + 2 * kRegister, third);
