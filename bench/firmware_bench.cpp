@@ -23,7 +23,6 @@ namespace {
 
 using nBench::tDecoder;
 using nBench::tGoal;
-using nBench::tRow;
 using nBench::tTable;
 using nQUENRA1400::nFirmwareDecoding::tKernels;
 

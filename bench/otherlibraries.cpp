@@ -22,7 +22,7 @@ size_t decode(const uint8_t* text, size_t length, uint8_t* data) {
       EVP_DecodeFinal(context.get(), data + count, &rest) < 0) {
     std::abort();
   }
-  return static_cast<size_t>(count + rest);
+  return static_cast<size_t>(count) + static_cast<size_t>(rest);
 }
 
 uint32_t decodeAndSum(const uint8_t* text, size_t length, uint8_t* data) {
