@@ -50,9 +50,13 @@ std::vector<const tKernels*> supportedKernels() {
   return supported;
 }
 
+// The goals are told for this size; a smaller payload may fit a cache, and reaches others.
+constexpr size_t kMebibytesOfGoals = 64;
+
 // What only the kernels that are used have to reach.
-std::optional<tGoal> goalOfBest(const tKernels* kernels, tGoal goal) {
-  return kernels == supportedKernels().front() ? std::optional(std::move(goal)) : std::nullopt;
+std::optional<tGoal> goalOfBest(const tKernels* kernels, size_t bytes, tGoal goal) {
+  const bool counts = bytes == kMebibytesOfGoals << 20 && kernels == supportedKernels().front();
+  return counts ? std::optional(std::move(goal)) : std::nullopt;
 }
 
 tDecoder decoderOf(const tKernels& kernels) {
@@ -116,13 +120,14 @@ void measureDecoding(const std::string& title, const tPayload& payload, const st
       fail(decoder.name + " decodes something else");
     }
     const auto goal = goals.find(decoder.name);
+    const bool counts = payload.data.size() == kMebibytesOfGoals << 20 && goal != goals.end();
     table.rows.push_back({decoder.name, [run] { seen = run(); },
-                          goal == goals.end() ? std::nullopt : std::optional(goal->second)});
+                          counts ? std::optional(goal->second) : std::nullopt});
   }
   nBench::measure(table, kRounds);
 }
 
-void measureSearch(const std::string& text) {
+void measureSearch(const tPayload& payload, const std::string& text) {
   const uint8_t* const begin = bytesOf(text);
   const uint8_t* const end = begin + text.size();
   tTable table{"Search for the next section, wrapped text", text.size(), {kReading, "strstr"}, {}};
@@ -133,7 +138,7 @@ void measureSearch(const std::string& text) {
     table.rows.push_back(
         {kernels->name,
          [begin, end, kernels] { seen = kernels->findColonOrNul(begin, end) == end ? 1 : 0; },
-         goalOfBest(kernels, {kReading, 0.5})});
+         goalOfBest(kernels, payload.data.size(), {kReading, 0.5})});
   }
   nBench::measure(table, kRounds);
 }
@@ -155,7 +160,7 @@ void measureParsing(const tPayload& payload, const std::string& image) {
       {kCopy, [&] { nBench::copyIntoFreshMemory(payload.data.data(), payload.data.size()); }, {}});
   for (const tKernels* kernels : supportedKernels()) {
     table.rows.push_back({kernels->name, [kernels, &image] { parse(*kernels, image); },
-                          goalOfBest(kernels, {kCopy, 1 / 1.3})});
+                          goalOfBest(kernels, payload.data.size(), {kCopy, 1 / 1.3})});
   }
   nBench::measure(table, kRounds);
 }
@@ -181,7 +186,7 @@ int main(int argc, char** argv) {
   measureDecoding(
       "Base64 and CRC, lines of 76 characters", payload, wrapped, true,
       {{"plain", {kBytewise, 4}}, {"AVX2", {kBytewise, 20}}, {"AVX-512", {kBytewise, 45}}});
-  measureSearch(wrapped);
+  measureSearch(payload, wrapped);
   measureParsing(payload, image);
   return 0;
 }
