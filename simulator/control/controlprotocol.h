@@ -14,7 +14,7 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 #define SIMULATOR_CONTROL_CODE(function) PROTOCOL_REQUEST_CODE(0x80A0, 0, function)
 
 /* No input, no output. Back to the default machine: table, text, attributes, presence; no scripted
- * answers; empty log, counting from 1 again. */
+ * answers; no firmware received; empty log, counting from 1 again. */
 #define SIMULATOR_RESET SIMULATOR_CONTROL_CODE(0x900)
 /* In: tSimulatorPresence. Which device interfaces are present from now on. */
 #define SIMULATOR_SET_PRESENCE SIMULATOR_CONTROL_CODE(0x901)
@@ -47,6 +47,11 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
  * not writable. */
 #define SIMULATOR_ALLOW_WRITES SIMULATOR_CONTROL_CODE(0x90C)
 #define SIMULATOR_REFUSE_WRITES SIMULATOR_CONTROL_CODE(0x90D)
+/* Out: the latest SIMULATOR_PAYLOAD_CAPACITY firmware payloads of both interfaces as tSimulatorPayload,
+ * oldest first. */
+#define SIMULATOR_READ_FIRMWARE SIMULATOR_CONTROL_CODE(0x950)
+/* No input, no output. The next payload of each interface is its first again. */
+#define SIMULATOR_CLEAR_FIRMWARE SIMULATOR_CONTROL_CODE(0x951)
 
 /* In: tSimulatorAcceptance. How pending requests are accepted from now on. Those that are waiting
  * stay. */
@@ -59,6 +64,15 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 #define SIMULATOR_COMPLETE_PENDING SIMULATOR_CONTROL_CODE(0x923)
 /* In: tSimulatorNotice. Tells everybody who is registered for one of its events. */
 #define SIMULATOR_NOTIFY SIMULATOR_CONTROL_CODE(0x924)
+/* In: u32, a ticket. Demotes a route that is reserved or programmed, and tells its session. */
+#define SIMULATOR_DEMOTE_ROUTE SIMULATOR_CONTROL_CODE(0x940)
+/* Out: as many tSimulatorRoute as there are and fit the output buffer, oldest first. */
+#define SIMULATOR_READ_ROUTES SIMULATOR_CONTROL_CODE(0x941)
+/* In: u32, how many terminals every path has; 0: as many as it has, which are two. */
+#define SIMULATOR_SET_PATH_LENGTH SIMULATOR_CONTROL_CODE(0x942)
+/* In: the name of the topography, 0 to SIMULATOR_TOPOGRAPHY_NAME_CAPACITY bytes; a NUL is sent only
+ * if it is among them. */
+#define SIMULATOR_SET_TOPOGRAPHY_NAME SIMULATOR_CONTROL_CODE(0x943)
 
 enum {
   SIMULATOR_TABLE_CAPACITY = 65536,
@@ -69,8 +83,13 @@ enum {
   SIMULATOR_LOG_CAPACITY = 1024,
   SIMULATOR_PENDING_CAPACITY = 64,
   SIMULATOR_NOTIFICATION_CAPACITY = 64,
+  SIMULATOR_ROUTE_CAPACITY = 256,
+  SIMULATOR_TOPOGRAPHY_NAME_CAPACITY = 256,
   SIMULATOR_INPUT_CAPACITY = 64,
-  SIMULATOR_OUTPUT_CAPACITY = 48
+  SIMULATOR_OUTPUT_CAPACITY = 48,
+  SIMULATOR_PAYLOAD_CAPACITY = 64,
+  SIMULATOR_PAYLOAD_START = 64,
+  SIMULATOR_HASH_SIZE = 32
 };
 
 /* The code with which the simulated driver refuses an attribute that it does not have. */
@@ -79,6 +98,12 @@ enum {
 #define SIMULATOR_STATUS_BAD_VALUE (-26935)
 /* ... and a buffer of the caller that cannot be read or written. */
 #define SIMULATOR_STATUS_BAD_ADDRESS (-52005)
+/* The simulated trigger router: a terminal id, or a ticket, that it does not know; a step of a route's
+ * life out of its order; more routes than it keeps. */
+#define SIMULATOR_STATUS_NO_SUCH_TERMINAL (-240601)
+#define SIMULATOR_STATUS_NO_SUCH_TICKET (-240602)
+#define SIMULATOR_STATUS_WRONG_ORDER (-240603)
+#define SIMULATOR_STATUS_TOO_MANY_ROUTES (-240604)
 
 typedef enum tSimulatorInterface {
   kSimulatorInterfaceController = 1,
@@ -101,6 +126,18 @@ typedef struct tSimulatorAttribute {
   uint8_t value[SIMULATOR_VALUE_CAPACITY]; /* a text holds its NUL itself */
 } tSimulatorAttribute;
 PROTOCOL_SIZE(tSimulatorAttribute, 268);
+
+/* A firmware payload that an interface has received whole. */
+typedef struct tSimulatorPayload {
+  uint64_t process;       /* the caller's process id */
+  uint32_t interfaceKind; /* tSimulatorInterface: controller or Marten */
+  uint32_t number;        /* 1, 2, 3, ... on its interface */
+  uint32_t size;          /* in bytes */
+  int32_t callerStatus;   /* what the caller's status held */
+  uint8_t sha256[SIMULATOR_HASH_SIZE];
+  uint8_t start[SIMULATOR_PAYLOAD_START]; /* its first bytes, then zeros */
+} tSimulatorPayload;
+PROTOCOL_SIZE(tSimulatorPayload, 120);
 
 typedef enum tSimulatorAction {
   /* The request is not carried out; the reply is zeros but for `driverStatus`. */
@@ -162,6 +199,24 @@ typedef struct tSimulatorNotice {
   uint8_t payload[NOTIFICATION_PAYLOAD_CAPACITY];
 } tSimulatorNotice;
 PROTOCOL_SIZE(tSimulatorNotice, 56);
+
+typedef enum tSimulatorRouteState {
+  kSimulatorRouteCalculated = 0,
+  kSimulatorRouteReserved = 1,
+  kSimulatorRouteProgrammed = 2
+} tSimulatorRouteState;
+
+typedef struct tSimulatorRoute {
+  uint64_t process; /* of the session that made it */
+  uint64_t session; /* its open file, as in the log */
+  uint32_t ticket;
+  uint32_t source;
+  uint32_t destination;
+  uint32_t state;   /* tSimulatorRouteState */
+  uint32_t inverts; /* 0 or 1 */
+  uint32_t padding;
+} tSimulatorRoute;
+PROTOCOL_SIZE(tSimulatorRoute, 40);
 
 typedef struct tSimulatorCompletion {
   uint64_t handle;       /* 0: all that are waiting to be accepted */

@@ -8,6 +8,7 @@
 
 #include "protocol/controllerrequests.h"
 #include "protocol/requestcodes.h"
+#include "protocol/routingrequests.h"
 
 namespace nSimulator {
 namespace {
@@ -29,36 +30,39 @@ struct tMember {
 struct tRequestLayout {
   uint32_t code;
   const char* name;
-  std::array<tMember, 5> request;  // unused ones have no name
+  std::array<tMember, 8> request;  // unused ones have no name
   std::array<tMember, 3> reply;
 };
 
-constexpr tMember kNone{nullptr, 0, 0, tFormat::number};
-constexpr tMember kStatusOnly{"status", 0, 4, tFormat::signedNumber};
+using tRequestMembers = std::array<tMember, 8>;
+using tReplyMembers = std::array<tMember, 3>;
 
-constexpr std::array<tMember, 5> kSendCommand = {{
-    {"payload", 0, 8, tFormat::hexadecimal},
-    {"size", 8, 4, tFormat::number},
-    {"caller", 12, 4, tFormat::signedNumber},
-    kNone,
-    kNone,
-}};
-constexpr std::array<tMember, 5> kAttribute = {{
-    {"attribute", 0, 4, tFormat::hexadecimal},
-    {"buffer", 8, 8, tFormat::hexadecimal},
-    {"size", 16, 4, tFormat::number},
-    {"caller", 20, 4, tFormat::signedNumber},
-    kNone,
-}};
+constexpr tRequestMembers kSendCommand = {{{"payload", 0, 8, tFormat::hexadecimal},
+                                           {"size", 8, 4, tFormat::number},
+                                           {"caller", 12, 4, tFormat::signedNumber}}};
+constexpr tRequestMembers kAttribute = {{{"attribute", 0, 4, tFormat::hexadecimal},
+                                         {"buffer", 8, 8, tFormat::hexadecimal},
+                                         {"size", 16, 4, tFormat::number},
+                                         {"caller", 20, 4, tFormat::signedNumber}}};
+constexpr tRequestMembers kTicket = {
+    {{"ticket", 0, 4, tFormat::number}, {"caller", 4, 4, tFormat::signedNumber}}};
+constexpr tRequestMembers kTicketList = {{{"ticket", 0, 4, tFormat::number},
+                                          {"buffer", 8, 8, tFormat::hexadecimal},
+                                          {"count", 16, 4, tFormat::number},
+                                          {"caller", 20, 4, tFormat::signedNumber}}};
+constexpr tReplyMembers kNoReply = {{}};
+constexpr tReplyMembers kStatusReply = {{{"status", 0, 4, tFormat::signedNumber}}};
+constexpr tReplyMembers kValueReply = {
+    {{"value", 0, 4, tFormat::number}, {"status", 4, 4, tFormat::signedNumber}}};
+constexpr tReplyMembers kCountReply = {
+    {{"count", 0, 4, tFormat::number}, {"status", 4, 4, tFormat::signedNumber}}};
 
+// clang-format off
 constexpr tRequestLayout kLayouts[] = {
-    {REQUEST_GET_ATTRIBUTE,
-     "get-attribute",
-     kAttribute,
-     {{{"size", 0, 4, tFormat::number}, {"status", 4, 4, tFormat::signedNumber}, kNone}}},
-    {REQUEST_SET_ATTRIBUTE, "set-attribute", kAttribute, {{kStatusOnly, kNone, kNone}}},
-    {REQUEST_EXCHANGE_VALUES,
-     "exchange-values",
+    {REQUEST_GET_ATTRIBUTE, "get-attribute", kAttribute,
+     {{{"size", 0, 4, tFormat::number}, {"status", 4, 4, tFormat::signedNumber}}}},
+    {REQUEST_SET_ATTRIBUTE, "set-attribute", kAttribute, kStatusReply},
+    {REQUEST_EXCHANGE_VALUES, "exchange-values",
      {{{"text", 0, 8, tFormat::hexadecimal},
        {"text-size", 8, 4, tFormat::number},
        {"table", 16, 8, tFormat::hexadecimal},
@@ -67,29 +71,64 @@ constexpr tRequestLayout kLayouts[] = {
      {{{"text-size", 0, 4, tFormat::number},
        {"table-size", 4, 4, tFormat::number},
        {"status", 8, 4, tFormat::signedNumber}}}},
-    {REQUEST_CONTROLLER_SEND_COMMAND, "send-command", kSendCommand, {{kStatusOnly, kNone, kNone}}},
-    {REQUEST_MARTEN_SEND_COMMAND, "send-command", kSendCommand, {{kStatusOnly, kNone, kNone}}},
-    {REQUEST_PENDING_NARROW,
-     "pending-request",
+    {REQUEST_CONTROLLER_SEND_COMMAND, "send-command", kSendCommand, kStatusReply},
+    {REQUEST_MARTEN_SEND_COMMAND, "send-command", kSendCommand, kStatusReply},
+
+    {REQUEST_PENDING_NARROW, "pending-request",
      {{{"handle", 0, 8, tFormat::hexadecimal},
        {"event", 8, 8, tFormat::hexadecimal},
        {"a", 20, 2, tFormat::number},
        {"b", 16, 4, tFormat::number},
-       {"c", 22, 1, tFormat::number}}},
-     {{kNone, kNone, kNone}}},
-    {REQUEST_PENDING_WIDE,
-     "pending-request-wide",
+       {"c", 22, 1, tFormat::number}}}, kNoReply},
+    {REQUEST_PENDING_WIDE, "pending-request-wide",
      {{{"handle", 0, 8, tFormat::hexadecimal},
        {"event", 8, 8, tFormat::hexadecimal},
        {"a", 24, 2, tFormat::number},
        {"b", 16, 8, tFormat::number},
-       {"c", 26, 1, tFormat::number}}},
-     {{kNone, kNone, kNone}}},
-    {REQUEST_END_PENDING,
-     "end-pending",
-     {{{"handle", 0, 8, tFormat::number}, kNone, kNone, kNone, kNone}},
-     {{kNone, kNone, kNone}}},
+       {"c", 26, 1, tFormat::number}}}, kNoReply},
+    {REQUEST_END_PENDING, "end-pending", {{{"handle", 0, 8, tFormat::number}}}, kNoReply},
+
+    {REQUEST_REGISTER_NOTIFICATION, "register-notification",
+     {{{"notification", 0, 8, tFormat::hexadecimal}, {"mask", 8, 4, tFormat::hexadecimal}}},
+     kNoReply},
+    {REQUEST_UNREGISTER_NOTIFICATION, "unregister-notification",
+     {{{"mask", 0, 4, tFormat::hexadecimal}}}, kNoReply},
+    {REQUEST_ARM_DELIVERY, "arm-delivery", {{}},
+     {{{"notification", 0, 8, tFormat::hexadecimal}, {"size", 8, 4, tFormat::number}}}},
+
+    {REQUEST_ROUTING_METHOD0, "method0", {{{"caller", 0, 4, tFormat::signedNumber}}}, kValueReply},
+    {REQUEST_CALCULATE_ROUTE, "calculate-route",
+     {{{"modifiers", 0, 8, tFormat::hexadecimal},
+       {"seeds", 8, 8, tFormat::hexadecimal},
+       {"seed-count", 16, 4, tFormat::number},
+       {"destinations", 24, 8, tFormat::hexadecimal},
+       {"destination-count", 32, 4, tFormat::number},
+       {"options", 36, 4, tFormat::hexadecimal},
+       {"room", 48, 4, tFormat::number},
+       {"caller", 52, 4, tFormat::signedNumber}}},
+     {{{"value", 0, 4, tFormat::number},
+       {"count", 4, 4, tFormat::number},
+       {"status", 8, 4, tFormat::signedNumber}}}},
+    {REQUEST_DESTROY_ROUTE, "destroy-route", kTicket, kStatusReply},
+    {REQUEST_RESERVE_ROUTE, "reserve-route", kTicketList, kCountReply},
+    {REQUEST_PROGRAM_ROUTE, "program-route", kTicket, kStatusReply},
+    {REQUEST_UNRESERVE_ROUTE, "unreserve-route", kTicket, kStatusReply},
+    {REQUEST_UNPROGRAM_ROUTE, "unprogram-route", kTicket, kStatusReply},
+    {REQUEST_GET_ROUTE_TERMINAL_PATH, "get-route-terminal-path", kTicketList, kCountReply},
+    {REQUEST_GET_TOPOGRAPHY_NAME, "get-topography-name",
+     {{{"buffer", 0, 8, tFormat::hexadecimal},
+       {"size", 8, 4, tFormat::number},
+       {"caller", 12, 4, tFormat::signedNumber}}}, kStatusReply},
+    {REQUEST_RESET_TERMINAL, "reset-terminal",
+     {{{"terminal", 0, 4, tFormat::number},
+       {"floating", 4, 4, tFormat::number},
+       {"caller", 8, 4, tFormat::signedNumber}}}, kStatusReply},
+    {REQUEST_CALCULATE_RESET_TERMINAL, "calculate-reset-terminal",
+     {{{"terminal", 8, 4, tFormat::number},
+       {"floating", 12, 4, tFormat::number},
+       {"caller", 16, 4, tFormat::signedNumber}}}, kValueReply},
 };
+// clang-format on
 
 const tRequestLayout* layoutOf(uint32_t code) {
   const auto* found =

@@ -185,8 +185,41 @@ void tSimulatedMachine::completePending(uint64_t handle, uint32_t windowsError) 
   command(SIMULATOR_COMPLETE_PENDING, bytesOf(completion));
 }
 
+std::vector<tSimulatorRoute> tSimulatedMachine::routes() {
+  std::vector<tSimulatorRoute> routes(SIMULATOR_ROUTE_CAPACITY);
+  const uint32_t bytes =
+      request(SIMULATOR_READ_ROUTES, {}, writableBytesOf(routes.data(), routes.size()));
+  routes.resize(bytes / sizeof(tSimulatorRoute));
+  return routes;
+}
+
+void tSimulatedMachine::demoteRoute(uint32_t ticket) {
+  command(SIMULATOR_DEMOTE_ROUTE, bytesOf(ticket));
+}
+
+void tSimulatedMachine::setPathLength(uint32_t length) {
+  command(SIMULATOR_SET_PATH_LENGTH, bytesOf(length));
+}
+
+void tSimulatedMachine::setTopographyName(std::string_view name) {
+  const void* const bytes = name.data();
+  command(SIMULATOR_SET_TOPOGRAPHY_NAME, {static_cast<const uint8_t*>(bytes), name.size()});
+}
+
 void tSimulatedMachine::notify(const tSimulatorNotice& notice) {
   command(SIMULATOR_NOTIFY, bytesOf(notice));
+}
+
+std::vector<tSimulatorPayload> tSimulatedMachine::firmware() {
+  std::vector<tSimulatorPayload> payloads(SIMULATOR_PAYLOAD_CAPACITY);
+  const uint32_t bytes =
+      request(SIMULATOR_READ_FIRMWARE, {}, writableBytesOf(payloads.data(), payloads.size()));
+  payloads.resize(bytes / sizeof(tSimulatorPayload));
+  return payloads;
+}
+
+void tSimulatedMachine::clearFirmware() {
+  command(SIMULATOR_CLEAR_FIRMWARE);
 }
 
 std::vector<tSimulatorLogEntry> tSimulatedMachine::log(uint64_t from) {

@@ -72,8 +72,21 @@ class tSimulatedMachine {
   // From the machine's side; handle 0 stands for all that are waiting to be accepted.
   void completePending(uint64_t handle, uint32_t windowsError);
 
+  // The routes of all sessions, oldest first.
+  [[nodiscard]] std::vector<tSimulatorRoute> routes();
+  // Takes its line away from a route and tells its session; throws when it holds none.
+  void demoteRoute(uint32_t ticket);
+  // How many terminals every path has, at least 2; 0: as many as it has.
+  void setPathLength(uint32_t length);
+  // At most SIMULATOR_TOPOGRAPHY_NAME_CAPACITY bytes; a NUL is sent only if it is among them.
+  void setTopographyName(std::string_view name);
+
   // Tells everybody who is registered for one of the notice's events; throws when nobody is.
   void notify(const tSimulatorNotice& notice);
+
+  // The firmware payloads that came in on both interfaces, oldest first.
+  [[nodiscard]] std::vector<tSimulatorPayload> firmware();
+  void clearFirmware();
 
   // The log from a sequence number on, oldest entry first.
   [[nodiscard]] std::vector<tSimulatorLogEntry> log(uint64_t from = 1);

@@ -6,6 +6,7 @@
 #include "simulator/model/defaultmachine.h"
 #include "simulator/model/notifications.h"
 #include "simulator/model/pendingrequests.h"
+#include "simulator/model/routerequests.h"
 #include "simulator/model/windowserrors.h"
 
 enum {
@@ -55,8 +56,10 @@ void resetMachine(tModel* model) {
   scriptsClear(&model->scripts);
   abortAllPending(model);
   abortAllNotifications(model);
+  routerClear(&model->router);
   pendingClear(&model->pending);
   logClear(&model->log);
+  firmwareClear(&model->firmware);
 }
 
 static tModelReply reset(tModel* model, const tModelRequest* request) {
@@ -247,6 +250,74 @@ static tModelReply tell(tModel* model, const tModelRequest* request) {
   return notify(model, &notice) != 0 ? done() : failed(kWindowsErrorNotFound);
 }
 
+static tModelReply demote(tModel* model, const tModelRequest* request) {
+  uint32_t ticket;
+  if (!readInput(request, &ticket, sizeof(ticket))) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  return demoteRoute(model, ticket) ? done() : failed(kWindowsErrorNotFound);
+}
+
+static tModelReply readRoutes(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  const uint32_t room = request->outputSize / (uint32_t)sizeof(tSimulatorRoute);
+  const uint32_t count = smallerOf(model->router.count, room);
+  uint8_t* to = request->output;
+  for (uint32_t i = 0; i < count; ++i) {
+    const tRoute* route = &model->router.routes[i];
+    const tSimulatorRoute record = {.process = route->session.process,
+                                    .session = route->session.file,
+                                    .ticket = route->ticket,
+                                    .source = route->source,
+                                    .destination = route->destination,
+                                    .state = route->state,
+                                    .inverts = route->inverts};
+    copyBytes(to, &record, sizeof(record));
+    to += sizeof(record);
+  }
+  return (tModelReply){kWindowsErrorNone, count * (uint32_t)sizeof(tSimulatorRoute)};
+}
+
+static tModelReply setPathLength(tModel* model, const tModelRequest* request) {
+  uint32_t length;
+  if (!readInput(request, &length, sizeof(length)) || length == 1) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  model->router.pathLength = length;
+  return done();
+}
+
+static tModelReply setTopographyName(tModel* model, const tModelRequest* request) {
+  if (request->inputSize > SIMULATOR_TOPOGRAPHY_NAME_CAPACITY) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  copyBytes(model->router.topographyName, request->input, request->inputSize);
+  model->router.topographyNameSize = request->inputSize;
+  return done();
+}
+
+static tModelReply readFirmware(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  const uint32_t size = firmwareKept(&model->firmware) * (uint32_t)sizeof(tSimulatorPayload);
+  if (request->outputSize < size) {
+    return failed(kWindowsErrorInsufficientBuffer);
+  }
+  firmwareCopy(&model->firmware, firmwareKept(&model->firmware), request->output);
+  return (tModelReply){kWindowsErrorNone, size};
+}
+
+static tModelReply clearFirmware(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  firmwareClear(&model->firmware);
+  return done();
+}
+
 typedef struct tControlRequest {
   uint32_t code;
   tModelReply (*carryOut)(tModel* model, const tModelRequest* request);
@@ -272,6 +343,12 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_READ_PENDING, readPending},
     {SIMULATOR_COMPLETE_PENDING, completeOne},
     {SIMULATOR_NOTIFY, tell},
+    {SIMULATOR_DEMOTE_ROUTE, demote},
+    {SIMULATOR_READ_ROUTES, readRoutes},
+    {SIMULATOR_SET_PATH_LENGTH, setPathLength},
+    {SIMULATOR_SET_TOPOGRAPHY_NAME, setTopographyName},
+    {SIMULATOR_READ_FIRMWARE, readFirmware},
+    {SIMULATOR_CLEAR_FIRMWARE, clearFirmware},
 };
 
 tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {

@@ -30,7 +30,7 @@ static const tDefaultAttribute kDefaultAttributes[] = {
     {kSimulatorInterfaceController, 0x20044C00, true, &kDriverSetting1, sizeof(kDriverSetting1)},
     {kSimulatorInterfaceController, 0x20051400, true, &kDriverSetting2, sizeof(kDriverSetting2)},
     {kSimulatorInterfaceController, 0x18000000, true, kNoText, sizeof(kNoText)},
-    {kSimulatorInterfaceMarten, 0x10000400, false, kMartenVersion, sizeof(kMartenVersion)},
+    {kSimulatorInterfaceMarten, 0x10000400, true, kMartenVersion, sizeof(kMartenVersion)},
     {kSimulatorInterfaceMarten, 0x20051400, true, &kMartenSetting, sizeof(kMartenSetting)},
     {kSimulatorInterfaceMarten, 0x18000000, true, kNoText, sizeof(kNoText)},
 };

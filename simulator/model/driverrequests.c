@@ -1,6 +1,9 @@
 #include "simulator/model/driverrequests.h"
 
-/* The device path interface takes no requests. */
+#include "protocol/routingrequests.h"
+#include "simulator/model/routecalculation.h"
+#include "simulator/model/routerequests.h"
+
 static const tDriverRequest kDriverRequests[] = {
     {kSimulatorInterfaceController, REQUEST_EXCHANGE_VALUES, sizeof(tExchangeValuesRequest),
      sizeof(tExchangeValuesReply), carryOutExchangeValues},
@@ -16,6 +19,28 @@ static const tDriverRequest kDriverRequests[] = {
      sizeof(tGetAttributeReply), carryOutGetAttribute},
     {kSimulatorInterfaceMarten, REQUEST_SET_ATTRIBUTE, sizeof(tSetAttributeRequest),
      sizeof(tStatusReply), carryOutSetAttribute},
+    {kSimulatorInterfaceDevicePath, REQUEST_ROUTING_METHOD0, sizeof(tRoutingMethod0Request),
+     sizeof(tRoutingValueReply), carryOutCountTerminals},
+    {kSimulatorInterfaceDevicePath, REQUEST_CALCULATE_ROUTE, sizeof(tCalculateRouteRequest),
+     sizeof(tCalculateRouteReply), carryOutCalculateRoute},
+    {kSimulatorInterfaceDevicePath, REQUEST_DESTROY_ROUTE, sizeof(tTicketRequest),
+     sizeof(tStatusReply), carryOutDestroyRoute},
+    {kSimulatorInterfaceDevicePath, REQUEST_RESERVE_ROUTE, sizeof(tTicketListRequest),
+     sizeof(tTicketListReply), carryOutReserveRoute},
+    {kSimulatorInterfaceDevicePath, REQUEST_PROGRAM_ROUTE, sizeof(tTicketRequest),
+     sizeof(tStatusReply), carryOutProgramRoute},
+    {kSimulatorInterfaceDevicePath, REQUEST_UNRESERVE_ROUTE, sizeof(tTicketRequest),
+     sizeof(tStatusReply), carryOutUnreserveRoute},
+    {kSimulatorInterfaceDevicePath, REQUEST_UNPROGRAM_ROUTE, sizeof(tTicketRequest),
+     sizeof(tStatusReply), carryOutUnprogramRoute},
+    {kSimulatorInterfaceDevicePath, REQUEST_GET_ROUTE_TERMINAL_PATH, sizeof(tTicketListRequest),
+     sizeof(tTicketListReply), carryOutGetPath},
+    {kSimulatorInterfaceDevicePath, REQUEST_GET_TOPOGRAPHY_NAME, sizeof(tGetTopographyNameRequest),
+     sizeof(tStatusReply), carryOutGetTopographyName},
+    {kSimulatorInterfaceDevicePath, REQUEST_RESET_TERMINAL, sizeof(tResetTerminalRequest),
+     sizeof(tStatusReply), carryOutResetTerminal},
+    {kSimulatorInterfaceDevicePath, REQUEST_CALCULATE_RESET_TERMINAL,
+     sizeof(tCalculateResetTerminalRequest), sizeof(tRoutingValueReply), carryOutCalculateReset},
 };
 
 const tDriverRequest* findDriverRequest(tSimulatorInterface interfaceKind, uint32_t code) {

@@ -42,6 +42,7 @@ static tModelReply answerAndLog(tModel* model, const tModelRequest* request) {
 void modelInitialise(tModel* model, const tModelHost* host) {
   model->host = *host;
   pendingClear(&model->pending);
+  model->router.nextTicket = 0;
   fillWithZeros(&model->notifications, sizeof(model->notifications));
   resetMachine(model);
   model->presence = kDefaultPresence;
@@ -55,6 +56,7 @@ void modelOpen(tModel* model, const tModelFile* file) {
 void modelCleanUp(tModel* model, const tModelFile* file) {
   abortPendingOf(model, file);
   abortNotificationsOf(model, file);
+  routerRemoveSession(&model->router, file->file);
 }
 
 void modelPended(tModel* model, uint64_t token) {

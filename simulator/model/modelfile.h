@@ -1,6 +1,7 @@
 #ifndef SIMULATOR_MODEL_MODELFILE_H
 #define SIMULATOR_MODEL_MODELFILE_H
 
+#include <stdbool.h>
 #include <stdint.h>
 
 #include "simulator/control/controlprotocol.h"

@@ -3,14 +3,16 @@
 #define SIMULATOR_MODEL_MODELSTATE_H
 
 #include "simulator/model/attributes.h"
+#include "simulator/model/firmware.h"
 #include "simulator/model/model.h"
 #include "simulator/model/notificationlist.h"
 #include "simulator/model/pendinglist.h"
 #include "simulator/model/requestlog.h"
+#include "simulator/model/routelist.h"
 #include "simulator/model/scripts.h"
 #include "simulator/model/smbioshandover.h"
 
-/* About 250 KB: too large for a stack. Needs no clearing before modelInitialise. */
+/* About 320 KB: too large for a stack. Needs no clearing before modelInitialise. */
 struct tModel {
   tModelHost host;
   tSimulatorPresence presence;
@@ -19,7 +21,9 @@ struct tModel {
   tScriptList scripts;
   tPendingList pending;
   tNotificationList notifications;
+  tRouter router;
   tRequestLog log;
+  tFirmwareSink firmware;
 };
 
 #endif

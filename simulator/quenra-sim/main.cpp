@@ -34,7 +34,11 @@ int run(int argumentCount, char** arguments) {
   addAttribute(app, action);
   addAnswer(app, action);
   addPending(app, action);
+  addRoutes(app, action);
   addLog(app, action);
+  addFirmware(app, action);
+  addEncryption(app, action);
+  addDriverStore(app, action);
   try {
     app.parse(argumentCount, arguments);
   } catch (const CLI::ParseError& error) {

@@ -17,6 +17,8 @@ inline constexpr int32_t kNoController = QUENRA_STATUS_NO_CONTROLLER;
 inline constexpr int32_t kOutOfMemory = QUENRA_STATUS_OUT_OF_MEMORY;
 inline constexpr int32_t kAttributeNotSupported = QUENRA_STATUS_NOT_SUPPORTED;
 inline constexpr int32_t kInvalidValue = QUENRA_STATUS_INVALID_VALUE;
+inline constexpr int32_t kUpdateEnvironment = QUENRA_STATUS_UPDATE_ENVIRONMENT;
+inline constexpr int32_t kInvalidImage = QUENRA_STATUS_INVALID_IMAGE;
 
 // The layers below name their codes themselves; applications see them under the public names.
 static_assert(nZOAPALS100::kMemoryFull == QUENRA_STATUS_MEMORY_FULL);

@@ -12,7 +12,9 @@ import re
 import subprocess
 import sys
 
-WINDOWS_LIBRARIES = {"kernel32.dll", "msvcrt.dll", "setupapi.dll"}
+WINDOWS_LIBRARIES = {
+    "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "setupapi.dll",
+}
 
 
 def sections(text):

@@ -15,10 +15,13 @@ SOURCE_SUFFIXES = {".h", ".c", ".cpp"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 WINDOWS_HEADERS = {
     "windows.h", "setupapi.h", "winioctl.h", "initguid.h", "cfgmgr32.h", "newdev.h", "process.h",
-    "winternl.h", "ntddk.h", "wdm.h", "psapi.h", "tlhelp32.h", "devguid.h", "winsvc.h",
+    "winternl.h", "ntddk.h", "wdm.h", "psapi.h", "tlhelp32.h", "devguid.h", "winsvc.h", "objbase.h",
+    "oleauto.h", "wbemcli.h",
 }
 MAY_CALL_WINDOWS = (
-    "zoapal/protons/", "zosmbios/czosmbioswindowsprovider.cpp", "simulator/driver/",
+    "zoapal/protons/", "zosmbios/czosmbioswindowsprovider.cpp", "source/user/preconditions/",
+    "source/user/update/driverpackage.cpp", "simulator/driver/", "simulator/managementservice/",
+    "simulator/driverstore/", "simulator/environment/",
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
     "tests/",
 )

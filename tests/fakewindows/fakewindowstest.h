@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/fakewindows/com.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/machine.h"
 #include "tests/fakewindows/objects.h"
+#include "tests/fakewindows/processes.h"
 
 namespace nFakeWindows {
 
@@ -16,12 +18,15 @@ class FakeWindowsTest : public testing::Test {
   void SetUp() override {
     faultPlan().reset();
     machine().reset();
+    com()->reset();
+    programs().reset();
     criticalSectionsBefore_ = criticalSections();
     ASSERT_EQ(objects().open(), std::vector<std::string>()) << "left open by an earlier test";
   }
   void TearDown() override {
     objects().waitForThreads();
     EXPECT_EQ(objects().open(), std::vector<std::string>()) << "left open";
+    EXPECT_EQ(com()->open(), std::vector<std::string>()) << "left alive";
     EXPECT_EQ(criticalSections(), criticalSectionsBefore_);
     faultPlan().reset();
   }

@@ -32,6 +32,18 @@ constexpr const char* kNames[kCalls] = {
     "CloseHandle",
     "InitializeCriticalSectionEx",
     "GetSystemFirmwareTable",
+    "CoInitializeEx",
+    "CoUninitialize",
+    "CoInitializeSecurity",
+    "CoCreateInstance",
+    "CoSetProxyBlanket",
+    "SysAllocString",
+    "IWbemLocator::ConnectServer",
+    "IWbemServices::ExecQuery",
+    "IEnumWbemClassObject::Next",
+    "IWbemClassObject::Get",
+    "GetFileAttributesA",
+    "CreateProcessA",
 };
 
 }  // namespace

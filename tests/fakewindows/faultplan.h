@@ -36,8 +36,21 @@ enum class tCall : uint8_t {
   closeHandle,
   initializeCriticalSectionEx,
   getSystemFirmwareTable,
+  // COM: the error is the result with which the call fails.
+  coInitializeEx,
+  coUninitialize,
+  coInitializeSecurity,
+  coCreateInstance,
+  coSetProxyBlanket,
+  sysAllocString,
+  connectServer,
+  execQuery,
+  next,
+  get,
+  getFileAttributes,
+  createProcess,
 };
-inline constexpr size_t kCalls = static_cast<size_t>(tCall::getSystemFirmwareTable) + 1;
+inline constexpr size_t kCalls = static_cast<size_t>(tCall::createProcess) + 1;
 
 [[nodiscard]] const char* nameOf(tCall call) noexcept;
 

@@ -211,15 +211,17 @@ std::optional<tModelFile> fileBehind(HANDLE handle) {
   return file == nullptr ? std::nullopt : std::optional(file->file);
 }
 
-void closeObject(HANDLE handle) {
+// Gives its kind; what cannot be closed this way stops.
+const char* closeObject(HANDLE handle) {
   const std::lock_guard lock(objects().mutex);
   const tFile* const file = objects().find<tFile>(handle);
   expectUsual(file == nullptr || file->pending.empty(), tCall::closeHandle,
               "a file with a request under way that nobody ends");
-  const bool isPort = objects().find<tPort>(handle) != nullptr;
-  expectUsual(file != nullptr || isPort || objects().isSignalled(handle).has_value(),
-              tCall::closeHandle, "not an object that is closed this way, or closed already");
+  const char* const kind = objects().kindOf(handle);
+  expectUsual(kind != nullptr && objects().find<tDeviceInformationSet>(handle) == nullptr,
+              tCall::closeHandle, "nothing that can be closed, or closed already");
   static_cast<void>(objects().remove(handle));
+  return kind;
 }
 
 }  // namespace
@@ -227,11 +229,10 @@ void closeObject(HANDLE handle) {
 BOOL WINAPI CloseHandle(HANDLE handle) {
   const tInside inside;
   const std::optional<tModelFile> file = fileBehind(handle);
-  static_cast<void>(faultPlan().enter(tCall::closeHandle, file ? "file" : "object"));
   if (file) {
     machine().cleanUp(*file);
   }
-  closeObject(handle);
+  static_cast<void>(faultPlan().enter(tCall::closeHandle, closeObject(handle)));
   if (file) {
     machine().close(*file);
   }

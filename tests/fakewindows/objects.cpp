@@ -6,6 +6,11 @@
 namespace nFakeWindows {
 namespace {
 
+// As tObjects::tObject has them.
+constexpr const char* kKinds[] = {
+    "event",   "thread",        "file", "completion port", "device information set",
+    "process", "thread"};
+
 constexpr DWORD kStatusCancelled = 0xC0000120;
 // The status of a request that failed with a Windows error: the error, marked as one.
 constexpr DWORD kErrorMark = 0xC0070000;
@@ -50,12 +55,15 @@ bool tObjects::remove(HANDLE handle) {
   return objects_.erase(number(handle)) != 0;
 }
 
+const char* tObjects::kindOf(HANDLE handle) {
+  const auto found = objects_.find(number(handle));
+  return found == objects_.end() ? nullptr : kKinds[found->second.index()];
+}
+
 std::vector<std::string> tObjects::open() {
   const std::lock_guard lock(mutex);
   std::vector<std::string> lines;
   for (const auto& [handle, object] : objects_) {
-    static constexpr const char* kKinds[] = {"event", "thread", "file", "completion port",
-                                             "device information set"};
     lines.push_back(std::string(kKinds[object.index()]) + " " + std::to_string(handle));
   }
   return lines;

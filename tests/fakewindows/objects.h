@@ -55,6 +55,10 @@ struct tPort {
 struct tDeviceInformationSet {
   std::vector<tDeviceInterface> interfaces;
 };
+struct tProcess {
+  DWORD milliseconds;  // how long it runs
+};
+struct tProgramThread {};
 
 // What an OVERLAPPED says of its request.
 inline constexpr DWORD kStatusPending = 0x103;
@@ -64,7 +68,8 @@ inline constexpr DWORD kStatusPending = 0x103;
 // used after its end is noticed.
 class tObjects {
  public:
-  using tObject = std::variant<tEvent, tThread, tFile, tPort, tDeviceInformationSet>;
+  using tObject =
+      std::variant<tEvent, tThread, tFile, tPort, tDeviceInformationSet, tProcess, tProgramThread>;
 
   // Guards all members below, and what they give access to.
   std::mutex mutex;
@@ -79,6 +84,9 @@ class tObjects {
     return found == objects_.end() ? nullptr : std::get_if<Object>(&found->second);
   }
   [[nodiscard]] bool remove(HANDLE handle);
+
+  // Null when nothing has the handle. With the lock held.
+  [[nodiscard]] const char* kindOf(HANDLE handle);
 
   // One line for each thing that is open.
   [[nodiscard]] std::vector<std::string> open();

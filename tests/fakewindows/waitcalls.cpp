@@ -30,16 +30,27 @@ size_t waitForAny(tCall call, std::span<const HANDLE> handles) {
   }
 }
 
+// In milliseconds; none when the handle is no program.
+std::optional<DWORD> runTimeOf(HANDLE handle) {
+  const std::lock_guard lock(objects().mutex);
+  const tProcess* const process = objects().find<tProcess>(handle);
+  return process == nullptr ? std::nullopt : std::optional(process->milliseconds);
+}
+
 }  // namespace
 
 DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
   const tInside inside;
   constexpr auto kCall = tCall::waitForSingleObject;
-  expectUsual(milliseconds == INFINITE, kCall, "only waiting without limit is supported");
-  if (const auto error = faultPlan().enter(kCall)) {
+  if (const auto error = faultPlan().enter(kCall, std::to_string(milliseconds))) {
     SetLastError(*error);
     return WAIT_FAILED;
   }
+  if (const auto runs = runTimeOf(handle)) {
+    // Time passes at once for a program.
+    return *runs <= milliseconds ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+  }
+  expectUsual(milliseconds == INFINITE, kCall, "only a program is waited for with a limit");
   return static_cast<DWORD>(WAIT_OBJECT_0 + waitForAny(kCall, {&handle, 1}));
 }
 

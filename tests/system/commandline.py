@@ -20,14 +20,24 @@ ESCAPE = "\x1b"
 TIME_LIMIT_SECONDS = 60
 
 
-def command(program, words=()):
+def command_of(path, *words):
     runner = shlex.split(os.environ.get("QUENRA_RUNNER", ""))
-    return runner + [os.environ[program], *words]
+    return runner + [path, *words]
+
+
+def command(program, words=()):
+    """The command line of a program that the environment names."""
+    return command_of(os.environ[program], *words)
 
 
 def start(program, words):
+    """Runs it."""
+    return start_program(os.environ[program], *words)
+
+
+def start_program(path, *words):
     return subprocess.run(
-        command(program, words),
+        command_of(path, *words),
         stdin=subprocess.DEVNULL,
         capture_output=True,
         timeout=TIME_LIMIT_SECONDS,

@@ -98,6 +98,13 @@ class Simulator(CommandLineTest):
         self.assertIn("get-attribute attribute=0x20044C00", "\n".join(lines))
         self.assertEqual(self.log(), [])
 
+    def test_routes_of_nobody_are_none(self):
+        self.assertEqual(json.loads(self.sim("routes", "--json").stdout), {"routes": []})
+        self.assertEqual(self.sim("routes").stdout, b"")
+        self.sim("demote", "1", exit_code=1)
+        self.sim("scenario", "--path-length", "40", "--topography", "other")
+        self.sim("scenario", "--path-length", "1", exit_code=1)
+
     def test_pending_requests_are_shown_accepted_and_completed(self):
         self.assertEqual(self.pending(), [])
         self.sim("pending", "acceptance", "later")
@@ -144,6 +151,9 @@ class Simulator(CommandLineTest):
             ["answer", "add", "controller"],
             ["answer", "add", "controller", "any", "--windows-error", "0"],
             ["pending"],
+            ["demote"],
+            ["scenario", "--path-length", "-1"],
+            ["scenario", "--topography", "x" * 256],
             ["pending", "acceptance", "sometimes"],
             ["pending", "complete"],
             ["pending", "complete", "1", "--windows-error", "65536"],

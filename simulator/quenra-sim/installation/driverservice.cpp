@@ -5,10 +5,10 @@
 #include <newdev.h>
 #include <winsvc.h>
 
-#include <array>
 #include <string>
 
 #include "simulator/quenra-sim/installation/hardwareids.h"
+#include "simulator/quenra-sim/installation/ownfolder.h"
 #include "simulator/quenra-sim/installation/windowserror.h"
 
 namespace nSimulator {
@@ -16,15 +16,6 @@ namespace {
 
 constexpr const char* kService = "quenrasim";
 constexpr unsigned kPatience = 100;  // tenths of a second
-
-// The folder of this program, with a backslash.
-std::string ownFolder() {
-  std::array<char, MAX_PATH> path{};
-  const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-  require(length != 0 && length < path.size(), "the program's own folder cannot be told");
-  const std::string program(path.data());
-  return program.substr(0, program.find_last_of('\\') + 1);
-}
 
 class tServiceHandle {
  public:

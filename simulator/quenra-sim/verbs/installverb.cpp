@@ -2,6 +2,8 @@
 #include <iostream>
 
 #include "simulator/quenra-sim/installation/driverservice.h"
+#include "simulator/quenra-sim/installation/driverstoretool.h"
+#include "simulator/quenra-sim/installation/managementservice.h"
 #include "simulator/quenra-sim/installation/readiness.h"
 #include "simulator/quenra-sim/installation/rootdevices.h"
 #include "simulator/quenra-sim/verbs/verb.h"
@@ -12,6 +14,8 @@ namespace {
 void uninstall() {
   removeRootDevices();
   removeDriverService();
+  removeManagementService();
+  putDriverStoreTool(tDriverStoreTool::missing);
 }
 
 void install() {
@@ -19,6 +23,8 @@ void install() {
   uninstall();
   createRootDevices();
   installDriver();
+  installManagementService();
+  putDriverStoreTool(tDriverStoreTool::working);
   waitUntilReady(std::chrono::seconds(15));
   std::cout << "the simulated controller is installed\n";
 }
@@ -29,7 +35,7 @@ void addInstall(CLI::App& app, tAction& action) {
   app.add_subcommand(
          "install",
          "Install the driver from the files beside this program and create the devices; "
-         "replaces what is installed")
+         "replaces what is installed; with the stand-ins for what surrounds the controller")
       ->callback([&action] { action = install; });
 }
 

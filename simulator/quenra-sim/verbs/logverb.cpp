@@ -4,6 +4,7 @@
 
 #include "simulator/control/requestlogtext.h"
 #include "simulator/control/tsimulatedmachine.h"
+#include "simulator/quenra-sim/verbs/hexadecimal.h"
 #include "simulator/quenra-sim/verbs/json.h"
 #include "simulator/quenra-sim/verbs/verb.h"
 
@@ -15,16 +16,6 @@ struct tArguments {
   bool asJson = false;
   bool clear = false;
 };
-
-std::string hexadecimal(const uint8_t* bytes, size_t size) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string text;
-  for (size_t i = 0; i < size; ++i) {
-    text += kDigits[bytes[i] >> 4];
-    text += kDigits[bytes[i] & 0xF];
-  }
-  return text;
-}
 
 void writeEntry(tJsonDocument& document, const tSimulatorLogEntry& entry) {
   constexpr const char* kEvents[] = {"unknown", "open",     "close",

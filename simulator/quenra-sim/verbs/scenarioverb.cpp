@@ -17,6 +17,8 @@ struct tScenario {
   std::optional<std::string> versionText;
   std::vector<std::string> structureBytes;  // as "0x9D/4=1"
   std::vector<uint16_t> removedStructures;  // types
+  std::optional<uint32_t> pathLength;
+  std::optional<std::string> topographyName;
 
   [[nodiscard]] bool changesTable() const {
     return tableFile || !structureBytes.empty() || !removedStructures.empty();
@@ -84,7 +86,8 @@ void editTable(std::vector<uint8_t>& table, const tScenario& scenario) {
 
 void apply(const tScenario& scenario) {
   if (!scenario.controllers && !scenario.martens && !scenario.devicePaths &&
-      !scenario.changesTable() && !scenario.versionText) {
+      !scenario.changesTable() && !scenario.versionText && !scenario.pathLength &&
+      !scenario.topographyName) {
     throw tUsageError("scenario: say what is to change, or use 'quenra-sim reset'");
   }
   // Everything that can be wrong is found before anything is changed.
@@ -100,6 +103,12 @@ void apply(const tScenario& scenario) {
   }
   if (scenario.versionText) {
     machine.setVersionText(*scenario.versionText + '\0');
+  }
+  if (scenario.pathLength) {
+    machine.setPathLength(*scenario.pathLength);
+  }
+  if (scenario.topographyName) {
+    machine.setTopographyName(*scenario.topographyName + '\0');
   }
   machine.setPresence(presence);
 }
@@ -127,6 +136,15 @@ void addScenario(CLI::App& app, tAction& action) {
   verb->add_option("--version-text", scenario.versionText, "SMBIOS version text")
       ->check([](const std::string& text) {
         return text.size() < SIMULATOR_TEXT_CAPACITY ? std::string() : std::string("is too long");
+      });
+  verb->add_option(
+      "--path-length", scenario.pathLength,
+      "Terminals in the path of every trigger route, at least 2; 0: as many as it has");
+  verb->add_option("--topography", scenario.topographyName,
+                   "The name by which the trigger router tells what it can connect")
+      ->check([](const std::string& text) {
+        return text.size() < SIMULATOR_TOPOGRAPHY_NAME_CAPACITY ? std::string()
+                                                                : std::string("is too long");
       });
   verb->callback([&action] { action = [] { apply(scenario); }; });
 }

@@ -1,6 +1,9 @@
 #include <iostream>
 
 #include "simulator/control/tsimulatedmachine.h"
+#include "simulator/environment/driverstore.h"
+#include "simulator/environment/encryption.h"
+#include "simulator/quenra-sim/installation/driverstoretool.h"
 #include "simulator/quenra-sim/verbs/json.h"
 #include "simulator/quenra-sim/verbs/verb.h"
 
@@ -27,6 +30,14 @@ void show(bool asJson) {
   }
 }
 
+void reset() {
+  tSimulatedMachine().reset();
+  setEncryption({});
+  setDriverStoreBehaviour({});
+  clearDriverStoreRuns();
+  putDriverStoreTool(tDriverStoreTool::working);
+}
+
 }  // namespace
 
 void addStatus(CLI::App& app, tAction& action) {
@@ -38,7 +49,7 @@ void addStatus(CLI::App& app, tAction& action) {
 
 void addReset(CLI::App& app, tAction& action) {
   app.add_subcommand("reset", "Back to the default machine, with nothing scripted and an empty log")
-      ->callback([&action] { action = [] { tSimulatedMachine().reset(); }; });
+      ->callback([&action] { action = reset; });
 }
 
 }  // namespace nSimulator

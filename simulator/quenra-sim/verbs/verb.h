@@ -36,7 +36,11 @@ void addScenario(CLI::App& app, tAction& action);
 void addAttribute(CLI::App& app, tAction& action);
 void addAnswer(CLI::App& app, tAction& action);
 void addPending(CLI::App& app, tAction& action);
+void addRoutes(CLI::App& app, tAction& action);
 void addLog(CLI::App& app, tAction& action);
+void addFirmware(CLI::App& app, tAction& action);
+void addEncryption(CLI::App& app, tAction& action);
+void addDriverStore(CLI::App& app, tAction& action);
 
 // "controller" or "marten" on the command line.
 [[nodiscard]] CLI::CheckedTransformer interfaceNames();

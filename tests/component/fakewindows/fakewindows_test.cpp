@@ -209,7 +209,7 @@ TEST_F(FakeWindows, WhatIsOpen_IsNamed) {
 TEST_F(FakeWindowsDeathTest, ClosingTwice_Stops) {
   const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
   CloseHandle(event);
-  EXPECT_DEATH(CloseHandle(event), "CloseHandle: not an object that is closed this way, or closed already");
+  EXPECT_DEATH(CloseHandle(event), "CloseHandle: nothing that can be closed, or closed already");
 }
 
 TEST_F(FakeWindowsDeathTest, UnknownArguments_Stop) {

@@ -123,7 +123,7 @@ TEST_F(ModelRequests, WriteOfAWritableAttribute_IsKept) {
 }
 
 TEST_F(ModelRequests, WriteOfWhatIsNotWritable_IsNotSupported) {
-  EXPECT_EQ(set(kMarten, 0x10000400, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
+  EXPECT_EQ(set(kController, 0x20013100, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
   EXPECT_EQ(set(kMarten, 0x10000500, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
   give(kMarten, 0x10000500, "abc");
   EXPECT_EQ(set(kMarten, 0x10000500, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
@@ -132,11 +132,12 @@ TEST_F(ModelRequests, WriteOfWhatIsNotWritable_IsNotSupported) {
 TEST_F(ModelRequests, Writability_CanBeChanged) {
   tSimulatorAttribute record{};
   record.interfaceKind = kMarten;
-  record.attribute = 0x10000400;
+  record.attribute = 0x10000500;
+  give(kMarten, 0x10000500, "abc");
   EXPECT_EQ(control(SIMULATOR_ALLOW_WRITES, record).windowsError, 0u);
-  EXPECT_EQ(set(kMarten, 0x10000400, 0x300, 4), 0);
+  EXPECT_EQ(set(kMarten, 0x10000500, 0x300, 4), 0);
   EXPECT_EQ(control(SIMULATOR_REFUSE_WRITES, record).windowsError, 0u);
-  EXPECT_EQ(set(kMarten, 0x10000400, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
+  EXPECT_EQ(set(kMarten, 0x10000500, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
   record.attribute = 0x70000000;
   EXPECT_EQ(control(SIMULATOR_ALLOW_WRITES, record).windowsError, 87u) << "it has no value";
 }
@@ -150,15 +151,13 @@ TEST_F(ModelRequests, WriteOfAWrongSizeOrFromUnreachableMemory_IsRefused) {
   EXPECT_EQ(set(kController, 0x20044C00, 0, 4), SIMULATOR_STATUS_BAD_ADDRESS);
 }
 
-TEST_F(ModelRequests, Commands_AreRefused) {
-  EXPECT_EQ(recordOf<tStatusReply>(
-                request(kController, REQUEST_CONTROLLER_SEND_COMMAND, tSendCommandRequest{}, 4))
-                .driverStatus,
-            SIMULATOR_STATUS_NOT_SUPPORTED);
-  EXPECT_EQ(recordOf<tStatusReply>(
-                request(kMarten, REQUEST_MARTEN_SEND_COMMAND, tSendCommandRequest{}, 4))
-                .driverStatus,
-            SIMULATOR_STATUS_NOT_SUPPORTED);
+TEST_F(ModelRequests, MartenVersion_CanBeOverwrittenAndHasNoSelector) {
+  std::memcpy(memory.data() + 0x300, "0.0.0f0", 7);
+  EXPECT_EQ(set(kMarten, 0x10000400, 0x300, 7), 0);
+  EXPECT_EQ(get(kMarten, 0x10200400, 0x400, 64).size, 7u) << "as it was written, without a NUL";
+  EXPECT_EQ(std::memcmp(memory.data() + 0x400, "0.0.0f0", 7), 0);
+  give(kMarten, 0x10200400, std::string_view("2.0.0f1", 8));
+  EXPECT_EQ(get(kMarten, 0x10000400, 0x400, 64).size, 8u);
 }
 
 TEST_F(ModelRequests, RequestOnAnInterfaceThatDoesNotKnowIt_IsAnInvalidFunction) {

@@ -1,0 +1,29 @@
+#ifndef SIMULATOR_ENVIRONMENT_ENCRYPTION_H
+#define SIMULATOR_ENVIRONMENT_ENCRYPTION_H
+
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace nSimulator {
+
+// What the machine's management service says about the encryption of drive C:, by these names. A new
+// machine is "off".
+struct tEncryption {
+  std::string protection = "off";
+  std::string failingStep;  // empty: none
+};
+
+inline constexpr std::array<std::string_view, 4> kProtections = {"off", "on", "unknown",
+                                                                 "no-volume"};
+// In the order in which a program takes them.
+inline constexpr std::array<std::string_view, 5> kEncryptionSteps = {"locator", "connect", "query",
+                                                                     "result", "property"};
+
+// Both throw std::system_error.
+[[nodiscard]] tEncryption encryption();
+void setEncryption(const tEncryption& encryption);
+
+}  // namespace nSimulator
+
+#endif

@@ -1,0 +1,34 @@
+#ifndef SIMULATOR_MANAGEMENTSERVICE_WIDETEXT_H
+#define SIMULATOR_MANAGEMENTSERVICE_WIDETEXT_H
+
+#include <windows.h>
+
+#include <cstddef>
+
+namespace nSimulator {
+
+// Wide texts of Windows, without the C library: natively its wide characters have another size.
+
+[[nodiscard]] constexpr size_t lengthOf(const WCHAR* text) noexcept {
+  size_t length = 0;
+  while (text[length] != 0) {
+    ++length;
+  }
+  return length;
+}
+
+// Null is no text.
+[[nodiscard]] constexpr bool isText(const WCHAR* text, const WCHAR* expected) noexcept {
+  if (text == nullptr) {
+    return false;
+  }
+  while (*text == *expected && *text != 0) {
+    ++text;
+    ++expected;
+  }
+  return *text == *expected;
+}
+
+}  // namespace nSimulator
+
+#endif

@@ -1,0 +1,29 @@
+/* The firmware sinks of the controller and the Marten interface: what is kept of the payloads. */
+#ifndef SIMULATOR_MODEL_FIRMWARE_H
+#define SIMULATOR_MODEL_FIRMWARE_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#include "simulator/control/controlprotocol.h"
+
+enum {
+  FIRMWARE_PIECE_SIZE = 65536
+};
+
+typedef struct tFirmwareSink {
+  uint32_t controllerPayloads; /* since the last clearing */
+  uint32_t martenPayloads;
+  uint64_t count;                                       /* of both */
+  tSimulatorPayload latest[SIMULATOR_PAYLOAD_CAPACITY]; /* a ring */
+  uint8_t piece[FIRMWARE_PIECE_SIZE];                   /* of the payload that is being read */
+} tFirmwareSink;
+
+void firmwareClear(tFirmwareSink* sink);
+/* Keeps the payload and gives it its number. */
+void firmwareKeep(tFirmwareSink* sink, const tSimulatorPayload* payload);
+uint32_t firmwareKept(const tFirmwareSink* sink);
+/* Copies the oldest `count` of those kept to `destination`, which need not be aligned. */
+void firmwareCopy(const tFirmwareSink* sink, uint32_t count, void* destination);
+
+#endif

@@ -1,0 +1,56 @@
+#include "simulator/quenra-sim/installation/driverstoretool.h"
+
+#include <windows.h>
+
+#include <fstream>
+#include <string>
+
+#include "simulator/quenra-sim/installation/ownfolder.h"
+#include "simulator/quenra-sim/installation/windowserror.h"
+
+namespace nSimulator {
+namespace {
+
+// The library names it so, whatever the system's folder is.
+constexpr const char* kFolder = "C:\\Windows\\Sysnative";
+constexpr const char* kTool = "C:\\Windows\\Sysnative\\pnputil.exe";
+constexpr const char* kNoProgram = "This file is no program.\n";
+
+bool isThere() {
+  return GetFileAttributesA(kTool) != INVALID_FILE_ATTRIBUTES;
+}
+
+void remove() {
+  require(DeleteFileA(kTool) || !isThere(), std::string(kTool) + " cannot be removed");
+}
+
+void writeNoProgram() {
+  std::ofstream file(kTool, std::ios::binary);
+  file << kNoProgram;
+  file.close();
+  require(file.good(), std::string(kTool) + " cannot be written");
+}
+
+}  // namespace
+
+void putDriverStoreTool(tDriverStoreTool state) {
+  CreateDirectoryA(kFolder, nullptr);
+  remove();
+  if (state == tDriverStoreTool::broken) {
+    writeNoProgram();
+  } else if (state == tDriverStoreTool::working) {
+    const std::string own = ownFolder() + "quenrasimpnputil.exe";
+    require(CopyFileA(own.c_str(), kTool, FALSE), own + " cannot be copied to " + kTool);
+  }
+}
+
+tDriverStoreTool driverStoreTool() {
+  std::ifstream file(kTool, std::ios::binary);
+  std::string start(2, '\0');
+  if (!file.read(start.data(), 2)) {
+    return tDriverStoreTool::missing;
+  }
+  return start == "MZ" ? tDriverStoreTool::working : tDriverStoreTool::broken;
+}
+
+}  // namespace nSimulator

@@ -1,0 +1,19 @@
+#ifndef SIMULATOR_QUENRA_SIM_INSTALLATION_DRIVERSTORETOOL_H
+#define SIMULATOR_QUENRA_SIM_INSTALLATION_DRIVERSTORETOOL_H
+
+namespace nSimulator {
+
+enum class tDriverStoreTool {
+  missing,
+  broken,  // a file that is no program
+  working,
+};
+
+// Makes the operating system's driver-store tool the machine's own, in this state. Throws
+// std::system_error.
+void putDriverStoreTool(tDriverStoreTool state);
+[[nodiscard]] tDriverStoreTool driverStoreTool();
+
+}  // namespace nSimulator
+
+#endif

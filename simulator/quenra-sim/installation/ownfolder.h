@@ -1,0 +1,13 @@
+#ifndef SIMULATOR_QUENRA_SIM_INSTALLATION_OWNFOLDER_H
+#define SIMULATOR_QUENRA_SIM_INSTALLATION_OWNFOLDER_H
+
+#include <string>
+
+namespace nSimulator {
+
+// The folder of this program, with a backslash. What is to be installed lies beside it.
+[[nodiscard]] std::string ownFolder();
+
+}  // namespace nSimulator
+
+#endif

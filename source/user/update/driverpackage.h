@@ -1,0 +1,19 @@
+#ifndef SOURCE_USER_UPDATE_DRIVERPACKAGE_H
+#define SOURCE_USER_UPDATE_DRIVERPACKAGE_H
+
+#include <string>
+
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace nQUENRA1400 {
+
+// Installs the driver package of an .inf file, named in the process code page, with the operating
+// system's tool, and waits for that for at most five minutes. What the tool then says is not asked:
+// an installation that was started counts as done. Reports kUpdateEnvironment when the tool is
+// missing, kInvalidImage when it cannot be started. Does nothing when the status holds an error.
+// Throws std::bad_alloc, before anything was started.
+void installDriverPackage(const std::string& infPath, zoerr::Status& status);
+
+}  // namespace nQUENRA1400
+
+#endif

@@ -1,0 +1,220 @@
+#include "source/user/preconditions/driveencryption.h"
+
+#include <windows.h>
+// Both need windows.h first.
+#include <objbase.h>
+#include <wbemcli.h>
+
+#include <thread>
+
+#include "tests/component/session/sessiontest.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::com;
+using nFakeWindows::faultPlan;
+using nFakeWindows::tCall;
+
+constexpr int32_t kUpdateEnvironment = -26937;
+constexpr auto kRefused = static_cast<uint32_t>(E_ACCESSDENIED);
+
+struct tAnswer {
+  bool isEncrypted = false;
+  tOutcome outcome;
+  bool operator==(const tAnswer&) const = default;
+};
+void PrintTo(const tAnswer& answer, std::ostream* out) {
+  *out << (answer.isEncrypted ? "encrypted, " : "not encrypted, ");
+  PrintTo(answer.outcome, out);
+}
+
+tAnswer ask() {
+  zoerr::tOwnedStatus status;
+  const bool isEncrypted = nQUENRA1400::IsSystemDriveEncrypted(status);
+  return {isEncrypted, outcomeOf(status)};
+}
+
+tAnswer failureAt(uint32_t line) {
+  return {false, sessionFailure(kUpdateEnvironment, line)};
+}
+const tAnswer kEncrypted = {true, success()};
+const tAnswer kNotEncrypted = {false, success()};
+
+// The fixture fails a test that leaves an object, a text, a value, or COM itself behind.
+class DriveEncryption : public nFakeWindows::FakeWindowsTest {
+ protected:
+  void TearDown() override {
+    EXPECT_EQ(faultPlan().callCount(tCall::coUninitialize), uninitialisedByTest_ + expectedUses_);
+    FakeWindowsTest::TearDown();
+  }
+
+  // The test itself uses COM on its thread.
+  void enter(DWORD model) { ASSERT_EQ(CoInitializeEx(nullptr, model), S_OK); }
+  void leave() {
+    CoUninitialize();
+    ++uninitialisedByTest_;
+  }
+  void expectNoUse() { expectedUses_ = 0; }
+  void expectUses(unsigned count) { expectedUses_ = count; }
+
+ private:
+  unsigned uninitialisedByTest_ = 0;
+  unsigned expectedUses_ = 1;
+};
+
+TEST_F(DriveEncryption, ProtectionOn_IsTheOnlyThingThatCounts) {
+  com()->useVolumes({{VT_I4, 1}});
+  EXPECT_EQ(ask(), kEncrypted);
+}
+
+TEST_F(DriveEncryption, ProtectionOffOrUnknown_IsNoObstacle) {
+  expectUses(4);
+  for (const LONG protection : {0, 2, 3, -1}) {
+    com()->useVolumes({{VT_I4, protection}});
+    EXPECT_EQ(ask(), kNotEncrypted) << protection;
+  }
+}
+
+TEST_F(DriveEncryption, UnsignedNumber_CountsAsWell) {
+  com()->useVolumes({{VT_UI4, 1}});
+  EXPECT_EQ(ask(), kEncrypted);
+}
+
+TEST_F(DriveEncryption, ValueThatIsNotA32BitNumber_IsNoObstacle) {
+  expectUses(5);
+  for (const VARTYPE type : {VT_NULL, VT_EMPTY, VT_BSTR, VT_I2, VT_BOOL}) {
+    com()->useVolumes({{type, 1}});
+    EXPECT_EQ(ask(), kNotEncrypted) << type;
+  }
+}
+
+TEST_F(DriveEncryption, WithoutSuchAVolume_IsNoObstacle) {
+  com()->useVolumes({});
+  EXPECT_EQ(ask(), kNotEncrypted);
+  EXPECT_EQ(faultPlan().callCount(tCall::get), 0u);
+}
+
+TEST_F(DriveEncryption, OfSeveralVolumes_TheFirstCounts) {
+  expectUses(2);
+  com()->useVolumes({{VT_I4, 1}, {VT_I4, 0}});
+  EXPECT_EQ(ask(), kEncrypted);
+  com()->useVolumes({{VT_I4, 0}, {VT_I4, 1}});
+  EXPECT_EQ(ask(), kNotEncrypted);
+  EXPECT_EQ(faultPlan().callCount(tCall::next), 2u) << "one object each time";
+}
+
+TEST_F(DriveEncryption, SecurityThatIsThereAlready_IsTaken) {
+  com()->initialiseSecurity();
+  com()->useVolumes({{VT_I4, 1}});
+  EXPECT_EQ(ask(), kEncrypted);
+}
+
+TEST_F(DriveEncryption, AskedAgain_AnswersAgain) {
+  expectUses(3);
+  com()->useVolumes({{VT_I4, 1}});
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(ask(), kEncrypted);
+  }
+}
+
+TEST_F(DriveEncryption, ThreadInTheSameModel_KeepsCom) {
+  enter(COINIT_MULTITHREADED);
+  com()->useVolumes({{VT_I4, 1}});
+  EXPECT_EQ(ask(), kEncrypted);
+  EXPECT_TRUE(com()->isThreadInside());
+  leave();
+}
+
+TEST_F(DriveEncryption, ThreadInAnApartment_FailsAndKeepsCom) {
+  expectNoUse();
+  enter(COINIT_APARTMENTTHREADED);
+  EXPECT_EQ(ask(), failureAt(2831));
+  EXPECT_TRUE(com()->isThreadInside()) << "what the caller has begun the caller ends";
+  leave();
+}
+
+TEST_F(DriveEncryption, StatusThatHoldsAnError_IsLeftAlone) {
+  expectNoUse();
+  zoerr::tOwnedStatus status;
+  status.code = -5;
+  EXPECT_FALSE(nQUENRA1400::IsSystemDriveEncrypted(status));
+  EXPECT_EQ(status.code, -5);
+  EXPECT_EQ(faultPlan().callCount(), 0u);
+}
+
+TEST_F(DriveEncryption, StatusThatHoldsAWarning_IsNoReasonNotToAsk) {
+  com()->useVolumes({{VT_I4, 1}});
+  zoerr::tOwnedStatus status;
+  status.code = 7;
+  EXPECT_TRUE(nQUENRA1400::IsSystemDriveEncrypted(status));
+  EXPECT_EQ(status.code, 7);
+}
+
+TEST_F(DriveEncryption, ManyThreadsAtOnce_EachKeepItsOwnCom) {
+  constexpr unsigned kThreads = 4;
+  constexpr unsigned kTimes = 50;
+  expectUses(kThreads * kTimes);
+  com()->useVolumes({{VT_I4, 1}});
+  std::vector<std::thread> threads;
+  std::atomic<unsigned> encrypted = 0;
+  for (unsigned i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&encrypted] {
+      for (unsigned time = 0; time < kTimes; ++time) {
+        encrypted += ask() == kEncrypted ? 1 : 0;
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(encrypted, kThreads * kTimes);
+}
+
+// A call that fails, and what becomes of it.
+struct tFailingCall {
+  tCall call;
+  unsigned nth;
+  uint32_t result;
+  tAnswer answer;
+  bool usesCom = true;
+};
+void PrintTo(const tFailingCall& failing, std::ostream* out) {
+  *out << nameOf(failing.call) << ", call " << failing.nth;
+}
+
+class DriveEncryptionFailures : public DriveEncryption,
+                                public testing::WithParamInterface<tFailingCall> {};
+
+TEST_P(DriveEncryptionFailures, EachIsToldAndLeavesNothingBehind) {
+  com()->useVolumes({{VT_I4, 1}});
+  expectUses(GetParam().usesCom ? 1 : 0);
+  faultPlan().failCall(GetParam().call, GetParam().nth, GetParam().result);
+  EXPECT_EQ(ask(), GetParam().answer);
+  EXPECT_EQ(com()->open(), std::vector<std::string>());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryCall, DriveEncryptionFailures,
+    testing::Values(
+        tFailingCall{tCall::coInitializeEx, 1, kRefused, failureAt(2831), false},
+        tFailingCall{tCall::coInitializeEx, 1, static_cast<uint32_t>(E_OUTOFMEMORY),
+                     failureAt(2831), false},
+        tFailingCall{tCall::coInitializeSecurity, 1, kRefused, failureAt(2847)},
+        tFailingCall{tCall::coInitializeSecurity, 1, static_cast<uint32_t>(RPC_E_TOO_LATE),
+                     kEncrypted},
+        tFailingCall{tCall::coCreateInstance, 1, static_cast<uint32_t>(REGDB_E_CLASSNOTREG),
+                     failureAt(2863)},
+        tFailingCall{tCall::sysAllocString, 1, 0, failureAt(2879)},
+        tFailingCall{tCall::connectServer, 1, static_cast<uint32_t>(WBEM_E_INVALID_NAMESPACE),
+                     failureAt(2879)},
+        tFailingCall{tCall::coSetProxyBlanket, 1, static_cast<uint32_t>(E_NOINTERFACE), kEncrypted},
+        tFailingCall{tCall::sysAllocString, 2, 0, failureAt(2912)},
+        tFailingCall{tCall::sysAllocString, 3, 0, failureAt(2912)},
+        tFailingCall{tCall::execQuery, 1, static_cast<uint32_t>(WBEM_E_INVALID_CLASS),
+                     failureAt(2912)},
+        tFailingCall{tCall::next, 1, static_cast<uint32_t>(WBEM_E_INVALID_CLASS), kNotEncrypted},
+        tFailingCall{tCall::get, 1, static_cast<uint32_t>(WBEM_E_NOT_FOUND), kNotEncrypted}));
+
+}  // namespace
+}  // namespace nTests
