@@ -1,0 +1,70 @@
+#include <array>
+#include <string_view>
+
+#include "bench/peers.h"
+
+namespace nBench {
+namespace {
+
+constexpr std::string_view kAlphabet =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+std::array<int8_t, 256> makeSextets() {
+  std::array<int8_t, 256> sextets{};
+  sextets.fill(-1);
+  for (size_t i = 0; i < kAlphabet.size(); ++i) {
+    sextets[static_cast<uint8_t>(kAlphabet[i])] = static_cast<int8_t>(i);
+  }
+  return sextets;
+}
+
+std::array<uint32_t, 256> makeCrcTable() {
+  std::array<uint32_t, 256> table{};
+  for (uint32_t byte = 0; byte < table.size(); ++byte) {
+    uint32_t value = byte << 24;
+    for (int bit = 0; bit < 8; ++bit) {
+      value = (value << 1) ^ ((value >> 31) * 0x1EDC6F41);
+    }
+    table[byte] = value;
+  }
+  return table;
+}
+
+size_t decode(const std::array<int8_t, 256>& sextets, const uint8_t* text, size_t length,
+              uint8_t* data) {
+  uint32_t bits = 0;
+  int count = 0;
+  uint8_t* out = data;
+  for (size_t i = 0; i < length; ++i) {
+    const int8_t sextet = sextets[text[i]];
+    if (sextet < 0) {
+      continue;
+    }
+    bits = bits << 6 | static_cast<uint32_t>(sextet);
+    count += 6;
+    if (count >= 8) {
+      count -= 8;
+      *out++ = static_cast<uint8_t>(bits >> count);
+    }
+  }
+  return static_cast<size_t>(out - data);
+}
+
+uint32_t sum(const std::array<uint32_t, 256>& table, const uint8_t* data, size_t count) {
+  uint32_t value = 0xFFFFFFFF;
+  for (size_t i = 0; i < count; ++i) {
+    value = (value << 8) ^ table[(value >> 24) ^ data[i]];
+  }
+  return ~value;
+}
+
+}  // namespace
+
+tDecoder bytewisePair() {
+  return {"byte-wise", [sextets = makeSextets(), table = makeCrcTable()](
+                           const uint8_t* text, size_t length, uint8_t* data) {
+            return sum(table, data, decode(sextets, text, length, data));
+          }};
+}
+
+}  // namespace nBench

@@ -1,0 +1,192 @@
+// firmware_bench [MEBIBYTES]: how fast payloads of so many MiB (64) are decoded, sections found and
+// images parsed.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "bench/measurement.h"
+#include "bench/peers.h"
+#include "source/user/firmware/decoding/selection.h"
+#include "source/user/firmware/tfirmwareimageparser.h"
+#include "tests/builders/firmwareimagebuilder.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace {
+
+using nBench::tDecoder;
+using nBench::tGoal;
+using nBench::tTable;
+using nQUENRA1400::nFirmwareDecoding::tKernels;
+
+constexpr int kRounds = 11;
+constexpr const char* kCopy = "memcpy";
+constexpr const char* kBytewise = "byte-wise";
+constexpr const char* kOthers = "OpenSSL + Boost.CRC";
+constexpr const char* kReading = "reading";
+
+[[noreturn]] void fail(const std::string& what) {
+  std::fprintf(stderr, "firmware_bench: %s\n", what.c_str());
+  std::exit(1);
+}
+
+// Results that are looked at, so that no compiler leaves the work out.
+volatile uint64_t seen = 0;
+
+std::vector<const tKernels*> supportedKernels() {
+  std::vector<const tKernels*> supported;
+  for (const auto& choice : nQUENRA1400::nFirmwareDecoding::allKernels()) {
+    if (choice.isSupported()) {
+      supported.push_back(&choice.kernels);
+    }
+  }
+  return supported;
+}
+
+// The goals are told for this size; a smaller payload may fit a cache, and reaches others.
+constexpr size_t kMebibytesOfGoals = 64;
+
+// What only the kernels that are used have to reach.
+std::optional<tGoal> goalOfBest(const tKernels* kernels, size_t bytes, tGoal goal) {
+  const bool counts = bytes == kMebibytesOfGoals << 20 && kernels == supportedKernels().front();
+  return counts ? std::optional(std::move(goal)) : std::nullopt;
+}
+
+tDecoder decoderOf(const tKernels& kernels) {
+  return {kernels.name, [&kernels](const uint8_t* text, size_t length, uint8_t* data) {
+            return kernels.decode(text, length, data).crc;
+          }};
+}
+
+const uint8_t* bytesOf(std::string_view text) {
+  return reinterpret_cast<const uint8_t*>(text.data());
+}
+
+struct tPayload {
+  std::vector<uint8_t> data;
+  uint32_t crc;
+
+  explicit tPayload(size_t count)
+      : data(nTests::firmwareBytes(count)), crc(nTests::firmwareCrc(data)) {}
+};
+
+// A character that is no Base64, on average in front of every eighth that is.
+std::string withNoise(std::string_view text) {
+  std::mt19937 random(5);
+  std::string noisy;
+  for (const char character : text) {
+    if (random() % 8 == 0) {
+      noisy += '!';
+    }
+    noisy += character;
+  }
+  return noisy;
+}
+
+using tGoals = std::map<std::string, tGoal>;
+
+// Into memory that is there already.
+void measureDecoding(const std::string& title, const tPayload& payload, const std::string& text,
+                     bool isClean, const tGoals& goals) {
+  std::vector<uint8_t> room(text.size());
+  std::vector<tDecoder> decoders = {nBench::bytewisePair()};
+  for (const tDecoder& other : nBench::otherLibraries()) {
+    if (isClean || other.skipsNoise) {
+      decoders.push_back(other);
+    }
+  }
+  for (const tKernels* kernels : supportedKernels()) {
+    decoders.push_back(decoderOf(*kernels));
+  }
+  tTable table{title, payload.data.size(), {kBytewise, kOthers, kCopy}, {}};
+  table.rows.push_back({kCopy,
+                        [&] {
+                          std::memcpy(room.data(), payload.data.data(), payload.data.size());
+                          seen = room[payload.data.size() / 2];
+                        },
+                        {}});
+  for (const tDecoder& decoder : decoders) {
+    const auto run = [&room, &text, decode = decoder.decode] {
+      return decode(bytesOf(text), text.size(), room.data());
+    };
+    if (run() != payload.crc) {
+      fail(decoder.name + " decodes something else");
+    }
+    const auto goal = goals.find(decoder.name);
+    const bool counts = payload.data.size() == kMebibytesOfGoals << 20 && goal != goals.end();
+    table.rows.push_back({decoder.name, [run] { seen = run(); },
+                          counts ? std::optional(goal->second) : std::nullopt});
+  }
+  nBench::measure(table, kRounds);
+}
+
+void measureSearch(const tPayload& payload, const std::string& text) {
+  const uint8_t* const begin = bytesOf(text);
+  const uint8_t* const end = begin + text.size();
+  tTable table{"Search for the next section, wrapped text", text.size(), {kReading, "strstr"}, {}};
+  table.rows.push_back({kReading, [&] { seen = nBench::readAll(begin, text.size()); }, {}});
+  table.rows.push_back(
+      {"strstr", [&] { seen = std::strstr(text.c_str(), "HeaderVersion::") == nullptr; }, {}});
+  for (const tKernels* kernels : supportedKernels()) {
+    table.rows.push_back(
+        {kernels->name,
+         [begin, end, kernels] { seen = kernels->findColonOrNul(begin, end) == end ? 1 : 0; },
+         goalOfBest(kernels, payload.data.size(), {kReading, 0.5})});
+  }
+  nBench::measure(table, kRounds);
+}
+
+void parse(const tKernels& kernels, const std::string& image) {
+  nQUENRA1400::tFirmwarePayloads records;
+  zoerr::tOwnedStatus status;
+  nQUENRA1400::tFirmwareImageParser(kernels).Parse(records, image.data(), image.size(), status);
+  if (status.code != 0 || records.size() != 1) {
+    fail("the image is not parsed");
+  }
+  seen = records[0].data[records[0].byteCount / 2];
+  freePayloads(records);
+}
+
+void measureParsing(const tPayload& payload, const std::string& image) {
+  tTable table{"A whole parse, wrapped text, into fresh memory", payload.data.size(), {kCopy}, {}};
+  table.rows.push_back(
+      {kCopy, [&] { nBench::copyIntoFreshMemory(payload.data.data(), payload.data.size()); }, {}});
+  for (const tKernels* kernels : supportedKernels()) {
+    table.rows.push_back({kernels->name, [kernels, &image] { parse(*kernels, image); },
+                          goalOfBest(kernels, payload.data.size(), {kCopy, 1 / 1.3})});
+  }
+  nBench::measure(table, kRounds);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const size_t mebibytes = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 64;
+  if (mebibytes == 0 || mebibytes > 1024) {
+    fail("usage: firmware_bench [MEBIBYTES], 1 to 1024");
+  }
+  const tPayload payload(mebibytes << 20);
+  std::printf("Payload of %zu MiB; medians of %d interleaved rounds; GB = 10^9 decoded bytes\n",
+              mebibytes, kRounds);
+  const std::string plain = nTests::encodeBase64(payload.data);
+  measureDecoding("Base64 and CRC, text in one piece", payload, plain, true, {});
+  measureDecoding("Base64 and CRC, noise in front of every eighth character", payload,
+                  withNoise(plain), false, {{"plain", {kBytewise, 1}}});
+  nTests::tFirmwareSection section("MARTEN");
+  section.payload(payload.data, 76);
+  const std::string image = section.text();
+  const std::string wrapped = nTests::encodeBase64(payload.data, 76);
+  measureDecoding(
+      "Base64 and CRC, lines of 76 characters", payload, wrapped, true,
+      {{"plain", {kBytewise, 4}}, {"AVX2", {kBytewise, 20}}, {"AVX-512", {kBytewise, 45}}});
+  measureSearch(payload, wrapped);
+  measureParsing(payload, image);
+  return 0;
+}

@@ -1,0 +1,9 @@
+#include "bench/peers.h"
+
+namespace nBench {
+
+std::vector<tDecoder> otherLibraries() {
+  return {};
+}
+
+}  // namespace nBench

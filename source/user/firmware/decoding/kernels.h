@@ -1,0 +1,34 @@
+#ifndef SOURCE_USER_FIRMWARE_DECODING_KERNELS_H
+#define SOURCE_USER_FIRMWARE_DECODING_KERNELS_H
+
+// This header is also read by files that are compiled for processors not everybody has. It must not
+// define functions, nor include what does: the linker could keep the copy that few can run.
+#include <stddef.h>
+#include <stdint.h>
+
+namespace nQUENRA1400::nFirmwareDecoding {
+
+struct tDecodedPayload {
+  size_t byteCount;
+  uint32_t crc;  // of the decoded bytes
+};
+
+// The loops over a whole image, written for one instruction set. All sets give the same results.
+struct tKernels {
+  const char* name;
+
+  // Decodes the Base64 characters of the text and skips all others. `data` has room for `length`
+  // bytes, of which those behind the decoded ones may be changed.
+  tDecodedPayload (*decode)(const uint8_t* text, size_t length, uint8_t* data) noexcept;
+
+  // The first ':' or NUL of a text, or its end.
+  const uint8_t* (*findColonOrNul)(const uint8_t* text, const uint8_t* end) noexcept;
+};
+
+extern const tKernels kPlainKernels;
+extern const tKernels kAvx2Kernels;
+extern const tKernels kAvx512Kernels;
+
+}  // namespace nQUENRA1400::nFirmwareDecoding
+
+#endif

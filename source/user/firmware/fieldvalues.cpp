@@ -1,0 +1,47 @@
+#include "source/user/firmware/fieldvalues.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+namespace nQUENRA1400 {
+namespace {
+
+// From here on only digits count: neither blanks nor signs.
+uint32_t magnitudeOf(std::string_view digits, int base, bool isNegative) noexcept {
+  uint32_t value = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+  if (result.ec == std::errc::result_out_of_range) {
+    return UINT32_MAX;
+  }
+  return isNegative ? 0 - value : value;
+}
+
+}  // namespace
+
+uint32_t numberOf(std::string_view text) noexcept {
+  constexpr std::string_view kHexadecimal = "0x";
+  if (text.starts_with(kHexadecimal)) {
+    return magnitudeOf(text.substr(kHexadecimal.size()), 16, false);
+  }
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  const bool isNegative = text.starts_with('-');
+  if (isNegative || text.starts_with('+')) {
+    text.remove_prefix(1);
+  }
+  return magnitudeOf(text, 10, isNegative);
+}
+
+std::optional<std::string_view> withoutQuotes(std::string_view text) noexcept {
+  const size_t opening = text.find('"');
+  if (opening == std::string_view::npos) {
+    return text;
+  }
+  const size_t closing = text.find('"', opening + 1);
+  if (closing == std::string_view::npos) {
+    return std::nullopt;
+  }
+  return closing + 1 == text.size() ? text.substr(opening + 1, closing - opening - 1) : text;
+}
+
+}  // namespace nQUENRA1400

@@ -1,0 +1,15 @@
+#ifndef SOURCE_USER_FIRMWARE_PARSERLOCATION_H
+#define SOURCE_USER_FIRMWARE_PARSERLOCATION_H
+
+#include "zoapal/protons/status/tsourcelocation.h"
+
+namespace nQUENRA1400 {
+
+// A site of the parser of firmware images.
+[[nodiscard]] constexpr nZOAPALS100::tSourceLocation parserLocation(uint32_t line) noexcept {
+  return {"source\\user\\tFirmwareImageParser", line};
+}
+
+}  // namespace nQUENRA1400
+
+#endif

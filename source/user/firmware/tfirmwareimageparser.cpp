@@ -1,0 +1,134 @@
+#include "source/user/firmware/tfirmwareimageparser.h"
+
+#include <new>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include "source/user/firmware/parserlocation.h"
+#include "source/user/firmware/timagetext.h"
+#include "source/user/firmware/tsectionheaders.h"
+#include "source/user/statuscodes.h"
+#include "zoapal/protons/cppnewdelete/memoryallocation.h"
+
+namespace nQUENRA1400 {
+namespace {
+
+using nFirmwareDecoding::tKernels;
+using nZOAPAL000::tByteBuffer;
+using zoerr::Status;
+
+constexpr auto kUnknownHeaderVersion = parserLocation(164);
+constexpr auto kUnknownUpdateType = parserLocation(176);
+constexpr auto kUnknownTargetDevice = parserLocation(186);
+constexpr auto kPayloadNotAllocated = parserLocation(214);
+constexpr auto kByteCountDiffers = parserLocation(241);
+constexpr auto kCrcDiffers = parserLocation(258);
+
+constexpr uint32_t kHeaderVersion = 1;
+constexpr std::string_view kFirmwareUpdate = "FWUpdate";
+constexpr std::string_view kTargetMarten = "MARTEN";
+constexpr std::string_view kTargetSafeMode = "SAFEMODE";
+constexpr std::string_view kHeaderEnd = "\r\n\r\n";
+constexpr std::string_view kDriverPackage = ".inf";
+
+void checkHeader(const tSectionHeader& header, Status& status) noexcept {
+  if (header.headerVersion != kHeaderVersion) {
+    status.set(kImageVersion, kUnknownHeaderVersion);
+  } else if (header.updateType != kFirmwareUpdate && header.updateType != kCapsuleUpdate) {
+    status.set(kInvalidImage, kUnknownUpdateType);
+  } else if (header.targetDevice != kTargetBios && header.targetDevice != kTargetMarten &&
+             header.targetDevice != kTargetSafeMode) {
+    status.set(kInvalidImage, kUnknownTargetDevice);
+  }
+}
+
+// The Base64 text of a section. Its ends are computed in 32 bits, which is part of the format: where
+// no empty line ends the header, the payload begins with the image's fourth byte. Where the empty
+// line belongs to a later section, or an image exceeds 32 bits, no such text is in the image; then
+// it is reported as what it looks like, a payload too large for the memory.
+std::span<const uint8_t> payloadText(const tImageText& text, size_t section, size_t nextSection,
+                                     Status& status) noexcept {
+  const auto separator = static_cast<uint32_t>(text.find(kHeaderEnd, section));
+  const auto start = static_cast<uint32_t>(separator + kHeaderEnd.size());
+  const auto end = static_cast<uint32_t>(nextSection == tImageText::kNotFound ? text.size()  //
+                                                                              : nextSection);
+  const uint32_t length = end - start;
+  if (length > text.size() - start) {
+    status.set(kOutOfMemory, kPayloadNotAllocated);
+    return {};
+  }
+  return {text.bytes() + start, length};
+}
+
+// The decoded bytes, checked against the header; null together with an error.
+tByteBuffer decodePayload(std::span<const uint8_t> text, const tSectionHeader& header,
+                          const tKernels& kernels, Status& status) noexcept {
+  nZOAPALS100::tStatus allocating;
+  tByteBuffer data = nZOAPAL000::allocateBytes(text.size(), allocating);
+  if (data == nullptr) {
+    status.set(kOutOfMemory, kPayloadNotAllocated);
+    return nullptr;
+  }
+  const auto decoded = kernels.decode(text.data(), text.size(), data.get());
+  if (decoded.byteCount != header.byteCount) {
+    status.set(kInvalidImage, kByteCountDiffers);
+    return nullptr;
+  }
+  if (decoded.crc != header.crc) {
+    status.set(kInvalidImage, kCrcDiffers);
+    return nullptr;
+  }
+  return data;
+}
+
+void addRecord(tFirmwarePayloads& records, tSectionHeader header, tByteBuffer data) {
+  const bool goesFirst = header.isBiosWith(kFirmwareUpdate) ||
+                         header.targetFileName.find(kDriverPackage) != std::string::npos;
+  const auto added = records.insert(goesFirst ? records.begin() : records.end(),
+                                    {nullptr, header.byteCount, std::move(header.targetDevice),
+                                     std::move(header.version), std::move(header.targetFileName)});
+  // Only now: what is in the list is the caller's.
+  added->data = data.release();
+}
+
+void parseSections(tFirmwarePayloads& records, const tImageText& text, const tKernels& kernels,
+                   Status& status) {
+  tSectionHeaders headers(text);
+  size_t section = headers.findSection(0);
+  while (section != tImageText::kNotFound) {
+    tSectionHeader header = headers.read(section, status);
+    checkHeader(header, status);
+    if (status.isError()) {
+      return;
+    }
+    const size_t nextSection = headers.findSection(section + 1);
+    const auto payload = payloadText(text, section, nextSection, status);
+    if (status.isError()) {
+      return;
+    }
+    tByteBuffer data = decodePayload(payload, header, kernels, status);
+    if (status.isError()) {
+      return;
+    }
+    addRecord(records, std::move(header), std::move(data));
+    section = nextSection;
+  }
+}
+
+}  // namespace
+
+void tFirmwareImageParser::Parse(tFirmwarePayloads& records, const void* imageText,
+                                 size_t imageSize, zoerr::Status& status) const noexcept {
+  if (status.isError()) {
+    return;
+  }
+  try {
+    parseSections(records, {imageText, imageText == nullptr ? 0 : imageSize, kernels_}, kernels_,
+                  status);
+  } catch (const std::bad_alloc&) {
+    status.set(kOutOfMemory, kPayloadNotAllocated);
+  }
+}
+
+}  // namespace nQUENRA1400

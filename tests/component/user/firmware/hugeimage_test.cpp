@@ -1,0 +1,39 @@
+// Images that 32 bits cannot measure, in memory that is reserved and for the most part never touched.
+#include <sys/mman.h>
+
+#include <cstring>
+
+#include "tests/component/user/firmware/parsertest.h"
+
+namespace nTests {
+namespace {
+
+constexpr size_t kFourGibibytes = size_t{1} << 32;
+
+class HugeImage : public ParserTest {
+ protected:
+  // Nothing but NULs behind the text.
+  tFailure parseWithSize(const std::string& text, size_t size) {
+    void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE,
+                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (memory == MAP_FAILED) {
+      ADD_FAILURE() << "no address space";
+      return {};
+    }
+    std::memcpy(memory, text.data(), text.size());
+    zoerr::tOwnedStatus status;
+    nQUENRA1400::tFirmwareImageParser().Parse(records, memory, size, status);
+    munmap(memory, size);
+    return {status.code, lineOf(status)};
+  }
+};
+
+TEST_F(HugeImage, LastPayload_EndsWhereTheLower32BitsOfTheSizeSay) {
+  const std::string text = tFirmwareSection("MARTEN").text();
+  EXPECT_EQ(parseWithSize(text, kFourGibibytes + text.size()), kSuccess);
+  EXPECT_EQ(data(0), tFirmwareSection("MARTEN").data());
+  EXPECT_EQ(parseWithSize(text, kFourGibibytes + text.size() - 40), (tFailure{-26938, 241}));
+}
+
+}  // namespace
+}  // namespace nTests

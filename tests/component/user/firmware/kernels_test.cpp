@@ -1,0 +1,241 @@
+// Every kernel against the plain rule, on texts that end exactly where their memory does.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "source/user/firmware/decoding/plainsteps.h"
+#include "source/user/firmware/decoding/selection.h"
+#include "tests/builders/firmwareimagebuilder.h"
+#include "tests/component/user/firmware/plainimage.h"
+
+namespace nTests {
+namespace {
+
+using namespace nQUENRA1400::nFirmwareDecoding;
+
+struct tResult {
+  std::vector<uint8_t> data;
+  uint32_t crc;
+};
+
+// A text in memory of its own length, `offset` bytes behind a multiple of 64.
+class tExactText {
+ public:
+  explicit tExactText(std::string_view text, size_t offset = 0)
+      : length_(text.size()), memory_(new (std::align_val_t{64}) uint8_t[offset + text.size()]) {
+    text_ = memory_.get() + offset;
+    std::copy(text.begin(), text.end(), text_);
+  }
+  [[nodiscard]] const uint8_t* begin() const { return text_; }
+  [[nodiscard]] const uint8_t* end() const { return text_ + length_; }
+  [[nodiscard]] size_t length() const { return length_; }
+
+ private:
+  struct tDelete {
+    void operator()(uint8_t* memory) const { operator delete[](memory, std::align_val_t{64}); }
+  };
+  size_t length_;
+  std::unique_ptr<uint8_t[], tDelete> memory_;
+  uint8_t* text_;
+};
+
+tResult decode(const tKernels& kernels, const tExactText& text) {
+  const auto data = std::make_unique<uint8_t[]>(text.length());
+  const tDecodedPayload decoded = kernels.decode(text.begin(), text.length(), data.get());
+  return {{data.get(), data.get() + decoded.byteCount}, decoded.crc};
+}
+
+class Kernels : public testing::TestWithParam<tChoice> {
+ protected:
+  void SetUp() override {
+    if (!GetParam().isSupported()) {
+      GTEST_SKIP() << "this processor has no " << kernels().name;
+    }
+  }
+  [[nodiscard]] const tKernels& kernels() const { return GetParam().kernels; }
+
+  void expectAsPlain(std::string_view text, size_t offset = 0) {
+    const std::vector<uint8_t> expected = plainDecode(text);
+    const tResult result = decode(kernels(), tExactText(text, offset));
+    ASSERT_EQ(result.data, expected) << "of " << text.size() << " characters at " << offset;
+    ASSERT_EQ(result.crc, firmwareCrc(expected));
+  }
+
+  std::mt19937 random{7};
+  [[nodiscard]] size_t upTo(size_t limit) { return random() % (limit + 1); }
+  [[nodiscard]] char noise() {
+    char character = 0;
+    do {
+      character = static_cast<char>(random());
+    } while (!plainDecode(std::string(2, character)).empty());
+    return character;
+  }
+  [[nodiscard]] std::string cleanText(size_t length) {
+    std::string text = encodeBase64(firmwareBytes(length, static_cast<uint32_t>(random())));
+    text.resize(length);
+    return text;
+  }
+};
+
+TEST_P(Kernels, EveryLengthUpTo3000_DecodesAsThePlainRule) {
+  const std::string text = cleanText(3000);
+  for (size_t length = 0; length <= text.size(); ++length) {
+    expectAsPlain(std::string_view(text).substr(0, length), length % 64);
+  }
+}
+
+TEST_P(Kernels, EveryAlignment_DecodesAsThePlainRule) {
+  const std::string text = encodeBase64(firmwareBytes(3000), 76);
+  for (size_t offset = 0; offset < 64; ++offset) {
+    expectAsPlain(text, offset);
+  }
+}
+
+TEST_P(Kernels, EveryLineLength_DecodesAsThePlainRule) {
+  const std::vector<uint8_t> data = firmwareBytes(1500);
+  for (size_t lineLength = 1; lineLength <= 300; ++lineLength) {
+    expectAsPlain(encodeBase64(data, lineLength), lineLength % 64);
+  }
+}
+
+TEST_P(Kernels, OneNoiseCharacterAnywhere_IsSkipped) {
+  const std::string clean = cleanText(400);
+  for (size_t place = 0; place <= clean.size(); ++place) {
+    expectAsPlain(std::string(clean).insert(place, 1, noise()));
+  }
+}
+
+TEST_P(Kernels, EveryByteValue_IsACharacterOrSkipped) {
+  for (unsigned value = 0; value < 256; ++value) {
+    for (const size_t length : {4u, 76u, 300u}) {
+      std::string text = cleanText(length);
+      text[length / 2] = static_cast<char>(value);
+      expectAsPlain(text);
+      expectAsPlain(std::string(length, static_cast<char>(value)));
+    }
+  }
+}
+
+TEST_P(Kernels, NoiseOfEveryDensity_IsSkipped) {
+  for (int round = 0; round < 3000; ++round) {
+    const size_t period = 1 + upTo(40);
+    std::string text = cleanText(upTo(3000));
+    for (char& character : text) {
+      if (upTo(period) == 0) {
+        character = noise();
+      }
+    }
+    expectAsPlain(text, upTo(63));
+  }
+}
+
+TEST_P(Kernels, LongRunsOfNoise_AreSkipped) {
+  for (int round = 0; round < 200; ++round) {
+    std::string text;
+    while (text.size() < 6000) {
+      text += cleanText(upTo(300)) + std::string(upTo(600), noise());
+    }
+    expectAsPlain(text, upTo(63));
+  }
+}
+
+TEST_P(Kernels, ArbitraryBytes_DecodeAsThePlainRule) {
+  for (int round = 0; round < 1000; ++round) {
+    std::string text(upTo(5000), '\0');
+    for (char& character : text) {
+      character = static_cast<char>(random());
+    }
+    expectAsPlain(text, upTo(63));
+  }
+}
+
+TEST_P(Kernels, PaddingInTheMiddle_IsSkippedLikeAnyNoise) {
+  EXPECT_EQ(decode(kernels(), tExactText("QQ==QQ==")).data, plainDecode("QQQQ"));
+}
+
+TEST_P(Kernels, BitsThatFillNoByte_AreDropped) {
+  EXPECT_EQ(decode(kernels(), tExactText("/")).data.size(), 0u);
+  EXPECT_EQ(decode(kernels(), tExactText("//")).data, (std::vector<uint8_t>{0xFF}));
+  EXPECT_EQ(decode(kernels(), tExactText("///")).data, (std::vector<uint8_t>{0xFF, 0xFF}));
+  EXPECT_EQ(decode(kernels(), tExactText("/////")).data, (std::vector<uint8_t>{0xFF, 0xFF, 0xFF}));
+}
+
+TEST_P(Kernels, Crc_HasTheGoldenValues) {
+  const auto crcOf = [&](std::string_view base64) {
+    return decode(kernels(), tExactText(base64)).crc;
+  };
+  EXPECT_EQ(crcOf("MTIzNDU2Nzg5"), 0x05440F15u) << "of the digits 1 to 9";
+  EXPECT_EQ(crcOf("AA=="), 0x8ACABE4Au) << "of one zero byte";
+  EXPECT_EQ(crcOf(""), 0u) << "of no byte";
+}
+
+TEST_P(Kernels, CrcOfAMillionBytes_IsThatOfThePlainRule) {
+  expectAsPlain(encodeBase64(firmwareBytes(1000003), 76));
+}
+
+TEST_P(Kernels, Search_FindsTheFirstColonOrNul) {
+  EXPECT_EQ(kernels().findColonOrNul(nullptr, nullptr), nullptr);
+  for (size_t length = 0; length < 700; length += 1 + upTo(3)) {
+    const std::string clean = cleanText(length);
+    const size_t offset = upTo(63);
+    const tExactText without(clean, offset);
+    ASSERT_EQ(kernels().findColonOrNul(without.begin(), without.end()), without.end());
+    for (int hits = 0; hits < 4 && length > 0; ++hits) {
+      const size_t place = upTo(length - 1);
+      std::string text = clean;
+      text[place] = hits % 2 == 0 ? ':' : '\0';
+      text[place + upTo(length - 1 - place)] = hits % 3 == 0 ? '\0' : ':';
+      const tExactText exact(text, offset);
+      const uint8_t* const found = kernels().findColonOrNul(exact.begin(), exact.end());
+      ASSERT_EQ(found - exact.begin(), static_cast<ptrdiff_t>(text.find_first_of({":\0", 2})));
+    }
+  }
+}
+
+TEST_P(Kernels, Search_TakesNoOtherByteForAColonOrNul) {
+  for (unsigned value = 1; value < 256; ++value) {
+    if (value != ':') {
+      const tExactText text(std::string(300, static_cast<char>(value)));
+      ASSERT_EQ(kernels().findColonOrNul(text.begin(), text.end()), text.end()) << value;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Kernels, testing::ValuesIn(allKernels().begin(), allKernels().end()),
+                         [](const auto& test) {
+                           std::string name = test.param.kernels.name;
+                           std::erase(name, '-');
+                           return name;
+                         });
+
+TEST(KernelSelection, Best_AreTheFirstSupported) {
+  for (const tChoice& choice : allKernels()) {
+    if (choice.isSupported()) {
+      EXPECT_EQ(&bestKernels(), &choice.kernels);
+      return;
+    }
+  }
+  FAIL() << "the last ones are supported by every processor";
+}
+
+TEST(PlainSteps, ChangeNoByteBehindTheirRoom) {
+  const std::string text = encodeBase64(firmwareBytes(90));
+  for (size_t length = 0; length <= text.size(); ++length) {
+    const tExactText exact(std::string_view(text).substr(0, length));
+    const auto sextets = std::make_unique<uint8_t[]>(length);
+    const size_t count = extractSextets(exact.begin(), length, sextets.get());
+    const size_t bytes = count * 6 / 8;
+    const auto data = std::make_unique<uint8_t[]>(bytes);
+    ASSERT_EQ(packSextets(sextets.get(), count, data.get()), bytes);
+    const std::vector<uint8_t> expected = plainDecode(std::string_view(text).substr(0, length));
+    ASSERT_EQ(std::vector<uint8_t>(data.get(), data.get() + bytes), expected);
+    ASSERT_EQ(~updateRegister(0xFFFFFFFF, data.get(), bytes), firmwareCrc(expected));
+  }
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,89 @@
+// The parser of firmware images on arbitrary bytes. The input is the image, in memory of exactly its
+// size. Whatever it is, parser and plain implementation agree on records and failure, with every
+// kernel that this processor has.
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "source/user/firmware/decoding/selection.h"
+#include "source/user/firmware/tfirmwareimageparser.h"
+#include "tests/builders/firmwareimagebuilder.h"
+#include "tests/component/user/firmware/plainimage.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace {
+
+using namespace nQUENRA1400;
+using nTests::tPlainImage;
+using nTests::tPlainRecord;
+
+void require(bool holds, const char* promise) {
+  if (!holds) {
+    std::fprintf(stderr, "broken promise: %s\n", promise);
+    std::abort();
+  }
+}
+
+void requireLine(const zoerr::Status& status, uint32_t line) {
+  const std::string_view description = status.description == nullptr ? "" : status.description;
+  const std::string expected = "\"line\":" + std::to_string(line);
+  require(!status.isError() || description.find(expected) != std::string_view::npos,
+          "a failure tells its line");
+}
+
+void checkParse(const nFirmwareDecoding::tKernels& kernels, std::string_view image,
+                const tPlainImage& expected) {
+  tFirmwarePayloads records;
+  zoerr::tOwnedStatus status;
+  tFirmwareImageParser(kernels).Parse(records, image.data(), image.size(), status);
+  require(status.code == expected.code, "the code");
+  requireLine(status, expected.line);
+  require(records.size() == expected.records.size(), "the number of records");
+  for (size_t i = 0; i < records.size(); ++i) {
+    const tFirmwarePayload& record = records[i];
+    const tPlainRecord found{{record.data, record.data + record.byteCount},
+                             record.targetDevice,
+                             record.version,
+                             record.targetFileName};
+    require(found == expected.records[i], "a record");
+  }
+  freePayloads(records);
+}
+
+// What is no image at all is still a text to decode, and to search.
+void checkKernels(const nFirmwareDecoding::tKernels& kernels, std::string_view text,
+                  const std::vector<uint8_t>& decoded, uint32_t crc) {
+  const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
+  const auto data = std::make_unique<uint8_t[]>(text.size());
+  const auto result = kernels.decode(bytes, text.size(), data.get());
+  require(std::equal(decoded.begin(), decoded.end(), data.get(), data.get() + result.byteCount),
+          "the decoded bytes");
+  require(result.crc == crc, "the CRC");
+  const auto* const found = kernels.findColonOrNul(bytes, bytes + text.size());
+  require(static_cast<size_t>(found - bytes) ==
+              std::min(text.find_first_of(std::string_view(":\0", 2)), text.size()),
+          "the first colon or NUL");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
+  const auto exact = std::make_unique<char[]>(size);
+  std::copy_n(input, size, exact.get());
+  const std::string_view image(exact.get(), size);
+  const tPlainImage expected = nTests::plainParse(image);
+  const std::vector<uint8_t> decoded = nTests::plainDecode(image);
+  const uint32_t crc = nTests::firmwareCrc(decoded);
+  for (const auto& choice : nFirmwareDecoding::allKernels()) {
+    if (choice.isSupported()) {
+      checkParse(choice.kernels, image, expected);
+      checkKernels(choice.kernels, image, decoded, crc);
+    }
+  }
+  return 0;
+}
