@@ -29,7 +29,7 @@ using tClock = std::chrono::steady_clock;
 
 constexpr size_t kThreads = 8;
 constexpr uint32_t kTurnsOfARound = 25;
-constexpr auto kDuration = seconds(4);
+constexpr auto kDuration = seconds(3);
 constexpr auto kPatience = seconds(60);
 constexpr const char* kDriverStoreTool = "C:\\Windows\\Sysnative\\pnputil.exe";
 
@@ -201,6 +201,8 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
   std::vector<std::string> images{
       firmwareImage({tFirmwareSection("MARTEN").payload(firmwareBytes(300, 2)),
                      tFirmwareSection("BIOS").payload(firmwareBytes(100, 1))}),
+      firmwareImage({tFirmwareSection("BIOS").payload(firmwareBytes(700, 5))}),
+      firmwareImage({tFirmwareSection("MARTEN").payload(firmwareBytes(20, 6))}),
       firmwareImage({tFirmwareSection("SAFEMODE").payload(firmwareBytes(30, 3)),
                      tFirmwareSection::capsule("driver.inf").payload(firmwareBytes(50, 4))})};
   std::array<tThread, kThreads> threads;
