@@ -66,6 +66,7 @@ void tFaultPlan::reset() {
   record_.clear();
   failures_.clear();
   hooks_.clear();
+  decisions_.clear();
   completion_ = tCompletion::atOnce;
   completionError_ = 0;
 }
@@ -82,6 +83,11 @@ void tFaultPlan::failAnyCall(unsigned nth, uint32_t error) {
 
 void tFaultPlan::failEveryCall(tCall call, uint32_t error) {
   failCall(call, 0, error);
+}
+
+void tFaultPlan::decide(tDecision decision) {
+  const std::lock_guard lock(mutex_);
+  decisions_.push_back(std::move(decision));
 }
 
 void tFaultPlan::beforeCall(tCall call, unsigned nth, std::function<void()> hook) {
@@ -135,6 +141,9 @@ std::optional<uint32_t> tFaultPlan::enter(tCall call, std::string argument) {
     const std::lock_guard lock(mutex_);
     const unsigned nth = ++counts_[static_cast<size_t>(call)];
     const unsigned nthOfAny = std::accumulate(counts_.begin(), counts_.end(), 0u);
+    for (const tDecision& decision : decisions_) {
+      error = error ? error : decision(call, argument);
+    }
     record_.push_back({call, std::move(argument)});
     for (const tHook& candidate : hooks_) {
       if (candidate.call == call && candidate.nth == nth) {
