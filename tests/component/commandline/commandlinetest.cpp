@@ -40,6 +40,15 @@ tRun CommandLineTest::runWith(const std::vector<std::string>& words, bool termin
   return {exitCode, out.str(), error.str()};
 }
 
+std::vector<std::string> wordsOf(std::string_view verb) {
+  std::istringstream stream{std::string(verb)};
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;) {
+    words.push_back(word);
+  }
+  return words;
+}
+
 std::vector<std::string> memberNames(const rapidjson::Value& object) {
   std::vector<std::string> names;
   for (const auto& member : object.GetObject()) {

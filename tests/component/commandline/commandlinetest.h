@@ -6,6 +6,7 @@
 #include <rapidjson/document.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/component/commandline/tscriptedlibrary.h"
@@ -35,6 +36,9 @@ class CommandLineTest : public testing::Test {
  private:
   tRun runWith(const std::vector<std::string>& words, bool terminal);
 };
+
+// A verb as the words that are typed for it.
+[[nodiscard]] std::vector<std::string> wordsOf(std::string_view verb);
 
 // The names of an object's members, in order.
 [[nodiscard]] std::vector<std::string> memberNames(const rapidjson::Value& object);

@@ -6,6 +6,9 @@
 #include "tools/quenra/verbs/attributes.h"
 #include "tools/quenra/verbs/completion.h"
 #include "tools/quenra/verbs/explain.h"
+#include "tools/quenra/verbs/firmwarebuild.h"
+#include "tools/quenra/verbs/firmwareinspect.h"
+#include "tools/quenra/verbs/firmwareverify.h"
 #include "tools/quenra/verbs/get.h"
 #include "tools/quenra/verbs/help.h"
 #include "tools/quenra/verbs/info.h"
@@ -74,6 +77,35 @@ constexpr tExampleRow kSelfTestExamples[] = {
     {"self-test", "whether the controller can be opened and used"},
 };
 
+// ---- firmware ----
+
+constexpr tPositionalRow kImagePositionals[] = {
+    {nWords::kImage, "IMAGE", "File of the firmware image"},
+};
+constexpr tPositionalRow kPayloadPositionals[] = {
+    {nWords::kPayload, "PAYLOAD", "File of the bytes that the device is to receive"},
+};
+constexpr tOptionRow kFirmwareBuildOptions[] = {
+    {nWords::kOutput, "IMAGE", "File of the firmware image; replaced if it is there", {}, true},
+    {nWords::kDevice, "BIOS|MARTEN|SAFEMODE", "The device that the section is for", {}, true},
+    {nWords::kFirmwareVersion, "VERSION", "The version of the payload", {}, true},
+    {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that name"},
+    {nWords::kLineLength, "N", "Characters in a line of the payload, 76 without; 0 for one line"},
+    {nWords::kAppend, "", "Add the section to the image that is there"},
+};
+constexpr tExampleRow kFirmwareInspectExamples[] = {
+    {"firmware inspect update.fwi", "what is in an image"},
+};
+constexpr tExampleRow kFirmwareVerifyExamples[] = {
+    {"firmware verify update.fwi", "whether the library would take it"},
+};
+constexpr tExampleRow kFirmwareBuildExamples[] = {
+    {"firmware build a.bin --output update.fwi --device MARTEN --firmware-version 1.4.2f7",
+     "an image of one section"},
+    {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 2.0",
+     "... and a second one"},
+};
+
 // ---- attributes ----
 
 constexpr tExampleRow kAttributesExamples[] = {
@@ -105,6 +137,7 @@ constexpr tExampleRow kCompletionExamples[] = {
 
 constexpr tPositionalRow kHelpPositionals[] = {
     {nWords::kVerb, "VERB", "The verb", &kVerbWords, false},
+    {nWords::kAction, "ACTION", "Its second word, where it has one", nullptr, false},
 };
 constexpr tOptionRow kHelpOptions[] = {
     {nWords::kManual, "", "Print the manual page quenra(1) instead, as man reads it"},
@@ -112,6 +145,10 @@ constexpr tOptionRow kHelpOptions[] = {
 constexpr tExampleRow kHelpExamples[] = {
     {"help get", "all about one verb"},
     {"help --manual", "the manual page; '| man -l -' shows it"},
+};
+
+constexpr tVerbGroupRow kGroups[] = {
+    {"firmware", "Look at firmware images, and make them", &kFirmwareWords},
 };
 
 // clang-format off
@@ -140,6 +177,24 @@ constexpr tVerbRow kRows[] = {
      "there is to test.",
      {}, {}, kSelfTestExamples, runSelfTest},
 
+    {"firmware inspect", "Show the sections of a firmware image",
+     "Each section with its device, type, version, file name, size and CRC, its place in the order of "
+     "application, and what the library would say to it. A section that the library refuses is shown "
+     "with the reason; the sections behind it are judged all the same, though one fault keeps all of "
+     "an image from being applied. Needs no controller.",
+     kImagePositionals, {}, kFirmwareInspectExamples, runFirmwareInspect},
+
+    {"firmware verify", "Say whether the library would take a firmware image",
+     "The exit code is 1 where a section is refused, or where there is none; every fault is told on "
+     "the standard error stream. Whether the machine has the devices is not looked at. Needs no "
+     "controller.",
+     kImagePositionals, {}, kFirmwareVerifyExamples, runFirmwareVerify},
+
+    {"firmware build", "Make a firmware image, a section at a time",
+     "The image is read back before it is written: what the format cannot hold is refused, and an "
+     "image that was there stays. Needs no controller.",
+     kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples, runFirmwareBuild},
+
     {"attributes", "List every attribute with its id, type and unit",
      "Needs no controller.",
      {}, {}, kAttributesExamples, runAttributes},
@@ -163,12 +218,24 @@ constexpr tVerbRow kRows[] = {
 }  // namespace
 
 constinit const std::span<const tVerbRow> kVerbs{kRows};
+constinit const std::span<const tVerbGroupRow> kVerbGroups{kGroups};
 constinit const tVerbRow kHelpAnswer{"help", "", "", {}, {}, {}, runHelp};
 constinit const tVerbRow kVersionAnswer{"version", "", "", {}, {}, {}, runVersion};
 
 const tVerbRow* findVerb(std::string_view name) noexcept {
   const auto verb = std::ranges::find(kVerbs, name, &tVerbRow::name);
   return verb == kVerbs.end() ? nullptr : &*verb;
+}
+
+const tVerbGroupRow* findVerbGroup(std::string_view name) noexcept {
+  const auto group = std::ranges::find(kVerbGroups, name, &tVerbGroupRow::name);
+  return group == kVerbGroups.end() ? nullptr : &*group;
+}
+
+std::string_view actionIn(std::string_view group, const tVerbRow& verb) noexcept {
+  const bool isInGroup = verb.name.size() > group.size() && verb.name.starts_with(group) &&
+                         verb.name[group.size()] == ' ';
+  return isInGroup ? verb.name.substr(group.size() + 1) : std::string_view{};
 }
 
 }  // namespace nCommandLine

@@ -10,7 +10,8 @@ namespace {
 constexpr std::string_view kDescription =
     "quenra shows the controller of a PXI chassis: to people as aligned tables, to scripts as "
     "JSON. "
-    "Only the verb set changes anything. Answers go to the standard output; failures and warnings "
+    "Only the verb set changes anything of it. It also looks into firmware images and makes them. "
+    "Answers go to the standard output; failures and warnings "
     "go "
     "to the standard error stream, each with its code, its constant and advice. With --json the "
     "standard output holds exactly one JSON document, whatever happens.";
