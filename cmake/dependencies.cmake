@@ -10,7 +10,7 @@ include(GoogleTest)
 # into a folder of its own.
 set(host_headers ${CMAKE_BINARY_DIR}/hostheaders)
 file(MAKE_DIRECTORY ${host_headers})
-foreach(name CLI rapidjson)
+foreach(name CLI boost rapidjson)
   file(CREATE_LINK /usr/include/${name} ${host_headers}/${name} SYMBOLIC)
 endforeach()
 add_library(header_libraries INTERFACE)

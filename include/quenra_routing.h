@@ -141,7 +141,9 @@ typedef struct zoroco_TerminalIterator zoroco_TerminalIterator;
  *
  * Returns the buffer, which the library stores in the output argument, or null when it has none:
  * the output argument then stays as it was, and the call fails with QUENRA_STATUS_MEMORY_FULL.
- * Called once for an answer, in the call that answers, and never when there is no answer. */
+ * Called once for an answer, in the call that answers, and never when there is no answer. A
+ * call that has an answer and no output argument, a null pointer, fails with
+ * QUENRA_STATUS_INVALID_PARAMETER. */
 typedef char* (*zoroco_Reallocate)(char* current, size_t required, const char* text,
                                    size_t requiredAgain);
 

@@ -25,6 +25,11 @@ using nZOAPALS100::tStatus;
 
 constexpr auto kNameMissing = adaptorLocation(203, kInvalidParameterConstant);
 
+// Clients see the codes that are told here under their public names.
+static_assert(kBadSelector == QUENRA_STATUS_BAD_SELECTOR);
+static_assert(DRIVER_STATUS_ROUTE_CONFLICT == QUENRA_STATUS_ROUTE_CONFLICT);
+static_assert(DRIVER_STATUS_PATH_TOO_LONG == QUENRA_STATUS_PATH_TOO_LONG);
+
 constexpr int32_t kReasonDemoted = 101;
 constexpr uint32_t kFirstConflicts = 8;
 constexpr uint32_t kRoutesPerDestination = 2;

@@ -2,8 +2,6 @@
 
 namespace zoark {
 
-using nQUENRA1400::nZOAPAL000::tIONotification;
-
 void tDemotionNotification::takeNotice(uint32_t kind, tIONotification* notification, const uint8_t*,
                                        uint32_t, nZOAPALS100::tStatus& status) noexcept {
   if (kind != nQUENRA1400::nZOAPAL000::kNotificationDelivered || notification == nullptr ||

@@ -37,7 +37,7 @@ void carryOutGetAttribute(tModel* model, const tModelFile* file, const void* inp
 static bool fits(const tSimulatorAttribute* attribute, int32_t size) {
   const bool isNumber = attribute->attribute >> 28 == 2;
   return isNumber ? size == (int32_t)sizeof(uint32_t)
-                  : size > 0 && size <= SIMULATOR_VALUE_CAPACITY;
+                  : size >= 0 && size <= SIMULATOR_VALUE_CAPACITY;
 }
 
 static int32_t setAttribute(tModel* model, const tModelFile* file,
@@ -53,8 +53,8 @@ static int32_t setAttribute(tModel* model, const tModelFile* file,
   }
   tSimulatorAttribute changed = *present;
   changed.size = (uint32_t)request->size;
-  if (!model->host.readCaller(model->host.context, file->process, request->buffer, changed.value,
-                              changed.size)) {
+  if (changed.size != 0 && !model->host.readCaller(model->host.context, file->process,
+                                                   request->buffer, changed.value, changed.size)) {
     return SIMULATOR_STATUS_BAD_ADDRESS;
   }
   attributesPut(&model->attributes, &changed);

@@ -19,6 +19,7 @@ inline constexpr int32_t kAttributeNotSupported = QUENRA_STATUS_NOT_SUPPORTED;
 inline constexpr int32_t kInvalidValue = QUENRA_STATUS_INVALID_VALUE;
 inline constexpr int32_t kUpdateEnvironment = QUENRA_STATUS_UPDATE_ENVIRONMENT;
 inline constexpr int32_t kInvalidImage = QUENRA_STATUS_INVALID_IMAGE;
+inline constexpr int32_t kDriveProtected = QUENRA_STATUS_DRIVE_PROTECTED;
 inline constexpr int32_t kImageVersion = QUENRA_STATUS_IMAGE_VERSION;
 
 // The layers below name their codes themselves; applications see them under the public names.

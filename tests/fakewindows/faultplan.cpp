@@ -28,6 +28,8 @@ constexpr const char* kNames[kCalls] = {
     "CreateIoCompletionPort",
     "GetQueuedCompletionStatus",
     "PostQueuedCompletionStatus",
+    "MultiByteToWideChar",
+    "WideCharToMultiByte",
     "AddVectoredExceptionHandler",
     "CloseHandle",
     "InitializeCriticalSectionEx",

@@ -32,6 +32,8 @@ enum class tCall : uint8_t {
   createIoCompletionPort,
   getQueuedCompletionStatus,
   postQueuedCompletionStatus,
+  multiByteToWideChar,
+  wideCharToMultiByte,
   addVectoredExceptionHandler,
   closeHandle,
   initializeCriticalSectionEx,

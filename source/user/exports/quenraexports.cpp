@@ -115,6 +115,18 @@ int32_t QUENRA_setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t val
   });
 }
 
+int32_t QUENRA_updateFirmware(uint64_t handle, const void* image, uint64_t size) {
+  constexpr uint32_t kWhateverIsInstalled = 1;
+  return QUENRA_updateFirmware2(handle, image, size, kWhateverIsInstalled);
+}
+
+int32_t QUENRA_updateFirmware2(uint64_t handle, const void* image, uint64_t size,
+                               uint32_t options) {
+  return runOnSession(handle, [=](tControllerUserSession& session, zoerr::Status& status) {
+    session.updateFirmware(image, size, options, status);
+  });
+}
+
 int32_t QUENRA_performSelfTest(uint64_t handle) {
   return runOnSession(handle, [](tControllerUserSession&, zoerr::Status&) {});
 }

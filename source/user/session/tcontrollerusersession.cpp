@@ -8,6 +8,7 @@
 #include "source/user/preconditions/modelfamilies.h"
 #include "source/user/session/smbioshandover.h"
 #include "source/user/statuscodes.h"
+#include "source/user/update/firmwareupdate.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
 
 namespace nQUENRA1400 {
@@ -150,6 +151,11 @@ void tControllerUserSession::writeText(uint32_t attribute, const char* text,
 void tControllerUserSession::writeUnsigned(uint32_t attribute, uint32_t value,
                                            zoerr::Status& status) noexcept {
   writeUnsignedAttribute(access(), attribute, value, status);
+}
+
+void tControllerUserSession::updateFirmware(const void* image, uint64_t imageSize, uint32_t flags,
+                                            zoerr::Status& status) {
+  nQUENRA1400::updateFirmware(access(), image, imageSize, flags, status);
 }
 
 }  // namespace nQUENRA1400

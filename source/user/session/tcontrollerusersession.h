@@ -35,6 +35,8 @@ class tControllerUserSession {
   void readUnsigned(uint32_t attribute, uint32_t& value, zoerr::Status& status) noexcept;
   void writeText(uint32_t attribute, const char* text, zoerr::Status& status) noexcept;
   void writeUnsigned(uint32_t attribute, uint32_t value, zoerr::Status& status) noexcept;
+  // Throws what updateFirmware of update/firmwareupdate.h throws.
+  void updateFirmware(const void* image, uint64_t imageSize, uint32_t flags, zoerr::Status& status);
 
  private:
   void openControllerInterface(zoerr::Status& status) noexcept;

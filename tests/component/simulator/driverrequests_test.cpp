@@ -144,11 +144,17 @@ TEST_F(ModelRequests, Writability_CanBeChanged) {
 
 TEST_F(ModelRequests, WriteOfAWrongSizeOrFromUnreachableMemory_IsRefused) {
   EXPECT_EQ(set(kController, 0x20044C00, 0x300, 3), SIMULATOR_STATUS_BAD_VALUE);
-  EXPECT_EQ(set(kController, 0x18000000, 0x300, 0), SIMULATOR_STATUS_BAD_VALUE);
   EXPECT_EQ(set(kController, 0x18000000, 0x300, -1), SIMULATOR_STATUS_BAD_VALUE);
   EXPECT_EQ(set(kController, 0x18000000, 0x300, 257), SIMULATOR_STATUS_BAD_VALUE);
   EXPECT_EQ(set(kController, 0x18000000, 0x300, 256), 0);
   EXPECT_EQ(set(kController, 0x20044C00, 0, 4), SIMULATOR_STATUS_BAD_ADDRESS);
+}
+
+TEST_F(ModelRequests, TextWrittenEmpty_IsEmptyAndNeedsNoMemory) {
+  EXPECT_EQ(set(kController, 0x18000000, ~std::uint64_t{0}, 0), 0);
+  const auto reply = get(kController, 0x18000000, 0x400, 64);
+  EXPECT_EQ(reply.driverStatus, 0);
+  EXPECT_EQ(reply.size, 0u);
 }
 
 TEST_F(ModelRequests, MartenVersion_CanBeOverwrittenAndHasNoSelector) {

@@ -8,7 +8,6 @@ namespace {
 using nFakeWindows::faultPlan;
 using nFakeWindows::tAllocationPlan;
 using nFakeWindows::tCall;
-using nFakeWindows::tCallRecord;
 
 constexpr uint32_t kAccessDenied = 5;
 

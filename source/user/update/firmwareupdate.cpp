@@ -1,0 +1,178 @@
+#include "source/user/update/firmwareupdate.h"
+
+#include <string_view>
+
+#include "source/user/attributes/drivercalls.h"
+#include "source/user/attributes/providertext.h"
+#include "source/user/firmware/tfirmwareimageparser.h"
+#include "source/user/location.h"
+#include "source/user/preconditions/driveencryption.h"
+#include "source/user/statuscodes.h"
+#include "source/user/update/driverpackage.h"
+#include "source/user/update/firmwareversion.h"
+#include "source/user/update/martentext.h"
+#include "source/user/update/payloadfiles.h"
+#include "source/user/update/tmartenmarker.h"
+#include "source/user/update/tupdatefolder.h"
+
+namespace nQUENRA1400 {
+namespace {
+
+using nZOSMBIOS_1_1::byteField;
+using nZOSMBIOS_1_1::textField;
+
+constexpr auto kDriveIsEncrypted = sessionLocation(1787);
+constexpr auto kEligibilityUnknown = sessionLocation(1798);
+constexpr auto kNotEligible = sessionLocation(1810);
+constexpr auto kBadFlags = sessionLocation(1826);
+constexpr auto kNoMarten = sessionLocation(1868);
+
+constexpr auto kUpdatable = byteField(0x9E, 0x04);
+constexpr auto kUpdateProtection = byteField(0x9E, 0x05);
+constexpr uint8_t kFirstProtected = 2;
+constexpr auto kBiosVersion = textField(0x00, 0x05);
+constexpr uint32_t kMartenVersion = 0x10200400;
+
+constexpr uint32_t kCompareVersions = 0;
+constexpr uint32_t kUpdateEverything = 1;
+
+constexpr std::string_view kBios = "BIOS";
+constexpr std::string_view kMarten = "MARTEN";
+constexpr std::string_view kDriverPackage = ".inf";
+
+// The payloads of an image; their memory goes when the list does.
+class tPayloadList {
+ public:
+  tPayloadList() = default;
+  tPayloadList(const tPayloadList&) = delete;
+  tPayloadList& operator=(const tPayloadList&) = delete;
+  ~tPayloadList() { freePayloads(payloads); }
+
+  tFirmwarePayloads payloads;
+};
+
+// What needs no update, for the image as a whole.
+struct tCurrent {
+  bool bios = false;
+  bool marten = false;
+};
+
+void checkMachine(const tAttributeAccess& access, zoerr::Status& status) noexcept {
+  const bool isEncrypted = IsSystemDriveEncrypted(status);
+  if (status.isError()) {
+    return;
+  }
+  uint8_t updatable = 0;
+  uint8_t protection = 0;
+  if (isEncrypted) {
+    status.set(kDriveProtected, kDriveIsEncrypted);
+  } else if (access.provider.readByte(kUpdatable, 0, &updatable) != 0 ||
+             access.provider.readByte(kUpdateProtection, 0, &protection) != 0) {
+    status.set(kNoController, kEligibilityUnknown);
+  } else if (updatable == 0 || protection >= kFirstProtected) {
+    status.set(kAttributeNotSupported, kNotEligible);
+  }
+}
+
+void checkFlags(uint32_t flags, zoerr::Status& status) noexcept {
+  if (!status.isError() && flags != kCompareVersions && flags != kUpdateEverything) {
+    status.set(kInvalidValue, kBadFlags);
+  }
+}
+
+// A version that cannot be read is older than any.
+uint32_t installedBiosVersion(const tAttributeAccess& access) noexcept {
+  const tProviderText text(access.provider, kBiosVersion, 0);
+  return text.result() == 0 ? packedVersion(text.view()) : 0;
+}
+
+void compareVersions(const tAttributeAccess& access, const tFirmwarePayload& payload,
+                     tCurrent& current, zoerr::Status& status) {
+  const uint32_t wanted = packedVersion(payload.version);
+  if (payload.targetDevice == kBios) {
+    current.bios = current.bios || installedBiosVersion(access) >= wanted;
+  } else if (payload.targetDevice == kMarten) {
+    const std::string installed = readMartenText(access.marten, kMartenVersion, status);
+    current.marten = current.marten || (!status.isError() && wanted <= packedVersion(installed));
+  }
+}
+
+tCurrent decide(const tAttributeAccess& access, const tFirmwarePayloads& payloads, uint32_t flags,
+                zoerr::Status& status) {
+  tCurrent current;
+  for (const tFirmwarePayload& payload : payloads) {
+    if (status.isError()) {
+      break;
+    }
+    if (payload.targetDevice == kMarten && !access.martenIsOpen) {
+      status.set(kInvalidImage, kNoMarten);
+    } else if (flags == kCompareVersions) {
+      compareVersions(access, payload, current, status);
+    }
+  }
+  return current;
+}
+
+template <class Interface>
+void send(Interface& device, const tFirmwarePayload& payload, zoerr::Status& status) noexcept {
+  nZOAPALS100::tStatus record = recordFor(status);
+  device.sendCommand(addressOf(payload.data), payload.byteCount, record);
+  status.mergeFrom(record);
+}
+
+void install(const tFirmwarePayload& payload, const tUpdateFolder& folder, zoerr::Status& status) {
+  installDriverPackage(payloadFilePath(payload, folder), status);
+  if (status.isError()) {
+    folder.remove();
+  }
+}
+
+// What is neither firmware to send nor a driver package has only been written to its file.
+void apply(const tAttributeAccess& access, const tFirmwarePayload& payload, const tCurrent& current,
+           const tUpdateFolder& folder, zoerr::Status& status) {
+  if (payload.targetDevice == kBios && !current.bios && payload.targetFileName.empty()) {
+    send(access.controller, payload, status);
+  } else if (payload.targetFileName.find(kDriverPackage) != std::string::npos) {
+    install(payload, folder, status);
+  } else if (payload.targetDevice == kMarten && !current.marten) {
+    send(access.marten, payload, status);
+  }
+}
+
+void applyAll(const tAttributeAccess& access, const tFirmwarePayloads& payloads,
+              const tCurrent& current, const tUpdateFolder& folder, zoerr::Status& status) {
+  tMartenMarker marker(access.martenIsOpen ? &access.marten : nullptr);
+  marker.overwrite(status);
+  writePayloadFiles(payloads, folder, status);
+  for (const tFirmwarePayload& payload : payloads) {
+    if (!status.isError()) {
+      apply(access, payload, current, folder, status);
+    }
+  }
+  if (!status.isError()) {
+    marker.keep();
+  }
+}
+
+}  // namespace
+
+void updateFirmware(const tAttributeAccess& access, const void* image, size_t imageSize,
+                    uint32_t flags, zoerr::Status& status) {
+  if (status.isError()) {
+    return;
+  }
+  checkMachine(access, status);
+  checkFlags(flags, status);
+  if (status.isError()) {
+    return;
+  }
+  const tUpdateFolder folder;
+  tPayloadList sections;
+  tFirmwareImageParser().Parse(sections.payloads, image, imageSize, status);
+  const tCurrent current = decide(access, sections.payloads, flags, status);
+  if (!status.isError() && !(current.bios && current.marten)) {
+    applyAll(access, sections.payloads, current, folder, status);
+  }
+}
+
+}  // namespace nQUENRA1400

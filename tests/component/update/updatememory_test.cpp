@@ -1,0 +1,55 @@
+// Every allocation of a whole update, failed in turn.
+#include "tests/component/update/updatetest.h"
+#include "tests/fakewindows/allocationplan.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::tAllocationPlan;
+
+class UpdateMemory : public UpdateTest {
+ protected:
+  static int32_t updateWithout(unsigned nth, unsigned* count) {
+    const std::string image = wholeImage();
+    uint64_t handle = 0;
+    EXPECT_EQ(QUENRA_openController(&handle), 0);
+    int32_t code = 0;
+    {
+      const tAllocationPlan plan(nth);
+      code = QUENRA_updateFirmware(handle, image.data(), image.size());
+      *count = plan.count();
+    }
+    QUENRA_closeController(handle);
+    return code;
+  }
+};
+
+TEST_F(UpdateMemory, EachAllocationThatFails_IsToldAndLeavesNothingHalfDone) {
+  unsigned allocations = 0;
+  unsigned ignored = 0;
+  ASSERT_EQ(updateWithout(0, &ignored), 0);
+  ASSERT_EQ(updateWithout(0, &allocations), 0);
+  ASSERT_GT(allocations, 10u);
+  unsigned failures = 0;
+  for (unsigned nth = 1; nth <= allocations; ++nth) {
+    SCOPED_TRACE(nth);
+    setMarker(kMarkerBefore);
+    const int32_t code = updateWithout(nth, &ignored);
+    EXPECT_THAT(nFakeWindows::objects().open(), testing::IsEmpty());
+    if (code < 0) {
+      ++failures;
+      EXPECT_THAT(code,
+                  testing::AnyOf(QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL,
+                                 QUENRA_STATUS_UPDATE_ENVIRONMENT, QUENRA_STATUS_INTERNAL_ERROR));
+      EXPECT_EQ(marker(), kMarkerBefore);
+    } else {
+      EXPECT_EQ(marker(), kMarkerAfter);
+    }
+  }
+  EXPECT_GT(failures, 5u);
+  EXPECT_EQ(updateWithout(0, &ignored), 0);
+  expectNoLeak();
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,223 @@
+// Trigger routes through the exports, on the machine's router.
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+
+#include "protocol/routingrequests.h"
+#include "quenra_routing.h"
+#include "tests/contract/contracttest.h"
+
+extern "C" int routingExample(int argc, char** argv);
+
+namespace nTests {
+namespace {
+
+using testing::HasSubstr;
+
+char* giveRoom(char* current, size_t required, const char*, size_t) {
+  return static_cast<char*>(std::realloc(current, required));
+}
+
+// A client: a status, a place for answers, and a session with the machine's device.
+class tRoutingClient {
+ public:
+  explicit tRoutingClient(zoroco_DemotionCallback callback = nullptr, void* context = nullptr)
+      : session(zoroco_ra_quenra_createSessionWithDemotionFunc(devicePath().c_str(), &giveRoom,
+                                                               callback, context, &status)) {}
+  tRoutingClient(const tRoutingClient&) = delete;
+  tRoutingClient& operator=(const tRoutingClient&) = delete;
+  ~tRoutingClient() {
+    zoroco_ra_quenra_destroySession(session);
+    zoerr_Status_release(&status);
+    std::free(output);
+  }
+
+  static std::string devicePath() { return readText(QUENRA_ATTRIBUTE_DEVICE_PATH, 256).text; }
+
+  // The answer to a calculation from one terminal to another.
+  std::string calculate(const std::string& from, const std::string& to,
+                        const std::string& modifiers = "{}") {
+    const std::string seeds = R"([{"terminal":")" + from + R"(","cost":5,"constraints":{}}])";
+    const std::string destinations = R"([")" + to + R"("])";
+    count = zoroco_ra_quenra_calculateRoute(session, seeds.c_str(), destinations.c_str(),
+                                            modifiers.c_str(), &output, &status);
+    return answer();
+  }
+  // The ticket of the first route of such an answer.
+  uint32_t ticketFor(const std::string& from, const std::string& to) {
+    const std::string routes = calculate(from, to);
+    EXPECT_EQ(routes.substr(0, 11), R"([{"ticket":)") << description();
+    return routes.size() < 12 ? 0 : static_cast<uint32_t>(std::stoul(routes.substr(11)));
+  }
+  [[nodiscard]] std::string answer() const { return output == nullptr ? "(none)" : output; }
+  [[nodiscard]] std::string description() const {
+    return status.description == nullptr ? "" : status.description;
+  }
+
+  zoerr_Status status = zoerr_Status_initial();
+  char* output = nullptr;
+  uint32_t count = 0;
+  zoroco_RoutingAdaptorSession* session;
+};
+
+class Routing : public ContractTest {};
+
+TEST_F(Routing, LifeOfARoute_EndsWithNothingHeld) {
+  tRoutingClient client;
+  ASSERT_NE(client.session, nullptr) << client.description();
+  const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
+  EXPECT_EQ(client.count, 1u);
+  EXPECT_THAT(client.answer(), HasSubstr(R"("destination":"PXI_Trig0",)"));
+  zoroco_ra_quenra_reserveRoute(client.session, ticket, &client.output, &client.status);
+  zoroco_ra_quenra_programRoute(client.session, ticket, &client.status);
+  zoroco_ra_quenra_getRouteTerminalPath(client.session, ticket, &client.output, &client.status);
+  EXPECT_EQ(client.answer(), R"(["TRIG_SMB","PXI_Trig0"])");
+  ASSERT_EQ(machine().routes().size(), 1u);
+  EXPECT_EQ(machine().routes()[0].state, static_cast<uint32_t>(kSimulatorRouteProgrammed));
+  zoroco_ra_quenra_unprogramRoute(client.session, ticket, 0, 0);
+  zoroco_ra_quenra_unreserveRoute(client.session, ticket, 0, 0);
+  zoroco_ra_quenra_destroyRoute(client.session, ticket, 0, 0);
+  EXPECT_TRUE(machine().routes().empty());
+  EXPECT_EQ(client.status.code, 0) << client.description();
+}
+
+TEST_F(Routing, InversionThatIsRequired_IsToldInTheAnswer) {
+  tRoutingClient client;
+  EXPECT_THAT(client.calculate("TRIG_SMB", "PXI_Trig0", R"({"required":{"inversionNeeded":true}})"),
+              HasSubstr(R"("indexOfStartingSeed":0,"constraints":{"inversionNeeded":true}}])"));
+}
+
+TEST_F(Routing, LineThatAnotherSessionHolds_IsRefusedWithItsHolder) {
+  tRoutingClient holder;
+  tRoutingClient client;
+  const uint32_t held = holder.ticketFor("TRIG_SMB", "PXI_Trig0");
+  zoroco_ra_quenra_reserveRoute(holder.session, held, &holder.output, &holder.status);
+  const uint32_t wanted = client.ticketFor("WD_Terminal", "PXI_Trig0");
+  zoroco_ra_quenra_reserveRoute(client.session, wanted, &client.output, &client.status);
+  EXPECT_EQ(client.status.code, QUENRA_STATUS_ROUTE_CONFLICT);
+  EXPECT_EQ(client.description(),
+            R"({"file":"tInterfaceProxy_routing","line":161,"component":"quenra"})");
+  EXPECT_EQ(client.answer(), R"([{"sessionId":)" + std::to_string(machine().routes()[0].session) +
+                                 R"(,"ticket":)" + std::to_string(held) + "}]");
+}
+
+TEST_F(Routing, SessionThatIsDestroyed_LeavesItsRoutesToTheDriver) {
+  {
+    tRoutingClient holder;
+    const uint32_t ticket = holder.ticketFor("TRIG_SMB", "PXI_Trig0");
+    zoroco_ra_quenra_reserveRoute(holder.session, ticket, &holder.output, &holder.status);
+  }
+  EXPECT_TRUE(machine().routes().empty()) << "which releases them when the device is closed";
+}
+
+TEST_F(Routing, LongPath_IsToldWhole) {
+  tRoutingClient client;
+  const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
+  machine().setPathLength(1000);
+  zoroco_ra_quenra_getRouteTerminalPath(client.session, ticket, &client.output, &client.status);
+  EXPECT_EQ(client.status.code, 0) << client.description();
+  const std::string path = client.answer();
+  EXPECT_EQ(std::count(path.begin(), path.end(), ','), 999);
+}
+
+TEST_F(Routing, StepOutOfItsOrder_IsRefusedByTheDriver) {
+  tRoutingClient client;
+  const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
+  zoroco_ra_quenra_programRoute(client.session, ticket, &client.status);
+  EXPECT_EQ(client.status.code, SIMULATOR_STATUS_WRONG_ORDER);
+  EXPECT_EQ(client.description(),
+            R"({"file":"tInterfaceProxy_routing","line":187,"component":"quenra"})");
+}
+
+TEST_F(Routing, TicketThatIsNotThere_CanBeTakenDown) {
+  tRoutingClient client;
+  zoroco_ra_quenra_unprogramRoute(client.session, 4711, 0, 0);
+  zoroco_ra_quenra_unreserveRoute(client.session, 4711, 0, 0);
+  zoroco_ra_quenra_destroyRoute(client.session, 4711, 0, 0);
+  EXPECT_EQ(client.status.code, 0);
+}
+
+TEST_F(Routing, TerminalThatIsNotThere_IsRefusedByTheDriver) {
+  tRoutingClient client;
+  EXPECT_EQ(client.calculate("TRIG_SMB", "PXI_Trig8"), "(none)");
+  EXPECT_EQ(client.status.code, SIMULATOR_STATUS_NO_SUCH_TERMINAL);
+  EXPECT_EQ(client.description(),
+            R"({"file":"tInterfaceProxy_routing","line":104,"component":"quenra"})");
+}
+
+TEST_F(Routing, BadRequest_IsNotSent) {
+  tRoutingClient client;
+  EXPECT_EQ(client.calculate("TRIG_SMB", "PXI_Trig0", "5"), "(none)");
+  EXPECT_EQ(client.status.code, QUENRA_STATUS_INVALID_PARAMETER);
+  EXPECT_TRUE(requests(REQUEST_CALCULATE_ROUTE).empty());
+}
+
+TEST_F(Routing, ResetOfATerminal_IsCalculatedAndDone) {
+  tRoutingClient client;
+  auto* const iterator = zoroco_ra_quenra_getAllTerminals(client.session, &client.status, 0);
+  zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(client.session, iterator, "default",
+                                                           &client.status);
+  zoroco_ra_quenra_TerminalIterator_resetTerminal(iterator, "floating", &client.status);
+  EXPECT_EQ(client.status.code, 0) << client.description();
+  zoroco_ra_quenra_TerminalIterator_destroy(iterator);
+  ASSERT_EQ(requests(REQUEST_RESET_TERMINAL).size(), 1u);
+  EXPECT_EQ(requests(REQUEST_CALCULATE_RESET_TERMINAL).size(), 1u);
+}
+
+TEST_F(Routing, Demotion_IsToldToTheSessionOfTheRoute) {
+  std::atomic<int> reason = 0;
+  tRoutingClient other([](void* context, int32_t, zoerr_Status*,
+                          void*) { *static_cast<std::atomic<int>*>(context) = -1; },
+                       &reason);
+  tRoutingClient client([](void* context, int32_t why, zoerr_Status*,
+                           void*) { *static_cast<std::atomic<int>*>(context) = why; },
+                        &reason);
+  const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
+  zoroco_ra_quenra_reserveRoute(client.session, ticket, &client.output, &client.status);
+  machine().demoteRoute(ticket);
+  for (int i = 0; reason == 0 && i < 2000; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(reason, 101);
+}
+
+TEST_F(Routing, RouterOfAnotherName_HasNoSession) {
+  machine().setTopographyName("other");
+  tRoutingClient client;
+  EXPECT_EQ(client.session, nullptr);
+  EXPECT_EQ(client.status.code, QUENRA_STATUS_BAD_SELECTOR);
+  EXPECT_THAT(client.description(), HasSubstr(R"("zoark_debug":"Topography not found: other"})"));
+}
+
+TEST_F(Routing, DeviceThatIsNotThere_HasNoSession) {
+  zoerr_Status status = zoerr_Status_initial();
+  EXPECT_EQ(zoroco_ra_quenra_createSession(R"(\\?\nothing)", &giveRoom, &status), nullptr);
+  EXPECT_EQ(status.code, QUENRA_STATUS_NOT_FOUND);
+  EXPECT_STREQ(status.description,
+               R"({"file":"tdeviceinterfaceproxy","line":43,"component":"quenra"})");
+  zoerr_Status_release(&status);
+}
+
+// The program of docs/routing.md. It waits for a key, of which there is none.
+TEST_F(Routing, ProgramOfTheDocumentation_ConnectsTwoTerminals) {
+#ifdef _WIN32
+  constexpr const char* kNothingToRead = "NUL";
+#else
+  constexpr const char* kNothingToRead = "/dev/null";
+#endif
+  ASSERT_NE(std::freopen(kNothingToRead, "r", stdin), nullptr);
+  std::string words[] = {"routing", tRoutingClient::devicePath(), "TRIG_SMB", "PXI_Trig0"};
+  char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data()};
+  testing::internal::CaptureStdout();
+  const int exitCode = routingExample(4, arguments);
+  EXPECT_THAT(testing::internal::GetCapturedStdout(),
+              testing::EndsWith("terminal PXI_Trig7\nconnected: [\"TRIG_SMB\",\"PXI_Trig0\"]\n"));
+  EXPECT_EQ(exitCode, 0);
+  EXPECT_TRUE(machine().routes().empty());
+}
+
+}  // namespace
+}  // namespace nTests
