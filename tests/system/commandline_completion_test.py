@@ -66,7 +66,7 @@ class Bash(CommandLineTest):
         self.assertEqual(self.offered("--json", "ge"), ["get"])
 
     def test_second_word_of_a_verb_is_offered(self):
-        for group in ("firmware",):
+        for group in ("route", "firmware"):
             actions = [verb.split()[1] for verb in self.verbs() if verb.startswith(group + " ")]
             self.assertEqual(self.offered(group, ""), actions)
             self.assertEqual(self.offered("--json", group, "--json", actions[0][:2]), actions[:1])

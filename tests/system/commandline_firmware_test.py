@@ -1,25 +1,16 @@
-import os
-import pathlib
-import tempfile
 import unittest
 
-from commandline import CommandLineTest
+from commandline import CommandLineTest, Files
 
 
 class Firmware(CommandLineTest):
     def setUp(self):
         super().setUp()
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
-    def typed(self, name):
-        """The path of a file as it is typed in the simulated machine."""
-        path = str(self.folder / name)
-        return "Z:" + path.replace("/", "\\") if os.environ.get("QUENRA_RUNNER") else path
+        self.files = Files(self)
+        self.typed = self.files.typed
 
     def build(self, payload, *more, device="MARTEN", version="1.4.2f7", exit_code=0):
-        (self.folder / "payload").write_bytes(payload)
+        self.files["payload"].write_bytes(payload)
         return self.quenra("firmware", "build", self.typed("payload"), "--output",
                            self.typed("Größe.fwi"), "--device", device, "--firmware-version",
                            version, *more, exit_code=exit_code)
@@ -42,7 +33,7 @@ class Firmware(CommandLineTest):
 
     def test_every_fault_is_told(self):
         self.build(b"123456789")
-        path = self.folder / "Größe.fwi"
+        path = self.files["Größe.fwi"]
         path.write_bytes(path.read_bytes().replace(b"MTIz", b"MTI0"))
         self.assertIn("refused: the payload has another CRC",
                       self.quenra("firmware", "inspect", self.typed("Größe.fwi")).out)
@@ -53,7 +44,7 @@ class Firmware(CommandLineTest):
         self.assertEqual(document["image"]["sections"][0]["fault"]["line"], 258)
 
     def test_document_tells_what_was_built(self):
-        (self.folder / "payload").write_bytes(b"123456789")
+        self.files["payload"].write_bytes(b"123456789")
         document = self.document("firmware", "build", self.typed("payload"), "--output",
                                  self.typed("x.fwi"), "--device", "SAFEMODE", "--firmware-version",
                                  "1", kind="firmware-build")

@@ -2,8 +2,8 @@ import unittest
 
 from commandline import CommandLineTest
 
-VERBS = ("info", "get", "set", "self-test", "firmware inspect", "firmware verify",
-         "firmware build", "attributes", "explain", "completion", "help")
+VERBS = ("info", "get", "set", "self-test", "terminals", "route plan", "route connect",
+         "firmware inspect", "firmware verify", "firmware build", "attributes", "explain", "completion", "help")
 
 
 class Help(CommandLineTest):

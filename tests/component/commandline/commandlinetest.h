@@ -9,7 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/component/commandline/tscriptedfacts.h"
+#include "tests/component/commandline/tscriptedinterruption.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
+#include "tests/component/commandline/tscriptedrouting.h"
 
 namespace nTests {
 
@@ -32,6 +35,9 @@ class CommandLineTest : public testing::Test {
   tRun runOnTerminal(const std::vector<std::string>& words);
 
   tScriptedLibrary library_;
+  tScriptedRouting routing_;
+  tScriptedFacts facts_;
+  tScriptedInterruption interruption_;
 
  private:
   tRun runWith(const std::vector<std::string>& words, bool terminal);

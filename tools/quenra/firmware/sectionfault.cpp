@@ -39,7 +39,8 @@ constexpr tSectionFault kFaults[] = {
 };
 // clang-format on
 
-// The line that a description tells, 0 where it does not.
+}  // namespace
+
 uint32_t lineOf(const zoerr::Status& status) {
   rapidjson::Document description;
   description.Parse(status.description == nullptr ? "" : status.description);
@@ -47,8 +48,6 @@ uint32_t lineOf(const zoerr::Status& status) {
                       description.HasMember("line") && description["line"].IsUint();
   return isTold ? description["line"].GetUint() : 0;
 }
-
-}  // namespace
 
 tSectionFault faultOf(const zoerr::Status& status) {
   const uint32_t line = lineOf(status);

@@ -16,6 +16,9 @@ struct tSectionFault {
   std::string_view remedy;  // a sentence
 };
 
+// The line that the description of a status tells, 0 where it does not.
+[[nodiscard]] uint32_t lineOf(const zoerr::Status& status);
+
 // `status` holds an error.
 [[nodiscard]] tSectionFault faultOf(const zoerr::Status& status);
 

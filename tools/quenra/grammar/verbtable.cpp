@@ -12,8 +12,12 @@
 #include "tools/quenra/verbs/get.h"
 #include "tools/quenra/verbs/help.h"
 #include "tools/quenra/verbs/info.h"
+#include "tools/quenra/verbs/routeconnect.h"
+#include "tools/quenra/verbs/routeplan.h"
 #include "tools/quenra/verbs/selftest.h"
 #include "tools/quenra/verbs/set.h"
+#include "tools/quenra/verbs/terminals.h"
+#include "tools/quenra/verbs/update.h"
 #include "tools/quenra/verbs/version.h"
 
 namespace nCommandLine {
@@ -77,6 +81,31 @@ constexpr tExampleRow kSelfTestExamples[] = {
     {"self-test", "whether the controller can be opened and used"},
 };
 
+// ---- terminals, route ----
+
+constexpr tOptionRow kFrom{nWords::kFrom, "A", "The terminal whose signal it is", {}, true};
+constexpr tOptionRow kTo{nWords::kTo, "B", "The terminal that is to carry it", {}, true};
+constexpr tOptionRow kInvert{nWords::kInvert, "", "Invert the signal"};
+
+constexpr tExampleRow kTerminalsExamples[] = {
+    {"terminals", "what a route can begin and end at"},
+};
+constexpr tOptionRow kRoutePlanOptions[] = {kFrom, kTo, kInvert};
+constexpr tExampleRow kRoutePlanExamples[] = {
+    {"route plan --from TRIG_SMB --to PXI_Trig0",
+     "whether there is a route, and which way it goes"},
+};
+constexpr tOptionRow kRouteConnectOptions[] = {
+    kFrom,
+    kTo,
+    kInvert,
+    {nWords::kFor, "SECONDS", "Hold the route so long and not until Ctrl-C"},
+};
+constexpr tExampleRow kRouteConnectExamples[] = {
+    {"route connect --from TRIG_SMB --to PXI_Trig0", "until Ctrl-C"},
+    {"route connect --from PXI_Trig0 --to TRIG_SMB --invert --for 60", "a minute, inverted"},
+};
+
 // ---- firmware ----
 
 constexpr tPositionalRow kImagePositionals[] = {
@@ -104,6 +133,18 @@ constexpr tExampleRow kFirmwareBuildExamples[] = {
      "an image of one section"},
     {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 2.0",
      "... and a second one"},
+};
+
+// ---- update ----
+
+constexpr tOptionRow kUpdateOptions[] = {
+    {nWords::kOnlyNewer, "", "Leave out firmware that is not newer than what is installed"},
+    {nWords::kPlan, "", "Change nothing; say what would be done, and all that is in the way"},
+};
+constexpr tExampleRow kUpdateExamples[] = {
+    {"update --plan update.fwi", "what an update would do, and what stops it"},
+    {"update update.fwi", "apply the image whatever is installed"},
+    {"update update.fwi --only-newer", "... but for what is as new already"},
 };
 
 // ---- attributes ----
@@ -148,6 +189,7 @@ constexpr tExampleRow kHelpExamples[] = {
 };
 
 constexpr tVerbGroupRow kGroups[] = {
+    {"route", "Plan trigger routes, and connect them", &kRouteWords},
     {"firmware", "Look at firmware images, and make them", &kFirmwareWords},
 };
 
@@ -177,6 +219,23 @@ constexpr tVerbRow kRows[] = {
      "there is to test.",
      {}, {}, kSelfTestExamples, runSelfTest},
 
+    {"terminals", "List the trigger terminals",
+     "What trigger routes can begin and end at: the trigger lines of the chassis, the trigger "
+     "connector, the watchdog.",
+     {}, {}, kTerminalsExamples, runTerminals},
+
+    {"route plan", "Show the routes between two terminals",
+     "The driver calculates them; nothing is reserved, and they are forgotten again. A cost far above "
+     "the others is that of a line that another route holds. Without a route the exit code is 3.",
+     {}, kRoutePlanOptions, kRoutePlanExamples, runRoutePlan},
+
+    {"route connect", "Connect two terminals",
+     "Calculates a route, reserves it, programs it, and holds it until Ctrl-C or for the time given; "
+     "then takes it down in order. When others hold a line it needs, it is told who they are. When "
+     "the route is demoted, which takes its line away, that is told at once on the standard error "
+     "stream; the exit code is 1 then.",
+     {}, kRouteConnectOptions, kRouteConnectExamples, runRouteConnect},
+
     {"firmware inspect", "Show the sections of a firmware image",
      "Each section with its device, type, version, file name, size and CRC, its place in the order of "
      "application, and what the library would say to it. A section that the library refuses is shown "
@@ -194,6 +253,14 @@ constexpr tVerbRow kRows[] = {
      "The image is read back before it is written: what the format cannot hold is refused, and an "
      "image that was there stays. Needs no controller.",
      kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples, runFirmwareBuild},
+
+    {"update", "Apply a firmware image, or say what that would do",
+     "Says what is going to happen, shows the elapsed time while it does, and says what was sent "
+     "where. What the library accepts is not refused, and an update that has begun cannot be "
+     "interrupted by Ctrl-C. With --plan nothing is changed: each section is shown with what would be "
+     "done with it, and every reason that would stop the update is told on the standard error stream, "
+     "all at once, with a remedy; the exit code is that of the update.",
+     kImagePositionals, kUpdateOptions, kUpdateExamples, runUpdate},
 
     {"attributes", "List every attribute with its id, type and unit",
      "Needs no controller.",

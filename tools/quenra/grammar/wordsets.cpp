@@ -63,6 +63,10 @@ tWords firmwareActions() {
   return actionsOf("firmware");
 }
 
+tWords routeActions() {
+  return actionsOf("route");
+}
+
 tWords shells() {
   tWords words;
   append(words, kShells, &tShellRow::name, &tShellRow::use);
@@ -76,6 +80,7 @@ constinit const tWordSet kWritableWords{"writable", writable};
 constinit const tWordSet kStatusWords{"statuses", statuses};
 constinit const tWordSet kVerbWords{"verbs", verbs};
 constinit const tWordSet kFirmwareWords{"firmware", firmwareActions};
+constinit const tWordSet kRouteWords{"route", routeActions};
 constinit const tWordSet kShellWords{"shells", shells};
 
 }  // namespace nCommandLine
