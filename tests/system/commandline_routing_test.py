@@ -76,7 +76,8 @@ class Routing(CommandLineTest):
         self.assertRegex(out, r"^taken down after 2\.\d s\n$")
         self.assertEqual(error, "")
         self.assertEqual(self.routes(), [])
-        steps = [entry["request"] for entry in self.log() if "route" in entry["request"]]
+        steps = [request for request in (entry.get("request", "") for entry in self.log())
+                 if request.endswith("-route")]
         self.assertEqual(steps, ["calculate-route", "reserve-route", "program-route",
                                  "unprogram-route", "unreserve-route", "destroy-route"])
 
@@ -88,6 +89,17 @@ class Routing(CommandLineTest):
         self.assertIn("taken down after ", out)
         self.assertEqual(error, "")
         self.assertEqual(self.routes(), [])
+
+    def test_document_of_an_interrupted_connection(self):
+        connection = Connection(self, *LINE, "--json")
+        self.assertEqual(connection.warned(),
+                         "quenra: connected: TRIG_SMB -> PXI_Trig3, until Ctrl-C\n")
+        connection.interrupt()
+        out, error = connection.end(0)
+        document = json.loads(out)
+        self.schema.check(document)
+        self.assertTrue(document["interrupted"])
+        self.assertRegex(error, r"^quenra: taken down after ")
 
     def test_demotion_is_told_while_the_route_is_held(self):
         connection = Connection(self, *LINE, "--for", "3")
