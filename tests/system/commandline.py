@@ -11,8 +11,10 @@ Environment:
 
 import json
 import os
+import pathlib
 import shlex
 import subprocess
+import tempfile
 import unittest
 
 from documentschema import DocumentSchema
@@ -58,6 +60,23 @@ class Run:
 
     def __repr__(self):
         return f"quenra {shlex.join(self.words)}: {self.exit_code}\n{self.out}\n{self.error}"
+
+
+class Files:
+    """A folder of the test's own, which goes with it."""
+
+    def __init__(self, test):
+        folder = tempfile.TemporaryDirectory()
+        test.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def __getitem__(self, name):
+        return self.folder / name
+
+    def typed(self, name):
+        """The path of a file as it is typed in the simulated machine."""
+        path = str(self.folder / name)
+        return "Z:" + path.replace("/", "\\") if os.environ.get("QUENRA_RUNNER") else path
 
 
 class CommandLineTest(unittest.TestCase):
