@@ -1,3 +1,5 @@
+#include <thread>
+
 #include "quenra_attributes.h"
 #include "tests/component/commandline/commandlinetest.h"
 #include "tools/quenra/output/elapsedtext.h"
@@ -220,12 +222,16 @@ TEST_F(RouteConnect, Time_IsKept) {
 }
 
 TEST_F(RouteConnect, Demotions_AreToldAndMakeItAFailure) {
-  routing_.afterProgramming = [this] {
-    routing_.demote(101);
-    routing_.demote(102);
+  // As the session does it: on a thread of its own, while the route is held.
+  std::thread driver;
+  routing_.afterProgramming = [&] {
+    driver = std::thread([this] {
+      routing_.demote(101);
+      routing_.demote(102);
+    });
   };
-  interruption_.comes = false;
   const tRun result = run(routeWords("connect", {"--for", "1"}));
+  driver.join();
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after 0.0 s, reason 101: it "
                                        "carries no signal any more\n"));
