@@ -313,6 +313,32 @@ TEST(Answers, HoldersOfLargeSessions_AreWhole) {
             "ticket 4294967295 of session 18446744073709551615");
 }
 
+TEST(Demotions, ComeInTheirOrder) {
+  using std::chrono::milliseconds;
+  nCommandLine::tDemotions demotions;
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
+  for (int32_t round = 0; round < 100; ++round) {
+    demotions.add(round);
+    demotions.add(-round);
+    EXPECT_EQ(demotions.take(milliseconds(0)), round);
+    EXPECT_EQ(demotions.take(milliseconds(0)), -round);
+  }
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
+}
+
+TEST(Demotions, ThatDoNotFit_AreDropped) {
+  using std::chrono::milliseconds;
+  constexpr auto kCapacity = static_cast<int32_t>(nCommandLine::tDemotions::kCapacity);
+  nCommandLine::tDemotions demotions;
+  for (int32_t reason = 0; reason < kCapacity + 5; ++reason) {
+    demotions.add(reason);
+  }
+  for (int32_t reason = 0; reason < kCapacity; ++reason) {
+    EXPECT_EQ(demotions.take(milliseconds(0)), reason);
+  }
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
+}
+
 TEST(ElapsedText, HasTenthsOfASecond) {
   using nCommandLine::elapsedText;
   EXPECT_EQ(elapsedText(std::chrono::milliseconds(0)), "0.0 s");

@@ -116,7 +116,9 @@ TEST_F(UpdatePlan, OnlyNewer_LeavesOutWhatIsAsNew) {
   EXPECT_STREQ(marten["action"].GetString(), "leave-out");
   EXPECT_STREQ(marten["reason"].GetString(), "it is not newer than the installed 1.4.0f7");
   EXPECT_STREQ(document["sections"][0]["action"].GetString(), "send-to-controller");
+  EXPECT_STREQ(marten["remedy"].GetString(), "without --only-newer it is applied");
   EXPECT_TRUE(document["sections"][0]["reason"].IsNull());
+  EXPECT_TRUE(document["sections"][0]["remedy"].IsNull());
 }
 
 TEST_F(UpdatePlan, OneSectionThatIsAsNew_CountsForAllOfItsDevice) {
@@ -266,9 +268,9 @@ TEST_F(UpdatePlan, Document_HasThePromisedMembers) {
               ElementsAre("format", "kind", "exitCode", "warnings", "path", "onlyNewer",
                           "installed", "sections", "obstacles"));
   EXPECT_THAT(memberNames(document["installed"]), ElementsAre("bios", "marten"));
-  EXPECT_THAT(
-      memberNames(document["sections"][0]),
-      ElementsAre("section", "device", "version", "fileName", "byteCount", "action", "reason"));
+  EXPECT_THAT(memberNames(document["sections"][0]),
+              ElementsAre("section", "device", "version", "fileName", "byteCount", "action",
+                          "reason", "remedy"));
   EXPECT_THAT(memberNames(document["obstacles"][0]),
               ElementsAre("fact", "remedy", "status", "line", "section"));
 }
@@ -307,7 +309,8 @@ TEST_F(UpdateVerb, OnlyNewer_IsTheLibrarysOption) {
   const tRun result = run({"update", "--only-newer", fileOf({section("MARTEN", "1.4.0f7")})});
   ASSERT_EQ(library_.updates.size(), 1u);
   EXPECT_EQ(library_.updates[0].options, 0u);
-  EXPECT_THAT(result.out, HasSubstr("leave out: it is not newer than the installed 1.4.0f7\n"));
+  EXPECT_THAT(result.out, HasSubstr("leave out: it is not newer than the installed 1.4.0f7; "
+                                    "without --only-newer it is applied\n"));
   EXPECT_THAT(result.out, Not(HasSubstr("bytes: ")));
 }
 
