@@ -3,6 +3,7 @@
 Environment:
   QUENRA_EXE      quenra.exe
   QUENRA_SIM_EXE  quenra-sim.exe
+  QUENRA_LOAD_EXE quenra_load.exe
   QUENRA_PENDING_HOLDER_EXE
                   a program that keeps a request pending until its input ends
   QUENRA_RUNNER   what starts a Windows program, with its words as in a shell; empty on Windows

@@ -1,0 +1,30 @@
+"""The units whose tests have to notice every change, and the tests that have to."""
+
+import dataclasses
+
+
+@dataclasses.dataclass(frozen=True)
+class Unit:
+    name: str
+    sources: tuple  # glob patterns
+    tests: tuple  # targets of the build
+
+
+UNITS = (
+    Unit("merge rule",
+         ("zoapal/protons/status/mergerule.h", "zoapal/protons/status/tstatus.cpp",
+          "zoapal/protons/status/tstatus.h", "zoapal/protons/status/zoerrstatus.cpp"),
+         ("status_test", "status_memory_test")),
+    Unit("marshalling core", ("codegen/apalcodegen/*.cpp", "codegen/apalcodegen/*.h"),
+         ("apalcodegen_test",)),
+    Unit("attribute tables", ("source/user/attributes/*.cpp", "source/user/attributes/*.h"),
+         ("user_test",)),
+    Unit("SMBIOS provider", ("zosmbios/*.cpp", "zosmbios/*.h"),
+         ("zosmbios_test", "zosmbios_loader_test")),
+    Unit("firmware parser",
+         ("source/user/firmware/*.cpp", "source/user/firmware/*.h"),
+         ("firmware_test",)),
+    Unit("payload decoding",
+         ("source/user/firmware/decoding/*.cpp", "source/user/firmware/decoding/*.h"),
+         ("firmware_test",)),
+)
