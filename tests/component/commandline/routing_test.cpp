@@ -1,5 +1,3 @@
-#include <thread>
-
 #include "quenra_attributes.h"
 #include "tests/component/commandline/commandlinetest.h"
 #include "tools/quenra/output/elapsedtext.h"
@@ -221,16 +219,8 @@ TEST_F(RouteConnect, Time_IsKept) {
 }
 
 TEST_F(RouteConnect, Demotions_AreToldAndMakeItAFailure) {
-  // As the session does it: on a thread of its own, while the route is held.
-  std::thread driver;
-  routing_.afterProgramming = [&] {
-    driver = std::thread([this] {
-      routing_.demote(101);
-      routing_.demote(102);
-    });
-  };
+  routing_.afterProgramming = [this] { routing_.demoteOnItsThread({101, 102}); };
   const tRun result = run(routeWords("connect", {"--for", "1"}));
-  driver.join();
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after "));
   EXPECT_THAT(result.error, HasSubstr(" s, reason 101: it carries no signal any more\n"));
