@@ -88,9 +88,9 @@ def test(targets, seconds):
 
 def fingerprint(unit):
     """Of everything that decides whether a change is noticed."""
-    found = hashlib.sha256()
+    found, sources = hashlib.sha256(), sources_of(unit)
     for name in listed_files():
-        if name.startswith(("tests/component/", "tests/builders/")) or name in sources_of(unit):
+        if name.startswith(unit.test_folders) or name in sources:
             found.update(name.encode() + b"\0" + (ROOT / name).read_bytes())
     return found.hexdigest()
 
