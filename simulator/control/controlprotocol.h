@@ -47,6 +47,8 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
  * not writable. */
 #define SIMULATOR_ALLOW_WRITES SIMULATOR_CONTROL_CODE(0x90C)
 #define SIMULATOR_REFUSE_WRITES SIMULATOR_CONTROL_CODE(0x90D)
+/* Out: tSimulatorCounters. */
+#define SIMULATOR_READ_COUNTERS SIMULATOR_CONTROL_CODE(0x90E)
 /* Out: the latest SIMULATOR_PAYLOAD_CAPACITY firmware payloads of both interfaces as tSimulatorPayload,
  * oldest first. */
 #define SIMULATOR_READ_FIRMWARE SIMULATOR_CONTROL_CODE(0x950)
@@ -217,6 +219,31 @@ typedef struct tSimulatorRoute {
   uint32_t padding;
 } tSimulatorRoute;
 PROTOCOL_SIZE(tSimulatorRoute, 40);
+
+/* What began and what ended, of all programs, since the driver was started; resetting the machine ends
+ * what is under way and keeps the counts. What has begun and not ended is there now. */
+typedef struct tSimulatorCounters {
+  uint64_t filesOpened; /* of all interfaces but the control interface */
+  uint64_t filesClosed;
+  uint64_t registrationsBegun;
+  uint64_t registrationsEnded;
+  uint64_t deliveriesArmed;
+  uint64_t deliveriesEnded; /* with a notice or without one */
+  uint64_t noticesRaised;   /* delivered, dropped or held back */
+  uint64_t noticesDelivered;
+  uint64_t noticesDropped; /* too many were held back, or nobody was left to tell */
+  uint64_t pendingBegun;
+  uint64_t pendingEnded;
+  uint64_t routesCalculated;
+  uint64_t routesGone;           /* destroyed, or released when their session was closed */
+  uint64_t reservationsBegun;    /* ended in one of three ways, or held now */
+  uint64_t reservationsEnded;    /* by their client */
+  uint64_t reservationsDemoted;  /* taken away */
+  uint64_t reservationsReleased; /* with their route */
+  uint64_t programmingsBegun;
+  uint64_t programmingsEnded; /* by their client, by demotion, or with their route */
+} tSimulatorCounters;
+PROTOCOL_SIZE(tSimulatorCounters, 152);
 
 typedef struct tSimulatorCompletion {
   uint64_t handle;       /* 0: all that are waiting to be accepted */

@@ -234,4 +234,10 @@ void tSimulatedMachine::clearLog() {
   command(SIMULATOR_CLEAR_LOG);
 }
 
+tSimulatorCounters tSimulatedMachine::counters() {
+  tSimulatorCounters counters{};
+  request(SIMULATOR_READ_COUNTERS, {}, writableBytesOf(&counters, 1));
+  return counters;
+}
+
 }  // namespace nSimulator

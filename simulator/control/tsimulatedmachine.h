@@ -91,6 +91,8 @@ class tSimulatedMachine {
   // The log from a sequence number on, oldest entry first.
   [[nodiscard]] std::vector<tSimulatorLogEntry> log(uint64_t from = 1);
   void clearLog();
+  // What began and what ended since the driver was started.
+  [[nodiscard]] tSimulatorCounters counters();
 
  private:
   struct tChannel;

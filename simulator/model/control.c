@@ -3,6 +3,7 @@
 #include <stddef.h>
 
 #include "simulator/model/bytes.h"
+#include "simulator/model/counters.h"
 #include "simulator/model/defaultmachine.h"
 #include "simulator/model/notifications.h"
 #include "simulator/model/pendingrequests.h"
@@ -189,6 +190,15 @@ static tModelReply clearLog(tModel* model, const tModelRequest* request) {
   return done();
 }
 
+static tModelReply readCounters(tModel* model, const tModelRequest* request) {
+  if (request->inputSize != 0) {
+    return failed(kWindowsErrorInvalidParameter);
+  }
+  tSimulatorCounters counters;
+  countersOf(model, &counters);
+  return answered(request, &counters, sizeof(counters));
+}
+
 static tModelReply setAcceptance(tModel* model, const tModelRequest* request) {
   uint32_t acceptance;
   if (!readInput(request, &acceptance, sizeof(acceptance)) || acceptance > kSimulatorAcceptNever) {
@@ -336,6 +346,7 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_CLEAR_SCRIPTS, clearScripts},
     {SIMULATOR_READ_LOG, readLog},
     {SIMULATOR_CLEAR_LOG, clearLog},
+    {SIMULATOR_READ_COUNTERS, readCounters},
     {SIMULATOR_ALLOW_WRITES, allowWrites},
     {SIMULATOR_REFUSE_WRITES, refuseWrites},
     {SIMULATOR_SET_ACCEPTANCE, setAcceptance},

@@ -41,8 +41,10 @@ static tModelReply answerAndLog(tModel* model, const tModelRequest* request) {
 
 void modelInitialise(tModel* model, const tModelHost* host) {
   model->host = *host;
-  pendingClear(&model->pending);
-  model->router.nextTicket = 0;
+  model->filesOpened = 0;
+  model->filesClosed = 0;
+  fillWithZeros(&model->pending, sizeof(model->pending));
+  fillWithZeros(&model->router, sizeof(model->router));
   fillWithZeros(&model->notifications, sizeof(model->notifications));
   resetMachine(model);
   model->presence = kDefaultPresence;
@@ -50,6 +52,7 @@ void modelInitialise(tModel* model, const tModelHost* host) {
 }
 
 void modelOpen(tModel* model, const tModelFile* file) {
+  model->filesOpened += isLogged(file) ? 1 : 0;
   logFileEvent(model, file, kSimulatorEventOpen);
 }
 
@@ -68,6 +71,7 @@ bool modelCancel(tModel* model, uint64_t token) {
 }
 
 void modelClose(tModel* model, const tModelFile* file) {
+  model->filesClosed += isLogged(file) ? 1 : 0;
   logFileEvent(model, file, kSimulatorEventClose);
 }
 

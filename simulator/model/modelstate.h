@@ -15,6 +15,8 @@
 /* About 320 KB: too large for a stack. Needs no clearing before modelInitialise. */
 struct tModel {
   tModelHost host;
+  uint64_t filesOpened;
+  uint64_t filesClosed;
   tSimulatorPresence presence;
   tSmbiosHandover handover;
   tAttributeStore attributes;

@@ -23,7 +23,18 @@ typedef struct tHeldNotice {
   tNotificationDelivery notice;
 } tHeldNotice;
 
+typedef struct tNotificationCounts {
+  uint64_t registered;
+  uint64_t unregistered;
+  uint64_t armed;
+  uint64_t disarmed;
+  uint64_t raised;
+  uint64_t delivered;
+  uint64_t dropped;
+} tNotificationCounts;
+
 typedef struct tNotificationList {
+  tNotificationCounts counts;
   uint32_t registrationCount;
   uint32_t deliveryCount;
   uint32_t noticeCount;

@@ -20,6 +20,7 @@ static void complete(tModel* model, uint64_t token, uint32_t windowsError,
 static uint64_t takeRegistration(tNotificationList* list, uint32_t index) {
   const uint64_t token = list->registrations[index].token;
   --list->registrationCount;
+  ++list->counts.unregistered;
   for (uint32_t i = index; i < list->registrationCount; ++i) {
     list->registrations[i] = list->registrations[i + 1];
   }
@@ -29,6 +30,7 @@ static uint64_t takeRegistration(tNotificationList* list, uint32_t index) {
 static uint64_t takeDelivery(tNotificationList* list, uint32_t index) {
   const uint64_t token = list->deliveries[index].token;
   --list->deliveryCount;
+  ++list->counts.disarmed;
   for (uint32_t i = index; i < list->deliveryCount; ++i) {
     list->deliveries[i] = list->deliveries[i + 1];
   }
@@ -64,6 +66,7 @@ static void dropNotices(tNotificationList* list, uint64_t file) {
   uint32_t index = findNotice(list, file);
   while (index < list->noticeCount) {
     takeNotice(list, index);
+    ++list->counts.dropped;
     index = findNotice(list, file);
   }
 }
@@ -83,6 +86,7 @@ static tModelReply registerFor(tModel* model, const tModelRequest* request) {
   list->registrations[list->registrationCount] =
       (tRegistration){request->token, request->file, asked.notification, asked.mask};
   ++list->registrationCount;
+  ++list->counts.registered;
   return answered(kWindowsErrorIoPending);
 }
 
@@ -116,6 +120,7 @@ static tModelReply arm(tModel* model, const tModelRequest* request) {
   if (held != list->noticeCount) {
     const tNotificationDelivery notice = takeNotice(list, held);
     copyBytes(request->output, &notice, sizeof(notice));
+    ++list->counts.delivered;
     return (tModelReply){kWindowsErrorNone, sizeof(notice)};
   }
   if (list->deliveryCount == SIMULATOR_NOTIFICATION_CAPACITY) {
@@ -123,6 +128,7 @@ static tModelReply arm(tModel* model, const tModelRequest* request) {
   }
   list->deliveries[list->deliveryCount] = (tArmedDelivery){request->token, request->file};
   ++list->deliveryCount;
+  ++list->counts.armed;
   return answered(kWindowsErrorIoPending);
 }
 
@@ -147,12 +153,15 @@ tModelReply carryOutNotificationRequest(tModel* model, const tModelRequest* requ
 /* False when the notice is lost: nothing is armed, and too many are held already. */
 static bool deliver(tModel* model, uint64_t file, const tNotificationDelivery* notice) {
   tNotificationList* list = &model->notifications;
+  ++list->counts.raised;
   const uint32_t armed = findDelivery(list, file);
   if (armed != list->deliveryCount) {
+    ++list->counts.delivered;
     complete(model, takeDelivery(list, armed), kWindowsErrorNone, notice);
     return true;
   }
   if (list->noticeCount == SIMULATOR_NOTIFICATION_CAPACITY) {
+    ++list->counts.dropped;
     return false;
   }
   list->notices[list->noticeCount] = (tHeldNotice){file, *notice};
@@ -212,6 +221,7 @@ void abortAllNotifications(tModel* model) {
   while (list->deliveryCount != 0) {
     complete(model, takeDelivery(list, 0), kWindowsErrorOperationAborted, NULL);
   }
+  list->counts.dropped += list->noticeCount;
   list->noticeCount = 0;
 }
 

@@ -12,12 +12,14 @@ bool pendingAdd(tPendingList* pending, const tPendingEntry* entry) {
   }
   pending->entries[pending->count] = *entry;
   ++pending->count;
+  ++pending->begun;
   return true;
 }
 
 tPendingEntry pendingRemove(tPendingList* pending, uint32_t index) {
   const tPendingEntry removed = pending->entries[index];
   --pending->count;
+  ++pending->ended;
   for (uint32_t i = index; i < pending->count; ++i) {
     pending->entries[i] = pending->entries[i + 1];
   }

@@ -20,11 +20,13 @@ typedef struct tPendingEntry {
 typedef struct tPendingList {
   tSimulatorAcceptance acceptance;
   uint64_t nextHandle;
+  uint64_t begun;
+  uint64_t ended;
   uint32_t count;
   tPendingEntry entries[SIMULATOR_PENDING_CAPACITY];
 } tPendingList;
 
-/* Forgets everything, and accepts at once from now on. */
+/* Forgets everything but what was counted, and accepts at once from now on. */
 void pendingClear(tPendingList* pending);
 /* False when the list is full. */
 bool pendingAdd(tPendingList* pending, const tPendingEntry* entry);

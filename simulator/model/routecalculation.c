@@ -147,8 +147,9 @@ static void addRoutesTo(tCalculation* calculation, uint32_t destination) {
 /* What was found before something turned out to be wrong is not left behind. */
 static void takeBack(tCalculation* calculation) {
   tRouter* router = &calculation->model->router;
-  router->count -= calculation->found;
-  calculation->found = 0;
+  for (; calculation->found != 0; --calculation->found) {
+    routerRemove(router, &router->routes[router->count - 1]);
+  }
 }
 
 static void calculate(tCalculation* calculation) {

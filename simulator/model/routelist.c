@@ -7,7 +7,9 @@
 static const char kTopographyName[] = "pxiContTriggerRouter";
 
 void routerClear(tRouter* router) {
-  router->count = 0;
+  while (router->count != 0) {
+    routerRemove(router, &router->routes[router->count - 1]);
+  }
   router->pathLength = 0;
   router->topographyNameSize = sizeof(kTopographyName);
   copyBytes(router->topographyName, kTopographyName, sizeof(kTopographyName));
@@ -21,6 +23,7 @@ tRoute* routerAdd(tRouter* router, const tRoute* route) {
   *added = *route;
   added->ticket = ++router->nextTicket;
   ++router->count;
+  ++router->counts.calculated;
   return added;
 }
 
@@ -38,7 +41,32 @@ tRoute* routerFind(tRouter* router, uint64_t session, uint32_t ticket) {
   return found != NULL && found->session.file == session ? found : NULL;
 }
 
+void routerMove(tRouter* router, tRoute* route, tSimulatorRouteState to) {
+  tRouteCounts* counts = &router->counts;
+  switch (to) {
+    case kSimulatorRouteProgrammed:
+      ++counts->programmed;
+      break;
+    case kSimulatorRouteReserved:
+      ++*(route->state == kSimulatorRouteProgrammed ? &counts->unprogrammed : &counts->reserved);
+      break;
+    case kSimulatorRouteCalculated:
+      ++counts->unreserved;
+      break;
+  }
+  route->state = to;
+}
+
+void routerDemote(tRouter* router, tRoute* route) {
+  router->counts.unprogrammed += route->state == kSimulatorRouteProgrammed ? 1 : 0;
+  ++router->counts.demoted;
+  route->state = kSimulatorRouteCalculated;
+}
+
 void routerRemove(tRouter* router, const tRoute* route) {
+  router->counts.unprogrammed += route->state == kSimulatorRouteProgrammed ? 1 : 0;
+  router->counts.released += route->state != kSimulatorRouteCalculated ? 1 : 0;
+  ++router->counts.gone;
   --router->count;
   for (uint32_t i = (uint32_t)(route - router->routes); i < router->count; ++i) {
     router->routes[i] = router->routes[i + 1];

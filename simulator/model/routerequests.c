@@ -46,7 +46,7 @@ static int32_t step(tModel* model, const tModelFile* file, const void* input,
   if (route->state != from) {
     return SIMULATOR_STATUS_WRONG_ORDER;
   }
-  route->state = to;
+  routerMove(&model->router, route, to);
   return 0;
 }
 
@@ -92,7 +92,7 @@ static int32_t reserve(tModel* model, const tModelFile* file, const tTicketListR
   if (*conflicts != 0) {
     return DRIVER_STATUS_ROUTE_CONFLICT;
   }
-  route->state = kSimulatorRouteReserved;
+  routerMove(&model->router, route, kSimulatorRouteReserved);
   return 0;
 }
 
@@ -170,7 +170,7 @@ bool demoteRoute(tModel* model, uint32_t ticket) {
   if (route == NULL || route->state == kSimulatorRouteCalculated) {
     return false;
   }
-  route->state = kSimulatorRouteCalculated;
+  routerDemote(&model->router, route);
   tellDemotion(model, route);
   return true;
 }

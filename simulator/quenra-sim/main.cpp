@@ -36,6 +36,7 @@ int run(int argumentCount, char** arguments) {
   addPending(app, action);
   addRoutes(app, action);
   addLog(app, action);
+  addCounters(app, action);
   addFirmware(app, action);
   addEncryption(app, action);
   addDriverStore(app, action);

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <thread>
 
 #include "protocol/routingrequests.h"
@@ -182,6 +184,79 @@ TEST_F(Routing, Demotion_IsToldToTheSessionOfTheRoute) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   EXPECT_EQ(reason, 101);
+}
+
+// What a callback tells the test, and the other way round.
+struct tSlowCallback {
+  static void run(void* context, int32_t, zoerr_Status*, void*) {
+    auto& self = *static_cast<tSlowCallback*>(context);
+    ++self.calls;
+    self.isInside = true;
+    while (!self.mayLeave) {
+      std::this_thread::yield();
+    }
+    self.isInside = false;
+  }
+  // False when it does not come within 20 s.
+  [[nodiscard]] static bool becomesTrue(const std::function<bool()>& condition) {
+    for (int i = 0; !condition() && i < 2000; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return condition();
+  }
+
+  std::atomic<int> calls = 0;
+  std::atomic<bool> isInside = false;
+  std::atomic<bool> mayLeave = false;
+};
+
+TEST_F(Routing, SessionDestroyedWhileItsCallbackRuns_WaitsForIt) {
+  tSlowCallback callback;
+  auto client = std::make_unique<tRoutingClient>(&tSlowCallback::run, &callback);
+  const uint32_t ticket = client->ticketFor("TRIG_SMB", "PXI_Trig0");
+  zoroco_ra_quenra_reserveRoute(client->session, ticket, &client->output, &client->status);
+  machine().demoteRoute(ticket);
+  ASSERT_TRUE(tSlowCallback::becomesTrue([&] { return callback.isInside.load(); }));
+  std::atomic<bool> isDestroyed = false;
+  std::thread destroyer([&] {
+    client.reset();
+    isDestroyed = true;
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_FALSE(isDestroyed);
+  callback.mayLeave = true;
+  destroyer.join();
+  EXPECT_FALSE(callback.isInside);
+  EXPECT_EQ(callback.calls, 1);
+}
+
+TEST_F(Routing, SessionDestroyedByAnotherThreadWhileDemotionsArrive_TellsNothingAfterwards) {
+  std::atomic<bool> isOver = false;
+  std::thread teller([&isOver] {
+    nSimulator::tSimulatedMachine telling;
+    tSimulatorNotice notice{};
+    notice.mask = ROUTING_NOTIFICATION_DEMOTED;
+    while (!isOver) {
+      try {
+        telling.notify(notice);
+      } catch (const nSimulator::tControlError&) {
+        // Nobody is registered, or too much is held back.
+      }
+    }
+  });
+  for (int round = 0; round < 20; ++round) {
+    tSlowCallback callback;
+    callback.mayLeave = true;
+    auto client = std::make_unique<tRoutingClient>(&tSlowCallback::run, &callback);
+    EXPECT_TRUE(tSlowCallback::becomesTrue([&] { return callback.calls > 3; }));
+    std::thread([&client] { client.reset(); }).join();
+    const int calls = callback.calls;
+    EXPECT_FALSE(callback.isInside);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_EQ(callback.calls, calls);
+  }
+  isOver = true;
+  teller.join();
 }
 
 TEST_F(Routing, RouterOfAnotherName_HasNoSession) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "tests/fakewindows/unusual.h"
+
 namespace nFakeWindows {
 namespace {
 
@@ -64,6 +66,7 @@ void tFaultPlan::reset() {
   record_.clear();
   failures_.clear();
   hooks_.clear();
+  decisions_.clear();
   completion_ = tCompletion::atOnce;
   completionError_ = 0;
 }
@@ -80,6 +83,11 @@ void tFaultPlan::failAnyCall(unsigned nth, uint32_t error) {
 
 void tFaultPlan::failEveryCall(tCall call, uint32_t error) {
   failCall(call, 0, error);
+}
+
+void tFaultPlan::decide(tDecision decision) {
+  const std::lock_guard lock(mutex_);
+  decisions_.push_back(std::move(decision));
 }
 
 void tFaultPlan::beforeCall(tCall call, unsigned nth, std::function<void()> hook) {
@@ -113,18 +121,29 @@ unsigned tFaultPlan::callCount(tCall call) const {
   return counts_[static_cast<size_t>(call)];
 }
 
+std::array<unsigned, kCalls> tFaultPlan::callCounts() const {
+  const std::lock_guard lock(mutex_);
+  return counts_;
+}
+
 std::vector<tCallRecord> tFaultPlan::calls() const {
   const std::lock_guard lock(mutex_);
   return record_;
 }
 
 std::optional<uint32_t> tFaultPlan::enter(tCall call, std::string argument) {
+  if (tOffTheRecord::isSo()) {
+    return std::nullopt;
+  }
   std::function<void()> hook;
   std::optional<uint32_t> error;
   {
     const std::lock_guard lock(mutex_);
     const unsigned nth = ++counts_[static_cast<size_t>(call)];
     const unsigned nthOfAny = std::accumulate(counts_.begin(), counts_.end(), 0u);
+    for (const tDecision& decision : decisions_) {
+      error = error ? error : decision(call, argument);
+    }
     record_.push_back({call, std::move(argument)});
     for (const tHook& candidate : hooks_) {
       if (candidate.call == call && candidate.nth == nth) {

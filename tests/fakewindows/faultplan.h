@@ -84,6 +84,10 @@ class tFaultPlan {
   // All calls of the function from now on.
   void failEveryCall(tCall call, uint32_t error);
 
+  // Asks about each call whether it is to fail, and with which error; one call at a time.
+  using tDecision = std::function<std::optional<uint32_t>(tCall call, const std::string& argument)>;
+  void decide(tDecision decision);
+
   // Runs before the nth call of a function does its work.
   void beforeCall(tCall call, unsigned nth, std::function<void()> hook);
 
@@ -94,6 +98,7 @@ class tFaultPlan {
 
   [[nodiscard]] unsigned callCount() const;
   [[nodiscard]] unsigned callCount(tCall call) const;
+  [[nodiscard]] std::array<unsigned, kCalls> callCounts() const;
   [[nodiscard]] std::vector<tCallRecord> calls() const;
 
   // For the functions of the fake: notes a call. Gives the error with which it is to fail.
@@ -116,6 +121,7 @@ class tFaultPlan {
   std::vector<tCallRecord> record_;
   std::vector<tFailure> failures_;
   std::vector<tHook> hooks_;
+  std::vector<tDecision> decisions_;
   tCompletion completion_ = tCompletion::atOnce;
   uint32_t completionError_ = 0;
 };

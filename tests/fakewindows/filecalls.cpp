@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <chrono>
 
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/unusual.h"
@@ -189,8 +190,9 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
   // What the machine keeps pending ...
   const bool cancelled = machine().cancel(reinterpret_cast<uintptr_t>(overlapped));
   const std::lock_guard lock(objects().mutex);
-  expectUsual(objects().find<tFile>(handle) != nullptr, kCall,
-              "not a file, or one that was closed");
+  // Closing the file may have ended the request meanwhile.
+  expectUsual(objects().find<tFile>(handle) != nullptr || overlapped->Internal != kStatusPending,
+              kCall, "not a file, or one that was closed");
   // ... and what never reached it. A request that another thread is about to complete is too far
   // gone.
   const bool neverSent =
@@ -213,9 +215,14 @@ std::optional<tModelFile> fileBehind(HANDLE handle) {
 
 // Gives its kind; what cannot be closed this way stops.
 const char* closeObject(HANDLE handle) {
-  const std::lock_guard lock(objects().mutex);
-  const tFile* const file = objects().find<tFile>(handle);
-  expectUsual(file == nullptr || file->pending.empty(), tCall::closeHandle,
+  // For what another thread has just cancelled and is about to complete.
+  constexpr auto kPatience = std::chrono::seconds(5);
+  std::unique_lock lock(objects().mutex);
+  const auto nothingIsUnderWay = [handle] {
+    const tFile* const file = objects().find<tFile>(handle);
+    return file == nullptr || file->pending.empty();
+  };
+  expectUsual(objects().changed.wait_for(lock, kPatience, nothingIsUnderWay), tCall::closeHandle,
               "a file with a request under way that nobody ends");
   const char* const kind = objects().kindOf(handle);
   expectUsual(kind != nullptr && objects().find<tDeviceInformationSet>(handle) == nullptr,

@@ -3,6 +3,7 @@
 Environment:
   QUENRA_EXE      quenra.exe
   QUENRA_SIM_EXE  quenra-sim.exe
+  QUENRA_LOAD_EXE quenra_load.exe
   QUENRA_PENDING_HOLDER_EXE
                   a program that keeps a request pending until its input ends
   QUENRA_RUNNER   what starts a Windows program, with its words as in a shell; empty on Windows
@@ -10,8 +11,10 @@ Environment:
 
 import json
 import os
+import pathlib
 import shlex
 import subprocess
+import tempfile
 import unittest
 
 from documentschema import DocumentSchema
@@ -57,6 +60,23 @@ class Run:
 
     def __repr__(self):
         return f"quenra {shlex.join(self.words)}: {self.exit_code}\n{self.out}\n{self.error}"
+
+
+class Files:
+    """A folder of the test's own, which goes with it."""
+
+    def __init__(self, test):
+        folder = tempfile.TemporaryDirectory()
+        test.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def __getitem__(self, name):
+        return self.folder / name
+
+    def typed(self, name):
+        """The path of a file as it is typed in the simulated machine."""
+        path = str(self.folder / name)
+        return "Z:" + path.replace("/", "\\") if os.environ.get("QUENRA_RUNNER") else path
 
 
 class CommandLineTest(unittest.TestCase):

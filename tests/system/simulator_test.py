@@ -98,6 +98,14 @@ class Simulator(CommandLineTest):
         self.assertIn("get-attribute attribute=0x20044C00", "\n".join(lines))
         self.assertEqual(self.log(), [])
 
+    def test_counters_tell_what_began_and_what_ended(self):
+        before = json.loads(self.sim("counters", "--json").stdout)
+        self.quenra("info")
+        after = json.loads(self.sim("counters", "--json").stdout)
+        self.assertEqual(after["filesOpened"], before["filesOpened"] + 2)
+        self.assertEqual(after["filesOpened"], after["filesClosed"])
+        self.assertEqual(len(self.sim("counters").stdout.splitlines()), len(after))
+
     def test_routes_of_nobody_are_none(self):
         self.assertEqual(json.loads(self.sim("routes", "--json").stdout), {"routes": []})
         self.assertEqual(self.sim("routes").stdout, b"")
@@ -169,7 +177,7 @@ class Simulator(CommandLineTest):
 
     def test_every_verb_has_help(self):
         for verb in ("install", "uninstall", "wait", "status", "reset", "scenario", "attribute",
-                     "answer", "pending", "log"):
+                     "answer", "pending", "log", "counters"):
             self.assertIn(b"--help", self.sim(verb, "--help").stdout)
 
     def test_installing_again_brings_the_default_machine(self):

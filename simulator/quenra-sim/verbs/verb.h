@@ -37,6 +37,7 @@ void addAttribute(CLI::App& app, tAction& action);
 void addAnswer(CLI::App& app, tAction& action);
 void addPending(CLI::App& app, tAction& action);
 void addRoutes(CLI::App& app, tAction& action);
+void addCounters(CLI::App& app, tAction& action);
 void addLog(CLI::App& app, tAction& action);
 void addFirmware(CLI::App& app, tAction& action);
 void addEncryption(CLI::App& app, tAction& action);

@@ -93,6 +93,14 @@ class ModelTest : public testing::Test {
     return entries;
   }
 
+  void open(uint64_t file, tSimulatorInterface kind) {
+    const tModelFile opened = {file, kProcess, kind};
+    modelOpen(model_.get(), &opened);
+  }
+  void close(uint64_t file, tSimulatorInterface kind) {
+    const tModelFile closing = {file, kProcess, kind};
+    modelClose(model_.get(), &closing);
+  }
   void cleanUp(uint64_t file) {
     const tModelFile closing = {file, kProcess, kSimulatorInterfaceController};
     modelCleanUp(model_.get(), &closing);
