@@ -7,7 +7,7 @@ import dataclasses
 class Unit:
     name: str
     sources: tuple  # glob patterns
-    tests: tuple  # targets of the build
+    tests: tuple  # targets of the build; one that notices a change spares the others
     test_folders: tuple  # where their sources are
 
 
@@ -19,7 +19,8 @@ UNITS = (
     Unit("marshalling core", ("codegen/apalcodegen/*.cpp", "codegen/apalcodegen/*.h"),
          ("apalcodegen_test",), ("tests/component/apalcodegen/",)),
     Unit("attribute tables", ("source/user/attributes/*.cpp", "source/user/attributes/*.h"),
-         ("user_test",), ("tests/component/user/", "tests/builders/")),
+         ("user_test", "contract_test"),
+         ("tests/component/user/", "tests/contract/", "tests/builders/")),
     Unit("SMBIOS provider", ("zosmbios/*.cpp", "zosmbios/*.h"),
          ("zosmbios_test", "zosmbios_loader_test"), ("tests/component/zosmbios/", "tests/builders/")),
     Unit("firmware parser",
