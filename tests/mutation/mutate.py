@@ -64,6 +64,10 @@ def update_copy():
 
 
 def configure():
+    # A cache of compilations would be asked for hundreds of sources that differ in one character,
+    # written within milliseconds: each change is compiled.
+    for launcher in ("CMAKE_C_COMPILER_LAUNCHER", "CMAKE_CXX_COMPILER_LAUNCHER"):
+        os.environ.pop(launcher, None)
     if (BUILD / "build.ninja").is_file():
         return
     options = ["-DCMAKE_C_COMPILER=clang", "-DCMAKE_CXX_COMPILER=clang++",
