@@ -5,39 +5,48 @@ import unittest
 
 import report
 
-TRACE = """SF:/root/zosmbios/a.cpp
-DA:1,5
-DA:2,0
-BRDA:1,0,0,3
-BRDA:1,0,1,-
-end_of_record
-SF:/root/tests/b.cpp
-DA:1,0
-end_of_record
-SF:/root/zosmbios/a.cpp
-DA:1,0
-DA:3,1
-BRDA:1,0,1,0
-end_of_record
-"""
+
+def trace_of(name, segments, branches=()):
+    return {"data": [{"files": [{"filename": name, "segments": segments, "branches": branches}]}]}
+
+
+# if (a) {  // line 10: run three times
+#   b();    // line 11: never
+#   c();
+# }
+SEGMENTS = [[10, 1, 3, True, True, False], [10, 9, 0, True, True, False],
+            [13, 2, 3, True, False, False], [13, 3, 0, False, False, False]]
+BRANCHES = [[10, 5, 10, 6, 0, 3, 0, 0, 4]]
+SOURCE = {"zosmbios/a.cpp": [""] * 9 + ["if (a) {", "  b();", "  c();", "}", ""]}
 
 
 class Report(unittest.TestCase):
     def setUp(self):
-        self.files = report.read_trace(TRACE, "/root")
-        self.sources = {"zosmbios/a.cpp": ["first();", "second();", "third();"]}
-        self.missed = report.find_missed(self.files, self.sources)
+        self.files = report.read_trace(
+            trace_of("/root/build/coverage/../../zosmbios/a.cpp", SEGMENTS, BRANCHES), "/root")
+        self.missed = report.find_missed(self.files, SOURCE)
         self.total = report.Sum()
         self.total.add(self.files["zosmbios/a.cpp"])
 
-    def test_only_the_library_counts_and_its_records_are_added(self):
-        self.assertEqual(["zosmbios/a.cpp"], list(self.files))
-        self.assertEqual({1: 5, 2: 0, 3: 1}, self.files["zosmbios/a.cpp"].lines)
-        self.assertEqual({(1, 0, 0): 3, (1, 0, 1): 0}, self.files["zosmbios/a.cpp"].branches)
+    def run_enough(self):
+        self.total.lines_run, self.total.branches_run = self.total.lines, self.total.branches
 
-    def test_what_did_not_run_is_told_with_its_text(self):
-        self.assertEqual([("zosmbios/a.cpp", 1, "first();", ["branch"]),
-                          ("zosmbios/a.cpp", 2, "second();", ["line"])], self.missed)
+    def test_only_the_library_counts(self):
+        self.assertEqual({}, report.read_trace(trace_of("/root/tests/a.cpp", SEGMENTS), "/root"))
+        self.assertEqual(["zosmbios/a.cpp"], list(self.files))
+
+    def test_a_line_counts_what_begins_in_it_or_goes_on(self):
+        self.assertEqual({10: 3, 11: 0, 12: 0, 13: 0}, self.files["zosmbios/a.cpp"].lines)
+
+    def test_instances_of_a_template_are_one(self):
+        self.assertEqual({(1, 2, 3, 4, True): 5, (1, 2, 3, 4, False): 1},
+                         report.count_branches([[1, 2, 3, 4, 5, 0, 0, 0, 4], [1, 2, 3, 4, 0, 1, 0, 0, 4]]))
+
+    def test_lines_that_follow_each_other_are_told_by_the_first(self):
+        self.assertEqual([("zosmbios/a.cpp", 11, 13, "b();")], self.missed)
+
+    def test_a_line_without_one_outcome_is_told(self):
+        self.assertEqual([10], self.files["zosmbios/a.cpp"].missed_branches())
 
     def test_too_little_fails(self):
         faults = report.faults_of(self.total, self.missed, {})
@@ -47,18 +56,17 @@ class Report(unittest.TestCase):
     def test_nothing_at_all_fails(self):
         self.assertEqual(["nothing of the library was run"], report.faults_of(report.Sum(), [], {}))
 
-    def test_what_did_not_run_has_to_be_listed(self):
-        self.total.lines_run, self.total.branches_run = self.total.lines, self.total.branches
-        self.assertEqual(2, len(report.faults_of(self.total, self.missed, {})))
-        listed = report.read_unreached("# why\nzosmbios/a.cpp\n- first();\n  one\n- second();\n  two\n")
+    def test_lines_that_are_not_run_have_to_be_listed(self):
+        self.run_enough()
+        self.assertEqual(1, len(report.faults_of(self.total, self.missed, {})))
+        listed = report.read_unreached("# why\nzosmbios/a.cpp\n- b();\n  never called\n")
         self.assertEqual([], report.faults_of(self.total, self.missed, listed))
 
     def test_an_entry_for_what_runs_fails(self):
-        self.total.lines_run, self.total.branches_run = self.total.lines, self.total.branches
-        listed = report.read_unreached("zosmbios/a.cpp\n- first();\n  one\n- second();\n  two\n"
-                                       "- third();\n  three\n")
+        self.run_enough()
+        listed = report.read_unreached("zosmbios/a.cpp\n- b();\n  one\n- if (a) {\n  two\n")
         (fault,) = report.faults_of(self.total, self.missed, listed)
-        self.assertIn("third();", fault)
+        self.assertIn("if (a) {", fault)
 
     def test_an_entry_without_a_place_is_refused(self):
         with self.assertRaises(ValueError):

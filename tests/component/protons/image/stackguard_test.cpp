@@ -25,12 +25,14 @@ const IMAGE_LOAD_CONFIG_DIRECTORY64* loadConfigurationOf(HMODULE library) {
              : reinterpret_cast<const IMAGE_LOAD_CONFIG_DIRECTORY64*>(image + entry.VirtualAddress);
 }
 
-// Writes behind an array as a mistake would: by a length that the compiler does not know.
-__attribute__((noinline)) void writeBehindAnArray(volatile size_t length) {
+// Read at run time, so that the compiler does not see the mistake.
+volatile size_t lengthOfAMistake = 64;
+
+__attribute__((noinline)) void writeBehindAnArray() {
   char text[16];
-  volatile char* const end = text + length;
-  for (volatile char* place = text; place != end; place = place + 1) {
-    *place = 'x';
+  volatile char* const start = text;
+  for (size_t place = 0; place < lengthOfAMistake; ++place) {
+    start[place] = 'x';
   }
 }
 
@@ -53,8 +55,8 @@ TEST(StackGuard, OfAHardenedProgram_IsRandom) {
 
 TEST(StackGuard, WrittenOver_EndsTheProcessAtOnce) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(writeBehindAnArray(64),
-              testing::ExitedWithCode(static_cast<int>(kStackBufferOverrun)), "");
+  EXPECT_EXIT(writeBehindAnArray(), testing::ExitedWithCode(static_cast<int>(kStackBufferOverrun)),
+              "");
 }
 
 }  // namespace

@@ -15,6 +15,10 @@ void countFailures(uint32_t, tIONotification*, const uint8_t*, uint32_t, tStatus
   failedWaits += status.isError() ? 1 : 0;
 }
 
+unsigned __stdcall endAtOnce(void*) {
+  return 0;
+}
+
 class NotificationFailures : public NotificationTest {
  protected:
   void SetUp() override {
@@ -109,6 +113,15 @@ TEST_F(NotificationFailures, WakeUpThatCannotBePosted_IsToldAtLine101) {
   faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, ERROR_INVALID_HANDLE);
   reader->wake(status);
   expectFailureOf("tionotification", -52003, 101);
+}
+
+TEST_F(NotificationFailures, ThreadOnAStatusInError_IsNotStarted) {
+  tThread thread;
+  status.code = -1;
+  thread.start(&endAtOnce, nullptr, status);
+  EXPECT_FALSE(thread.isStarted());
+  EXPECT_EQ(status.code, -1);
+  EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
 }
 
 TEST_F(NotificationFailures, WaitThatFails_IsToldAtLine59) {
