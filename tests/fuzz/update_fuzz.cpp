@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -78,6 +79,11 @@ bool takesUpdates(const tMachine& made) {
   return made.updatable != 0 && made.protection < 2 && made.encrypted != 1;
 }
 
+// A protection that cannot be read counts as none.
+bool hidesProtection(const std::optional<tCall>& failing) {
+  return failing == tCall::next || failing == tCall::get;
+}
+
 void make(const tMachine& wanted) {
   nFakeWindows::machine().useDriver(nullptr);
   faultPlan().reset();
@@ -117,13 +123,14 @@ constexpr std::array kFailingCalls = {
     tCall::wideCharToMultiByte,
 };
 
-void planFailure(tProvider& input) {
+std::optional<tCall> planFailure(tProvider& input) {
   constexpr uint32_t kRefused = 0x80070005;  // an error for Windows, and for COM
   const auto call = input.ConsumeIntegralInRange<size_t>(0, kFailingCalls.size() * 2);
-  if (call < kFailingCalls.size()) {
-    faultPlan().failCall(kFailingCalls[call], input.ConsumeIntegralInRange<unsigned>(1, 4),
-                         kRefused);
+  if (call >= kFailingCalls.size()) {
+    return std::nullopt;
   }
+  faultPlan().failCall(kFailingCalls[call], input.ConsumeIntegralInRange<unsigned>(1, 4), kRefused);
+  return kFailingCalls[call];
 }
 
 // The marker is written back by a request that always arrives; everything else the driver may refuse.
@@ -283,14 +290,16 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   tProvider input(data, size);
-  const tMachine made = anyMachine(input);
+  tMachine made = anyMachine(input);
   make(made);
   const uint32_t options = input.ConsumeIntegralInRange<uint32_t>(0, 9) == 9
                                ? 2 + input.ConsumeIntegral<uint8_t>()
                                : input.ConsumeIntegral<uint8_t>() % 2u;
   uint64_t handle = 0;
   require(QUENRA_openController(&handle) == 0, "the machine can be opened");
-  planFailure(input);
+  if (hidesProtection(planFailure(input))) {
+    made.encrypted = 0;
+  }
   planRefusal(input);
   const std::string image = anyImage(input);
   // In memory of its own size, so that one byte too far is seen.
