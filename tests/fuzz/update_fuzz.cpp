@@ -270,7 +270,17 @@ void clearFolders() {
     fs::remove_all(root() / folder);
     fs::create_directories(root() / folder);
   }
+}
+
+// The update runs in a folder of its own; the fuzzer stays where it was started.
+int32_t updateInItsFolder(uint64_t handle, const std::string& image, uint32_t options) {
+  const fs::path before = fs::current_path();
   fs::current_path(root() / "current");
+  // In memory of its own size, so that one byte too far is seen.
+  const std::vector<char> bytes(image.begin(), image.end());
+  const int32_t code = QUENRA_updateFirmware2(handle, bytes.data(), bytes.size(), options);
+  fs::current_path(before);
+  return code;
 }
 
 }  // namespace
@@ -279,9 +289,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
   static_cast<void>(root());
   clearFolders();
   setenv("TMPDIR", (root() / "temporary").c_str(), 1);
-  // Not from the folder that goes.
   std::atexit([] {
-    fs::current_path("/");
     std::error_code ignored;
     fs::remove_all(root(), ignored);
   });
@@ -302,9 +310,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   planRefusal(input);
   const std::string image = anyImage(input);
-  // In memory of its own size, so that one byte too far is seen.
-  const std::vector<char> bytes(image.begin(), image.end());
-  const int32_t code = QUENRA_updateFirmware2(handle, bytes.data(), bytes.size(), options);
+  const int32_t code = updateInItsFolder(handle, image, options);
   nFakeWindows::machine().useDriver(nullptr);
   faultPlan().reset();
   check(made, options, code);
