@@ -288,13 +288,15 @@ class HostileClient : public ContractTest {
   // the status.
   std::vector<tStatusCall> callsOnSession(zoroco_RoutingAdaptorSession* on) {
     return {
-        [=](zoerr_Status* s) { zoroco_ra_quenra_getHandledConstraints(on, &output, s); },
-        [=](zoerr_Status* s) { zoroco_ra_quenra_calculateRoute(on, "[]", "[]", "{}", &output, s); },
-        [=](zoerr_Status* s) { zoroco_ra_quenra_reserveRoute(on, 1, &output, s); },
+        [=, this](zoerr_Status* s) { zoroco_ra_quenra_getHandledConstraints(on, &output, s); },
+        [=, this](zoerr_Status* s) {
+          zoroco_ra_quenra_calculateRoute(on, "[]", "[]", "{}", &output, s);
+        },
+        [=, this](zoerr_Status* s) { zoroco_ra_quenra_reserveRoute(on, 1, &output, s); },
         [=](zoerr_Status* s) { zoroco_ra_quenra_programRoute(on, 1, s); },
-        [=](zoerr_Status* s) { zoroco_ra_quenra_getRouteTerminalPath(on, 1, &output, s); },
+        [=, this](zoerr_Status* s) { zoroco_ra_quenra_getRouteTerminalPath(on, 1, &output, s); },
         [=](zoerr_Status* s) { EXPECT_EQ(zoroco_ra_quenra_getAllTerminals(on, s, 0), nullptr); },
-        [=](zoerr_Status* s) {
+        [=, this](zoerr_Status* s) {
           zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(on, terminals, "default", s);
         },
     };
@@ -312,7 +314,7 @@ class HostileClient : public ContractTest {
           EXPECT_EQ(zoroco_ra_quenra_TerminalIterator_getU32Attribute(on, "id", s), 0u);
         },
         [=](zoerr_Status* s) { zoroco_ra_quenra_TerminalIterator_resetTerminal(on, "default", s); },
-        [=](zoerr_Status* s) {
+        [=, this](zoerr_Status* s) {
           zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(session, on, "default", s);
         },
     };
@@ -584,23 +586,23 @@ TEST_F(HostileClient, NullForeignOrUnendedName_IsAnUnknownSelector) {
   const auto text = unended();
   for (const char* name : {static_cast<const char*>(nullptr), "", "Name", "name ",
                            static_cast<const char*>(text.get())}) {
-    EXPECT_EQ(codeOf([=](zoerr_Status* s) {
+    EXPECT_EQ(codeOf([=, this](zoerr_Status* s) {
                 zoroco_ra_quenra_TerminalIterator_getStringAttribute(terminals, name, s);
               }),
               QUENRA_STATUS_BAD_SELECTOR);
-    EXPECT_EQ(codeOf([=](zoerr_Status* s) {
+    EXPECT_EQ(codeOf([=, this](zoerr_Status* s) {
                 zoroco_ra_quenra_TerminalIterator_getBoolAttribute(terminals, name, s);
               }),
               QUENRA_STATUS_BAD_SELECTOR);
-    EXPECT_EQ(codeOf([=](zoerr_Status* s) {
+    EXPECT_EQ(codeOf([=, this](zoerr_Status* s) {
                 zoroco_ra_quenra_TerminalIterator_getU32Attribute(terminals, name, s);
               }),
               QUENRA_STATUS_BAD_SELECTOR);
-    EXPECT_EQ(codeOf([=](zoerr_Status* s) {
+    EXPECT_EQ(codeOf([=, this](zoerr_Status* s) {
                 zoroco_ra_quenra_TerminalIterator_resetTerminal(terminals, name, s);
               }),
               QUENRA_STATUS_BAD_SELECTOR);
-    EXPECT_EQ(codeOf([=](zoerr_Status* s) {
+    EXPECT_EQ(codeOf([=, this](zoerr_Status* s) {
                 zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(session, terminals, name,
                                                                          s);
               }),
