@@ -58,7 +58,7 @@ void tMischief::doSome() {
 void tMischief::scriptAnAnswer() {
   tSimulatorScript script{};
   script.interfaceKind = random_.oneOf(kInterfaces);
-  script.skip = random_.below(16);
+  script.skip = random_.below(6);
   script.times = 1 + random_.below(2);
   script.action = random_.oneOf(kActions);
   script.windowsError = random_.oneOf(kErrors);

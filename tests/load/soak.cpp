@@ -178,8 +178,9 @@ class tSoak {
                            sum(&tCallTally::opens) + sum(&tCallTally::updates) +
                            sum(&tCallTally::pendings) + sum(&tCallTally::others) +
                            sum(&tRouteTally::lives);
-    rows_.push_back({passed.count(), calls, sum(&tCallTally::failures), sampleThisProcess(),
-                     sampleDriverProcesses()});
+    const uint64_t failures = sum(&tCallTally::failures) + sum(&tRouteTally::failures);
+    rows_.push_back(
+        {passed.count(), calls, failures, sampleThisProcess(), sampleDriverProcesses()});
     const tSoakRow& row = rows_.back();
     std::fprintf(stderr, "%5.0f s of %u: %llu calls, %llu failures, %u handles, %llu KiB\n",
                  row.seconds, plan_.seconds, static_cast<unsigned long long>(calls),
