@@ -2,35 +2,53 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
 
 namespace nTests {
 namespace {
 
-// Allocators keep what they once had; a leak in any call shows as more than this within minutes.
+// A leak in any call shows as more than this within minutes.
 constexpr int64_t kMostGrowthKib = 1024;
 constexpr size_t kMostRows = 24;
 // Caches fill, and the system loads what it needs once.
 constexpr size_t kWarmUpRows = 2;
 
+// The lowest of each third.
 template <class Measure>
-int64_t growth(const std::vector<tSoakRow>& rows, Measure measure) {
+std::array<int64_t, 3> lowest(const std::vector<tSoakRow>& rows, Measure measure) {
   const auto less = [&](const tSoakRow& left, const tSoakRow& right) {
     return measure(left) < measure(right);
   };
-  const auto begin = rows.begin() + kWarmUpRows;
-  const auto third = (rows.end() - begin) / 3;
-  return static_cast<int64_t>(measure(*std::min_element(rows.end() - third, rows.end(), less))) -
-         static_cast<int64_t>(measure(*std::min_element(begin, begin + third, less)));
+  const auto third = static_cast<std::ptrdiff_t>(rows.size() - kWarmUpRows) / 3;
+  std::array<int64_t, 3> lowest{};
+  auto begin = rows.end() - 3 * third;
+  for (int64_t& value : lowest) {
+    value = static_cast<int64_t>(measure(*std::min_element(begin, begin + third, less)));
+    begin += third;
+  }
+  return lowest;
+}
+
+template <class Measure>
+int64_t growth(const std::vector<tSoakRow>& rows, Measure measure) {
+  const std::array<int64_t, 3> thirds = lowest(rows, measure);
+  return thirds[2] - thirds[0];
+}
+
+template <class Measure>
+int64_t steadyGrowth(const std::vector<tSoakRow>& rows, Measure measure) {
+  const std::array<int64_t, 3> thirds = lowest(rows, measure);
+  return 2 * std::min(thirds[1] - thirds[0], thirds[2] - thirds[1]);
 }
 
 }  // namespace
 
 tSoakGrowth growthOf(const std::vector<tSoakRow>& rows) {
   return {growth(rows, [](const tSoakRow& row) { return row.own.handles; }),
-          growth(rows, [](const tSoakRow& row) { return row.own.privateKib; }),
+          steadyGrowth(rows, [](const tSoakRow& row) { return row.own.privateKib; }),
           growth(rows, [](const tSoakRow& row) { return row.driver.handles; }),
-          growth(rows, [](const tSoakRow& row) { return row.driver.privateKib; })};
+          steadyGrowth(rows, [](const tSoakRow& row) { return row.driver.privateKib; })};
 }
 
 std::string growthComplaints(const tSoakGrowth& growth) {

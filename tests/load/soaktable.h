@@ -18,8 +18,9 @@ struct tSoakRow {
   tProcessSample driver;
 };
 
-// How much more there is at the end of a run than at its beginning, warm-up left out: the lowest of the
-// last third less the lowest of the first third.
+// How much more there is at the end of a run than at its beginning, warm-up left out, where the lowest
+// of each third counts. Memory that a leak takes grows from the first third to the second as from there
+// to the last, and what counts is twice the lesser of the two: an allocator's one step up is no leak.
 struct tSoakGrowth {
   int64_t handles;
   int64_t privateKib;

@@ -57,10 +57,18 @@ TEST(SoakTable, OneHandleMore_IsAComplaint) {
 
 TEST(SoakTable, MemoryThatGrowsAllTheTime_IsAComplaint) {
   EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, size_t i) { row.own.privateKib += 100 * i; })),
-            "1900 more KiB of private memory\n");
+            "1800 more KiB of private memory\n");
   EXPECT_EQ(
       complaintsOf(rowsWith([](tSoakRow& row, size_t i) { row.driver.privateKib += 100 * i; })),
-      "1900 more KiB of the driver\n");
+      "1800 more KiB of the driver\n");
+}
+
+TEST(SoakTable, OneStepUp_IsNotGrowth) {
+  for (const size_t step : {5u, 15u, 25u}) {
+    EXPECT_EQ(complaintsOf(rowsWith(
+                  [step](tSoakRow& row, size_t i) { row.own.privateKib += i > step ? 5000 : 0; })),
+              "");
+  }
 }
 
 TEST(SoakTable, LongRun_IsThinnedOut) {
