@@ -68,6 +68,8 @@ void tMischief::scriptAnAnswer() {
   for (uint8_t& byte : script.reply) {
     byte = random_.oneIn(3) ? uint8_t{0xFF} : static_cast<uint8_t>(random_.below(256));
   }
+  // No more than 64 KiB of table or text is promised: gibibytes would cost a sanitizer as much again.
+  script.reply[2] = script.reply[3] = script.reply[6] = script.reply[7] = 0;
   machine_.addScript(script);
 }
 

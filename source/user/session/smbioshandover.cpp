@@ -54,15 +54,14 @@ void installSmbiosTable(tController& controller, nZOSMBIOS_1_1::cZoSmBiosProvide
   }
   const auto tableRoom = static_cast<uint32_t>(room.table);
   tStatus allocation;
-  const auto text = nZOAPAL000::allocateBytes(room.text, allocation);
-  const auto table = nZOAPAL000::allocateBytes(tableRoom, allocation);
+  // What a driver leaves out although it says to have filled it is nothing, not old memory; and what
+  // it promises and does not keep costs nothing.
+  const auto text = nZOAPAL000::allocateZeroedBytes(room.text, allocation);
+  const auto table = nZOAPAL000::allocateZeroedBytes(tableRoom, allocation);
   status.mergeFrom(allocation);
   if (status.isError()) {
     return;
   }
-  // What a driver leaves out although it says to have filled it is nothing, not old memory.
-  std::fill_n(text.get(), room.text, uint8_t{0});
-  std::fill_n(table.get(), tableRoom, uint8_t{0});
 
   tSizes answered = room;
   tStatus driver = recordFor(status);
