@@ -6,6 +6,7 @@ target_compile_options(house_rules INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor>)
 
 set(QUENRA_SANITIZERS "" CACHE STRING "Sanitizers of a native build, as -fsanitize= takes them")
+option(QUENRA_COVERAGE "Count, in a native build, which lines and branches run" OFF)
 
 if(WIN32)
   target_compile_definitions(house_rules INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX)
@@ -24,5 +25,9 @@ else()
     add_compile_options(-fsanitize=${QUENRA_SANITIZERS} -fno-sanitize-recover=all
       -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${QUENRA_SANITIZERS})
+  endif()
+  if(QUENRA_COVERAGE)
+    add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+    add_link_options(-fprofile-instr-generate)
   endif()
 endif()

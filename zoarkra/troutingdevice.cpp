@@ -21,7 +21,8 @@ void tRoutingDevice::open(const char* name, tStatus& status) noexcept {
 
 void tRoutingDevice::startNotifications(iDemotionListener& listener, tStatus& status) {
   auto port = createCompletionPort(status);
-  if (status.isError()) {
+  // A failure that the system tells with a warning leaves no port either.
+  if (status.isError() || !port) {
     return;
   }
   reader_ = std::make_unique<tThreadedIONotificationReader>(std::move(port));

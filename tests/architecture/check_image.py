@@ -13,7 +13,7 @@ import subprocess
 import sys
 
 WINDOWS_LIBRARIES = {
-    "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "setupapi.dll",
+    "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "setupapi.dll",
 }
 
 

@@ -6,6 +6,7 @@
 
 #include "simulator/model/sha256.h"
 #include "tests/builders/firmwareimagebuilder.h"
+#include "tests/builders/ttemporaryfolder.h"
 #include "tests/contract/contracttest.h"
 #include "tests/contract/updateworld.h"
 
@@ -72,16 +73,12 @@ class Update : public ContractTest {
     resetUpdateWorld();
     machine().clearFirmware();
     makeUpdatable(1, 0);
-    temporary_ = fs::temp_directory_path() / "quenra update test";
-    fs::remove_all(temporary_);
-    fs::create_directories(temporary_);
-    useTemporaryDirectory(temporary_.string());
+    useTemporaryDirectory(temporary_.path().string());
     open();
     machine().clearLog();
   }
   void TearDown() override {
-    useTemporaryDirectory(temporary_.parent_path().string());
-    fs::remove_all(temporary_);
+    useTemporaryDirectory(temporary_.path().parent_path().string());
     resetUpdateWorld();
     ContractTest::TearDown();
   }
@@ -135,7 +132,7 @@ class Update : public ContractTest {
   // The files in the folders of all updates, without the folders.
   std::vector<std::string> files() const {
     std::vector<std::string> names;
-    for (const auto& entry : fs::recursive_directory_iterator(temporary_)) {
+    for (const auto& entry : fs::recursive_directory_iterator(temporary_.path())) {
       if (entry.is_regular_file()) {
         names.push_back(entry.path().filename().string());
       }
@@ -145,7 +142,7 @@ class Update : public ContractTest {
   }
   std::vector<fs::path> folders() const {
     std::vector<fs::path> paths;
-    for (const auto& entry : fs::directory_iterator(temporary_)) {
+    for (const auto& entry : fs::directory_iterator(temporary_.path())) {
       paths.push_back(entry.path());
     }
     return paths;
@@ -160,7 +157,7 @@ class Update : public ContractTest {
     machine().addScript(script);
   }
 
-  fs::path temporary_;
+  const tTemporaryFolder temporary_;
 };
 
 // ---- What arrives where ----
@@ -226,7 +223,7 @@ TEST_F(Update, FileNameWithSubfolder_CannotBeOpened) {
 
 TEST_F(Update, FileNameAboveItsFolder_IsJoinedAsItIs) {
   EXPECT_EQ(update({tFirmwareSection::capsule("../beside.cap")}), 0);
-  EXPECT_TRUE(fs::exists(temporary_ / "beside.cap"));
+  EXPECT_TRUE(fs::exists(temporary_.path() / "beside.cap"));
 }
 
 // ---- Versions ----

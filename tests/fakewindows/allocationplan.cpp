@@ -1,7 +1,10 @@
 #include "tests/fakewindows/allocationplan.h"
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <mutex>
 #include <new>
 
 #include "tests/fakewindows/unusual.h"
@@ -10,9 +13,11 @@ extern "C" {
 void* __real_malloc(size_t size);
 void* __real_calloc(size_t count, size_t size);
 void* __real_realloc(void* memory, size_t size);
+void __real_free(void* memory);
 void* __wrap_malloc(size_t size);
 void* __wrap_calloc(size_t count, size_t size);
 void* __wrap_realloc(void* memory, size_t size);
+void __wrap_free(void* memory);
 }
 
 namespace nFakeWindows {
@@ -25,11 +30,87 @@ struct tState {
 };
 thread_local tState state;
 
+bool isWatched() noexcept {
+  return state.armed && !tInside::isSo();
+}
+
 bool isToFail() noexcept {
-  return state.armed && !tInside::isSo() && ++state.count == state.failing;
+  return isWatched() && ++state.count == state.failing;
+}
+
+// The blocks in use that were allocated while a plan lived. Their addresses are kept as their
+// complements, so that a leaked one is not found here and taken for one in use.
+class tBlocks {
+ public:
+  void add(const void* memory, size_t size) noexcept {
+    const std::lock_guard lock(mutex_);
+    tBlock* block = find(kFree);
+    if (block == nullptr) {
+      if (end_ == blocks_.size()) {
+        stop("tAllocationPlan", "more blocks than can be kept");
+      }
+      block = &blocks_[end_++];
+    }
+    *block = {keyOf(memory), size};
+    bytes_ += size;
+    ++used_;
+  }
+  // Does nothing for a block that is not kept.
+  void remove(const void* memory) noexcept {
+    const std::lock_guard lock(mutex_);
+    tBlock* const block = used_ == 0 || memory == nullptr ? nullptr : find(keyOf(memory));
+    if (block != nullptr) {
+      bytes_ -= block->size;
+      *block = {};
+      --used_;
+      end_ = used_ == 0 ? 0 : end_;
+    }
+  }
+  [[nodiscard]] size_t bytes() noexcept {
+    const std::lock_guard lock(mutex_);
+    return bytes_;
+  }
+
+ private:
+  static constexpr uintptr_t kFree = 0;
+  struct tBlock {
+    uintptr_t key = kFree;
+    size_t size = 0;
+  };
+
+  static uintptr_t keyOf(const void* memory) noexcept {
+    return ~reinterpret_cast<uintptr_t>(memory);
+  }
+  // There are few at a time.
+  tBlock* find(uintptr_t key) noexcept {
+    for (size_t i = 0; i < end_; ++i) {
+      if (blocks_[i].key == key) {
+        return &blocks_[i];
+      }
+    }
+    return nullptr;
+  }
+
+  std::mutex mutex_;
+  std::array<tBlock, 4096> blocks_{};
+  size_t bytes_ = 0;
+  size_t used_ = 0;
+  size_t end_ = 0;  // blocks behind it have never been used
+};
+constinit tBlocks blocks;
+
+void* watched(void* memory, size_t size) noexcept {
+  if (memory != nullptr && isWatched()) {
+    blocks.add(memory, size);
+  }
+  return memory;
 }
 
 }  // namespace
+
+size_t bytesInUse() noexcept {
+  return blocks.bytes();
+}
 
 tAllocationPlan::tAllocationPlan(unsigned nth) noexcept {
   state = {true, 0, nth};
@@ -45,22 +126,35 @@ unsigned tAllocationPlan::count() const noexcept {
 
 }  // namespace nFakeWindows
 
+using nFakeWindows::blocks;
 using nFakeWindows::isToFail;
+using nFakeWindows::watched;
 
 void* __wrap_malloc(size_t size) {
-  return isToFail() ? nullptr : __real_malloc(size);
+  return isToFail() ? nullptr : watched(__real_malloc(size), size);
 }
 
 void* __wrap_calloc(size_t count, size_t size) {
-  return isToFail() ? nullptr : __real_calloc(count, size);
+  return isToFail() ? nullptr : watched(__real_calloc(count, size), count * size);
 }
 
 void* __wrap_realloc(void* memory, size_t size) {
-  return isToFail() ? nullptr : __real_realloc(memory, size);
+  if (isToFail()) {
+    return nullptr;
+  }
+  // Before the block is anybody else's. Nobody here looks at memory that could not be made larger.
+  blocks.remove(memory);
+  return watched(__real_realloc(memory, size), size);
+}
+
+void __wrap_free(void* memory) {
+  blocks.remove(memory);
+  __real_free(memory);
 }
 
 void* operator new(size_t size, const std::nothrow_t&) noexcept {
-  return isToFail() ? nullptr : __real_malloc(size == 0 ? 1 : size);
+  const size_t bytes = size == 0 ? 1 : size;
+  return isToFail() ? nullptr : watched(__real_malloc(bytes), bytes);
 }
 
 void* operator new(size_t size) {
@@ -72,8 +166,8 @@ void* operator new(size_t size) {
 }
 
 void operator delete(void* memory) noexcept {
-  std::free(memory);
+  __wrap_free(memory);
 }
 void operator delete(void* memory, size_t) noexcept {
-  std::free(memory);
+  __wrap_free(memory);
 }

@@ -1,6 +1,8 @@
 #ifndef TESTS_FAKEWINDOWS_ALLOCATIONPLAN_H
 #define TESTS_FAKEWINDOWS_ALLOCATIONPLAN_H
 
+#include <cstddef>
+
 namespace nFakeWindows {
 
 // While it lives, counts the allocations of its thread - malloc, calloc, realloc and operator new -
@@ -15,6 +17,9 @@ class tAllocationPlan {
 
   [[nodiscard]] unsigned count() const noexcept;
 };
+
+// Of the memory that was allocated while a plan lived, what is in use: bytes, on any thread.
+[[nodiscard]] size_t bytesInUse() noexcept;
 
 }  // namespace nFakeWindows
 

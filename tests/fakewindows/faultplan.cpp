@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "tests/fakewindows/unusual.h"
+
 namespace nFakeWindows {
 namespace {
 
@@ -119,12 +121,20 @@ unsigned tFaultPlan::callCount(tCall call) const {
   return counts_[static_cast<size_t>(call)];
 }
 
+std::array<unsigned, kCalls> tFaultPlan::callCounts() const {
+  const std::lock_guard lock(mutex_);
+  return counts_;
+}
+
 std::vector<tCallRecord> tFaultPlan::calls() const {
   const std::lock_guard lock(mutex_);
   return record_;
 }
 
 std::optional<uint32_t> tFaultPlan::enter(tCall call, std::string argument) {
+  if (tOffTheRecord::isSo()) {
+    return std::nullopt;
+  }
   std::function<void()> hook;
   std::optional<uint32_t> error;
   {

@@ -98,6 +98,7 @@ class tFaultPlan {
 
   [[nodiscard]] unsigned callCount() const;
   [[nodiscard]] unsigned callCount(tCall call) const;
+  [[nodiscard]] std::array<unsigned, kCalls> callCounts() const;
   [[nodiscard]] std::vector<tCallRecord> calls() const;
 
   // For the functions of the fake: notes a call. Gives the error with which it is to fail.

@@ -19,6 +19,22 @@ class tInside {
   static thread_local int depth;
 };
 
+// While it lives, what its thread calls is a matter of the test alone: it is neither counted nor made
+// to fail, and neither are its allocations.
+class tOffTheRecord {
+ public:
+  tOffTheRecord() noexcept { ++depth; }
+  tOffTheRecord(const tOffTheRecord&) = delete;
+  tOffTheRecord& operator=(const tOffTheRecord&) = delete;
+  ~tOffTheRecord() { --depth; }
+
+  [[nodiscard]] static bool isSo() noexcept { return depth != 0; }
+
+ private:
+  static thread_local int depth;
+  const tInside inside_;
+};
+
 // Ends the program, naming the function: it was called in a way that the library has no reason for.
 [[noreturn]] void stop(const char* function, const char* what);
 

@@ -113,8 +113,8 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
     FakeWindowsTest::SetUp();
     std::printf("QUENRA_LOAD_SEED=%llu\n", static_cast<unsigned long long>(seed));
     nFakeWindows::programs().install(kDriverStoreTool);
-    temporary = std::filesystem::temp_directory_path() / "quenra threads under load";
-    std::filesystem::remove_all(temporary);
+    temporary = std::filesystem::temp_directory_path() /
+                ("quenra threads under load " + std::to_string(std::random_device{}()));
     std::filesystem::create_directories(temporary);
     setenv("TMPDIR", temporary.c_str(), 1);
     for (size_t i = 0; i < kThreads; ++i) {

@@ -53,20 +53,32 @@ class Bash(CommandLineTest):
                                 capture_output=True, text=True, check=False)
         self.assertEqual((result.returncode, result.stdout), (0, ""))
 
+    def verbs(self):
+        text = self.quenra("help").out.split("Verbs:\n")[1].split("Examples:")[0]
+        return re.findall(r"(?m)^  ([a-z-]+(?: [a-z]+)?)  ", text)
+
     def test_every_verb_is_offered(self):
-        listed = re.findall(r"(?m)^  ([a-z-]+) ", self.quenra("help").out.split("Verbs:\n")[1].split("Examples:")[0])
-        self.assertIn("set", listed)
-        self.assertEqual(self.offered(""), listed)
-        self.assertEqual(self.offered("help", ""), listed)
+        firsts = list(dict.fromkeys(verb.split()[0] for verb in self.verbs()))
+        self.assertIn("set", firsts)
+        self.assertEqual(self.offered(""), firsts)
+        self.assertEqual(self.offered("help", ""), firsts)
         self.assertEqual(self.offered("in"), ["info"])
         self.assertEqual(self.offered("--json", "ge"), ["get"])
 
+    def test_second_word_of_a_verb_is_offered(self):
+        for group in ("route", "firmware"):
+            actions = [verb.split()[1] for verb in self.verbs() if verb.startswith(group + " ")]
+            self.assertEqual(self.offered(group, ""), actions)
+            self.assertEqual(self.offered("--json", group, "--json", actions[0][:2]), actions[:1])
+            self.assertEqual(self.offered(group, "--"), ["--help", "--json"])
+            self.assertEqual(self.offered(group, "nothing", ""), [])
+
     def test_every_option_of_the_help_is_offered(self):
-        for verb in self.offered(""):
+        for verb in self.verbs():
             with self.subTest(verb=verb):
-                listed = re.findall(r"(?m)^  (?:-h,)?(--[a-z]+)", self.quenra(verb, "--help").out)
+                listed = re.findall(r"(?m)^  (?:-h,)?(--[a-z-]+)", self.quenra(*verb.split(), "--help").out)
                 self.assertGreaterEqual(len(listed), 2)
-                self.assertEqual(sorted(self.offered(verb, "--")), sorted(listed))
+                self.assertEqual(sorted(self.offered(*verb.split(), "--")), sorted(listed))
         self.assertEqual(self.offered("--v"), ["--version"])
 
     def test_every_attribute_is_offered(self):
@@ -162,7 +174,8 @@ class PowerShell(CommandLineTest):
                 self.assertEqual(len(rows), len(lines.splitlines()))
                 in_bash = re.search(rf"(?m)^_quenra_{name}='\n([^']*)'$", ScriptFile(self, "bash").text)
                 self.assertEqual([row[0] for row in rows], in_bash[1].split())
-        self.assertEqual(len(lists), 5)
+        self.assertEqual(list(lists),
+                         re.findall(r"(?m)^_quenra_(\w+)='$", ScriptFile(self, "bash").text))
 
 
 class Document(CommandLineTest):

@@ -2,7 +2,8 @@ import unittest
 
 from commandline import CommandLineTest
 
-VERBS = ("info", "get", "set", "self-test", "attributes", "explain", "completion", "help")
+VERBS = ("info", "get", "set", "self-test", "terminals", "route plan", "route connect",
+         "firmware inspect", "firmware verify", "firmware build", "attributes", "explain", "completion", "help")
 
 
 class Help(CommandLineTest):
@@ -16,7 +17,7 @@ class Help(CommandLineTest):
 
     def test_of_every_verb_has_examples(self):
         for verb in VERBS:
-            self.assertIn(f"Examples:\n  quenra {verb}", self.quenra(verb, "--help").out)
+            self.assertIn(f"Examples:\n  quenra {verb}", self.quenra(*verb.split(), "--help").out)
 
     def test_with_json_is_a_document(self):
         document = self.document("help", "get", kind="help")

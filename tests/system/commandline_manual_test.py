@@ -22,7 +22,7 @@ class Manual(CommandLineTest):
 
     def verbs(self):
         text = self.quenra("help").out.split("Verbs:\n")[1].split("Examples:")[0]
-        return re.findall(r"(?m)^  ([a-z-]+) ", text)
+        return re.findall(r"(?m)^  ([a-z-]+(?: [a-z]+)?)  ", text)
 
     def test_is_set_without_a_warning_and_tells_everything(self):
         text = self.page_as_read()
@@ -39,7 +39,7 @@ class Manual(CommandLineTest):
         for verb in verbs:
             self.assertRegex(text, rf"(?m)^ +quenra {verb}\b")
             self.assertRegex(text, rf"(?m)^   {verb}$")
-            for option in re.findall(r"(?m)^  (?:-h,)?(--[a-z]+)", self.quenra(verb, "--help").out):
+            for option in re.findall(r"(?m)^  (?:-h,)?(--[a-z-]+)", self.quenra(*verb.split(), "--help").out):
                 self.assertRegex(text, rf"(?m)^ +{option}\b", verb)
 
     def test_committed_page_is_the_programs_own(self):

@@ -35,9 +35,9 @@ tExitCode runWords(const tVerbContext& context, tWords words) {
 
 }  // namespace
 
-int runCommandLine(int argc, const char* const* argv, tStreams& streams, iQuenra& library) {
+int runCommandLine(int argc, const char* const* argv, tStreams& streams, const tPorts& ports) {
   const tWords words = tWords(argv, static_cast<size_t>(argc)).subspan(argc > 0 ? 1 : 0);
-  tExitCode exitCode = runWords({library, streams, wantsJson(words)}, words);
+  tExitCode exitCode = runWords({ports, streams, wantsJson(words)}, words);
   // A full disk or a closed pipe: nobody is to take half an answer for one.
   if (!streams.out.flush()) {
     printError(streams.error,

@@ -22,7 +22,9 @@ struct tExitCodeRow {
 // The table that the help and the guide show; scripts rely on it.
 inline constexpr tExitCodeRow kExitCodes[] = {
     {tExitCode::done, "done"},
-    {tExitCode::failure, "the library reported a failure, or the output could not be written"},
+    {tExitCode::failure,
+     "the library reported a failure, an image has a fault, or a file or the output cannot be "
+     "used"},
     {tExitCode::wrongUsage, "wrong usage"},
     {tExitCode::notSupported, "not supported on this machine"},
     {tExitCode::noController, "no controller could be reached"},

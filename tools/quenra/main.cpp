@@ -14,7 +14,10 @@
 #include <vector>
 
 #include "tools/quenra/commandline.h"
+#include "tools/quenra/interruption/tconsoleinterruption.h"
 #include "tools/quenra/reading/tquenralibrary.h"
+#include "tools/quenra/routing/tquenrarouting.h"
+#include "tools/quenra/update/tupdatefacts.h"
 #include "tools/quenra/utf16word.h"
 
 namespace {
@@ -90,6 +93,9 @@ int main() {
   const tConsole console;
   nCommandLine::tStreams streams{std::cout, std::cerr, console.present(), console.takesStyles()};
   nCommandLine::tQuenraLibrary library;
+  nCommandLine::tQuenraRouting routing;
+  nCommandLine::tUpdateFacts updateFacts;
+  nCommandLine::tConsoleInterruption interruption;
   const std::vector<std::string> words = commandLineWords();
   std::vector<const char*> pointers;
   pointers.reserve(words.size());
@@ -97,5 +103,5 @@ int main() {
     pointers.push_back(word.c_str());
   }
   return nCommandLine::runCommandLine(static_cast<int>(pointers.size()), pointers.data(), streams,
-                                      library);
+                                      {library, routing, updateFacts, interruption});
 }

@@ -19,6 +19,13 @@ class tCommandError : public std::runtime_error {
   // was the library that failed; then its explanation is the advice.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status)
       : std::runtime_error(what), exitCode_(exitCode), status_(status) {}
+  // ... with advice of the program's own behind that of the status.
+  tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status,
+                std::string advice)
+      : std::runtime_error(what),
+        exitCode_(exitCode),
+        status_(status),
+        advice_(std::move(advice)) {}
   // Wrong usage: `suggestions` are what may have been meant instead.
   tCommandError(const std::string& what, std::string advice, std::vector<std::string> suggestions)
       : std::runtime_error(what),

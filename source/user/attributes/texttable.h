@@ -59,13 +59,13 @@ inline constexpr tTextRow kRows[] = {
     {QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER, textField(0x04, 0x07)},
     {QUENRA_ATTRIBUTE_PROCESSOR_VERSION,      textField(0x04, 0x10)},
     {QUENRA_ATTRIBUTE_BUS_LOCATION,           textField(0x97, 0x04), tTextRule::normalised},
-    {QUENRA_ATTRIBUTE_SLOT_LOCATION,          textField(0x98, 0x05), tTextRule::normalisedList, &kSlotLocations},
+    {QUENRA_ATTRIBUTE_SLOT_LOCATION,          kSlotLocations.first, tTextRule::normalisedList, &kSlotLocations},
     {QUENRA_ATTRIBUTE_LINK_LOCATION,          textField(0x99, 0x05), tTextRule::normalised},
     {QUENRA_ATTRIBUTE_LINK_TEXT,              textField(0x99, 0x06)},
     {QUENRA_ATTRIBUTE_EXPANSION_LOCATION,     textField(0x9A, 0x05), tTextRule::normalised},
     {QUENRA_ATTRIBUTE_PLATFORM_TEXT_3,        textField(0x9C, 0x04)},
-    {QUENRA_ATTRIBUTE_BRIDGE_LOCATION,        textField(0xA3, 0x07), tTextRule::normalisedList, &kBridgeLocations},
-    {QUENRA_ATTRIBUTE_BRIDGE_MEMBERS,         textField(0xA3, 0x08), tTextRule::normalisedGroupsList, &kBridgeMembers},
+    {QUENRA_ATTRIBUTE_BRIDGE_LOCATION,        kBridgeLocations.first, tTextRule::normalisedList, &kBridgeLocations},
+    {QUENRA_ATTRIBUTE_BRIDGE_MEMBERS,         kBridgeMembers.first, tTextRule::normalisedGroupsList, &kBridgeMembers},
 };
 // clang-format on
 

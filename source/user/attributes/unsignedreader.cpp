@@ -244,10 +244,10 @@ void tUnsignedReading::askMartenInstead() const noexcept {
   }
   // A record of its own: the session's holds the error that led here.
   tStatus driver;
-  uint32_t value = 0;
-  readFromDriver(access_.marten, attribute_, value, driver);
+  uint32_t answer = 0;
+  readFromDriver(access_.marten, attribute_, answer, driver);
   if (!driver.isError()) {
-    value_ = value;
+    value_ = answer;
     status_.clear();
   }
 }

@@ -65,7 +65,7 @@ inline constexpr tUnsignedRow kRows[] = {
     {QUENRA_ATTRIBUTE_PLATFORM_REVISION_BASE,   tUnsignedRule::asItIs, byteField(0xB4, 0x06)},
     {QUENRA_ATTRIBUTE_FIRMWARE_UPDATE_SUPPORT,  tUnsignedRule::firmwareUpdateSupport, 0, nullptr, 1315},
     {QUENRA_ATTRIBUTE_SLOT_COUNT,               tUnsignedRule::asItIs, byteField(0x98, 0x04)},
-    {QUENRA_ATTRIBUTE_SLOT_NUMBER,              tUnsignedRule::ofList, byteField(0x98, 0x09), &kSlotNumbers},
+    {QUENRA_ATTRIBUTE_SLOT_NUMBER,              tUnsignedRule::ofList, kSlotNumbers.first, &kSlotNumbers},
     {QUENRA_ATTRIBUTE_LINK_KIND,                tUnsignedRule::linkKind, textField(0x99, 0x04)},
     {QUENRA_ATTRIBUTE_EXPANSION_KIND,           tUnsignedRule::expansionKind, textField(0x9A, 0x04)},
     {QUENRA_ATTRIBUTE_CAPABILITY_1,             tUnsignedRule::asItIs, byteField(0x9F, 0x04)},

@@ -16,11 +16,10 @@ using tUniqueThread = tUniqueProcess;
 constexpr auto kToolMissing = sessionLocation(2331);
 constexpr auto kToolNotStarted = sessionLocation(2359);
 
-constexpr const char* kTool = "C:\\Windows\\Sysnative\\pnputil.exe";
 constexpr DWORD kPatienceMilliseconds = 300000;
 
 bool isToolThere() noexcept {
-  const DWORD attributes = GetFileAttributesA(kTool);
+  const DWORD attributes = GetFileAttributesA(kDriverStoreTool);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
@@ -29,8 +28,8 @@ tUniqueProcess startTool(std::string commandLine) noexcept {
   STARTUPINFOA startup{};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION started{};
-  if (!CreateProcessA(kTool, commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                      nullptr, &startup, &started)) {
+  if (!CreateProcessA(kDriverStoreTool, commandLine.data(), nullptr, nullptr, TRUE,
+                      CREATE_NO_WINDOW, nullptr, nullptr, &startup, &started)) {
     return {};
   }
   const tUniqueThread thread(started.hThread);

@@ -7,6 +7,9 @@
 
 namespace nQUENRA1400 {
 
+// The operating system's tool for driver packages.
+inline constexpr const char* kDriverStoreTool = "C:\\Windows\\Sysnative\\pnputil.exe";
+
 // Installs the driver package of an .inf file, named in the process code page, with the operating
 // system's tool, and waits for that for at most five minutes. What the tool then says is not asked:
 // an installation that was started counts as done. Reports kUpdateEnvironment when the tool is

@@ -14,7 +14,6 @@ class tUpdateFolder {
   // std::filesystem::filesystem_error ("temp_directory_path") when it gives no directory.
   tUpdateFolder();
 
-  [[nodiscard]] const std::u16string& path() const noexcept { return path_; }
   // Where a file of the update goes. A name with a drive letter, or of another machine, stands for
   // itself.
   [[nodiscard]] std::u16string pathOf(std::u16string_view fileName) const;

@@ -17,6 +17,8 @@ rapidjson::Document tRun::document() const {
 CommandLineTest::~CommandLineTest() {
   EXPECT_EQ(library_.opens, library_.closes) << "a controller was left open";
   EXPECT_FALSE(library_.usedWhileClosed);
+  EXPECT_EQ(routing_.sessions, 0) << "a routing session was left open";
+  EXPECT_EQ(routing_.iterators, 0);
 }
 
 tRun CommandLineTest::run(const std::vector<std::string>& words) {
@@ -35,9 +37,19 @@ tRun CommandLineTest::runWith(const std::vector<std::string>& words, bool termin
   std::ostringstream out;
   std::ostringstream error;
   nCommandLine::tStreams streams{out, error, terminal, terminal};
-  const int exitCode = nCommandLine::runCommandLine(static_cast<int>(arguments.size()),
-                                                    arguments.data(), streams, library_);
+  const int exitCode =
+      nCommandLine::runCommandLine(static_cast<int>(arguments.size()), arguments.data(), streams,
+                                   {library_, routing_, facts_, interruption_});
   return {exitCode, out.str(), error.str()};
+}
+
+std::vector<std::string> wordsOf(std::string_view verb) {
+  std::istringstream stream{std::string(verb)};
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;) {
+    words.push_back(word);
+  }
+  return words;
 }
 
 std::vector<std::string> memberNames(const rapidjson::Value& object) {

@@ -6,9 +6,13 @@
 #include <rapidjson/document.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "tests/component/commandline/tscriptedfacts.h"
+#include "tests/component/commandline/tscriptedinterruption.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
+#include "tests/component/commandline/tscriptedrouting.h"
 
 namespace nTests {
 
@@ -31,10 +35,16 @@ class CommandLineTest : public testing::Test {
   tRun runOnTerminal(const std::vector<std::string>& words);
 
   tScriptedLibrary library_;
+  tScriptedRouting routing_;
+  tScriptedFacts facts_;
+  tScriptedInterruption interruption_;
 
  private:
   tRun runWith(const std::vector<std::string>& words, bool terminal);
 };
+
+// A verb as the words that are typed for it.
+[[nodiscard]] std::vector<std::string> wordsOf(std::string_view verb);
 
 // The names of an object's members, in order.
 [[nodiscard]] std::vector<std::string> memberNames(const rapidjson::Value& object);

@@ -22,7 +22,9 @@ TEST_F(Help, NamesEveryVerb) {
 
 TEST_F(Help, EndsWithExamplesAndExitCodes) {
   for (const nCommandLine::tVerbRow& verb : nCommandLine::kVerbs) {
-    const std::string text = run({std::string(verb.name), "--help"}).out;
+    std::vector<std::string> words = wordsOf(verb.name);
+    words.emplace_back("--help");
+    const std::string text = run(words).out;
     EXPECT_THAT(text, HasSubstr("Examples:\n  quenra " + std::string(verb.name)));
     for (const nCommandLine::tExitCodeRow& row : nCommandLine::kExitCodes) {
       EXPECT_THAT(text, HasSubstr(std::to_string(nCommandLine::exitNumber(row.code)) + "  " +
@@ -45,6 +47,24 @@ TEST_F(Help, VerbAndOption_SayTheSame) {
   EXPECT_EQ(run({"help"}).out, run({"--help"}).out);
   EXPECT_EQ(run({"help", "get"}).out, run({"get", "--help"}).out);
   EXPECT_EQ(run({"get", "-h"}).out, run({"get", "--help"}).out);
+}
+
+TEST_F(Help, OfAVerbOfTwoWords_IsToldInEveryWay) {
+  const std::string text = run({"firmware", "inspect", "--help"}).out;
+  EXPECT_THAT(text, HasSubstr("\nUsage: quenra firmware inspect IMAGE\n"));
+  EXPECT_EQ(run({"help", "firmware", "inspect"}).out, text);
+  EXPECT_EQ(run({"firmware", "--help", "inspect"}).out, text);
+}
+
+TEST_F(Help, OfAGroup_TellsEachOfItsVerbs) {
+  const tRun result = run({"firmware", "--help"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(run({"help", "firmware"}).out, result.out);
+  for (const nCommandLine::tVerbRow& verb : nCommandLine::kVerbs) {
+    EXPECT_EQ(result.out.find("quenra " + std::string(verb.name)) != std::string::npos,
+              verb.name.starts_with("firmware "))
+        << verb.name;
+  }
 }
 
 TEST_F(Help, WithJson_IsADocument) {

@@ -4,7 +4,10 @@
 #include <array>
 #include <sstream>
 
+#include "tests/component/commandline/tscriptedfacts.h"
+#include "tests/component/commandline/tscriptedinterruption.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
+#include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/commandline.h"
 
 namespace nTests {
@@ -22,8 +25,13 @@ TEST(Output, ThatCannotBeWritten_IsAFailure) {
   std::ostringstream error;
   nCommandLine::tStreams streams{out, error};
   tScriptedLibrary library;
+  tScriptedRouting routing;
+  tScriptedFacts facts;
+  tScriptedInterruption interruption;
   const std::array words{"quenra", "attributes"};
-  EXPECT_EQ(nCommandLine::runCommandLine(2, words.data(), streams, library), 1);
+  EXPECT_EQ(nCommandLine::runCommandLine(2, words.data(), streams,
+                                         {library, routing, facts, interruption}),
+            1);
   EXPECT_THAT(error.str(), testing::HasSubstr("the output could not be written"));
 }
 

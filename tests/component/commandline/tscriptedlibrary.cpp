@@ -68,6 +68,16 @@ int32_t tScriptedLibrary::setAttributeU32(uint64_t handle, uint32_t attribute,
   return take(handle, {attribute, value});
 }
 
+int32_t tScriptedLibrary::updateFirmware2(uint64_t handle, const void* image, uint64_t size,
+                                          uint32_t options) noexcept {
+  usedWhileClosed |= !isOpen(handle);
+  updates.push_back({std::string(static_cast<const char*>(image), size), options});
+  if (duringUpdate) {
+    duringUpdate();
+  }
+  return updateCode;
+}
+
 int32_t tScriptedLibrary::performSelfTest(uint64_t handle) noexcept {
   usedWhileClosed |= !isOpen(handle);
   ++selfTests;

@@ -30,6 +30,8 @@ class tScriptedLibrary final : public nCommandLine::iQuenra {
   int32_t getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value) noexcept override;
   int32_t setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text) noexcept override;
   int32_t setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value) noexcept override;
+  int32_t updateFirmware2(uint64_t handle, const void* image, uint64_t size,
+                          uint32_t options) noexcept override;
   int32_t performSelfTest(uint64_t handle) noexcept override;
 
   struct tWrite {
@@ -46,6 +48,14 @@ class tScriptedLibrary final : public nCommandLine::iQuenra {
   std::vector<tWrite> writes;
   int32_t selfTestCode = QUENRA_STATUS_SUCCESS;
   int selfTests = 0;
+  struct tUpdate {
+    std::string image;
+    uint32_t options;
+    bool operator==(const tUpdate&) const = default;
+  };
+  int32_t updateCode = QUENRA_STATUS_SUCCESS;
+  std::vector<tUpdate> updates;
+  std::function<void()> duringUpdate;
   bool usedWhileClosed = false;
 
  private:

@@ -24,7 +24,13 @@ const tWords kWrong[] = {{},
                          {"--unknown"},
                          {"-26934"},
                          {""},
-                         {"help", "nothing"}};
+                         {"help", "nothing"},
+                         {"firmware"},
+                         {"firmware", "nothing"},
+                         {"firmware", "inspect"},
+                         {"firmware-inspect", "x"},
+                         {"firmware inspect"},
+                         {"firmware", "build", "x"}};
 
 TEST_F(Usage, WrongUsage_HasItsExitCodeAndNothingOnTheOutput) {
   for (const tWords& words : kWrong) {
@@ -73,6 +79,16 @@ TEST_F(Usage, Json_IsTakenBeforeAndAfterTheVerb) {
 TEST_F(Usage, MisspeltVerb_IsMetWithASuggestion) {
   EXPECT_THAT(run({"inof"}).error, HasSubstr("Did you mean info?"));
   EXPECT_THAT(run({"attribute"}).error, HasSubstr("Did you mean attributes?"));
+}
+
+TEST_F(Usage, GroupWithoutAnAction_IsMetWithItsActions) {
+  EXPECT_THAT(run({"firmware"}).error,
+              HasSubstr("'firmware' needs to be told what to do\n  Did you "
+                        "mean firmware inspect, firmware verify or "
+                        "firmware build?\n"));
+  EXPECT_THAT(run({"firmware", "verfy"}).error, HasSubstr("Did you mean firmware verify?"));
+  EXPECT_STREQ(run({"firmware", "inspect", "--json"}).document()["command"].GetString(),
+               "firmware inspect");
 }
 
 TEST_F(Usage, WordsOfAnyBytes_AreReportedPrintably) {

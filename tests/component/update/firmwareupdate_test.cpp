@@ -127,6 +127,19 @@ TEST_F(FirmwareUpdate, WithoutATemporaryDirectory_IsAFilesystemErrorBeforeAnythi
   EXPECT_EQ(marker(), kMarkerBefore);
 }
 
+TEST_F(FirmwareUpdate, NameThatCannotBeConverted_StopsItBeforeTheToolIsStartedOnAnother) {
+  // Converted for its file and for the tool, and each time measured first.
+  for (unsigned nth = 1; nth <= 4; ++nth) {
+    for (const tCall call : {tCall::multiByteToWideChar, tCall::wideCharToMultiByte}) {
+      faultPlan().reset();
+      faultPlan().failCall(call, nth, 1113 /* ERROR_NO_UNICODE_TRANSLATION */);
+      EXPECT_EQ(update(wholeImage()), QUENRA_STATUS_INTERNAL_ERROR);
+      EXPECT_EQ(programs().started().size(), 0u);
+      EXPECT_EQ(marker(), kMarkerBefore);
+    }
+  }
+}
+
 // ---- File names ----
 
 TEST_F(FirmwareUpdate, NameInTheCodePage_IsOpenedInTheCodePage) {

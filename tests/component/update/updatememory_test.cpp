@@ -1,4 +1,5 @@
 // Every allocation of a whole update, failed in turn.
+#include "source/user/update/tupdatefolder.h"
 #include "tests/component/update/updatetest.h"
 #include "tests/fakewindows/allocationplan.h"
 
@@ -49,6 +50,19 @@ TEST_F(UpdateMemory, EachAllocationThatFails_IsToldAndLeavesNothingHalfDone) {
   EXPECT_GT(failures, 5u);
   EXPECT_EQ(updateWithout(0, &ignored), 0);
   expectNoLeak();
+}
+
+TEST_F(UpdateMemory, ShortWhileTheFolderIsRemoved_LeavesItToTheSystem) {
+  const nQUENRA1400::tUpdateFolder folder;
+  folder.create();
+  const std::filesystem::path path(folder.pathOf(u"x"));
+  {
+    const tAllocationPlan plan(1);
+    folder.remove();
+  }
+  EXPECT_TRUE(std::filesystem::exists(path.parent_path()));
+  folder.remove();
+  EXPECT_FALSE(std::filesystem::exists(path.parent_path()));
 }
 
 }  // namespace

@@ -5,8 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
 
 #include "tests/builders/firmwareimagebuilder.h"
+#include "tests/builders/ttemporaryfolder.h"
 #include "tests/component/session/sessiontest.h"
 
 namespace nTests {
@@ -27,14 +29,13 @@ inline std::string wholeImage() {
 
 // A machine that takes firmware, and a temporary directory of the test's own.
 class UpdateTest : public SessionTest {
+  tTemporaryFolder folder_;
+
  protected:
   void SetUp() override {
     SessionTest::SetUp();
     useEligibility(1, 0);
     nFakeWindows::programs().install(kDriverStoreTool);
-    temporary = std::filesystem::temp_directory_path() / "quenra component update";
-    std::filesystem::remove_all(temporary);
-    std::filesystem::create_directories(temporary);
     before_ = std::getenv("TMPDIR") == nullptr ? "" : std::getenv("TMPDIR");
     setenv("TMPDIR", temporary.c_str(), 1);
   }
@@ -44,7 +45,6 @@ class UpdateTest : public SessionTest {
     } else {
       setenv("TMPDIR", before_.c_str(), 1);
     }
-    std::filesystem::remove_all(temporary);
     SessionTest::TearDown();
   }
 
@@ -80,7 +80,7 @@ class UpdateTest : public SessionTest {
     return code;
   }
 
-  std::filesystem::path temporary;
+  const std::filesystem::path temporary = folder_.path();
 
  private:
   std::string before_;

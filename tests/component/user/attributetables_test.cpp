@@ -19,6 +19,8 @@ TEST(AttributeId, IsTakenApartByItsBits) {
   EXPECT_TRUE(id.selectsMarten());
   EXPECT_FALSE(id.selectsController());
   EXPECT_FALSE(id.isPrivate());
+  EXPECT_TRUE(tAttributeId(0x10105900).selectsController());
+  EXPECT_FALSE(tAttributeId(0x10105900).selectsMarten());
   EXPECT_TRUE(tAttributeId(0x28000200).isPrivate());
   EXPECT_EQ(tAttributeId(0x17FFFFFF).base(), 0x170FFF00u) << "bits 24 to 26 belong to the base";
 }

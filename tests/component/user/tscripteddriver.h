@@ -11,6 +11,7 @@
 
 #include "codegen/apalcodegen/iinterfaceproxy_hostcontroller.h"
 #include "codegen/apalcodegen/iinterfaceproxy_hostmarten.h"
+#include "tests/component/twithoutchannel.h"
 
 namespace nTests {
 
@@ -74,28 +75,15 @@ class tAttributeStore {
   }
 };
 
-// The channel operations that no reader uses.
+// The operations that no reader uses.
 template <class Interface>
-class tWithoutChannel : public Interface {
+class tAttributesOnly : public tWithoutChannel<Interface> {
  public:
-  void close() noexcept override {}
-  uint32_t deviceControl(uint32_t, const void*, uint32_t, void*, uint32_t,
-                         tStatus&) noexcept override {
-    return 0;
-  }
-  uint32_t read(void*, uint32_t, tStatus&) noexcept override { return 0; }
-  uint32_t write(const void*, uint32_t, tStatus&) noexcept override { return 0; }
-  uint64_t beginPendingRequest(uint16_t, uint64_t, uint8_t,
-                               nQUENRA1400::nZOAPAL000::tPendingRequest&,
-                               tStatus&) noexcept override {
-    return 0;
-  }
-  void endPendingRequest(nQUENRA1400::nZOAPAL000::tPendingRequest&) noexcept override {}
   void sendCommand(uint64_t, uint32_t, tStatus&) noexcept override {}
 };
 
 class tScriptedController final
-    : public tWithoutChannel<nQUENRA1400::nZOAPAL000::iInterfaceProxy_hostController>,
+    : public tAttributesOnly<nQUENRA1400::nZOAPAL000::iInterfaceProxy_hostController>,
       public tAttributeStore {
  public:
   void exchangeValues(uint64_t, uint32_t&, uint64_t, int32_t&, tStatus&) noexcept override {}
@@ -109,7 +97,7 @@ class tScriptedController final
 };
 
 class tScriptedMarten final
-    : public tWithoutChannel<nQUENRA1400::nZOAPAL000::iInterfaceProxy_hostMarten>,
+    : public tAttributesOnly<nQUENRA1400::nZOAPAL000::iInterfaceProxy_hostMarten>,
       public tAttributeStore {
  public:
   void getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,

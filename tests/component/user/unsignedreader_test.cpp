@@ -103,6 +103,14 @@ TEST_F(UnsignedReader, MartenFailingInPlaceOfAField_LeavesTheFieldsErrorAndNoVal
   EXPECT_EQ(value, 0u);
 }
 
+TEST_F(UnsignedReader, MartenThatWritesNothingInPlaceOfAField_GivesZero) {
+  install(tReferenceTable().remove(0x9F));
+  martenIsOpen = true;
+  marten.answers[0x2003E800] = {};
+  EXPECT_EQ(readUnsigned(0x2003E800), (tFailure{0, 0}));
+  EXPECT_EQ(value, 0u);
+}
+
 TEST_F(UnsignedReader, AskingTheController_PassesAnEarlierWarning) {
   controller.answerNumber(0x20044C00, 12);
   zoerr::tOwnedStatus status;

@@ -107,6 +107,13 @@ TEST_F(Memory, ShortWhileALargeRequestIsRead_EndsTheRequest) {
   EXPECT_GT(allocationsOf([&] { calculate(seeds, destinations); }), 2u);
 }
 
+TEST_F(Memory, ShortWhileALongNameIsRead_EndsTheRequest) {
+  const std::string seeds = R"([{"terminal":")" + std::string(10 * kFourKilobytes, 'n') +
+                            R"(","cost":1,"constraints":{}}])";
+  failEveryAllocation([&] { calculate(seeds, R"(["FLOAT"])"); });
+  EXPECT_GT(allocationsOf([&] { calculate(seeds, R"(["FLOAT"])"); }), 0u);
+}
+
 TEST_F(Memory, ShortWhileABadRequestIsTold_LeavesItsCode) {
   const std::string seeds = "[" + std::string(3 * kFourKilobytes, ' ') + "5]";
   failEveryAllocation([&] { calculate(seeds, "[]"); }, -52005);

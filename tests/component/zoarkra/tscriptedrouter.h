@@ -9,10 +9,12 @@
 
 #include "codegen/apalcodegen/iinterfaceproxy_routing.h"
 #include "protocol/routingrecords.h"
+#include "tests/component/twithoutchannel.h"
 
 namespace nTests {
 
-class tScriptedRouter final : public nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing {
+class tScriptedRouter final
+    : public tWithoutChannel<nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing> {
  public:
   using tStatus = nZOAPALS100::tStatus;
 
@@ -42,20 +44,6 @@ class tScriptedRouter final : public nQUENRA1400::nZOAPAL000::iInterfaceProxy_ro
   uint32_t pathLengthTold = 0;
 
   std::string topographyName = "pxiContTriggerRouter";
-
-  void close() noexcept override {}
-  uint32_t deviceControl(uint32_t, const void*, uint32_t, void*, uint32_t,
-                         tStatus&) noexcept override {
-    return 0;
-  }
-  uint32_t read(void*, uint32_t, tStatus&) noexcept override { return 0; }
-  uint32_t write(const void*, uint32_t, tStatus&) noexcept override { return 0; }
-  uint64_t beginPendingRequest(uint16_t, uint64_t, uint8_t,
-                               nQUENRA1400::nZOAPAL000::tPendingRequest&,
-                               tStatus&) noexcept override {
-    return 0;
-  }
-  void endPendingRequest(nQUENRA1400::nZOAPAL000::tPendingRequest&) noexcept override {}
 
   void method0(uint32_t& result, tStatus& status) noexcept override;
   uint32_t calculateRoute(uint64_t modifiers, uint64_t seeds, uint32_t seedCount,

@@ -31,7 +31,7 @@ _quenra_use() {
 
 _quenra() {
   local word=${COMP_WORDS[COMP_CWORD]} options valued choices positionals
-  local current verb='' ended='' offered given=0 i
+  local current verb='' group='' ended='' offered given=0 i
   COMPREPLY=()
   _quenra_grammar ''
   for ((i = 1; i < COMP_CWORD; ++i)); do
@@ -46,6 +46,9 @@ _quenra() {
       fi
     elif [[ -z $verb ]]; then
       verb=$current
+      _quenra_grammar "$verb"
+    elif [[ -n $group ]]; then
+      verb="$verb $current"
       _quenra_grammar "$verb"
     else
       ((++given))
@@ -129,7 +132,7 @@ std::string positionalWords(const tVerbRow& verb) {
 }
 
 std::string caseOf(const tVerbRow& verb) {
-  std::string text = "    " + std::string(verb.name) + ")\n";
+  std::string text = "    '" + std::string(verb.name) + "')\n";
   text += "      options='" + optionNames(kOptionsOfEveryVerb, verb.options) + "'\n";
   text += "      valued='" + valuedOptions(verb.options) + "'\n";
   text += "      choices=(" + choices(verb.options) + ")\n";
@@ -137,16 +140,25 @@ std::string caseOf(const tVerbRow& verb) {
   return text + "      ;;\n";
 }
 
+std::string caseOf(const tVerbGroupRow& group) {
+  return "    '" + std::string(group.name) + "')\n      group=yes\n      options='" +
+         optionNames(kOptionsOfEveryVerb, {}) + "'\n      positionals=(\"$" +
+         variableOf(*group.actions) + "\")\n      ;;\n";
+}
+
 std::string grammar() {
   std::string text =
       "\n# What may stand behind a verb, or in front of it; into the variables of the caller.\n"
       "_quenra_grammar() {\n"
-      "  options='' valued='' choices=() positionals=()\n"
+      "  options='' valued='' choices=() positionals=() group=''\n"
       "  case $1 in\n"
       "    '')\n"
       "      options='" +
       optionNames(kOptionsOfTheProgram, {}) + "'\n      positionals=(\"$" + variableOf(kVerbWords) +
       "\")\n      ;;\n";
+  for (const tVerbGroupRow& group : kVerbGroups) {
+    text += caseOf(group);
+  }
   for (const tVerbRow& verb : kVerbs) {
     text += caseOf(verb);
   }

@@ -37,11 +37,11 @@ constexpr std::string_view kBody = R"ps(
             $option = @($grammar[$verb].Options | Where-Object { $_.Name -eq $text })
             $used += $option
             $valueIsNext = $option.Count -gt 0 -and $option[0].TakesValue
-        } elseif ($verb -eq '') {
-            if (-not $grammar.ContainsKey($text)) {
+        } elseif ($verb -eq '' -or $grammar[$verb].IsGroup) {
+            $verb = "$verb $text".TrimStart()
+            if (-not $grammar.ContainsKey($verb)) {
                 return
             }
-            $verb = $text
         } else {
             $given += 1
         }
@@ -104,10 +104,11 @@ std::string optionLines(std::span<const tOptionRow> options) {
   return text;
 }
 
-std::string entry(std::string_view verb, const std::string& options,
-                  const std::string& positionals) {
+std::string entry(std::string_view verb, const std::string& options, const std::string& positionals,
+                  bool isGroup = false) {
   return "        " + quoted(verb) + " = @{\n            Options = @(\n" + options +
-         "            )\n            Positionals = @(" + positionals + ")\n        }\n";
+         "            )\n            Positionals = @(" + positionals +
+         ")\n            IsGroup = " + (isGroup ? "$true" : "$false") + "\n        }\n";
 }
 
 std::string positionalSets(const tVerbRow& verb) {
@@ -122,6 +123,9 @@ std::string positionalSets(const tVerbRow& verb) {
 std::string grammar() {
   std::string text = "    $grammar = @{\n";
   text += entry("", optionLines(kOptionsOfTheProgram), quoted(kVerbWords.name));
+  for (const tVerbGroupRow& group : kVerbGroups) {
+    text += entry(group.name, optionLines(kOptionsOfEveryVerb), quoted(group.actions->name), true);
+  }
   for (const tVerbRow& verb : kVerbs) {
     text += entry(verb.name, optionLines(kOptionsOfEveryVerb) + optionLines(verb.options),
                   positionalSets(verb));

@@ -2,11 +2,14 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
 #include "tools/quenra/catalogue/suggestion.h"
 #include "tools/quenra/grammar/helpfooter.h"
+#include "tools/quenra/grammar/parsername.h"
+#include "tools/quenra/grammar/synopsis.h"
 #include "tools/quenra/grammar/thelpformatter.h"
 #include "tools/quenra/grammar/verbtable.h"
 #include "tools/quenra/grammar/words.h"
@@ -22,7 +25,22 @@ namespace {
   throw tCommandError(what, std::move(advice), std::move(suggestions));
 }
 
+// What is to be done with "firmware": the group and each of its actions.
+[[noreturn]] void refuseGroup(const tVerbGroupRow& group) {
+  std::vector<std::string> verbs;
+  for (const tVerbRow& verb : kVerbs) {
+    if (!actionIn(group.name, verb).empty()) {
+      verbs.emplace_back(verb.name);
+    }
+  }
+  refuse("'" + std::string(group.name) + "' needs to be told what to do", group.name,
+         std::move(verbs));
+}
+
 const tVerbRow& knownVerb(std::string_view name) {
+  if (const tVerbGroupRow* const group = findVerbGroup(name)) {
+    refuseGroup(*group);
+  }
   const tVerbRow* const verb = findVerb(name);
   if (verb == nullptr) {
     std::vector<std::string_view> names;
@@ -62,7 +80,7 @@ class tGrammar {
     }
   }
 
-  tArguments parse(std::span<const char* const> words) {
+  tArguments parse(std::span<const std::string> words) {
     try {
       // CLI11 takes the words from the end of a vector.
       program_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
@@ -75,7 +93,7 @@ class tGrammar {
   }
 
   std::string help(const tVerbRow& verb) {
-    return program_.get_subcommand(std::string(verb.name))->help("quenra");
+    return program_.get_subcommand(parserName(verb))->help("quenra");
   }
   std::string help() { return program_.help(); }
 
@@ -89,7 +107,7 @@ class tGrammar {
   }
 
   void addVerb(const tVerbRow& verb) {
-    CLI::App& app = *program_.add_subcommand(std::string(verb.name), std::string(verb.summary));
+    CLI::App& app = *program_.add_subcommand(parserName(verb), std::string(verb.summary));
     app.group("Verbs");
     prepare(app, helpFooter(verb));
     for (const tPositionalRow& row : verb.positionals) {
@@ -112,7 +130,8 @@ class tGrammar {
     } else {
       app.add_option(std::string(row.name))
           ->description(std::string(row.description))
-          ->type_name(std::string(row.valueName));
+          ->type_name(std::string(row.valueName))
+          ->required(row.required);
     }
   }
 
@@ -130,7 +149,8 @@ class tGrammar {
     tArguments arguments(kHelpAnswer);
     const auto parsed = program_.get_subcommands();
     if (!parsed.empty()) {
-      arguments.give(nWords::kVerb, parsed.front()->get_name());
+      arguments.give(nWords::kVerb,
+                     std::string(verbOfParserName(parsed.front()->get_name())->name));
     }
     return arguments;
   }
@@ -141,7 +161,7 @@ class tGrammar {
       refuse("say what to do: " + verbAlternatives(), "");
     }
     const CLI::App& app = *parsed.front();
-    const tVerbRow& verb = knownVerb(app.get_name());
+    const tVerbRow& verb = *verbOfParserName(app.get_name());
     tArguments arguments(verb);
     for (const tPositionalRow& row : verb.positionals) {
       take(app, row.name, arguments);
@@ -162,30 +182,69 @@ class tGrammar {
   CLI::App program_;
 };
 
-std::string_view firstWord(std::span<const char* const> words) noexcept {
+// The verb among the words, and the words with the verb in one piece, as the parser takes them.
+struct tSpokenWords {
+  std::string verb;  // as the table has it, if it does; empty when there is none
+  std::vector<std::string> words;
+};
+
+tSpokenWords spokenWords(std::span<const char* const> words) {
+  tSpokenWords spoken;
+  bool isComplete = false;
   for (const std::string_view word : words) {
-    if (!word.starts_with('-')) {
-      return word;
+    if (isComplete || word.starts_with('-')) {
+      spoken.words.emplace_back(word);
+      continue;
+    }
+    spoken.verb.append(spoken.verb.empty() ? "" : " ").append(word);
+    isComplete = findVerbGroup(spoken.verb) == nullptr;
+    if (isComplete) {
+      const tVerbRow* const verb = findVerb(spoken.verb);
+      spoken.words.push_back(verb == nullptr ? spoken.verb : parserName(*verb));
     }
   }
-  return {};
+  return spoken;
+}
+
+bool wantsHelp(std::span<const std::string> words) {
+  return std::ranges::any_of(
+      words, [](const std::string& word) { return word == nWords::kHelp || word == "-h"; });
+}
+
+// The verbs of a group, each with its synopsis.
+std::string groupHelp(const tVerbGroupRow& group) {
+  std::string text = std::string(group.summary) + "\n";
+  for (const tVerbRow& verb : kVerbs) {
+    if (!actionIn(group.name, verb).empty()) {
+      text += "\n  " + synopsis(verb) + "\n      " + std::string(verb.summary) + "\n";
+    }
+  }
+  return text;
 }
 
 }  // namespace
 
 tArguments parseArguments(std::span<const char* const> words) {
-  const std::string word(firstWord(words));
-  if (!word.empty()) {
-    static_cast<void>(knownVerb(word));
+  const tSpokenWords spoken = spokenWords(words);
+  if (findVerbGroup(spoken.verb) != nullptr && wantsHelp(spoken.words)) {
+    tArguments arguments(kHelpAnswer);
+    arguments.give(nWords::kVerb, spoken.verb);
+    return arguments;
+  }
+  if (!spoken.verb.empty()) {
+    static_cast<void>(knownVerb(spoken.verb));
   }
   try {
-    return tGrammar().parse(words);
+    return tGrammar().parse(spoken.words);
   } catch (const CLI::Error& error) {
-    refuse(error.what(), word);
+    refuse(error.what(), spoken.verb);
   }
 }
 
 std::string helpText(std::string_view verb) {
+  if (const tVerbGroupRow* const group = findVerbGroup(verb)) {
+    return groupHelp(*group);
+  }
   return verb.empty() ? tGrammar().help() : tGrammar().help(knownVerb(verb));
 }
 
@@ -199,7 +258,7 @@ bool wantsJson(std::span<const char* const> words) noexcept {
 }
 
 std::string_view verbIn(std::span<const char* const> words) noexcept {
-  const tVerbRow* const verb = findVerb(firstWord(words));
+  const tVerbRow* const verb = findVerb(spokenWords(words).verb);
   return verb == nullptr ? std::string_view{} : verb->name;
 }
 

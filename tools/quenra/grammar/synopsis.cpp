@@ -21,12 +21,13 @@ std::string options(const tVerbRow& verb, const tSynopsisStyle& style) {
   std::string text;
   std::string_view openChoice;
   for (const tOptionRow& row : verb.options) {
+    const std::string option = optionWithValue(row, style);
     if (!openChoice.empty() && row.choice == openChoice) {
       text.back() = '|';
+      text += option + "]";
     } else {
-      text += " [";
+      text += row.required ? " " + option : " [" + option + "]";
     }
-    text += optionWithValue(row, style) + "]";
     openChoice = row.choice;
   }
   return text;

@@ -1,14 +1,24 @@
 #include "tools/quenra/grammar/thelpformatter.h"
 
+#include <sstream>
+
+#include "tools/quenra/grammar/parsername.h"
 #include "tools/quenra/grammar/synopsis.h"
-#include "tools/quenra/grammar/verbtable.h"
 
 namespace nCommandLine {
 
 std::string tHelpFormatter::make_usage(const CLI::App* app, std::string name) const {
-  const tVerbRow* const verb = app->get_parent() == nullptr ? nullptr : findVerb(app->get_name());
+  const tVerbRow* const verb =
+      app->get_parent() == nullptr ? nullptr : verbOfParserName(app->get_name());
   return verb == nullptr ? Formatter::make_usage(app, std::move(name))
                          : "Usage: " + synopsis(*verb) + "\n";
+}
+
+std::string tHelpFormatter::make_subcommand(const CLI::App* app) const {
+  std::ostringstream text;
+  CLI::detail::format_help(text, std::string(verbOfParserName(app->get_name())->name),
+                           app->get_description(), column_width_);
+  return text.str();
 }
 
 std::string tHelpFormatter::make_option_name(const CLI::Option* option, bool isPositional) const {

@@ -10,6 +10,7 @@ namespace nCommandLine {
 class tHelpFormatter final : public CLI::Formatter {
  public:
   std::string make_usage(const CLI::App* app, std::string name) const override;
+  std::string make_subcommand(const CLI::App* app) const override;
   std::string make_option_name(const CLI::Option* option, bool isPositional) const override;
   std::string make_option_opts(const CLI::Option* option) const override;
 };

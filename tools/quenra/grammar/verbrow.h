@@ -38,6 +38,7 @@ struct tOptionRow {
   std::string_view valueName;  // empty for a flag
   std::string_view description;
   std::string_view choice = {};  // of the options of one choice, at most one can be given
+  bool required = false;
 };
 
 struct tExampleRow {
@@ -46,13 +47,20 @@ struct tExampleRow {
 };
 
 struct tVerbRow {
-  std::string_view name;
+  std::string_view name;     // a word, or two with a space: a group and what to do
   std::string_view summary;  // a line without its full stop
   std::string_view details;  // sentences for the manual page
   std::span<const tPositionalRow> positionals;
   std::span<const tOptionRow> options;    // those of every verb not among them
   std::span<const tExampleRow> examples;  // the most telling first
   tExitCode (*run)(const tArguments& arguments, const tVerbContext& context);
+};
+
+// The first word of several verbs.
+struct tVerbGroupRow {
+  std::string_view name;
+  std::string_view summary;  // a line without its full stop
+  const tWordSet* actions;   // the second words
 };
 
 }  // namespace nCommandLine

@@ -6,11 +6,18 @@
 #include "tools/quenra/verbs/attributes.h"
 #include "tools/quenra/verbs/completion.h"
 #include "tools/quenra/verbs/explain.h"
+#include "tools/quenra/verbs/firmwarebuild.h"
+#include "tools/quenra/verbs/firmwareinspect.h"
+#include "tools/quenra/verbs/firmwareverify.h"
 #include "tools/quenra/verbs/get.h"
 #include "tools/quenra/verbs/help.h"
 #include "tools/quenra/verbs/info.h"
+#include "tools/quenra/verbs/routeconnect.h"
+#include "tools/quenra/verbs/routeplan.h"
 #include "tools/quenra/verbs/selftest.h"
 #include "tools/quenra/verbs/set.h"
+#include "tools/quenra/verbs/terminals.h"
+#include "tools/quenra/verbs/update.h"
 #include "tools/quenra/verbs/version.h"
 
 namespace nCommandLine {
@@ -74,6 +81,72 @@ constexpr tExampleRow kSelfTestExamples[] = {
     {"self-test", "whether the controller can be opened and used"},
 };
 
+// ---- terminals, route ----
+
+constexpr tOptionRow kFrom{nWords::kFrom, "A", "The terminal whose signal it is", {}, true};
+constexpr tOptionRow kTo{nWords::kTo, "B", "The terminal that is to carry it", {}, true};
+constexpr tOptionRow kInvert{nWords::kInvert, "", "Invert the signal"};
+
+constexpr tExampleRow kTerminalsExamples[] = {
+    {"terminals", "what a route can begin and end at"},
+};
+constexpr tOptionRow kRoutePlanOptions[] = {kFrom, kTo, kInvert};
+constexpr tExampleRow kRoutePlanExamples[] = {
+    {"route plan --from TRIG_SMB --to PXI_Trig0",
+     "whether there is a route, and which way it goes"},
+};
+constexpr tOptionRow kRouteConnectOptions[] = {
+    kFrom,
+    kTo,
+    kInvert,
+    {nWords::kFor, "SECONDS", "Hold the route so long and not until Ctrl-C"},
+};
+constexpr tExampleRow kRouteConnectExamples[] = {
+    {"route connect --from TRIG_SMB --to PXI_Trig0", "until Ctrl-C"},
+    {"route connect --from PXI_Trig0 --to TRIG_SMB --invert --for 60", "a minute, inverted"},
+};
+
+// ---- firmware ----
+
+constexpr tPositionalRow kImagePositionals[] = {
+    {nWords::kImage, "IMAGE", "File of the firmware image"},
+};
+constexpr tPositionalRow kPayloadPositionals[] = {
+    {nWords::kPayload, "PAYLOAD", "File of the bytes that the device is to receive"},
+};
+constexpr tOptionRow kFirmwareBuildOptions[] = {
+    {nWords::kOutput, "IMAGE", "File of the firmware image; replaced if it is there", {}, true},
+    {nWords::kDevice, "BIOS|MARTEN|SAFEMODE", "The device that the section is for", {}, true},
+    {nWords::kFirmwareVersion, "VERSION", "The version of the payload", {}, true},
+    {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that name"},
+    {nWords::kLineLength, "N", "Characters in a line of the payload, 76 without; 0 for one line"},
+    {nWords::kAppend, "", "Add the section to the image that is there"},
+};
+constexpr tExampleRow kFirmwareInspectExamples[] = {
+    {"firmware inspect update.fwi", "what is in an image"},
+};
+constexpr tExampleRow kFirmwareVerifyExamples[] = {
+    {"firmware verify update.fwi", "whether the library would take it"},
+};
+constexpr tExampleRow kFirmwareBuildExamples[] = {
+    {"firmware build a.bin --output update.fwi --device MARTEN --firmware-version 1.4.2f7",
+     "an image of one section"},
+    {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 2.0",
+     "... and a second one"},
+};
+
+// ---- update ----
+
+constexpr tOptionRow kUpdateOptions[] = {
+    {nWords::kOnlyNewer, "", "Leave out firmware that is not newer than what is installed"},
+    {nWords::kPlan, "", "Change nothing; say what would be done, and all that is in the way"},
+};
+constexpr tExampleRow kUpdateExamples[] = {
+    {"update --plan update.fwi", "what an update would do, and what stops it"},
+    {"update update.fwi", "apply the image whatever is installed"},
+    {"update update.fwi --only-newer", "... but for what is as new already"},
+};
+
 // ---- attributes ----
 
 constexpr tExampleRow kAttributesExamples[] = {
@@ -105,6 +178,7 @@ constexpr tExampleRow kCompletionExamples[] = {
 
 constexpr tPositionalRow kHelpPositionals[] = {
     {nWords::kVerb, "VERB", "The verb", &kVerbWords, false},
+    {nWords::kAction, "ACTION", "Its second word, where it has one", nullptr, false},
 };
 constexpr tOptionRow kHelpOptions[] = {
     {nWords::kManual, "", "Print the manual page quenra(1) instead, as man reads it"},
@@ -112,6 +186,11 @@ constexpr tOptionRow kHelpOptions[] = {
 constexpr tExampleRow kHelpExamples[] = {
     {"help get", "all about one verb"},
     {"help --manual", "the manual page; '| man -l -' shows it"},
+};
+
+constexpr tVerbGroupRow kGroups[] = {
+    {"route", "Plan trigger routes, and connect them", &kRouteWords},
+    {"firmware", "Look at firmware images, and make them", &kFirmwareWords},
 };
 
 // clang-format off
@@ -140,6 +219,49 @@ constexpr tVerbRow kRows[] = {
      "there is to test.",
      {}, {}, kSelfTestExamples, runSelfTest},
 
+    {"terminals", "List the trigger terminals",
+     "What trigger routes can begin and end at: the trigger lines of the chassis, the trigger "
+     "connector, the watchdog.",
+     {}, {}, kTerminalsExamples, runTerminals},
+
+    {"route plan", "Show the routes between two terminals",
+     "The driver calculates them; nothing is reserved, and they are forgotten again. A cost far above "
+     "the others is that of a line that another route holds. Without a route the exit code is 3.",
+     {}, kRoutePlanOptions, kRoutePlanExamples, runRoutePlan},
+
+    {"route connect", "Connect two terminals",
+     "Calculates a route, reserves it, programs it, and holds it until Ctrl-C or for the time given; "
+     "then takes it down in order. When others hold a line it needs, it is told who they are. When "
+     "the route is demoted, which takes its line away, that is told at once on the standard error "
+     "stream; the exit code is 1 then.",
+     {}, kRouteConnectOptions, kRouteConnectExamples, runRouteConnect},
+
+    {"firmware inspect", "Show the sections of a firmware image",
+     "Each section with its device, type, version, file name, size and CRC, its place in the order of "
+     "application, and what the library would say to it. A section that the library refuses is shown "
+     "with the reason; the sections behind it are judged all the same, though one fault keeps all of "
+     "an image from being applied. Needs no controller.",
+     kImagePositionals, {}, kFirmwareInspectExamples, runFirmwareInspect},
+
+    {"firmware verify", "Say whether the library would take a firmware image",
+     "The exit code is 1 where a section is refused, or where there is none; every fault is told on "
+     "the standard error stream. Whether the machine has the devices is not looked at. Needs no "
+     "controller.",
+     kImagePositionals, {}, kFirmwareVerifyExamples, runFirmwareVerify},
+
+    {"firmware build", "Make a firmware image, a section at a time",
+     "The image is read back before it is written: what the format cannot hold is refused, and an "
+     "image that was there stays. Needs no controller.",
+     kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples, runFirmwareBuild},
+
+    {"update", "Apply a firmware image, or say what that would do",
+     "Says what is going to happen, shows the elapsed time while it does, and says what was sent "
+     "where. What the library accepts is not refused, and an update that has begun cannot be "
+     "interrupted by Ctrl-C. With --plan nothing is changed: each section is shown with what would be "
+     "done with it, and every reason that would stop the update is told on the standard error stream, "
+     "all at once, with a remedy; the exit code is that of the update.",
+     kImagePositionals, kUpdateOptions, kUpdateExamples, runUpdate},
+
     {"attributes", "List every attribute with its id, type and unit",
      "Needs no controller.",
      {}, {}, kAttributesExamples, runAttributes},
@@ -163,12 +285,24 @@ constexpr tVerbRow kRows[] = {
 }  // namespace
 
 constinit const std::span<const tVerbRow> kVerbs{kRows};
+constinit const std::span<const tVerbGroupRow> kVerbGroups{kGroups};
 constinit const tVerbRow kHelpAnswer{"help", "", "", {}, {}, {}, runHelp};
 constinit const tVerbRow kVersionAnswer{"version", "", "", {}, {}, {}, runVersion};
 
 const tVerbRow* findVerb(std::string_view name) noexcept {
   const auto verb = std::ranges::find(kVerbs, name, &tVerbRow::name);
   return verb == kVerbs.end() ? nullptr : &*verb;
+}
+
+const tVerbGroupRow* findVerbGroup(std::string_view name) noexcept {
+  const auto group = std::ranges::find(kVerbGroups, name, &tVerbGroupRow::name);
+  return group == kVerbGroups.end() ? nullptr : &*group;
+}
+
+std::string_view actionIn(std::string_view group, const tVerbRow& verb) noexcept {
+  const bool isInGroup = verb.name.size() > group.size() && verb.name.starts_with(group) &&
+                         verb.name[group.size()] == ' ';
+  return isInGroup ? verb.name.substr(group.size() + 1) : std::string_view{};
 }
 
 }  // namespace nCommandLine

@@ -12,6 +12,8 @@ namespace nCommandLine {
 // In the order in which they are shown.
 extern const std::span<const tVerbRow> kVerbs;
 
+extern const std::span<const tVerbGroupRow> kVerbGroups;
+
 // What --help and --version ask for.
 extern const tVerbRow kHelpAnswer;
 extern const tVerbRow kVersionAnswer;
@@ -30,6 +32,10 @@ inline constexpr tOptionRow kOptionsOfTheProgram[] = {kHelpOption, kJsonOption, 
 
 // Null when there is none.
 [[nodiscard]] const tVerbRow* findVerb(std::string_view name) noexcept;
+[[nodiscard]] const tVerbGroupRow* findVerbGroup(std::string_view name) noexcept;
+
+// "inspect" of "firmware inspect" for the group "firmware"; empty for a verb that is not in it.
+[[nodiscard]] std::string_view actionIn(std::string_view group, const tVerbRow& verb) noexcept;
 
 }  // namespace nCommandLine
 

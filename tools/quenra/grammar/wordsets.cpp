@@ -36,10 +36,35 @@ tWords statuses() {
   return words;
 }
 
+// The first words of all verbs, in the order of the table.
 tWords verbs() {
   tWords words;
-  append(words, kVerbs, &tVerbRow::name, &tVerbRow::summary);
+  for (const tVerbRow& verb : kVerbs) {
+    const std::string_view first = verb.name.substr(0, verb.name.find(' '));
+    const tVerbGroupRow* const group = findVerbGroup(first);
+    if (words.empty() || words.back().word != first) {
+      words.push_back({first, group == nullptr ? verb.summary : group->summary});
+    }
+  }
   return words;
+}
+
+tWords actionsOf(std::string_view group) {
+  tWords words;
+  for (const tVerbRow& verb : kVerbs) {
+    if (const std::string_view action = actionIn(group, verb); !action.empty()) {
+      words.push_back({action, verb.summary});
+    }
+  }
+  return words;
+}
+
+tWords firmwareActions() {
+  return actionsOf("firmware");
+}
+
+tWords routeActions() {
+  return actionsOf("route");
 }
 
 tWords shells() {
@@ -54,6 +79,8 @@ constinit const tWordSet kReadableWords{"attributes", readable};
 constinit const tWordSet kWritableWords{"writable", writable};
 constinit const tWordSet kStatusWords{"statuses", statuses};
 constinit const tWordSet kVerbWords{"verbs", verbs};
+constinit const tWordSet kFirmwareWords{"firmware", firmwareActions};
+constinit const tWordSet kRouteWords{"route", routeActions};
 constinit const tWordSet kShellWords{"shells", shells};
 
 }  // namespace nCommandLine

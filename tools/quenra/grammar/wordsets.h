@@ -9,11 +9,15 @@ namespace nCommandLine {
 extern const tWordSet kReadableWords;  // names of attributes
 extern const tWordSet kWritableWords;  // ... and of what can only be written
 extern const tWordSet kStatusWords;    // constants of the status codes
-extern const tWordSet kVerbWords;
+extern const tWordSet kVerbWords;      // the first words of verbs
+extern const tWordSet kFirmwareWords;  // the second words of a group
+extern const tWordSet kRouteWords;     // ... of another
 extern const tWordSet kShellWords;
 
-inline constexpr const tWordSet* kWordSets[] = {&kReadableWords, &kWritableWords, &kStatusWords,
-                                                &kVerbWords, &kShellWords};
+inline constexpr const tWordSet* kWordSets[] = {
+    &kReadableWords, &kWritableWords, &kStatusWords, &kVerbWords,
+    &kFirmwareWords, &kRouteWords,    &kShellWords,
+};
 
 }  // namespace nCommandLine
 

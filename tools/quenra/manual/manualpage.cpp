@@ -9,10 +9,10 @@ namespace {
 
 constexpr std::string_view kDescription =
     "quenra shows the controller of a PXI chassis: to people as aligned tables, to scripts as "
-    "JSON. "
-    "Only the verb set changes anything. Answers go to the standard output; failures and warnings "
-    "go "
-    "to the standard error stream, each with its code, its constant and advice. With --json the "
+    "JSON. It changes something of it with the verbs set, route connect and update only. It also "
+    "looks into firmware images and makes them. Answers go to the standard output; failures and "
+    "warnings go to the standard error stream, each with its code, its constant and advice. With "
+    "--json the "
     "standard output holds exactly one JSON document, whatever happens.";
 constexpr std::string_view kNoColour =
     "When it is set and not empty, terminals are shown plain text without styles.";

@@ -14,7 +14,11 @@ void printStatus(std::ostream& stream, int32_t code) {
 }
 
 std::string adviceOf(const tCommandError& error) {
-  return error.status() ? std::string(explainStatus(*error.status()).advice) : error.advice();
+  if (!error.status()) {
+    return error.advice();
+  }
+  const std::string advice(explainStatus(*error.status()).advice);
+  return error.advice().empty() ? advice : advice + " " + error.advice();
 }
 
 std::string_view causeOf(const tCommandError& error) {

@@ -22,6 +22,8 @@ class iQuenra {
   virtual int32_t setAttributeUTF8(uint64_t handle, uint32_t attribute,
                                    const char* text) noexcept = 0;
   virtual int32_t setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value) noexcept = 0;
+  virtual int32_t updateFirmware2(uint64_t handle, const void* image, uint64_t size,
+                                  uint32_t options) noexcept = 0;
   virtual int32_t performSelfTest(uint64_t handle) noexcept = 0;
 };
 

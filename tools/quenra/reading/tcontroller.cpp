@@ -28,4 +28,11 @@ int32_t tController::selfTest() const noexcept {
   return library_.performSelfTest(handle_);
 }
 
+int32_t tController::update(std::string_view image, bool onlyNewer) const noexcept {
+  constexpr uint32_t kOnlyNewer = 0;
+  constexpr uint32_t kEverything = 1;
+  return library_.updateFirmware2(handle_, image.data(), image.size(),
+                                  onlyNewer ? kOnlyNewer : kEverything);
+}
+
 }  // namespace nCommandLine

@@ -2,6 +2,7 @@
 #define TOOLS_QUENRA_READING_TCONTROLLER_H
 
 #include <cstdint>
+#include <string_view>
 
 #include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/reading/reading.h"
@@ -23,6 +24,8 @@ class tController {
   // The value is of the attribute's type.
   [[nodiscard]] int32_t write(const tAttributeAddress& address, const tAttributeValue& value) const;
   [[nodiscard]] int32_t selfTest() const noexcept;
+  // Applies a firmware image, or with `onlyNewer` what of it is newer than what is installed.
+  [[nodiscard]] int32_t update(std::string_view image, bool onlyNewer) const noexcept;
 
  private:
   iQuenra& library_;

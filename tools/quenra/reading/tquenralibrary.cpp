@@ -32,6 +32,11 @@ int32_t tQuenraLibrary::setAttributeU32(uint64_t handle, uint32_t attribute,
   return QUENRA_setAttributeU32(handle, attribute, value);
 }
 
+int32_t tQuenraLibrary::updateFirmware2(uint64_t handle, const void* image, uint64_t size,
+                                        uint32_t options) noexcept {
+  return QUENRA_updateFirmware2(handle, image, size, options);
+}
+
 int32_t tQuenraLibrary::performSelfTest(uint64_t handle) noexcept {
   return QUENRA_performSelfTest(handle);
 }

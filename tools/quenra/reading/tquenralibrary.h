@@ -15,6 +15,8 @@ class tQuenraLibrary final : public iQuenra {
   int32_t getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value) noexcept override;
   int32_t setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text) noexcept override;
   int32_t setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value) noexcept override;
+  int32_t updateFirmware2(uint64_t handle, const void* image, uint64_t size,
+                          uint32_t options) noexcept override;
   int32_t performSelfTest(uint64_t handle) noexcept override;
 };
 

@@ -70,7 +70,7 @@ void printValue(const tStreams& streams, const tWantedAttribute& wanted, const t
 tExitCode runGet(const tArguments& arguments, const tVerbContext& context) {
   const tWantedAttribute wanted = attributeToRead(arguments);
   std::vector<tWarning> warnings;
-  const tReading reading = readWanted(context.library, wanted.address, warnings);
+  const tReading reading = readWanted(context.ports.library, wanted.address, warnings);
   if (reading.code > 0) {
     warnings.push_back({"reading " + wanted.label(), reading.code});
   }

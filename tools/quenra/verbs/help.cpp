@@ -11,7 +11,8 @@ namespace {
 
 std::string wantedText(const tArguments& arguments) {
   if (!arguments.has(nWords::kManual)) {
-    return helpText(arguments.text(nWords::kVerb));
+    const std::string action = arguments.text(nWords::kAction);
+    return helpText(arguments.text(nWords::kVerb) + (action.empty() ? "" : " " + action));
   }
   if (arguments.has(nWords::kVerb)) {
     throw tCommandError("the manual page is of the whole program",

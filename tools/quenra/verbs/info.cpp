@@ -121,7 +121,7 @@ void printDocument(std::ostream& stream, const tMachine& machine, tExitCode exit
 
 tExitCode runInfo(const tArguments& /*arguments*/, const tVerbContext& context) {
   std::vector<tWarning> warnings;
-  const tController controller(context.library);
+  const tController controller(context.ports.library);
   judgeOpening(controller.code(), warnings);
   const tMachine machine = readMachine(controller);
   addWarnings(machine, warnings);

@@ -4,9 +4,8 @@
 #include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
-namespace {
 
-tExitCode exitCodeOf(int32_t code) noexcept {
+tExitCode exitCodeOfOpening(int32_t code) noexcept {
   switch (code) {
     case QUENRA_STATUS_NO_CONTROLLER:
       return tExitCode::noController;
@@ -17,11 +16,9 @@ tExitCode exitCodeOf(int32_t code) noexcept {
   }
 }
 
-}  // namespace
-
 void judgeOpening(int32_t code, std::vector<tWarning>& warnings) {
   if (code < 0) {
-    throw tCommandError(exitCodeOf(code), "the controller cannot be opened", code);
+    throw tCommandError(exitCodeOfOpening(code), "the controller cannot be opened", code);
   }
   if (code > 0) {
     warnings.push_back({"opening the controller", code});

@@ -37,7 +37,7 @@ void printDocument(std::ostream& stream, int32_t code, const std::vector<tWarnin
 
 tExitCode runSelfTest(const tArguments& /*arguments*/, const tVerbContext& context) {
   std::vector<tWarning> warnings;
-  const int32_t code = test(context.library, warnings);
+  const int32_t code = test(context.ports.library, warnings);
   printWarnings(context.streams.error, warnings);
   if (context.json) {
     printDocument(context.streams.out, code, warnings);

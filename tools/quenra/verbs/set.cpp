@@ -113,7 +113,7 @@ tExitCode runSet(const tArguments& arguments, const tVerbContext& context) {
   const tAttributeValue value = parsedValue(wanted.address.type(), arguments.text(nWords::kValue));
 
   std::vector<tWarning> warnings;
-  const int32_t code = write(context.library, wanted, value, warnings);
+  const int32_t code = write(context.ports.library, wanted, value, warnings);
   printWarnings(context.streams.error, warnings);
   if (context.json) {
     printDocument(context.streams.out, wanted, value, code, warnings);

@@ -2,14 +2,14 @@
 #define TOOLS_QUENRA_VERBS_VERBCONTEXT_H
 
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/reading/iquenra.h"
+#include "tools/quenra/ports.h"
 
 namespace nCommandLine {
 
 // What every verb is given. A verb prints its answer and returns the exit code, or throws
-// tCommandError with nothing printed.
+// tCommandError with nothing printed but, for people, what it was doing.
 struct tVerbContext {
-  iQuenra& library;
+  const tPorts& ports;
   tStreams& streams;
   bool json;
 };

@@ -75,14 +75,14 @@ TEST_P(MergeRule, ShortRecord_FollowsTheSameRule) {
   EXPECT_EQ(bytes.code(), stored ? next : current);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, MergeRule,
-                         testing::Values(tMerge{0, 0, false}, tMerge{0, 5, true},
-                                         tMerge{0, -3, true}, tMerge{5, 0, false},
-                                         tMerge{5, 7, false}, tMerge{5, 5, false},
-                                         tMerge{5, -3, true}, tMerge{-3, 0, false},
-                                         tMerge{-3, 5, false}, tMerge{-3, -9, false},
-                                         tMerge{0, INT32_MIN, true}, tMerge{INT32_MAX, -1, true},
-                                         tMerge{INT32_MIN, -1, false}));
+INSTANTIATE_TEST_SUITE_P(
+    All, MergeRule,
+    testing::Values(tMerge{0, 0, false}, tMerge{0, 5, true}, tMerge{0, -3, true},
+                    tMerge{5, 0, false}, tMerge{5, 7, false}, tMerge{5, 5, false},
+                    tMerge{5, -3, true}, tMerge{-3, 0, false}, tMerge{-3, 5, false},
+                    tMerge{-3, -9, false}, tMerge{0, INT32_MIN, true}, tMerge{INT32_MAX, -1, true},
+                    tMerge{INT32_MIN, -1, false}, tMerge{0, 1, true}, tMerge{1, -1, true},
+                    tMerge{1, 2, false}, tMerge{-1, 1, false}, tMerge{-1, -2, false}));
 
 TEST(MergeStatus, NothingStored_LeavesTheExtension) {
   tStatus status = statusWith(-3);

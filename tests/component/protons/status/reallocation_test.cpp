@@ -5,6 +5,7 @@
 
 #include "tests/component/protons/status/clientheap.h"
 #include "tests/component/protons/status/descriptiontext.h"
+#include "zoapal/protons/status/descriptionwriter.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nTests {
@@ -95,6 +96,14 @@ TEST_F(ClientReallocation, MissingOnTheWay_KeepsTheMembersThatFit) {
   EXPECT_TRUE(status.set(-3, {"file", 1}));
   EXPECT_EQ(descriptionOf(status), R"({"file":"file"})");
   status.releaseDescription();
+}
+
+TEST_F(ClientReallocation, SmallestDescription_IsMadeEmpty) {
+  zoerr::Status status = tClientHeap::statusWithDescription(zoerr::kSmallestDescription);
+  status.reallocate = &tClientHeap::refuse;
+  status.description[0] = 'x';
+  EXPECT_TRUE(status.set(-3, {"file", 1}));
+  EXPECT_EQ(descriptionOf(status), "{}");
 }
 
 TEST_F(ClientReallocation, DescriptionWithoutItsMarker_IsGivenOne) {

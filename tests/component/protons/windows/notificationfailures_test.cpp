@@ -15,6 +15,10 @@ void countFailures(uint32_t, tIONotification*, const uint8_t*, uint32_t, tStatus
   failedWaits += status.isError() ? 1 : 0;
 }
 
+unsigned __stdcall endAtOnce(void*) {
+  return 0;
+}
+
 class NotificationFailures : public NotificationTest {
  protected:
   void SetUp() override {
@@ -56,6 +60,21 @@ TEST_F(NotificationFailures, PortThatTakesNoDevice_IsToldAtLine315AndTriedAgainN
   expectTheNextWorks();
 }
 
+TEST_F(NotificationFailures, PortThatTakesNoDevice_ToldWithAWarning_LeavesNobodyWaiting) {
+  faultPlan().failCall(tCall::createIoCompletionPort, 1, ERROR_IO_PENDING);
+  EXPECT_FALSE(enable());
+  expectFailureOf("tdeviceinterfaceproxy", 52011, 315);
+  EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
+  expectTheNextWorks();
+}
+
+TEST_F(NotificationFailures, RegistrationThatCannotBeSent_WithoutALastError_IsAFailureAllTheSame) {
+  faultPlan().failCall(tCall::deviceIoControl, 2, 0);
+  EXPECT_FALSE(enable());
+  expectFailureOf("tionotification", -52003, 134);
+  expectTheNextWorks();
+}
+
 TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsToldAtLine333) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
@@ -94,6 +113,15 @@ TEST_F(NotificationFailures, WakeUpThatCannotBePosted_IsToldAtLine101) {
   faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, ERROR_INVALID_HANDLE);
   reader->wake(status);
   expectFailureOf("tionotification", -52003, 101);
+}
+
+TEST_F(NotificationFailures, ThreadOnAStatusInError_IsNotStarted) {
+  tThread thread;
+  status.code = -1;
+  thread.start(&endAtOnce, nullptr, status);
+  EXPECT_FALSE(thread.isStarted());
+  EXPECT_EQ(status.code, -1);
+  EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
 }
 
 TEST_F(NotificationFailures, WaitThatFails_IsToldAtLine59) {
@@ -162,10 +190,15 @@ TEST_F(NotificationFailures, PriorityOfAThreadThatIsNotStarted_IsToldAtLine859) 
 }
 
 TEST_F(NotificationFailures, LastWakeUpThatCannotBePosted_IsTriedAgain) {
-  reader->start(countFailures, status);
-  faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, ERROR_INVALID_HANDLE);
-  reader.reset();
-  EXPECT_EQ(faultPlan().callCount(tCall::postQueuedCompletionStatus), 2u);
+  // The second error stands for a warning, and no wake-up is posted either.
+  for (const DWORD error : {DWORD{ERROR_INVALID_HANDLE}, DWORD{ERROR_IO_PENDING}}) {
+    faultPlan().reset();
+    reader = std::make_unique<tThreadedIONotificationReader>(makePort());
+    reader->start(countFailures, status);
+    faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, error);
+    reader.reset();
+    EXPECT_EQ(faultPlan().callCount(tCall::postQueuedCompletionStatus), 2u);
+  }
 }
 
 TEST_F(NotificationFailures, ThreadThatCannotBeNamed_RunsAllTheSame) {

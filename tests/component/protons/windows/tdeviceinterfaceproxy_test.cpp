@@ -262,5 +262,23 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsToldAtLi
   EXPECT_EQ(second.line, 115u);
 }
 
+// ---- Deliveries ----
+
+TEST_F(DeviceInterfaceProxy, DeliveryWithoutAPort_IsToldAtLine333) {
+  open();
+  proxy.armDelivery(status);
+  expectFailure(-52003, 333);
+  EXPECT_EQ(faultPlan().callCount(), 0u);
+}
+
+TEST_F(DeviceInterfaceProxy, DeliveryOnAStatusInError_CallsNothing) {
+  open();
+  status.code = -1;
+  proxy.armDelivery(status);
+  EXPECT_FALSE(proxy.associate(nullptr, status));
+  EXPECT_EQ(status.code, -1);
+  EXPECT_EQ(faultPlan().callCount(), 0u);
+}
+
 }  // namespace
 }  // namespace nTests

@@ -161,14 +161,15 @@ void tDeviceInterfaceProxy::endPendingRequest(tPendingRequest& request) noexcept
   request = {};
 }
 
-void tDeviceInterfaceProxy::associate(HANDLE port, tStatus& status) noexcept {
+bool tDeviceInterfaceProxy::associate(HANDLE port, tStatus& status) noexcept {
   if (status.isError()) {
-    return;
+    return false;
   }
   HANDLE before = nullptr;
   if (!completionPort_.compare_exchange_strong(before, port) && before == port) {
-    return;
+    return true;
   }
+  bool isAssociated = false;
   if (!delivery_) {
     delivery_.reset(new (std::nothrow) tDelivery{.proxy = this});
   }
@@ -178,12 +179,15 @@ void tDeviceInterfaceProxy::associate(HANDLE port, tStatus& status) noexcept {
                                     reinterpret_cast<ULONG_PTR>(&delivery_->notificationKey),
                                     0) == nullptr) {
     mergeWin32Failure(GetLastError(), status, kTransferFile, kAssociateLine);
-  }
-  if (status.isError()) {
-    completionPort_ = before;
   } else {
-    armDelivery(status);
+    isAssociated = true;
   }
+  if (isAssociated) {
+    armDelivery(status);
+  } else {
+    completionPort_ = before;
+  }
+  return isAssociated;
 }
 
 void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
@@ -203,14 +207,15 @@ void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
   }
 }
 
-DWORD tDeviceInterfaceProxy::startRequest(uint32_t code, const void* in, uint32_t inSize,
-                                          OVERLAPPED& overlapped) noexcept {
+std::optional<DWORD> tDeviceInterfaceProxy::startRequest(uint32_t code, const void* in,
+                                                         uint32_t inSize,
+                                                         OVERLAPPED& overlapped) noexcept {
   if (DeviceIoControl(file_.get(), code, const_cast<void*>(in), inSize, nullptr, 0, nullptr,
                       &overlapped)) {
-    return ERROR_SUCCESS;
+    return std::nullopt;
   }
   const DWORD error = GetLastError();
-  return error == ERROR_IO_PENDING ? DWORD{ERROR_SUCCESS} : error;
+  return error == ERROR_IO_PENDING ? std::nullopt : std::optional(error);
 }
 
 bool tDeviceInterfaceProxy::cancelRequest(OVERLAPPED& overlapped) noexcept {

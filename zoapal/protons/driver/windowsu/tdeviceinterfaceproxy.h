@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 #include "zoapal/protons/driver/iinterfaceproxy.h"
 #include "zoapal/protons/driver/tdevicepath.h"
@@ -42,14 +43,16 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
   void endPendingRequest(tPendingRequest& request) noexcept override;
 
   // For notifications (io_notification/). Lets the notices of this device arrive at a completion
-  // port, and arms the delivery of the first, unless the port has them already. Any thread.
-  void associate(HANDLE port, nZOAPALS100::tStatus& status) noexcept;
+  // port, and arms the delivery of the first, unless the port has them already. False when they do
+  // not arrive there. Any thread.
+  bool associate(HANDLE port, nZOAPALS100::tStatus& status) noexcept;
   // Has the driver deliver the next notice.
   void armDelivery(nZOAPALS100::tStatus& status) noexcept;
   // Starts a request without a reply whose completion arrives at the port. Gives the Windows error
-  // with which it failed at once, else 0. `overlapped` is the system's until it completes.
-  [[nodiscard]] DWORD startRequest(uint32_t code, const void* in, uint32_t inSize,
-                                   OVERLAPPED& overlapped) noexcept;
+  // with which it failed at once, if it did; 0 when the system does not tell one. `overlapped` is the
+  // system's until it completes.
+  [[nodiscard]] std::optional<DWORD> startRequest(uint32_t code, const void* in, uint32_t inSize,
+                                                  OVERLAPPED& overlapped) noexcept;
   // Cancels such a request and waits a while for its end. False when it is still under way: its
   // memory must then stay.
   [[nodiscard]] bool cancelRequest(OVERLAPPED& overlapped) noexcept;

@@ -39,9 +39,11 @@ bool tIONotification::enable(tIONotificationReader& reader, tDeviceInterfaceProx
   }
   proxy_ = &proxy;
   mask_ = mask;
-  proxy.associate(reader.port(), status);
-  registerAt(reader, status);
-  enabled_ = !status.isError();
+  const bool isAssociated = proxy.associate(reader.port(), status);
+  if (isAssociated) {
+    registerAt(reader, status);
+  }
+  enabled_ = isAssociated && !status.isError();
   return enabled_;
 }
 
@@ -59,10 +61,9 @@ void tIONotification::registerAt(tIONotificationReader& reader, tStatus& status)
     return;
   }
   const tRegisterNotificationRequest request{address(), mask_, 0};
-  if (const DWORD error = proxy_->startRequest(REQUEST_REGISTER_NOTIFICATION, &request,
-                                               sizeof request, *overlapped_);
-      error != ERROR_SUCCESS) {
-    mergeWin32Failure(error, status, kFile, kRegisterLine);
+  if (const auto error = proxy_->startRequest(REQUEST_REGISTER_NOTIFICATION, &request,
+                                              sizeof request, *overlapped_)) {
+    mergeWin32Failure(*error, status, kFile, kRegisterLine);
   }
 }
 

@@ -23,7 +23,8 @@ tThreadedIONotificationReader::~tThreadedIONotificationReader() {
 void tThreadedIONotificationReader::wakeUntilItIsHeard() noexcept {
   tStatus unreported;
   tIONotificationReader::wake(unreported);
-  while (unreported.isError()) {
+  // A warning is a failure as well: the wake-up was not posted.
+  while (unreported.code != 0) {
     Sleep(kPauseMilliseconds);
     unreported = {};
     tIONotificationReader::wake(unreported);

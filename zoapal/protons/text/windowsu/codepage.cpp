@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+#include <limits>
+#include <stdexcept>
+#include <system_error>
+
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
 
@@ -15,26 +19,53 @@ LPCWSTR wide(const char16_t* text) noexcept {
   return reinterpret_cast<LPCWSTR>(text);
 }
 
+// As the system takes it; nothing it could convert is longer.
+template <class Text>
+int lengthOf(const Text& text) {
+  if (text.size() > std::numeric_limits<int>::max()) {
+    throw std::length_error("a name of 2 GiB");
+  }
+  return static_cast<int>(text.size());
+}
+
+// What is not converted whole is no name of anything: better none than another.
+size_t converted(int characters, std::string_view call) {
+  if (characters <= 0) {
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                            std::string(call));
+  }
+  return static_cast<size_t>(characters);
+}
+
 }  // namespace
 
 std::u16string utf16FromCodePage(std::string_view text) {
-  const int length = static_cast<int>(text.size());
+  constexpr std::string_view kCall = "MultiByteToWideChar";
+  const int length = lengthOf(text);
   std::u16string result;
-  // Both calls give 0 for an empty text, and for one that cannot be converted.
-  result.resize(
-      static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0)));
-  MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide(result.data()),
-                      static_cast<int>(result.size()));
+  // For an empty text the system gives 0, as for a failure.
+  if (length != 0) {
+    result.resize(
+        converted(MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0), kCall));
+    result.resize(converted(MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide(result.data()),
+                                                static_cast<int>(result.size())),
+                            kCall));
+  }
   return result;
 }
 
 std::string codePageFromUtf16(std::u16string_view text) {
-  const int length = static_cast<int>(text.size());
+  constexpr std::string_view kCall = "WideCharToMultiByte";
+  const int length = lengthOf(text);
   std::string result;
-  result.resize(static_cast<size_t>(
-      WideCharToMultiByte(CP_ACP, 0, wide(text.data()), length, nullptr, 0, nullptr, nullptr)));
-  WideCharToMultiByte(CP_ACP, 0, wide(text.data()), length, result.data(),
-                      static_cast<int>(result.size()), nullptr, nullptr);
+  if (length != 0) {
+    result.resize(converted(
+        WideCharToMultiByte(CP_ACP, 0, wide(text.data()), length, nullptr, 0, nullptr, nullptr),
+        kCall));
+    result.resize(converted(WideCharToMultiByte(CP_ACP, 0, wide(text.data()), length, result.data(),
+                                                static_cast<int>(result.size()), nullptr, nullptr),
+                            kCall));
+  }
   return result;
 }
 

@@ -8,7 +8,7 @@ namespace nQUENRA1400::nZOAPAL000 {
 
 // Between the code page of the process, in which narrow file names are, and UTF-16, as the operating
 // system converts. What has no counterpart becomes the system's replacement. Both throw
-// std::bad_alloc.
+// std::bad_alloc, and std::system_error when the system converts nothing.
 [[nodiscard]] std::u16string utf16FromCodePage(std::string_view text);
 [[nodiscard]] std::string codePageFromUtf16(std::u16string_view text);
 

@@ -1,0 +1,99 @@
+#!/usr/bin/env python3
+"""Holds check_hardening.py to what it promises: each thing it asks for, taken from a good image.
+
+Usage: check_hardening_test.py IMAGE
+"""
+
+import pathlib
+import struct
+import sys
+import tempfile
+import unittest
+
+import check_hardening
+import peimage
+
+LIBRARIES = ["bcrypt.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "setupapi.dll"]
+
+
+class Hardening(unittest.TestCase):
+    path = ""
+
+    def setUp(self):
+        self.image = peimage.Image(self.path)
+        self.header = struct.unpack_from("<I", self.image.bytes, 0x3C)[0]
+
+    def image_with(self, place, layout, value):
+        changed = bytearray(self.image.bytes)
+        struct.pack_into("<" + layout, changed, place, value)
+        with tempfile.TemporaryDirectory() as folder:
+            file = pathlib.Path(folder) / "changed.dll"
+            file.write_bytes(changed)
+            return peimage.Image(file)
+
+    def faults_without_flag(self, flag):
+        return list(check_hardening.address_space(
+            self.image_with(self.header + 24 + 70, "H", self.image.dll_flags & ~flag)))
+
+    def test_each_flag_missing_is_told(self):
+        self.assertEqual(["DYNAMIC_BASE is not set"], self.faults_without_flag(0x40))
+        self.assertEqual(["HIGH_ENTROPY_VA is not set"], self.faults_without_flag(0x20))
+        self.assertEqual(["NX_COMPAT is not set"], self.faults_without_flag(0x100))
+
+    def test_a_section_written_and_executed_is_told(self):
+        first = self.header + 24 + struct.unpack_from("<H", self.image.bytes, self.header + 20)[0]
+        image = self.image_with(first + 36, "I", self.image.sections[0].flags | 0x80000000)
+        self.assertEqual(["section .text is written and executed"], list(check_hardening.memory(image)))
+
+    def test_an_import_that_is_not_listed_is_told(self):
+        self.assertEqual(["it imports bcrypt.dll"],
+                         list(check_hardening.imports(self.image, LIBRARIES[1:])))
+
+    def directory_place(self, index):
+        return self.header + 24 + 112 + 8 * index
+
+    def test_no_load_configuration_is_told(self):
+        image = self.image_with(self.directory_place(peimage.LOAD_CONFIGURATION), "I", 0)
+        self.assertEqual(["it has no load configuration"],
+                         list(check_hardening.load_configuration(image, 0x800)))
+
+    def test_other_load_flags_are_told(self):
+        address, _ = self.image.directories[peimage.LOAD_CONFIGURATION]
+        image = self.image_with(self.image.place(address) + 0x4E, "H", 0)
+        self.assertEqual(["DependentLoadFlags are 0x0, not 0x800"],
+                         list(check_hardening.load_configuration(image, 0x800)))
+
+    def test_a_guard_that_the_loader_does_not_replace_is_told(self):
+        guard = self.image.place(self.image.symbols()["__stack_chk_guard"])
+        image = self.image_with(guard, "Q", 0)
+        self.assertEqual(["the loader would not replace the guard of the stack"],
+                         list(check_hardening.load_configuration(image, 0x800)))
+
+    def test_another_version_and_none_are_told(self):
+        self.assertEqual(["its file version is 0.1.0, not 9.9.9"],
+                         [fault.replace(self.version(), "0.1.0")
+                          for fault in check_hardening.version(self.image, "9.9.9")])
+        without = self.image_with(self.directory_place(peimage.RESOURCES), "I", 0)
+        self.assertEqual(["it has no version resource"], list(check_hardening.version(without, "0.1.0")))
+
+    def version(self):
+        resource = self.image.resource(peimage.VERSION_RESOURCE)
+        high, low = struct.unpack_from("<II", resource, resource.find(struct.pack("<I", 0xFEEF04BD)) + 8)
+        return f"{high >> 16}.{high & 0xFFFF}.{low >> 16}"
+
+    def test_a_wrong_checksum_is_told(self):
+        image = self.image_with(self.image.checksum_place, "I", self.image.checksum + 1)
+        self.assertEqual(["its checksum is wrong"], list(check_hardening.checksum(image)))
+
+    def test_a_time_and_a_folder_are_told(self):
+        image = self.image_with(self.header + 8, "I", 1700000000)
+        self.assertEqual(["it carries the time of its linking, 1700000000"],
+                         list(check_hardening.reproducible(image, "/no/such/folder")))
+        name = "kernel32.dll" if b"kernel32.dll" in self.image.bytes else "KERNEL32.dll"
+        self.assertEqual([f"it tells the folder it was built from, {name}"],
+                         list(check_hardening.reproducible(self.image, name)))
+
+
+if __name__ == "__main__":
+    Hardening.path = sys.argv.pop()
+    unittest.main()

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Builds what is delivered from two copies of the source, in folders of different names, and compares
+# the bytes. Usage: reproduce.sh FOLDER JOBS
+set -euo pipefail
+readonly folder=$1 jobs=$2
+readonly delivered=(quenra.dll quenra.exe quenra-sim.exe)
+root=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/../..
+
+# A cache of compilations would compare a build with itself.
+unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
+
+build_copy() {
+  local copy=$1
+  rm -rf "$copy"
+  mkdir -p "$copy"
+  (cd "$root" && git ls-files -z --cached --others --exclude-standard |
+    tar --null --files-from=- --ignore-failed-read -cf -) | tar -xf - -C "$copy"
+  (cd "$copy" && cmake --preset windows >/dev/null 2>&1 &&
+    cmake --build --preset windows -j "$jobs" --target quenra_dll quenra_exe quenra-sim -- --quiet)
+}
+
+build_copy "$folder/first"
+build_copy "$folder/another-place"
+failed=0
+for name in "${delivered[@]}"; do
+  if cmp "$folder"/{first,another-place}/build/windows/bin/"$name"; then
+    sha256sum "$folder/first/build/windows/bin/$name" | sed "s| .*/|  |"
+  else
+    failed=1
+  fi
+done
+exit "$failed"

@@ -1,0 +1,74 @@
+#include "tests/catalogue/cataloguetest.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+#include "tests/fakewindows/allocationplan.h"
+
+namespace nTests {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The name of the test that is running, as a file name.
+std::string testName() {
+  const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+  std::string name = std::string(test.test_suite_name()) + "." + test.name();
+  std::replace(name.begin(), name.end(), '/', '.');
+  return name;
+}
+
+}  // namespace
+
+void CatalogueTest::SetUp() {
+  FakeWindowsTest::SetUp();
+  // Tests run at the same time.
+  temporary_ = fs::path(testing::TempDir()) / ("quenra." + std::to_string(getpid()));
+  fs::create_directories(temporary_);
+  setenv("TMPDIR", temporary_.c_str(), 1);
+  // Some things are made once and stay: the locale's facets, for example.
+  runClean();
+  runClean();
+  bytesBefore_ = bytesAfter_;
+}
+
+void CatalogueTest::TearDown() {
+  unsetenv("TMPDIR");
+  fs::remove_all(temporary_);
+  FakeWindowsTest::TearDown();
+  std::printf("%u faults\n", faults_);
+  fs::create_directories(CATALOGUE_COUNTS);
+  std::ofstream(fs::path(CATALOGUE_COUNTS) / testName()) << faults_ << "\n";
+}
+
+void CatalogueTest::begin() const {
+  fs::remove_all(temporary_);
+  fs::create_directories(temporary_);
+  nFakeWindows::faultPlan().reset();
+  scenario().prepare();
+  nFakeWindows::faultPlan().reset();
+}
+
+void CatalogueTest::end(const tRun& run) {
+  nFakeWindows::objects().waitForThreads();
+  EXPECT_THAT(nFakeWindows::objects().open(), testing::IsEmpty());
+  EXPECT_THAT(nFakeWindows::com()->open(), testing::IsEmpty());
+  bytesAfter_ = nFakeWindows::bytesInUse();
+  // What is kept between sessions may be missing after a failure.
+  EXPECT_LE(bytesAfter_, bytesBefore_);
+  scenario().check(run);
+}
+
+void CatalogueTest::expectNextRunLike(const tRun& clean) {
+  EXPECT_EQ(runClean()->steps(), clean.steps()) << "the next run works";
+  EXPECT_EQ(bytesAfter_, bytesBefore_);
+}
+
+std::string scenarioName(const testing::TestParamInfo<size_t>& info) {
+  return std::string(scenarios()[info.param].name);
+}
+
+}  // namespace nTests

@@ -1,0 +1,59 @@
+#ifndef TESTS_CATALOGUE_CATALOGUETEST_H
+#define TESTS_CATALOGUE_CATALOGUETEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "tests/catalogue/scenarios.h"
+#include "tests/fakewindows/fakewindowstest.h"
+
+namespace nTests {
+
+// Runs a scenario again and again, each time with one fault, and counts the faults.
+class CatalogueTest : public nFakeWindows::FakeWindowsTest,
+                      public testing::WithParamInterface<size_t> {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  [[nodiscard]] static const tScenario& scenario() { return scenarios()[GetParam()]; }
+
+  // Runs the scenario on a machine that is prepared for it. `makePlan` plans what goes wrong in it.
+  // Nothing is left behind: no handle, and no byte in use that was not before.
+  template <class MakePlan>
+  std::unique_ptr<tRun> runWith(MakePlan makePlan, unsigned failingAllocation = 0) {
+    begin();
+    makePlan();
+    auto run = std::make_unique<tRun>(failingAllocation);
+    scenario().run(*run);
+    end(*run);
+    return run;
+  }
+  std::unique_ptr<tRun> runClean() {
+    return runWith([] {});
+  }
+
+  // After a fault: the scenario works as ever, and has in use what it always has.
+  void expectNextRunLike(const tRun& clean);
+  void countFault() { ++faults_; }
+
+ private:
+  void begin() const;
+  void end(const tRun& run);
+
+  unsigned faults_ = 0;
+  size_t bytesBefore_ = SIZE_MAX;
+  size_t bytesAfter_ = 0;
+  std::filesystem::path temporary_;
+};
+
+[[nodiscard]] std::string scenarioName(const testing::TestParamInfo<size_t>& info);
+
+}  // namespace nTests
+
+#endif

@@ -1,0 +1,215 @@
+#include "tests/catalogue/consequences.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <map>
+
+#include "protocol/interfaceclasses.h"
+#include "protocol/routingrequests.h"
+#include "quenra_status.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::tCall;
+
+// clang-format off
+constexpr tErrorRow kErrorRows[] = {
+    {0,           QUENRA_STATUS_GENERIC_FAILURE},
+    {997,         QUENRA_STATUS_IO_PENDING},
+    {8,           QUENRA_STATUS_MEMORY_FULL},
+    {1450,        QUENRA_STATUS_MEMORY_FULL},
+    {50,          QUENRA_STATUS_REQUEST_NOT_SUPPORTED},
+    {1,           QUENRA_STATUS_REQUEST_NOT_SUPPORTED},
+    {31,          QUENRA_STATUS_GENERIC_FAILURE},
+    {1117,        QUENRA_STATUS_GENERIC_FAILURE},
+    {87,          QUENRA_STATUS_INVALID_PARAMETER},
+    {2,           QUENRA_STATUS_NOT_FOUND},
+    {121,         QUENRA_STATUS_TIME_OUT},
+    {1359,        QUENRA_STATUS_INTERNAL_ERROR},
+    {5,           QUENRA_STATUS_ACCESS_DENIED},
+    {21,          QUENRA_STATUS_NOT_READY},
+    {1617,        QUENRA_STATUS_DEVICE_REMOVED},
+    {38,          QUENRA_STATUS_END_OF_FILE},
+    {122,         QUENRA_STATUS_PATH_TOO_LONG},
+    {639,         QUENRA_STATUS_SYSTEM_REFUSED},
+    {183,         QUENRA_STATUS_ALREADY_EXISTS},
+    {0xE0000204u, QUENRA_STATUS_NOT_FOUND},
+    {258,         QUENRA_STATUS_TIME_OUT},
+    {170,         QUENRA_STATUS_BUSY},
+    {12345,       QUENRA_STATUS_GENERIC_FAILURE},
+};
+// clang-format on
+
+constexpr tExpectation kNothing{tConsequence::none};
+constexpr tExpectation kNotAFailure{tConsequence::notAFailure};
+
+constexpr tExpectation reports(int32_t code) {
+  return {tConsequence::code, code};
+}
+
+bool isOf(const tInterfaceClass& interfaceClass, const std::string& classText) {
+  return classText == std::to_string(interfaceClass.data1);
+}
+
+bool is(uint32_t request, const std::string& requestText) {
+  return requestText == std::to_string(request);
+}
+
+// Taking down always runs to its end.
+bool isSilent(const std::string& request) {
+  return is(REQUEST_UNPROGRAM_ROUTE, request) || is(REQUEST_UNRESERVE_ROUTE, request) ||
+         is(REQUEST_DESTROY_ROUTE, request) || is(REQUEST_UNREGISTER_NOTIFICATION, request);
+}
+
+// Interfaces that cannot be listed are as good as none, but for the reason that the Marten's listing
+// tells.
+tExpectation ofListing(const std::string& interfaceClass, int32_t code) {
+  if (!isOf(kMartenInterfaceClass, interfaceClass)) {
+    return reports(QUENRA_STATUS_NO_CONTROLLER);
+  }
+  return code < 0 ? reports(code) : tExpectation{tConsequence::withoutMarten, code};
+}
+
+tExpectation ofEntry(const tPlace& place) {
+  if (place.argument != "0") {
+    return kNothing;
+  }
+  return isOf(kMartenInterfaceClass, place.belongsTo) ? tExpectation{tConsequence::withoutMarten}
+                                                      : reports(QUENRA_STATUS_NO_CONTROLLER);
+}
+
+// A failure that stands for waiting is but a warning. What comes next has no path to open, ...
+tExpectation ofPath(const tPlace& place, int32_t code) {
+  const bool isOpenedNext = !isOf(kDevicePathInterfaceClass, place.belongsTo);
+  return reports(code > 0 && isOpenedNext ? QUENRA_STATUS_NOT_FOUND : code);
+}
+
+// ... or no device to ask.
+tExpectation ofDevice(const tPlace& place, int32_t code) {
+  if (code < 0) {
+    return reports(code);
+  }
+  if (place.belongsTo.find("marten") != std::string::npos) {
+    return {tConsequence::withoutMarten, code};
+  }
+  const bool isRouter = place.belongsTo.find("devicepath") != std::string::npos;
+  return reports(isRouter ? QUENRA_STATUS_INVALID_PARAMETER : QUENRA_STATUS_GENERIC_FAILURE);
+}
+
+tExpectation ofRequest(const tPlace& place, int32_t code) {
+  if (code > 0) {
+    // Waiting that is itself to be waited for: the driver's reply is there by then.
+    return place.isAwaited ? kNothing : kNotAFailure;
+  }
+  // Of several deliveries only the first is asked for by somebody who is told.
+  const bool isRearmed = is(REQUEST_ARM_DELIVERY, place.argument) && place.belongsTo != "first";
+  // The one code with which the driver asks for another try.
+  const bool isTriedAgain =
+      is(REQUEST_GET_ROUTE_TERMINAL_PATH, place.argument) && code == DRIVER_STATUS_PATH_TOO_LONG;
+  return isSilent(place.argument) || isRearmed || isTriedAgain ? kNothing : reports(code);
+}
+
+}  // namespace
+
+std::span<const tErrorRow> errorRows() {
+  return kErrorRows;
+}
+
+std::vector<tPlace> placesOf(const std::vector<nFakeWindows::tCallRecord>& record) {
+  std::vector<tPlace> places;
+  std::map<tCall, unsigned> counts;
+  std::string interfaceClass;
+  std::string device;
+  bool isArmed = false;
+  for (const nFakeWindows::tCallRecord& made : record) {
+    tPlace place{made.call, ++counts[made.call], made.argument, ""};
+    if (made.call == tCall::setupDiGetClassDevs) {
+      interfaceClass = made.argument;
+    } else if (made.call == tCall::setupDiEnumDeviceInterfaces ||
+               made.call == tCall::setupDiGetDeviceInterfaceDetail) {
+      place.belongsTo = interfaceClass;
+    } else if (made.call == tCall::createFile || made.call == tCall::createEvent) {
+      device = made.call == tCall::createFile ? made.argument : device;
+      place.belongsTo = device;
+    } else if (made.call == tCall::deviceIoControl) {
+      place.belongsTo = isArmed ? "" : "first";
+      isArmed = isArmed || is(REQUEST_ARM_DELIVERY, made.argument);
+    }
+    places.push_back(place);
+  }
+  return places;
+}
+
+std::vector<tPlace> awaitedRequestsOf(const std::vector<nFakeWindows::tCallRecord>& record) {
+  std::vector<tPlace> places = placesOf(record);
+  std::erase_if(places, [](const tPlace& place) {
+    return place.call != tCall::deviceIoControl || is(REQUEST_ARM_DELIVERY, place.argument) ||
+           is(REQUEST_REGISTER_NOTIFICATION, place.argument);
+  });
+  for (tPlace& place : places) {
+    place.isAwaited = true;
+  }
+  return places;
+}
+
+tExpectation expectationOf(const tPlace& place, const tErrorRow& reason) {
+  switch (place.call) {
+    case tCall::setupDiGetClassDevs:
+      return ofListing(place.argument, reason.code);
+    case tCall::setupDiEnumDeviceInterfaces:
+      return ofEntry(place);
+    case tCall::setupDiGetDeviceInterfaceDetail:
+      return ofPath(place, reason.code);
+    case tCall::createFile:
+    case tCall::createEvent:
+      return ofDevice(place, reason.code);
+    case tCall::createIoCompletionPort:
+      return reason.code < 0 ? reports(reason.code)
+                             : tExpectation{tConsequence::untold, reason.code};
+    case tCall::deviceIoControl:
+      return ofRequest(place, reason.code);
+    case tCall::beginThread:
+    case tCall::multiByteToWideChar:
+    case tCall::wideCharToMultiByte:
+      return reports(QUENRA_STATUS_INTERNAL_ERROR);
+    case tCall::coInitializeEx:
+    case tCall::coInitializeSecurity:
+    case tCall::coCreateInstance:
+    case tCall::sysAllocString:
+    case tCall::connectServer:
+    case tCall::execQuery:
+      return reason.error == 0 ? kNotAFailure : reports(QUENRA_STATUS_UPDATE_ENVIRONMENT);
+    case tCall::coSetProxyBlanket:
+    case tCall::next:
+    case tCall::get:
+      return reason.error == 0 ? kNotAFailure : kNothing;
+    case tCall::getFileAttributes:
+      return reports(QUENRA_STATUS_UPDATE_ENVIRONMENT);
+    case tCall::createProcess:
+      return reports(QUENRA_STATUS_INVALID_IMAGE);
+    default:
+      // Waiting, waking and cleaning up: tried again, or of no consequence.
+      return kNothing;
+  }
+}
+
+uint32_t errorAsToldBy(tCall call, uint32_t error) {
+  switch (call) {
+    case tCall::coInitializeEx:
+    case tCall::coInitializeSecurity:
+    case tCall::coCreateInstance:
+    case tCall::sysAllocString:
+    case tCall::connectServer:
+    case tCall::execQuery:
+    case tCall::coSetProxyBlanket:
+    case tCall::next:
+    case tCall::get:
+      return static_cast<uint32_t>(HRESULT_FROM_WIN32(error));
+    default:
+      return error;
+  }
+}
+
+}  // namespace nTests

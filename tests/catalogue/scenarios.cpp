@@ -1,0 +1,365 @@
+#include "tests/catalogue/scenarios.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+#include "quenra.h"
+#include "quenra_routing.h"
+#include "simulator/control/tsimulatedmachine.h"
+#include "source/user/attributes/texttable.h"
+#include "source/user/attributes/unsignedtable.h"
+#include "tests/builders/firmwareimagebuilder.h"
+#include "tests/builders/referencetable.h"
+#include "tests/fakewindows/processes.h"
+#include "tests/fakewindows/unusual.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::tOffTheRecord;
+
+constexpr uint32_t kSelectors[] = {QUENRA_SELECTOR_DEFAULT, QUENRA_SELECTOR_CONTROLLER,
+                                   QUENRA_SELECTOR_MARTEN};
+
+std::string hexadecimal(uint32_t number) {
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), "%08X", number);
+  return text.data();
+}
+
+void nothingMore(const tRun&) {}
+
+// ---- The controller ----
+
+void prepareController() {
+  const tOffTheRecord offTheRecord;
+  nSimulator::tSimulatedMachine machine;
+  tReferenceTable table;
+  table.structure(0x9E) = tSmbiosStructure(0x9E, 0x06).byte(4, 1).byte(5, 0);
+  machine.setTable(table.build());
+}
+
+int32_t openController() {
+  uint64_t handle = 17;
+  const int32_t code = QUENRA_openController(&handle);
+  EXPECT_EQ(handle, code < 0 ? 17u : QUENRA_HANDLE);
+  return code;
+}
+
+void closeController() {
+  QUENRA_closeController(QUENRA_HANDLE);
+}
+
+int32_t readText(uint32_t attribute) {
+  std::array<char, 256> text{};
+  uint64_t size = text.size();
+  return QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, text.data(), &size);
+}
+
+int32_t readUnsigned(uint32_t attribute) {
+  uint32_t value = 0;
+  return QUENRA_getAttributeU32(QUENRA_HANDLE, attribute, &value);
+}
+
+void openAndClose(tRun& run) {
+  run.need("open", openController);
+  run.silently("close", closeController);
+  run.need("open again", openController);
+  run.need("open once more", openController);
+  run.silently("close once", closeController);
+  run.silently("close twice", closeController);
+}
+
+void readTexts(tRun& run) {
+  run.single("device path", [] { return readText(QUENRA_ATTRIBUTE_DEVICE_PATH); });
+  run.need("open", openController);
+  for (const nQUENRA1400::tTextRow& row : nQUENRA1400::nTextTable::kRows) {
+    for (const uint32_t selector : kSelectors) {
+      const uint32_t attribute = row.attribute + selector;
+      run.single(hexadecimal(attribute), [=] { return readText(attribute); });
+    }
+  }
+  run.silently("close", closeController);
+}
+
+void readNumbers(tRun& run) {
+  run.need("open", openController);
+  for (const nQUENRA1400::tUnsignedRow& row : nQUENRA1400::nUnsignedTable::kRows) {
+    for (const uint32_t selector : kSelectors) {
+      const uint32_t attribute = row.attribute + selector;
+      run.single(hexadecimal(attribute), [=] { return readUnsigned(attribute); });
+    }
+  }
+  run.single("signed", [] {
+    int32_t value = 0;
+    return QUENRA_getAttributeI32(QUENRA_HANDLE, QUENRA_ATTRIBUTE_MEMORY_SIZE, &value);
+  });
+  run.single("floating", [] {
+    double value = 0;
+    return QUENRA_getAttributeDBL(QUENRA_HANDLE, QUENRA_ATTRIBUTE_MEMORY_SIZE, &value);
+  });
+  run.silently("close", closeController);
+}
+
+int32_t writeText(uint32_t attribute) {
+  return QUENRA_setAttributeUTF8(QUENRA_HANDLE, attribute, "a text");
+}
+
+void write(tRun& run) {
+  run.need("open", openController);
+  run.single("text of both", [] { return writeText(QUENRA_TEXT_SETTING_OF_BOTH); });
+  run.single("text of both, on the Marten",
+             [] { return writeText(QUENRA_TEXT_SETTING_OF_BOTH + QUENRA_SELECTOR_MARTEN); });
+  run.single("text that only the Marten has", [] { return writeText(0x10000400); });
+  run.single("text that nobody has", [] { return writeText(QUENRA_ATTRIBUTE_PRODUCT_NAME); });
+  run.single("number of the controller", [] {
+    return QUENRA_setAttributeU32(QUENRA_HANDLE, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 7);
+  });
+  run.single("number that nobody has", [] {
+    return QUENRA_setAttributeU32(QUENRA_HANDLE,
+                                  QUENRA_ATTRIBUTE_DRIVER_SETTING_2 + QUENRA_SELECTOR_MARTEN, 7);
+  });
+  run.single("self-test", [] { return QUENRA_performSelfTest(QUENRA_HANDLE); });
+  run.silently("close", closeController);
+}
+
+// ---- Firmware ----
+
+constexpr uint32_t kMarker = 0x10000400;
+constexpr const char* kMarkerBefore = "1.4.0f7";
+constexpr const char* kMarkerAfter = "0.0.0f0";
+
+// An image with a section of every kind.
+const std::string& wholeImage() {
+  static const std::string image =
+      firmwareImage({tFirmwareSection("MARTEN").version("9.0.0f0").payload(firmwareBytes(2000, 2)),
+                     tFirmwareSection("SAFEMODE").payload(firmwareBytes(30, 3)),
+                     tFirmwareSection::capsule("driver.inf").payload(firmwareBytes(50, 4)),
+                     tFirmwareSection::capsule("bios.cap").payload(firmwareBytes(50, 4)),
+                     tFirmwareSection("BIOS").version("9.0.0f0").payload(firmwareBytes(100, 1))});
+  return image;
+}
+
+// The marker is as before an update.
+void prepareUpdate() {
+  const tOffTheRecord offTheRecord;
+  static_cast<void>(wholeImage());
+  nFakeWindows::programs().reset();
+  nFakeWindows::programs().install("C:\\Windows\\Sysnative\\pnputil.exe");
+  nSimulator::tSimulatedMachine machine;
+  machine.clearFirmware();
+  machine.setAttributeText(kSimulatorInterfaceMarten, kMarker, kMarkerBefore);
+  machine.allowWrites(kSimulatorInterfaceMarten, kMarker);
+  prepareController();
+}
+
+void update(tRun& run, uint32_t options) {
+  run.need("open", openController);
+  run.need("update", [options] {
+    return QUENRA_updateFirmware2(QUENRA_HANDLE, wholeImage().data(), wholeImage().size(), options);
+  });
+  run.silently("close", closeController);
+}
+void updateEverything(tRun& run) {
+  update(run, 1);
+}
+void updateWhatIsOlder(tRun& run) {
+  update(run, 0);
+}
+
+// The marker tells truly whether the last update was carried out.
+void checkMarker(const tRun& run) {
+  const tOffTheRecord offTheRecord;
+  if (nSimulator::tSimulatedMachine().presence().martens == 0) {
+    return;
+  }
+  const bool isDone = run.steps()[1].name == "update" && run.steps()[1].code >= 0;
+  std::array<char, 64> text{};
+  uint64_t size = text.size();
+  EXPECT_EQ(openController(), 0);
+  EXPECT_EQ(
+      QUENRA_getAttributeUTF8(QUENRA_HANDLE, kMarker | QUENRA_SELECTOR_MARTEN, text.data(), &size),
+      0);
+  closeController();
+  // Opened without a Marten, there was no marker to write.
+  if (!isDone || std::string_view(text.data()) != kMarkerAfter) {
+    EXPECT_STREQ(text.data(), kMarkerBefore);
+  }
+}
+
+// ---- Routes ----
+
+// A client of the routing functions. Its answers are in memory of its own.
+struct tClient {
+  char name[256] = {};
+  zoroco_RoutingAdaptorSession* session = nullptr;
+  zoroco_TerminalIterator* terminals = nullptr;
+  char answer[1024] = {};
+  char* output = nullptr;
+  uint32_t ticket = 0;
+  int32_t created = 0;  // the code of its session
+  std::atomic<int> demotions = 0;
+};
+
+// Of the run that is going on: the functions that give room have no context.
+tClient* theClient = nullptr;
+
+char* giveRoom(char*, size_t required, const char*, size_t) {
+  return required <= sizeof theClient->answer ? theClient->answer : nullptr;
+}
+
+// One call with a status of its own: the code, which is all that counts here.
+template <class Call>
+auto withStatus(Call call) {
+  return [call] {
+    zoerr_Status status = zoerr_Status_initial();
+    call(status);
+    zoerr_Status_release(&status);
+    return status.code;
+  };
+}
+
+void findDevice(tClient& client) {
+  const tOffTheRecord offTheRecord;
+  uint64_t size = sizeof client.name;
+  EXPECT_EQ(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, client.name, &size), 0);
+  theClient = &client;
+}
+
+void createSession(tRun& run, tClient& client) {
+  run.need("create session", withStatus([&client](zoerr_Status& status) {
+             client.session = zoroco_ra_quenra_createSessionWithDemotionFunc(
+                 client.name, giveRoom,
+                 [](void* context, int32_t, zoerr_Status*, void*) {
+                   ++static_cast<tClient*>(context)->demotions;
+                 },
+                 &client, &status);
+             client.created = status.code;
+           }));
+}
+
+void makeRoute(tRun& run, tClient& client) {
+  run.need("calculate", withStatus([&client](zoerr_Status& status) {
+             zoroco_ra_quenra_calculateRoute(
+                 client.session, R"([{"terminal":"TRIG_SMB","cost":5,"constraints":{}}])",
+                 R"(["PXI_Trig0"])", "{}", &client.output, &status);
+             constexpr std::string_view kStart = R"([{"ticket":)";
+             if (status.code >= 0 && std::string_view(client.answer).starts_with(kStart)) {
+               client.ticket =
+                   static_cast<uint32_t>(std::strtoul(client.answer + kStart.size(), nullptr, 10));
+             }
+           }));
+  run.need("reserve", withStatus([&client](zoerr_Status& status) {
+             zoroco_ra_quenra_reserveRoute(client.session, client.ticket, &client.output, &status);
+           }));
+}
+
+void takeDown(tRun& run, tClient& client) {
+  run.silently("unprogram",
+               [&client] { zoroco_ra_quenra_unprogramRoute(client.session, client.ticket, 0, 0); });
+  run.silently("unreserve",
+               [&client] { zoroco_ra_quenra_unreserveRoute(client.session, client.ticket, 0, 0); });
+  run.silently("destroy route",
+               [&client] { zoroco_ra_quenra_destroyRoute(client.session, client.ticket, 0, 0); });
+  run.silently("destroy session", [&client] { zoroco_ra_quenra_destroySession(client.session); });
+}
+
+void listTerminals(tRun& run, tClient& client) {
+  run.need("constraints", withStatus([&client](zoerr_Status& status) {
+             zoroco_ra_quenra_getHandledConstraints(client.session, &client.output, &status);
+           }));
+  run.need("terminals", withStatus([&client](zoerr_Status& status) {
+             client.terminals = zoroco_ra_quenra_getAllTerminals(client.session, &status, 0);
+           }));
+  run.need("attributes", withStatus([&client](zoerr_Status& status) {
+             auto* const at = client.terminals;
+             zoroco_ra_quenra_TerminalIterator_getStringAttribute(at, "name", &status);
+             zoroco_ra_quenra_TerminalIterator_getBoolAttribute(at, "isExternal", &status);
+             zoroco_ra_quenra_TerminalIterator_getU32Attribute(at, "id", &status);
+             zoroco_ra_quenra_TerminalIterator_next(at, &status);
+             EXPECT_EQ(zoroco_ra_quenra_TerminalIterator_isEnd(at), at == nullptr);
+           }));
+  run.single("calculate reset", withStatus([&client](zoerr_Status& status) {
+               zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(
+                   client.session, client.terminals, "default", &status);
+             }));
+  run.single("reset", withStatus([&client](zoerr_Status& status) {
+               zoroco_ra_quenra_TerminalIterator_resetTerminal(client.terminals, "floating",
+                                                               &status);
+             }));
+  run.silently("destroy terminals",
+               [&client] { zoroco_ra_quenra_TerminalIterator_destroy(client.terminals); });
+}
+
+void routingLife(tRun& run) {
+  tClient client;
+  findDevice(client);
+  createSession(run, client);
+  listTerminals(run, client);
+  makeRoute(run, client);
+  run.need("program", withStatus([&client](zoerr_Status& status) {
+             zoroco_ra_quenra_programRoute(client.session, client.ticket, &status);
+           }));
+  run.single("path", withStatus([&client](zoerr_Status& status) {
+               zoroco_ra_quenra_getRouteTerminalPath(client.session, client.ticket, &client.output,
+                                                     &status);
+             }));
+  run.silently("announce", [&client] {
+    zoroco_ra_quenra_beginExceptionalRouteDestruction(client.session, client.ticket, 0, 0);
+  });
+  takeDown(run, client);
+}
+
+int32_t demote(tClient& client) {
+  // Without notifications there is nothing to wait for.
+  const int patienceMilliseconds = client.created == 0 ? 30000 : 10;
+  {
+    const tOffTheRecord offTheRecord;
+    nSimulator::tSimulatedMachine().demoteRoute(client.ticket);
+  }
+  for (int i = 0; client.demotions == 0 && i < patienceMilliseconds; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return client.demotions == 1 ? 0 : kNotTold;
+}
+
+void demotion(tRun& run) {
+  tClient client;
+  findDevice(client);
+  createSession(run, client);
+  makeRoute(run, client);
+  run.need(kDemotionStep, [&client] { return demote(client); });
+  takeDown(run, client);
+}
+
+const std::set<int32_t> kOfTheController = {QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL,
+                                            QUENRA_STATUS_NO_CONTROLLER};
+const std::set<int32_t> kOfAnUpdate = {
+    QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL, QUENRA_STATUS_NO_CONTROLLER,
+    QUENRA_STATUS_UPDATE_ENVIRONMENT, QUENRA_STATUS_INTERNAL_ERROR};
+const std::set<int32_t> kOfTheRouter = {QUENRA_STATUS_MEMORY_FULL};
+
+}  // namespace
+
+const std::vector<tScenario>& scenarios() {
+  static const std::vector<tScenario> all = {
+      {"OpenAndClose", prepareController, openAndClose, nothingMore, kOfTheController},
+      {"EveryText", prepareController, readTexts, nothingMore, kOfTheController},
+      {"EveryNumber", prepareController, readNumbers, nothingMore, kOfTheController},
+      {"Writes", prepareController, write, nothingMore, kOfTheController},
+      {"WholeUpdate", prepareUpdate, updateEverything, checkMarker, kOfAnUpdate},
+      {"ComparingUpdate", prepareUpdate, updateWhatIsOlder, checkMarker, kOfAnUpdate},
+      {"RoutingLife", prepareController, routingLife, nothingMore, kOfTheRouter},
+      {"Demotion", prepareController, demotion, nothingMore, kOfTheRouter},
+  };
+  return all;
+}
+
+}  // namespace nTests

@@ -1,0 +1,90 @@
+#ifndef TESTS_CATALOGUE_TRUN_H
+#define TESTS_CATALOGUE_TRUN_H
+
+#include <array>
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "tests/fakewindows/allocationplan.h"
+#include "tests/fakewindows/faultplan.h"
+
+namespace nTests {
+
+enum class tStepKind : uint8_t {
+  needed,  // when it fails the scenario is over, but for what reports nothing
+  single,  // when it fails the others go on
+  silent,  // reports nothing; is always done, as one cleans up
+};
+
+// What one step of a scenario gave.
+struct tStep {
+  std::string name;
+  tStepKind kind;
+  int32_t code = 0;
+  bool operator==(const tStep&) const = default;
+};
+void PrintTo(const tStep& step, std::ostream* out);
+
+using tCallCounts = std::array<unsigned, nFakeWindows::kCalls>;
+
+// One run of a scenario. Its steps are calls of exports.
+class tRun {
+ public:
+  // Lets the nth allocation of the steps fail; 0: none.
+  explicit tRun(unsigned failingAllocation = 0) : failingAllocation_(failingAllocation) {}
+  tRun(const tRun&) = delete;
+  tRun& operator=(const tRun&) = delete;
+
+  template <class Call>
+  void need(const std::string& name, Call call) {
+    if (!isOver_) {
+      perform(name, tStepKind::needed, call);
+      isOver_ = steps_.back().code < 0;
+    }
+  }
+  template <class Call>
+  void single(const std::string& name, Call call) {
+    if (!isOver_) {
+      perform(name, tStepKind::single, call);
+    }
+  }
+  template <class Call>
+  void silently(const std::string& name, Call call) {
+    perform(name, tStepKind::silent, [call] {
+      call();
+      return 0;
+    });
+  }
+
+  [[nodiscard]] const std::vector<tStep>& steps() const { return steps_; }
+  // The step in which the nth call of a function was made; that behind the last when in none.
+  [[nodiscard]] size_t stepOf(nFakeWindows::tCall call, unsigned nth) const;
+  [[nodiscard]] unsigned allocations() const { return allocations_; }
+
+ private:
+  template <class Call>
+  void perform(const std::string& name, tStepKind kind, Call call) {
+    int32_t code = 0;
+    {
+      const unsigned failing =
+          failingAllocation_ > allocations_ ? failingAllocation_ - allocations_ : 0;
+      const nFakeWindows::tAllocationPlan plan(failing);
+      code = call();
+      allocations_ += plan.count();
+    }
+    steps_.push_back({name, kind, code});
+    countsAfter_.push_back(nFakeWindows::faultPlan().callCounts());
+  }
+
+  const unsigned failingAllocation_;
+  unsigned allocations_ = 0;
+  bool isOver_ = false;
+  std::vector<tStep> steps_;
+  std::vector<tCallCounts> countsAfter_;
+};
+
+}  // namespace nTests
+
+#endif

@@ -1,0 +1,133 @@
+#include "tests/builders/firmwareimagebuilder.h"
+#include "tests/component/commandline/commandlinetest.h"
+#include "tests/component/commandline/temporaryfolder.h"
+
+namespace nTests {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class FirmwareBuild : public CommandLineTest {
+ protected:
+  tRun build(std::string_view payload, const std::vector<std::string>& more = {},
+             const std::string& device = "MARTEN", const std::string& version = "1.4.2f7") {
+    std::vector<std::string> words = {"firmware",
+                                      "build",
+                                      folder_.file("payload", payload),
+                                      "--output",
+                                      path(),
+                                      "--device",
+                                      device,
+                                      "--firmware-version",
+                                      version};
+    words.insert(words.end(), more.begin(), more.end());
+    return run(words);
+  }
+  std::string path() { return folder_.path("update.fwi"); }
+  std::string image() { return folder_.content("update.fwi"); }
+
+  tTemporaryFolder folder_;
+};
+
+TEST_F(FirmwareBuild, Section_IsWhatTheFormatTells) {
+  const tRun result = build("123456789");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out + result.error, IsEmpty());
+  EXPECT_EQ(image(),
+            "HeaderVersion::1\r\nUpdateType::FWUpdate\r\nVersion::1.4.2f7\r\n"
+            "TargetDevice::MARTEN\r\nCRC::0x05440F15\r\nByteCount::9\r\n\r\n"
+            "MTIzNDU2Nzg5\r\n");
+  EXPECT_EQ(folder_.files(), 2u) << "nothing unfinished stays";
+}
+
+TEST_F(FirmwareBuild, PayloadOfAnyLength_IsInspectedAsItWas) {
+  for (const size_t length : {0u, 1u, 2u, 3u, 56u, 57u, 58u, 1000u}) {
+    const std::vector<uint8_t> bytes = firmwareBytes(length);
+    const std::string payload(bytes.begin(), bytes.end());
+    for (const char* const lineLength : {"0", "1", "76"}) {
+      ASSERT_EQ(build(payload, {"--line-length", lineLength}).exitCode, 0) << length;
+      EXPECT_THAT(image(), HasSubstr("\r\n\r\n" + encodeBase64(bytes, std::stoul(lineLength))))
+          << length << " " << lineLength;
+      const auto document = run({"firmware", "inspect", path(), "--json"}).document();
+      const auto& section = document["image"]["sections"][0];
+      EXPECT_TRUE(section["fault"].IsNull());
+      EXPECT_EQ(section["byteCount"].GetUint(), length);
+      EXPECT_EQ(section["crc"].GetUint(), firmwareCrc(bytes));
+    }
+  }
+}
+
+TEST_F(FirmwareBuild, Lines_Have76CharactersUnlessToldOtherwise) {
+  ASSERT_EQ(build(std::string(100, 'x')).exitCode, 0);
+  EXPECT_THAT(image(), HasSubstr("\r\n\r\n" + encodeBase64(std::vector<uint8_t>(100, 'x'), 76)));
+}
+
+TEST_F(FirmwareBuild, FileName_MakesACapsuleOfTheBios) {
+  ASSERT_EQ(build("x", {"--file-name", "driver.inf"}, "BIOS").exitCode, 0);
+  EXPECT_THAT(image(), HasSubstr("UpdateType::CapsuleUpdate\r\n"));
+  EXPECT_THAT(image(), HasSubstr("TargetFileName::driver.inf\r\n"));
+  EXPECT_THAT(build("x", {"--file-name", "a"}, "MARTEN").error,
+              HasSubstr("only a section for the BIOS"));
+}
+
+TEST_F(FirmwareBuild, Append_AddsASectionBehindWhatIsThere) {
+  ASSERT_EQ(build("first").exitCode, 0);
+  const std::string before = image();
+  const auto document = build("second", {"--append", "--json"}, "BIOS", "2").document();
+  EXPECT_STREQ(document["kind"].GetString(), "firmware-build");
+  ASSERT_EQ(document["image"]["sections"].Size(), 2u);
+  EXPECT_STREQ(document["image"]["sections"][1]["device"].GetString(), "BIOS");
+  EXPECT_EQ(document["image"]["sections"][1]["order"].GetInt(), 1);
+  EXPECT_TRUE(image().starts_with(before));
+  EXPECT_EQ(build("x").exitCode, 0);
+  EXPECT_THAT(run({"firmware", "verify", path()}).out, HasSubstr("1 section\n")) << "replaced";
+}
+
+TEST_F(FirmwareBuild, AppendToWhatWouldHideOrRefuseIt_IsAFailureAndChangesNothing) {
+  for (const std::string& there :
+       {std::string("x\0", 2), firmwareImage({tFirmwareSection("BIOS").with("CRC", "0")})}) {
+    static_cast<void>(folder_.file("update.fwi", there));
+    const tRun result = build("x", {"--append"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, testing::StartsWith("quenra: "));
+    EXPECT_EQ(image(), there);
+  }
+}
+
+TEST_F(FirmwareBuild, AppendToNothing_IsAFailure) {
+  EXPECT_EQ(build("x", {"--append"}).exitCode, 1);
+  EXPECT_EQ(image(), "(none)");
+}
+
+TEST_F(FirmwareBuild, VersionThatTheFormatCannotHold_IsRefused) {
+  for (const char* const version : {"", "1\r\n2", "\"1\"", "\"1", "1\r\nTargetDevice::BIOS"}) {
+    const tRun result = build("x", {}, "MARTEN", version);
+    EXPECT_EQ(result.exitCode, 1) << version;
+    EXPECT_THAT(result.error, HasSubstr("cannot hold")) << version;
+    EXPECT_EQ(image(), "(none)") << version;
+  }
+  EXPECT_EQ(build("x", {}, "MARTEN", "1 \"a\" b").exitCode, 0);
+}
+
+TEST_F(FirmwareBuild, WrongWords_AreWrongUsage) {
+  EXPECT_EQ(build("x", {}, "MARTIN").exitCode, 2);
+  EXPECT_THAT(build("x", {}, "MARTIN").error, HasSubstr("Did you mean MARTEN?"));
+  EXPECT_EQ(build("x", {"--line-length", "many"}).exitCode, 2);
+  EXPECT_EQ(image(), "(none)");
+}
+
+TEST_F(FirmwareBuild, WhatCannotBeReadOrWritten_IsAFailureOfTheProgram) {
+  const std::string payload = folder_.file("payload", "x");
+  const tRun unread = run({"firmware", "build", folder_.path("none"), "--output", path(),
+                           "--device", "MARTEN", "--firmware-version", "1"});
+  EXPECT_EQ(unread.exitCode, 1);
+  EXPECT_THAT(unread.error, HasSubstr("cannot be read"));
+  const tRun unwritten = run({"firmware", "build", payload, "--output", folder_.path("none/image"),
+                              "--device", "MARTEN", "--firmware-version", "1"});
+  EXPECT_EQ(unwritten.exitCode, 1);
+  EXPECT_THAT(unwritten.error, HasSubstr("cannot be written"));
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,172 @@
+#include "source/user/firmware/tfirmwareimageparser.h"
+#include "tests/builders/firmwareimagebuilder.h"
+#include "tests/component/commandline/commandlinetest.h"
+#include "tests/component/commandline/repositoryfile.h"
+#include "tests/component/commandline/temporaryfolder.h"
+#include "tools/quenra/firmware/firmwareimage.h"
+
+namespace nTests {
+namespace {
+
+using nCommandLine::inspectImage;
+using nCommandLine::tFirmwareImage;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class FirmwareInspect : public CommandLineTest {
+ protected:
+  std::string fileOf(const std::vector<tFirmwareSection>& sections) {
+    return folder_.file("update.fwi", firmwareImage(sections));
+  }
+
+  tTemporaryFolder folder_;
+};
+
+std::span<const uint8_t> bytesOf(std::string_view text) {
+  return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
+
+tFirmwareSection digits(std::string_view device, std::string_view updateType = "FWUpdate") {
+  return tFirmwareSection(device, updateType).payload(bytesOf("123456789"));
+}
+
+TEST_F(FirmwareInspect, Sections_AreATable) {
+  const tRun result =
+      run({"firmware", "inspect",
+           fileOf({digits("MARTEN").version("1.4.2f7"), digits("BIOS").version("2")})});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.error, IsEmpty());
+  EXPECT_THAT(
+      result.out,
+      HasSubstr(" bytes, 0 faults\n\n"
+                "Section  Order  Device  Type      Version  File  Bytes  CRC         Verdict\n"
+                "1        2      MARTEN  FWUpdate  1.4.2f7  -     9      0x05440F15  good\n"
+                "2        1      BIOS    FWUpdate  2        -     9      0x05440F15  good\n"));
+  EXPECT_EQ(library_.opens, 0) << "no controller is needed";
+}
+
+TEST_F(FirmwareInspect, RefusedSection_IsShownWithTheReasonAndThoseBehindItToo) {
+  const tRun result = run(
+      {"firmware", "inspect",
+       fileOf({digits("MARTEN"), digits("BIOS").with("CRC", "1"),
+               digits("MARTEN").with("ByteCount", "8"), digits("SAFEMODE"), digits("TOASTER")})});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out, HasSubstr("5 sections, "));
+  EXPECT_THAT(result.out, HasSubstr(", 3 faults\n"));
+  EXPECT_THAT(result.out, HasSubstr("\n2        -      BIOS      FWUpdate  1.2.3f4  -     9      "
+                                    "0x05440F15  refused: the payload has another CRC than the "
+                                    "header says: 0x05440F15, not 0x00000001\n"));
+  EXPECT_THAT(result.out, HasSubstr("refused: the payload does not decode to ByteCount bytes: 9, "
+                                    "not 8\n4        -      SAFEMODE"));
+  EXPECT_THAT(result.out, HasSubstr("TargetDevice is none of BIOS, MARTEN and SAFEMODE\n"));
+}
+
+TEST_F(FirmwareInspect, Document_HasThePromisedMembers) {
+  const std::string path =
+      fileOf({tFirmwareSection::capsule("a.inf"), digits("BIOS").with("CRC", "1")});
+  const auto document = run({"firmware", "inspect", path, "--json"}).document();
+  EXPECT_STREQ(document["kind"].GetString(), "firmware-inspect");
+  const auto& image = document["image"];
+  EXPECT_THAT(memberNames(image), ElementsAre("path", "size", "valid", "sections"));
+  EXPECT_EQ(image["path"].GetString(), path);
+  EXPECT_FALSE(image["valid"].GetBool());
+  const auto& good = image["sections"][0];
+  EXPECT_THAT(memberNames(good),
+              ElementsAre("position", "order", "headerVersion", "device", "updateType", "version",
+                          "fileName", "declaredByteCount", "declaredCrc", "textSize", "byteCount",
+                          "crc", "fault"));
+  EXPECT_STREQ(good["fileName"].GetString(), "a.inf");
+  EXPECT_STREQ(good["updateType"].GetString(), "CapsuleUpdate");
+  EXPECT_EQ(good["byteCount"].GetUint(), 100u);
+  EXPECT_TRUE(good["fault"].IsNull());
+  EXPECT_TRUE(good["order"].IsNull()) << "the other section keeps it from being applied";
+  const auto& fault = image["sections"][1]["fault"];
+  EXPECT_THAT(memberNames(fault), ElementsAre("reason", "remedy", "status", "line"));
+  EXPECT_EQ(fault["status"]["code"].GetInt(), QUENRA_STATUS_INVALID_IMAGE);
+  EXPECT_EQ(fault["line"].GetUint(), 258u);
+  EXPECT_EQ(image["sections"][1]["declaredCrc"].GetUint(), 1u);
+  EXPECT_EQ(image["sections"][1]["crc"].GetUint(), 0x05440F15u);
+}
+
+TEST_F(FirmwareInspect, AnyBytes_AreShownAsNoSection) {
+  const tRun result = run({"firmware", "inspect", folder_.file("x", std::string("PK\0\x03", 4))});
+  EXPECT_EQ(result.out, "0 sections, 4 bytes, 0 faults\n");
+  EXPECT_EQ(run({"firmware", "inspect", folder_.file("empty", "")}).out,
+            "0 sections, 0 bytes, 0 faults\n");
+}
+
+TEST_F(FirmwareInspect, ControlCharacters_DoNotReachTheTerminal) {
+  const tRun result = run({"firmware", "inspect", fileOf({digits("MARTEN").version("\x1B[31m")})});
+  EXPECT_THAT(result.out, HasSubstr("\\x1B[31m"));
+}
+
+TEST_F(FirmwareInspect, FileThatIsNotThere_IsAFailureOfTheProgram) {
+  for (const std::string& path : {folder_.path("none"), folder_.path(""), std::string("\xFF")}) {
+    const tRun result = run({"firmware", "inspect", path, "--json"});
+    EXPECT_EQ(result.exitCode, 1) << path;
+    EXPECT_THAT(result.error, HasSubstr("' cannot be read\n")) << path;
+    EXPECT_STREQ(result.document()["error"]["cause"].GetString(), "program");
+  }
+}
+
+TEST_F(FirmwareInspect, FileName_MayHoldAnyCharacter) {
+  const std::string path = folder_.file("Größe 3.fwi", firmwareImage({digits("MARTEN")}));
+  EXPECT_EQ(run({"firmware", "inspect", path}).exitCode, 0);
+}
+
+TEST_F(FirmwareInspect, Order_IsTheParsersOwn) {
+  const std::string image = firmwareImage(
+      {digits("BIOS").version("1"), digits("MARTEN").version("2"),
+       tFirmwareSection::capsule("driver.inf").version("3"), digits("BIOS").version("4"),
+       tFirmwareSection::capsule("a.cap").version("5"), digits("SAFEMODE").version("6"),
+       tFirmwareSection::capsule("x.information").version("7"),
+       digits("MARTEN", "CapsuleUpdate").version("8")});
+  nQUENRA1400::tFirmwarePayloads records;
+  zoerr::tOwnedStatus status;
+  nQUENRA1400::tFirmwareImageParser().Parse(records, image.data(), image.size(), status);
+  ASSERT_EQ(records.size(), 8u);
+  for (const auto& section : inspectImage(image).sections) {
+    ASSERT_GE(section.order, 1u);
+    EXPECT_EQ(records[section.order - 1].version, section.header.version);
+  }
+  nQUENRA1400::freePayloads(records);
+}
+
+// Every row of the format's table of failures, in its order.
+const std::pair<uint32_t, tFirmwareSection> kFaulty[] = {
+    {164, digits("BIOS").with("HeaderVersion", "2")},
+    {176, digits("BIOS", "Update")},
+    {186, digits("CASE")},
+    {214, digits("MARTEN").separator("")},
+    {241, digits("MARTEN").with("ByteCount", "10")},
+    {258, digits("MARTEN").with("CRC", "0")},
+    {339, digits("MARTEN").with("CRC", "")},
+    {351, digits("MARTEN").without("CRC")},
+    {409, digits("MARTEN").without("Version")},
+    {425, digits("MARTEN").with("Version", "")},
+    {487, digits("MARTEN").with("Version", "\"1")},
+};
+
+TEST_F(FirmwareInspect, EveryFaultOfTheFormat_HasAReasonAndARemedy) {
+  const auto documented = tableUnder("docs/firmware-image.md", "## What goes wrong");
+  ASSERT_EQ(documented.size(), std::size(kFaulty));
+  for (size_t i = 0; i < documented.size(); ++i) {
+    const auto& [line, section] = kFaulty[i];
+    EXPECT_EQ(documented[i][1], std::to_string(line));
+    // What is missing is not to be found behind it; an empty line is, for the payload's beginning.
+    const std::string tail = line == 214 ? firmwareImage({digits("MARTEN")}) : "";
+    const tFirmwareImage image = inspectImage(firmwareImage({digits("BIOS"), section}) + tail);
+    ASSERT_GE(image.sections.size(), 2u) << line;
+    EXPECT_FALSE(image.sections[0].fault) << line;
+    const auto& fault = image.sections[1].fault;
+    ASSERT_TRUE(fault) << line;
+    EXPECT_EQ(fault->line, line);
+    EXPECT_EQ(std::to_string(fault->code), documented[i][0]);
+    EXPECT_FALSE(fault->reason.empty() || fault->reason.ends_with('.')) << line;
+    EXPECT_TRUE(fault->remedy.ends_with('.')) << line;
+  }
+}
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,339 @@
+#include "quenra_attributes.h"
+#include "tests/component/commandline/commandlinetest.h"
+#include "tools/quenra/output/elapsedtext.h"
+#include "tools/quenra/routing/answers.h"
+
+namespace nTests {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+using tWords = std::vector<std::string>;
+
+constexpr const char* kDevice = R"(\\?\root#quenra#0000)";
+
+// The words of a verb of a route between two terminals, with more behind them.
+tWords routeWords(const char* action, const tWords& more = {}) {
+  tWords words{"route", action, "--from", "TRIG_SMB", "--to", "PXI_Trig0"};
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
+class Routing : public CommandLineTest {
+ protected:
+  void SetUp() override { library_.text(QUENRA_ATTRIBUTE_DEVICE_PATH, kDevice); }
+
+  // What was asked of a router behind the calculation, without the session's end.
+  std::vector<std::string> callsBehindCalculation() const {
+    std::vector<std::string> calls;
+    for (size_t i = 2; i + 1 < routing_.calls.size(); ++i) {
+      calls.push_back(routing_.calls[i]);
+    }
+    return calls;
+  }
+
+  static constexpr const char* kTwoRoutes =
+      R"([{"ticket":7,"cost":1,"constraints":{}},)"
+      R"({"ticket":8,"cost":2,"constraints":{"inversionNeeded":true}}])";
+  static constexpr const char* kInvertedRoute =
+      R"([{"ticket":8,"cost":2,"constraints":{"inversionNeeded":true}}])";
+};
+
+using Terminals = Routing;
+using RoutePlan = Routing;
+using RouteConnect = Routing;
+
+TEST_F(Terminals, AreATable) {
+  const tRun result = run({"terminals"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.error, IsEmpty());
+  EXPECT_EQ(result.out,
+            "Terminal   Id  For             External  Owned  Bus line\n"
+            "FLOAT      1   the controller  no        yes    -\n"
+            "TRIG_SMB   2   everybody       no        yes    -\n"
+            "PXI_Trig0  4   everybody       yes       no     PXI_Trig 0\n");
+  EXPECT_THAT(routing_.calls, ElementsAre("open " + std::string(kDevice), "close"));
+  EXPECT_EQ(library_.opens, 0) << "the device path needs no open controller";
+}
+
+TEST_F(Terminals, Document_HasThePromisedMembers) {
+  const auto document = run({"terminals", "--json"}).document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "terminals"));
+  const rapidjson::Value& line = itemWith(document["terminals"], "name", "PXI_Trig0");
+  EXPECT_THAT(memberNames(line),
+              ElementsAre("name", "id", "visibility", "external", "owned", "busType", "busName",
+                          "busLine", "alias", "canonicalName", "maskedOut"));
+  EXPECT_EQ(line["busLine"].GetInt(), 0);
+  EXPECT_STREQ(line["busType"].GetString(), "PXI_Trig");
+  EXPECT_TRUE(line["external"].GetBool());
+  EXPECT_TRUE(itemWith(document["terminals"], "name", "FLOAT")["busLine"].IsNull());
+}
+
+TEST_F(Routing, WithoutADevice_NoVerbHasAController) {
+  library_.code(QUENRA_ATTRIBUTE_DEVICE_PATH, QUENRA_STATUS_NO_CONTROLLER);
+  for (const tWords& words : {tWords{"terminals"}, routeWords("plan"), routeWords("connect")}) {
+    const tRun result = run(words);
+    EXPECT_EQ(result.exitCode, 4);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_THAT(result.error, HasSubstr("the device of the trigger routes cannot be found\n"
+                                        "  -26932 QUENRA_STATUS_NO_CONTROLLER\n"));
+  }
+  EXPECT_THAT(routing_.calls, IsEmpty());
+}
+
+TEST_F(Routing, DeviceThatCannotBeNamed_IsNotOpened) {
+  library_.text(QUENRA_ATTRIBUTE_DEVICE_PATH, std::string(257, 'x'));
+  EXPECT_EQ(run({"terminals"}).exitCode, 1);
+  EXPECT_THAT(routing_.calls, IsEmpty());
+  library_.code(QUENRA_ATTRIBUTE_DEVICE_PATH, QUENRA_STATUS_NOT_SUPPORTED);
+  EXPECT_EQ(run({"terminals"}).exitCode, 3);
+  library_.code(QUENRA_ATTRIBUTE_DEVICE_PATH, QUENRA_STATUS_GENERIC_FAILURE);
+  EXPECT_EQ(run({"terminals"}).exitCode, 1);
+}
+
+TEST_F(Routing, UnknownTerminals_AreNotSupported) {
+  routing_.codes["open"] = QUENRA_STATUS_BAD_SELECTOR;
+  const tRun result = run({"terminals"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_THAT(result.error,
+              HasSubstr("trigger terminals that the library does not know\n  -50003"));
+}
+
+TEST_F(Routing, EveryFailingStep_IsToldAndClosesTheSession) {
+  const std::pair<const char*, const char*> steps[] = {
+      {"open", "a routing session cannot be opened"},
+      {"terminals", "the terminals cannot be listed"},
+      {"calculate", "the route cannot be calculated"},
+      {"reserve", "the route cannot be reserved"},
+      {"program", "the route cannot be programmed"},
+      {"path", "the terminals of the route cannot be told"}};
+  for (const auto& [step, message] : steps) {
+    routing_.codes = {{step, QUENRA_STATUS_DEVICE_REMOVED}};
+    const auto document = run(routeWords("connect", {"--json"})).document();
+    EXPECT_EQ(document["exitCode"].GetInt(), 1) << step;
+    EXPECT_STREQ(document["kind"].GetString(), "error") << step;
+    EXPECT_STREQ(document["command"].GetString(), "route connect") << step;
+    EXPECT_STREQ(document["error"]["message"].GetString(), message);
+    EXPECT_EQ(document["error"]["code"].GetInt(), QUENRA_STATUS_DEVICE_REMOVED) << step;
+    EXPECT_EQ(routing_.sessions, 0) << step;
+  }
+}
+
+TEST_F(Routing, MisspeltTerminal_IsMetWithASuggestion) {
+  const tRun result = run({"route", "plan", "--from", "TRIG_SMB", "--to", "PXI_Trg0"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.error,
+              HasSubstr("there is no terminal 'PXI_Trg0'\n  Did you mean PXI_Trig0?"));
+  EXPECT_THAT(result.error, HasSubstr("'quenra terminals' lists them."));
+  EXPECT_EQ(run({"route", "connect", "--from", "", "--to", "FLOAT"}).exitCode, 2);
+}
+
+TEST_F(Routing, MissingTerminal_IsWrongUsage) {
+  EXPECT_EQ(run({"route", "plan", "--from", "TRIG_SMB"}).exitCode, 2);
+  EXPECT_EQ(run({"route", "connect", "--to", "TRIG_SMB"}).exitCode, 2);
+  EXPECT_EQ(run({"route"}).exitCode, 2);
+}
+
+TEST_F(Routing, Warnings_GoToTheErrorStreamAndTheDocument) {
+  routing_.codes["calculate"] = 77;
+  const tRun result = run(routeWords("plan", {"--json"}));
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.error, HasSubstr("warning: a step of the routing session\n  77"));
+  EXPECT_EQ(result.document()["warnings"][0]["code"].GetInt(), 77);
+}
+
+TEST_F(RoutePlan, Routes_AreATableAndAreForgotten) {
+  routing_.routes = kTwoRoutes;
+  const tRun result = run(routeWords("plan"));
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out,
+            "Path                   Inverted  Cost\n"
+            "TRIG_SMB -> PXI_Trig0  no        1\n"
+            "TRIG_SMB -> PXI_Trig0  yes       2\n");
+  EXPECT_THAT(callsBehindCalculation(), ElementsAre("path 7", "destroy 7", "path 8", "destroy 8"));
+}
+
+TEST_F(RoutePlan, Request_SaysWhatIsWanted) {
+  static_cast<void>(run(routeWords("plan")));
+  EXPECT_EQ(routing_.calls[1],
+            R"(calculate [{"terminal":"TRIG_SMB","cost":0,"constraints":{}}] ["PXI_Trig0"] )"
+            R"({"required":{}})");
+  routing_.calls.clear();
+  static_cast<void>(run(routeWords("plan", {"--invert"})));
+  EXPECT_THAT(routing_.calls[1], testing::EndsWith(R"( {"required":{"inversionNeeded":true}})"));
+}
+
+TEST_F(RoutePlan, TerminalThatTheLibraryDoesNotKnow_IsAQuestionMark) {
+  routing_.path = R"(["TRIG_SMB","","PXI_Trig0"])";
+  EXPECT_THAT(run(routeWords("plan")).out, HasSubstr("TRIG_SMB -> ? -> PXI_Trig0"));
+}
+
+TEST_F(RoutePlan, Document_HasThePromisedMembers) {
+  const auto document = run(routeWords("plan", {"--json"})).document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "from", "to", "routes"));
+  EXPECT_STREQ(document["kind"].GetString(), "route-plan");
+  EXPECT_THAT(memberNames(document["routes"][0]), ElementsAre("inverted", "cost", "path"));
+  EXPECT_STREQ(document["routes"][0]["path"][1].GetString(), "PXI_Trig0");
+}
+
+TEST_F(RoutePlan, NoRoute_IsNotSupported) {
+  routing_.routes = "[]";
+  for (const char* const action : {"plan", "connect"}) {
+    const tRun result = run(routeWords(action, {"--invert"}));
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_THAT(
+        result.error,
+        HasSubstr("there is no route from TRIG_SMB to PXI_Trig0 that inverts the signal\n"));
+  }
+}
+
+TEST_F(RouteConnect, Route_IsMadeHeldAndTakenDownInOrder) {
+  const tRun result = run(routeWords("connect", {"--for", "0"}));
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out,
+              StartsWith("connected: TRIG_SMB -> PXI_Trig0, for 0.0 s\ntaken down after "));
+  EXPECT_THAT(result.error, IsEmpty());
+  EXPECT_THAT(callsBehindCalculation(), ElementsAre("reserve 7", "program 7", "path 7",
+                                                    "unprogram 7", "unreserve 7", "destroy 7"));
+  EXPECT_TRUE(interruption_.isAwaited);
+}
+
+TEST_F(RouteConnect, CtrlC_TakesItDownAndIsNoFailure) {
+  interruption_.comes = true;
+  const tRun result = run(routeWords("connect"));
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out, StartsWith("connected: TRIG_SMB -> PXI_Trig0, until Ctrl-C\n"));
+  EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
+  EXPECT_EQ(callsBehindCalculation().back(), "destroy 7");
+}
+
+TEST_F(RouteConnect, Time_IsKept) {
+  const auto document = run(routeWords("connect", {"--for", "1", "--json"})).document();
+  EXPECT_GE(document["heldMilliseconds"].GetInt(), 1000);
+  EXPECT_FALSE(document["interrupted"].GetBool());
+}
+
+TEST_F(RouteConnect, Demotions_AreToldAndMakeItAFailure) {
+  routing_.afterProgramming = [this] { routing_.demoteOnItsThread({101, 102}); };
+  const tRun result = run(routeWords("connect", {"--for", "1"}));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after "));
+  EXPECT_THAT(result.error, HasSubstr(" s, reason 101: it carries no signal any more\n"));
+  EXPECT_THAT(result.error, HasSubstr("reason 102"));
+  EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
+  const std::vector<std::string> calls = callsBehindCalculation();
+  EXPECT_THAT(std::vector(calls.begin() + 3, calls.end()),
+              ElementsAre("failed 7", "unprogram 7", "unreserve 7", "destroy 7"));
+}
+
+TEST_F(RouteConnect, Document_HasThePromisedMembers) {
+  routing_.afterProgramming = [this] { routing_.demote(101); };
+  interruption_.comes = true;
+  const tRun result = run(routeWords("connect", {"--json"}));
+  EXPECT_EQ(result.exitCode, 1);
+  const auto document = result.document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "from", "to", "route",
+                          "heldMilliseconds", "interrupted", "demotions"));
+  EXPECT_THAT(memberNames(document["route"]), ElementsAre("inverted", "cost", "path", "ticket"));
+  EXPECT_EQ(document["route"]["ticket"].GetInt(), 7);
+  EXPECT_TRUE(document["interrupted"].GetBool());
+  EXPECT_THAT(memberNames(document["demotions"][0]), ElementsAre("reason", "afterMilliseconds"));
+  EXPECT_EQ(document["demotions"][0]["reason"].GetInt(), 101);
+  EXPECT_THAT(result.error, StartsWith("quenra: connected: TRIG_SMB -> PXI_Trig0, until Ctrl-C\n"));
+}
+
+TEST_F(RouteConnect, Conflict_NamesTheHolders) {
+  routing_.codes["reserve"] = QUENRA_STATUS_ROUTE_CONFLICT;
+  routing_.conflicts = R"([{"sessionId":4,"ticket":9},{"sessionId":2,"ticket":3}])";
+  const tRun result = run(routeWords("connect"));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error, HasSubstr("the route cannot be reserved: in the way is ticket 9 of "
+                                      "session 4, ticket 3 of session 2\n"
+                                      "  -89137 QUENRA_STATUS_ROUTE_CONFLICT\n"));
+  EXPECT_THAT(callsBehindCalculation(), ElementsAre("reserve 7", "failed 7", "destroy 7"));
+}
+
+TEST_F(RouteConnect, FailingStep_UndoesTheStepsBefore) {
+  routing_.codes["program"] = QUENRA_STATUS_BUSY;
+  EXPECT_EQ(run(routeWords("connect")).exitCode, 1);
+  EXPECT_THAT(callsBehindCalculation(),
+              ElementsAre("reserve 7", "program 7", "failed 7", "unreserve 7", "destroy 7"));
+}
+
+TEST_F(RouteConnect, RouteOfTheOtherPolarity_IsNotTaken) {
+  routing_.routes = kTwoRoutes;
+  static_cast<void>(run(routeWords("connect", {"--for", "0", "--invert"})));
+  EXPECT_THAT(callsBehindCalculation(), ElementsAre("destroy 7", "reserve 8", "program 8", "path 8",
+                                                    "unprogram 8", "unreserve 8", "destroy 8"));
+  routing_.routes = kInvertedRoute;
+  routing_.calls.clear();
+  const tRun result = run(routeWords("connect", {"--for", "0"}));
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_THAT(result.error, HasSubstr("inverts the signal; --invert takes it\n"));
+  EXPECT_THAT(callsBehindCalculation(), ElementsAre("destroy 8"));
+}
+
+TEST_F(RouteConnect, TimeThatIsNone_IsRefusedBeforeAnythingIsOpened) {
+  for (const char* const time : {"", "x", "1.5", "-1", "4294967296"}) {
+    EXPECT_EQ(run(routeWords("connect", {"--for", time})).exitCode, 2) << time;
+  }
+  EXPECT_THAT(routing_.calls, IsEmpty());
+}
+
+TEST(Answers, WhatIsNotAsTold_IsLeftOut) {
+  using namespace nCommandLine;
+  for (const char* const text : {"", "{", "{}", "null", "[1]", R"([{"ticket":-1,"cost":1}])",
+                                 R"([{"sessionId":-1,"ticket":1}])"}) {
+    EXPECT_THAT(routesIn(text), IsEmpty()) << text;
+    EXPECT_THAT(terminalsIn(text), IsEmpty()) << text;
+    EXPECT_THAT(holdersIn(text), IsEmpty()) << text;
+  }
+}
+
+TEST(Answers, HoldersOfLargeSessions_AreWhole) {
+  EXPECT_EQ(nCommandLine::holdersIn(R"([{"sessionId":18446744073709551615,"ticket":4294967295}])"),
+            "ticket 4294967295 of session 18446744073709551615");
+}
+
+TEST(Demotions, ComeInTheirOrder) {
+  using std::chrono::milliseconds;
+  nCommandLine::tDemotions demotions;
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
+  for (int32_t round = 0; round < 100; ++round) {
+    demotions.add(round);
+    demotions.add(-round);
+    EXPECT_EQ(demotions.take(milliseconds(0)), round);
+    EXPECT_EQ(demotions.take(milliseconds(0)), -round);
+  }
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
+}
+
+TEST(Demotions, ThatDoNotFit_AreDropped) {
+  using std::chrono::milliseconds;
+  constexpr auto kCapacity = static_cast<int32_t>(nCommandLine::tDemotions::kCapacity);
+  nCommandLine::tDemotions demotions;
+  for (int32_t reason = 0; reason < kCapacity + 5; ++reason) {
+    demotions.add(reason);
+  }
+  for (int32_t reason = 0; reason < kCapacity; ++reason) {
+    EXPECT_EQ(demotions.take(milliseconds(0)), reason);
+  }
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
+}
+
+TEST(ElapsedText, HasTenthsOfASecond) {
+  using nCommandLine::elapsedText;
+  EXPECT_EQ(elapsedText(std::chrono::milliseconds(0)), "0.0 s");
+  EXPECT_EQ(elapsedText(std::chrono::milliseconds(499)), "0.4 s");
+  EXPECT_EQ(elapsedText(std::chrono::minutes(2)), "120.0 s");
+}
+
+}  // namespace
+}  // namespace nTests

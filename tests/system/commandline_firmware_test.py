@@ -1,0 +1,67 @@
+import unittest
+
+from commandline import CommandLineTest, Files
+
+
+class Firmware(CommandLineTest):
+    def setUp(self):
+        super().setUp()
+        self.files = Files(self)
+        self.typed = self.files.typed
+
+    def build(self, payload, *more, device="MARTEN", version="1.4.2f7", exit_code=0):
+        self.files["payload"].write_bytes(payload)
+        return self.quenra("firmware", "build", self.typed("payload"), "--output",
+                           self.typed("Größe.fwi"), "--device", device, "--firmware-version",
+                           version, *more, exit_code=exit_code)
+
+    def inspected(self):
+        return self.document("firmware", "inspect", self.typed("Größe.fwi"),
+                             kind="firmware-inspect")["image"]
+
+    def test_what_was_built_is_inspected_and_verified(self):
+        payload = bytes(range(256)) * 100
+        self.assertEqual(self.build(payload).out, "")
+        self.build(b"[Version]\r\n", "--append", "--file-name", "a.inf", device="BIOS")
+        image = self.inspected()
+        self.assertTrue(image["valid"])
+        self.assertEqual([(section["device"], section["byteCount"], section["order"])
+                          for section in image["sections"]], [("MARTEN", 25600, 2), ("BIOS", 11, 1)])
+        self.assertEqual(self.quenra("firmware", "verify", self.typed("Größe.fwi")).out,
+                         "good: 2 sections\n")
+        self.document("firmware", "verify", self.typed("Größe.fwi"), kind="firmware-verify")
+
+    def test_every_fault_is_told(self):
+        self.build(b"123456789")
+        path = self.files["Größe.fwi"]
+        path.write_bytes(path.read_bytes().replace(b"MTIz", b"MTI0"))
+        self.assertIn("refused: the payload has another CRC",
+                      self.quenra("firmware", "inspect", self.typed("Größe.fwi")).out)
+        run = self.quenra("firmware", "verify", self.typed("Größe.fwi"), exit_code=1)
+        self.assertIn("\n  -26938 QUENRA_STATUS_INVALID_IMAGE, line 258\n  Advice: ", run.error)
+        document = self.document("firmware", "verify", self.typed("Größe.fwi"),
+                                 kind="firmware-verify", exit_code=1)
+        self.assertEqual(document["image"]["sections"][0]["fault"]["line"], 258)
+
+    def test_document_tells_what_was_built(self):
+        self.files["payload"].write_bytes(b"123456789")
+        document = self.document("firmware", "build", self.typed("payload"), "--output",
+                                 self.typed("x.fwi"), "--device", "SAFEMODE", "--firmware-version",
+                                 "1", kind="firmware-build")
+        self.assertEqual(document["image"]["sections"][0]["crc"], 0x05440F15)
+
+    def test_needs_no_controller(self):
+        self.machine("scenario", "--controllers", "0")
+        self.build(b"x")
+        self.assertTrue(self.inspected()["valid"])
+
+    def test_file_that_cannot_be_read_is_an_error(self):
+        document = self.document("firmware", "inspect", self.typed("none"), kind="error",
+                                 exit_code=1)
+        self.assertEqual(document["command"], "firmware inspect")
+        self.assertEqual(document["error"]["cause"], "program")
+        self.quenra("firmware", "verify", self.typed("."), exit_code=1)
+
+
+if __name__ == "__main__":
+    unittest.main()

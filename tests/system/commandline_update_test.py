@@ -1,0 +1,184 @@
+import hashlib
+import json
+import unittest
+
+from commandline import CommandLineTest, Files, Started
+
+MARKER = "0.0.0f0"
+
+
+class Update(CommandLineTest):
+    def setUp(self):
+        super().setUp()
+        self.files = Files(self)
+        self.image = self.files.typed("update.fwi")
+
+    def add(self, device, payload, version="9.0.0f1", file_name=None):
+        """One more section in the image."""
+        self.files["payload"].write_bytes(payload)
+        more = ["--append"] if self.files["update.fwi"].exists() else []
+        more += ["--file-name", file_name] if file_name else []
+        self.quenra("firmware", "build", self.files.typed("payload"), "--output", self.image,
+                    "--device", device, "--firmware-version", version, *more)
+
+    def received(self):
+        payloads = json.loads(self.machine("firmware", "--json"))["payloads"]
+        return [(payload["interface"], payload["sha256"]) for payload in payloads]
+
+    def marten(self):
+        return self.quenra("get", "firmware-version", "--marten").out.strip()
+
+    def packages(self):
+        return json.loads(self.machine("driver-store", "--json"))["runs"]
+
+    def test_everything_arrives_where_it_is_said_to(self):
+        bios, marten = bytes(range(256)) * 300, b"marten" * 9000
+        package = b"[Version]\r\nSignature=\"$Windows NT$\"\r\n"
+        self.add("MARTEN", marten)
+        self.add("BIOS", package, file_name="Größe.inf")
+        self.add("SAFEMODE", b"ignored")
+        self.add("BIOS", bios)
+        run = self.quenra("update", self.image)
+        self.assertIn("installed: BIOS 2.1.0f3, Marten 1.4.0f7\n", run.out)
+        self.assertRegex(run.out, r"\ndone after \d+\.\d s\n")
+        self.assertIn("section 4, BIOS 9.0.0f1, 76800 bytes: sent to the controller interface\n",
+                      run.out)
+        self.assertIn("section 1, MARTEN 9.0.0f1, 54000 bytes: sent to the Marten interface\n",
+                      run.out)
+        self.assertEqual(run.error, "")
+        self.assertEqual(self.received(), [("controller", hashlib.sha256(bios).hexdigest()),
+                                           ("marten", hashlib.sha256(marten).hexdigest())])
+        self.assertEqual([run["sha256"] for run in self.packages()],
+                         [hashlib.sha256(package).hexdigest()])
+        self.assertEqual(self.marten(), MARKER)
+
+    def test_document_of_an_update(self):
+        self.add("MARTEN", b"firmware")
+        document = self.document("update", self.image, kind="update")
+        self.assertEqual(document["installed"], {"bios": "2.1.0f3", "marten": "1.4.0f7"})
+        self.assertEqual([section["action"] for section in document["sections"]], ["send-to-marten"])
+
+    def test_only_newer_leaves_out_what_is_as_new(self):
+        self.add("BIOS", b"bios", version="2.1.0f3")
+        self.add("MARTEN", b"marten", version="1.4.0f7")
+        document = self.document("update", "--only-newer", self.image, kind="update")
+        self.assertEqual([section["action"] for section in document["sections"]],
+                         ["leave-out", "leave-out"])
+        self.assertEqual(self.received(), [])
+        self.assertEqual(self.marten(), "1.4.0f7")
+        self.quenra("update", self.image)
+        self.assertEqual(len(self.received()), 2)
+
+    def test_plan_says_what_the_update_does(self):
+        self.add("BIOS", b"bios", version="2.1.0f4")
+        self.add("MARTEN", b"marten", version="1.3.0f0")
+        self.add("BIOS", b"package", version="1.0.0f0", file_name="a.inf")
+        self.add("BIOS", b"data", version="1.0.0f0", file_name="a.bin")
+        for options in ((), ("--only-newer",)):
+            with self.subTest(options=options):
+                self.machine("reset")
+                plan = self.document("update", "--plan", self.image, *options, kind="update-plan")
+                self.assertEqual(plan["obstacles"], [])
+                self.assertEqual((self.received(), self.packages(), self.marten()),
+                                 ([], [], "1.4.0f7"))
+                done = self.document("update", self.image, *options, kind="update")
+                self.assertEqual(done["sections"], plan["sections"])
+                actions = [section["action"] for section in plan["sections"]]
+                self.assertEqual([interface for interface, _ in self.received()],
+                                 [action[len("send-to-"):] for action in actions
+                                  if action.startswith("send-to-")])
+                self.assertEqual(len(self.packages()), actions.count("install-package"))
+
+    def assert_foreseen(self, code, exit_code=1):
+        """The plan tells the reason for which the update then fails, and both end alike."""
+        plan = self.document("update", "--plan", self.image, kind="update-plan",
+                             exit_code=exit_code)
+        self.assertEqual(plan["obstacles"][0]["status"]["code"], code)
+        document = self.document("update", self.image, kind="error", exit_code=exit_code)
+        self.assertEqual(document["error"]["code"], code)
+        self.assertIn("'quenra update --plan' tells everything", document["error"]["advice"])
+        return plan
+
+    def test_drive_that_is_encrypted_or_cannot_be_asked(self):
+        self.add("MARTEN", b"marten")
+        self.machine("encryption", "on")
+        self.assert_foreseen(-26942)
+        for step, line in (("locator", 2863), ("connect", 2879), ("query", 2912)):
+            self.machine("encryption", "fail", step)
+            self.assertEqual(self.assert_foreseen(-26937)["obstacles"][0]["line"], line)
+        for harmless in ("unknown", "no-volume"):
+            self.machine("encryption", harmless)
+            self.quenra("update", "--plan", self.image)
+        self.assertEqual(self.received(), [])
+
+    def test_machine_that_takes_no_firmware(self):
+        self.add("MARTEN", b"marten")
+        self.machine("scenario", "--structure-byte", "0x9E/4=0")
+        self.assert_foreseen(-26934, exit_code=3)
+        self.machine("reset")
+        self.machine("scenario", "--without-structure", "0x9E")
+        self.assert_foreseen(-26932, exit_code=3)
+
+    def test_section_without_its_device(self):
+        self.add("MARTEN", b"marten")
+        self.machine("scenario", "--martens", "0")
+        self.assert_foreseen(-26938)
+
+    def test_image_with_a_fault(self):
+        self.add("MARTEN", b"123456789")
+        path = self.files["update.fwi"]
+        path.write_bytes(path.read_bytes().replace(b"MTIz", b"MTI0"))
+        self.assertEqual(self.assert_foreseen(-26938)["obstacles"][0]["line"], 258)
+        self.assertEqual(self.marten(), "1.4.0f7")
+
+    def test_driver_package_without_the_tool(self):
+        self.add("BIOS", b"package", file_name="a.inf")
+        self.machine("driver-store", "missing")
+        self.assertEqual(self.assert_foreseen(-26937)["obstacles"][0]["line"], 2331)
+        self.assertEqual(self.marten(), "1.4.0f7")
+
+    def test_every_reason_is_told_at_once(self):
+        self.add("MARTEN", b"marten")
+        self.add("BIOS", b"package", file_name="a.inf")
+        self.machine("scenario", "--martens", "0", "--structure-byte", "0x9E/4=0")
+        self.machine("encryption", "on")
+        self.machine("driver-store", "missing")
+        run = self.quenra("update", "--plan", self.image, exit_code=1)
+        self.assertIn("\n4 reasons against it\n", run.out)
+        self.assertEqual(run.error.count("\n  Advice: "), 4)
+
+    def test_without_a_controller_the_exit_code_says_so(self):
+        self.add("MARTEN", b"marten")
+        self.machine("scenario", "--controllers", "0", "--martens", "0")
+        self.assert_failure(self.quenra("update", self.image, exit_code=4), -26932,
+                            "QUENRA_STATUS_NO_CONTROLLER")
+        self.document("update", "--plan", self.image, kind="update-plan", exit_code=4)
+
+    def test_failure_of_the_driver_gives_the_version_back(self):
+        self.add("MARTEN", b"marten")
+        self.machine("answer", "add", "marten", "send-command", "--code", "-777")
+        self.assertEqual(self.document("update", self.image, kind="error",
+                                       exit_code=1)["error"]["code"], -777)
+        self.assertEqual(self.marten(), "1.4.0f7")
+
+    def test_ctrl_c_stops_nothing(self):
+        self.add("BIOS", b"package", file_name="a.inf")
+        self.machine("driver-store", "working", "--seconds", "3")
+        update = Started(self, "update", self.image)
+        while "updating" not in update.told():
+            self.assertIsNone(update.process.poll())
+        update.interrupt()
+        self.assertEqual(update.warned(),
+                         "quenra: this cannot be stopped half-way; wait until it is over\n")
+        out, _ = update.end(0)
+        self.assertIn("written to a file and given to the driver store\n", out)
+        self.assertEqual(len(self.packages()), 1)
+
+    def test_missing_file_and_missing_name(self):
+        self.assertIn("cannot be read", self.quenra("update", self.image, exit_code=1).error)
+        self.document("update", "--plan", self.image, kind="error", exit_code=1)
+        self.quenra("update", exit_code=2)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,131 @@
+#include "tools/quenra/firmware/firmwareimage.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "source/user/firmware/decoding/selection.h"
+#include "source/user/firmware/tfirmwareimageparser.h"
+#include "source/user/firmware/timagetext.h"
+
+namespace nCommandLine {
+namespace {
+
+using nQUENRA1400::tFirmwareImageParser;
+using nQUENRA1400::tFirmwarePayloads;
+using nQUENRA1400::tImageText;
+using nQUENRA1400::tSectionHeaders;
+using nQUENRA1400::nFirmwareDecoding::bestKernels;
+
+constexpr std::string_view kHeaderEnd = "\r\n\r\n";
+constexpr std::string_view kDriverPackage = ".inf";
+
+// The records of a run of the parser, which are freed here.
+class tParserRun {
+ public:
+  explicit tParserRun(std::string_view bytes) {
+    tFirmwareImageParser().Parse(records_, bytes.data(), bytes.size(), status_);
+  }
+  tParserRun(const tParserRun&) = delete;
+  tParserRun& operator=(const tParserRun&) = delete;
+  ~tParserRun() { nQUENRA1400::freePayloads(records_); }
+
+  [[nodiscard]] size_t accepted() const noexcept { return records_.size(); }
+  [[nodiscard]] const zoerr::Status& status() const noexcept { return status_; }
+
+ private:
+  tFirmwarePayloads records_;
+  zoerr::tOwnedStatus status_;
+};
+
+std::vector<tImageSection> readHeaders(const tImageText& text) {
+  std::vector<tImageSection> sections;
+  tSectionHeaders headers(text);
+  for (size_t position = headers.findSection(0); position != tImageText::kNotFound;
+       position = headers.findSection(position + 1)) {
+    zoerr::tOwnedStatus unreadable;
+    tImageSection section;
+    section.position = position;
+    section.header = headers.read(position, unreadable);
+    if (unreadable.isError()) {
+      section.fault = faultOf(unreadable);
+    }
+    sections.push_back(std::move(section));
+  }
+  return sections;
+}
+
+// The parser stops at the first fault. What it makes of the sections behind is asked by giving it an
+// image that begins with them: it only ever looks ahead.
+void judge(std::vector<tImageSection>& sections, std::string_view bytes) {
+  size_t next = 0;
+  while (next < sections.size()) {
+    if (sections[next].fault) {
+      ++next;
+      continue;
+    }
+    const tParserRun run(bytes.substr(sections[next].position));
+    next += run.accepted();
+    if (!run.status().isError()) {
+      return;
+    }
+    sections[next].fault = faultOf(run.status());
+    ++next;
+  }
+}
+
+void decode(tImageSection& section, const tImageText& text, size_t end) {
+  const size_t headerEnd = text.find(kHeaderEnd, section.position);
+  if (headerEnd == tImageText::kNotFound || headerEnd + kHeaderEnd.size() > end) {
+    return;
+  }
+  const size_t start = headerEnd + kHeaderEnd.size();
+  section.textSize = end - start;
+  if (!section.fault) {
+    section.byteCount = section.header.byteCount;
+    section.crc = section.header.crc;
+    return;
+  }
+  // The decoder fills whole registers.
+  const auto data = std::make_unique_for_overwrite<uint8_t[]>(section.textSize + 1);
+  const auto decoded = bestKernels().decode(text.bytes() + start, section.textSize, data.get());
+  section.byteCount = decoded.byteCount;
+  section.crc = decoded.crc;
+}
+
+bool goesFirst(const tImageSection& section) {
+  return section.header.isBiosWith("FWUpdate") ||
+         section.header.targetFileName.find(kDriverPackage) != std::string::npos;
+}
+
+void setOrder(std::vector<tImageSection>& sections) {
+  std::vector<tImageSection*> order;
+  for (tImageSection& section : sections) {
+    order.insert(goesFirst(section) ? order.begin() : order.end(), &section);
+  }
+  for (size_t i = 0; i < order.size(); ++i) {
+    order[i]->order = i + 1;
+  }
+}
+
+}  // namespace
+
+size_t tFirmwareImage::faults() const noexcept {
+  return static_cast<size_t>(std::ranges::count_if(
+      sections, [](const tImageSection& section) { return section.fault.has_value(); }));
+}
+
+tFirmwareImage inspectImage(std::string_view bytes) {
+  const tImageText text(bytes.data(), bytes.size(), bestKernels());
+  tFirmwareImage image{bytes.size(), readHeaders(text)};
+  std::vector<tImageSection>& sections = image.sections;
+  judge(sections, bytes);
+  for (size_t i = 0; i < sections.size(); ++i) {
+    decode(sections[i], text, i + 1 < sections.size() ? sections[i + 1].position : bytes.size());
+  }
+  if (image.faults() == 0) {
+    setOrder(sections);
+  }
+  return image;
+}
+
+}  // namespace nCommandLine

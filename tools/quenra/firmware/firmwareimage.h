@@ -1,0 +1,44 @@
+// What the library makes of a firmware image, section by section, those behind a refused one too.
+#ifndef TOOLS_QUENRA_FIRMWARE_FIRMWAREIMAGE_H
+#define TOOLS_QUENRA_FIRMWARE_FIRMWAREIMAGE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "source/user/firmware/tsectionheaders.h"
+#include "tools/quenra/firmware/sectionfault.h"
+
+namespace nCommandLine {
+
+struct tImageSection {
+  size_t position = 0;  // where it starts in the image, in bytes
+  // What cannot be read, and what follows it, is 0 or empty.
+  nQUENRA1400::tSectionHeader header;
+  size_t textSize = 0;  // of the payload as it stands in the image; 0 where it has no beginning
+  // What the payload decodes to; nothing where it has no beginning.
+  std::optional<uint64_t> byteCount;
+  std::optional<uint32_t> crc;
+  std::optional<tSectionFault> fault;  // why the library refuses it
+  // Its place in the order of application, from 1; 0 while the image has a fault, which keeps all of
+  // it from being applied.
+  size_t order = 0;
+};
+
+struct tFirmwareImage {
+  size_t size = 0;
+  std::vector<tImageSection> sections;  // as they follow each other in the image
+
+  [[nodiscard]] size_t faults() const noexcept;
+  // Whether an update would apply something.
+  [[nodiscard]] bool isValid() const noexcept { return !sections.empty() && faults() == 0; }
+};
+
+[[nodiscard]] tFirmwareImage inspectImage(std::string_view bytes);
+
+}  // namespace nCommandLine
+
+#endif

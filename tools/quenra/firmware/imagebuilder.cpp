@@ -1,0 +1,76 @@
+#include "tools/quenra/firmware/imagebuilder.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+
+#include "source/user/firmware/decoding/selection.h"
+#include "tools/quenra/catalogue/numbertext.h"
+
+namespace nCommandLine {
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kAlphabet =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr size_t kGroupBytes = 3;
+constexpr size_t kGroupCharacters = 4;
+
+void appendGroup(std::string& text, std::string_view group) {
+  uint32_t bits = 0;
+  for (size_t i = 0; i < kGroupBytes; ++i) {
+    bits = bits << 8 | (i < group.size() ? static_cast<uint8_t>(group[i]) : 0U);
+  }
+  for (size_t i = 0; i < kGroupCharacters; ++i) {
+    const uint32_t sextet = bits >> (18 - 6 * i) & 0x3F;
+    text += i <= group.size() ? kAlphabet[sextet] : '=';
+  }
+}
+
+std::string base64(std::string_view bytes) {
+  std::string text;
+  text.reserve((bytes.size() / kGroupBytes + 1) * kGroupCharacters);
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(kGroupBytes, bytes.size()))) {
+    appendGroup(text, bytes.substr(0, kGroupBytes));
+  }
+  return text;
+}
+
+std::string wrapped(std::string_view text, size_t lineLength) {
+  const size_t length = lineLength == 0 ? std::max<size_t>(text.size(), 1) : lineLength;
+  std::string lines;
+  lines.reserve(text.size() + (text.size() / length + 1) * kLineEnd.size());
+  for (; !text.empty(); text.remove_prefix(std::min(length, text.size()))) {
+    lines.append(text.substr(0, length)).append(kLineEnd);
+  }
+  return lines;
+}
+
+// As the library's own decoder computes it.
+uint32_t crcOf(std::string_view encoded) {
+  const auto data = std::make_unique_for_overwrite<uint8_t[]>(encoded.size() + 1);
+  const auto* const text = reinterpret_cast<const uint8_t*>(encoded.data());
+  return nQUENRA1400::nFirmwareDecoding::bestKernels().decode(text, encoded.size(), data.get()).crc;
+}
+
+}  // namespace
+
+std::string sectionText(const tNewSection& section) {
+  const std::string payload = base64(section.payload);
+  std::string text;
+  const auto line = [&text](std::string_view key, std::string_view value) {
+    text.append(key).append("::").append(value).append(kLineEnd);
+  };
+  line("HeaderVersion", "1");
+  line("UpdateType", section.fileName.empty() ? "FWUpdate" : "CapsuleUpdate");
+  line("Version", section.version);
+  line("TargetDevice", section.device);
+  if (!section.fileName.empty()) {
+    line("TargetFileName", section.fileName);
+  }
+  line("CRC", hexadecimalText(crcOf(payload), 8));
+  line("ByteCount", std::to_string(section.payload.size()));
+  return text.append(kLineEnd).append(wrapped(payload, section.lineLength));
+}
+
+}  // namespace nCommandLine

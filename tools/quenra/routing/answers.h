@@ -1,0 +1,25 @@
+// The JSON texts that the routing functions take and give.
+#ifndef TOOLS_QUENRA_ROUTING_ANSWERS_H
+#define TOOLS_QUENRA_ROUTING_ANSWERS_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/quenra/routing/troutingsession.h"
+
+namespace nCommandLine {
+
+[[nodiscard]] std::string seedsText(const tWantedRoute& wanted);
+[[nodiscard]] std::string destinationsText(const tWantedRoute& wanted);
+[[nodiscard]] std::string modifiersText(const tWantedRoute& wanted);
+
+// What is not as the contract tells is left out.
+[[nodiscard]] std::vector<tRoute> routesIn(std::string_view answer);
+[[nodiscard]] std::vector<std::string> terminalsIn(std::string_view answer);
+// "ticket 7 of session 4, ticket 9 of session 2"
+[[nodiscard]] std::string holdersIn(std::string_view answer);
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,15 @@
+#ifndef TOOLS_QUENRA_ROUTING_ROUTINGDEVICE_H
+#define TOOLS_QUENRA_ROUTING_ROUTINGDEVICE_H
+
+#include <string>
+
+#include "tools/quenra/reading/iquenra.h"
+
+namespace nCommandLine {
+
+// The path of the device that routing sessions are opened with. Throws tCommandError.
+[[nodiscard]] std::string routingDevice(iQuenra& library);
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,193 @@
+#include "tools/quenra/routing/troutingsession.h"
+
+#include <cstdlib>
+
+#include "tools/quenra/routing/answers.h"
+#include "tools/quenra/tcommanderror.h"
+
+namespace nCommandLine {
+namespace {
+
+class tRoutingStatus {
+ public:
+  tRoutingStatus() = default;
+  tRoutingStatus(const tRoutingStatus&) = delete;
+  tRoutingStatus& operator=(const tRoutingStatus&) = delete;
+  ~tRoutingStatus() { zoerr_Status_release(&record_); }
+
+  [[nodiscard]] zoerr_Status* get() noexcept { return &record_; }
+  [[nodiscard]] zoerr_Status& record() noexcept { return record_; }
+  [[nodiscard]] int32_t code() const noexcept { return record_.code; }
+
+ private:
+  zoerr_Status record_ = zoerr_Status_initial();
+};
+
+// An answer in memory that the library asks for.
+class tAnswer {
+ public:
+  tAnswer() = default;
+  tAnswer(const tAnswer&) = delete;
+  tAnswer& operator=(const tAnswer&) = delete;
+  ~tAnswer() { std::free(text_); }
+
+  [[nodiscard]] char** output() noexcept { return &text_; }
+  [[nodiscard]] std::string_view text() const noexcept { return text_ == nullptr ? "" : text_; }
+
+  static char* giveRoom(char* current, size_t required, const char* /*text*/,
+                        size_t /*requiredAgain*/) noexcept {
+    return static_cast<char*>(std::realloc(current, required));
+  }
+
+ private:
+  char* text_ = nullptr;
+};
+
+// Runs on a thread of the session.
+void tellDemotion(void* context, int32_t reason, zoerr_Status* /*status*/,
+                  void* /*notification*/) noexcept {
+  static_cast<tDemotions*>(context)->add(reason);
+}
+
+std::string textOf(const char* text) {
+  return text == nullptr ? "" : text;
+}
+
+// A longer one would end the process.
+constexpr size_t kLongestDevice = 256;
+
+const std::string& judgedDevice(const std::string& device) {
+  if (device.size() > kLongestDevice) {
+    throw tCommandError(tExitCode::failure, "the device has a path of more than 256 characters",
+                        std::nullopt);
+  }
+  return device;
+}
+
+// A walk over the terminals, ended when the object is.
+class tWalk {
+ public:
+  tWalk(iRouting& library, iRouting::tIterator* iterator) : library_(library), at_(iterator) {}
+  tWalk(const tWalk&) = delete;
+  tWalk& operator=(const tWalk&) = delete;
+  ~tWalk() { library_.destroyIterator(at_); }
+
+  [[nodiscard]] iRouting::tIterator* at() const noexcept { return at_; }
+
+ private:
+  iRouting& library_;
+  iRouting::tIterator* at_;
+};
+
+}  // namespace
+
+tRoutingSession::tRoutingSession(iRouting& library, const std::string& device,
+                                 tDemotions& demotions)
+    : library_(library) {
+  tRoutingStatus status;
+  session_ = library_.createSession(judgedDevice(device).c_str(), tAnswer::giveRoom, tellDemotion,
+                                    &demotions, status.get());
+  if (status.code() == QUENRA_STATUS_BAD_SELECTOR) {
+    throw tCommandError(tExitCode::notSupported,
+                        "this machine has trigger terminals that the library does not know",
+                        status.code());
+  }
+  judge(status.record(), "a routing session cannot be opened");
+}
+
+tRoutingSession::~tRoutingSession() {
+  library_.destroySession(session_);
+}
+
+std::vector<tTerminal> tRoutingSession::terminals() {
+  tRoutingStatus status;
+  std::vector<tTerminal> terminals;
+  const tWalk walk(library_, library_.getAllTerminals(session_, status.get()));
+  while (status.code() >= 0 && !library_.isEnd(walk.at())) {
+    terminals.push_back(readTerminal(walk.at(), status.record()));
+    library_.next(walk.at(), status.get());
+  }
+  judge(status.record(), "the terminals cannot be listed");
+  return terminals;
+}
+
+tTerminal tRoutingSession::readTerminal(iRouting::tIterator* iterator, zoerr_Status& status) const {
+  const auto text = [&](const char* name) {
+    return textOf(library_.getStringAttribute(iterator, name, &status));
+  };
+  const auto truth = [&](const char* name) {
+    return library_.getBoolAttribute(iterator, name, &status);
+  };
+  tTerminal terminal;
+  terminal.name = text("name");
+  terminal.canonicalName = text("canonicalName");
+  terminal.visibility = text("visibility");
+  terminal.busType = text("busType");
+  terminal.busName = text("busName");
+  terminal.id = library_.getU32Attribute(iterator, "id", &status);
+  terminal.busLine = library_.getU32Attribute(iterator, "busLine", &status);
+  terminal.isExternal = truth("isExternal");
+  terminal.isOwned = truth("isOwned");
+  terminal.isAlias = truth("isAlias");
+  terminal.isMaskedOut = truth("isMaskedOut");
+  return terminal;
+}
+
+std::vector<tRoute> tRoutingSession::calculate(const tWantedRoute& wanted) {
+  tRoutingStatus status;
+  tAnswer answer;
+  library_.calculateRoute(session_, seedsText(wanted).c_str(), destinationsText(wanted).c_str(),
+                          modifiersText(wanted).c_str(), answer.output(), status.get());
+  judge(status.record(), "the route cannot be calculated");
+  return routesIn(answer.text());
+}
+
+void tRoutingSession::reserve(uint32_t ticket) {
+  tRoutingStatus status;
+  tAnswer answer;
+  library_.reserveRoute(session_, ticket, answer.output(), status.get());
+  const std::string holders = holdersIn(answer.text());
+  judge(status.record(),
+        "the route cannot be reserved" + (holders.empty() ? "" : ": in the way is " + holders));
+}
+
+void tRoutingSession::program(uint32_t ticket) {
+  tRoutingStatus status;
+  library_.programRoute(session_, ticket, status.get());
+  judge(status.record(), "the route cannot be programmed");
+}
+
+std::vector<std::string> tRoutingSession::path(uint32_t ticket) {
+  tRoutingStatus status;
+  tAnswer answer;
+  library_.getRouteTerminalPath(session_, ticket, answer.output(), status.get());
+  judge(status.record(), "the terminals of the route cannot be told");
+  return terminalsIn(answer.text());
+}
+
+void tRoutingSession::unprogram(uint32_t ticket) noexcept {
+  library_.unprogramRoute(session_, ticket);
+}
+
+void tRoutingSession::unreserve(uint32_t ticket) noexcept {
+  library_.unreserveRoute(session_, ticket);
+}
+
+void tRoutingSession::destroy(uint32_t ticket) noexcept {
+  library_.destroyRoute(session_, ticket);
+}
+
+void tRoutingSession::announceFailure(uint32_t ticket) noexcept {
+  library_.beginExceptionalRouteDestruction(session_, ticket);
+}
+
+void tRoutingSession::judge(const zoerr_Status& status, const std::string& failure) {
+  if (status.code < 0) {
+    throw tCommandError(tExitCode::failure, failure, status.code);
+  }
+  if (status.code > 0) {
+    warnings_.push_back({"a step of the routing session", status.code});
+  }
+}
+
+}  // namespace nCommandLine

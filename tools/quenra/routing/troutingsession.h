@@ -1,0 +1,80 @@
+#ifndef TOOLS_QUENRA_ROUTING_TROUTINGSESSION_H
+#define TOOLS_QUENRA_ROUTING_TROUTINGSESSION_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/quenra/output/warning.h"
+#include "tools/quenra/routing/irouting.h"
+#include "tools/quenra/routing/tdemotions.h"
+
+namespace nCommandLine {
+
+struct tTerminal {
+  static constexpr uint32_t kNoBusLine = 0xFFFFFFFF;
+
+  std::string name;
+  std::string canonicalName;
+  std::string visibility;
+  std::string busType;  // empty for none, as the next
+  std::string busName;
+  uint32_t id = 0;
+  uint32_t busLine = kNoBusLine;
+  bool isExternal = false;
+  bool isOwned = false;
+  bool isAlias = false;
+  bool isMaskedOut = false;
+};
+
+struct tWantedRoute {
+  std::string from;
+  std::string to;
+  bool inverted = false;
+};
+
+struct tRoute {
+  uint32_t ticket = 0;
+  uint32_t cost = 0;
+  bool inverted = false;
+};
+
+// A session with the routing device, for as long as the object lives. What the library refuses is
+// thrown as tCommandError; its warnings are collected.
+class tRoutingSession {
+ public:
+  // `demotions` is told of demotions until the session ends.
+  tRoutingSession(iRouting& library, const std::string& device, tDemotions& demotions);
+  tRoutingSession(const tRoutingSession&) = delete;
+  tRoutingSession& operator=(const tRoutingSession&) = delete;
+  ~tRoutingSession();
+
+  [[nodiscard]] std::vector<tTerminal> terminals();
+
+  // Empty when there is no such route.
+  [[nodiscard]] std::vector<tRoute> calculate(const tWantedRoute& wanted);
+  void reserve(uint32_t ticket);
+  void program(uint32_t ticket);
+  [[nodiscard]] std::vector<std::string> path(uint32_t ticket);
+
+  // Nothing is reported when routes are taken down.
+  void unprogram(uint32_t ticket) noexcept;
+  void unreserve(uint32_t ticket) noexcept;
+  void destroy(uint32_t ticket) noexcept;
+  void announceFailure(uint32_t ticket) noexcept;
+
+  [[nodiscard]] const std::vector<tWarning>& warnings() const noexcept { return warnings_; }
+
+ private:
+  void judge(const zoerr_Status& status, const std::string& failure);
+  [[nodiscard]] tTerminal readTerminal(iRouting::tIterator* iterator, zoerr_Status& status) const;
+
+  iRouting& library_;
+  iRouting::tSession* session_ = nullptr;
+  std::vector<tWarning> warnings_;
+};
+
+}  // namespace nCommandLine
+
+#endif

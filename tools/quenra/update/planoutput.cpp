@@ -1,0 +1,175 @@
+#include "tools/quenra/update/planoutput.h"
+
+#include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/output/table.h"
+#include "tools/quenra/output/utf8text.h"
+
+namespace nCommandLine {
+namespace {
+
+struct tActionWords {
+  std::string_view planned;
+  std::string_view done;  // empty where nothing is done
+};
+
+// In the order of tSectionAction.
+constexpr tActionWords kWords[] = {
+    {"send to the controller interface", "sent to the controller interface"},
+    {"send to the Marten interface", "sent to the Marten interface"},
+    {"write to a file and install as a driver package",
+     "written to a file and given to the driver store"},
+    {"write to a file", "written to a file"},
+    {"nothing", ""},
+    {"leave out", ""},
+    {"refused", ""},
+    {"keep back", ""},
+};
+
+const tActionWords& wordsOf(tSectionAction action) noexcept {
+  return kWords[static_cast<size_t>(action)];
+}
+
+std::string versionText(const std::optional<std::string>& version) {
+  return version ? printableText(*version) : "unknown";
+}
+
+std::string installedText(const tUpdateMachine* machine) {
+  if (machine == nullptr) {
+    return "unknown";
+  }
+  return "BIOS " + versionText(machine->biosVersion()) +
+         (machine->hasMarten ? ", Marten " + versionText(machine->martenVersion()) : "");
+}
+
+std::string orDash(const std::string& text) {
+  return text.empty() ? "-" : printableText(text);
+}
+
+std::string sizeText(const tImageSection& section) {
+  return section.byteCount ? std::to_string(*section.byteCount) : "-";
+}
+
+std::string plannedText(const tPlannedSection& planned) {
+  std::string text(wordsOf(planned.action).planned);
+  if (!planned.reason.empty()) {
+    text += wordsOf(planned.action).done.empty() ? ": " : ", although ";
+    text += printableText(planned.reason);
+  }
+  if (!planned.remedy().empty()) {
+    text.append("; ").append(planned.remedy());
+  }
+  return text;
+}
+
+template <class Text>
+void writeVersion(tJsonDocument& document, std::string_view name,
+                  const std::optional<Text>& version) {
+  if (version) {
+    document.text(name, *version);
+  } else {
+    document.null(name);
+  }
+}
+
+void writeLine(tJsonDocument& document, uint32_t line) {
+  if (line == 0) {
+    document.null("line");
+  } else {
+    document.number("line", line);
+  }
+}
+
+}  // namespace
+
+void printPlan(const tStreams& streams, const tUpdateMachine* machine,
+               const std::vector<tPlannedSection>& plan, std::string_view heading) {
+  streams.out << "installed: " << installedText(machine) << '\n';
+  if (plan.empty()) {
+    streams.out << "no section is in the image\n";
+    return;
+  }
+  tTable table;
+  table.addRow({"Section", "Device", "Version", "File", "Bytes", std::string(heading)});
+  for (const tPlannedSection& planned : plan) {
+    const auto& header = planned.section->header;
+    table.addRow({std::to_string(planned.number), orDash(header.targetDevice),
+                  orDash(header.version), orDash(header.targetFileName), sizeText(*planned.section),
+                  plannedText(planned)});
+  }
+  streams.out << '\n';
+  table.write(streams.out, tStyle(streams.outTakesStyles));
+  streams.out << '\n';
+}
+
+void printObstacles(std::ostream& stream, const std::vector<tObstacle>& obstacles) {
+  for (const tObstacle& obstacle : obstacles) {
+    stream << "quenra: ";
+    if (obstacle.section) {
+      stream << "section " << *obstacle.section << ": ";
+    }
+    stream << printableText(obstacle.fact) << "\n  " << codeAndConstant(obstacle.code);
+    if (obstacle.line != 0) {
+      stream << ", line " << obstacle.line;
+    }
+    stream << "\n  Advice: " << obstacle.remedy << '\n';
+  }
+}
+
+void printApplied(std::ostream& stream, const std::vector<tPlannedSection>& plan) {
+  for (const tPlannedSection& planned : plan) {
+    const tActionWords& words = wordsOf(planned.action);
+    if (!words.done.empty()) {
+      const auto& header = planned.section->header;
+      stream << "  section " << planned.number << ", " << printableText(header.targetDevice) << ' '
+             << printableText(header.version) << ", "
+             << countOf(static_cast<size_t>(planned.section->byteCount.value_or(0)), "byte") << ": "
+             << words.done << '\n';
+    }
+  }
+}
+
+void writeInstalled(tJsonDocument& document, const tUpdateMachine* machine) {
+  document.beginObject("installed");
+  writeVersion(document, "bios", machine == nullptr ? std::nullopt : machine->biosVersion());
+  writeVersion(document, "marten", machine == nullptr ? std::nullopt : machine->martenVersion());
+  document.endObject();
+}
+
+void writePlan(tJsonDocument& document, const std::vector<tPlannedSection>& plan) {
+  document.beginArray("sections");
+  for (const tPlannedSection& planned : plan) {
+    const auto& header = planned.section->header;
+    document.beginObject();
+    document.number("section", static_cast<int64_t>(planned.number));
+    document.optionalText("device", header.targetDevice);
+    document.optionalText("version", header.version);
+    document.optionalText("fileName", header.targetFileName);
+    document.number("byteCount", static_cast<int64_t>(planned.section->byteCount.value_or(0)));
+    document.text("action", actionName(planned.action));
+    document.optionalText("reason", planned.reason);
+    document.optionalText("remedy", planned.remedy());
+    document.endObject();
+  }
+  document.endArray();
+}
+
+void writeObstacles(tJsonDocument& document, const std::vector<tObstacle>& obstacles) {
+  document.beginArray("obstacles");
+  for (const tObstacle& obstacle : obstacles) {
+    document.beginObject();
+    document.text("fact", obstacle.fact);
+    document.text("remedy", obstacle.remedy);
+    document.status("status", obstacle.code);
+    writeLine(document, obstacle.line);
+    if (obstacle.section) {
+      document.number("section", static_cast<int64_t>(*obstacle.section));
+    } else {
+      document.null("section");
+    }
+    document.endObject();
+  }
+  document.endArray();
+}
+
+}  // namespace nCommandLine

@@ -1,0 +1,109 @@
+#include "tools/quenra/verbs/firmwarebuild.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "tools/quenra/catalogue/numbertext.h"
+#include "tools/quenra/catalogue/suggestion.h"
+#include "tools/quenra/firmware/files.h"
+#include "tools/quenra/firmware/imagebuilder.h"
+#include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/grammar/words.h"
+#include "tools/quenra/tcommanderror.h"
+
+namespace nCommandLine {
+namespace {
+
+constexpr std::string_view kDevices[] = {"BIOS", "MARTEN", "SAFEMODE"};
+// What mail programs and base64(1) do.
+constexpr uint32_t kDefaultLineLength = 76;
+// With its text, which is a third longer, it stays where positions have 32 bits.
+constexpr size_t kLargestPayload = size_t{1} << 31;
+
+[[noreturn]] void refuse(const std::string& what, std::string advice,
+                         std::vector<std::string> suggestions = {}) {
+  throw tCommandError(what, std::move(advice), std::move(suggestions));
+}
+
+std::string wantedDevice(const tArguments& arguments) {
+  const std::string device = arguments.text(nWords::kDevice);
+  if (std::ranges::find(kDevices, device) == std::end(kDevices)) {
+    refuse("there is no device '" + device + "'", "It is BIOS, MARTEN or SAFEMODE.",
+           suggest(device, {std::begin(kDevices), std::end(kDevices)}));
+  }
+  if (arguments.has(nWords::kFileName) && device != "BIOS") {
+    refuse("only a section for the BIOS has a file name", "Leave the file name out.");
+  }
+  return device;
+}
+
+size_t wantedLineLength(const tArguments& arguments) {
+  const auto given = arguments.optional(nWords::kLineLength);
+  const auto length = given ? parseUnsigned(*given) : kDefaultLineLength;
+  if (!length) {
+    refuse("'" + *given + "' is no line length", "Give a number of characters, or 0 for one line.");
+  }
+  return *length;
+}
+
+std::string payloadOf(const std::string& path) {
+  std::string payload = readFile(path);
+  if (payload.size() > kLargestPayload) {
+    throw tCommandError(tExitCode::failure, "'" + path + "' is too large for a firmware image",
+                        std::nullopt);
+  }
+  return payload;
+}
+
+bool isAsWanted(const tImageSection& section, const tNewSection& wanted) {
+  return section.header.version == wanted.version && section.header.targetDevice == wanted.device &&
+         section.header.targetFileName == wanted.fileName &&
+         section.header.byteCount == wanted.payload.size();
+}
+
+// A version with a line end, an image that ends in a NUL: what the format cannot hold shows when the
+// image is read back.
+void judge(const tFirmwareImage& image, size_t before, const tNewSection& wanted) {
+  if (image.sections.size() != before + 1 || !isAsWanted(image.sections.back(), wanted)) {
+    throw tCommandError(
+        tExitCode::failure,
+        "a firmware image cannot hold this section: it would be read as another one", std::nullopt);
+  }
+  if (image.faults() > 0) {
+    throw tCommandError(tExitCode::failure, "the image would have a fault", std::nullopt);
+  }
+}
+
+void print(const tVerbContext& context, const std::string& path, const tFirmwareImage& image) {
+  if (context.json) {
+    tJsonDocument document("firmware-build", tExitCode::done);
+    writeImage(document, path, image);
+    document.writeTo(context.streams.out);
+  } else if (context.streams.outIsTerminal) {
+    printSections(context.streams, image);
+  }
+}
+
+}  // namespace
+
+tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& context) {
+  tNewSection section;
+  section.device = wantedDevice(arguments);
+  section.version = arguments.text(nWords::kFirmwareVersion);
+  section.fileName = arguments.text(nWords::kFileName);
+  section.lineLength = wantedLineLength(arguments);
+  const std::string payload = payloadOf(arguments.text(nWords::kPayload));
+  section.payload = payload;
+
+  const std::string path = arguments.text(nWords::kOutput);
+  std::string bytes = arguments.has(nWords::kAppend) ? readFile(path) : "";
+  const size_t before = bytes.empty() ? 0 : inspectImage(bytes).sections.size();
+  bytes += sectionText(section);
+  const tFirmwareImage image = inspectImage(bytes);
+  judge(image, before, section);
+  writeFile(path, bytes);
+  print(context, path, image);
+  return tExitCode::done;
+}
+
+}  // namespace nCommandLine

@@ -1,0 +1,15 @@
+#ifndef TOOLS_QUENRA_VERBS_FIRMWAREBUILD_H
+#define TOOLS_QUENRA_VERBS_FIRMWAREBUILD_H
+
+#include "tools/quenra/exitcode.h"
+#include "tools/quenra/grammar/arguments.h"
+#include "tools/quenra/verbs/verbcontext.h"
+
+namespace nCommandLine {
+
+// `quenra firmware build`: makes a firmware image.
+[[nodiscard]] tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& context);
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,194 @@
+#include "tools/quenra/verbs/routeconnect.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "tools/quenra/catalogue/numbertext.h"
+#include "tools/quenra/grammar/words.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/elapsedtext.h"
+#include "tools/quenra/output/tstopwatch.h"
+#include "tools/quenra/routing/routeoutput.h"
+#include "tools/quenra/routing/routingdevice.h"
+#include "tools/quenra/routing/theldroute.h"
+#include "tools/quenra/verbs/routearguments.h"
+
+namespace nCommandLine {
+namespace {
+
+using std::chrono::milliseconds;
+
+// How soon an interruption is noticed.
+constexpr milliseconds kAttention{100};
+
+// How long the route is to be held, for ever unless told.
+milliseconds wantedTime(const tArguments& arguments) {
+  const auto given = arguments.optional(nWords::kFor);
+  if (!given) {
+    return milliseconds::max();
+  }
+  const auto seconds = parseUnsigned(*given);
+  if (!seconds) {
+    throw tCommandError("'" + *given + "' is no number of seconds",
+                        "Give a whole number, or leave it out to hold the route until Ctrl-C.", {});
+  }
+  return std::chrono::seconds(*seconds);
+}
+
+// An inverted signal is not what was asked for unless it was.
+tRoute chosenRoute(tRoutingSession& session, const tWantedRoute& wanted) {
+  const std::vector<tRoute> routes = session.calculate(wanted);
+  const auto chosen = std::ranges::find(routes, wanted.inverted, &tRoute::inverted);
+  for (const tRoute& route : routes) {
+    if (chosen == routes.end() || route.ticket != chosen->ticket) {
+      session.destroy(route.ticket);
+    }
+  }
+  if (chosen == routes.end() && !routes.empty()) {
+    throw tCommandError(tExitCode::notSupported,
+                        "the route from " + wanted.from + " to " + wanted.to +
+                            " inverts the signal; --invert takes it",
+                        std::nullopt);
+  }
+  if (chosen == routes.end()) {
+    refuseRoute(wanted);
+  }
+  return *chosen;
+}
+
+struct tDemotion {
+  int32_t reason;
+  milliseconds after;
+};
+
+// What became of a route that was connected.
+struct tHolding {
+  tRoute route;
+  std::vector<std::string> path;
+  std::vector<tDemotion> demotions;
+  milliseconds held{0};
+  bool interrupted = false;
+
+  // A route that was demoted carried no signal any more.
+  [[nodiscard]] tExitCode exitCode() const noexcept {
+    return demotions.empty() ? tExitCode::done : tExitCode::failure;
+  }
+};
+
+// What happens while the route is held is told as it happens, also beside a document to come.
+class tReporter {
+ public:
+  explicit tReporter(const tVerbContext& context)
+      : stream_(context.json ? context.streams.error : context.streams.out),
+        error_(context.streams.error),
+        prefix_(context.json ? "quenra: " : "") {}
+
+  void connected(const tHolding& holding, milliseconds time) {
+    stream_ << prefix_ << "connected: " << pathText(holding.path)
+            << (holding.route.inverted ? ", inverted" : "") << ", "
+            << (time == milliseconds::max() ? "until Ctrl-C" : "for " + elapsedText(time))
+            << std::endl;
+  }
+  void demoted(const tDemotion& demotion) {
+    error_ << "quenra: the route was demoted after " << elapsedText(demotion.after) << ", reason "
+           << demotion.reason << ": it carries no signal any more" << std::endl;
+  }
+  void takenDown(const tHolding& holding) {
+    stream_ << prefix_ << "taken down after " << elapsedText(holding.held) << std::endl;
+  }
+
+ private:
+  std::ostream& stream_;
+  std::ostream& error_;
+  std::string_view prefix_;
+};
+
+// Holds what is connected until its time is over or the user does not want it any more.
+class tHolder {
+ public:
+  tHolder(tDemotions& demotions, iInterruption& interruption, tReporter& reporter)
+      : demotions_(demotions), interruption_(interruption), reporter_(reporter) {}
+
+  void hold(tHolding& holding, milliseconds time) {
+    const tStopwatch stopwatch;
+    do {
+      const milliseconds rest = std::max(time - stopwatch.elapsed(), milliseconds(0));
+      if (const auto reason = demotions_.take(std::min(rest, kAttention))) {
+        holding.demotions.push_back({*reason, stopwatch.elapsed()});
+        reporter_.demoted(holding.demotions.back());
+      }
+      holding.interrupted = interruption_.hasCome();
+    } while (!holding.interrupted && stopwatch.elapsed() < time);
+    holding.held = stopwatch.elapsed();
+  }
+
+ private:
+  tDemotions& demotions_;
+  iInterruption& interruption_;
+  tReporter& reporter_;
+};
+
+tHolding connect(tRoutingSession& session, const tRoute& chosen, milliseconds time,
+                 tReporter& reporter, tHolder& holder) {
+  tHolding holding{chosen, {}, {}};
+  {
+    tHeldRoute route(session, chosen.ticket);
+    route.reserve();
+    route.program();
+    holding.path = route.path();
+    reporter.connected(holding, time);
+    holder.hold(holding, time);
+    if (!holding.demotions.empty()) {
+      route.hasFailed();
+    }
+  }
+  reporter.takenDown(holding);
+  return holding;
+}
+
+void writeDemotions(tJsonDocument& document, const tHolding& holding) {
+  document.beginArray("demotions");
+  for (const tDemotion& demotion : holding.demotions) {
+    document.beginObject();
+    document.number("reason", demotion.reason);
+    document.number("afterMilliseconds", demotion.after.count());
+    document.endObject();
+  }
+  document.endArray();
+}
+
+void printDocument(std::ostream& stream, const tWantedRoute& wanted, const tHolding& holding,
+                   const std::vector<tWarning>& warnings) {
+  tJsonDocument document("route-connect", holding.exitCode(), warnings);
+  document.text("from", wanted.from);
+  document.text("to", wanted.to);
+  document.beginObject("route");
+  writeRoute(document, holding.route, holding.path);
+  document.number("ticket", holding.route.ticket);
+  document.endObject();
+  document.number("heldMilliseconds", holding.held.count());
+  document.truth("interrupted", holding.interrupted);
+  writeDemotions(document, holding);
+  document.writeTo(stream);
+}
+
+}  // namespace
+
+tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& context) {
+  const milliseconds time = wantedTime(arguments);
+  tDemotions demotions;
+  tRoutingSession session(context.ports.routing, routingDevice(context.ports.library), demotions);
+  const tWantedRoute wanted = wantedRoute(arguments, session);
+  // Before anything is held: whatever comes, it is taken down in order.
+  context.ports.interruption.await();
+  tReporter reporter(context);
+  tHolder holder(demotions, context.ports.interruption, reporter);
+  const tHolding holding = connect(session, chosenRoute(session, wanted), time, reporter, holder);
+  printWarnings(context.streams.error, session.warnings());
+  if (context.json) {
+    printDocument(context.streams.out, wanted, holding, session.warnings());
+  }
+  return holding.exitCode();
+}
+
+}  // namespace nCommandLine

@@ -1,0 +1,15 @@
+#ifndef TOOLS_QUENRA_VERBS_ROUTECONNECT_H
+#define TOOLS_QUENRA_VERBS_ROUTECONNECT_H
+
+#include "tools/quenra/exitcode.h"
+#include "tools/quenra/grammar/arguments.h"
+#include "tools/quenra/verbs/verbcontext.h"
+
+namespace nCommandLine {
+
+// `quenra route connect`: makes a route between two terminals and holds it.
+[[nodiscard]] tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& context);
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,15 @@
+#ifndef TOOLS_QUENRA_VERBS_UPDATE_H
+#define TOOLS_QUENRA_VERBS_UPDATE_H
+
+#include "tools/quenra/exitcode.h"
+#include "tools/quenra/grammar/arguments.h"
+#include "tools/quenra/verbs/verbcontext.h"
+
+namespace nCommandLine {
+
+// `quenra update`: applies a firmware image, or says what that would do.
+[[nodiscard]] tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context);
+
+}  // namespace nCommandLine
+
+#endif

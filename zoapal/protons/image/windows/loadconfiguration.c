@@ -1,0 +1,16 @@
+/* What the loader is told about an image. GNU ld does not enter it into the image's directory;
+ * cmake/enterloadconfiguration.py does after linking. */
+#include <stddef.h>
+#include <windows.h>
+
+#include "zoapal/protons/image/windows/stackguard.h"
+
+/* Named Reserved1 in these headers. */
+_Static_assert(offsetof(IMAGE_LOAD_CONFIG_DIRECTORY64, Reserved1) == 0x4E, "DependentLoadFlags");
+
+extern const IMAGE_LOAD_CONFIG_DIRECTORY64 _load_config_used;
+const IMAGE_LOAD_CONFIG_DIRECTORY64 _load_config_used = {
+    .Size = sizeof(IMAGE_LOAD_CONFIG_DIRECTORY64),
+    .Reserved1 = DEPENDENT_LOAD_FLAGS,
+    .SecurityCookie = (ULONGLONG)&__stack_chk_guard,
+};
