@@ -14,6 +14,14 @@ constexpr IID kFactoryInterface = {1, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 constinit std::atomic<long> inUse = 0;
 
+// COM unloads its servers with the last thread that uses it, and loads them again with the next. The
+// C++ runtime inside this one keeps memory for exceptions that unloading does not give back.
+void stayLoaded() noexcept {
+  HMODULE own = nullptr;
+  GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                     static_cast<LPCSTR>(static_cast<const void*>(&inUse)), &own);
+}
+
 struct tStep {
   const char* name;
   HRESULT failure;
@@ -82,6 +90,7 @@ class tClassFactory final : public tComObject<IClassFactory> {
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, LPVOID* object) {
   *object = nullptr;
+  nSimulator::stayLoaded();
   if (!nSimulator::areEqual(classId, nSimulator::kManagementLocatorClass)) {
     return CLASS_E_CLASSNOTAVAILABLE;
   }

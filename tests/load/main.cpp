@@ -5,6 +5,7 @@
 
 #include "tests/load/routeload.h"
 #include "tests/load/routeworker.h"
+#include "tests/load/soak.h"
 
 namespace {
 
@@ -22,6 +23,12 @@ int run(int argumentCount, char** arguments) {
   routesVerb->add_option("--kill-every", routes.killsPer, "Seconds between two kills, on average");
   routesVerb->add_option("--seed", routes.seed, "Of what is random");
 
+  tSoakPlan soak{300, 1};
+  CLI::App* const soakVerb =
+      app.add_subcommand("mixed", "Eight threads of everything there is to call");
+  soakVerb->add_option("--seconds", soak.seconds, "For how long");
+  soakVerb->add_option("--seed", soak.seed, "Of what is random");
+
   std::string loadName;
   uint32_t worker = 0;
   uint64_t workerSeed = 0;
@@ -34,6 +41,9 @@ int run(int argumentCount, char** arguments) {
       app.add_subcommand("take-every-line", "A client that takes every line at once");
 
   CLI11_PARSE(app, argumentCount, arguments);
+  if (*soakVerb) {
+    return runSoak(soak);
+  }
   if (*workerVerb) {
     return runRouteWorker(loadName, worker, workerSeed);
   }

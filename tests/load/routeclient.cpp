@@ -51,6 +51,7 @@ bool tRouteClient::succeeded(const char* what, int32_t expected) {
   status_ = zoerr_Status_initial();
   require(code >= 0 || code == expected || work_.faults == tFaults::anywhere,
           std::string(what) + " gives " + std::to_string(code) + " " + description);
+  work_.tally->failures += code < 0 && code != expected ? 1 : 0;
   return code >= 0;
 }
 

@@ -22,6 +22,7 @@ struct tRouteTally {
   std::atomic<uint64_t> heard;      // demotions that a callback was told
   std::atomic<uint64_t> awaited;    // demotions that were certain and were waited for
   std::atomic<uint64_t> leftBehind;
+  std::atomic<uint64_t> failures;  // that nobody may be surprised of
 };
 
 // What a client takes for granted about its machine.

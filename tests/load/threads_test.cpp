@@ -1,5 +1,5 @@
-// Eight threads of everything there is to call, with Windows calls that fail at random. Where the
-// seed of a run is to be used again, QUENRA_LOAD_SEED says it.
+// Eight threads of everything there is to call, with Windows calls that fail and a driver that lies,
+// at random. Where the seed of a run is to be used again, QUENRA_LOAD_SEED says it.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <random>
 #include <thread>
 
@@ -15,6 +16,7 @@
 #include "tests/fakewindows/fakewindowstest.h"
 #include "tests/load/balance.h"
 #include "tests/load/devicepath.h"
+#include "tests/load/mischief.h"
 #include "tests/load/mixedcaller.h"
 #include "tests/load/watchdog.h"
 
@@ -145,7 +147,9 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
   // All threads have their turns, and what they leave behind is nothing.
   void runRound(tFaults faults) {
     std::array<tSimulatedMachine, kThreads> machines;
+    std::optional<tMischief> mischief;
     if (faults == tFaults::anywhere) {
+      mischief.emplace(random.next());
       faultPlan().decide([this](tCall call, const std::string& argument) {
         return decide(faultRandom, call, argument);
       });
@@ -157,6 +161,7 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
       });
     }
     waitForThreads(running);
+    mischief.reset();
     for (const tThread& thread : threads) {
       EXPECT_EQ(thread.failure, "");
     }

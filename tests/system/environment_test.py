@@ -3,10 +3,11 @@
 import hashlib
 import json
 import pathlib
+import subprocess
 import tempfile
 import unittest
 
-from commandline import CommandLineTest, start, start_program
+from commandline import CommandLineTest, command_of, start, start_program
 
 
 class Environment(CommandLineTest):
@@ -66,6 +67,15 @@ class Environment(CommandLineTest):
         self.assertEqual([run["file"] for run in runs], [r"C:\nothing.inf"])
         self.assertNotIn("sha256", runs[0])
         self.assertIn(b"not readable", self.sim("driver-store").stdout)
+
+    def test_reset_waits_for_a_tool_that_still_runs(self):
+        self.sim("driver-store", "working", "--seconds", "2")
+        with subprocess.Popen(command_of(self.TOOL, "/add-driver", r"C:\slow.inf", "/install"),
+                              stdin=subprocess.DEVNULL) as tool:
+            while not self.shown("driver-store")["runs"]:
+                self.assertIsNone(tool.poll())
+            self.sim("reset")
+        self.assertEqual(self.shown("driver-store")["tool"], "working")
 
     def test_runs_keep_their_order(self):
         names = [rf"C:\{number}.inf" for number in range(12)]

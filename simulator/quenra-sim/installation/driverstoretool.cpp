@@ -20,8 +20,21 @@ bool isThere() {
   return GetFileAttributesA(kTool) != INVALID_FILE_ATTRIBUTES;
 }
 
+bool isInUse(DWORD error) {
+  return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
+}
+
+// A tool that runs is waited for; for the system it still runs for a moment after its end.
 void remove() {
-  require(DeleteFileA(kTool) || !isThere(), std::string(kTool) + " cannot be removed");
+  constexpr ULONGLONG kPatienceMilliseconds = 10000;
+  constexpr DWORD kPauseMilliseconds = 20;
+  const ULONGLONG end = GetTickCount64() + kPatienceMilliseconds;
+  bool removed = DeleteFileA(kTool) || !isThere();
+  while (!removed && isInUse(GetLastError()) && GetTickCount64() < end) {
+    Sleep(kPauseMilliseconds);
+    removed = DeleteFileA(kTool) || !isThere();
+  }
+  require(removed, std::string(kTool) + " cannot be removed");
 }
 
 void writeNoProgram() {

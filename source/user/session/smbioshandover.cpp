@@ -40,7 +40,7 @@ tSizes askForSizes(tController& controller, zoerr::Status& status) noexcept {
 }
 
 nZOAPAL000::tByteBuffer allocate(uint32_t bytes, tStatus& status) noexcept {
-  return nZOAPAL000::allocateBytes(bytes > kLargestSize ? SIZE_MAX : bytes, status);
+  return nZOAPAL000::allocateZeroedBytes(bytes > kLargestSize ? SIZE_MAX : bytes, status);
 }
 
 // What the driver says it has filled counts only as far as it was given room.
@@ -62,15 +62,14 @@ void installSmbiosTable(tController& controller, nZOSMBIOS_1_1::cZoSmBiosProvide
   }
   const auto tableRoom = static_cast<uint32_t>(room.table);
   tStatus allocation;
+  // What a driver leaves out although it says to have filled it is nothing, not old memory; and what
+  // it promises and does not keep costs nothing.
   const auto text = allocate(room.text, allocation);
   const auto table = allocate(tableRoom, allocation);
   status.mergeFrom(allocation);
   if (status.isError()) {
     return;
   }
-  // What a driver leaves out although it says to have filled it is nothing, not old memory.
-  std::fill_n(text.get(), room.text, uint8_t{0});
-  std::fill_n(table.get(), tableRoom, uint8_t{0});
 
   tSizes answered = room;
   tStatus driver = recordFor(status);

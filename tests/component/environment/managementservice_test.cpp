@@ -101,6 +101,12 @@ TEST_F(ManagementService, ThreadWithoutCom_HasNoneAfterwards) {
   });
 }
 
+TEST_F(ManagementService, AfterItsLastUse_StaysLoaded) {
+  // Loading it again and again would take memory each time.
+  onANewThread([] { EXPECT_EQ(ask(), kNotEncrypted); });
+  EXPECT_NE(GetModuleHandleA("quenrasimmanagement.dll"), nullptr);
+}
+
 TEST_F(ManagementService, ManyThreadsAtOnce_AreAllAnswered) {
   setEncryption({"on", ""});
   std::atomic<int> encrypted = 0;

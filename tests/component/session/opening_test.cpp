@@ -1,3 +1,9 @@
+#include <sys/resource.h>
+
+#include <cstring>
+
+#include "protocol/controllerrequests.h"
+#include "protocol/requestcodes.h"
 #include "tests/component/session/sessiontest.h"
 
 namespace nTests {
@@ -6,6 +12,12 @@ namespace {
 using nFakeWindows::faultPlan;
 using nFakeWindows::machine;
 using nFakeWindows::tCall;
+
+#if defined(__has_feature)
+constexpr bool kUnderThreadSanitizer = __has_feature(thread_sanitizer);
+#else
+constexpr bool kUnderThreadSanitizer = false;
+#endif
 
 class Session : public SessionTest {};
 
@@ -109,6 +121,29 @@ TEST_F(Session, FirstExchangeFailing_LeavesTheProvidersTable) {
   { const nQUENRA1400::tControllerUserSession session(provider, second); }
   EXPECT_EQ(second.code, -52003);
   EXPECT_TRUE(provider.hasTable());
+}
+
+TEST_F(Session, DriverThatPromisesGibibytes_CostsNoMemory) {
+  if constexpr (kUnderThreadSanitizer) {
+    GTEST_SKIP() << "its books about so much memory are as large";
+  }
+  constexpr long kMostGrowthKib = 300'000;  // a checking allocator keeps books about it
+  constexpr uint32_t kPromised = 0x7FFFFFFF;
+  const tExchangeValuesReply promise{kPromised, kPromised, DRIVER_STATUS_BUFFER_TOO_SMALL};
+  tSimulatorScript script{};
+  script.interfaceKind = kSimulatorInterfaceController;
+  script.requestCode = REQUEST_EXCHANGE_VALUES;
+  script.times = 1;
+  script.action = kSimulatorActionReply;
+  script.replySize = sizeof promise;
+  std::memcpy(script.reply, &promise, sizeof promise);
+  nSimulator::tSimulatedMachine().addScript(script);
+  rusage before{};
+  getrusage(RUSAGE_SELF, &before);
+  EXPECT_EQ(open(), success());
+  rusage after{};
+  getrusage(RUSAGE_SELF, &after);
+  EXPECT_LT(after.ru_maxrss - before.ru_maxrss, kMostGrowthKib);
 }
 
 TEST_F(Session, ClosedSession_LeavesTheProvidersTableAndVersion) {

@@ -28,6 +28,9 @@ using tCharBuffer = std::unique_ptr<char[], tFree>;
   return tByteBuffer(static_cast<uint8_t*>(allocateOrReport(bytes, status)));
 }
 
+// The same, zeroed. Much of it costs nothing before it is used.
+[[nodiscard]] tByteBuffer allocateZeroedBytes(size_t bytes, nZOAPALS100::tStatus& status) noexcept;
+
 // Zeroed memory for `bytes` characters, at least one; null when memory is short.
 [[nodiscard]] tCharBuffer allocateZeroedText(uint64_t bytes) noexcept;
 

@@ -11,6 +11,7 @@ namespace {
 
 using nQUENRA1400::nZOAPAL000::allocateBytes;
 using nQUENRA1400::nZOAPAL000::allocateOrReport;
+using nQUENRA1400::nZOAPAL000::allocateZeroedBytes;
 using nQUENRA1400::nZOAPAL000::allocateZeroedText;
 using nQUENRA1400::nZOAPAL000::tFree;
 using nZOAPALS100::mergeStatus;
@@ -72,6 +73,30 @@ TEST(AllocateBytes, Buffer_ReportsAndOwns) {
   std::fill_n(buffer.get(), 3, uint8_t{1});
   EXPECT_EQ(allocateBytes(SIZE_MAX, status), nullptr);
   EXPECT_EQ(status.code, -52000);
+}
+
+TEST(AllocateZeroedBytes, Buffer_IsZeroAndOwned) {
+  tStatus status;
+  const auto buffer = allocateZeroedBytes(100, status);
+  ASSERT_NE(buffer, nullptr);
+  EXPECT_TRUE(
+      std::all_of(buffer.get(), buffer.get() + 100, [](uint8_t byte) { return byte == 0; }));
+  EXPECT_NE(allocateZeroedBytes(0, status), nullptr);
+  EXPECT_EQ(status.code, 0);
+}
+
+TEST(AllocateZeroedBytes, MoreThanThereIs_IsReported) {
+  tStatus status;
+  EXPECT_EQ(allocateZeroedBytes(SIZE_MAX, status), nullptr);
+  EXPECT_EQ(status.code, -52000);
+  EXPECT_EQ(status.line, 327u);
+}
+
+TEST(AllocateZeroedBytes, OnAnError_IsNull) {
+  tStatus status;
+  mergeStatus(status, -5, "first", "first file", 1);
+  EXPECT_EQ(allocateZeroedBytes(1, status), nullptr);
+  EXPECT_EQ(status.code, -5);
 }
 
 TEST(AllocateZeroedText, Characters_AreZero) {

@@ -1,0 +1,36 @@
+#ifndef TESTS_LOAD_MISCHIEF_H
+#define TESTS_LOAD_MISCHIEF_H
+
+#include <cstdint>
+#include <thread>
+
+#include "simulator/control/tsimulatedmachine.h"
+#include "tests/load/trandom.h"
+
+namespace nTests {
+
+// A thread that lets the driver refuse, fail, lie, take its time and take lines away, all at random.
+// When it ends, the driver behaves again.
+class tMischief {
+ public:
+  explicit tMischief(uint64_t seed);
+  tMischief(const tMischief&) = delete;
+  tMischief& operator=(const tMischief&) = delete;
+  ~tMischief();
+
+ private:
+  void doSome();
+  void scriptAnAnswer();
+  void holdRequestsBack();
+  void failAPendingRequest();
+  void demoteARoute();
+  void tellALie();
+
+  tRandom random_;
+  nSimulator::tSimulatedMachine machine_;
+  std::jthread thread_;
+};
+
+}  // namespace nTests
+
+#endif
