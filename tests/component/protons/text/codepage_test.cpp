@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <stdexcept>
 #include <system_error>
 
 #include "tests/fakewindows/allocationplan.h"
@@ -78,6 +79,13 @@ TEST_F(CodePage, CharactersThatTheSystemRefuses_AreToldAndNotTakenForAnEmptyName
     EXPECT_EQ(errorOf([] { static_cast<void>(codePageFromUtf16(u"name")); }), 1113) << nth;
     EXPECT_EQ(faultPlan().callCount(), nth);
   }
+}
+
+TEST_F(CodePage, TextOf2Gibibytes_IsRefusedBeforeAnythingOfItIsRead) {
+  constexpr size_t kTooLong = size_t{1} << 31;
+  EXPECT_THROW(static_cast<void>(utf16FromCodePage({"x", kTooLong})), std::length_error);
+  EXPECT_THROW(static_cast<void>(codePageFromUtf16({u"x", kTooLong})), std::length_error);
+  EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 
 TEST_F(CodePage, TextThatNeedsMemory_ThrowsBadAllocWhenThereIsNone) {
