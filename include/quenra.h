@@ -10,7 +10,7 @@
  *     last open must not overlap another call on the handle.
  *  4. Memory is the caller's. The library keeps no pointer after a call.
  *  5. Pointers are never followed when null: where one is needed, the function returns
- *     QUENRA_STATUS_INVALID_PARAMETER.
+ *     QUENRA_STATUS_INVALID_PARAMETER. They need not be aligned.
  *  6. On failure, what an out-argument holds is unchanged unless a function says otherwise.
  *  7. A negative code from the driver is passed on unchanged, so codes beyond those listed can
  *     appear. */

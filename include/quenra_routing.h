@@ -8,15 +8,18 @@
  *     otherwise. It does nothing when the record holds an error (a negative code) already, and then
  *     looks at no other argument. Else it reports by the merge rule: the first error is kept; an
  *     error replaces a warning (a positive code); a warning replaces nothing but success (0).
- *     Without a record, a null pointer, nothing is done.
+ *     Without a record, a null pointer or one that is not aligned, nothing is done.
  *  2. Results. A function that fails returns 0, false or null.
  *  3. Handles. A session and its terminal iterators are the client's from their creation until it
- *     destroys them. No function takes a handle that is destroyed. A null handle gives
- *     QUENRA_STATUS_INVALID_PARAMETER where there is a status, and is ignored elsewhere.
+ *     destroys them. A handle that is null, destroyed or none of the library gives
+ *     QUENRA_STATUS_INVALID_PARAMETER where there is a status, and is ignored elsewhere. A handle
+ *     that is destroyed can come back for another session, and a session that is destroyed while
+ *     another thread uses it is beyond what the library can tell.
  *  4. Threads. A session and its iterators are used by one thread at a time; different sessions are
  *     independent. The demotion callback runs on a thread of the session.
  *  5. Texts. Arguments are terminated by a NUL. JSON texts are UTF-8. Answers come through the
- *     client's reallocation function, see zoroco_Reallocate.
+ *     client's reallocation function, see zoroco_Reallocate. An output argument that is not aligned
+ *     counts as null.
  *  6. Order of calls:
  *
  *       getAPIVersion
@@ -216,7 +219,8 @@ void zoroco_ra_quenra_getHandledConstraints(zoroco_RoutingAdaptorSession* sessio
  *                the route does not invert. Without a route the array is empty.
  *
  * Members that are not named here are ignored; of several members with one name the last counts.
- * The driver refuses the name of a terminal that does not exist. Documents may be 64 levels deep.
+ * The driver refuses the name of a terminal that does not exist. Documents may be 64 levels deep and
+ * 4 MiB large.
  *
  * Returns the value that the driver's calculation gives.
  *

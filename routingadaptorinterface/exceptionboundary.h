@@ -7,6 +7,7 @@
 #include "routingadaptorinterface/clientstatus.h"
 #include "zoapal/protons/status/exception.h"
 #include "zoarkra/location.h"
+#include "zoarkra/tclientoutput.h"
 
 namespace zoroco {
 
@@ -17,12 +18,12 @@ inline constexpr nZOAPALS100::tSourceLocation kExportUnforeseen{
     "routingadaptorinterface\\routingadaptorexports", 74};
 
 // Runs what an export does and gives its result; `neutral` when that fails, or when the client's
-// status holds an error, or when there is none, and nothing is run. Nothing that is thrown inside
+// status holds an error, or when there is none that can be written, and nothing is run. Nothing that is thrown inside
 // leaves it: short memory becomes kMemoryFull, an exception that carries a status that status,
 // anything else kInternalError. The operation's own status begins with the client's code.
 template <class Result, class Operation>
 Result runWithoutThrowing(zoerr_Status* client, Result neutral, Operation operation) noexcept {
-  if (client == nullptr || client->code < 0) {
+  if (client == nullptr || !zoark::isAligned(client) || client->code < 0) {
     return neutral;
   }
   Result result = neutral;

@@ -8,12 +8,12 @@
 namespace {
 
 using zoroco::handleOf;
-using zoroco::iteratorOf;
 using zoroco::requireIterator;
+using zoroco::requireIteratorOfSession;
 using zoroco::requireSession;
 using zoroco::runSilently;
 using zoroco::runWithoutThrowing;
-using zoroco::sessionOf;
+using zoroco::takeBack;
 using tSession = zoroco::RoutingAdaptorSessionInterface;
 using tIterator = zoroco::TerminalIteratorInterface;
 
@@ -73,7 +73,7 @@ zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSessionWithDemotionFunc(
 }
 
 void zoroco_ra_quenra_destroySession(zoroco_RoutingAdaptorSession* session) {
-  const std::unique_ptr<tSession> destroyed(sessionOf(session));
+  const std::unique_ptr<tSession> destroyed = takeBack(session);
 }
 
 void zoroco_ra_quenra_getHandledConstraints(zoroco_RoutingAdaptorSession* session, char** output,
@@ -143,7 +143,7 @@ zoroco_TerminalIterator* zoroco_ra_quenra_getAllTerminals(zoroco_RoutingAdaptorS
                                                           zoerr_Status* status, uint64_t reserved) {
   constexpr zoroco_TerminalIterator* kNoIterator = nullptr;
   return runOnSession(session, status, kNoIterator, [&](tSession& on, zoerr::Status& own) {
-    return handleOf(on.getAllTerminals(own, reserved));
+    return handleOf(on.getAllTerminals(own, reserved), session);
   });
 }
 
@@ -185,8 +185,8 @@ uint32_t zoroco_ra_quenra_TerminalIterator_getU32Attribute(zoroco_TerminalIterat
 
 void zoroco_ra_quenra_TerminalIterator_resetTerminal(zoroco_TerminalIterator* iterator,
                                                      const char* mode, zoerr_Status* status) {
-  runOnIterator(iterator, status, kNothing, [mode](tIterator& on, zoerr::Status& own) {
-    on.resetTerminal(mode, own);
+  runWithoutThrowing(status, kNothing, [&](zoerr::Status& own) {
+    requireIteratorOfSession(iterator).resetTerminal(mode, own);
     return kNothing;
   });
 }
@@ -200,5 +200,5 @@ uint32_t zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(
 }
 
 void zoroco_ra_quenra_TerminalIterator_destroy(zoroco_TerminalIterator* iterator) {
-  const std::unique_ptr<tIterator> destroyed(iteratorOf(iterator));
+  const std::unique_ptr<tIterator> destroyed = takeBack(iterator);
 }

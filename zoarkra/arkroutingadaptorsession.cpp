@@ -99,7 +99,9 @@ ARKRoutingAdaptorSession::ARKRoutingAdaptorSession(std::unique_ptr<iRoutingDevic
   if (deviceInterfaceName == nullptr) {
     raise(nZOAPALS100::kInvalidParameter, kNameMissing);
   }
-  deviceInterfaceName_.assign(deviceInterfaceName, std::strlen(deviceInterfaceName));
+  // One character more than there is room for tells as well as all of them that it is too long.
+  deviceInterfaceName_.assign(deviceInterfaceName,
+                              strnlen(deviceInterfaceName, deviceInterfaceName_.kMaxSize + 1));
   open(status);
   context_ = client.context;
   callback_.store(client.callback, std::memory_order_release);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <limits>
 #include <system_error>
 
@@ -144,6 +145,9 @@ const char* nameOf(tJsonType type) noexcept {
 }
 
 tJsonResult readJson(const char* document, iJsonHandler& handler) {
+  if (strnlen(document, kLargestJson + 1) > kLargestJson) {
+    return {tJsonOutcome::tooLarge, kLargestJson};
+  }
   constexpr unsigned kFlags = rapidjson::kParseIterativeFlag |
                               rapidjson::kParseValidateEncodingFlag |
                               rapidjson::kParseNumbersAsStringsFlag;
@@ -158,8 +162,8 @@ tJsonResult readJson(const char* document, iJsonHandler& handler) {
   if (!result.IsError()) {
     return {tJsonOutcome::read, stream.Tell()};
   }
-  const bool tooLarge = result.Code() == rapidjson::kParseErrorNumberTooBig;
-  return {tooLarge ? tJsonOutcome::numberTooLarge : events.outcome(), result.Offset()};
+  const bool isLargeNumber = result.Code() == rapidjson::kParseErrorNumberTooBig;
+  return {isLargeNumber ? tJsonOutcome::numberTooLarge : events.outcome(), result.Offset()};
 }
 
 }  // namespace zoark

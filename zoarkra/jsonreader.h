@@ -45,10 +45,14 @@ class iJsonHandler {
 // Containers within containers that a document may have.
 inline constexpr size_t kDeepestJson = 64;
 
+// Bytes that a document may have. None that asks for a route comes near.
+inline constexpr size_t kLargestJson = size_t{4} * 1024 * 1024;
+
 enum class tJsonOutcome : uint8_t {
   read,            // to its end
   ended,           // by the handler
   tooDeep,         // deeper than kDeepestJson
+  tooLarge,        // more than kLargestJson bytes; not looked at
   numberTooLarge,  // for a double
   malformed,
 };

@@ -10,6 +10,8 @@ tFoundFault faultOf(const tJsonResult& result, const tRequestDocument& document)
       break;
     case tJsonOutcome::tooDeep:
       return {&kTooDeep, {}, result.offset};
+    case tJsonOutcome::tooLarge:
+      return {&kTooLarge, {}, result.offset};
     case tJsonOutcome::numberTooLarge:
       if (&document.faultOfLargeNumber() != &kMalformed) {
         return {&document.faultOfLargeNumber(), {}, {}};
@@ -29,7 +31,8 @@ void readRequestDocument(const char* text, tRequestDocument& document) {
   }
   const tFoundFault found = faultOf(readJson(text, document), document);
   if (found.fault != nullptr) {
-    raiseRequestFault(found, text);
+    // One that is too large is not worth its copy.
+    raiseRequestFault(found, found.fault == &kTooLarge ? nullptr : text);
   }
 }
 

@@ -17,6 +17,7 @@ struct tRequestFault {
 inline constexpr tRequestFault kMalformed{71, "malformed JSON"};
 inline constexpr tRequestFault kTooDeep{72, "JSON nested too deeply"};
 inline constexpr tRequestFault kDocumentMissing{73, "document missing"};
+inline constexpr tRequestFault kTooLarge{74, "document too large"};
 
 inline constexpr tRequestFault kSeedsNoArray{101, "seeds must be an array"};
 inline constexpr tRequestFault kSeedNoObject{102, "seed must be an object"};
@@ -48,7 +49,7 @@ struct tFoundFault {
   std::optional<uint64_t> offset;  // of the byte at which the document stops being JSON
 };
 
-// Traces the fault and throws it as a zoerr::Exception. `document` is the text it was found in.
+// Traces the fault and throws it as a zoerr::Exception. `document` is the text it was found in, or null.
 [[noreturn]] void raiseRequestFault(const tFoundFault& found, const char* document);
 
 }  // namespace zoark

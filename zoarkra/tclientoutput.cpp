@@ -13,7 +13,7 @@ constexpr auto kNoRoom = adaptorLocation(127, kMemoryFullConstant);
 }  // namespace
 
 void tClientOutput::requirePlace() const {
-  if (output_ == nullptr) {
+  if (output_ == nullptr || !isAligned(output_)) {
     raise(nZOAPALS100::kInvalidParameter, kNoPlace);
   }
 }

@@ -1,11 +1,18 @@
 #ifndef ZOARKRA_TCLIENTOUTPUT_H
 #define ZOARKRA_TCLIENTOUTPUT_H
 
+#include <cstdint>
 #include <string_view>
 
 #include "quenra_routing.h"
 
 namespace zoark {
+
+// Whether what a client points to can be one at all.
+template <class T>
+[[nodiscard]] bool isAligned(const T* place) noexcept {
+  return reinterpret_cast<uintptr_t>(place) % alignof(T) == 0;
+}
 
 // Where an answer goes: the client's buffer, and the function that gives room for it.
 class tClientOutput {
@@ -14,7 +21,7 @@ class tClientOutput {
       : reallocate_(reallocate), output_(output) {}
 
   // Throws zoerr::Exception with kInvalidParameter when the client has given no place for an
-  // answer.
+  // answer, or one that is not aligned.
   void requirePlace() const;
 
   // Copies the text, behind which there is a NUL, and the NUL. Throws zoerr::Exception with

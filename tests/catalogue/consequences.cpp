@@ -63,8 +63,7 @@ bool isSilent(const std::string& request) {
          is(REQUEST_DESTROY_ROUTE, request) || is(REQUEST_UNREGISTER_NOTIFICATION, request);
 }
 
-// Interfaces that cannot be listed are as good as none, but for the reason that the Marten's listing
-// tells.
+// Interfaces that cannot be listed are as good as none; the Marten's listing tells why all the same.
 tExpectation ofListing(const std::string& interfaceClass, int32_t code) {
   if (!isOf(kMartenInterfaceClass, interfaceClass)) {
     return reports(QUENRA_STATUS_NO_CONTROLLER);

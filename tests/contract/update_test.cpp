@@ -207,6 +207,27 @@ TEST_F(Update, ImageWithoutSections_StillMarksTheMarten) {
   EXPECT_THAT(markers(), ElementsAre("7 bytes", "7 bytes"));
 }
 
+TEST_F(Update, NullImageOfAnySize_IsAnImageWithoutSections) {
+  EXPECT_EQ(QUENRA_updateFirmware(QUENRA_HANDLE, nullptr, ~uint64_t{0}), 0);
+  EXPECT_EQ(QUENRA_updateFirmware2(QUENRA_HANDLE, nullptr, 1, kEverything), 0);
+  EXPECT_THAT(received(), IsEmpty());
+}
+
+TEST_F(Update, ImageOf10MebibytesWithoutSections_IsAnImageWithoutSections) {
+  const std::string image(size_t{10} * 1024 * 1024, 'x');
+  EXPECT_EQ(QUENRA_updateFirmware(QUENRA_HANDLE, image.data(), image.size()), 0);
+  EXPECT_EQ(QUENRA_updateFirmware2(QUENRA_HANDLE, image.data(), image.size(), kEverything), 0);
+  EXPECT_THAT(received(), IsEmpty());
+}
+
+TEST_F(Update, MisalignedImage_IsReadLikeAnyOther) {
+  const std::string image = "x" + firmwareImage({bios("0.0.0d0")});
+  EXPECT_EQ(QUENRA_updateFirmware(QUENRA_HANDLE, image.data() + 1, image.size() - 1), 0);
+  EXPECT_EQ(QUENRA_updateFirmware2(QUENRA_HANDLE, image.data() + 1, image.size() - 1, kEverything),
+            0);
+  EXPECT_THAT(received(), SizeIs(2));
+}
+
 TEST_F(Update, PlainExport_UpdatesEverything) {
   const std::string image = firmwareImage({bios("0.0.0d0"), marten("0.0.0d0")});
   EXPECT_EQ(QUENRA_updateFirmware(QUENRA_HANDLE, image.data(), image.size()), 0);

@@ -20,6 +20,7 @@ class FakeWindowsTest : public testing::Test {
     machine().reset();
     com()->reset();
     programs().reset();
+    objects().repeatCompletions(1);
     criticalSectionsBefore_ = criticalSections();
     ASSERT_EQ(objects().open(), std::vector<std::string>()) << "left open by an earlier test";
   }

@@ -22,8 +22,9 @@ tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>
   std::vector<uint8_t> buffer(std::max<size_t>(in.size(), outSize));
   std::copy(in.begin(), in.end(), buffer.begin());
   const tModelReply reply =
-      machine().request({file, code, buffer.data(), static_cast<uint32_t>(in.size()), buffer.data(),
-                         outSize, reinterpret_cast<uintptr_t>(overlapped)});
+      machine().answer({file, code, buffer.data(), static_cast<uint32_t>(in.size()), buffer.data(),
+                        outSize, reinterpret_cast<uintptr_t>(overlapped)});
+  expectUsual(reply.size <= outSize, tCall::deviceIoControl, "a reply larger than its buffer");
   std::copy_n(buffer.begin(), reply.size, static_cast<uint8_t*>(out));
   return {reply.windowsError, reply.size};
 }

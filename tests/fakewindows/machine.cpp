@@ -71,6 +71,7 @@ void tMachine::reset() {
                            &tMachine::completeRequest,
                            &tMachine::presenceChanged};
   modelInitialise(&model_, &host);
+  driver_ = nullptr;
   paths_.clear();
   unreachable_.clear();
   firmwareTable_.clear();
@@ -137,6 +138,29 @@ tModelReply tMachine::request(const tModelRequest& request) {
     modelPended(&model_, request.token);
   }
   return reply;
+}
+
+void tMachine::useDriver(tDriver driver) {
+  const std::lock_guard lock(mutex_);
+  driver_ = std::move(driver);
+}
+
+tModelReply tMachine::answer(const tModelRequest& asked) {
+  tDriver driver;
+  {
+    const std::lock_guard lock(mutex_);
+    driver = driver_;
+  }
+  const auto kind = static_cast<tSimulatorInterface>(asked.file.interfaceKind);
+  if (!driver || kind == kSimulatorInterfaceControl) {
+    return request(asked);
+  }
+  // Without the lock: drivers may take their time, and ask the model.
+  return driver({kind,
+                 asked.code,
+                 {static_cast<const uint8_t*>(asked.input), asked.inputSize},
+                 {static_cast<uint8_t*>(asked.output), asked.outputSize},
+                 [this, &asked] { return request(asked); }});
 }
 
 bool tMachine::cancel(uint64_t token) {

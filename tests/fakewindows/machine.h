@@ -2,9 +2,11 @@
 #define TESTS_FAKEWINDOWS_MACHINE_H
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -23,6 +25,17 @@ struct tDeviceInterface {
     return std::tie(kind, index) < std::tie(other.kind, other.index);
   }
 };
+
+// A request as a driver of a test sees it. `output` is as large as the caller says; nothing but what
+// the driver answers of it reaches the caller. The first answer of the model is to be had once.
+struct tDriverRequest {
+  tSimulatorInterface kind;
+  uint32_t code;
+  std::span<const uint8_t> input;
+  std::span<uint8_t> output;
+  std::function<tModelReply()> byModel;
+};
+using tDriver = std::function<tModelReply(const tDriverRequest& request)>;
 
 inline constexpr uint64_t kFakeProcess = 4242;
 
@@ -52,6 +65,11 @@ class tMachine {
   // The token of a request is the address of its OVERLAPPED. What is pending may be over when the
   // call returns.
   [[nodiscard]] tModelReply request(const tModelRequest& request);
+  // Another driver than the model answers from now on; none: the model. What the driver leaves
+  // pending has to be pending in the model. The interface that controls the model stays the model's.
+  void useDriver(tDriver driver);
+  // Answers a request by whichever driver there is. `input` and `output` are the driver's own copies.
+  [[nodiscard]] tModelReply answer(const tModelRequest& request);
   // False when the request is not pending.
   [[nodiscard]] bool cancel(uint64_t token);
 
@@ -81,6 +99,7 @@ class tMachine {
 
   std::mutex mutex_;
   tModel model_;
+  tDriver driver_;
   tSimulatorPresence presence_{};
   uint64_t nextFile_ = 1;
   std::map<tDeviceInterface, std::string> paths_;

@@ -111,7 +111,7 @@ void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes, bool w
     file->pending.erase(file->find(overlapped));
     tPort* const port = find<tPort>(file->port);
     if (port != nullptr && !isKeptOffPorts(overlapped) && !whileBeingMade) {
-      port->packets.push_back({bytes, file->key, &overlapped, error});
+      port->packets.insert(port->packets.end(), repeats_, {bytes, file->key, &overlapped, error});
     }
   }
   if (tEvent* const event = find<tEvent>(overlapped.hEvent)) {

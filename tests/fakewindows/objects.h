@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <map>
@@ -105,6 +106,9 @@ class tObjects {
   // keeps it off. A request that fails while it is being made reaches no port either.
   void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes, bool whileBeingMade = false);
 
+  // How often each completion reaches its port from now on; a driver that is sound tells it once.
+  void repeatCompletions(unsigned times) { repeats_ = times; }
+
   // Threads that the library started or that complete requests; joined by waitForThreads().
   void addThread(std::thread thread);
   void waitForThreads();
@@ -118,6 +122,7 @@ class tObjects {
 
   std::map<uintptr_t, tObject> objects_;
   std::vector<std::thread> threads_;
+  std::atomic<unsigned> repeats_ = 1;
   uintptr_t next_ = 0x1000;
 };
 

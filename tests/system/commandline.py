@@ -13,6 +13,7 @@ import json
 import os
 import pathlib
 import shlex
+import signal
 import subprocess
 import tempfile
 import unittest
@@ -60,6 +61,41 @@ class Run:
 
     def __repr__(self):
         return f"quenra {shlex.join(self.words)}: {self.exit_code}\n{self.out}\n{self.error}"
+
+
+class Started:
+    """A run of quenra that goes on while the test does."""
+
+    def __init__(self, test, *words):
+        self.test = test
+        # A session of its own: a signal to its group reaches every process of the runner.
+        self.process = subprocess.Popen(
+            command("QUENRA_EXE", words), stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True)
+        test.addCleanup(self.kill)
+
+    def told(self):
+        """The next line of its output."""
+        return self.process.stdout.readline().decode("utf-8")
+
+    def warned(self):
+        """The next line on its error stream."""
+        return self.process.stderr.readline().decode("utf-8")
+
+    def interrupt(self):
+        os.killpg(self.process.pid, signal.SIGINT)
+
+    def kill(self):
+        if self.process.poll() is None:
+            os.killpg(self.process.pid, signal.SIGKILL)
+        self.process.wait()
+        self.process.stdout.close()
+        self.process.stderr.close()
+
+    def end(self, exit_code):
+        out, error = self.process.communicate(timeout=TIME_LIMIT_SECONDS)
+        self.test.assertEqual(self.process.returncode, exit_code, error)
+        return out.decode("utf-8"), error.decode("utf-8")
 
 
 class Files:

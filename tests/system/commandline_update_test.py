@@ -2,7 +2,7 @@ import hashlib
 import json
 import unittest
 
-from commandline import CommandLineTest, Files
+from commandline import CommandLineTest, Files, Started
 
 MARKER = "0.0.0f0"
 
@@ -160,6 +160,19 @@ class Update(CommandLineTest):
         self.assertEqual(self.document("update", self.image, kind="error",
                                        exit_code=1)["error"]["code"], -777)
         self.assertEqual(self.marten(), "1.4.0f7")
+
+    def test_ctrl_c_stops_nothing(self):
+        self.add("BIOS", b"package", file_name="a.inf")
+        self.machine("driver-store", "working", "--seconds", "3")
+        update = Started(self, "update", self.image)
+        while "updating" not in update.told():
+            self.assertIsNone(update.process.poll())
+        update.interrupt()
+        self.assertEqual(update.warned(),
+                         "quenra: this cannot be stopped half-way; wait until it is over\n")
+        out, _ = update.end(0)
+        self.assertIn("written to a file and given to the driver store\n", out)
+        self.assertEqual(len(self.packages()), 1)
 
     def test_missing_file_and_missing_name(self):
         self.assertIn("cannot be read", self.quenra("update", self.image, exit_code=1).error)

@@ -81,7 +81,9 @@ void tTextReading::readFromMarten() const noexcept {
   uint32_t answered = offered;
   tStatus driver = recordFor(status_);
   readFromDriver(access_.marten, attribute_, buffer_, answered, driver);
-  if (answered != offered) {
+  // More than was offered can be needed; it cannot have been filled.
+  const bool isPossible = answered < offered || driver.isError();
+  if (answered != offered && isPossible) {
     *size_ = answered;
   }
   status_.mergeFrom(driver);

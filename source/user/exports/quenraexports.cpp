@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <cstring>
 
 #include "quenra.h"
 #include "source/user/exports/devicepathattribute.h"
@@ -24,6 +25,37 @@ tControllerUserSession* findSession(zoerr::Status& status) noexcept {
   processState().mergeLoadStatus(status);
   return status.isError() ? nullptr : processState().session(status);
 }
+
+// A number of the caller's, which may lie anywhere: where no number can be, a copy takes its place and
+// is written back in the end.
+template <class Number>
+class tCallersNumber {
+ public:
+  explicit tCallersNumber(Number* callers) noexcept
+      : callers_(callers), isAligned_(reinterpret_cast<uintptr_t>(callers) % alignof(Number) == 0) {
+    if (!isAligned_) {
+      std::memcpy(&copy_, callers_, sizeof copy_);
+    }
+  }
+  tCallersNumber(const tCallersNumber&) = delete;
+  tCallersNumber& operator=(const tCallersNumber&) = delete;
+  ~tCallersNumber() {
+    if (!isAligned_) {
+      std::memcpy(callers_, &copy_, sizeof copy_);
+    }
+  }
+
+  // Null when the caller has none.
+  [[nodiscard]] Number* get() noexcept {
+    return isAligned_ ? static_cast<Number*>(callers_) : &copy_;
+  }
+
+ private:
+  // Of no type: what has one is taken for aligned.
+  void* const callers_;
+  const bool isAligned_;
+  Number copy_{};
+};
 
 // What exports on a handle have in common: the handle, how loading went, and the session, in this
 // order. A bad handle is told without the lock. The operation runs outside the lock.
@@ -51,7 +83,7 @@ int32_t QUENRA_openController(uint64_t* handle) {
     runWithoutThrowing(status, [&status] { processState().open(status); });
   }
   if (!status.isError()) {
-    *handle = QUENRA_HANDLE;
+    *tCallersNumber(handle).get() = QUENRA_HANDLE;
   }
   return status.code;
 }
@@ -65,11 +97,11 @@ void QUENRA_closeController(uint64_t handle) {
 int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer, uint64_t* size) {
   if (attribute == QUENRA_ATTRIBUTE_DEVICE_PATH) {
     zoerr::tOwnedStatus status;
-    readDevicePath(buffer, size, status);
+    readDevicePath(buffer, tCallersNumber(size).get(), status);
     return status.code;
   }
   return runOnSession(handle, [=](tControllerUserSession& session, zoerr::Status& status) {
-    session.readText(attribute, buffer, size, status);
+    session.readText(attribute, buffer, tCallersNumber(size).get(), status);
   });
 }
 
@@ -78,7 +110,7 @@ int32_t QUENRA_getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* va
     if (value == nullptr) {
       status.set(nZOAPALS100::kInvalidParameter, kValueMissing);
     } else {
-      session.readUnsigned(attribute, *value, status);
+      session.readUnsigned(attribute, *tCallersNumber(value).get(), status);
     }
   });
 }

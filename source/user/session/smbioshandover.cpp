@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <span>
 
 #include "protocol/requestcodes.h"
@@ -18,6 +19,9 @@ using tController = nZOAPAL000::iInterfaceProxy_hostController;
 
 constexpr auto kTableSizeNegative = sessionLocation(301);
 
+// No machine has as large a table; a driver that says so is not worth the memory.
+constexpr uint32_t kLargestSize = 1u << 24;
+
 struct tSizes {
   uint32_t text = 0;
   int32_t table = 0;
@@ -33,6 +37,10 @@ tSizes askForSizes(tController& controller, zoerr::Status& status) noexcept {
   }
   status.mergeFrom(driver);
   return sizes;
+}
+
+nZOAPAL000::tByteBuffer allocate(uint32_t bytes, tStatus& status) noexcept {
+  return nZOAPAL000::allocateBytes(bytes > kLargestSize ? SIZE_MAX : bytes, status);
 }
 
 // What the driver says it has filled counts only as far as it was given room.
@@ -54,8 +62,8 @@ void installSmbiosTable(tController& controller, nZOSMBIOS_1_1::cZoSmBiosProvide
   }
   const auto tableRoom = static_cast<uint32_t>(room.table);
   tStatus allocation;
-  const auto text = nZOAPAL000::allocateBytes(room.text, allocation);
-  const auto table = nZOAPAL000::allocateBytes(tableRoom, allocation);
+  const auto text = allocate(room.text, allocation);
+  const auto table = allocate(tableRoom, allocation);
   status.mergeFrom(allocation);
   if (status.isError()) {
     return;

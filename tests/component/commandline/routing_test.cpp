@@ -195,9 +195,8 @@ TEST_F(RoutePlan, NoRoute_IsNotSupported) {
 TEST_F(RouteConnect, Route_IsMadeHeldAndTakenDownInOrder) {
   const tRun result = run(routeWords("connect", {"--for", "0"}));
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.out,
-            "connected: TRIG_SMB -> PXI_Trig0, for 0.0 s\n"
-            "taken down after 0.0 s\n");
+  EXPECT_THAT(result.out,
+              StartsWith("connected: TRIG_SMB -> PXI_Trig0, for 0.0 s\ntaken down after "));
   EXPECT_THAT(result.error, IsEmpty());
   EXPECT_THAT(callsBehindCalculation(), ElementsAre("reserve 7", "program 7", "path 7",
                                                     "unprogram 7", "unreserve 7", "destroy 7"));
@@ -220,17 +219,13 @@ TEST_F(RouteConnect, Time_IsKept) {
 }
 
 TEST_F(RouteConnect, Demotions_AreToldAndMakeItAFailure) {
-  routing_.afterProgramming = [this] {
-    routing_.demote(101);
-    routing_.demote(102);
-  };
-  interruption_.comes = false;
+  routing_.afterProgramming = [this] { routing_.demoteOnItsThread({101, 102}); };
   const tRun result = run(routeWords("connect", {"--for", "1"}));
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after 0.0 s, reason 101: it "
-                                       "carries no signal any more\n"));
+  EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after "));
+  EXPECT_THAT(result.error, HasSubstr(" s, reason 101: it carries no signal any more\n"));
   EXPECT_THAT(result.error, HasSubstr("reason 102"));
-  EXPECT_THAT(result.out, HasSubstr("\ntaken down after 1."));
+  EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
   const std::vector<std::string> calls = callsBehindCalculation();
   EXPECT_THAT(std::vector(calls.begin() + 3, calls.end()),
               ElementsAre("failed 7", "unprogram 7", "unreserve 7", "destroy 7"));
@@ -305,6 +300,32 @@ TEST(Answers, WhatIsNotAsTold_IsLeftOut) {
 TEST(Answers, HoldersOfLargeSessions_AreWhole) {
   EXPECT_EQ(nCommandLine::holdersIn(R"([{"sessionId":18446744073709551615,"ticket":4294967295}])"),
             "ticket 4294967295 of session 18446744073709551615");
+}
+
+TEST(Demotions, ComeInTheirOrder) {
+  using std::chrono::milliseconds;
+  nCommandLine::tDemotions demotions;
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
+  for (int32_t round = 0; round < 100; ++round) {
+    demotions.add(round);
+    demotions.add(-round);
+    EXPECT_EQ(demotions.take(milliseconds(0)), round);
+    EXPECT_EQ(demotions.take(milliseconds(0)), -round);
+  }
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
+}
+
+TEST(Demotions, ThatDoNotFit_AreDropped) {
+  using std::chrono::milliseconds;
+  constexpr auto kCapacity = static_cast<int32_t>(nCommandLine::tDemotions::kCapacity);
+  nCommandLine::tDemotions demotions;
+  for (int32_t reason = 0; reason < kCapacity + 5; ++reason) {
+    demotions.add(reason);
+  }
+  for (int32_t reason = 0; reason < kCapacity; ++reason) {
+    EXPECT_EQ(demotions.take(milliseconds(0)), reason);
+  }
+  EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
 }
 
 TEST(ElapsedText, HasTenthsOfASecond) {

@@ -56,6 +56,14 @@ void tScriptedRouting::demote(int32_t reason) {
   zoerr_Status_release(&status);
 }
 
+void tScriptedRouting::demoteOnItsThread(std::vector<int32_t> reasons) {
+  thread_ = std::thread([this, told = std::move(reasons)] {
+    for (const int32_t reason : told) {
+      demote(reason);
+    }
+  });
+}
+
 tScriptedRouting::tSession* tScriptedRouting::createSession(const char* device,
                                                             zoroco_Reallocate reallocate,
                                                             zoroco_DemotionCallback callback,
@@ -73,6 +81,9 @@ tScriptedRouting::tSession* tScriptedRouting::createSession(const char* device,
 
 void tScriptedRouting::destroySession(tSession* session) noexcept {
   sessions -= session == nullptr ? 0 : 1;
+  if (thread_.joinable()) {
+    thread_.join();
+  }
   calls.emplace_back("close");
 }
 

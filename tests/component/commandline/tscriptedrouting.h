@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tools/quenra/routing/irouting.h"
@@ -41,6 +42,8 @@ class tScriptedRouting final : public nCommandLine::iRouting {
 
   // Tells the session's client of a demotion.
   void demote(int32_t reason);
+  // ... of several, on a thread of the session, which its end waits for.
+  void demoteOnItsThread(std::vector<int32_t> reasons);
 
   // What was asked, without the walks over the terminals: "reserve 7", "calculate ... ... ...".
   std::vector<std::string> calls;
@@ -63,6 +66,7 @@ class tScriptedRouting final : public nCommandLine::iRouting {
   zoroco_DemotionCallback callback_ = nullptr;
   void* context_ = nullptr;
   size_t terminal_ = 0;
+  std::thread thread_;
 };
 
 }  // namespace nTests

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <sstream>
 #include <thread>
@@ -116,7 +117,9 @@ TEST_F(UpdatePlan, OnlyNewer_LeavesOutWhatIsAsNew) {
   EXPECT_STREQ(marten["action"].GetString(), "leave-out");
   EXPECT_STREQ(marten["reason"].GetString(), "it is not newer than the installed 1.4.0f7");
   EXPECT_STREQ(document["sections"][0]["action"].GetString(), "send-to-controller");
+  EXPECT_STREQ(marten["remedy"].GetString(), "without --only-newer it is applied");
   EXPECT_TRUE(document["sections"][0]["reason"].IsNull());
+  EXPECT_TRUE(document["sections"][0]["remedy"].IsNull());
 }
 
 TEST_F(UpdatePlan, OneSectionThatIsAsNew_CountsForAllOfItsDevice) {
@@ -266,9 +269,9 @@ TEST_F(UpdatePlan, Document_HasThePromisedMembers) {
               ElementsAre("format", "kind", "exitCode", "warnings", "path", "onlyNewer",
                           "installed", "sections", "obstacles"));
   EXPECT_THAT(memberNames(document["installed"]), ElementsAre("bios", "marten"));
-  EXPECT_THAT(
-      memberNames(document["sections"][0]),
-      ElementsAre("section", "device", "version", "fileName", "byteCount", "action", "reason"));
+  EXPECT_THAT(memberNames(document["sections"][0]),
+              ElementsAre("section", "device", "version", "fileName", "byteCount", "action",
+                          "reason", "remedy"));
   EXPECT_THAT(memberNames(document["obstacles"][0]),
               ElementsAre("fact", "remedy", "status", "line", "section"));
 }
@@ -293,8 +296,7 @@ TEST_F(UpdateVerb, Image_GoesToTheLibraryAsItIs) {
   EXPECT_THAT(result.error, IsEmpty());
   EXPECT_THAT(result.out, StartsWith("installed: BIOS 3.1.0f2, Marten 1.4.0f7\n\n"
                                      "Section  Device  Version  File  Bytes  What will be done\n"));
-  EXPECT_THAT(result.out,
-              HasSubstr("\nupdating, which can take minutes: leave the machine on\ndone after 0."));
+  EXPECT_THAT(result.out, HasSubstr("\nupdating, which can take minutes: leave the machine on\n"));
   EXPECT_THAT(
       result.out,
       testing::EndsWith(" s\n"
@@ -307,7 +309,8 @@ TEST_F(UpdateVerb, OnlyNewer_IsTheLibrarysOption) {
   const tRun result = run({"update", "--only-newer", fileOf({section("MARTEN", "1.4.0f7")})});
   ASSERT_EQ(library_.updates.size(), 1u);
   EXPECT_EQ(library_.updates[0].options, 0u);
-  EXPECT_THAT(result.out, HasSubstr("leave out: it is not newer than the installed 1.4.0f7\n"));
+  EXPECT_THAT(result.out, HasSubstr("leave out: it is not newer than the installed 1.4.0f7; "
+                                    "without --only-newer it is applied\n"));
   EXPECT_THAT(result.out, Not(HasSubstr("bytes: ")));
 }
 
@@ -388,9 +391,9 @@ TEST_F(UpdateVerb, CtrlC_StopsNothing) {
 TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
   library_.duringUpdate = [] { std::this_thread::sleep_for(std::chrono::milliseconds(350)); };
   const tRun result = runOnTerminal({"update", fileOf({section("BIOS", "1")})});
-  EXPECT_THAT(result.out, HasSubstr("leave the machine on\n\rupdating: 0."));
-  EXPECT_THAT(result.out, HasSubstr(" s\rupdating: 0."));
-  EXPECT_THAT(result.out, HasSubstr(" s\ndone after 0."));
+  EXPECT_THAT(result.out, HasSubstr("leave the machine on\n\rupdating: "));
+  EXPECT_THAT(result.out, HasSubstr(" s\rupdating: "));
+  EXPECT_THAT(result.out, HasSubstr(" s\ndone after "));
   const tRun asDocument = runOnTerminal({"update", "--json", fileOf({section("BIOS", "1")})});
   EXPECT_FALSE(asDocument.document().HasParseError());
 }
@@ -409,7 +412,9 @@ TEST(Progress, ElsewhereThanOnATerminal_IsALineNowAndThen) {
   }),
             7);
   EXPECT_GE(progress.elapsed(), milliseconds(350));
-  EXPECT_THAT(out.str(), StartsWith("updating: 0.1 s\nupdating: 0.2 s\n"));
+  EXPECT_THAT(out.str(), StartsWith("updating: "));
+  EXPECT_THAT(out.str(), testing::EndsWith(" s\n"));
+  EXPECT_LE(std::ranges::count(out.str(), '\n'), 3);
   EXPECT_THAT(error.str(), IsEmpty());
 }
 

@@ -144,6 +144,17 @@ TEST_F(SessionCreation, NameOf257Characters_StopsTheProcess) {
       },
       testing::KilledBySignal(SIGTRAP), "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$");
 }
+
+TEST_F(SessionCreation, NameWithoutAnEnd_StopsTheProcessBeforeItIsReadTooFar) {
+  // In memory that ends where the name does.
+  const std::vector<char> name(257, 'n');
+  EXPECT_EXIT(
+      {
+        nFakeWindows::showDebuggerOutput();
+        create(client_, name.data());
+      },
+      testing::KilledBySignal(SIGTRAP), "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$");
+}
 #endif
 
 TEST_F(SessionCreation, Demotion_IsToldToTheCallback) {

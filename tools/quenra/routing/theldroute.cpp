@@ -16,14 +16,14 @@ tHeldRoute::~tHeldRoute() {
 }
 
 void tHeldRoute::reserve() {
-  failed_ = true;
+  failed_ = true;  // until the step is done
   session_.reserve(ticket_);
   stage_ = tStage::reserved;
   failed_ = false;
 }
 
 void tHeldRoute::program() {
-  failed_ = true;
+  failed_ = true;  // until the step is done
   session_.program(ticket_);
   stage_ = tStage::programmed;
   failed_ = false;

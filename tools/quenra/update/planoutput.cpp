@@ -56,6 +56,9 @@ std::string plannedText(const tPlannedSection& planned) {
     text += wordsOf(planned.action).done.empty() ? ": " : ", although ";
     text += printableText(planned.reason);
   }
+  if (!planned.remedy().empty()) {
+    text.append("; ").append(planned.remedy());
+  }
   return text;
 }
 
@@ -145,6 +148,7 @@ void writePlan(tJsonDocument& document, const std::vector<tPlannedSection>& plan
     document.number("byteCount", static_cast<int64_t>(planned.section->byteCount.value_or(0)));
     document.text("action", actionName(planned.action));
     document.optionalText("reason", planned.reason);
+    document.optionalText("remedy", planned.remedy());
     document.endObject();
   }
   document.endArray();

@@ -32,6 +32,11 @@ struct tPlannedSection {
   tSectionAction intended;  // the action if no other section is refused
   tSectionAction action;
   std::string reason;  // why it is not applied, or is although it is not newer; often empty
+
+  // How to have it applied all the same; empty where the option is not what keeps it from being.
+  [[nodiscard]] std::string_view remedy() const noexcept {
+    return action == tSectionAction::leaveOut ? "without --only-newer it is applied" : "";
+  }
 };
 
 // In the order of application; as they stand in the image where one is refused. `machine` is null

@@ -199,6 +199,8 @@ void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
     return;
   }
   delivery_->notificationKey = {};
+  // What a driver leaves out of a notice is nothing, not what the last one said.
+  delivery_->rearmBuffer = {};
   if (!DeviceIoControl(file_.get(), REQUEST_ARM_DELIVERY, nullptr, 0, &delivery_->rearmBuffer,
                        sizeof delivery_->rearmBuffer, nullptr, &delivery_->notificationKey)) {
     if (const DWORD error = GetLastError(); error != ERROR_IO_PENDING) {

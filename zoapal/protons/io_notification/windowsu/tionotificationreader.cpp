@@ -5,6 +5,7 @@
 
 #include "zoapal/protons/driver/windowsu/tdelivery.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
+#include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/io_notification/windowsu/tionotification.h"
 #include "zoapal/protons/status/win32error.h"
 
@@ -59,6 +60,10 @@ std::shared_ptr<tNotificationRegistry> makeRegistry() noexcept {
 // Copies a notice out of its delivery, and has the next one delivered. Whom it is for, by address.
 uint64_t takeNotice(tDelivery& delivery, uint8_t* payload, uint32_t& payloadSize,
                     tStatus& status) noexcept {
+  if (isUnderWay(delivery.notificationKey)) {
+    // A completion that the driver has told before: the request is the system's again.
+    return 0;
+  }
   const tNotificationDelivery& notice = delivery.rearmBuffer;
   if (notice.payloadSize > kNotificationPayloadCapacity) {
     mergeStatus(status, nZOAPALS100::kNotificationTooLarge, kTooLarge);

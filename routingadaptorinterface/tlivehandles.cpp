@@ -1,0 +1,44 @@
+#include "routingadaptorinterface/tlivehandles.h"
+
+#include <algorithm>
+
+namespace zoroco {
+
+using nQUENRA1400::nZOAPAL000::tSlimGuard;
+
+const tLiveHandles::tEntry* tLiveHandles::find(const void* handle,
+                                               tHandleKind kind) const noexcept {
+  const auto found = std::find_if(entries_.begin(), entries_.end(), [=](const tEntry& entry) {
+    return entry.handle == handle && entry.kind == kind;
+  });
+  return found == entries_.end() ? nullptr : &*found;
+}
+
+void tLiveHandles::add(const void* handle, tHandleKind kind, const void* owner) {
+  const tSlimGuard guard(lock_);
+  const tEntry* const session = find(owner, tHandleKind::session);
+  entries_.push_back({handle, kind, lastNumber_ + 1, session == nullptr ? 0 : session->number});
+  ++lastNumber_;
+}
+
+bool tLiveHandles::remove(const void* handle, tHandleKind kind) noexcept {
+  const tSlimGuard guard(lock_);
+  return std::erase_if(entries_, [=](const tEntry& entry) {
+           return entry.handle == handle && entry.kind == kind;
+         }) != 0;
+}
+
+bool tLiveHandles::isLive(const void* handle, tHandleKind kind) noexcept {
+  const tSlimGuard guard(lock_);
+  return find(handle, kind) != nullptr;
+}
+
+bool tLiveHandles::isOwnerLive(const void* handle) noexcept {
+  const tSlimGuard guard(lock_);
+  const tEntry* const iterator = find(handle, tHandleKind::iterator);
+  return iterator != nullptr &&
+         std::any_of(entries_.begin(), entries_.end(),
+                     [iterator](const tEntry& entry) { return entry.number == iterator->owner; });
+}
+
+}  // namespace zoroco

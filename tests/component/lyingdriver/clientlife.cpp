@@ -1,0 +1,218 @@
+#include "tests/component/lyingdriver/clientlife.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "quenra.h"
+#include "quenra_routing.h"
+#include "simulator/control/tsimulatedmachine.h"
+#include "tests/builders/referencetable.h"
+#include "tests/component/lyingdriver/tlies.h"
+#include "tests/fakewindows/com.h"
+#include "tests/fakewindows/faultplan.h"
+#include "tests/fakewindows/objects.h"
+#include "tests/fakewindows/unusual.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::faultPlan;
+using nFakeWindows::machine;
+using nFakeWindows::objects;
+using nFakeWindows::tOffTheRecord;
+
+[[noreturn]] void complain(const char* what) {
+  std::fprintf(stderr, "a client of a lying driver: %s\n", what);
+  std::abort();
+}
+
+void require(bool condition, const char* what) {
+  if (!condition) {
+    complain(what);
+  }
+}
+
+// ---- Attributes ----
+
+void readText(uint32_t attribute, uint64_t room) {
+  const std::unique_ptr<char[]> buffer(room == 0 ? nullptr : new char[room]());
+  uint64_t size = room;
+  const int32_t code = QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, buffer.get(), &size);
+  require(code < 0 || size <= room, "a text is said to be longer than its buffer");
+}
+
+void useController() {
+  uint64_t handle = 0;
+  if (QUENRA_openController(&handle) < 0) {
+    return;
+  }
+  constexpr uint32_t kMartenText = QUENRA_ATTRIBUTE_FIRMWARE_VERSION + QUENRA_SELECTOR_MARTEN;
+  for (const unsigned room : {0u, 1u, 7u, 64u}) {
+    readText(kMartenText, room);
+    readText(QUENRA_ATTRIBUTE_PRODUCT_NAME, room);
+    readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS, room);
+  }
+  for (const uint32_t attribute :
+       {uint32_t{QUENRA_ATTRIBUTE_PROCESSOR_SETTING}, uint32_t{QUENRA_ATTRIBUTE_DRIVER_SETTING_1},
+        QUENRA_ATTRIBUTE_DRIVER_SETTING_2 + QUENRA_SELECTOR_MARTEN,
+        uint32_t{QUENRA_ATTRIBUTE_MEMORY_SIZE}, uint32_t{QUENRA_ATTRIBUTE_CAPABILITY_2}}) {
+    uint32_t value = 0;
+    static_cast<void>(QUENRA_getAttributeU32(handle, attribute, &value));
+  }
+  static_cast<void>(QUENRA_setAttributeUTF8(handle, QUENRA_TEXT_SETTING_OF_BOTH, "text"));
+  static_cast<void>(QUENRA_setAttributeU32(handle, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 5));
+  QUENRA_closeController(handle);
+}
+
+// ---- Routes ----
+
+char* giveRoom(char* current, size_t required, const char*, size_t) {
+  std::free(current);
+  return static_cast<char*>(std::malloc(required));
+}
+
+// Calls on a session, each with a status of its own.
+class tClient {
+ public:
+  tClient() {
+    std::array<char, 256> name{};
+    uint64_t size = name.size();
+    require(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, name.data(), &size) == 0,
+            "there is no device path");
+    with([&](zoerr_Status* status) {
+      session = zoroco_ra_quenra_createSessionWithDemotionFunc(
+          name.data(), giveRoom,
+          [](void* context, int32_t, zoerr_Status*, void*) {
+            ++*static_cast<std::atomic<int>*>(context);
+          },
+          &demotions_, status);
+    });
+  }
+  tClient(const tClient&) = delete;
+  tClient& operator=(const tClient&) = delete;
+  ~tClient() {
+    zoroco_ra_quenra_destroySession(session);
+    std::free(answer);
+  }
+
+  template <class Call>
+  void with(Call call) {
+    zoerr_Status status = zoerr_Status_initial();
+    call(&status);
+    zoerr_Status_release(&status);
+  }
+
+  zoroco_RoutingAdaptorSession* session = nullptr;
+  char* answer = nullptr;
+
+ private:
+  std::atomic<int> demotions_ = 0;
+};
+
+void useTerminals(tClient& client) {
+  zoroco_TerminalIterator* terminals = nullptr;
+  client.with([&](zoerr_Status* status) {
+    terminals = zoroco_ra_quenra_getAllTerminals(client.session, status, 0);
+  });
+  client.with([&](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(client.session, terminals, "default",
+                                                             status);
+  });
+  client.with([&](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_resetTerminal(terminals, "floating", status);
+  });
+  zoroco_ra_quenra_TerminalIterator_destroy(terminals);
+}
+
+void useRoute(tClient& client) {
+  uint32_t ticket = 1;
+  client.with([&](zoerr_Status* status) {
+    zoroco_ra_quenra_calculateRoute(client.session,
+                                    R"([{"terminal":"TRIG_SMB","cost":5,"constraints":{}}])",
+                                    R"(["PXI_Trig0","PXI_Trig1"])", "{}", &client.answer, status);
+    if (status->code >= 0 && client.answer != nullptr) {
+      const std::string text = client.answer;
+      const size_t number = text.find_first_of("0123456789");
+      ticket = number == std::string::npos
+                   ? 1
+                   : static_cast<uint32_t>(std::strtoul(&text[number], nullptr, 10));
+    }
+  });
+  client.with([&](zoerr_Status* status) {
+    zoroco_ra_quenra_reserveRoute(client.session, ticket, &client.answer, status);
+  });
+  client.with(
+      [&](zoerr_Status* status) { zoroco_ra_quenra_programRoute(client.session, ticket, status); });
+  client.with([&](zoerr_Status* status) {
+    zoroco_ra_quenra_getRouteTerminalPath(client.session, ticket, &client.answer, status);
+  });
+  zoroco_ra_quenra_unprogramRoute(client.session, ticket, 0, 0);
+  zoroco_ra_quenra_unreserveRoute(client.session, ticket, 0, 0);
+  zoroco_ra_quenra_destroyRoute(client.session, ticket, 0, 0);
+}
+
+// A notice that may name an object that is not there, or tell of a payload that is not there.
+void sendNotice(tByteSource& bytes) {
+  const tOffTheRecord offTheRecord;
+  tSimulatorNotice notice{};
+  notice.mask = 0x80000000;
+  notice.notification = bytes.byte() % 2 == 0 ? 0 : uint64_t{bytes.word()} << 16 | bytes.word();
+  notice.payloadSize = bytes.byte() % 2 == 0 ? bytes.byte() : bytes.word();
+  bytes.fill(notice.payload);
+  try {
+    nSimulator::tSimulatedMachine().notify(notice);
+  } catch (const nSimulator::tControlError&) {
+    // Nobody is registered: the driver has lied about that before.
+  }
+}
+
+void useRoutes(tByteSource& notices) {
+  tClient client;
+  useTerminals(client);
+  for (int i = 0; i < 3; ++i) {
+    sendNotice(notices);
+  }
+  useRoute(client);
+}
+
+}  // namespace
+
+void prepareMachineForLives() {
+  faultPlan().reset();
+  machine().reset();
+  nFakeWindows::com()->reset();
+  nSimulator::tSimulatedMachine().setTable(tReferenceTable().build());
+}
+
+void liveWith(nFakeWindows::tDriver driver, tByteSource& notices) {
+  machine().useDriver(std::move(driver));
+  useController();
+  useRoutes(notices);
+  machine().useDriver(nullptr);
+  objects().waitForThreads();
+  require(objects().open().empty(), "something is left open");
+}
+
+void liveWithLies(std::span<const uint8_t> bytes) {
+  constexpr size_t kBytesOfNotices = 64;
+  faultPlan().reset();
+  const uint8_t manner = bytes.empty() ? 0 : bytes[0];
+  // Waiting takes its time: seldom.
+  faultPlan().complete(manner % 32 == 1 ? nFakeWindows::tCompletion::later
+                                        : nFakeWindows::tCompletion::atOnce);
+  objects().repeatCompletions(manner / 32 % 3 + 1u);
+  const size_t bytesOfNotices = std::min(bytes.size(), kBytesOfNotices);
+  tByteSource notices(bytes.first(bytesOfNotices));
+  const auto lies = std::make_shared<tLies>(bytes.subspan(bytesOfNotices));
+  liveWith([lies](const nFakeWindows::tDriverRequest& request) { return lies->answer(request); },
+           notices);
+  objects().repeatCompletions(1);
+}
+
+}  // namespace nTests

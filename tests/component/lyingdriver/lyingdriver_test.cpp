@@ -1,0 +1,296 @@
+// A driver that lies, about everything it can lie about. Under the address sanitizer: what is read or
+// written outside a buffer ends the program.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <climits>
+#include <cstring>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include "protocol/controllerrequests.h"
+#include "protocol/routingrequests.h"
+#include "quenra.h"
+#include "quenra_routing.h"
+#include "simulator/control/tsimulatedmachine.h"
+#include "tests/component/lyingdriver/clientlife.h"
+#include "tests/fakewindows/fakewindowstest.h"
+
+namespace nTests {
+namespace {
+
+using nFakeWindows::machine;
+using nFakeWindows::objects;
+using nFakeWindows::tDriverRequest;
+
+// Answers requests with one code by these bytes, others truly.
+template <class Reply>
+auto answering(uint32_t code, const Reply& reply) {
+  return [code, reply](const tDriverRequest& request) {
+    if (request.code != code) {
+      return request.byModel();
+    }
+    std::memcpy(request.output.data(), &reply, std::min(sizeof reply, request.output.size()));
+    return tModelReply{0, static_cast<uint32_t>(request.output.size())};
+  };
+}
+
+char* giveRoom(char* current, size_t required, const char*, size_t) {
+  return static_cast<char*>(std::realloc(current, required));
+}
+
+class LyingDriver : public nFakeWindows::FakeWindowsTest {
+ protected:
+  void SetUp() override {
+    FakeWindowsTest::SetUp();
+    prepareMachineForLives();
+  }
+  void TearDown() override {
+    closeSession();
+    std::free(output);
+    machine().useDriver(nullptr);
+    FakeWindowsTest::TearDown();
+  }
+
+  static void open() {
+    uint64_t handle = 0;
+    ASSERT_EQ(QUENRA_openController(&handle), 0);
+  }
+  static void close() { QUENRA_closeController(QUENRA_HANDLE); }
+
+  void openSession() {
+    char name[256] = {};
+    uint64_t size = sizeof name;
+    ASSERT_EQ(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, name, &size), 0);
+    zoerr_Status status = zoerr_Status_initial();
+    session = zoroco_ra_quenra_createSessionWithDemotionFunc(
+        name, giveRoom,
+        [](void* context, int32_t, zoerr_Status*, void*) {
+          ++*static_cast<std::atomic<int>*>(context);
+        },
+        &demotions, &status);
+    ASSERT_EQ(status.code, 0);
+  }
+  void closeSession() {
+    zoroco_ra_quenra_destroySession(session);
+    session = nullptr;
+  }
+  // The code of one call on the session.
+  int32_t codeOf(const std::function<void(zoerr_Status*)>& call) {
+    zoerr_Status status = zoerr_Status_initial();
+    call(&status);
+    zoerr_Status_release(&status);
+    return status.code;
+  }
+  int32_t calculate() {
+    return codeOf([this](zoerr_Status* status) {
+      zoroco_ra_quenra_calculateRoute(session,
+                                      R"([{"terminal":"TRIG_SMB","cost":5,"constraints":{}}])",
+                                      R"(["PXI_Trig0","PXI_Trig1"])", "{}", &output, status);
+    });
+  }
+  int32_t reserve() {
+    return codeOf([this](zoerr_Status* status) {
+      zoroco_ra_quenra_reserveRoute(session, 1, &output, status);
+    });
+  }
+  int32_t path() {
+    return codeOf([this](zoerr_Status* status) {
+      zoroco_ra_quenra_getRouteTerminalPath(session, 1, &output, status);
+    });
+  }
+  static void notify(uint32_t payloadSize, uint64_t notification = 0) {
+    tSimulatorNotice notice{};
+    notice.mask = 0x80000000;
+    notice.payloadSize = payloadSize;
+    notice.notification = notification;
+    nSimulator::tSimulatedMachine().notify(notice);
+  }
+  [[nodiscard]] bool isTold(int times = 1) const {
+    for (int i = 0; demotions < times && i < 20000; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return demotions >= times;
+  }
+
+  zoroco_RoutingAdaptorSession* session = nullptr;
+  char* output = nullptr;
+  std::atomic<int> demotions = 0;
+};
+
+// ---- Replies ----
+
+TEST_F(LyingDriver, EveryReplyCutAtAnyLength_IsSurvived) {
+  for (uint32_t length = 0; length < 13; ++length) {
+    SCOPED_TRACE(length);
+    tByteSource notices;
+    liveWith(
+        [length](const tDriverRequest& request) {
+          tModelReply reply = request.byModel();
+          reply.size = std::min(reply.size, length);
+          return reply;
+        },
+        notices);
+  }
+}
+
+TEST_F(LyingDriver, StatusOfAnyValue_ArrivesAsItIs) {
+  open();
+  for (const int32_t code : {INT32_MIN, -1, 1, INT32_MAX}) {
+    machine().useDriver(answering(REQUEST_GET_ATTRIBUTE, tGetAttributeReply{4, code}));
+    uint32_t value = 0;
+    EXPECT_EQ(QUENRA_getAttributeU32(QUENRA_HANDLE, QUENRA_ATTRIBUTE_PROCESSOR_SETTING, &value),
+              code);
+  }
+  close();
+}
+
+TEST_F(LyingDriver, TextLongerThanItsBuffer_IsNotSaidToFillMore) {
+  open();
+  machine().useDriver(answering(REQUEST_GET_ATTRIBUTE, tGetAttributeReply{0xFFFFFFFF, 0}));
+  char text[8] = "";
+  uint64_t size = sizeof text;
+  EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, text, &size),
+            0);
+  EXPECT_EQ(size, sizeof text);
+  machine().useDriver(answering(REQUEST_GET_ATTRIBUTE,
+                                tGetAttributeReply{0xFFFFFFFF, QUENRA_STATUS_BUFFER_TOO_SMALL}));
+  EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, text, &size),
+            QUENRA_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(size, 0xFFFFFFFFu) << "what is needed is the driver's to say";
+  close();
+}
+
+TEST_F(LyingDriver, TableLargerThanAnyMachineHas_IsNotMadeRoomFor) {
+  for (const auto& [text, table] : {std::pair<uint32_t, uint32_t>{0xFFFFFFFF, 0x7FFFFFFF},
+                                    {0xFFFFFFFF, 16},
+                                    {16, 0x7FFFFFFF},
+                                    {16, 0x01000001}}) {
+    machine().useDriver(
+        answering(REQUEST_EXCHANGE_VALUES,
+                  tExchangeValuesReply{text, table, DRIVER_STATUS_BUFFER_TOO_SMALL}));
+    uint64_t handle = 0;
+    EXPECT_EQ(QUENRA_openController(&handle), QUENRA_STATUS_MEMORY_FULL) << text << " " << table;
+  }
+}
+
+// ---- Counts ----
+
+TEST_F(LyingDriver, MoreRoutesThanThereIsRoomFor_AreCutToTheRoom) {
+  openSession();
+  machine().useDriver(answering(REQUEST_CALCULATE_ROUTE, tCalculateRouteReply{7, 0xFFFFFFFF, 0}));
+  EXPECT_EQ(calculate(), 0);
+  const std::string answer = output;
+  EXPECT_EQ(std::count(answer.begin(), answer.end(), '{'), 8) << "four routes, each with a set";
+}
+
+TEST_F(LyingDriver, MoreConflictsThanCanBe_AreShortMemory) {
+  openSession();
+  for (const uint32_t count : {0x00100001u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+    machine().useDriver(
+        answering(REQUEST_RESERVE_ROUTE, tTicketListReply{count, DRIVER_STATUS_ROUTE_CONFLICT}));
+    EXPECT_EQ(reserve(), QUENRA_STATUS_MEMORY_FULL) << count;
+    EXPECT_EQ(output, nullptr);
+  }
+}
+
+TEST_F(LyingDriver, PathThatGrowsBetweenTwoRequests_IsAskedForTwiceAndThenRefused) {
+  openSession();
+  int asked = 0;
+  machine().useDriver([&asked](const tDriverRequest& request) {
+    if (request.code != REQUEST_GET_ROUTE_TERMINAL_PATH) {
+      return request.byModel();
+    }
+    const tTicketListReply reply{40u << ++asked, DRIVER_STATUS_PATH_TOO_LONG};
+    std::memcpy(request.output.data(), &reply, sizeof reply);
+    return tModelReply{0, sizeof reply};
+  });
+  EXPECT_EQ(path(), DRIVER_STATUS_PATH_TOO_LONG);
+  EXPECT_EQ(asked, 2);
+  EXPECT_EQ(output, nullptr);
+}
+
+TEST_F(LyingDriver, PathSaidToBeLongerThanItsBuffer_IsCutToTheBuffer) {
+  openSession();
+  machine().useDriver(answering(REQUEST_GET_ROUTE_TERMINAL_PATH, tTicketListReply{0xFFFFFFFF, 0}));
+  EXPECT_EQ(path(), 0);
+  EXPECT_LT(std::strlen(output), 4096u);
+}
+
+TEST_F(LyingDriver, PathOfMoreTerminalsThanThereAre_IsShortMemory) {
+  openSession();
+  machine().useDriver(answering(REQUEST_GET_ROUTE_TERMINAL_PATH,
+                                tTicketListReply{0xFFFFFFFF, DRIVER_STATUS_PATH_TOO_LONG}));
+  EXPECT_EQ(path(), QUENRA_STATUS_MEMORY_FULL);
+}
+
+// ---- Notices ----
+
+TEST_F(LyingDriver, NoticeForAnObjectThatIsNotThere_IsNobodys) {
+  openSession();
+  for (const uint64_t address : {uint64_t{1}, uint64_t{0x10000}, ~uint64_t{0},
+                                 uint64_t{reinterpret_cast<uintptr_t>(this)}}) {
+    notify(0, address);
+  }
+  notify(0);
+  EXPECT_TRUE(isTold());
+  EXPECT_EQ(demotions, 1);
+}
+
+TEST_F(LyingDriver, PayloadLargerThanItsBuffer_IsNotReadAndEndsTheNotices) {
+  for (const uint32_t size : {33u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    demotions = 0;
+    openSession();
+    notify(size);
+    notify(0);
+    // Ends the thread behind both.
+    closeSession();
+    EXPECT_EQ(demotions, 0) << size;
+  }
+}
+
+TEST_F(LyingDriver, CompletionThatComesTwice_IsTakenOnce) {
+  objects().repeatCompletions(2);
+  openSession();
+  notify(0);
+  EXPECT_TRUE(isTold());
+  closeSession();
+  objects().repeatCompletions(1);
+  EXPECT_EQ(demotions, 1);
+}
+
+TEST_F(LyingDriver, DeliveryShorterThanANotice_IsNobodys) {
+  openSession();
+  notify(0);
+  EXPECT_TRUE(isTold());
+  // The driver completes the delivery that is armed, and each that follows one more time, with none
+  // of the bytes of a notice.
+  std::atomic<int> answered = 0;
+  machine().useDriver([&answered](const tDriverRequest& request) {
+    const bool isDelivery = request.code == REQUEST_ARM_DELIVERY;
+    return isDelivery && ++answered < 4 ? tModelReply{0, 0} : request.byModel();
+  });
+  notify(0);
+  EXPECT_TRUE(isTold(2));
+  closeSession();
+  EXPECT_EQ(answered, 4);
+  EXPECT_EQ(demotions, 2) << "an old notice is not told again";
+}
+
+// ---- Anything ----
+
+TEST_F(LyingDriver, ThousandsOfLivesOfLies_AreSurvived) {
+  for (uint32_t seed = 1; seed <= 3000; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    std::vector<uint8_t> bytes(random() % 2048);
+    std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<uint8_t>(random()); });
+    liveWithLies(bytes);
+  }
+}
+
+}  // namespace
+}  // namespace nTests
