@@ -16,7 +16,7 @@ constexpr size_t kRows = 30;
 template <class Change>
 std::vector<tSoakRow> rowsWith(Change change) {
   std::vector<tSoakRow> rows;
-  for (size_t i = 0; i < kRows; ++i) {
+  for (uint32_t i = 0; i < kRows; ++i) {
     tSoakRow row{static_cast<double>(i), 100 * i, 0, {32, 26000, 40000}, {152, 23000, 30000}};
     change(row, i);
     rows.push_back(row);
@@ -29,11 +29,11 @@ std::string complaintsOf(const std::vector<tSoakRow>& rows) {
 }
 
 TEST(SoakTable, FlatMeasurements_GiveNoComplaint) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow&, size_t) {})), "");
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow&, uint32_t) {})), "");
 }
 
 TEST(SoakTable, WarmUp_IsNotGrowth) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, size_t i) {
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
               row.own.privateKib -= i < 2 ? 9000 : 0;
               row.own.handles -= i < 2 ? 9 : 0;
             })),
@@ -41,7 +41,7 @@ TEST(SoakTable, WarmUp_IsNotGrowth) {
 }
 
 TEST(SoakTable, Spikes_AreNotGrowth) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, size_t i) {
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
               row.own.privateKib += i % 3 == 2 ? 100 * i : 0;
               row.own.handles += i % 3 == 2 ? 1 : 0;
             })),
@@ -49,34 +49,37 @@ TEST(SoakTable, Spikes_AreNotGrowth) {
 }
 
 TEST(SoakTable, HandlesThatComeLate_AreNotGrowth) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, size_t i) { row.own.handles += i / 4; })), "");
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.own.handles += i / 4; })),
+            "");
 }
 
 TEST(SoakTable, HandlesThatAreLeaked_AreAComplaint) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, size_t i) { row.own.handles += i; })),
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.own.handles += i; })),
             "18 more handles\n");
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, size_t i) { row.driver.handles += i; })),
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.driver.handles += i; })),
             "18 more handles of the driver\n");
 }
 
 TEST(SoakTable, MemoryThatGrowsAllTheTime_IsAComplaint) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, size_t i) { row.own.privateKib += 100 * i; })),
-            "1800 more KiB of private memory\n");
   EXPECT_EQ(
-      complaintsOf(rowsWith([](tSoakRow& row, size_t i) { row.driver.privateKib += 100 * i; })),
+      complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.own.privateKib += 100 * i; })),
+      "1800 more KiB of private memory\n");
+  EXPECT_EQ(
+      complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.driver.privateKib += 100 * i; })),
       "1800 more KiB of the driver\n");
 }
 
 TEST(SoakTable, OneStepUp_IsNotGrowth) {
   for (const size_t step : {5u, 15u, 25u}) {
-    EXPECT_EQ(complaintsOf(rowsWith(
-                  [step](tSoakRow& row, size_t i) { row.own.privateKib += i > step ? 5000 : 0; })),
+    EXPECT_EQ(complaintsOf(rowsWith([step](tSoakRow& row, uint32_t i) {
+                row.own.privateKib += i > step ? 5000 : 0;
+              })),
               "");
   }
 }
 
 TEST(SoakTable, LongRun_IsThinnedOut) {
-  std::vector<tSoakRow> rows = rowsWith([](tSoakRow&, size_t) {});
+  std::vector<tSoakRow> rows = rowsWith([](tSoakRow&, uint32_t) {});
   for (int i = 0; i < 5; ++i) {
     rows.insert(rows.end(), rows.begin(), rows.end());
   }
