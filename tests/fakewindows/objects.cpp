@@ -8,8 +8,7 @@ namespace {
 
 // As tObjects::tObject has them.
 constexpr const char* kKinds[] = {
-    "event",   "thread",        "file", "completion port", "device information set",
-    "process", "thread"};
+    "event", "thread", "file", "completion port", "device information set", "process", "thread"};
 
 constexpr DWORD kStatusCancelled = 0xC0000120;
 // The status of a request that failed with a Windows error: the error, marked as one.
