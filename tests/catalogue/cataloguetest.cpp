@@ -13,6 +13,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// In memory where there is such a place: the files of thousands of updates need no disk.
+fs::path placeForFiles() {
+  const fs::path memory = "/dev/shm";
+  return fs::is_directory(memory) ? memory : fs::path(testing::TempDir());
+}
+
 // The name of the test that is running, as a file name.
 std::string testName() {
   const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
@@ -26,7 +32,7 @@ std::string testName() {
 void CatalogueTest::SetUp() {
   FakeWindowsTest::SetUp();
   // Tests run at the same time.
-  temporary_ = fs::path(testing::TempDir()) / ("quenra." + std::to_string(getpid()));
+  temporary_ = placeForFiles() / ("quenra." + std::to_string(getpid()));
   fs::create_directories(temporary_);
   setenv("TMPDIR", temporary_.c_str(), 1);
   // Some things are made once and stay: the locale's facets, for example.
@@ -45,8 +51,11 @@ void CatalogueTest::TearDown() {
 }
 
 void CatalogueTest::begin() const {
-  fs::remove_all(temporary_);
-  fs::create_directories(temporary_);
+  // Most scenarios leave nothing there, and a disk is slow.
+  if (!fs::is_empty(temporary_)) {
+    fs::remove_all(temporary_);
+    fs::create_directories(temporary_);
+  }
   nFakeWindows::faultPlan().reset();
   scenario().prepare();
   nFakeWindows::faultPlan().reset();

@@ -50,10 +50,15 @@ void require(bool holds, const char* promise) {
   }
 }
 
+// In memory where there is such a place: a disk is slow.
+fs::path placeForFiles() {
+  const fs::path memory = "/dev/shm";
+  return fs::is_directory(memory) ? memory : fs::temp_directory_path();
+}
+
 // A folder of this process: the temporary directory and the current one are in it.
 const fs::path& root() {
-  static const fs::path path =
-      fs::temp_directory_path() / ("quenra.fuzz." + std::to_string(getpid()));
+  static const fs::path path = placeForFiles() / ("quenra.fuzz." + std::to_string(getpid()));
   return path;
 }
 
