@@ -382,14 +382,14 @@ TEST_F(UpdateVerb, Document_HasThePromisedMembers) {
 
 TEST_F(UpdateVerb, CtrlC_StopsNothing) {
   interruption_.comes = true;
-  library_.duringUpdate = [] { std::this_thread::sleep_for(std::chrono::milliseconds(300)); };
+  library_.duringUpdate = [this] { interruption_.waitUntilAsked(2); };
   const tRun result = run({"update", fileOf({section("BIOS", "1")})});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.error, "quenra: this cannot be stopped half-way; wait until it is over\n");
 }
 
 TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
-  library_.duringUpdate = [] { std::this_thread::sleep_for(std::chrono::milliseconds(350)); };
+  library_.duringUpdate = [this] { interruption_.waitUntilAsked(interruption_.asked + 2); };
   const tRun result = runOnTerminal({"update", fileOf({section("BIOS", "1")})});
   EXPECT_THAT(result.out, HasSubstr("leave the machine on\n\rupdating: "));
   EXPECT_THAT(result.out, HasSubstr(" s\rupdating: "));
@@ -406,12 +406,12 @@ TEST(Progress, ElsewhereThanOnATerminal_IsALineNowAndThen) {
   tScriptedInterruption interruption;
   nCommandLine::tProgress progress("updating", streams, interruption, false,
                                    {milliseconds(10), milliseconds(100)});
-  EXPECT_EQ(progress.run([] {
-    std::this_thread::sleep_for(milliseconds(350));
+  EXPECT_EQ(progress.run([&interruption] {
+    interruption.waitUntilAsked(30);
     return 7;
   }),
             7);
-  EXPECT_GE(progress.elapsed(), milliseconds(350));
+  EXPECT_GE(progress.elapsed(), milliseconds(300));
   EXPECT_THAT(out.str(), StartsWith("updating: "));
   EXPECT_THAT(out.str(), testing::EndsWith(" s\n"));
   const auto lines = std::ranges::count(out.str(), '\n');
