@@ -123,12 +123,12 @@ TEST_F(Session, FirstExchangeFailing_LeavesTheProvidersTable) {
   EXPECT_TRUE(provider.hasTable());
 }
 
-TEST_F(Session, DriverThatPromisesGibibytes_CostsNoMemory) {
+TEST_F(Session, DriverThatPromisesTheMostThatIsBelieved_CostsNoMemory) {
   if constexpr (kUnderThreadSanitizer) {
     GTEST_SKIP() << "its books about so much memory are as large";
   }
-  constexpr long kMostGrowthKib = 300'000;  // a checking allocator keeps books about it
-  constexpr uint32_t kPromised = 0x7FFFFFFF;
+  constexpr long kMostGrowthKib = 16 << 10;  // a checking allocator keeps books about it
+  constexpr uint32_t kPromised = 16 << 20;   // and once more for the version text
   const tExchangeValuesReply promise{kPromised, kPromised, DRIVER_STATUS_BUFFER_TOO_SMALL};
   tSimulatorScript script{};
   script.interfaceKind = kSimulatorInterfaceController;
