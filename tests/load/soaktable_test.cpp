@@ -17,7 +17,8 @@ template <class Change>
 std::vector<tSoakRow> rowsWith(Change change) {
   std::vector<tSoakRow> rows;
   for (uint32_t i = 0; i < kRows; ++i) {
-    tSoakRow row{static_cast<double>(i), 100 * i, 0, {32, 26000, 40000}, {152, 23000, 30000}};
+    tSoakRow row{
+        static_cast<double>(i), uint64_t{100} * i, 0, {32, 26000, 40000}, {152, 23000, 30000}};
     change(row, i);
     rows.push_back(row);
   }
@@ -42,7 +43,7 @@ TEST(SoakTable, WarmUp_IsNotGrowth) {
 
 TEST(SoakTable, Spikes_AreNotGrowth) {
   EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
-              row.own.privateKib += i % 3 == 2 ? 100 * i : 0;
+              row.own.privateKib += i % 3 == 2 ? uint64_t{100} * i : 0;
               row.own.handles += i % 3 == 2 ? 1 : 0;
             })),
             "");
@@ -61,12 +62,12 @@ TEST(SoakTable, HandlesThatAreLeaked_AreAComplaint) {
 }
 
 TEST(SoakTable, MemoryThatGrowsAllTheTime_IsAComplaint) {
-  EXPECT_EQ(
-      complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.own.privateKib += 100 * i; })),
-      "1800 more KiB of private memory\n");
-  EXPECT_EQ(
-      complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.driver.privateKib += 100 * i; })),
-      "1800 more KiB of the driver\n");
+  EXPECT_EQ(complaintsOf(rowsWith(
+                [](tSoakRow& row, uint32_t i) { row.own.privateKib += uint64_t{100} * i; })),
+            "1800 more KiB of private memory\n");
+  EXPECT_EQ(complaintsOf(rowsWith(
+                [](tSoakRow& row, uint32_t i) { row.driver.privateKib += uint64_t{100} * i; })),
+            "1800 more KiB of the driver\n");
 }
 
 TEST(SoakTable, OneStepUp_IsNotGrowth) {
