@@ -5,8 +5,8 @@
 namespace nQUENRA1400 {
 
 size_t tImageText::findKey(std::string_view key, size_t from) const noexcept {
-  constexpr std::string_view kColons = "::";
-  const size_t nameLength = key.size() - kColons.size();
+  constexpr size_t kColons = 2;  // that end a key
+  const size_t nameLength = key.size() - kColons;
   const uint8_t* const end = bytes_ + size_;
   const uint8_t* const earliest = bytes_ + std::min(from + nameLength, size_);
   for (const uint8_t* at = bytes_ + std::min(from, size_);; ++at) {
@@ -14,7 +14,7 @@ size_t tImageText::findKey(std::string_view key, size_t from) const noexcept {
     if (at == end || *at == '\0') {
       return kNotFound;
     }
-    if (at < earliest || static_cast<size_t>(end - at) < kColons.size()) {
+    if (at < earliest || static_cast<size_t>(end - at) < kColons) {
       continue;
     }
     const auto start = static_cast<size_t>(at - bytes_) - nameLength;
