@@ -26,7 +26,7 @@ constexpr size_t kLargestPayload = size_t{1} << 31;
 }
 
 std::string wantedDevice(const tArguments& arguments) {
-  const std::string device = arguments.text(nWords::kDevice);
+  std::string device = arguments.text(nWords::kDevice);
   if (std::ranges::find(kDevices, device) == std::end(kDevices)) {
     refuse("there is no device '" + device + "'", "It is BIOS, MARTEN or SAFEMODE.",
            suggest(device, {std::begin(kDevices), std::end(kDevices)}));
