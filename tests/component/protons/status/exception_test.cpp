@@ -173,6 +173,14 @@ TEST_F(ExceptionTest, MergedIntoAClientThatRefuses_StoresTheCodeAlone) {
   }
 }
 
+TEST_F(ExceptionTest, MergedIntoASmallDescriptionThatOnlyPretendsToGrow_EmptiesIt) {
+  Status client = tClientHeap::statusWithDescription(24);
+  client.reallocate = &tClientHeap::pretend;
+  EXPECT_FALSE(client.mergeFrom(raised));
+  EXPECT_EQ(client.code, -77);
+  EXPECT_EQ(descriptionOf(client), "{}");
+}
+
 TEST_F(ExceptionTest, MergedFromATextWithoutEnd_ReadsNotBeyondIt) {
   const auto buffer = std::make_unique<char[]>(8);
   std::memset(buffer.get(), 'x', 8);

@@ -52,6 +52,14 @@ TEST_F(ClientReallocation, PretendedToHaveGrown_StoresTheCodeAlone) {
   expectCodeWithoutDescription(status);
 }
 
+TEST_F(ClientReallocation, CapacityWithoutADescription_IsNotBelieved) {
+  zoerr::Status status = statusOf(&tClientHeap::refuse);
+  status.capacity = 100;
+  EXPECT_TRUE(status.set(-3, kPlace));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_EQ(status.description, nullptr);
+}
+
 TEST_F(ClientReallocation, MissingFunction_StoresTheCodeAlone) {
   zoerr::Status status = statusOf(nullptr);
   EXPECT_TRUE(status.set(-3, kPlace));
