@@ -39,6 +39,7 @@ tSizes askForSizes(tController& controller, zoerr::Status& status) noexcept {
   return sizes;
 }
 
+// What is not believed is asked for as what there never is, to be told like any memory that is short.
 nZOAPAL000::tByteBuffer allocate(uint32_t bytes, tStatus& status) noexcept {
   return nZOAPAL000::allocateZeroedBytes(bytes > kLargestSize ? SIZE_MAX : bytes, status);
 }

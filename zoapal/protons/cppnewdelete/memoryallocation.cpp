@@ -10,6 +10,11 @@ constexpr nZOAPALS100::tSourceLocation kAllocationFailed{"memoryallocation", 327
 // No object is larger. Asking the heap for more would stop a program under a checking allocator.
 constexpr size_t kLargestObject = PTRDIFF_MAX;
 
+// At least one byte; null when memory is short.
+void* zeroedMemory(size_t bytes) noexcept {
+  return bytes > kLargestObject ? nullptr : std::calloc(std::max(bytes, size_t{1}), 1);
+}
+
 }  // namespace
 
 void* allocateOrReport(size_t bytes, nZOAPALS100::tStatus& status) noexcept {
@@ -27,8 +32,7 @@ tByteBuffer allocateZeroedBytes(size_t bytes, nZOAPALS100::tStatus& status) noex
   if (status.isError()) {
     return nullptr;
   }
-  const size_t size = std::max(bytes, size_t{1});
-  tByteBuffer memory(size > kLargestObject ? nullptr : static_cast<uint8_t*>(std::calloc(size, 1)));
+  tByteBuffer memory(static_cast<uint8_t*>(zeroedMemory(bytes)));
   if (!memory) {
     mergeStatus(status, nZOAPALS100::kMemoryFull, kAllocationFailed);
   }
@@ -36,8 +40,7 @@ tByteBuffer allocateZeroedBytes(size_t bytes, nZOAPALS100::tStatus& status) noex
 }
 
 tCharBuffer allocateZeroedText(uint64_t bytes) noexcept {
-  const uint64_t size = std::max(bytes, uint64_t{1});
-  return tCharBuffer(size > kLargestObject ? nullptr : static_cast<char*>(std::calloc(size, 1)));
+  return tCharBuffer(static_cast<char*>(zeroedMemory(bytes)));
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000
