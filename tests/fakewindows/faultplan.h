@@ -59,8 +59,9 @@ inline constexpr size_t kCalls = static_cast<size_t>(tCall::createProcess) + 1;
 // When an overlapped request completes.
 enum class tCompletion : uint8_t {
   atOnce,
-  later,  // it is pending first, and another thread completes it
-  never,  // it is pending until it is cancelled
+  later,       // it is pending first, and another thread completes it
+  tooFarGone,  // it is pending until it is cancelled, and completes all the same
+  never,       // it is pending until it is cancelled
 };
 
 // One call that was made.

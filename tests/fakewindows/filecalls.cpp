@@ -88,9 +88,12 @@ BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* ov
     SetLastError(outcome.error);
     return outcome.error == 0;
   }
-  if (completion == tCompletion::later) {
-    objects().addThread(std::thread([finish, file] {
-      Sleep(1);
+  if (completion != tCompletion::never) {
+    objects().addThread(std::thread([finish, file, completion] {
+      do {
+        Sleep(1);
+      } while (completion == tCompletion::tooFarGone &&
+               faultPlan().callCount(tCall::cancelIoEx) == 0);
       finish(file);
     }));
   }

@@ -111,6 +111,26 @@ TEST_F(FakeWindows, RequestThatIsCancelled_FailsAsAborted) {
   CloseHandle(event);
 }
 
+TEST_F(FakeWindows, RequestTooFarGoneToBeCancelled_Completes) {
+  faultPlan().complete(tCompletion::tooFarGone);
+  const HANDLE file = open();
+  const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = tagged(event);
+  const tExchangeValuesRequest request{};
+  tExchangeValuesReply reply{};
+  DWORD bytes = 0;
+  EXPECT_FALSE(DeviceIoControl(file, REQUEST_EXCHANGE_VALUES,
+                               const_cast<tExchangeValuesRequest*>(&request), sizeof request,
+                               &reply, sizeof reply, &bytes, &overlapped));
+  EXPECT_FALSE(CancelIoEx(file, &overlapped));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_FOUND});
+  EXPECT_TRUE(GetOverlappedResult(file, &overlapped, &bytes, TRUE));
+  EXPECT_EQ(bytes, 12u);
+  CloseHandle(file);
+  CloseHandle(event);
+}
+
 TEST_F(FakeWindows, FailedRequest_LeavesTheOutputAlone) {
   const HANDLE file = open(0);
   char output[8] = "before!";
