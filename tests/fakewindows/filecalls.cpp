@@ -29,6 +29,15 @@ tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>
   return {reply.windowsError, reply.size};
 }
 
+// As by a fault. The OVERLAPPED says that it is under way, as it does of every one that is refused.
+BOOL refuseTransfer(OVERLAPPED* overlapped, DWORD error) {
+  if (overlapped != nullptr && error != ERROR_IO_PENDING) {
+    overlapped->Internal = kStatusPending;
+  }
+  SetLastError(error);
+  return FALSE;
+}
+
 // What the three kinds of transfer have in common. `work` carries the transfer out.
 template <class Work>
 BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* overlapped,
@@ -73,10 +82,12 @@ BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* ov
   }
   const auto finish = [=](const tModelFile& on) {
     const tOutcome outcome = plannedError != 0 ? tOutcome{plannedError, 0} : work(on);
-    if (outcome.error != ERROR_IO_PENDING) {
-      const std::lock_guard lock(objects().mutex);
-      objects().complete(*overlapped, outcome.error, outcome.bytes,
-                         outcome.error != 0 && completion == tCompletion::atOnce);
+    const std::lock_guard lock(objects().mutex);
+    if (outcome.error != 0 && outcome.error != ERROR_IO_PENDING &&
+        completion == tCompletion::atOnce) {
+      objects().refuse(*overlapped);
+    } else if (outcome.error != ERROR_IO_PENDING) {
+      objects().complete(*overlapped, outcome.error, outcome.bytes);
     }
     return outcome;
   };
@@ -131,8 +142,7 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, 
                             DWORD outSize, LPDWORD bytes, LPOVERLAPPED overlapped) {
   const tInside inside;
   if (const auto error = faultPlan().enter(tCall::deviceIoControl, std::to_string(code))) {
-    SetLastError(*error);
-    return FALSE;
+    return refuseTransfer(overlapped, *error);
   }
   const auto* const bytesIn = static_cast<const uint8_t*>(in);
   const std::vector<uint8_t> input(bytesIn, bytesIn + inSize);
@@ -146,8 +156,7 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, 
 BOOL WINAPI ReadFile(HANDLE handle, LPVOID, DWORD, LPDWORD bytes, LPOVERLAPPED overlapped) {
   const tInside inside;
   if (const auto error = faultPlan().enter(tCall::readFile)) {
-    SetLastError(*error);
-    return FALSE;
+    return refuseTransfer(overlapped, *error);
   }
   return transfer(tCall::readFile, handle, nullptr, bytes, overlapped, [](const tModelFile&) {
     return tOutcome{ERROR_INVALID_FUNCTION, 0};
@@ -157,8 +166,7 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID, DWORD, LPDWORD bytes, LPOVERLAPPED o
 BOOL WINAPI WriteFile(HANDLE handle, LPCVOID, DWORD, LPDWORD bytes, LPOVERLAPPED overlapped) {
   const tInside inside;
   if (const auto error = faultPlan().enter(tCall::writeFile)) {
-    SetLastError(*error);
-    return FALSE;
+    return refuseTransfer(overlapped, *error);
   }
   return transfer(tCall::writeFile, handle, nullptr, bytes, overlapped, [](const tModelFile&) {
     return tOutcome{ERROR_INVALID_FUNCTION, 0};

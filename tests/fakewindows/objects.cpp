@@ -105,12 +105,19 @@ void tObjects::handOver(const OVERLAPPED& overlapped, const void* reply, size_t 
   }
 }
 
-void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes, bool whileBeingMade) {
+void tObjects::refuse(OVERLAPPED& overlapped) {
+  if (tFile* const file = fileOf(overlapped)) {
+    file->pending.erase(file->find(overlapped));
+  }
+  changed.notify_all();
+}
+
+void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes) {
   overlapped.InternalHigh = bytes;
   if (tFile* const file = fileOf(overlapped)) {
     file->pending.erase(file->find(overlapped));
     tPort* const port = find<tPort>(file->port);
-    if (port != nullptr && !isKeptOffPorts(overlapped) && !whileBeingMade) {
+    if (port != nullptr && !isKeptOffPorts(overlapped)) {
       port->packets.insert(port->packets.end(), repeats_, {bytes, file->key, &overlapped, error});
     }
   }

@@ -103,8 +103,11 @@ class tObjects {
   // Copies a reply to where the request behind an OVERLAPPED wants it.
   void handOver(const OVERLAPPED& overlapped, const void* reply, size_t size);
   // Completes the request behind an OVERLAPPED, which reaches the port of its file unless its event
-  // keeps it off. A request that fails while it is being made reaches no port either.
-  void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes, bool whileBeingMade = false);
+  // keeps it off.
+  void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes);
+  // Ends one that fails while it is being made: nothing tells of that but the call, and the OVERLAPPED
+  // goes on saying that the request is under way.
+  void refuse(OVERLAPPED& overlapped);
 
   // How often each completion reaches its port from now on; a driver that is sound tells it once.
   void repeatCompletions(unsigned times) { repeats_ = times; }

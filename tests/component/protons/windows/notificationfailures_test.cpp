@@ -82,6 +82,37 @@ TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsToldAtLine333) {
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 1u) << "nothing is registered";
 }
 
+// The system goes on saying of what it refused that it is under way.
+TEST_F(NotificationFailures, DeliveryThatIsRefused_IsNotWaitedForWhenTheProxyIsClosed) {
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(enable());
+  proxy.close();
+  EXPECT_EQ(faultPlan().callCount(tCall::cancelIoEx), 0u);
+}
+
+TEST_F(NotificationFailures, NextDeliveryThatIsRefused_IsNotWaitedForWhenTheProxyIsClosed) {
+  ASSERT_TRUE(enable());
+  notify("one");
+  faultPlan().reset();
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(waitOn(*reader).payload, "one");
+  notification.disable();
+  faultPlan().reset();
+  proxy.close();
+  EXPECT_EQ(faultPlan().callCount(tCall::cancelIoEx), 0u);
+}
+
+TEST_F(NotificationFailures, RegistrationThatIsRefused_IsFreedWithItsNotification) {
+  faultPlan().failCall(tCall::deviceIoControl, 2, ERROR_ACCESS_DENIED);
+  {
+    tIONotification refused;
+    EXPECT_FALSE(refused.enable(*reader, proxy, kMask, status));
+    ASSERT_NE(refused.registration(), nullptr);
+    EXPECT_TRUE(HasOverlappedIoCompleted(refused.registration())) << "else it would be left behind";
+  }
+  proxy.close();
+}
+
 TEST_F(NotificationFailures, RegistrationThatCannotBeSent_IsToldAtLine134) {
   faultPlan().failCall(tCall::deviceIoControl, 2, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());

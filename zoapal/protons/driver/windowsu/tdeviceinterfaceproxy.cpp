@@ -198,26 +198,35 @@ void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
     mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile, kArmDeliveryLine);
     return;
   }
-  delivery_->notificationKey = {};
   // What a driver leaves out of a notice is nothing, not what the last one said.
   delivery_->rearmBuffer = {};
-  if (!DeviceIoControl(file_.get(), REQUEST_ARM_DELIVERY, nullptr, 0, &delivery_->rearmBuffer,
-                       sizeof delivery_->rearmBuffer, nullptr, &delivery_->notificationKey)) {
-    if (const DWORD error = GetLastError(); error != ERROR_IO_PENDING) {
-      mergeWin32Failure(error, status, kTransferFile, kArmDeliveryLine);
-    }
+  if (const auto error = start(REQUEST_ARM_DELIVERY, nullptr, 0, &delivery_->rearmBuffer,
+                               sizeof delivery_->rearmBuffer, delivery_->notificationKey)) {
+    mergeWin32Failure(*error, status, kTransferFile, kArmDeliveryLine);
   }
 }
 
 std::optional<DWORD> tDeviceInterfaceProxy::startRequest(uint32_t code, const void* in,
                                                          uint32_t inSize,
                                                          OVERLAPPED& overlapped) noexcept {
-  if (DeviceIoControl(file_.get(), code, const_cast<void*>(in), inSize, nullptr, 0, nullptr,
+  return start(code, in, inSize, nullptr, 0, overlapped);
+}
+
+std::optional<DWORD> tDeviceInterfaceProxy::start(uint32_t code, const void* in, uint32_t inSize,
+                                                  void* out, uint32_t outSize,
+                                                  OVERLAPPED& overlapped) noexcept {
+  overlapped = {};
+  if (DeviceIoControl(file_.get(), code, const_cast<void*>(in), inSize, out, outSize, nullptr,
                       &overlapped)) {
     return std::nullopt;
   }
   const DWORD error = GetLastError();
-  return error == ERROR_IO_PENDING ? std::nullopt : std::optional(error);
+  if (error == ERROR_IO_PENDING) {
+    return std::nullopt;
+  }
+  // The system goes on saying of a request that was refused that it is under way.
+  overlapped = {};
+  return error;
 }
 
 bool tDeviceInterfaceProxy::cancelRequest(OVERLAPPED& overlapped) noexcept {

@@ -60,6 +60,9 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
  private:
   template <class Transfer>
   uint32_t transfer(tTransferLines lines, nZOAPALS100::tStatus& status, Transfer carryOut) noexcept;
+  [[nodiscard]] std::optional<DWORD> start(uint32_t code, const void* in, uint32_t inSize,
+                                           void* out, uint32_t outSize,
+                                           OVERLAPPED& overlapped) noexcept;
 
   tUniqueFile file_;
   tUniqueEvent event_;  // manual-reset; signalled when a transfer ends
