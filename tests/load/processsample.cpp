@@ -5,7 +5,11 @@
 #include <winternl.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
+#include <span>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -57,13 +61,35 @@ bool isDriver(const tProcess& process) {
          name.substr(name.size() - kDriverProcess.size()) == kDriverProcess;
 }
 
-// What Wine says of a process is how many handles its table has room for.
-uint32_t handlesOf(uintptr_t process) {
+template <class Visitor>
+void forEachHandle(Visitor visit) {
   const std::vector<std::byte> bytes = systemInformation(SystemHandleInformation);
   const auto& list = *reinterpret_cast<const tHandleList*>(bytes.data());
-  return static_cast<uint32_t>(
-      std::count_if(list.handles, list.handles + list.count,
-                    [process](const tHandle& handle) { return handle.process == process; }));
+  std::for_each(list.handles, list.handles + list.count, visit);
+}
+
+// What Wine says of a process is how many handles its table has room for.
+uint32_t handlesOf(uintptr_t process) {
+  uint32_t count = 0;
+  forEachHandle([&](const tHandle& handle) { count += handle.process == process ? 1 : 0; });
+  return count;
+}
+
+// The name of its type.
+std::string kindOf(HANDLE handle) {
+  constexpr auto kObjectTypeInformation = static_cast<OBJECT_INFORMATION_CLASS>(2);
+  alignas(UNICODE_STRING) std::array<std::byte, 1024> room{};
+  ULONG needed = 0;
+  if (NtQueryObject(handle, kObjectTypeInformation, room.data(), room.size(), &needed) < 0) {
+    return "unknown";
+  }
+  const auto& name = *reinterpret_cast<const UNICODE_STRING*>(room.data());
+  // All of them are plain words.
+  const std::wstring_view wide(name.Buffer, name.Length / sizeof(wchar_t));
+  std::string kind(wide.size(), ' ');
+  std::transform(wide.begin(), wide.end(), kind.begin(),
+                 [](wchar_t letter) { return static_cast<char>(letter); });
+  return kind;
 }
 
 template <class Condition>
@@ -76,7 +102,6 @@ tProcessSample sumOfThose(Condition belongs) {
     if (belongs(process)) {
       sum.handles += handlesOf(reinterpret_cast<uintptr_t>(process.UniqueProcessId));
       sum.privateKib += process.VirtualMemoryCounters.PagefileUsage / kBytesOfAKib;
-      sum.workingSetKib += process.VirtualMemoryCounters.WorkingSetSize / kBytesOfAKib;
     }
     step = process.NextEntryOffset;
   }
@@ -90,6 +115,33 @@ tProcessSample sampleThisProcess() {
   return sumOfThose([own](const tProcess& process) {
     return reinterpret_cast<uintptr_t>(process.UniqueProcessId) == own;
   });
+}
+
+tHeapSample sampleHeaps() {
+  constexpr DWORD kMostHeaps = 64;
+  std::array<HANDLE, kMostHeaps> heaps{};
+  const DWORD count = std::min(GetProcessHeaps(kMostHeaps, heaps.data()), kMostHeaps);
+  tHeapSample sample{};
+  for (HANDLE heap : std::span(heaps).first(count)) {
+    PROCESS_HEAP_ENTRY entry{};
+    while (HeapWalk(heap, &entry)) {
+      if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) {
+        ++sample.blocks;
+        sample.bytes += entry.cbData;
+      }
+    }
+  }
+  return sample;
+}
+
+tHandleCounts countHandles() {
+  tHandleCounts counts{};
+  forEachHandle([&counts](const tHandle& handle) {
+    if (handle.process == GetCurrentProcessId()) {
+      ++counts[indexOfHandleKind(kindOf(std::bit_cast<HANDLE>(uintptr_t{handle.value})))];
+    }
+  });
+  return counts;
 }
 
 tProcessSample sampleDriverProcesses() {

@@ -113,6 +113,9 @@ class tSoak {
       std::printf("verdict: too short to tell\n");
       return kPromiseBroken;
     }
+    std::printf("handles at first: %s\nhandles at last:  %s\n",
+                handleText(rows_.front().handles).c_str(),
+                handleText(rows_.back().handles).c_str());
     const std::string complaints = growthComplaints(growthOf(rows_));
     std::printf("verdict: %s", complaints.empty() ? "flat\n" : "growing\n");
     std::printf("%s", complaints.c_str());
@@ -179,13 +182,13 @@ class tSoak {
                            sum(&tCallTally::pendings) + sum(&tCallTally::others) +
                            sum(&tRouteTally::lives);
     const uint64_t failures = sum(&tCallTally::failures) + sum(&tRouteTally::failures);
-    rows_.push_back(
-        {passed.count(), calls, failures, sampleThisProcess(), sampleDriverProcesses()});
+    rows_.push_back({passed.count(), calls, failures, sampleThisProcess(), sampleHeaps(),
+                     countHandles(), sampleDriverProcesses()});
     const tSoakRow& row = rows_.back();
-    std::fprintf(stderr, "%5.0f s of %u: %llu calls, %llu failures, %u handles, %llu KiB\n",
+    std::fprintf(stderr, "%5.0f s of %u: %llu calls, %llu failures, %u handles, %llu heap blocks\n",
                  row.seconds, plan_.seconds, static_cast<unsigned long long>(calls),
                  static_cast<unsigned long long>(row.failures), row.own.handles,
-                 static_cast<unsigned long long>(row.own.privateKib));
+                 static_cast<unsigned long long>(row.heap.blocks));
   }
 
   // Of all threads.

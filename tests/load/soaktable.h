@@ -1,6 +1,8 @@
 #ifndef TESTS_LOAD_SOAKTABLE_H
 #define TESTS_LOAD_SOAKTABLE_H
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -15,6 +17,8 @@ struct tSoakRow {
   uint64_t calls;
   uint64_t failures;
   tProcessSample own;
+  tHeapSample heap;
+  tHandleCounts handles;
   tProcessSample driver;
 };
 
@@ -22,7 +26,8 @@ struct tSoakRow {
 // of each third counts. Memory that a leak takes grows from the first third to the second as from there
 // to the last, and what counts is twice the lesser of the two: an allocator's one step up is no leak.
 struct tSoakGrowth {
-  int64_t handles;
+  std::array<int64_t, kHandleKinds.size()> handles;
+  int64_t heapBlocks;
   int64_t privateKib;
   int64_t driverHandles;
   int64_t driverPrivateKib;
@@ -36,6 +41,8 @@ inline constexpr size_t kFewestSoakRows = 8;
 [[nodiscard]] std::string growthComplaints(const tSoakGrowth& growth);
 // As a table, thinned out where there are many rows.
 [[nodiscard]] std::string soakTable(const std::vector<tSoakRow>& rows);
+// "File 5, Key 14".
+[[nodiscard]] std::string handleText(const tHandleCounts& handles);
 
 }  // namespace nTests
 

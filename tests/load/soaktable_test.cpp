@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <string_view>
+#include <utility>
 
 namespace nTests {
 namespace {
@@ -12,13 +15,30 @@ using testing::HasSubstr;
 
 constexpr size_t kRows = 30;
 
+tHandleCounts handlesOf(std::initializer_list<std::pair<std::string_view, uint32_t>> kinds) {
+  tHandleCounts handles{};
+  for (const auto& [kind, count] : kinds) {
+    handles[indexOfHandleKind(kind)] = count;
+  }
+  return handles;
+}
+
+uint32_t& handlesOf(tSoakRow& row, std::string_view kind) {
+  return row.handles[indexOfHandleKind(kind)];
+}
+
 // Rows of a run in which nothing grows but what `change` makes of them.
 template <class Change>
 std::vector<tSoakRow> rowsWith(Change change) {
   std::vector<tSoakRow> rows;
   for (uint32_t i = 0; i < kRows; ++i) {
-    tSoakRow row{
-        static_cast<double>(i), uint64_t{100} * i, 0, {32, 26000, 40000}, {152, 23000, 30000}};
+    tSoakRow row{static_cast<double>(i),
+                 uint64_t{100} * i,
+                 0,
+                 {19, 26000},
+                 {450, 340000},
+                 handlesOf({{"File", 5}, {"Key", 14}}),
+                 {152, 23000}};
     change(row, i);
     rows.push_back(row);
   }
@@ -36,7 +56,8 @@ TEST(SoakTable, FlatMeasurements_GiveNoComplaint) {
 TEST(SoakTable, WarmUp_IsNotGrowth) {
   EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
               row.own.privateKib -= i < 2 ? 9000 : 0;
-              row.own.handles -= i < 2 ? 9 : 0;
+              handlesOf(row, "File") -= i < 2 ? 3 : 0;
+              row.heap.blocks -= i < 2 ? 200 : 0;
             })),
             "");
 }
@@ -44,21 +65,37 @@ TEST(SoakTable, WarmUp_IsNotGrowth) {
 TEST(SoakTable, Spikes_AreNotGrowth) {
   EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
               row.own.privateKib += i % 3 == 2 ? uint64_t{100} * i : 0;
-              row.own.handles += i % 3 == 2 ? 1 : 0;
+              handlesOf(row, "File") += i % 3 == 2 ? i : 0;
+              row.heap.blocks += i % 3 == 2 ? uint64_t{9} * i : 0;
             })),
             "");
 }
 
-TEST(SoakTable, HandlesThatComeLate_AreNotGrowth) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.own.handles += i / 4; })),
+TEST(SoakTable, SemaphoresOfLocksThatComeLate_AreNotGrowth) {
+  EXPECT_EQ(complaintsOf(rowsWith(
+                [](tSoakRow& row, uint32_t i) { handlesOf(row, "Semaphore") = i > 15 ? 4 : 0; })),
             "");
 }
 
+TEST(SoakTable, OneHandleOfAnyOtherKindThatComesLate_IsAComplaint) {
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
+              handlesOf(row, "File") += i > 15 ? 1 : 0;
+              handlesOf(row, "Event") = i > 15 ? 1 : 0;
+            })),
+            "1 more handles: Event\n1 more handles: File\n");
+}
+
 TEST(SoakTable, HandlesThatAreLeaked_AreAComplaint) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.own.handles += i; })),
-            "18 more handles\n");
+  EXPECT_EQ(
+      complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { handlesOf(row, "Semaphore") = i; })),
+      "18 more handles: Semaphore\n");
   EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.driver.handles += i; })),
             "18 more handles of the driver\n");
+}
+
+TEST(SoakTable, BlocksThatAreLeaked_AreAComplaint) {
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.heap.blocks += i; })),
+            "18 more blocks of the heaps\n");
 }
 
 TEST(SoakTable, MemoryThatGrowsAllTheTime_IsAComplaint) {
@@ -79,6 +116,12 @@ TEST(SoakTable, OneStepUp_IsNotGrowth) {
   }
 }
 
+TEST(SoakTable, Handles_AreToldByKind) {
+  EXPECT_EQ(handleText(handlesOf({{"Key", 14}, {"File", 5}, {"Odd", 1}})),
+            "File 5, Key 14, another kind 1");
+  EXPECT_EQ(handleText(handlesOf({})), "");
+}
+
 TEST(SoakTable, LongRun_IsThinnedOut) {
   std::vector<tSoakRow> rows = rowsWith([](tSoakRow&, uint32_t) {});
   for (int i = 0; i < 5; ++i) {
@@ -86,7 +129,9 @@ TEST(SoakTable, LongRun_IsThinnedOut) {
   }
   const std::string table = soakTable(rows);
   EXPECT_LE(std::count(table.begin(), table.end(), '\n'), 25);
-  EXPECT_THAT(table, HasSubstr("    0 s          0          0       32        26000"));
+  EXPECT_THAT(
+      table,
+      HasSubstr("    0 s          0          0       19          450       332        26000"));
 }
 
 }  // namespace
