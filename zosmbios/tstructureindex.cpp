@@ -30,7 +30,7 @@ void tStructureIndex::setOffsetAt(uint32_t position, uint16_t offset) noexcept {
 
 void tStructureIndex::clear() noexcept {
   usable_ = false;
-  firstOfType_.fill(0);
+  firstOfType_ = {};
   offsets_.reset();
 }
 
@@ -48,6 +48,7 @@ void tStructureIndex::build(const tStructureTable& table) noexcept {
   nZOAPALS100::tStatus status;
   offsets_ = nZOAPAL000::allocateBytes(firstOfType_[kTypes] * sizeof(uint16_t), status);
   if (offsets_ == nullptr) {
+    clear();
     return;
   }
   std::array<uint16_t, kTypes> placed{};

@@ -22,6 +22,7 @@ class tStructureIndex {
   void clear() noexcept;
 
   [[nodiscard]] bool isUsable() const noexcept { return usable_; }
+  // None when it is not usable.
   [[nodiscard]] std::optional<tStructureOffset> findStructure(uint8_t type,
                                                               uint32_t instance) const noexcept;
 

@@ -12,16 +12,15 @@ size_t tStructureTable::stringSetOf(tStructureOffset structure) const noexcept {
 std::optional<tStructureOffset> tStructureTable::nextStructure(
     tStructureOffset structure) const noexcept {
   size_t position = stringSetOf(structure);
-  while (position + 1 < bytes_.size()) {
-    const void* const nul = std::memchr(bytes_.data() + position, 0, bytes_.size() - 1 - position);
+  // Two NULs, and a byte behind them.
+  while (position + 2 < bytes_.size()) {
+    const void* const nul = std::memchr(bytes_.data() + position, 0, bytes_.size() - 2 - position);
     if (nul == nullptr) {
       return std::nullopt;
     }
     position = static_cast<size_t>(static_cast<const uint8_t*>(nul) - bytes_.data());
     if (bytes_[position + 1] == 0) {
-      const size_t next = position + 2;
-      return next < bytes_.size() ? std::optional(static_cast<tStructureOffset>(next))
-                                  : std::nullopt;
+      return static_cast<tStructureOffset>(position + 2);
     }
     ++position;
   }

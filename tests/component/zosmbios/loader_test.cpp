@@ -128,6 +128,7 @@ TEST_F(Loader, AnswerOfAHeaderAlone_IsATableOfNoBytes) {
   EXPECT_EQ(status_.code, 0);
   EXPECT_TRUE(provider_.hasTable());
   EXPECT_TRUE(provider_.table().bytes().empty());
+  EXPECT_STREQ(provider_.versionText(), "3.4");
 }
 
 TEST_F(Loader, AnswerSmallerThanItsHeader_IsNoTable) {

@@ -7,6 +7,7 @@
 #include "tests/component/protons/status/shortmemory.h"
 #include "tests/component/zosmbios/ttestprovider.h"
 #include "zosmbios/fieldid.h"
+#include "zosmbios/tstructureindex.h"
 
 namespace nTests {
 namespace {
@@ -49,6 +50,18 @@ TEST(ShortMemory, NoneForTheFirstTable_LeavesNone) {
   installShortOfMemory(provider, 43, 1, status);
   EXPECT_EQ(status.code, -52000);
   EXPECT_FALSE(provider.hasTable());
+}
+
+TEST(ShortMemory, IndexWithoutMemory_FindsNothing) {
+  const std::vector<uint8_t> table = tableWith(42);
+  tStructureIndex index;
+  {
+    const tShortMemory shortMemory(1);
+    index.build(tStructureTable(table));
+    EXPECT_TRUE(shortMemory.wasMet());
+  }
+  EXPECT_FALSE(index.isUsable());
+  EXPECT_EQ(index.findStructure(9, 0), std::nullopt);
 }
 
 TEST(ShortMemory, NoneForTheIndex_LetsTheWalkAnswer) {

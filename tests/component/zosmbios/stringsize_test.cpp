@@ -73,6 +73,7 @@ TEST_F(StringSize, NoBufferOfSufficientSize_IsAnInvalidParameter) {
   uint32_t size = kNeeded;
   provider_.getString(kField, 0, nullptr, &size, status);
   EXPECT_EQ(status.code, -52005);
+  EXPECT_EQ(status.line, 487u);
   EXPECT_EQ(size, kNeeded);
 }
 
@@ -81,6 +82,7 @@ TEST_F(StringSize, NoSize_IsAnInvalidParameter) {
   char buffer = '#';
   provider_.getString(kField, 0, &buffer, nullptr, status);
   EXPECT_EQ(status.code, -52005);
+  EXPECT_EQ(status.line, 488u);
   EXPECT_EQ(buffer, '#');
 }
 

@@ -60,6 +60,15 @@ TEST(VersionText, Nul_EndsIt) {
   EXPECT_EQ(readString(provider, 0xF0001).text, "3.4");
 }
 
+TEST(VersionText, AnyOtherByte_IsPartOfIt) {
+  std::string text;
+  for (int byte = 1; byte < 256; ++byte) {
+    text += static_cast<char>(byte);
+  }
+  tTestProvider provider(kTable, text);
+  EXPECT_EQ(provider.versionText(), text);
+}
+
 TEST(VersionText, NulAtByte255And256_AreTheSame) {
   for (const size_t nul : {254u, 255u}) {
     std::string text(300, 'v');
