@@ -210,8 +210,12 @@ TEST_F(UnsignedAttribute, ControllerKind_FollowsTheBusStructures) {
   EXPECT_EQ(kindOn(table), value(2)) << "a bus without a text does not count";
   table.remove(0x97);
   EXPECT_EQ(kindOn(table), value(2));
+  table.structure(0x98).cutTo(0x05);
+  EXPECT_EQ(kindOn(table), value(2)) << "the count of its slots is enough";
   table.remove(0x98);
   EXPECT_EQ(kindOn(table), value(3));
+  table.structure(0x9F).cutTo(0x05);
+  EXPECT_EQ(kindOn(table), value(3)) << "its first byte is enough";
   table.remove(0x9F);
   EXPECT_EQ(kindOn(table), value(4));
   table.structure(0x96).byte(0x0C, 1);

@@ -49,5 +49,10 @@ TEST(NormalisedTextOfTheLongestString, HasRoom) {
   EXPECT_EQ(tNormalisedText(longest, tSegments::one).view(), "0" + longest);
 }
 
+TEST(NormalisedTextOfMoreThanTheLongestString, IsCutToIt) {
+  const std::string longest(128, ':');
+  EXPECT_EQ(tNormalisedText(std::string(1000, ':'), tSegments::one).view(), "0" + longest);
+}
+
 }  // namespace
 }  // namespace nTests

@@ -93,6 +93,16 @@ TEST_F(TextReader, PositionBeyondAList_FailsAtTheListsLine) {
   EXPECT_EQ(readText(0x1006A605), (tFailure{-26934, 858}));
 }
 
+TEST_F(TextReader, PositionBeyondTheRoomOfAList_FailsAtTheListsLine) {
+  tReferenceTable table;
+  table.structure(0x98).byte(0x04, 255);
+  table.structure(0xA3).byte(0x06, 255);
+  install(table);
+  EXPECT_EQ(readText(0x10025904), (tFailure{-26934, 732}));
+  EXPECT_EQ(readText(0x1006A505), (tFailure{-26934, 795}));
+  EXPECT_EQ(readText(0x1006A605), (tFailure{-26934, 858}));
+}
+
 TEST_F(TextReader, ListWithoutItsStructure_FailsAtLine2569) {
   install(tReferenceTable().remove(0x98));
   EXPECT_EQ(readText(0x10025900), (tFailure{-26934, 2569}));
@@ -110,6 +120,29 @@ TEST_F(TextReader, FirmwareVersionFromMarten_SeesSizeAndEarlierWarning) {
   EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{0x10000400, 100, 5}));
 }
 
+TEST_F(TextReader, FirmwareVersionFromMartenWithoutABuffer_FailsAtLine2771) {
+  martenIsOpen = true;
+  zoerr::tOwnedStatus status;
+  uint64_t size = 100;
+  readTextAttribute(access(), 0x10000400, nullptr, &size, status);
+  EXPECT_EQ(status.code, -52005);
+  EXPECT_EQ(lineOf(status), 2771u);
+  EXPECT_EQ(size, 100u);
+  EXPECT_TRUE(marten.questions.empty());
+}
+
+TEST_F(TextReader, MartenThatSaysItFilledMoreThanThereIs_IsNotBelieved) {
+  martenIsOpen = true;
+  marten.answerText(0x10000400, "M-1");
+  marten.exaggeration = 1000;
+  zoerr::tOwnedStatus status;
+  uint64_t size = 100;
+  readTextAttribute(access(), 0x10000400, buffer, &size, status);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(size, 100u);
+  EXPECT_STREQ(buffer, "M-1");
+}
+
 TEST_F(TextReader, AnyTypeWithNumber4_IsAskedOfAnOpenMarten) {
   martenIsOpen = true;
   for (const uint32_t attribute :
@@ -123,6 +156,15 @@ TEST_F(TextReader, AnyTypeWithNumber4_IsAskedOfAnOpenMarten) {
 TEST_F(TextReader, DriversFailure_TellsTheDriversPlace) {
   martenIsOpen = true;
   EXPECT_EQ(readText(0x10000400), (tFailure{-26934, 1}));
+}
+
+TEST_F(TextReader, LongestTextThatThereIs_IsReadWhole) {
+  const std::string longest = "07:" + std::string(125, 'x');
+  tReferenceTable table;
+  table.structure(0x97).text(0x04, longest);
+  install(table);
+  EXPECT_EQ(readText(0x1001F400), (tFailure{0, 0}));
+  EXPECT_EQ(buffer, longest);
 }
 
 TEST_F(TextReader, ALocationThatIsRead_DropsAnEarlierWarning) {

@@ -43,6 +43,8 @@ class tAttributeStore {
   void answerText(uint32_t attribute, const std::string& text) {
     answers[attribute] = {text + '\0', 0};
   }
+  // How many bytes more a text that was handed over is said to have.
+  uint32_t exaggeration = 0;
   // What a write is answered with.
   int32_t writeCode = 0;
   std::vector<tQuestion> writes;
@@ -67,11 +69,12 @@ class tAttributeStore {
     const auto needed = static_cast<uint32_t>(bytes.size());
     if (size < needed) {
       mergeStatus(status, -26930, "driver", "store", 2);
+      size = needed;
     } else {
       std::memcpy(reinterpret_cast<void*>(static_cast<uintptr_t>(buffer)), bytes.data(), needed);
       mergeStatus(status, answer->second.code, "driver", "store", 3);
+      size = needed + exaggeration;
     }
-    size = needed;
   }
 };
 

@@ -57,6 +57,20 @@ TEST_F(Writers, ForbiddenOrdinaryTextWithoutMarten_FailsAtLine2656) {
   EXPECT_EQ(writeText(0x10000100), (tFailure{-26934, 2656}));
 }
 
+TEST_F(Writers, NoText_FailsAtLine2657) {
+  zoerr::tOwnedStatus status;
+  writeTextAttribute(access(), 0x10000100, nullptr, status);
+  EXPECT_EQ((tFailure{status.code, lineOf(status)}), (tFailure{-52005, 2657}));
+  EXPECT_TRUE(controller.writes.empty());
+}
+
+TEST_F(Writers, TextOf256Bytes_FailsAtLine2658) {
+  zoerr::tOwnedStatus status;
+  writeTextAttribute(access(), 0x10000100, std::string(256, 'x').c_str(), status);
+  EXPECT_EQ((tFailure{status.code, lineOf(status)}), (tFailure{-26935, 2658}));
+  EXPECT_TRUE(controller.writes.empty());
+}
+
 TEST_F(Writers, NumberOnAClosedInterface_FailsAtItsLine) {
   EXPECT_EQ(writeUnsigned(0x20200600), (tFailure{-26932, 1718}));
   controllerIsOpen = false;
