@@ -21,6 +21,11 @@ using nFakeWindows::tCompletion;
 
 const auto kControllerClass = std::bit_cast<GUID>(kControllerInterfaceClass);
 
+// With its lowest bit set: no port is told.
+HANDLE tagged(HANDLE event) {
+  return static_cast<char*>(event) + 1;
+}
+
 class FakeWindows : public nFakeWindows::FakeWindowsTest {
  protected:
   static HDEVINFO list() {
@@ -32,7 +37,6 @@ class FakeWindows : public nFakeWindows::FakeWindowsTest {
     return CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE,
                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, flags, nullptr);
   }
-  static HANDLE tagged(HANDLE event) { return static_cast<char*>(event) + 1; }
 };
 using FakeWindowsDeathTest = FakeWindows;
 
@@ -72,25 +76,53 @@ TEST_F(FakeWindows, FileThatIsNotThere_IsNotFound) {
   EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
 }
 
+// A request under way, for values that fill twelve bytes.
+class tExchange {
+ public:
+  explicit tExchange(HANDLE file) : file_(file) {
+    overlapped.hEvent = tagged(event);
+    const tExchangeValuesRequest request{};
+    EXPECT_FALSE(DeviceIoControl(file, REQUEST_EXCHANGE_VALUES,
+                                 const_cast<tExchangeValuesRequest*>(&request), sizeof request,
+                                 &reply_, sizeof reply_, &bytes_, &overlapped));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
+  }
+  tExchange(const tExchange&) = delete;
+  tExchange& operator=(const tExchange&) = delete;
+  ~tExchange() {
+    CloseHandle(file_);
+    CloseHandle(event);
+  }
+
+  void expectCompletion() {
+    EXPECT_TRUE(GetOverlappedResult(file_, &overlapped, &bytes_, TRUE));
+    EXPECT_EQ(bytes_, 12u);
+    EXPECT_EQ(reply_.driverStatus, DRIVER_STATUS_BUFFER_TOO_SMALL);
+  }
+
+  HANDLE event = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+  OVERLAPPED overlapped{};
+
+ private:
+  HANDLE file_;
+  tExchangeValuesReply reply_{};
+  DWORD bytes_ = 0;
+};
+
 TEST_F(FakeWindows, RequestThatIsPending_SignalsItsEventWhenItCompletes) {
   faultPlan().complete(tCompletion::later);
+  tExchange exchange(open());
+  EXPECT_EQ(WaitForSingleObject(exchange.event, INFINITE), DWORD{WAIT_OBJECT_0});
+  exchange.expectCompletion();
+}
+
+TEST_F(FakeWindows, RequestTooFarGoneToBeCancelled_Completes) {
+  faultPlan().complete(tCompletion::tooFarGone);
   const HANDLE file = open();
-  const HANDLE event = CreateEventA(nullptr, TRUE, TRUE, nullptr);
-  OVERLAPPED overlapped{};
-  overlapped.hEvent = tagged(event);
-  const tExchangeValuesRequest request{};
-  tExchangeValuesReply reply{};
-  DWORD bytes = 0;
-  EXPECT_FALSE(DeviceIoControl(file, REQUEST_EXCHANGE_VALUES,
-                               const_cast<tExchangeValuesRequest*>(&request), sizeof request,
-                               &reply, sizeof reply, &bytes, &overlapped));
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_IO_PENDING});
-  EXPECT_EQ(WaitForSingleObject(event, INFINITE), DWORD{WAIT_OBJECT_0});
-  EXPECT_TRUE(GetOverlappedResult(file, &overlapped, &bytes, TRUE));
-  EXPECT_EQ(bytes, 12u);
-  EXPECT_EQ(reply.driverStatus, DRIVER_STATUS_BUFFER_TOO_SMALL);
-  CloseHandle(file);
-  CloseHandle(event);
+  tExchange exchange(file);
+  EXPECT_FALSE(CancelIoEx(file, &exchange.overlapped));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_FOUND});
+  exchange.expectCompletion();
 }
 
 TEST_F(FakeWindows, RequestThatIsCancelled_FailsAsAborted) {
@@ -107,26 +139,6 @@ TEST_F(FakeWindows, RequestThatIsCancelled_FailsAsAborted) {
   EXPECT_EQ(GetLastError(), DWORD{ERROR_OPERATION_ABORTED});
   EXPECT_FALSE(CancelIoEx(file, &overlapped));
   EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_FOUND});
-  CloseHandle(file);
-  CloseHandle(event);
-}
-
-TEST_F(FakeWindows, RequestTooFarGoneToBeCancelled_Completes) {
-  faultPlan().complete(tCompletion::tooFarGone);
-  const HANDLE file = open();
-  const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-  OVERLAPPED overlapped{};
-  overlapped.hEvent = tagged(event);
-  const tExchangeValuesRequest request{};
-  tExchangeValuesReply reply{};
-  DWORD bytes = 0;
-  EXPECT_FALSE(DeviceIoControl(file, REQUEST_EXCHANGE_VALUES,
-                               const_cast<tExchangeValuesRequest*>(&request), sizeof request,
-                               &reply, sizeof reply, &bytes, &overlapped));
-  EXPECT_FALSE(CancelIoEx(file, &overlapped));
-  EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_FOUND});
-  EXPECT_TRUE(GetOverlappedResult(file, &overlapped, &bytes, TRUE));
-  EXPECT_EQ(bytes, 12u);
   CloseHandle(file);
   CloseHandle(event);
 }
