@@ -43,5 +43,26 @@ TEST(AttributeTables, HoldEveryAttributeOnceUnderItsOwnType) {
   EXPECT_EQ(seen.size(), 22u + 27u);
 }
 
+// Whose value is computed, or asked of the driver.
+bool isWithoutAField(const nQUENRA1400::tUnsignedRow& row) {
+  using enum nQUENRA1400::tUnsignedRule;
+  return row.rule == controllerKind || row.rule == memoryModuleCount ||
+         row.rule == firmwareUpdateSupport || row.rule == interfacesPresent || row.rule == driver;
+}
+
+TEST(AttributeTables, RowsOfRulesThatReadNoField_NameNone) {
+  for (const auto& row : nQUENRA1400::nUnsignedTable::kRows) {
+    EXPECT_EQ(row.field == 0, isWithoutAField(row)) << std::hex << row.attribute;
+  }
+}
+
+TEST(AttributeTables, RowsWithoutAField_SayWhereOtherInstancesAreRefused) {
+  for (const auto& row : nQUENRA1400::nUnsignedTable::kRows) {
+    const bool refusesInstances =
+        isWithoutAField(row) && row.attribute != QUENRA_ATTRIBUTE_INTERFACES_PRESENT;
+    EXPECT_EQ(row.instanceLine != 0, refusesInstances) << std::hex << row.attribute;
+  }
+}
+
 }  // namespace
 }  // namespace nTests

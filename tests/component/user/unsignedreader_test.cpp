@@ -48,6 +48,14 @@ TEST_F(UnsignedReader, PositionBeyondTheList_FailsAtLine1153) {
   EXPECT_EQ(readUnsigned(0x20025A04), (tFailure{-26934, 1153}));
 }
 
+TEST_F(UnsignedReader, PositionBeyondTheRoomOfTheList_FailsAtLine1153) {
+  tReferenceTable table;
+  table.structure(0x98).byte(0x04, 255);
+  install(table);
+  EXPECT_EQ(readUnsigned(0x20025A03).code, 0);
+  EXPECT_EQ(readUnsigned(0x20025A04), (tFailure{-26934, 1153}));
+}
+
 TEST_F(UnsignedReader, UpdateSupportUnknown_FailsAtLine1324) {
   install(tReferenceTable().remove(0x9E));
   EXPECT_EQ(readUnsigned(0x2001F400), (tFailure{-26932, 1324}));
