@@ -33,6 +33,21 @@ class NotificationFailures : public NotificationTest {
     NotificationTest::TearDown();
   }
   bool enable() { return notification.enable(*reader, proxy, kMask, status); }
+  // Enables the next one from another thread, while this one associates the device with the port.
+  bool enableTogetherWith(tIONotification& next) {
+    std::thread another;
+    faultPlan().beforeCall(tCall::createIoCompletionPort, 1, [&] {
+      another = std::thread([&] {
+        tStatus own;
+        next.enable(*reader, proxy, kMask, own);
+        EXPECT_EQ(own.code, 0);
+      });
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    });
+    const bool enabled = enable();
+    another.join();
+    return enabled;
+  }
   void expectFailureOf(const char* file, int32_t code, uint32_t line) {
     EXPECT_EQ(status.code, code);
     EXPECT_EQ(status.line, line);
@@ -66,6 +81,23 @@ TEST_F(NotificationFailures, PortThatTakesNoDevice_ToldWithAWarning_LeavesNobody
   expectFailureOf("tdeviceinterfaceproxy", 52011, 315);
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
   expectTheNextWorks();
+}
+
+TEST_F(NotificationFailures, DeviceThatIsBeingAssociated_IsWaitedForByTheNextNotification) {
+  tIONotification next;
+  EXPECT_TRUE(enableTogetherWith(next));
+  EXPECT_TRUE(next.isEnabled());
+  EXPECT_EQ(faultPlan().callCount(tCall::createIoCompletionPort), 1u);
+  next.disable();
+}
+
+TEST_F(NotificationFailures, DeviceThatCouldNotBeAssociated_IsAssociatedByTheNextNotification) {
+  tIONotification next;
+  faultPlan().failCall(tCall::createIoCompletionPort, 1, ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(enableTogetherWith(next));
+  EXPECT_TRUE(next.isEnabled());
+  EXPECT_EQ(faultPlan().callCount(tCall::createIoCompletionPort), 2u);
+  next.disable();
 }
 
 TEST_F(NotificationFailures, RegistrationThatCannotBeSent_WithoutALastError_IsAFailureAllTheSame) {

@@ -165,6 +165,8 @@ bool tDeviceInterfaceProxy::associate(HANDLE port, tStatus& status) noexcept {
   if (status.isError()) {
     return false;
   }
+  // Who comes second goes on when the first has done it, or could not.
+  const tSlimGuard guard(associating_);
   HANDLE before = nullptr;
   if (!completionPort_.compare_exchange_strong(before, port) && before == port) {
     return true;

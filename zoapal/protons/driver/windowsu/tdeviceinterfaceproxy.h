@@ -13,6 +13,7 @@
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
+#include "zoapal/protons/synchronization/windowsu/tslimlock.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 
@@ -67,6 +68,7 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
   tUniqueFile file_;
   tUniqueEvent event_;  // manual-reset; signalled when a transfer ends
   std::atomic_flag eventInUse_;
+  tSlimLock associating_;
   std::atomic<HANDLE> completionPort_ = nullptr;
   std::unique_ptr<tDelivery> delivery_;
 };
