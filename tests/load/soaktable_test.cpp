@@ -71,24 +71,30 @@ TEST(SoakTable, Spikes_AreNotGrowth) {
             "");
 }
 
-TEST(SoakTable, SemaphoresOfLocksThatComeLate_AreNotGrowth) {
-  EXPECT_EQ(complaintsOf(rowsWith(
-                [](tSoakRow& row, uint32_t i) { handlesOf(row, "Semaphore") = i > 15 ? 4 : 0; })),
+TEST(SoakTable, ObjectsOfTheSystemThatComeLate_AreNotGrowth) {
+  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
+              handlesOf(row, "Directory") += i > 15 ? 1 : 0;
+              handlesOf(row, "Event") += i > 15 ? 1 : 0;
+              handlesOf(row, "Mutant") += i > 15 ? 1 : 0;
+              handlesOf(row, "Semaphore") += i > 15 ? 4 : 0;
+            })),
             "");
 }
 
 TEST(SoakTable, OneHandleOfAnyOtherKindThatComesLate_IsAComplaint) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
-              handlesOf(row, "File") += i > 15 ? 1 : 0;
-              handlesOf(row, "Event") = i > 15 ? 1 : 0;
-            })),
-            "1 more handles: Event\n1 more handles: File\n");
+  for (const std::string_view kind : {"File", "IoCompletion", "Key", "Process", "Thread"}) {
+    EXPECT_EQ(complaintsOf(rowsWith(
+                  [kind](tSoakRow& row, uint32_t i) { handlesOf(row, kind) += i > 15 ? 1 : 0; })),
+              "1 more handles: " + std::string(kind) + '\n');
+  }
 }
 
 TEST(SoakTable, HandlesThatAreLeaked_AreAComplaint) {
-  EXPECT_EQ(
-      complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { handlesOf(row, "Semaphore") = i; })),
-      "18 more handles: Semaphore\n");
+  for (const std::string_view kind : kHandleKinds) {
+    EXPECT_EQ(
+        complaintsOf(rowsWith([kind](tSoakRow& row, uint32_t i) { handlesOf(row, kind) += i; })),
+        "18 more handles: " + std::string(kind) + '\n');
+  }
   EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.driver.handles += i; })),
             "18 more handles of the driver\n");
 }
