@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -154,7 +155,8 @@ void planRefusal(tProvider& input) {
   if (nth == 0 || nth > 8) {
     return;
   }
-  const auto code = input.ConsumeIntegral<int32_t>();
+  // A driver that says yes and means no would have the update believe in another marker.
+  const auto code = input.ConsumeIntegralInRange<int32_t>(std::numeric_limits<int32_t>::min(), -1);
   const auto size = input.ConsumeIntegral<uint32_t>();
   nFakeWindows::machine().useDriver(
       [nth, code, size, count = 0u](const nFakeWindows::tDriverRequest& request) mutable {
@@ -171,6 +173,11 @@ void planRefusal(tProvider& input) {
 }
 
 // ---- The image ----
+
+// How many bytes of an image are changed at most.
+constexpr unsigned kMostChanges = 3;
+// What a name begins with that leads out of the update's folder.
+constexpr std::string_view kBeside = "beside.";
 
 // Names that lead nowhere but into the folder of this process.
 std::string anyName(tProvider& input) {
@@ -206,7 +213,8 @@ std::string anyImage(tProvider& input) {
   std::string image = nTests::firmwareImage(sections);
   // A few bytes of it are changed, to such as cannot make a name another place.
   constexpr std::string_view kCharacters = "0a:=\"\r\n \xE9";
-  for (auto changes = input.ConsumeIntegralInRange<unsigned>(0, 3); changes != 0; --changes) {
+  for (auto changes = input.ConsumeIntegralInRange<unsigned>(0, kMostChanges); changes != 0;
+       --changes) {
     if (!image.empty()) {
       image[input.ConsumeIntegralInRange<size_t>(0, image.size() - 1)] =
           kCharacters[input.ConsumeIntegralInRange<size_t>(0, kCharacters.size() - 1)];
@@ -232,6 +240,17 @@ bool isUpdateFolder(const std::string& name) {
          name[23] == '-';
 }
 
+// Whether an image may have named it so, to lie beside the update's folder: some of its bytes may have
+// been changed, one of them so that it ends the name.
+bool isNamedBeside(const std::string& name) {
+  const size_t length = std::min(name.size(), kBeside.size());
+  unsigned changed = length < kBeside.size() ? 1 : 0;
+  for (size_t i = 0; i < length; ++i) {
+    changed += name[i] == kBeside[i] ? 0 : 1;
+  }
+  return changed <= kMostChanges;
+}
+
 void requireFilesInTheirPlaces() {
   for (const auto& entry : fs::directory_iterator(root())) {
     const std::string name = entry.path().filename().string();
@@ -239,7 +258,7 @@ void requireFilesInTheirPlaces() {
   }
   for (const auto& entry : fs::directory_iterator(root() / "temporary")) {
     const std::string name = entry.path().filename().string();
-    require(entry.is_directory() ? isUpdateFolder(name) : name.starts_with("beside."),
+    require(entry.is_directory() ? isUpdateFolder(name) : isNamedBeside(name),
             "no file outside the update's folder");
   }
   for (const auto& entry : fs::directory_iterator(root() / "current")) {
