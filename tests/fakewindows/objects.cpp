@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
+#include <string_view>
 
 namespace nFakeWindows {
 namespace {
@@ -25,6 +27,13 @@ bool isKeptOffPorts(const OVERLAPPED& overlapped) {
   return (reinterpret_cast<uintptr_t>(overlapped.hEvent) & 1) != 0;
 }
 
+// From here on the OVERLAPPED belongs to the code that started the request.
+void storeStatus(OVERLAPPED& overlapped, DWORD error, DWORD bytes) {
+  overlapped.InternalHigh = bytes;
+  std::atomic_ref<ULONG_PTR>(overlapped.Internal)
+      .store(statusOfError(error), std::memory_order_release);
+}
+
 }  // namespace
 
 std::vector<tTransfer>::iterator tFile::find(const OVERLAPPED& request) {
@@ -35,6 +44,12 @@ std::vector<tTransfer>::iterator tFile::find(const OVERLAPPED& request) {
 
 DWORD errorOfStatus(DWORD status) noexcept {
   return status == kStatusCancelled ? DWORD{ERROR_OPERATION_ABORTED} : status & 0xFFFF;
+}
+
+tFinalStatus finalStatusOfThisRun() {
+  const char* const chosen = std::getenv("FAKE_WINDOWS_FINAL_STATUS");
+  return chosen != nullptr && std::string_view(chosen) == "dequeue" ? tFinalStatus::atDequeue
+                                                                    : tFinalStatus::atCompletion;
 }
 
 tObjects& objects() {
@@ -51,6 +66,9 @@ HANDLE tObjects::add(tObject object) {
 }
 
 bool tObjects::remove(HANDLE handle) {
+  if (const tPort* const port = find<tPort>(handle)) {
+    losePackets(*port);
+  }
   return objects_.erase(number(handle)) != 0;
 }
 
@@ -113,22 +131,50 @@ void tObjects::refuse(OVERLAPPED& overlapped) {
 }
 
 void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes) {
-  overlapped.InternalHigh = bytes;
-  if (tFile* const file = fileOf(overlapped)) {
-    file->pending.erase(file->find(overlapped));
-    tPort* const port = find<tPort>(file->port);
-    if (port != nullptr && !isKeptOffPorts(overlapped)) {
-      port->packets.insert(port->packets.end(), repeats_, {bytes, file->key, &overlapped, error});
-    }
+  tFile* const file = fileOf(overlapped);
+  if (file == nullptr) {
+    // Completed before; its status may still wait in a packet.
+    return;
+  }
+  file->pending.erase(file->find(overlapped));
+  const bool completesToPort = file->port != nullptr && !isKeptOffPorts(overlapped);
+  const bool isDeferred = completesToPort && finalStatus_ == tFinalStatus::atDequeue;
+  if (completesToPort) {
+    queuePackets({bytes, file->key, &overlapped, error, isDeferred}, file->port);
   }
   if (tEvent* const event = find<tEvent>(overlapped.hEvent)) {
     event->signalled = true;
   }
-  // As with the system, whoever started the request may look whether it has ended, and then do with
-  // the OVERLAPPED what they like.
-  std::atomic_ref<ULONG_PTR>(overlapped.Internal)
-      .store(statusOfError(error), std::memory_order_release);
+  if (!isDeferred) {
+    storeStatus(overlapped, error, bytes);
+  }
   changed.notify_all();
+}
+
+void tObjects::queuePackets(tPacket packet, HANDLE handle) {
+  tPort* const port = find<tPort>(handle);
+  if (port == nullptr) {
+    ++lostPackets_;
+    return;
+  }
+  port->packets.push_back(packet);
+  packet.carriesStatus = false;
+  port->packets.insert(port->packets.end(), repeats_ - 1, packet);
+}
+
+tPacket tObjects::dequeue(tPort& port) {
+  const tPacket packet = port.packets.front();
+  port.packets.pop_front();
+  if (packet.carriesStatus) {
+    storeStatus(*packet.overlapped, packet.error, packet.bytes);
+  }
+  return packet;
+}
+
+void tObjects::losePackets(const tPort& port) {
+  lostPackets_ += static_cast<unsigned>(
+      std::count_if(port.packets.begin(), port.packets.end(),
+                    [](const tPacket& packet) { return packet.overlapped != nullptr; }));
 }
 
 void tObjects::addThread(std::thread thread) {

@@ -49,6 +49,8 @@ struct tPacket {
   ULONG_PTR key;
   OVERLAPPED* overlapped;
   DWORD error;
+  // Dequeuing the packet is the moment at which its OVERLAPPED receives the final status.
+  bool carriesStatus = false;
 };
 struct tPort {
   std::deque<tPacket> packets;
@@ -64,6 +66,15 @@ struct tProgramThread {};
 // What an OVERLAPPED says of its request.
 inline constexpr DWORD kStatusPending = 0x103;
 [[nodiscard]] DWORD errorOfStatus(DWORD status) noexcept;
+
+// When the OVERLAPPED of a request that completes to a port receives its final status. Windows
+// permits both; code that works with one only is wrong.
+enum class tFinalStatus : uint8_t {
+  atCompletion,
+  atDequeue,  // not before the packet is dequeued, and never if the port is closed first
+};
+// As the environment variable FAKE_WINDOWS_FINAL_STATUS says: "dequeue", or absent.
+[[nodiscard]] tFinalStatus finalStatusOfThisRun();
 
 // Everything that has a handle, under one lock. Handles are never used twice, so that one that is
 // used after its end is noticed.
@@ -109,8 +120,17 @@ class tObjects {
   // goes on saying that the request is under way.
   void refuse(OVERLAPPED& overlapped);
 
-  // How often each completion reaches its port from now on; a driver that is sound tells it once.
+  // How often each completion reaches its port from now on; a well-behaved driver completes a
+  // request once.
   void repeatCompletions(unsigned times) { repeats_ = times; }
+
+  // When requests that complete to a port receive their final status from now on.
+  void useFinalStatus(tFinalStatus when) { finalStatus_ = when; }
+  // Takes the next packet off a port, which has one, and stores the status that it carries.
+  [[nodiscard]] tPacket dequeue(tPort& port);
+  // Requests whose packet can no longer be dequeued, because their port was closed first. Their
+  // OVERLAPPED never receives a final status. Counted from the last call on.
+  [[nodiscard]] unsigned takeLostPackets() { return lostPackets_.exchange(0); }
 
   // Threads that the library started or that complete requests; joined by waitForThreads().
   void addThread(std::thread thread);
@@ -122,10 +142,14 @@ class tObjects {
   }
 
   [[nodiscard]] tFile* fileOf(const OVERLAPPED& overlapped);
+  void queuePackets(tPacket packet, HANDLE port);
+  void losePackets(const tPort& port);
 
   std::map<uintptr_t, tObject> objects_;
   std::vector<std::thread> threads_;
   std::atomic<unsigned> repeats_ = 1;
+  std::atomic<tFinalStatus> finalStatus_ = finalStatusOfThisRun();
+  std::atomic<unsigned> lostPackets_ = 0;
   uintptr_t next_ = 0x1000;
 };
 

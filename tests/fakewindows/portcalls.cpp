@@ -53,9 +53,7 @@ BOOL WINAPI GetQueuedCompletionStatus(HANDLE handle, LPDWORD bytes, PULONG_PTR k
     SetLastError(WAIT_TIMEOUT);
     return FALSE;
   }
-  tPort& port = *objects().find<tPort>(handle);
-  const tPacket packet = port.packets.front();
-  port.packets.pop_front();
+  const tPacket packet = objects().dequeue(*objects().find<tPort>(handle));
   *bytes = packet.bytes;
   *key = packet.key;
   *overlapped = packet.overlapped;
@@ -76,7 +74,7 @@ BOOL WINAPI PostQueuedCompletionStatus(HANDLE handle, DWORD bytes, ULONG_PTR key
   const std::lock_guard lock(objects().mutex);
   tPort* const port = objects().find<tPort>(handle);
   expectUsual(port != nullptr, kCall, "not a port, or one that was closed");
-  port->packets.push_back({bytes, key, overlapped, 0});
+  port->packets.push_back({bytes, key, overlapped, 0, false});
   objects().changed.notify_all();
   return TRUE;
 }
