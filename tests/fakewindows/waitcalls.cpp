@@ -67,6 +67,12 @@ DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL all
   return static_cast<DWORD>(WAIT_OBJECT_0 + waitForAny(kCall, {handles, count}));
 }
 
+ULONGLONG WINAPI GetTickCount64(void) {
+  const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+  return static_cast<ULONGLONG>(
+      std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
+}
+
 void WINAPI Sleep(DWORD milliseconds) {
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }

@@ -202,6 +202,26 @@ TEST_F(NotificationReader, OfAnotherReader_CannotShareAProxy) {
   EXPECT_EQ(waitOn(*reader).payload, "first") << "the first goes on";
 }
 
+TEST_F(NotificationReader, EnabledAtSecondReader_FirstReader_NoLongerKnowsIt) {
+  tDeviceInterfaceProxy secondProxy;
+  openController(secondProxy, status);
+  tIONotificationReader secondReader(makePort());
+  tIONotification keeper;  // keeps the first reader's delivery armed
+  ASSERT_TRUE(keeper.enable(*reader, proxy, 1, status));
+  ASSERT_TRUE(notification.enable(*reader, proxy, 2, status));
+  ASSERT_TRUE(notification.enable(secondReader, secondProxy, kMask, status));
+
+  const tNotice ended = waitOn(*reader);
+  EXPECT_EQ(ended.kind, kRegistrationEnded);
+  EXPECT_EQ(ended.notification, nullptr);
+  notify("misaddressed", 1, notification.address());
+  EXPECT_EQ(waitOn(*reader).notification, nullptr);
+  notify("right");
+  EXPECT_EQ(waitOn(secondReader).notification, &notification);
+  notification.disable();
+  keeper.disable();
+}
+
 TEST_F(NotificationReader, Disabled_TellsThatItsRegistrationHasEnded) {
   notification.enable(*reader, proxy, kMask, status);
   notification.disable();
@@ -226,7 +246,9 @@ TEST_F(NotificationReader, DisabledOnAClosedProxy_AsksNothing) {
 TEST_F(NotificationReader, EnabledAgain_IsRegisteredOnce) {
   notification.enable(*reader, proxy, kMask, status);
   EXPECT_TRUE(notification.enable(*reader, proxy, kMask, status));
-  EXPECT_EQ(waitOn(*reader).kind, kRegistrationEnded) << "of the first time";
+  const tNotice first = waitOn(*reader);
+  EXPECT_EQ(first.kind, kRegistrationEnded) << "the earlier registration";
+  EXPECT_EQ(first.notification, &notification) << "identified although a later one exists";
   notify("once");
   EXPECT_EQ(waitOn(*reader).payload, "once");
   EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
@@ -395,6 +417,34 @@ TEST_F(ThreadedReader, DestroyedWhileItsCallbackRuns_WaitsForIt) {
   destroyer.join();
   EXPECT_TRUE(destroyed);
   EXPECT_FALSE(heard.isInside);
+}
+
+TEST_F(ThreadedReader, CallbackRunning_DisableDoesNotWaitForIt) {
+  reader->start(hear, status);
+  notification.enable(*reader, proxy, kMask, status);
+  heard.mayLeave = false;
+  notify("slow");
+  ASSERT_TRUE(becomesTrue([] { return heard.isInside.load(); }));
+  notification.disable();
+  EXPECT_TRUE(heard.isInside) << "the callback has not returned yet";
+  heard.mayLeave = true;
+}
+
+TEST_F(ThreadedReader, EnabledAgainWhileNoticesArrive_EndsEveryRegistrationOnce) {
+  constexpr size_t kRounds = 50;
+  reader->start(hear, status);
+  for (size_t round = 0; round < kRounds; ++round) {
+    ASSERT_TRUE(notification.enable(*reader, proxy, kMask, status));
+    notify("x");
+  }
+  notification.disable();
+  const auto ended = [] {
+    const std::lock_guard lock(heard.mutex);
+    return std::count(heard.kinds.begin(), heard.kinds.end(), kRegistrationEnded);
+  };
+  EXPECT_TRUE(becomesTrue([&] { return ended() == kRounds; }));
+  reader.reset();
+  EXPECT_EQ(ended(), kRounds);
 }
 
 TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {

@@ -275,7 +275,7 @@ TEST_F(DeviceInterfaceProxy, DeliveryOnAStatusInError_CallsNothing) {
   open();
   status.code = -1;
   proxy.armDelivery(status);
-  EXPECT_FALSE(proxy.associate(nullptr, status));
+  EXPECT_FALSE(proxy.associate(nullptr, nullptr, status));
   EXPECT_EQ(status.code, -1);
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }

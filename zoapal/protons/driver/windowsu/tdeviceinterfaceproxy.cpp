@@ -1,5 +1,7 @@
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 
+#include <new>
+
 #include "protocol/requestcodes.h"
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
@@ -18,9 +20,14 @@ constexpr uint32_t kCreateAcceptedEventLine = 238;
 constexpr uint32_t kAssociateLine = 315;
 constexpr uint32_t kArmDeliveryLine = 333;
 
-// How long a cancelled request is waited for: a driver takes no time for it, unless it is broken.
-constexpr int kCancelPauses = 2000;
-constexpr DWORD kCancelPauseMilliseconds = 1;
+// Null when out of memory.
+std::shared_ptr<tDelivery> makeDelivery() noexcept {
+  try {
+    return std::make_shared<tDelivery>();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
 
 }  // namespace
 
@@ -55,11 +62,11 @@ void tDeviceInterfaceProxy::open(const tDevicePath& path, tStatus& status) noexc
 }
 
 void tDeviceInterfaceProxy::close() noexcept {
-  if (delivery_ && !cancelRequest(delivery_->notificationKey)) {
-    // The driver may still write into it: better lost than freed.
-    static_cast<void>(delivery_.release());
+  if (registry_) {
+    registry_->detach(file_.get());
   }
   delivery_.reset();
+  registry_.reset();
   completionPort_ = nullptr;
   file_.reset();
   event_.reset();
@@ -161,35 +168,40 @@ void tDeviceInterfaceProxy::endPendingRequest(tPendingRequest& request) noexcept
   request = {};
 }
 
-bool tDeviceInterfaceProxy::associate(HANDLE port, tStatus& status) noexcept {
+bool tDeviceInterfaceProxy::associate(const std::shared_ptr<tPortRegistry>& registry, HANDLE port,
+                                      tStatus& status) noexcept {
   if (status.isError()) {
     return false;
   }
-  // Who comes second goes on when the first has done it, or could not.
+  // Serialises concurrent callers: the second one finds the association complete.
   const tSlimGuard guard(associating_);
-  HANDLE before = nullptr;
-  if (!completionPort_.compare_exchange_strong(before, port) && before == port) {
-    return true;
+  const bool isAssociated = completionPort_ == port && registry_ == registry;
+  if (!isAssociated && !createAssociation(registry, port, status)) {
+    return false;
   }
-  bool isAssociated = false;
-  if (!delivery_) {
-    delivery_.reset(new (std::nothrow) tDelivery{.proxy = this});
-  }
-  if (!delivery_) {
+  armDelivery(status);
+  return true;
+}
+
+bool tDeviceInterfaceProxy::createAssociation(const std::shared_ptr<tPortRegistry>& registry,
+                                              HANDLE port, tStatus& status) noexcept {
+  const std::shared_ptr<tDelivery> delivery = makeDelivery();
+  if (!delivery || !registry || !registry->add(delivery)) {
     mergeStatus(status, nZOAPALS100::kMemoryFull, "quenra", kTransferFile, kAssociateLine);
-  } else if (CreateIoCompletionPort(file_.get(), port,
-                                    reinterpret_cast<ULONG_PTR>(&delivery_->notificationKey),
-                                    0) == nullptr) {
+    return false;
+  }
+  delivery->file = file_.get();
+  delivery->proxy = this;
+  // Fails for a file that is associated with another port: a file has one port for life.
+  if (CreateIoCompletionPort(file_.get(), port, delivery->notificationKey(), 0) == nullptr) {
     mergeWin32Failure(GetLastError(), status, kTransferFile, kAssociateLine);
-  } else {
-    isAssociated = true;
+    registry->remove(*delivery);
+    return false;
   }
-  if (isAssociated) {
-    armDelivery(status);
-  } else {
-    completionPort_ = before;
-  }
-  return isAssociated;
+  completionPort_ = port;
+  registry_ = registry;
+  delivery_ = delivery;
+  return true;
 }
 
 void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
@@ -200,46 +212,34 @@ void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
     mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile, kArmDeliveryLine);
     return;
   }
-  // What a driver leaves out of a notice is nothing, not what the last one said.
+  if (!registry_->markSent(*delivery_)) {
+    return;
+  }
+  // A driver that fills less than it reports must not deliver the previous notice again.
   delivery_->rearmBuffer = {};
   if (const auto error = start(REQUEST_ARM_DELIVERY, nullptr, 0, &delivery_->rearmBuffer,
-                               sizeof delivery_->rearmBuffer, delivery_->notificationKey)) {
+                               sizeof delivery_->rearmBuffer, *delivery_)) {
+    registry_->markIdle(*delivery_);
     mergeWin32Failure(*error, status, kTransferFile, kArmDeliveryLine);
   }
 }
 
 std::optional<DWORD> tDeviceInterfaceProxy::startRequest(uint32_t code, const void* in,
                                                          uint32_t inSize,
-                                                         OVERLAPPED& overlapped) noexcept {
-  return start(code, in, inSize, nullptr, 0, overlapped);
+                                                         tPortRequest& request) noexcept {
+  return start(code, in, inSize, nullptr, 0, request);
 }
 
 std::optional<DWORD> tDeviceInterfaceProxy::start(uint32_t code, const void* in, uint32_t inSize,
                                                   void* out, uint32_t outSize,
-                                                  OVERLAPPED& overlapped) noexcept {
-  overlapped = {};
+                                                  tPortRequest& request) noexcept {
+  request.overlapped = {};
   if (DeviceIoControl(file_.get(), code, const_cast<void*>(in), inSize, out, outSize, nullptr,
-                      &overlapped)) {
+                      &request.overlapped)) {
     return std::nullopt;
   }
   const DWORD error = GetLastError();
-  if (error == ERROR_IO_PENDING) {
-    return std::nullopt;
-  }
-  // The system goes on saying of a request that was refused that it is under way.
-  overlapped = {};
-  return error;
-}
-
-bool tDeviceInterfaceProxy::cancelRequest(OVERLAPPED& overlapped) noexcept {
-  for (int i = 0; i < kCancelPauses && isUnderWay(overlapped); ++i) {
-    // Again each time: it may have failed, and does no harm to a request that is about to end.
-    CancelIoEx(file_.get(), &overlapped);
-    if (isUnderWay(overlapped)) {
-      Sleep(kCancelPauseMilliseconds);
-    }
-  }
-  return !isUnderWay(overlapped);
+  return error == ERROR_IO_PENDING ? std::nullopt : std::optional(error);
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

@@ -9,8 +9,8 @@
 
 #include "zoapal/protons/driver/iinterfaceproxy.h"
 #include "zoapal/protons/driver/tdevicepath.h"
-#include "zoapal/protons/driver/windowsu/tdelivery.h"
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
+#include "zoapal/protons/driver/windowsu/tportregistry.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 #include "zoapal/protons/synchronization/windowsu/tslimlock.h"
@@ -21,8 +21,8 @@ namespace nQUENRA1400::nZOAPAL000 {
 //
 // Failures arrive as mapped Windows errors, located at "tdeviceinterfaceproxy". deviceControl, read,
 // write and the beginning and ending of pending requests may overlap on one proxy; open and close may
-// not overlap any of these. Closing cancels the requests that are still pending; whoever reads the port
-// has ended by then.
+// not overlap any of these. Closing cancels the requests that are still pending and does not wait for
+// them; the reader of the port has ended by then.
 class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
  public:
   tDeviceInterfaceProxy() = default;
@@ -43,34 +43,39 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
                                nZOAPALS100::tStatus& status) noexcept override;
   void endPendingRequest(tPendingRequest& request) noexcept override;
 
-  // For notifications (io_notification/). Lets the notices of this device arrive at a completion
-  // port, and arms the delivery of the first, unless the port has them already. False when they do
-  // not arrive there. Any thread.
-  bool associate(HANDLE port, nZOAPALS100::tStatus& status) noexcept;
-  // Has the driver deliver the next notice.
+  // For notifications (io_notification/).
+
+  // INVALID_HANDLE_VALUE when the proxy is closed. Borrowed.
+  [[nodiscard]] HANDLE file() const noexcept { return file_.get(); }
+  // Associates the device with a completion port, once, and arms the delivery of the next notice
+  // unless it is armed. Returns true if the device is associated with this port, also when arming
+  // has failed; the next call arms again. Any thread.
+  bool associate(const std::shared_ptr<tPortRegistry>& registry, HANDLE port,
+                 nZOAPALS100::tStatus& status) noexcept;
+  // Makes the driver deliver the next notice. Does nothing while a delivery is armed or read.
   void armDelivery(nZOAPALS100::tStatus& status) noexcept;
-  // Starts a request without a reply whose completion arrives at the port. Gives the Windows error
-  // with which it failed at once, if it did; 0 when the system does not tell one. `overlapped` is the
-  // system's until it completes.
+  // Starts a request without a reply, which is in the registry of the port. Returns the Windows error
+  // with which the call failed, 0 when it set none, or nothing if the request was started.
   [[nodiscard]] std::optional<DWORD> startRequest(uint32_t code, const void* in, uint32_t inSize,
-                                                  OVERLAPPED& overlapped) noexcept;
-  // Cancels such a request and waits a while for its end. False when it is still under way: its
-  // memory must then stay.
-  [[nodiscard]] bool cancelRequest(OVERLAPPED& overlapped) noexcept;
+                                                  tPortRequest& request) noexcept;
 
  private:
   template <class Transfer>
   uint32_t transfer(tTransferLines lines, nZOAPALS100::tStatus& status, Transfer carryOut) noexcept;
+  [[nodiscard]] bool createAssociation(const std::shared_ptr<tPortRegistry>& registry, HANDLE port,
+                                       nZOAPALS100::tStatus& status) noexcept;
   [[nodiscard]] std::optional<DWORD> start(uint32_t code, const void* in, uint32_t inSize,
                                            void* out, uint32_t outSize,
-                                           OVERLAPPED& overlapped) noexcept;
+                                           tPortRequest& request) noexcept;
 
   tUniqueFile file_;
   tUniqueEvent event_;  // manual-reset; signalled when a transfer ends
   std::atomic_flag eventInUse_;
   tSlimLock associating_;
-  std::atomic<HANDLE> completionPort_ = nullptr;
-  std::unique_ptr<tDelivery> delivery_;
+  HANDLE completionPort_ = nullptr;  // with which the file is associated; guarded by associating_
+  // Of that port. Ports are compared by their registry, because a handle value can be used again.
+  std::shared_ptr<tPortRegistry> registry_;
+  std::shared_ptr<tDelivery> delivery_;
 };
 
 }  // namespace nQUENRA1400::nZOAPAL000

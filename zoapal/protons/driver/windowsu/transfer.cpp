@@ -11,18 +11,18 @@ constexpr ULONG_PTR kStatusPending = 0x103;
 
 }  // namespace
 
-bool isUnderWay(OVERLAPPED& overlapped) noexcept {
+bool isPending(OVERLAPPED& overlapped) noexcept {
   return std::atomic_ref<ULONG_PTR>(overlapped.Internal).load(std::memory_order_acquire) ==
          kStatusPending;
 }
 
-HANDLE taggedForNoPort(HANDLE event) noexcept {
+HANDLE suppressCompletionPacket(HANDLE event) noexcept {
   return static_cast<char*>(event) + 1;
 }
 
 void abandonTransfer(HANDLE file, OVERLAPPED& overlapped, HANDLE event) noexcept {
-  // A transfer that has ended may have done so because its file was closed: that handle is nobody's.
-  if (isUnderWay(overlapped)) {
+  // A transfer may have ended because its file was closed, whose handle is then no longer valid.
+  if (isPending(overlapped)) {
     CancelIoEx(file, &overlapped);
     waitFor(event);
   }
@@ -32,7 +32,7 @@ uint32_t controlDevice(HANDLE file, HANDLE event, uint32_t code, const void* in,
                        void* out, uint32_t outSize, nZOAPALS100::tStatus& status) noexcept {
   return carryOutTransfer(file, event, kDeviceControlLines, status,
                           [=](HANDLE device, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
-                            // The parameter is not const although the system only reads from it.
+                            // The parameter is not const although Windows only reads from it.
                             return DeviceIoControl(device, code, const_cast<void*>(in), inSize, out,
                                                    outSize, bytes, overlapped);
                           });

@@ -18,24 +18,26 @@ inline constexpr tTransferLines kDeviceControlLines{110, 115};
 inline constexpr tTransferLines kReadLines{148, 153};
 inline constexpr tTransferLines kWriteLines{189, 194};
 
-// With its lowest bit set, the event keeps the completion off a port that the handle may be
-// associated with: whoever reads the port is to see notifications only. Handles are multiples of 4.
-[[nodiscard]] HANDLE taggedForNoPort(HANDLE event) noexcept;
+// Sets the lowest bit of the event, so that Windows queues no completion packet although the file
+// may be associated with a port: the reader of that port expects notifications only. Handles are
+// multiples of 4.
+[[nodiscard]] HANDLE suppressCompletionPacket(HANDLE event) noexcept;
 
-// Whether the system still owns a request and its OVERLAPPED.
-[[nodiscard]] bool isUnderWay(OVERLAPPED& overlapped) noexcept;
+// Whether the final status of a request has not been stored yet. A stored status proves that the
+// request has ended; a missing one proves nothing before the completion packet, if any, is dequeued.
+[[nodiscard]] bool isPending(OVERLAPPED& overlapped) noexcept;
 
-// After a failed wait the system may still own the transfer, which writes into the caller's memory
-// and into `overlapped`: neither may be left before it has ended.
+// After a failed wait Windows may still own the transfer, which writes to the caller's memory and to
+// `overlapped`: cancels it and waits for its end.
 void abandonTransfer(HANDLE file, OVERLAPPED& overlapped, HANDLE event) noexcept;
 
 // Starts one overlapped transfer and waits for its end. The event is manual-reset and serves no
-// other transfer meanwhile. Returns the bytes transferred; 0 on failure.
+// other transfer meanwhile. Returns the number of bytes transferred, 0 on failure.
 template <class Start>
 uint32_t carryOutTransfer(HANDLE file, HANDLE event, tTransferLines lines,
                           nZOAPALS100::tStatus& status, Start start) noexcept {
   OVERLAPPED overlapped{};
-  overlapped.hEvent = taggedForNoPort(event);
+  overlapped.hEvent = suppressCompletionPacket(event);
   DWORD bytes = 0;
   if (start(file, &bytes, &overlapped)) {
     return bytes;

@@ -4,7 +4,6 @@
 
 #include "protocol/notificationrequests.h"
 #include "protocol/requestcodes.h"
-#include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/status/win32error.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
@@ -17,15 +16,20 @@ constexpr const char* kFile = "tionotification";
 constexpr tSourceLocation kPrepare{kFile, 120};
 constexpr uint32_t kRegisterLine = 134;
 
+// Null when out of memory.
+std::shared_ptr<tPortRequest> makeRequest() noexcept {
+  try {
+    return std::make_shared<tPortRequest>();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 }  // namespace
 
 tIONotification::~tIONotification() {
   if (registry_) {
     registry_->remove(*this);
-  }
-  if (overlapped_ && isUnderWay(*overlapped_)) {
-    // The driver may still write into it: better lost than freed.
-    static_cast<void>(overlapped_.release());
   }
 }
 
@@ -37,34 +41,51 @@ bool tIONotification::enable(tIONotificationReader& reader, tDeviceInterfaceProx
   if (enabled_) {
     disable();
   }
+  if (registry_ && registry_ != reader.registry()) {
+    registry_->remove(*this);
+    registry_.reset();
+  }
   proxy_ = &proxy;
   mask_ = mask;
-  const bool isAssociated = proxy.associate(reader.port(), status);
+  const bool isAssociated = proxy.associate(reader.registry(), reader.port(), status);
   if (isAssociated) {
-    registerAt(reader, status);
+    registerAt(reader.registry(), status);
   }
   enabled_ = isAssociated && !status.isError();
   return enabled_;
 }
 
-void tIONotification::registerAt(tIONotificationReader& reader, tStatus& status) noexcept {
+// A request of its own for each registration: Windows owns that of an earlier one until its packet
+// is dequeued.
+bool tIONotification::prepare(const std::shared_ptr<tPortRegistry>& registry) noexcept {
+  registration_ = makeRequest();
+  if (!registration_ || !registry->add(*this)) {
+    return false;
+  }
+  registry_ = registry;
+  registration_->file = proxy_->file();
+  registration_->notification = this;
+  return registry->add(registration_);
+}
+
+void tIONotification::registerAt(const std::shared_ptr<tPortRegistry>& registry,
+                                 tStatus& status) noexcept {
   if (status.isError()) {
     return;
   }
-  if (overlapped_ && isUnderWay(*overlapped_)) {
-    static_cast<void>(overlapped_.release());
-  }
-  overlapped_.reset(new (std::nothrow) OVERLAPPED{});
-  registry_ = reader.registry();
-  if (!overlapped_ || !registry_ || !registry_->add(*this)) {
+  if (!prepare(registry)) {
     mergeStatus(status, nZOAPALS100::kMemoryFull, kPrepare);
     return;
   }
   const tRegisterNotificationRequest request{address(), mask_, 0};
+  static_cast<void>(registry->markSent(*registration_));
   if (const auto error = proxy_->startRequest(REQUEST_REGISTER_NOTIFICATION, &request,
-                                              sizeof request, *overlapped_)) {
+                                              sizeof request, *registration_)) {
+    registry->markIdle(*registration_);
     mergeWin32Failure(*error, status, kFile, kRegisterLine);
   }
+  // Now, if the call has failed; with its packet otherwise.
+  registry->remove(*registration_);
 }
 
 void tIONotification::disable() noexcept {
@@ -73,8 +94,8 @@ void tIONotification::disable() noexcept {
     tStatus unreported;
     proxy_->deviceControl(REQUEST_UNREGISTER_NOTIFICATION, &request, sizeof request, nullptr, 0,
                           unreported);
-    // A driver that has not ended the registration by now is made to.
-    static_cast<void>(proxy_->cancelRequest(*overlapped_));
+    // Ends the registration also if the driver did not.
+    registry_->cancel(*registration_);
   }
   enabled_ = false;
 }

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
-#include "zoapal/protons/driver/windowsu/tdelivery.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
-#include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/io_notification/windowsu/tionotification.h"
 #include "zoapal/protons/status/win32error.h"
 
@@ -21,9 +20,15 @@ constexpr tSourceLocation kTooLarge{kFile, 76};
 constexpr uint32_t kWakeLine = 101;
 constexpr DWORD kWakeBytes = sizeof(tNotificationDelivery);
 
-struct tCompletion {
+// A driver completes a cancelled request at once, unless it misbehaves.
+constexpr ULONGLONG kDrainMilliseconds = 2000;
+// A cancellation that failed is repeated after this time.
+constexpr DWORD kCancelAgainMilliseconds = 10;
+
+struct tPacket {
   ULONG_PTR key = 0;
   OVERLAPPED* overlapped = nullptr;
+  bool succeeded = false;
 
   [[nodiscard]] bool isWakeUp() const noexcept { return key == 0 && overlapped == nullptr; }
   [[nodiscard]] bool isDelivery() const noexcept {
@@ -31,39 +36,27 @@ struct tCompletion {
   }
 };
 
-// The next completion that succeeded. Failed ones are nobody's concern: they are requests that were
-// cancelled. False when the wait itself failed.
-bool dequeue(HANDLE port, tCompletion& completion, tStatus& status, uint32_t timeoutMs) noexcept {
-  for (;;) {
-    DWORD bytes = 0;
-    completion = {};
-    const BOOL succeeded =
-        GetQueuedCompletionStatus(port, &bytes, &completion.key, &completion.overlapped, timeoutMs);
-    if (succeeded && (completion.overlapped != nullptr || completion.isWakeUp())) {
-      return true;
-    }
-    if (!succeeded && completion.overlapped == nullptr) {
-      mergeWin32Failure(GetLastError(), status, kFile, kWaitLine);
-      return false;
-    }
-  }
+// Returns false when no packet was dequeued; the last error gives the reason.
+bool dequeue(HANDLE port, tPacket& packet, DWORD timeoutMs) noexcept {
+  DWORD bytes = 0;
+  packet = {};
+  packet.succeeded =
+      GetQueuedCompletionStatus(port, &bytes, &packet.key, &packet.overlapped, timeoutMs) != FALSE;
+  return packet.succeeded || packet.overlapped != nullptr;
 }
 
-std::shared_ptr<tNotificationRegistry> makeRegistry() noexcept {
+std::shared_ptr<tPortRegistry> makeRegistry() noexcept {
   try {
-    return std::make_shared<tNotificationRegistry>();
+    return std::make_shared<tPortRegistry>();
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
 }
 
-// Copies a notice out of its delivery, and has the next one delivered. Whom it is for, by address.
-uint64_t takeNotice(tDelivery& delivery, uint8_t* payload, uint32_t& payloadSize,
-                    tStatus& status) noexcept {
-  if (isUnderWay(delivery.notificationKey)) {
-    // A completion that the driver has told before: the request is the system's again.
-    return 0;
-  }
+// Copies a notice out of its delivery and arms the next one. Returns the notification's address as
+// the driver gave it; 0 for a payload that is too large, which leaves the delivery unarmed.
+uint64_t readNotice(tPortRegistry& registry, const tDelivery& delivery, uint8_t* payload,
+                    uint32_t& payloadSize, tStatus& status) noexcept {
   const tNotificationDelivery& notice = delivery.rearmBuffer;
   if (notice.payloadSize > kNotificationPayloadCapacity) {
     mergeStatus(status, nZOAPALS100::kNotificationTooLarge, kTooLarge);
@@ -72,6 +65,7 @@ uint64_t takeNotice(tDelivery& delivery, uint8_t* payload, uint32_t& payloadSize
   payloadSize = notice.payloadSize;
   std::copy_n(notice.payload, payloadSize, payload);
   const uint64_t address = notice.notification;
+  registry.markIdle(delivery);
   tStatus unreported;
   delivery.proxy->armDelivery(unreported);
   return address;
@@ -82,29 +76,76 @@ uint64_t takeNotice(tDelivery& delivery, uint8_t* payload, uint32_t& payloadSize
 tIONotificationReader::tIONotificationReader(tUniquePort port) noexcept
     : port_(std::move(port)), registry_(makeRegistry()) {}
 
-tIONotificationReader::~tIONotificationReader() = default;
+tIONotificationReader::~tIONotificationReader() {
+  if (registry_) {
+    drain();
+  }
+}
+
+void tIONotificationReader::drain() noexcept {
+  const ULONGLONG start = GetTickCount64();
+  while (registry_->cancelAll()) {
+    if (GetTickCount64() - start >= kDrainMilliseconds) {
+      tPortRegistry::abandon(registry_);
+      return;
+    }
+    tPacket packet;
+    if (dequeue(port_.get(), packet, kCancelAgainMilliseconds)) {
+      discard(registry_->resolve(packet.overlapped));
+    } else if (GetLastError() != WAIT_TIMEOUT) {
+      Sleep(kCancelAgainMilliseconds);
+    }
+  }
+}
 
 tIONotification* tIONotificationReader::wait(uint32_t& kind, uint8_t* payload,
                                              uint32_t& payloadSize, tStatus& status,
                                              uint32_t timeoutMs) noexcept {
   kind = kNotificationDelivered;
   payloadSize = 0;
-  tCompletion completion;
-  if (status.isError() || !dequeue(port_.get(), completion, status, timeoutMs)) {
+  while (!status.isError()) {
+    tPacket packet;
+    if (!dequeue(port_.get(), packet, timeoutMs)) {
+      mergeWin32Failure(GetLastError(), status, kFile, kWaitLine);
+      return nullptr;
+    }
+    if (packet.isWakeUp()) {
+      kind = kNotificationWakeUp;
+      return nullptr;
+    }
+    const tDequeued dequeued = registry_ ? registry_->resolve(packet.overlapped) : tDequeued{};
+    if (packet.succeeded && packet.overlapped != nullptr) {
+      return packet.isDelivery() ? readDelivery(dequeued, payload, payloadSize, status)
+                                 : endRegistration(dequeued, kind);
+    }
+    // A request that was cancelled, or that failed.
+    discard(dequeued);
+  }
+  return nullptr;
+}
+
+tIONotification* tIONotificationReader::readDelivery(const tDequeued& dequeued, uint8_t* payload,
+                                                     uint32_t& payloadSize,
+                                                     tStatus& status) noexcept {
+  if (!dequeued.request) {
     return nullptr;
   }
-  if (completion.isWakeUp()) {
-    kind = kNotificationWakeUp;
-    return nullptr;
+  const auto& delivery = static_cast<const tDelivery&>(*dequeued.request);
+  const uint64_t address = readNotice(*registry_, delivery, payload, payloadSize, status);
+  return address == 0 ? nullptr : registry_->find(address);
+}
+
+tIONotification* tIONotificationReader::endRegistration(const tDequeued& dequeued,
+                                                        uint32_t& kind) noexcept {
+  kind = kNotificationRegistrationEnded;
+  discard(dequeued);
+  return dequeued.notification;
+}
+
+void tIONotificationReader::discard(const tDequeued& dequeued) noexcept {
+  if (dequeued.request) {
+    registry_->markIdle(*dequeued.request);
   }
-  if (!completion.isDelivery()) {
-    kind = kNotificationRegistrationEnded;
-    return registry_ ? registry_->findRegistration(completion.overlapped) : nullptr;
-  }
-  // The OVERLAPPED is the first member of its delivery.
-  auto& delivery = *reinterpret_cast<tDelivery*>(completion.overlapped);
-  const uint64_t address = takeNotice(delivery, payload, payloadSize, status);
-  return registry_ && address != 0 ? registry_->findAddress(address) : nullptr;
 }
 
 void tIONotificationReader::wake(tStatus& status) noexcept {
