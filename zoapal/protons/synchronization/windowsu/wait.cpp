@@ -3,23 +3,20 @@
 #include <iterator>
 
 namespace nQUENRA1400::nZOAPAL000 {
-namespace {
-
-constexpr DWORD kPauseMilliseconds = 1;
-
-}  // namespace
 
 void waitFor(HANDLE object) noexcept {
-  while (WaitForSingleObject(object, INFINITE) == WAIT_FAILED) {
-    Sleep(kPauseMilliseconds);
-  }
+  constexpr uint32_t kLine = 22;
+  repeatUntilDone(kLine, "ASSERT(WaitForSingleObject)", [object]() noexcept {
+    return WaitForSingleObject(object, INFINITE) != WAIT_FAILED;
+  });
 }
 
 void waitForEither(HANDLE first, HANDLE second) noexcept {
-  const HANDLE objects[] = {first, second};
-  while (WaitForMultipleObjects(std::size(objects), objects, FALSE, INFINITE) == WAIT_FAILED) {
-    Sleep(kPauseMilliseconds);
-  }
+  constexpr uint32_t kLine = 31;
+  repeatUntilDone(kLine, "ASSERT(WaitForMultipleObjects)", [=]() noexcept {
+    const HANDLE objects[] = {first, second};
+    return WaitForMultipleObjects(std::size(objects), objects, FALSE, INFINITE) != WAIT_FAILED;
+  });
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000
