@@ -9,6 +9,7 @@
 #include "tests/fakewindows/machine.h"
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/processes.h"
+#include "tests/fakewindows/threads.h"
 
 namespace nFakeWindows {
 
@@ -31,6 +32,7 @@ class FakeWindowsTest : public testing::Test {
     EXPECT_EQ(objects().open(), std::vector<std::string>()) << "left open";
     EXPECT_EQ(com()->open(), std::vector<std::string>()) << "left alive";
     EXPECT_EQ(criticalSections(), criticalSectionsBefore_);
+    EXPECT_EQ(moduleReferences(), 0) << "a thread that has ended still holds the module";
     faultPlan().reset();
   }
 

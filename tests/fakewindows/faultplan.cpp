@@ -27,6 +27,7 @@ constexpr const char* kNames[kCalls] = {
     "_beginthreadex",
     "GetThreadPriority",
     "SetThreadPriority",
+    "GetModuleHandleExA",
     "CreateIoCompletionPort",
     "GetQueuedCompletionStatus",
     "PostQueuedCompletionStatus",

@@ -29,6 +29,7 @@ enum class tCall : uint8_t {
   beginThread,
   getThreadPriority,
   setThreadPriority,
+  getModuleHandleEx,
   createIoCompletionPort,
   getQueuedCompletionStatus,
   postQueuedCompletionStatus,

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "tests/fakewindows/objects.h"
+#include "tests/fakewindows/threads.h"
 #include "tests/fakewindows/unusual.h"
 
 using namespace nFakeWindows;
@@ -62,7 +63,10 @@ uintptr_t __cdecl _beginthreadex(void* security, unsigned stackSize,
   }
   objects().addThread(std::thread([=] {
     currentThreadId = newId;
-    start(argument);
+    try {
+      start(argument);
+    } catch (const tThreadEnd&) {  // NOLINT(bugprone-empty-catch): the thread has asked for its end
+    }
     markEnded(handle);
   }));
   return reinterpret_cast<uintptr_t>(handle);

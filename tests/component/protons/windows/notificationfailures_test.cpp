@@ -1,6 +1,9 @@
 // Every Windows call on the way of a notification, failed in turn.
+#include <csignal>
+
 #include "protocol/requestcodes.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
+#include "tests/fakewindows/debuggeroutput.h"
 
 namespace nTests {
 namespace {
@@ -15,9 +18,7 @@ void countFailures(uint32_t, tIONotification*, const uint8_t*, uint32_t, tStatus
   failedWaits += status.isError() ? 1 : 0;
 }
 
-unsigned __stdcall endAtOnce(void*) {
-  return 0;
-}
+void endAtOnce(void*) noexcept {}
 
 class NotificationFailures : public NotificationTest {
  protected:
@@ -114,35 +115,54 @@ TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsToldAtLine333) {
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 1u) << "nothing is registered";
 }
 
-// The system goes on saying of what it refused that it is under way.
-TEST_F(NotificationFailures, DeliveryThatIsRefused_IsNotWaitedForWhenTheProxyIsClosed) {
+// Windows leaves the status of a request that it refuses at "pending".
+TEST_F(NotificationFailures, RefusedDelivery_ProxyClosed_CancelsNothing) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
   proxy.close();
   EXPECT_EQ(faultPlan().callCount(tCall::cancelIoEx), 0u);
 }
 
-TEST_F(NotificationFailures, NextDeliveryThatIsRefused_IsNotWaitedForWhenTheProxyIsClosed) {
+TEST_F(NotificationFailures, RefusedDelivery_EnabledAgain_ArmsAgain) {
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  ASSERT_FALSE(enable());
+  expectTheNextWorks();
+}
+
+TEST_F(NotificationFailures, RefusedNextDelivery_EnabledAgain_ArmsAgain) {
+  ASSERT_TRUE(enable());
+  notify("one");
+  faultPlan().reset();
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  ASSERT_EQ(waitOn(*reader).payload, "one");
+  notification.disable();
+  ASSERT_EQ(waitOn(*reader).kind, kRegistrationEnded);
+  expectTheNextWorks();
+}
+
+TEST_F(NotificationFailures, RefusedNextDelivery_ProxyClosed_CancelsNoDelivery) {
   ASSERT_TRUE(enable());
   notify("one");
   faultPlan().reset();
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(waitOn(*reader).payload, "one");
   notification.disable();
+  ASSERT_EQ(waitOn(*reader).kind, kRegistrationEnded);
   faultPlan().reset();
   proxy.close();
   EXPECT_EQ(faultPlan().callCount(tCall::cancelIoEx), 0u);
 }
 
-TEST_F(NotificationFailures, RegistrationThatIsRefused_IsFreedWithItsNotification) {
+// A request that never started has no packet to wait for.
+TEST_F(NotificationFailures, RefusedRegistration_ReaderDestroyed_WaitsForNoPacket) {
   faultPlan().failCall(tCall::deviceIoControl, 2, ERROR_ACCESS_DENIED);
-  {
-    tIONotification refused;
-    EXPECT_FALSE(refused.enable(*reader, proxy, kMask, status));
-    ASSERT_NE(refused.registration(), nullptr);
-    EXPECT_TRUE(HasOverlappedIoCompleted(refused.registration())) << "else it would be left behind";
-  }
+  EXPECT_FALSE(enable());
   proxy.close();
+  while (waitOn(*reader, kShortTime).code == 0) {
+  }
+  faultPlan().reset();
+  reader.reset();
+  EXPECT_EQ(faultPlan().callCount(tCall::getQueuedCompletionStatus), 0u);
 }
 
 TEST_F(NotificationFailures, RegistrationThatCannotBeSent_IsToldAtLine134) {
@@ -181,7 +201,7 @@ TEST_F(NotificationFailures, WakeUpThatCannotBePosted_IsToldAtLine101) {
 TEST_F(NotificationFailures, ThreadOnAStatusInError_IsNotStarted) {
   tThread thread;
   status.code = -1;
-  thread.start(&endAtOnce, nullptr, status);
+  thread.start<&endAtOnce>(nullptr, status);
   EXPECT_FALSE(thread.isStarted());
   EXPECT_EQ(status.code, -1);
   EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
@@ -269,6 +289,121 @@ TEST_F(NotificationFailures, ThreadThatCannotBeNamed_RunsAllTheSame) {
   reader->start(countFailures, status);
   EXPECT_EQ(status.code, 0);
   EXPECT_TRUE(reader->isRunning());
+}
+
+// ---- The end of a reader ----
+
+class NotificationDrain : public NotificationFailures {
+ protected:
+  using tClock = std::chrono::steady_clock;
+
+  // How long destroying the reader takes.
+  tClock::duration destroyReader() {
+    const auto start = tClock::now();
+    reader.reset();
+    return tClock::now() - start;
+  }
+};
+
+TEST_F(NotificationDrain, FinalStatusStoredAtDequeue_DequeuesEveryPacket) {
+  nFakeWindows::objects().useFinalStatus(nFakeWindows::tFinalStatus::atDequeue);
+  reader->start(countFailures, status);
+  ASSERT_TRUE(enable());
+  notification.disable();
+  EXPECT_LT(destroyReader(), std::chrono::seconds(1));
+  proxy.close();
+  EXPECT_EQ(nFakeWindows::objects().takeLostPackets(), 0u);
+}
+
+TEST_F(NotificationDrain, NotificationStillEnabled_DequeuesEveryPacket) {
+  ASSERT_TRUE(enable());
+  EXPECT_LT(destroyReader(), std::chrono::seconds(1));
+  EXPECT_EQ(nFakeWindows::objects().takeLostPackets(), 0u);
+}
+
+TEST_F(NotificationDrain, ProxyClosedBefore_DequeuesEveryPacket) {
+  ASSERT_TRUE(enable());
+  proxy.close();
+  EXPECT_LT(destroyReader(), std::chrono::seconds(1));
+  EXPECT_EQ(nFakeWindows::objects().takeLostPackets(), 0u);
+}
+
+TEST_F(NotificationDrain, CancellationThatFailsOnce_IsRepeated) {
+  ASSERT_TRUE(enable());
+  faultPlan().failCall(tCall::cancelIoEx, 1, ERROR_NOT_FOUND);
+  EXPECT_LT(destroyReader(), std::chrono::seconds(1));
+  EXPECT_EQ(nFakeWindows::objects().takeLostPackets(), 0u);
+}
+
+TEST_F(NotificationDrain, WaitThatFailsOnce_IsRepeated) {
+  ASSERT_TRUE(enable());
+  faultPlan().reset();
+  faultPlan().failCall(tCall::getQueuedCompletionStatus, 1, ERROR_ACCESS_DENIED);
+  EXPECT_LT(destroyReader(), std::chrono::seconds(1));
+  EXPECT_EQ(nFakeWindows::objects().takeLostPackets(), 0u);
+}
+
+// The driver may still write to the requests: the address sanitizer watches their memory.
+TEST_F(NotificationDrain, DriverThatIgnoresCancellation_EndsAfterTwoSecondsAndKeepsTheRequests) {
+  ASSERT_TRUE(enable());
+  faultPlan().failEveryCall(tCall::cancelIoEx, ERROR_NOT_FOUND);
+  const auto elapsed = destroyReader();
+  EXPECT_GE(elapsed, std::chrono::milliseconds(1900));
+  EXPECT_LT(elapsed, std::chrono::seconds(10));
+  faultPlan().reset();
+  notify("late");
+  proxy.close();
+  EXPECT_EQ(nFakeWindows::objects().takeLostPackets(), 2u) << "the delivery and the registration";
+}
+
+// ---- Retries ----
+
+TEST_F(NotificationFailures, WakeUpThatNeverSucceeds_EndsTheProcess) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        nFakeWindows::showDebuggerOutput();
+        reader->start(countFailures, status);
+        faultPlan().failEveryCall(tCall::postQueuedCompletionStatus, ERROR_ACCESS_DENIED);
+        reader.reset();
+      },
+      testing::KilledBySignal(SIGTRAP), "quenra\\|wait\\|40");
+}
+
+TEST_F(NotificationFailures, WaitForTheThreadThatNeverSucceeds_EndsTheProcess) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        nFakeWindows::showDebuggerOutput();
+        reader->start(countFailures, status);
+        faultPlan().failEveryCall(tCall::waitForSingleObject, ERROR_ACCESS_DENIED);
+        reader.reset();
+      },
+      testing::KilledBySignal(SIGTRAP), "quenra\\|wait\\|22");
+}
+
+// ---- The module ----
+
+TEST_F(NotificationFailures, ModuleThatCannotBeReferenced_StartsNoThread) {
+  faultPlan().failCall(tCall::getModuleHandleEx, 1, ERROR_ACCESS_DENIED);
+  reader->start(countFailures, status);
+  expectFailureOf("thread", -52008, 471);
+  EXPECT_FALSE(reader->isRunning());
+  EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
+}
+
+TEST_F(NotificationFailures, RunningThread_HoldsTheModuleUntilItEnds) {
+  reader->start(countFailures, status);
+  EXPECT_EQ(nFakeWindows::moduleReferences(), 1);
+  reader.reset();
+  nFakeWindows::objects().waitForThreads();
+  EXPECT_EQ(nFakeWindows::moduleReferences(), 0);
+}
+
+TEST_F(NotificationFailures, ThreadThatCannotBeStarted_ReleasesTheModule) {
+  faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
+  reader->start(countFailures, status);
+  EXPECT_EQ(nFakeWindows::moduleReferences(), 0);
 }
 
 TEST_F(NotificationFailures, AnyCallThatFails_LeavesNothingBehind) {

@@ -52,6 +52,22 @@ TEST_F(PendingFailures, WithoutAThread_IsToldAtLine264) {
   expectNothingLeft();
 }
 
+TEST_F(PendingFailures, ModuleThatCannotBeReferenced_StartsNoWorker) {
+  faultPlan().failCall(tCall::getModuleHandleEx, 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(begin(), 0u);
+  expectFailure(-52009, 264);
+  EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
+  expectNothingLeft();
+}
+
+TEST_F(PendingFailures, RunningWorker_HoldsTheModuleUntilItEnds) {
+  ASSERT_NE(begin(), 0u);
+  EXPECT_EQ(nFakeWindows::moduleReferences(), 1);
+  proxy.endPendingRequest(request);
+  nFakeWindows::objects().waitForThreads();
+  EXPECT_EQ(nFakeWindows::moduleReferences(), 0);
+}
+
 TEST_F(PendingFailures, WithoutAThreadAndWithoutALastError_IsAGenericFailure) {
   faultPlan().failCall(tCall::beginThread, 1, ERROR_SUCCESS);
   EXPECT_EQ(begin(), 0u);

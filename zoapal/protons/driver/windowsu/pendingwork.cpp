@@ -1,7 +1,5 @@
 #include "zoapal/protons/driver/windowsu/pendingwork.h"
 
-#include <process.h>
-
 #include <limits>
 #include <new>
 #include <utility>
@@ -9,6 +7,7 @@
 #include "protocol/requestcodes.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/status/win32error.h"
+#include "zoapal/protons/thread/windowsu/startthread.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
@@ -18,8 +17,8 @@ using nZOAPALS100::tStatus;
 constexpr uint32_t kAllocateLine = 246;
 constexpr uint32_t kStartWorkerLine = 264;
 
-// The request blocks this call until it completes: the event is its own, so that the proxy's other
-// transfers can come and go meanwhile.
+// Blocks until the request completes. Has an event of its own, so that other transfers of the proxy
+// can start and end meanwhile.
 void sendPendingRequest(tPendingWork& work) noexcept {
   const tUniqueEvent completed(CreateEventA(nullptr, TRUE, FALSE, nullptr));
   if (!completed) {
@@ -33,11 +32,10 @@ void sendPendingRequest(tPendingWork& work) noexcept {
   }
 }
 
-unsigned __stdcall runWorker(void* argument) noexcept {
+void runWorker(void* argument) noexcept {
   const std::shared_ptr<tPendingWork> work =
       std::move(static_cast<tPendingWork*>(argument)->workersShare);
   sendPendingRequest(*work);
-  return 0;
 }
 
 uint64_t numberOf(const void* pointer) noexcept {
@@ -64,14 +62,13 @@ std::shared_ptr<tPendingWork> makePendingWork(HANDLE file, HANDLE accepted, uint
 
 tUniqueThread startWorker(const std::shared_ptr<tPendingWork>& work, tStatus& status) noexcept {
   work->workersShare = work;
-  // 0 on failure, and the last error may be missing then.
-  const uintptr_t thread = _beginthreadex(nullptr, 0, runWorker, work.get(), 0, nullptr);
-  if (thread == 0) {
+  DWORD id = 0;
+  tUniqueThread worker = startThread<&runWorker>(work.get(), id);
+  if (!worker) {
     mergeWin32Failure(GetLastError(), status, kTransferFile, kStartWorkerLine);
     work->workersShare.reset();
-    return {};
   }
-  return tUniqueThread(reinterpret_cast<HANDLE>(thread));
+  return worker;
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

@@ -1,5 +1,6 @@
 #include "zoapal/protons/io_notification/windowsu/tthreadedionotificationreader.h"
 
+#include "zoapal/protons/synchronization/windowsu/wait.h"
 #include "zoapal/protons/thread/windowsu/threadname.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
@@ -7,28 +8,25 @@ namespace {
 
 using nZOAPALS100::tStatus;
 
-constexpr DWORD kPauseMilliseconds = 1;
-
 }  // namespace
 
 tThreadedIONotificationReader::~tThreadedIONotificationReader() {
-  // Whenever there is a thread, also one that start() was not content with.
+  // Also a thread whose priority start() could not set.
   if (thread_.isStarted()) {
-    wakeUntilItIsHeard();
-    thread_.join();
+    wakeAndJoin();
   }
 }
 
 // Without a wake-up the thread would never end.
-void tThreadedIONotificationReader::wakeUntilItIsHeard() noexcept {
-  tStatus unreported;
-  tIONotificationReader::wake(unreported);
-  // A warning is a failure as well: the wake-up was not posted.
-  while (unreported.code != 0) {
-    Sleep(kPauseMilliseconds);
-    unreported = {};
-    tIONotificationReader::wake(unreported);
-  }
+void tThreadedIONotificationReader::wakeAndJoin() noexcept {
+  constexpr uint32_t kLine = 40;
+  repeatUntilDone(kLine, "ASSERT(PostQueuedCompletionStatus)", [this]() noexcept {
+    tStatus posting;
+    tIONotificationReader::wake(posting);
+    // A warning is a failure as well: no wake-up was posted.
+    return posting.code == 0;
+  });
+  thread_.join();
 }
 
 void tThreadedIONotificationReader::start(tCallback callback, tStatus& status) noexcept {
@@ -36,7 +34,7 @@ void tThreadedIONotificationReader::start(tCallback callback, tStatus& status) n
     return;
   }
   callback_ = callback;
-  thread_.start(runLoop, this, status);
+  thread_.start<&runLoop>(this, status);
   thread_.setPriority(THREAD_PRIORITY_NORMAL, status);
   if (thread_.isStarted()) {
     nameThreadForDebuggers(thread_.id());
@@ -44,9 +42,8 @@ void tThreadedIONotificationReader::start(tCallback callback, tStatus& status) n
   running_ = !status.isError();
 }
 
-unsigned __stdcall tThreadedIONotificationReader::runLoop(void* reader) noexcept {
+void tThreadedIONotificationReader::runLoop(void* reader) noexcept {
   static_cast<tThreadedIONotificationReader*>(reader)->loop();
-  return 0;
 }
 
 void tThreadedIONotificationReader::loop() noexcept {

@@ -6,26 +6,26 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// A reader with a thread of its own, which hands every notice to a callback. Destroying it waits for
-// the callback that is running; from inside the callback it must not be destroyed.
+// A reader with a thread of its own, which passes every notice to a callback. Destroying it waits for
+// a callback that is running; the callback must not destroy it.
 class tThreadedIONotificationReader : public tIONotificationReader {
  public:
-  // Called on the reader's thread for everything but wake-ups, also for a wait that failed: the status
-  // tells. `notification` may be null; `payload` has `payloadSize` bytes. Must not throw.
+  // Called on the reader's thread for everything but wake-ups, also for a failed wait, with its failure
+  // in the status. `notification` may be null; `payload` has `payloadSize` bytes. Must not throw.
   using tCallback = void (*)(uint32_t kind, tIONotification* notification, const uint8_t* payload,
                              uint32_t payloadSize, nZOAPALS100::tStatus& status) noexcept;
 
   using tIONotificationReader::tIONotificationReader;
   ~tThreadedIONotificationReader() override;
 
-  // Once. Failures are those of tThread: no thread, or one whose priority cannot be set.
+  // At most once. Fails as tThread does, when the thread cannot be started or its priority set.
   void start(tCallback callback, nZOAPALS100::tStatus& status) noexcept;
   [[nodiscard]] bool isRunning() const noexcept { return running_; }
 
  private:
-  static unsigned __stdcall runLoop(void* reader) noexcept;
+  static void runLoop(void* reader) noexcept;
   void loop() noexcept;
-  void wakeUntilItIsHeard() noexcept;
+  void wakeAndJoin() noexcept;
 
   tCallback callback_ = nullptr;
   tThread thread_;

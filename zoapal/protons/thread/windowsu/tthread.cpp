@@ -1,7 +1,5 @@
 #include "zoapal/protons/thread/windowsu/tthread.h"
 
-#include <process.h>
-
 #include "zoapal/protons/synchronization/windowsu/wait.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
@@ -16,14 +14,8 @@ constexpr tSourceLocation kSetPriority{"thread", 866};
 
 }  // namespace
 
-void tThread::start(tStart routine, void* argument, tStatus& status) noexcept {
-  if (status.isError()) {
-    return;
-  }
-  unsigned id = 0;
-  handle_.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, routine, argument, 0, &id)));
-  id_ = id;
-  if (!handle_) {
+void tThread::checkStarted(tStatus& status) const noexcept {
+  if (!isStarted()) {
     mergeStatus(status, nZOAPALS100::kInternalError, kStart);
   }
 }
