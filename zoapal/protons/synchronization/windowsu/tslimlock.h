@@ -7,7 +7,8 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// A lock that needs neither making nor ending, so that nothing about it can fail. Not recursive.
+// A reader/writer lock without a creation step: no operation on it can fail. Not recursive in either
+// mode.
 class ZOAPAL_THREAD_ANNOTATION(capability("mutex")) tSlimLock {
  public:
   constexpr tSlimLock() noexcept = default;
@@ -20,12 +21,18 @@ class ZOAPAL_THREAD_ANNOTATION(capability("mutex")) tSlimLock {
   void leave() noexcept ZOAPAL_THREAD_ANNOTATION(release_capability()) {
     ReleaseSRWLockExclusive(&lock_);
   }
+  void enterShared() noexcept ZOAPAL_THREAD_ANNOTATION(acquire_shared_capability()) {
+    AcquireSRWLockShared(&lock_);
+  }
+  void leaveShared() noexcept ZOAPAL_THREAD_ANNOTATION(release_shared_capability()) {
+    ReleaseSRWLockShared(&lock_);
+  }
 
  private:
   SRWLOCK lock_ = SRWLOCK_INIT;
 };
 
-// Holds the lock for a scope.
+// Holds the lock for a scope and excludes every other holder.
 class ZOAPAL_THREAD_ANNOTATION(scoped_lockable) tSlimGuard {
  public:
   explicit tSlimGuard(tSlimLock& lock) noexcept ZOAPAL_THREAD_ANNOTATION(acquire_capability(lock))
@@ -35,6 +42,23 @@ class ZOAPAL_THREAD_ANNOTATION(scoped_lockable) tSlimGuard {
   tSlimGuard(const tSlimGuard&) = delete;
   tSlimGuard& operator=(const tSlimGuard&) = delete;
   ~tSlimGuard() ZOAPAL_THREAD_ANNOTATION(release_capability()) { lock_.leave(); }
+
+ private:
+  tSlimLock& lock_;
+};
+
+// Holds the lock for a scope together with other readers; excludes writers.
+class ZOAPAL_THREAD_ANNOTATION(scoped_lockable) tSharedSlimGuard {
+ public:
+  explicit tSharedSlimGuard(tSlimLock& lock) noexcept
+      ZOAPAL_THREAD_ANNOTATION(acquire_shared_capability(lock))
+      : lock_(lock) {
+    lock_.enterShared();
+  }
+  tSharedSlimGuard(const tSharedSlimGuard&) = delete;
+  tSharedSlimGuard& operator=(const tSharedSlimGuard&) = delete;
+  // A scoped capability's destructor releases in the mode in which its constructor acquired.
+  ~tSharedSlimGuard() ZOAPAL_THREAD_ANNOTATION(release_capability()) { lock_.leaveShared(); }
 
  private:
   tSlimLock& lock_;
