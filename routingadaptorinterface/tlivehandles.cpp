@@ -4,6 +4,7 @@
 
 namespace zoroco {
 
+using nQUENRA1400::nZOAPAL000::tSharedSlimGuard;
 using nQUENRA1400::nZOAPAL000::tSlimGuard;
 
 const tLiveHandles::tEntry* tLiveHandles::find(const void* handle,
@@ -29,12 +30,12 @@ bool tLiveHandles::remove(const void* handle, tHandleKind kind) noexcept {
 }
 
 bool tLiveHandles::isLive(const void* handle, tHandleKind kind) noexcept {
-  const tSlimGuard guard(lock_);
+  const tSharedSlimGuard guard(lock_);
   return find(handle, kind) != nullptr;
 }
 
 bool tLiveHandles::isOwnerLive(const void* handle) noexcept {
-  const tSlimGuard guard(lock_);
+  const tSharedSlimGuard guard(lock_);
   const tEntry* const iterator = find(handle, tHandleKind::iterator);
   return iterator != nullptr &&
          std::any_of(entries_.begin(), entries_.end(),
