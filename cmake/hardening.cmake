@@ -54,5 +54,5 @@ function(quenra_hardened name)
   set(enter ${CMAKE_SOURCE_DIR}/cmake/enterloadconfiguration.py)
   set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${enter})
   add_custom_command(TARGET ${name} POST_BUILD
-    COMMAND Python3::Interpreter ${enter} $<TARGET_FILE:${name}>)
+    COMMAND ${Python3_EXECUTABLE} ${enter} $<TARGET_FILE:${name}>)
 endfunction()
