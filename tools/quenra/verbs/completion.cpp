@@ -1,6 +1,9 @@
 #include "tools/quenra/verbs/completion.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/quenra/catalogue/suggestion.h"
@@ -12,12 +15,12 @@
 namespace nCommandLine {
 namespace {
 
-const tShellRow& knownShell(const std::string& name) {
+const tShellRow& knownShell(std::string_view name) {
   const auto* const shell = std::ranges::find(kShells, name, &tShellRow::name);
   if (shell == std::ranges::end(kShells)) {
     std::vector<std::string_view> names;
     std::ranges::transform(kShells, std::back_inserter(names), &tShellRow::name);
-    throw tCommandError("there is no completion for '" + name + "'",
+    throw tCommandError("there is no completion for '" + std::string(name) + "'",
                         "There is one for bash and one for PowerShell.", suggest(name, names));
   }
   return *shell;
