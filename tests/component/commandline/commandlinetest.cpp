@@ -61,7 +61,7 @@ std::vector<std::string> memberNames(const rapidjson::Value& object) {
 }
 
 const rapidjson::Value& itemWith(const rapidjson::Value& array, const char* member,
-                                 const std::string& text) {
+                                 std::string_view text) {
   static const rapidjson::Value kNone(rapidjson::kObjectType);
   for (const rapidjson::Value& item : array.GetArray()) {
     if (item[member].IsString() && item[member].GetString() == text) {

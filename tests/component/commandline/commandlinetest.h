@@ -51,7 +51,7 @@ class CommandLineTest : public testing::Test {
 
 // The item of an array whose member has that text; fails the test when there is none.
 [[nodiscard]] const rapidjson::Value& itemWith(const rapidjson::Value& array, const char* member,
-                                               const std::string& text);
+                                               std::string_view text);
 
 }  // namespace nTests
 
