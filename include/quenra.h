@@ -13,7 +13,12 @@
  *     QUENRA_STATUS_INVALID_PARAMETER. They need not be aligned.
  *  6. On failure, what an out-argument holds is unchanged unless a function says otherwise.
  *  7. A negative code from the driver is passed on unchanged, so codes beyond those listed can
- *     appear. */
+ *     appear.
+ *  8. If the library could not initialise when it was loaded, every function that needs it reports
+ *     the reason. A static destructor of another module may still call functions while the process
+ *     ends, after the library was unloaded: they return QUENRA_STATUS_NOT_READY.
+ *     QUENRA_setAttributeUTF8 returns QUENRA_STATUS_NO_CONTROLLER in both cases, and the device path
+ *     attribute can be read. */
 #ifndef QUENRA_H
 #define QUENRA_H
 

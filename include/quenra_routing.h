@@ -39,7 +39,12 @@
  *     appear; a warning from the driver is reported, and the work is done. Every function with a
  *     status can report QUENRA_STATUS_MEMORY_FULL (memory is short), and
  *     QUENRA_STATUS_INTERNAL_ERROR (a fault of the library).
- *  8. No function throws. */
+ *  8. If the library could not initialise when it was loaded, every function with a status reports
+ *     the reason and does nothing else. A static destructor of another module may still call
+ *     functions while the process ends, after the library was unloaded: those with a status report
+ *     QUENRA_STATUS_NOT_READY, the others work.
+ *  9. Unloading the library with an open session leaves it mapped until the session's thread ends.
+ * 10. No function throws. */
 #ifndef QUENRA_ROUTING_H
 #define QUENRA_ROUTING_H
 

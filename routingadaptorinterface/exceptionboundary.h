@@ -5,6 +5,7 @@
 
 #include "quenra_routing.h"
 #include "routingadaptorinterface/clientstatus.h"
+#include "zoapal/protons/startup/tstartup.h"
 #include "zoapal/protons/status/exception.h"
 #include "zoarkra/location.h"
 #include "zoarkra/tclientoutput.h"
@@ -29,8 +30,11 @@ Result runWithoutThrowing(zoerr_Status* client, Result neutral, Operation operat
   Result result = neutral;
   zoerr::tOwnedStatus status;
   status.code = client->code;
+  nQUENRA1400::nZOAPAL000::startUp().mergeInto(status);
   try {
-    result = operation(status);
+    if (!status.isError()) {
+      result = operation(status);
+    }
   } catch (const std::bad_alloc&) {
     status.setWithConstant(nZOAPALS100::kMemoryFull, kExportMemoryShort);
   } catch (const zoerr::ExceptionBase& exception) {

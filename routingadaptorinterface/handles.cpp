@@ -1,6 +1,7 @@
 #include "routingadaptorinterface/handles.h"
 
 #include "routingadaptorinterface/tlivehandles.h"
+#include "zoapal/protons/startup/tneverdestroyed.h"
 #include "zoarkra/failure.h"
 
 namespace zoroco {
@@ -10,7 +11,11 @@ constexpr nZOAPALS100::tSourceLocation kNoHandle{"routingadaptorinterface\\routi
                                                  48, nZOAPALS100::kComponent,
                                                  zoark::kInvalidParameterConstant};
 
-constinit tLiveHandles liveHandles;
+constinit nQUENRA1400::nZOAPAL000::tNeverDestroyed<tLiveHandles> theLiveHandles;
+
+tLiveHandles& liveHandles() noexcept {
+  return theLiveHandles.get();
+}
 
 RoutingAdaptorSessionInterface* sessionOf(zoroco_RoutingAdaptorSession* handle) noexcept {
   return reinterpret_cast<RoutingAdaptorSessionInterface*>(handle);
@@ -29,39 +34,39 @@ void require(bool isHandle) {
 }  // namespace
 
 zoroco_RoutingAdaptorSession* handleOf(std::unique_ptr<RoutingAdaptorSessionInterface> session) {
-  liveHandles.add(session.get(), tHandleKind::session);
+  liveHandles().add(session.get(), tHandleKind::session);
   return reinterpret_cast<zoroco_RoutingAdaptorSession*>(session.release());
 }
 
 zoroco_TerminalIterator* handleOf(std::unique_ptr<TerminalIteratorInterface> iterator,
                                   const zoroco_RoutingAdaptorSession* session) {
-  liveHandles.add(iterator.get(), tHandleKind::iterator, session);
+  liveHandles().add(iterator.get(), tHandleKind::iterator, session);
   return reinterpret_cast<zoroco_TerminalIterator*>(iterator.release());
 }
 
 std::unique_ptr<RoutingAdaptorSessionInterface> takeBack(
     zoroco_RoutingAdaptorSession* handle) noexcept {
-  const bool wasLive = liveHandles.remove(handle, tHandleKind::session);
+  const bool wasLive = liveHandles().remove(handle, tHandleKind::session);
   return std::unique_ptr<RoutingAdaptorSessionInterface>(wasLive ? sessionOf(handle) : nullptr);
 }
 
 std::unique_ptr<TerminalIteratorInterface> takeBack(zoroco_TerminalIterator* handle) noexcept {
-  const bool wasLive = liveHandles.remove(handle, tHandleKind::iterator);
+  const bool wasLive = liveHandles().remove(handle, tHandleKind::iterator);
   return std::unique_ptr<TerminalIteratorInterface>(wasLive ? iteratorOf(handle) : nullptr);
 }
 
 RoutingAdaptorSessionInterface& requireSession(zoroco_RoutingAdaptorSession* handle) {
-  require(liveHandles.isLive(handle, tHandleKind::session));
+  require(liveHandles().isLive(handle, tHandleKind::session));
   return *sessionOf(handle);
 }
 
 TerminalIteratorInterface& requireIterator(zoroco_TerminalIterator* handle) {
-  require(liveHandles.isLive(handle, tHandleKind::iterator));
+  require(liveHandles().isLive(handle, tHandleKind::iterator));
   return *iteratorOf(handle);
 }
 
 TerminalIteratorInterface& requireIteratorOfSession(zoroco_TerminalIterator* handle) {
-  require(liveHandles.isOwnerLive(handle));
+  require(liveHandles().isOwnerLive(handle));
   return *iteratorOf(handle);
 }
 

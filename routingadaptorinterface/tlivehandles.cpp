@@ -24,9 +24,14 @@ void tLiveHandles::add(const void* handle, tHandleKind kind, const void* owner) 
 
 bool tLiveHandles::remove(const void* handle, tHandleKind kind) noexcept {
   const tSlimGuard guard(lock_);
-  return std::erase_if(entries_, [=](const tEntry& entry) {
-           return entry.handle == handle && entry.kind == kind;
-         }) != 0;
+  const bool wasLive = std::erase_if(entries_, [=](const tEntry& entry) {
+                         return entry.handle == handle && entry.kind == kind;
+                       }) != 0;
+  if (entries_.empty()) {
+    // The table is never destroyed: the last handle takes the memory with it.
+    std::vector<tEntry>().swap(entries_);
+  }
+  return wasLive;
 }
 
 bool tLiveHandles::isLive(const void* handle, tHandleKind kind) noexcept {

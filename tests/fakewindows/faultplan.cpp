@@ -8,7 +8,13 @@
 namespace nFakeWindows {
 namespace {
 
-constinit tFaultPlan thePlan;
+// Never destroyed: the library under test may still be called while the program ends.
+union tLastingPlan {
+  constexpr tLastingPlan() : plan() {}
+  ~tLastingPlan() {}  // NOLINT(modernize-use-equals-default)
+  tFaultPlan plan;
+};
+constinit tLastingPlan thePlan;
 
 constexpr const char* kNames[kCalls] = {
     "SetupDiGetClassDevsA",
@@ -54,7 +60,7 @@ constexpr const char* kNames[kCalls] = {
 }  // namespace
 
 tFaultPlan& faultPlan() noexcept {
-  return thePlan;
+  return thePlan.plan;
 }
 
 const char* nameOf(tCall call) noexcept {

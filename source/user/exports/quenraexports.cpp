@@ -20,9 +20,9 @@ constexpr auto kNoSignedAttribute = sessionLocation(1590);
 constexpr auto kNoFloatingAttribute = sessionLocation(1611);
 constexpr auto kValueMissing = sessionLocation(1721);
 
-// The session; null, with the reason in the status, when loading failed or none is open.
+// Null, with the reason in the status, when the library is not ready or no session is open.
 tControllerUserSession* findSession(zoerr::Status& status) noexcept {
-  processState().mergeLoadStatus(status);
+  processState().startUp().mergeInto(status);
   return status.isError() ? nullptr : processState().session(status);
 }
 
@@ -57,8 +57,8 @@ class tCallersNumber {
   Number copy_{};
 };
 
-// What exports on a handle have in common: the handle, how loading went, and the session, in this
-// order. A bad handle is told without the lock. The operation runs outside the lock.
+// The prologue of the exports on a handle: checks the handle, the start-up state and the session, in
+// this order. An invalid handle is refused without the lock. The operation runs outside the lock.
 template <class Operation>
 int32_t runOnSession(uint64_t handle, Operation operation) noexcept {
   if (handle != QUENRA_HANDLE) {
@@ -78,7 +78,7 @@ int32_t QUENRA_openController(uint64_t* handle) {
     return nZOAPALS100::kInvalidParameter;
   }
   zoerr::tOwnedStatus status;
-  processState().mergeLoadStatus(status);
+  processState().startUp().mergeInto(status);
   if (!status.isError()) {
     runWithoutThrowing(status, [&status] { processState().open(status); });
   }
@@ -89,7 +89,7 @@ int32_t QUENRA_openController(uint64_t* handle) {
 }
 
 void QUENRA_closeController(uint64_t handle) {
-  if (handle == QUENRA_HANDLE && processState().isLoaded()) {
+  if (handle == QUENRA_HANDLE && processState().startUp().isReady()) {
     processState().close();
   }
 }
@@ -127,7 +127,7 @@ int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t, double*) {
   });
 }
 
-// Unlike the other exports, this one does not tell why no session could be reached.
+// Unlike the other exports, this one reports every missing session as kNoController.
 int32_t QUENRA_setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text) {
   if (handle != QUENRA_HANDLE) {
     return nQUENRA1400::kInvalidHandle;

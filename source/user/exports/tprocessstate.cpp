@@ -6,6 +6,7 @@
 
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"
+#include "zoapal/protons/startup/tneverdestroyed.h"
 
 namespace nQUENRA1400 {
 namespace {
@@ -13,29 +14,33 @@ namespace {
 constexpr auto kSessionNotAllocated = sessionLocation(121);
 constexpr auto kNoSession = sessionLocation(184);
 
-constinit tProcessState theState;
+constinit nZOAPAL000::tNeverDestroyed<tProcessState> theState(nZOAPAL000::startUp());
 
-// Loading and unloading the library makes and destroys this object, and nothing else.
+// The only object of the library that loading and unloading construct and destroy.
 struct tLibraryLifetime {
-  tLibraryLifetime() noexcept { theState.load(); }
+  tLibraryLifetime() noexcept { theState.get().load(); }
   tLibraryLifetime(const tLibraryLifetime&) = delete;
   tLibraryLifetime& operator=(const tLibraryLifetime&) = delete;
-  ~tLibraryLifetime() { theState.unload(); }
+  ~tLibraryLifetime() { theState.get().unload(); }
 };
 const tLibraryLifetime libraryLifetime;
 
 }  // namespace
 
 tProcessState& processState() noexcept {
-  return theState;
+  return theState.get();
 }
 
 void tProcessState::load() noexcept {
-  lock_.initialise(loadStatus_);
+  lock_.initialise(startUp_.beginLoading());
 }
 
 void tProcessState::unload() noexcept {
+  startUp_.markUnloaded();
   lock_.destroy();
+  if (session_ == nullptr) {
+    provider_.clear();
+  }
 }
 
 void tProcessState::open(zoerr::Status& status) noexcept {

@@ -2,39 +2,41 @@
 #define SOURCE_USER_EXPORTS_TPROCESSSTATE_H
 
 #include "source/user/session/tcontrollerusersession.h"
-#include "zoapal/protons/status/tstatus.h"
+#include "zoapal/protons/startup/tstartup.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zoapal/protons/synchronization/windowsu/tcriticalsection.h"
 #include "zosmbios/czosmbioswindowsprovider.h"
 
 namespace nQUENRA1400 {
 
-// What the library keeps for the whole process: how loading it went, the lock, and the one session.
+// The process-wide state of the controller exports: the session lock, the SMBIOS provider and the one
+// session.
 //
-// It is constant-initialised; the library's loading and unloading call load() and unload(), which
-// do no more than make and end the lock. A session that is still open when the library is unloaded
-// is left alone: its driver connections end with the process, and closing them from inside the
-// loader could wait for threads that are no more.
+// Constant-initialised. Loading and unloading the library call load() and unload(), which create and
+// delete the lock and record that in the start-up state. A session that is still open when the library
+// is unloaded stays as it is: its driver connections end with the process, and closing them inside the
+// loader could wait for threads that no longer exist.
 class tProcessState {
  public:
-  constexpr tProcessState() noexcept = default;
+  explicit constexpr tProcessState(nZOAPAL000::tStartUp& startUp) noexcept : startUp_(startUp) {}
 
   void load() noexcept;
-  void unload() noexcept;
+  // Runs in the loader: no other thread is inside the library.
+  void unload() noexcept ZOAPAL_THREAD_ANNOTATION(no_thread_safety_analysis);
 
-  // Reports a failed load.
-  void mergeLoadStatus(zoerr::Status& status) const noexcept { status.mergeFrom(loadStatus_); }
-  [[nodiscard]] bool isLoaded() const noexcept { return !loadStatus_.isError(); }
+  [[nodiscard]] const nZOAPAL000::tStartUp& startUp() const noexcept { return startUp_; }
 
-  // Opens the session or counts one more user. Only with isLoaded.
+  // The rest only while the start-up state is ready.
+
+  // Opens the session or counts one more user.
   void open(zoerr::Status& status) noexcept;
-  // Drops one user, if there is any. Only with isLoaded.
+  // Drops one user, if there is any.
   void close() noexcept;
-  // Null, with kInvalidHandle in the status, when none is open. Only with isLoaded.
+  // Null, with kInvalidHandle in the status, when none is open.
   [[nodiscard]] tControllerUserSession* session(zoerr::Status& status) noexcept;
 
  private:
-  nZOAPALS100::tStatus loadStatus_;
+  nZOAPAL000::tStartUp& startUp_;
   nZOAPAL000::tCriticalSection lock_;
   nZOSMBIOS_1_1::cZoSmBiosWindowsProvider provider_;
   tControllerUserSession* session_ ZOAPAL_THREAD_ANNOTATION(guarded_by(lock_)) = nullptr;

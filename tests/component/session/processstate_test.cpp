@@ -1,6 +1,10 @@
 #include "source/user/exports/tprocessstate.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <future>
+#include <memory>
+#include <new>
 #include <thread>
 
 #include "tests/component/session/sessiontest.h"
@@ -14,7 +18,8 @@ using nFakeWindows::tCall;
 class ProcessState : public SessionTest {};
 
 TEST_F(ProcessState, UnloadingWithAnOpenSession_ClosesNothing) {
-  nQUENRA1400::tProcessState state;
+  nQUENRA1400::nZOAPAL000::tStartUp startUp;
+  nQUENRA1400::tProcessState state(startUp);
   state.load();
   zoerr::tOwnedStatus status;
   state.open(status);
@@ -29,19 +34,47 @@ TEST_F(ProcessState, UnloadingWithAnOpenSession_ClosesNothing) {
   state.unload();
 }
 
-TEST_F(ProcessState, LockThatCannotBeMade_IsTheLoadStatus) {
-  faultPlan().failCall(tCall::initializeCriticalSectionEx, 1, ERROR_NOT_ENOUGH_MEMORY);
-  nQUENRA1400::tProcessState state;
+TEST_F(ProcessState, Unloaded_ReportsNotReady) {
+  nQUENRA1400::nZOAPAL000::tStartUp startUp;
+  nQUENRA1400::tProcessState state(startUp);
   state.load();
-  EXPECT_FALSE(state.isLoaded());
+  EXPECT_TRUE(startUp.isReady());
+  state.unload();
   zoerr::tOwnedStatus status;
-  state.mergeLoadStatus(status);
+  startUp.mergeInto(status);
+  EXPECT_EQ(outcomeOf(status), (tOutcome{QUENRA_STATUS_NOT_READY, "tstartup", 23}));
+}
+
+TEST_F(ProcessState, UnloadedWithoutSession_FreesTheSmbiosTable) {
+  nQUENRA1400::nZOAPAL000::tStartUp startUp;
+  // Not destroyed, as the state of the library: a table that unloading leaves is a leak.
+  const auto storage = std::make_unique<std::byte[]>(sizeof(nQUENRA1400::tProcessState));
+  auto& state = *new (storage.get()) nQUENRA1400::tProcessState(startUp);
+  state.load();
+  zoerr::tOwnedStatus status;
+  state.open(status);
+  ASSERT_EQ(status.code, 0);
+  state.close();
+  state.unload();
+  std::fill_n(storage.get(), sizeof(nQUENRA1400::tProcessState), std::byte{0});
+  expectNoLeak();
+}
+
+TEST_F(ProcessState, LockThatCannotBeMade_IsReportedByTheStartUpState) {
+  faultPlan().failCall(tCall::initializeCriticalSectionEx, 1, ERROR_NOT_ENOUGH_MEMORY);
+  nQUENRA1400::nZOAPAL000::tStartUp startUp;
+  nQUENRA1400::tProcessState state(startUp);
+  state.load();
+  EXPECT_FALSE(startUp.isReady());
+  zoerr::tOwnedStatus status;
+  startUp.mergeInto(status);
   EXPECT_EQ(outcomeOf(status), (tOutcome{-52000, "tcriticalsection", 31}));
   state.unload();
 }
 
 TEST_F(ProcessState, WithoutSession_FailsAtLine184) {
-  nQUENRA1400::tProcessState state;
+  nQUENRA1400::nZOAPAL000::tStartUp startUp;
+  nQUENRA1400::tProcessState state(startUp);
   state.load();
   zoerr::tOwnedStatus status;
   EXPECT_EQ(state.session(status), nullptr);

@@ -1,8 +1,10 @@
-// The library when its lock could not be made while it was loaded. A program of its own, because
-// that happens once in a process.
+// The library when its lock could not be created while it was loaded. A program of its own, because
+// loading happens once in a process.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "quenra.h"
+#include "quenra_routing.h"
 #include "tests/fakewindows/fakewindowstest.h"
 
 namespace nTests {
@@ -43,6 +45,101 @@ TEST(FailedStart, IsNoControllerForWritingAText) {
   EXPECT_EQ(QUENRA_setAttributeUTF8(QUENRA_HANDLE, 0x10000100, "abc"), QUENRA_STATUS_NO_CONTROLLER);
   EXPECT_EQ(QUENRA_setAttributeUTF8(1, 0x10000100, "abc"), QUENRA_STATUS_INVALID_HANDLE);
 }
+
+// ---- Routing ----
+
+// No session can be created, so that the handle is invalid too: the start-up failure comes first.
+zoroco_RoutingAdaptorSession* const kSession = nullptr;
+zoroco_TerminalIterator* const kIterator = nullptr;
+
+// Runs an export and expects it to report the start-up failure and a neutral result.
+template <class Export>
+void expectStartUpFailure(Export run) {
+  zoerr_Status status = zoerr_Status_initial();
+  EXPECT_FALSE(run(&status));
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
+  ASSERT_NE(status.description, nullptr);
+  EXPECT_THAT(status.description, testing::HasSubstr("tcriticalsection"));
+  zoerr_Status_release(&status);
+}
+
+TEST(FailedStart, RoutingExportWithAStatus_ReportsTheStartUpFailure) {
+  char* output = nullptr;
+  expectStartUpFailure([](zoerr_Status* status) {
+    return zoroco_ra_quenra_createSession("device", nullptr, status) != nullptr;
+  });
+  expectStartUpFailure([](zoerr_Status* status) {
+    return zoroco_ra_quenra_createSessionWithDemotionFunc("device", nullptr, nullptr, nullptr,
+                                                          status) != nullptr;
+  });
+  expectStartUpFailure([&](zoerr_Status* status) {
+    zoroco_ra_quenra_getHandledConstraints(kSession, &output, status);
+    return output != nullptr;
+  });
+  expectStartUpFailure([&](zoerr_Status* status) {
+    return zoroco_ra_quenra_calculateRoute(kSession, "[]", "[]", "{}", &output, status) != 0;
+  });
+  expectStartUpFailure([&](zoerr_Status* status) {
+    zoroco_ra_quenra_reserveRoute(kSession, 1, &output, status);
+    return output != nullptr;
+  });
+  expectStartUpFailure([](zoerr_Status* status) {
+    zoroco_ra_quenra_programRoute(kSession, 1, status);
+    return false;
+  });
+  expectStartUpFailure([&](zoerr_Status* status) {
+    zoroco_ra_quenra_getRouteTerminalPath(kSession, 1, &output, status);
+    return output != nullptr;
+  });
+  expectStartUpFailure([](zoerr_Status* status) {
+    return zoroco_ra_quenra_getAllTerminals(kSession, status, 0) != nullptr;
+  });
+}
+
+TEST(FailedStart, IteratorExportWithAStatus_ReportsTheStartUpFailure) {
+  expectStartUpFailure([](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_next(kIterator, status);
+    return false;
+  });
+  expectStartUpFailure([](zoerr_Status* status) {
+    return zoroco_ra_quenra_TerminalIterator_getStringAttribute(kIterator, "name", status) !=
+           nullptr;
+  });
+  expectStartUpFailure([](zoerr_Status* status) {
+    return zoroco_ra_quenra_TerminalIterator_getBoolAttribute(kIterator, "isOwned", status);
+  });
+  expectStartUpFailure([](zoerr_Status* status) {
+    return zoroco_ra_quenra_TerminalIterator_getU32Attribute(kIterator, "id", status) != 0;
+  });
+  expectStartUpFailure([](zoerr_Status* status) {
+    zoroco_ra_quenra_TerminalIterator_resetTerminal(kIterator, "default", status);
+    return false;
+  });
+  expectStartUpFailure([](zoerr_Status* status) {
+    return zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(kSession, kIterator, "default",
+                                                                    status) != 0;
+  });
+}
+
+TEST(FailedStart, RoutingStatusInError_IsKept) {
+  zoerr_Status status = zoerr_Status_initial();
+  status.code = QUENRA_STATUS_BUSY;
+  zoroco_ra_quenra_programRoute(kSession, 1, &status);
+  EXPECT_EQ(status.code, QUENRA_STATUS_BUSY);
+}
+
+TEST(FailedStart, RoutingExportWithoutAStatus_IgnoresIt) {
+  EXPECT_EQ(zoroco_ra_quenra_getAPIVersion(), 3u);
+  EXPECT_TRUE(zoroco_ra_quenra_TerminalIterator_isEnd(kIterator));
+  zoroco_ra_quenra_unprogramRoute(kSession, 1, 0, 0);
+  zoroco_ra_quenra_unreserveRoute(kSession, 1, 0, 0);
+  zoroco_ra_quenra_beginExceptionalRouteDestruction(kSession, 1, 0, 0);
+  zoroco_ra_quenra_destroyRoute(kSession, 1, 0, 0);
+  zoroco_ra_quenra_TerminalIterator_destroy(kIterator);
+  zoroco_ra_quenra_destroySession(kSession);
+}
+
+// ---- Exports that need no session ----
 
 TEST(FailedStart, LeavesTheDevicePathReadable) {
   char path[256];

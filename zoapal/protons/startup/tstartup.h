@@ -1,0 +1,45 @@
+#ifndef ZOAPAL_PROTONS_STARTUP_TSTARTUP_H
+#define ZOAPAL_PROTONS_STARTUP_TSTARTUP_H
+
+#include <type_traits>
+
+#include "zoapal/protons/status/tstatus.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace nQUENRA1400::nZOAPAL000 {
+
+// Whether the library is ready for calls. Both export families merge it into their status before
+// they do anything else. Written while the library is loaded and unloaded, only read in between.
+class tStartUp {
+ public:
+  constexpr tStartUp() noexcept = default;
+
+  // Loading reports its failures into this status.
+  [[nodiscard]] nZOAPALS100::tStatus& beginLoading() noexcept {
+    status_ = {};
+    return status_;
+  }
+  // From here on the library reports kNotReady, located at "tstartup" line 23, unless loading has
+  // failed: static destructors of other modules may still call it.
+  void markUnloaded() noexcept { mergeStatus(status_, nZOAPALS100::kNotReady, kUnloaded); }
+
+  [[nodiscard]] bool isReady() const noexcept { return !status_.isError(); }
+  void mergeInto(zoerr::Status& status) const noexcept { status.mergeFrom(status_); }
+
+ private:
+  static constexpr nZOAPALS100::tSourceLocation kUnloaded{"tstartup", 23};
+
+  nZOAPALS100::tStatus status_;
+};
+
+// Of this process. Usable before and after every other static object.
+inline constinit tStartUp theStartUp;
+static_assert(std::is_trivially_destructible_v<tStartUp>);
+
+[[nodiscard]] constexpr tStartUp& startUp() noexcept {
+  return theStartUp;
+}
+
+}  // namespace nQUENRA1400::nZOAPAL000
+
+#endif
