@@ -1,10 +1,13 @@
-# quenra_test(NAME SOURCES file... [LIBRARIES target...])
+# quenra_test(NAME SOURCES file... [LIBRARIES target...] [BOTH_FINAL_STATUSES])
 #
 # A GoogleTest program. Natively each of its tests is a test of its own. On Windows the program is
 # one test, because starting a program costs more there than most tests do, and only one at a time
 # has the simulated machine.
+#
+# With BOTH_FINAL_STATUSES the native tests run a second time under the prefix "dequeue.", with a
+# fake Windows that stores the final status of a request only when its packet is dequeued.
 function(quenra_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "BOTH_FINAL_STATUSES" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE house_rules ${arg_LIBRARIES} gmock gtest_main)
   # Assertions expand to a great deal of code that runs once: optimizing it takes most of a build.
@@ -14,5 +17,10 @@ function(quenra_test name)
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK simulated_machine TIMEOUT 300)
   else()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES)
+    if(arg_BOTH_FINAL_STATUSES)
+      gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
+        TEST_PREFIX dequeue.
+        PROPERTIES ENVIRONMENT FAKE_WINDOWS_FINAL_STATUS=dequeue)
+    endif()
   endif()
 endfunction()
