@@ -169,6 +169,7 @@ tExpectation expectationOf(const tPlace& place, const tErrorRow& reason) {
                              : tExpectation{tConsequence::untold, reason.code};
     case tCall::deviceIoControl:
       return ofRequest(place, reason.code);
+    case tCall::getModuleHandleEx:
     case tCall::beginThread:
     case tCall::multiByteToWideChar:
     case tCall::wideCharToMultiByte:

@@ -61,6 +61,7 @@ constexpr tFailing kFailing[] = {
     {tCall::waitForSingleObject, ERROR_INVALID_HANDLE},
     {tCall::waitForMultipleObjects, ERROR_NOT_ENOUGH_MEMORY},
     {tCall::beginThread, ERROR_NO_SYSTEM_RESOURCES},
+    {tCall::getModuleHandleEx, ERROR_MOD_NOT_FOUND},
     {tCall::getThreadPriority, ERROR_ACCESS_DENIED},
     {tCall::createIoCompletionPort, ERROR_NO_SYSTEM_RESOURCES},
     {tCall::getQueuedCompletionStatus, ERROR_INVALID_HANDLE},
