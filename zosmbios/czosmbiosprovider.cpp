@@ -136,6 +136,21 @@ void cZoSmBiosProvider::checkField(tStructureOffset structure, tFieldId field,
 }
 
 template <class Value>
+int32_t cZoSmBiosProvider::readNumberAt(tStructureOffset structure, tWidthClass width,
+                                        tFieldId field, Value* value) const noexcept {
+  if (widthClassOf(field) != width) {
+    return kFieldNotFound;
+  }
+  tStatus status;
+  checkField(structure, field, status);
+  if (status.isError()) {
+    return status.code;
+  }
+  std::memcpy(value, table_.bytes().data() + structure + offsetOf(field), sizeof *value);
+  return 0;
+}
+
+template <class Value>
 int32_t cZoSmBiosProvider::readNumber(tWidthClass width, tFieldId field, uint32_t instance,
                                       Value* value) noexcept {
   if (value == nullptr) {
@@ -143,20 +158,9 @@ int32_t cZoSmBiosProvider::readNumber(tWidthClass width, tFieldId field, uint32_
   }
   tStatus status;
   loadOnFirstUse(status);
-  if (status.isError()) {
-    return status.code;
-  }
-  if (widthClassOf(field) != width) {
-    return kFieldNotFound;
-  }
   tStructureOffset structure = 0;
   findStructure(structureTypeOf(field), instance, &structure, status);
-  checkField(structure, field, status);
-  if (status.isError()) {
-    return status.code;
-  }
-  std::memcpy(value, table_.bytes().data() + structure + offsetOf(field), sizeof *value);
-  return 0;
+  return status.isError() ? status.code : readNumberAt(structure, width, field, value);
 }
 
 int32_t cZoSmBiosProvider::readByte(tFieldId field, uint32_t instance, uint8_t* value) noexcept {
@@ -169,6 +173,12 @@ int32_t cZoSmBiosProvider::readWord(tFieldId field, uint32_t instance, uint16_t*
 
 int32_t cZoSmBiosProvider::readQword(tFieldId field, uint32_t instance, uint64_t* value) noexcept {
   return readNumber(tWidthClass::quadWord, field, instance, value);
+}
+
+int32_t cZoSmBiosProvider::readNextWord(tStructuresOfType& structures, tFieldId field,
+                                        uint16_t& value) const noexcept {
+  const auto structure = structures.next();
+  return structure ? readNumberAt(*structure, tWidthClass::word, field, &value) : kFieldNotFound;
 }
 
 void cZoSmBiosProvider::getString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,

@@ -63,6 +63,11 @@ class cZoSmBiosProvider {
   [[nodiscard]] int32_t readWord(tFieldId field, uint32_t instance, uint16_t* value) noexcept;
   [[nodiscard]] int32_t readQword(tFieldId field, uint32_t instance, uint64_t* value) noexcept;
 
+  // As readWord, for the next structure of an enumeration of the field's type: kFieldNotFound after
+  // the last. Reads of all instances together pass through the table once, with or without the index.
+  [[nodiscard]] int32_t readNextWord(tStructuresOfType& structures, tFieldId field,
+                                     uint16_t& value) const noexcept;
+
   // Reads a string, or with kVersionText the version. `size`: in the buffer's bytes, out on
   // kBufferTooSmall the bytes needed, NUL included; with a size of 0 the buffer may be null.
   // Status codes: kNoString (an empty string is stored where there is room), kBufferTooSmall,
@@ -83,6 +88,9 @@ class cZoSmBiosProvider {
  private:
   template <class Value>
   int32_t readNumber(tWidthClass width, tFieldId field, uint32_t instance, Value* value) noexcept;
+  template <class Value>
+  int32_t readNumberAt(tStructureOffset structure, tWidthClass width, tFieldId field,
+                       Value* value) const noexcept;
   void getStructureString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
                           nZOAPALS100::tStatus& status) noexcept;
   void getVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,

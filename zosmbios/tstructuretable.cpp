@@ -9,10 +9,14 @@ size_t tStructureTable::stringSetOf(tStructureOffset structure) const noexcept {
   return lengthByte < bytes_.size() ? structure + bytes_[lengthByte] : bytes_.size();
 }
 
+std::optional<tStructureOffset> tStructureTable::firstStructure() const noexcept {
+  return bytes_.empty() ? std::nullopt : std::optional<tStructureOffset>(0);
+}
+
 std::optional<tStructureOffset> tStructureTable::nextStructure(
     tStructureOffset structure) const noexcept {
   size_t position = stringSetOf(structure);
-  // Two NULs, and a byte behind them.
+  // Two NULs with a byte after them: fewer bytes begin no structure.
   while (position + 2 < bytes_.size()) {
     const void* const nul = std::memchr(bytes_.data() + position, 0, bytes_.size() - 2 - position);
     if (nul == nullptr) {
@@ -29,12 +33,19 @@ std::optional<tStructureOffset> tStructureTable::nextStructure(
 
 std::optional<tStructureOffset> tStructureTable::findStructure(uint8_t type,
                                                                uint32_t instance) const noexcept {
-  if (bytes_.empty()) {
-    return std::nullopt;
+  tStructuresOfType structures(*this, type);
+  std::optional<tStructureOffset> structure = structures.next();
+  for (; structure && instance != 0; --instance) {
+    structure = structures.next();
   }
-  std::optional<tStructureOffset> structure = 0;
-  for (uint32_t count = 0; structure; structure = nextStructure(*structure)) {
-    if (bytes_[*structure] == type && count++ == instance) {
+  return structure;
+}
+
+std::optional<tStructureOffset> tStructuresOfType::next() noexcept {
+  while (position_) {
+    const tStructureOffset structure = *position_;
+    position_ = table_.nextStructure(structure);
+    if (table_.bytes()[structure] == type_) {
       return structure;
     }
   }

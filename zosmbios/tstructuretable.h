@@ -8,12 +8,13 @@
 
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 
-// A structure found in a table: where it starts, in bytes from the table's start.
+// The start of a structure, in bytes from the start of the table. Every source of a table reports
+// its size in 32 bits.
 using tStructureOffset = uint32_t;
 
-// The plain way through an SMBIOS structure table, which nobody promises to be well-formed: every
-// step is bounded by the table. Structures are a type byte, the length of the formatted area (these
-// two bytes included), the rest of that area, and NUL-terminated strings up to an extra NUL.
+// The plain walk through an SMBIOS structure table. The table may be malformed: every step is bounded
+// by its end. A structure is a type byte, the length of the formatted area (these two bytes
+// included), the rest of that area, and NUL-terminated strings up to an extra NUL.
 class tStructureTable {
  public:
   constexpr tStructureTable() noexcept = default;
@@ -21,20 +22,40 @@ class tStructureTable {
 
   [[nodiscard]] constexpr std::span<const uint8_t> bytes() const noexcept { return bytes_; }
 
-  // The structure that follows: behind the first two adjacent NULs after the formatted area. None
-  // when the table ends before; a structure may begin on the table's last byte.
+  // None in a table of no bytes.
+  [[nodiscard]] std::optional<tStructureOffset> firstStructure() const noexcept;
+
+  // The structure after the first two adjacent NULs that follow the formatted area. None when the
+  // table ends before; a structure may begin on the table's last byte.
   [[nodiscard]] std::optional<tStructureOffset> nextStructure(
       tStructureOffset structure) const noexcept;
 
-  // The instance-th structure of a type, from 0.
+  // The instance-th structure of a type, from 0. Walks from the start of the table; to visit several
+  // instances use tStructuresOfType.
   [[nodiscard]] std::optional<tStructureOffset> findStructure(uint8_t type,
                                                               uint32_t instance) const noexcept;
 
-  // Where the string set of a structure starts; may lie outside the table.
+  // The start of a structure's string set; may lie outside the table.
   [[nodiscard]] size_t stringSetOf(tStructureOffset structure) const noexcept;
 
  private:
   std::span<const uint8_t> bytes_;
+};
+
+// Enumerates the structures of one type in table order: instance 0, 1, and so on. All calls of next()
+// together pass through the table once. The table's bytes must outlive the enumeration.
+class tStructuresOfType {
+ public:
+  tStructuresOfType(const tStructureTable& table, uint8_t type) noexcept
+      : table_(table), type_(type), position_(table.firstStructure()) {}
+
+  // The next structure of the type; none after the last one.
+  [[nodiscard]] std::optional<tStructureOffset> next() noexcept;
+
+ private:
+  tStructureTable table_;
+  uint8_t type_;
+  std::optional<tStructureOffset> position_;  // of the structure to be examined next
 };
 
 }  // namespace nQUENRA1400::nZOSMBIOS_1_1

@@ -22,26 +22,77 @@ std::optional<size_t> widened(std::optional<tStructureOffset> offset) {
   return offset ? std::optional<size_t>(*offset) : std::nullopt;
 }
 
-// Index and plain walk both give the answers of the slow walk, for every type and instance and one
-// instance more.
-void expectSameStructures(const std::vector<uint8_t>& bytes) {
-  const std::vector<tWalkedStructure> walked = walkStructures(bytes);
-  const tStructureTable table(bytes);
+// Every pass of the plain walk costs as much as the table is large. On a table with more structures,
+// or of more types, than these numbers the walk is compared on as many samples.
+constexpr size_t kComparedStructures = 50;
+constexpr size_t kComparedTypes = 10;
+
+bool isSample(size_t position, size_t count, size_t samples) {
+  return position % (count / samples + 1) == 0;
+}
+
+using tOffsetsOfTypes = std::map<uint8_t, std::vector<size_t>>;
+
+tOffsetsOfTypes offsetsOfTypes(const std::vector<tWalkedStructure>& walked) {
+  tOffsetsOfTypes offsets;
+  for (const auto& [offset, type] : walked) {
+    offsets[type].push_back(offset);
+  }
+  return offsets;
+}
+
+// The index finds every instance of every type, and none after the last.
+void expectIndexed(const tStructureTable& table, const tOffsetsOfTypes& offsets) {
   tStructureIndex index;
   index.build(table);
   ASSERT_TRUE(index.isUsable());
-  std::map<uint8_t, uint32_t> counts;
-  for (const tWalkedStructure& structure : walked) {
-    const uint32_t instance = counts[structure.type]++;
-    ASSERT_EQ(widened(index.findStructure(structure.type, instance)), structure.offset);
-    ASSERT_EQ(widened(table.findStructure(structure.type, instance)), structure.offset);
-  }
   for (unsigned type = 0; type < 256; ++type) {
     const auto id = static_cast<uint8_t>(type);
-    const uint32_t count = counts.contains(id) ? counts[id] : 0;
-    ASSERT_EQ(index.findStructure(id, count), std::nullopt) << "type " << type;
-    ASSERT_EQ(table.findStructure(id, count), std::nullopt) << "type " << type;
+    uint32_t instance = 0;
+    if (offsets.contains(id)) {
+      for (const size_t offset : offsets.at(id)) {
+        ASSERT_EQ(widened(index.findStructure(id, instance++)), offset) << "type " << type;
+      }
+    }
+    ASSERT_EQ(index.findStructure(id, instance), std::nullopt) << "type " << type;
   }
+}
+
+void expectFoundByWalking(const tStructureTable& table,
+                          const std::vector<tWalkedStructure>& walked) {
+  std::map<uint8_t, uint32_t> counts;
+  for (size_t i = 0; i < walked.size(); ++i) {
+    const uint32_t instance = counts[walked[i].type]++;
+    if (isSample(i, walked.size(), kComparedStructures)) {
+      ASSERT_EQ(widened(table.findStructure(walked[i].type, instance)), walked[i].offset);
+    }
+  }
+}
+
+void expectEnumerated(const tStructureTable& table, const tOffsetsOfTypes& offsets) {
+  size_t position = 0;
+  for (const auto& [type, ofType] : offsets) {
+    if (isSample(position++, offsets.size(), kComparedTypes)) {
+      tStructuresOfType structures(table, type);
+      for (const size_t offset : ofType) {
+        ASSERT_EQ(widened(structures.next()), offset) << "type " << +type;
+      }
+      ASSERT_EQ(structures.next(), std::nullopt) << "type " << +type;
+      ASSERT_EQ(structures.next(), std::nullopt) << "type " << +type;
+      const auto count = static_cast<uint32_t>(ofType.size());
+      ASSERT_EQ(table.findStructure(type, count), std::nullopt) << "type " << +type;
+    }
+  }
+}
+
+// Index, walk and enumeration find what the byte-by-byte walk finds.
+void expectSameStructures(const std::vector<uint8_t>& bytes) {
+  const std::vector<tWalkedStructure> walked = walkStructures(bytes);
+  const tOffsetsOfTypes offsets = offsetsOfTypes(walked);
+  const tStructureTable table(bytes);
+  ASSERT_NO_FATAL_FAILURE(expectIndexed(table, offsets));
+  ASSERT_NO_FATAL_FAILURE(expectFoundByWalking(table, walked));
+  ASSERT_NO_FATAL_FAILURE(expectEnumerated(table, offsets));
 }
 
 // Bytes without any order, NULs and short lengths frequent enough to make structures of them.
@@ -52,6 +103,18 @@ std::vector<uint8_t> arbitraryBytes(std::mt19937& random) {
     byte = static_cast<uint8_t>(random() % 3 == 0 ? 0 : random() % highest);
   }
   return bytes;
+}
+
+// Small tables one after another, more than 16-bit offsets reach.
+template <class Make>
+std::vector<uint8_t> largeTableOf(Make makeSmallTable, std::mt19937& random) {
+  std::vector<uint8_t> large;
+  const size_t size = 65536 + random() % 65536;
+  while (large.size() < size) {
+    const std::vector<uint8_t> small = makeSmallTable(random);
+    large.insert(large.end(), small.begin(), small.end());
+  }
+  return large;
 }
 
 TEST(Index, OnThousandsOfRandomTables_AgreesWithTheWalk) {
@@ -67,6 +130,15 @@ TEST(Index, OnThousandsOfArbitraryByteSequences_AgreesWithTheWalk) {
   for (int i = 0; i < 3000; ++i) {
     SCOPED_TRACE(i);
     ASSERT_NO_FATAL_FAILURE(expectSameStructures(arbitraryBytes(random)));
+  }
+}
+
+TEST(Index, OnLargeRandomTables_AgreesWithTheWalk) {
+  std::mt19937 random(4);
+  for (int i = 0; i < 8; ++i) {
+    SCOPED_TRACE(i);
+    ASSERT_NO_FATAL_FAILURE(expectSameStructures(largeTableOf(&randomTable, random)));
+    ASSERT_NO_FATAL_FAILURE(expectSameStructures(largeTableOf(&arbitraryBytes, random)));
   }
 }
 
@@ -86,7 +158,7 @@ TEST(Index, Cleared_FindsNothing) {
   EXPECT_EQ(index.findStructure(9, 0), std::nullopt);
 }
 
-TEST(Index, BuiltAnew_ForgetsTheFirstTable) {
+TEST(Index, Rebuilt_FindsOnlyTheSecondTable) {
   const std::vector<uint8_t> first{9, 4, 0, 0, 0, 0};
   const std::vector<uint8_t> second{8, 4, 0, 0, 0, 0};
   tStructureIndex index;
@@ -107,7 +179,7 @@ std::vector<uint8_t> tableOfSize(size_t size) {
   return table;
 }
 
-// The same full of structures of six bytes, so that counts and offsets become as large as they can.
+// The same, filled with structures of six bytes, the smallest well-formed ones.
 std::vector<uint8_t> crowdedTableOfSize(size_t size) {
   std::vector<uint8_t> table{2, 4, 0, 0};
   table.resize(table.size() + (size - 9) % 6, 'x');
@@ -119,61 +191,43 @@ std::vector<uint8_t> crowdedTableOfSize(size_t size) {
   return table;
 }
 
-struct tLargeTable {
-  size_t size;
-  bool indexed;
-};
+class LargeTable : public testing::TestWithParam<size_t> {};
 
-std::ostream& operator<<(std::ostream& out, const tLargeTable& table) {
-  return out << table.size << " bytes";
+TEST_P(LargeTable, OfAnySize_IsIndexed) {
+  for (const auto& bytes : {tableOfSize(GetParam()), crowdedTableOfSize(GetParam())}) {
+    tStructureIndex index;
+    index.build(tStructureTable(bytes));
+    EXPECT_TRUE(index.isUsable());
+  }
 }
 
-class LargeTable : public testing::TestWithParam<tLargeTable> {};
-
-TEST_P(LargeTable, IsIndexedAsFarAsOffsetsReach) {
-  const std::vector<uint8_t> bytes = tableOfSize(GetParam().size);
-  tStructureIndex index;
-  index.build(tStructureTable(bytes));
-  EXPECT_EQ(index.isUsable(), GetParam().indexed);
-}
-
-TEST_P(LargeTable, IsReadToItsEnd) {
-  for (const auto& bytes : {tableOfSize(GetParam().size), crowdedTableOfSize(GetParam().size)}) {
+TEST_P(LargeTable, LastStructure_IsRead) {
+  for (const auto& bytes : {tableOfSize(GetParam()), crowdedTableOfSize(GetParam())}) {
     tTestProvider provider(bytes);
     uint8_t value = 0;
     EXPECT_EQ(provider.readByte(byteField(9, 4), 0, &value), 0);
     EXPECT_EQ(value, 42);
-    EXPECT_EQ(provider.readByte(byteField(9, 4), 1, &value), -240052);
+    EXPECT_EQ(provider.readByte(byteField(9, 4), 1, &value), kFieldNotFound);
   }
 }
 
-TEST_P(LargeTable, KeepsEveryInstanceApart) {
-  const std::vector<uint8_t> bytes = crowdedTableOfSize(GetParam().size);
-  const tTestProvider provider(bytes);
-  const std::vector<tWalkedStructure> walked = walkStructures(bytes);
-  for (const uint32_t instance : {0u, 1u, 5000u, 10918u, 10919u, 10920u, 10921u, 65536u}) {
-    nZOAPALS100::tStatus status;
-    tStructureOffset found = 0;
-    provider.findStructure(1, instance, &found, status);
-    const auto expected = walkedStructure(walked, 1, instance);
-    EXPECT_EQ(status.code, expected ? 0 : -240052) << instance;
-    EXPECT_EQ(found, expected.value_or(0)) << instance;
-  }
+TEST_P(LargeTable, EveryInstance_HasItsOwnOffset) {
+  expectSameStructures(crowdedTableOfSize(GetParam()));
 }
 
+// The sizes around the largest 16-bit offset, and of a table of 20000 memory devices.
 INSTANTIATE_TEST_SUITE_P(Bytes, LargeTable,
-                         testing::Values(tLargeTable{1000, true}, tLargeTable{65534, true},
-                                         tLargeTable{65535, true}, tLargeTable{65536, false},
-                                         tLargeTable{70000, false}));
+                         testing::Values(1000, 65534, 65535, 65536, 65537, 70000, 131073, 320000));
 
-TEST(Index, AllZeros_IsAStructureInEveryTwoBytes) {
-  const std::vector<uint8_t> bytes(65535);
+TEST(Index, OfAllZeros_FindsAStructureInEveryTwoBytes) {
+  const std::vector<uint8_t> bytes(200001);
   tStructureIndex index;
   index.build(tStructureTable(bytes));
   ASSERT_TRUE(index.isUsable());
   EXPECT_EQ(index.findStructure(0, 0), 0u);
-  EXPECT_EQ(index.findStructure(0, 32767), 65534u);
-  EXPECT_EQ(index.findStructure(0, 32768), std::nullopt);
+  EXPECT_EQ(index.findStructure(0, 32768), 65536u);
+  EXPECT_EQ(index.findStructure(0, 100000), 200000u);
+  EXPECT_EQ(index.findStructure(0, 100001), std::nullopt);
 }
 
 }  // namespace
