@@ -9,6 +9,7 @@
 namespace nQUENRA1400 {
 namespace {
 
+using nZOSMBIOS_1_1::structureTypeOf;
 using nZOSMBIOS_1_1::wordField;
 
 constexpr auto kDeviceCount = wordField(0x10, 0x0D);  // of Physical Memory Array
@@ -17,24 +18,28 @@ constexpr auto kDeviceSize = wordField(0x11, 0x0C);  // of Memory Device; 0 when
 constexpr auto kListDoesNotGrow = sessionLocation(421);
 constexpr auto kIndexBeyondCount = sessionLocation(2534);
 
-// 0 for a field that is malformed.
-uint16_t readWord(nZOSMBIOS_1_1::cZoSmBiosProvider& provider, nZOSMBIOS_1_1::tFieldId field,
-                  uint32_t instance, zoerr::Status& status) noexcept {
-  uint16_t value = 0;
-  mergeProviderResult(provider.readWord(field, instance, &value), status);
-  return value;
+// 0 when the field is malformed.
+uint32_t deviceCount(nZOSMBIOS_1_1::cZoSmBiosProvider& provider, zoerr::Status& status) noexcept {
+  uint16_t count = 0;
+  mergeProviderResult(provider.readWord(kDeviceCount, 0, &count), status);
+  return count;
 }
 
 }  // namespace
 
+// Enumerates the devices: to read them by instance would walk the table for each of them when memory
+// for its index is short.
 void tMemoryModules::find(nZOSMBIOS_1_1::cZoSmBiosProvider& provider,
                           zoerr::Status& status) noexcept {
   if (status.isError()) {
     return;
   }
-  const uint32_t devices = readWord(provider, kDeviceCount, 0, status);
+  const uint32_t devices = deviceCount(provider, status);
+  nZOSMBIOS_1_1::tStructuresOfType structures(provider.table(), structureTypeOf(kDeviceSize));
   for (uint32_t device = 0; device < devices && !status.isError(); ++device) {
-    if (readWord(provider, kDeviceSize, device, status) != 0) {
+    uint16_t size = 0;  // unchanged when the field is malformed
+    mergeProviderResult(provider.readNextWord(structures, kDeviceSize, size), status);
+    if (size != 0) {
       append(device, status);
     }
   }

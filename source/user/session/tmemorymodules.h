@@ -14,8 +14,9 @@ namespace nQUENRA1400 {
 // all, empty sockets included.
 class tMemoryModules {
  public:
-  // Lists the modules. kAttributeNotSupported when the table has no memory array or fewer devices
-  // than the array says, kMemoryFull; the list is then empty.
+  // Lists the modules, in time linear in the table's size. Reports kAttributeNotSupported when the
+  // table has no memory array or fewer devices than the array's count, and kMemoryFull; the list is
+  // empty then.
   void find(nZOSMBIOS_1_1::cZoSmBiosProvider& provider, zoerr::Status& status) noexcept;
 
   [[nodiscard]] uint32_t count() const noexcept { return static_cast<uint32_t>(instances_.size()); }
