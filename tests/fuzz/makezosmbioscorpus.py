@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Writes the kept inputs of zosmbios_fuzz into corpus/zosmbios; zosmbios_fuzz.cpp tells the format."""
+"""Writes the kept inputs of zosmbios_fuzz into corpus/zosmbios; zosmbios_fuzz.cpp documents the format."""
 import pathlib
 import struct
 
 FOLDER = pathlib.Path(__file__).parent / "corpus" / "zosmbios"
+LARGE_TABLES = 135  # a multiple of 9, not below kLargeTables of zosmbios_fuzz.cpp
 TEXT, BYTE, WORD, DOUBLE_WORD, QUAD_WORD, PROVIDER = 0, 1, 2, 3, 4, 15
 
 
@@ -17,8 +18,10 @@ def question(width, kind, offset, instance=0, size=64, high=0):
     return struct.pack("<IBH", high << 20 | width << 16 | kind << 8 | offset, instance, size)
 
 
-def write(name, questions, table, version=b"3.4\0"):
-    content = bytes([len(version)]) + version + bytes([len(questions)]) + b"".join(questions) + table
+def write(name, questions, table, version=b"3.4\0", is_large=False):
+    """A large table follows a structure of 64 KiB."""
+    count = len(questions) + (LARGE_TABLES if is_large else 0)
+    content = bytes([len(version)]) + version + bytes([count]) + b"".join(questions) + table
     (FOLDER / name).write_bytes(content)
 
 
@@ -59,6 +62,12 @@ def main():
     write("unendedstring", [question(TEXT, 9, 4), question(TEXT, 9, 5)],
           b"\x09\x06\x01\x00\x01\x02one\0two")
     write("cutarea", [question(BYTE, 1, 4), question(TEXT, 1, 4)], IDENTITY[:9])
+    write("large", [question(BYTE, 17, 6, n) for n in range(4)] + [question(TEXT, 17, 5, 2)], GOOD,
+          is_large=True)
+    write("largezeros", [question(BYTE, 0, 0, n) for n in (0, 1, 8)], bytes(19), is_large=True)
+    write("largecutarea", [question(BYTE, 1, 4), question(TEXT, 1, 4)], IDENTITY[:9], is_large=True)
+    write("largestrings", [question(TEXT, 9, 4), question(TEXT, 126, 4)],
+          structure(9, [1], [b"text"])[:-1], is_large=True)
 
 
 if __name__ == "__main__":

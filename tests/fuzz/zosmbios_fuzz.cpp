@@ -2,13 +2,14 @@
 //
 // An input is: the length of the version text and its bytes; the number of questions, modulo 9; per
 // question a field id of four bytes, an instance of one and a buffer size of two, little-endian; the
-// rest is the table. What the input does not have reads as zero.
+// rest is the table. Fields that the input is too short for are zero. When the number of questions is
+// kLargeTables or more, the table follows a structure of 64 KiB, so that its offsets exceed 16 bits.
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -56,6 +57,21 @@ class tInput {
   tBytes bytes_;
 };
 
+constexpr uint32_t kQuestionCounts = 9;
+constexpr uint32_t kLargeTables = 128;
+constexpr size_t kLargeStructure = 65536;
+
+std::vector<uint8_t> tableOf(tBytes bytes, bool isLarge) {
+  std::vector<uint8_t> table;
+  if (isLarge) {
+    table = {126, 4, 0, 0};
+    table.resize(kLargeStructure - 2, 'x');
+    table.insert(table.end(), {0, 0});
+  }
+  table.insert(table.end(), bytes.begin(), bytes.end());
+  return table;
+}
+
 struct tQuestion {
   tFieldId field;
   uint32_t instance;
@@ -67,26 +83,33 @@ class tProvider final : public cZoSmBiosProvider {
   void load(tStatus&) noexcept override { require(false, "a provider with a table loads none"); }
 };
 
+// Every structure by the walk and by the index.
 void compareStructures(const tStructureTable& table, const tWalk& walked) {
   tStructureIndex index;
   index.build(table);
-  require(index.isUsable(), "a small table is indexed");
-  std::map<uint8_t, uint32_t> counts;
-  std::optional<tStructureOffset> next;
+  require(index.isUsable(), "a table is indexed");
+  std::array<uint32_t, 256> counts{};
+  std::optional<tStructureOffset> next = table.firstStructure();
   for (const tWalkedStructure& structure : walked) {
-    const auto place = static_cast<tStructureOffset>(structure.offset);
-    require(structure.offset == 0 || next == place, "the walk goes from structure to structure");
+    require(next == structure.offset, "the walk finds a structure");
     const uint32_t instance = counts[structure.type]++;
-    require(index.findStructure(structure.type, instance) == place, "the index finds a structure");
-    next = table.nextStructure(place);
+    require(index.findStructure(structure.type, instance) == next, "the index finds a structure");
+    next = table.nextStructure(*next);
   }
   require(!next, "the walk ends with the last structure");
-  for (unsigned type = 0; type < 256; ++type) {
-    const auto id = static_cast<uint8_t>(type);
-    const auto count = counts.find(id);
-    require(!index.findStructure(id, count == counts.end() ? 0 : count->second),
-            "the index finds no structure too many");
+  for (size_t type = 0; type < counts.size(); ++type) {
+    require(!index.findStructure(static_cast<uint8_t>(type), counts[type]),
+            "the index finds no structure after the last");
   }
+}
+
+void compareEnumeration(const tStructureTable& table, const tWalk& walked, uint8_t type) {
+  tStructuresOfType structures(table, type);
+  for (const tWalkedStructure& structure : walked) {
+    require(structure.type != type || structures.next() == structure.offset,
+            "the enumeration finds a structure");
+  }
+  require(!structures.next(), "the enumeration ends with the last structure");
 }
 
 // The bytes of a numeric field, as far as the table has them.
@@ -180,6 +203,7 @@ void ask(cZoSmBiosProvider& provider, const tWalk& walked, const tQuestion& ques
   const auto plain = provider.table().findStructure(type, question.instance);
   require(plain.has_value() == expected.has_value() && plain.value_or(0) == expected.value_or(0),
           "the table finds what the walk finds");
+  compareEnumeration(provider.table(), walked, type);
 
   askNumber(provider, walked, tWidthClass::byte, question, &cZoSmBiosProvider::readByte);
   askNumber(provider, walked, tWidthClass::word, question, &cZoSmBiosProvider::readWord);
@@ -194,13 +218,14 @@ void ask(cZoSmBiosProvider& provider, const tWalk& walked, const tQuestion& ques
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   tInput input({data, size});
   const tBytes version = input.take(input.number(1));
-  std::vector<tQuestion> questions(input.number(1) % 9);
+  const uint32_t count = input.number(1);
+  std::vector<tQuestion> questions(count % kQuestionCounts);
   for (tQuestion& question : questions) {
     question.field = input.number(4);
     question.instance = input.number(1);
     question.size = input.number(2);
   }
-  const tBytes table = input.rest();
+  const std::vector<uint8_t> table = tableOf(input.rest(), count >= kLargeTables);
 
   tProvider provider;
   tStatus status;
