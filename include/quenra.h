@@ -64,8 +64,8 @@ void QUENRA_closeController(uint64_t handle);
  * attribute: an id of QUENRA_TextAttribute, with instance and selector where they apply.
  * buffer:    out; receives the text as UTF-8 with its NUL.
  * size:      in: the buffer's size in bytes. Out: with QUENRA_STATUS_BUFFER_TOO_SMALL the size
- *            needed, NUL included; after a read from the Marten interface the bytes it filled; else
- *            unchanged. To ask for the needed size, pass 0.
+ *            needed, NUL included; with success or a warning from the Marten interface the bytes that
+ *            the driver filled; else unchanged. To query the needed size, pass 0.
  *
  * QUENRA_ATTRIBUTE_DEVICE_PATH is answered without an open controller and for any handle.
  *

@@ -399,6 +399,12 @@ TEST_F(TextFromMarten, DriversWarning_IsReturnedWithTheText) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{9, "M-9.8", 6}));
 }
 
+TEST_F(TextFromMarten, RefusedByTheDriver_LeavesTheSize) {
+  open();
+  machine().removeAttribute(kSimulatorInterfaceMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), noText(kNotSupported));
+}
+
 TEST_F(TextFromMarten, RequestThatFails_GivesTheMappedCodeAndLeavesTheSize) {
   open();
   tSimulatorScript script{};

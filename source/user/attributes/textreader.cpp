@@ -81,10 +81,11 @@ void tTextReading::readFromMarten() const noexcept {
   uint32_t answered = offered;
   tStatus driver = recordFor(status_);
   readFromDriver(access_.marten, attribute_, buffer_, answered, driver);
-  // More than was offered can be needed; it cannot have been filled.
-  const bool isPossible = answered < offered || driver.isError();
-  if (answered != offered && isPossible) {
+  if (driver.code == kBufferTooSmall) {
     *size_ = answered;
+  } else if (!driver.isError()) {
+    // The driver cannot have filled more than the buffer.
+    *size_ = std::min(answered, offered);
   }
   status_.mergeFrom(driver);
 }

@@ -1,3 +1,11 @@
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "quenra_attributes.h"
+#include "quenra_status.h"
 #include "tests/component/user/readingtest.h"
 
 namespace nTests {
@@ -108,55 +116,123 @@ TEST_F(TextReader, ListWithoutItsStructure_FailsAtLine2569) {
   EXPECT_EQ(readText(0x10025900), (tFailure{-26934, 2569}));
 }
 
-TEST_F(TextReader, FirmwareVersionFromMarten_SeesSizeAndEarlierWarning) {
-  martenIsOpen = true;
-  marten.answerText(0x10000400, "M-1");
+// ---- The Marten interface ----
+
+constexpr uint32_t kVersion = QUENRA_ATTRIBUTE_FIRMWARE_VERSION;
+
+// The outcome of one read, compared as a unit.
+struct tMartenRead {
+  int32_t code;
+  std::string buffer;  // every byte of it
+  uint64_t size;
+  bool operator==(const tMartenRead&) const = default;
+};
+void PrintTo(const tMartenRead& read, std::ostream* out) {
+  *out << "code " << read.code << ", buffer " << testing::PrintToString(read.buffer) << ", size "
+       << read.size;
+}
+
+class TextFromMartenDouble : public ReadingTest {
+ protected:
+  void SetUp() override {
+    ReadingTest::SetUp();
+    martenIsOpen = true;
+  }
+
+  // Reads into `size` bytes of heap memory, each '#', so that a write past its end is reported.
+  tMartenRead read(size_t size, uint32_t attribute = kVersion) {
+    const std::unique_ptr<char[]> memory(size == 0 ? nullptr : new char[size]);
+    std::fill_n(memory.get(), size, '#');
+    uint64_t inOut = size;
+    zoerr::tOwnedStatus status;
+    readTextAttribute(access(), attribute, memory.get(), &inOut, status);
+    failure = {status.code, lineOf(status)};
+    return {status.code, std::string(memory.get(), size), inOut};
+  }
+  static std::string bytes(std::string_view text) { return std::string(text); }
+
+  tFailure failure{};  // of the last read
+};
+
+using namespace std::string_view_literals;
+
+TEST_F(TextFromMartenDouble, Request_CarriesSizeAndEarlierWarning) {
+  marten.answerText(kVersion, "M-1");
   zoerr::tOwnedStatus status;
   status.code = 5;
   uint64_t size = 100;
-  readTextAttribute(access(), 0x10000400, buffer, &size, status);
+  readTextAttribute(access(), kVersion, buffer, &size, status);
   EXPECT_EQ(status.code, 5);
   EXPECT_EQ(size, 4u);
-  EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{0x10000400, 100, 5}));
+  EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{kVersion, 100, 5}));
 }
 
-TEST_F(TextReader, FirmwareVersionFromMartenWithoutABuffer_FailsAtLine2771) {
-  martenIsOpen = true;
+TEST_F(TextFromMartenDouble, WithoutBuffer_FailsAtLine2771WithoutARequest) {
   zoerr::tOwnedStatus status;
   uint64_t size = 100;
-  readTextAttribute(access(), 0x10000400, nullptr, &size, status);
-  EXPECT_EQ(status.code, -52005);
+  readTextAttribute(access(), kVersion, nullptr, &size, status);
+  EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(lineOf(status), 2771u);
   EXPECT_EQ(size, 100u);
   EXPECT_TRUE(marten.questions.empty());
 }
 
-TEST_F(TextReader, MartenThatSaysItFilledMoreThanThereIs_IsNotBelieved) {
-  martenIsOpen = true;
-  marten.answerText(0x10000400, "M-1");
-  marten.exaggeration = 1000;
-  zoerr::tOwnedStatus status;
-  uint64_t size = 100;
-  readTextAttribute(access(), 0x10000400, buffer, &size, status);
-  EXPECT_EQ(status.code, 0);
-  EXPECT_EQ(size, 100u);
-  EXPECT_STREQ(buffer, "M-1");
-}
-
-TEST_F(TextReader, AnyTypeWithNumber4_IsAskedOfAnOpenMarten) {
-  martenIsOpen = true;
+TEST_F(TextFromMartenDouble, AnyTypeWithNumber4_IsReadFromAnOpenMarten) {
   for (const uint32_t attribute :
        {0x10000400u, 0x18000400u, 0x20000400u, 0x10200400u, 0x10F00407u}) {
     marten.answerText(attribute, "M-1");
-    EXPECT_EQ(readText(attribute).code, 0) << std::hex << attribute;
-    EXPECT_STREQ(buffer, "M-1");
+    EXPECT_EQ(read(4, attribute), (tMartenRead{0, bytes("M-1\0"sv), 4})) << std::hex << attribute;
   }
 }
 
-TEST_F(TextReader, DriversFailure_TellsTheDriversPlace) {
-  martenIsOpen = true;
-  EXPECT_EQ(readText(0x10000400), (tFailure{-26934, 1}));
+// The size is written on success, with a warning, and when it is too small.
+
+TEST_F(TextFromMartenDouble, Success_WritesTheSizeFilled) {
+  marten.answerText(kVersion, "M-1");
+  EXPECT_EQ(read(6), (tMartenRead{0, bytes("M-1\0##"sv), 4}));
+  EXPECT_EQ(read(4), (tMartenRead{0, bytes("M-1\0"sv), 4}));
 }
+
+TEST_F(TextFromMartenDouble, DriverWarning_WritesTheSizeFilled) {
+  marten.answers[kVersion] = {bytes("M-1\0"sv), 9};
+  EXPECT_EQ(read(6), (tMartenRead{9, bytes("M-1\0##"sv), 4}));
+}
+
+TEST_F(TextFromMartenDouble, BufferTooSmall_WritesTheSizeNeeded) {
+  marten.answerText(kVersion, "M-1");
+  EXPECT_EQ(read(3), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "###", 4}));
+  EXPECT_EQ(failure.line, 2u) << "the location is the driver's";
+  EXPECT_EQ(read(0), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", 4}));
+}
+
+TEST_F(TextFromMartenDouble, OtherDriverFailures_LeaveTheSize) {
+  EXPECT_EQ(read(6), (tMartenRead{QUENRA_STATUS_NOT_SUPPORTED, "######", 6}));
+  EXPECT_EQ(failure.line, 1u) << "the location is the driver's";
+  for (const int32_t code : {int32_t{QUENRA_STATUS_BUSY}, -1}) {
+    marten.answers[kVersion] = {"0123456789", code};
+    EXPECT_EQ(read(6), (tMartenRead{code, "######", 6}));
+    EXPECT_EQ(read(0), (tMartenRead{code, "", 0}));
+  }
+}
+
+TEST_F(TextFromMartenDouble, ReportedSizeBeyondTheBuffer_IsCutToTheBuffer) {
+  marten.answerText(kVersion, "M-1");
+  marten.exaggeration = 1000;
+  EXPECT_EQ(read(6), (tMartenRead{0, bytes("M-1\0##"sv), 6}));
+}
+
+TEST_F(TextFromMartenDouble, SizeBeyond32Bits_IsWritten) {
+  marten.answerText(kVersion, "M-1");
+  marten.exaggeration = UINT32_MAX - 4;
+  zoerr::tOwnedStatus status;
+  uint64_t size = (uint64_t{1} << 32) + 10;
+  readTextAttribute(access(), kVersion, buffer, &size, status);
+  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(size, UINT32_MAX);
+  EXPECT_STREQ(buffer, "M-1");
+}
+
+// ---- Other texts ----
 
 TEST_F(TextReader, LongestTextThatThereIs_IsReadWhole) {
   const std::string longest = "07:" + std::string(125, 'x');

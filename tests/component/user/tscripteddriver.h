@@ -1,5 +1,4 @@
-// Doubles of the driver's interfaces: each holds the attributes it answers and notes what it is
-// asked.
+// Doubles of the driver's interfaces: each holds attributes, and records the requests it receives.
 #ifndef TESTS_COMPONENT_USER_TSCRIPTEDDRIVER_H
 #define TESTS_COMPONENT_USER_TSCRIPTEDDRIVER_H
 
@@ -19,7 +18,8 @@ using nZOAPALS100::tStatus;
 
 struct tAnswer {
   std::string bytes;
-  int32_t code = 0;
+  int32_t code =
+      0;  // with a negative one nothing is filled, and the reported size is that of `bytes`
 };
 
 struct tQuestion {
@@ -29,7 +29,8 @@ struct tQuestion {
   bool operator==(const tQuestion&) const = default;
 };
 
-// What both doubles do with a get-attribute call. An attribute without an answer is refused.
+// The attributes of one interface. A request for an attribute without an answer is refused, with a
+// reported size of 0.
 class tAttributeStore {
  public:
   std::map<uint32_t, tAnswer> answers;
@@ -43,9 +44,9 @@ class tAttributeStore {
   void answerText(uint32_t attribute, const std::string& text) {
     answers[attribute] = {text + '\0', 0};
   }
-  // How many bytes more a text that was handed over is said to have.
+  // Bytes that a successful read reports in addition to those it filled.
   uint32_t exaggeration = 0;
-  // What a write is answered with.
+  // The code of every write.
   int32_t writeCode = 0;
   std::vector<tQuestion> writes;
 
@@ -63,22 +64,28 @@ class tAttributeStore {
     const auto answer = answers.find(attribute);
     if (answer == answers.end()) {
       mergeStatus(status, -26934, "driver", "store", 1);
+      size = 0;
       return;
     }
     const std::string& bytes = answer->second.bytes;
     const auto needed = static_cast<uint32_t>(bytes.size());
-    if (size < needed) {
+    if (answer->second.code < 0) {
+      mergeStatus(status, answer->second.code, "driver", "store", 3);
+      size = needed;
+    } else if (size < needed) {
       mergeStatus(status, -26930, "driver", "store", 2);
       size = needed;
     } else {
-      std::memcpy(reinterpret_cast<void*>(static_cast<uintptr_t>(buffer)), bytes.data(), needed);
+      if (needed != 0) {
+        std::memcpy(reinterpret_cast<void*>(static_cast<uintptr_t>(buffer)), bytes.data(), needed);
+      }
       mergeStatus(status, answer->second.code, "driver", "store", 3);
       size = needed + exaggeration;
     }
   }
 };
 
-// The operations that no reader uses.
+// An interface without the operations that no reader uses.
 template <class Interface>
 class tAttributesOnly : public tWithoutChannel<Interface> {
  public:
