@@ -62,28 +62,35 @@ void QUENRA_closeController(uint64_t handle);
 /* Reads a text attribute.
  *
  * attribute: an id of QUENRA_TextAttribute, with instance and selector where they apply.
- * buffer:    out; receives the text as UTF-8 with its NUL.
- * size:      in: the buffer's size in bytes. Out: with QUENRA_STATUS_BUFFER_TOO_SMALL the size
- *            needed, NUL included; with success or a warning from the Marten interface the bytes that
- *            the driver filled; else unchanged. To query the needed size, pass 0.
+ * buffer:    out; receives the text as UTF-8, and a NUL.
+ * size:      in: the buffer's size in bytes; 0 to query the size needed. Out: with
+ *            QUENRA_STATUS_BUFFER_TOO_SMALL the size needed, NUL included; with success or a warning
+ *            from the Marten interface the bytes that the driver filled; else unchanged.
  *
- * QUENRA_ATTRIBUTE_DEVICE_PATH is answered without an open controller and for any handle.
+ * The library terminates a text of the Marten interface that the driver returns without a NUL. When
+ * such a text fills the buffer, the code is QUENRA_STATUS_BUFFER_TOO_SMALL, *size is one byte larger,
+ * and the buffer holds an empty text. To read a text of any length, repeat the call with a buffer of
+ * *size bytes for as long as it returns QUENRA_STATUS_BUFFER_TOO_SMALL.
  *
- * A field that is malformed in the machine's table reads as success with the buffer unchanged: put
- * a NUL into the buffer before the call where that matters. A text that stands for none ("Not
- * Applicable", a version that repeats the BIOS version) leaves an empty text in the buffer.
+ * QUENRA_ATTRIBUTE_DEVICE_PATH needs no open controller and accepts any handle.
+ *
+ * A field that is malformed in the machine's table reads as success with the buffer unchanged: store
+ * a NUL in the buffer before the call if that matters. A text that means that there is none ("Not
+ * Applicable", a version that repeats the BIOS version) is not supported, and leaves an empty text in
+ * the buffer.
  *
  * Returns
  *   0                                 done; without a size pointer: nothing was read
+ *   positive                          done; the driver gave a warning
  *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
- *   QUENRA_STATUS_BUFFER_TOO_SMALL    *size tells the size needed (also for a null size pointer
- *                                     where the text is the device path or a location)
+ *   QUENRA_STATUS_BUFFER_TOO_SMALL    *size holds the size needed (also for a null size pointer when
+ *                                     the text is the device path or a location)
  *   QUENRA_STATUS_NOT_SUPPORTED       unknown id, or not on this machine
- *   QUENRA_STATUS_NO_CONTROLLER       the interface selected is not open; for the device path, no
+ *   QUENRA_STATUS_NO_CONTROLLER       the selected interface is not open; for the device path, no
  *                                     device is present
  *   QUENRA_STATUS_PATH_TOO_LONG       the device path needs more than 256 bytes
  *   QUENRA_STATUS_INVALID_PARAMETER   buffer is null although size is not too small
- *   others                            what the system or the driver reported
+ *   others                            codes of the system or the driver
  */
 int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer, uint64_t* size);
 

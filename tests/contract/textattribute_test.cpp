@@ -331,6 +331,11 @@ class TextFromMarten : public TextAttribute {
       machine().setAttributeText(kSimulatorInterfaceMarten, attribute, "M-9.8");
     }
   }
+
+  void setTextWithoutNul(std::string_view text) {
+    machine().setAttribute(kSimulatorInterfaceMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION,
+                           std::vector<uint8_t>(text.begin(), text.end()));
+  }
 };
 
 TEST_F(TextFromMarten, FirmwareVersion_IsAskedOfAnOpenMarten) {
@@ -397,6 +402,29 @@ TEST_F(TextFromMarten, DriversWarning_IsReturnedWithTheText) {
   script.driverStatus = 9;
   machine().addScript(script);
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{9, "M-9.8", 6}));
+}
+
+// The driver keeps a text as its writer sent it, and an update writes the version without a NUL.
+TEST_F(TextFromMarten, WithoutNul_IsTerminated) {
+  setTextWithoutNul("M-10");
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{0, "M-10", 4}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 5), (tTextRead{0, "M-10", 4}));
+}
+
+TEST_F(TextFromMarten, WithoutNulFillingTheBuffer_NeedsOneByteMore) {
+  setTextWithoutNul("M-10");
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 4),
+            (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", 5}));
+}
+
+TEST_F(TextFromMarten, EmptyWithoutNulAndSizeZero_NeedsOneByte) {
+  setTextWithoutNul("");
+  open();
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0),
+            (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", 1}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 1), (tTextRead{0, "", 0}));
 }
 
 TEST_F(TextFromMarten, RefusedByTheDriver_LeavesTheSize) {

@@ -30,6 +30,7 @@ constexpr auto kVersionIsBiosVersion = sessionLocation(622);
 constexpr auto kUnknownAttribute = sessionLocation(893);
 constexpr auto kTextDoesNotFit = sessionLocation(2770);
 constexpr auto kBufferMissing = sessionLocation(2771);
+constexpr auto kNoRoomForNul = sessionLocation(2772);
 
 constexpr auto kBiosVersion = nZOSMBIOS_1_1::textField(0x00, 0x05);
 constexpr std::string_view kNotApplicable = "Not Applicable";
@@ -51,6 +52,7 @@ class tTextReading {
   void readRow(const tTextRow& row) const noexcept;
 
  private:
+  void terminate(uint32_t filled) const noexcept;
   void readOrdinaryRow(const tTextRow& row) const noexcept;
   bool readField(tFieldId field, uint32_t instance) const noexcept;
   void readApplicable(tFieldId field, const tSourceLocation& notApplicable) const noexcept;
@@ -81,13 +83,31 @@ void tTextReading::readFromMarten() const noexcept {
   uint32_t answered = offered;
   tStatus driver = recordFor(status_);
   readFromDriver(access_.marten, attribute_, buffer_, answered, driver);
+  status_.mergeFrom(driver);
   if (driver.code == kBufferTooSmall) {
     *size_ = answered;
   } else if (!driver.isError()) {
     // The driver cannot have filled more than the buffer.
-    *size_ = std::min(answered, offered);
+    terminate(std::min(answered, offered));
   }
-  status_.mergeFrom(driver);
+}
+
+// Ends the text in the first `filled` bytes of the buffer, which a driver may leave without a NUL. A
+// text that has no room for it is too long: to cut it would turn it into another one.
+void tTextReading::terminate(uint32_t filled) const noexcept {
+  const bool isTerminated = std::string_view(buffer_, filled).find('\0') != std::string_view::npos;
+  if (isTerminated || filled < *size_) {
+    if (!isTerminated) {
+      buffer_[filled] = '\0';
+    }
+    *size_ = filled;
+    return;
+  }
+  if (filled != 0) {
+    buffer_[0] = '\0';
+  }
+  *size_ = uint64_t{filled} + 1;
+  status_.set(kBufferTooSmall, kNoRoomForNul);
 }
 
 void tTextReading::readRow(const tTextRow& row) const noexcept {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <thread>
@@ -45,6 +46,8 @@ void readText(uint32_t attribute, uint64_t room) {
   uint64_t size = room;
   const int32_t code = QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, buffer.get(), &size);
   require(code < 0 || size <= room, "a text is said to be longer than its buffer");
+  require(code < 0 || room == 0 || std::memchr(buffer.get(), 0, room) != nullptr,
+          "a text has no NUL");
 }
 
 void useController() {

@@ -232,6 +232,52 @@ TEST_F(TextFromMartenDouble, SizeBeyond32Bits_IsWritten) {
   EXPECT_STREQ(buffer, "M-1");
 }
 
+// A successful read ends its text with a NUL inside the buffer.
+
+TEST_F(TextFromMartenDouble, TextWithoutNul_IsTerminatedAtTheReportedSize) {
+  marten.answers[kVersion] = {"M-1", 0};
+  EXPECT_EQ(read(6), (tMartenRead{0, bytes("M-1\0##"sv), 3}));
+  EXPECT_EQ(read(4), (tMartenRead{0, bytes("M-1\0"sv), 3}));
+  marten.answers[kVersion].code = 9;
+  EXPECT_EQ(read(4), (tMartenRead{9, bytes("M-1\0"sv), 3})) << "with a warning";
+}
+
+TEST_F(TextFromMartenDouble, TextWithANulInside_IsLeftAsTheDriverFilledIt) {
+  marten.answers[kVersion] = {bytes("M\0-1"sv), 0};
+  EXPECT_EQ(read(6), (tMartenRead{0, bytes("M\0-1##"sv), 4}));
+  EXPECT_EQ(read(4), (tMartenRead{0, bytes("M\0-1"sv), 4}));
+}
+
+TEST_F(TextFromMartenDouble, EmptyTextWithoutNul_IsTerminatedAtTheStart) {
+  marten.answers[kVersion] = {"", 0};
+  EXPECT_EQ(read(3), (tMartenRead{0, bytes("\0##"sv), 0}));
+  EXPECT_EQ(read(1), (tMartenRead{0, bytes("\0"sv), 0}));
+}
+
+TEST_F(TextFromMartenDouble, TextWithoutNulThatFillsTheBuffer_NeedsOneByteMore) {
+  marten.answers[kVersion] = {"M-1", 0};
+  EXPECT_EQ(read(3), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, bytes("\0-1"sv), 4}));
+  EXPECT_EQ(failure.line, 2772u);
+  marten.answers[kVersion].code = 9;
+  EXPECT_EQ(read(3).code, QUENRA_STATUS_BUFFER_TOO_SMALL) << "with a warning";
+}
+
+TEST_F(TextFromMartenDouble, EmptyTextWithoutNulAndWithoutBuffer_NeedsOneByte) {
+  marten.answers[kVersion] = {"", 0};
+  EXPECT_EQ(read(0), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", 1}));
+  EXPECT_EQ(failure.line, 2772u);
+}
+
+TEST_F(TextFromMartenDouble, ReadRepeatedWithTheSizeNeeded_SucceedsWithoutNul) {
+  marten.answers[kVersion] = {"M-1", 0};
+  tMartenRead result = read(0);
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    ASSERT_EQ(result.code, QUENRA_STATUS_BUFFER_TOO_SMALL);
+    result = read(result.size);
+  }
+  EXPECT_EQ(result, (tMartenRead{0, bytes("M-1\0"sv), 3}));
+}
+
 // ---- Other texts ----
 
 TEST_F(TextReader, LongestTextThatThereIs_IsReadWhole) {
