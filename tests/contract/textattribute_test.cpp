@@ -319,6 +319,22 @@ TEST_F(TextAttribute, OfAList_BeyondTheStructuresRoom_IsNotSupported) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS + 5), noText(kNotSupported));
 }
 
+TEST_F(TextAttribute, OfAListThatTheTableCutsOff_IsNotSupported) {
+  struct tCase {
+    uint8_t structure;
+    uint32_t attribute;
+  };
+  for (const auto& [type, attribute] : {tCase{0x98, QUENRA_ATTRIBUTE_SLOT_LOCATION},
+                                        {0xA3, QUENRA_ATTRIBUTE_BRIDGE_LOCATION},
+                                        {0xA3, QUENRA_ATTRIBUTE_BRIDGE_MEMBERS}}) {
+    std::vector<uint8_t> bytes = tReferenceTable().remove(type).build();
+    bytes.insert(bytes.end(), {type, 0xFF, 0, 0, 1, 1, 1, 1, 1});
+    machine().setTable(bytes);
+    const tOpenController controller;
+    EXPECT_EQ(readText(attribute), noText(kNotSupported)) << std::hex << attribute;
+  }
+}
+
 // ---- The Marten interface ----
 
 class TextFromMarten : public TextAttribute {

@@ -11,7 +11,20 @@
 namespace nTests {
 namespace {
 
-class TextReader : public ReadingTest {};
+constexpr uint32_t kLists[] = {QUENRA_ATTRIBUTE_SLOT_LOCATION, QUENRA_ATTRIBUTE_BRIDGE_LOCATION,
+                               QUENRA_ATTRIBUTE_BRIDGE_MEMBERS};
+
+class TextReader : public ReadingTest {
+ protected:
+  // A table that ends inside the formatted area of its only structure of this type.
+  void installCutOff(uint8_t type) {
+    std::vector<uint8_t> bytes = tReferenceTable().remove(type).build();
+    bytes.insert(bytes.end(), {type, 0x11, 0, 0, 1, 1, 1, 1, 1});
+    nZOAPALS100::tStatus installing;
+    provider.install(bytes, {}, installing);
+    ASSERT_EQ(installing.code, 0);
+  }
+};
 
 TEST_F(TextReader, OnAStatusInError_DoesNothing) {
   zoerr::tOwnedStatus status;
@@ -109,6 +122,49 @@ TEST_F(TextReader, PositionBeyondTheRoomOfAList_FailsAtTheListsLine) {
   EXPECT_EQ(readText(0x10025904), (tFailure{-26934, 732}));
   EXPECT_EQ(readText(0x1006A505), (tFailure{-26934, 795}));
   EXPECT_EQ(readText(0x1006A605), (tFailure{-26934, 858}));
+}
+
+// The count of a list that the table cuts off reads as 0, without an error of its own.
+TEST_F(TextReader, ListCutOffByTheTable_FailsAtTheListsLine) {
+  installCutOff(0x98);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SLOT_LOCATION), (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 732}));
+  installCutOff(0xA3);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_LOCATION),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 795}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 858}));
+  EXPECT_STREQ(buffer, "untouched");
+}
+
+TEST_F(TextReader, ListEndingBeforeItsCount_FailsAtLine2569) {
+  tReferenceTable table;
+  table.structure(0x98).cutTo(0x04);
+  table.structure(0xA3).cutTo(0x06);
+  install(table);
+  for (const uint32_t attribute : kLists) {
+    EXPECT_EQ(readText(attribute), (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2569}));
+  }
+}
+
+TEST_F(TextReader, ListEndingBeforeItsEntries_FailsAtLine2569) {
+  tReferenceTable table;
+  table.structure(0x98).cutTo(0x05);
+  table.structure(0xA3).cutTo(0x07);
+  install(table);
+  for (const uint32_t attribute : kLists) {
+    EXPECT_EQ(readText(attribute), (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2569}));
+  }
+}
+
+TEST_F(TextReader, ListEntryWithoutItsString_ReadsAsNothing) {
+  tReferenceTable table;
+  table.structure(0x98).byte(0x05, 99);
+  table.structure(0xA3).byte(0x07, 99).byte(0x08, 99);
+  install(table);
+  for (const uint32_t attribute : kLists) {
+    EXPECT_EQ(readText(attribute), (tFailure{QUENRA_STATUS_SUCCESS, 0}));
+    EXPECT_STREQ(buffer, "untouched");
+  }
 }
 
 TEST_F(TextReader, ListWithoutItsStructure_FailsAtLine2569) {
