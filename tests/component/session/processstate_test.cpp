@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <future>
 #include <memory>
 #include <new>
-#include <thread>
 
 #include "tests/component/session/sessiontest.h"
 
@@ -80,31 +78,6 @@ TEST_F(ProcessState, WithoutSession_FailsAtLine184) {
   EXPECT_EQ(state.session(status), nullptr);
   EXPECT_EQ(outcomeOf(status), sessionFailure(-26931, 184));
   state.unload();
-}
-
-// While one thread opens, which takes as long as its driver does, the lock is held.
-TEST_F(ProcessState, BadHandleWhileTheLockIsHeld_IsToldAtOnce) {
-  std::promise<void> lockIsHeld;
-  std::promise<void> goOn;
-  faultPlan().beforeCall(tCall::deviceIoControl, 1, [&] {
-    lockIsHeld.set_value();
-    goOn.get_future().wait();
-  });
-  std::thread opening([] {
-    uint64_t handle = 0;
-    EXPECT_EQ(QUENRA_openController(&handle), 0);
-  });
-  lockIsHeld.get_future().wait();
-  uint32_t value = 0;
-  EXPECT_EQ(QUENRA_getAttributeU32(0, QUENRA_ATTRIBUTE_MEMORY_TYPE, &value), -26931);
-  char path[256];
-  uint64_t size = sizeof path;
-  EXPECT_EQ(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, path, &size), 0)
-      << "the device path needs no lock either";
-  QUENRA_closeController(0);
-  goOn.set_value();
-  opening.join();
-  QUENRA_closeController(QUENRA_HANDLE);
 }
 
 class DevicePathAttribute : public SessionTest {
