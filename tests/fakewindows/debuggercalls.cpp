@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <unistd.h>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <mutex>
@@ -17,6 +18,8 @@ struct tDebuggerOutput {
   std::vector<std::string> texts;
   bool shown = false;
 };
+
+constinit std::atomic<bool> debuggerIsPresent = false;
 
 tDebuggerOutput& output() {
   // Never destroyed: a text may be written while the program ends.
@@ -36,6 +39,10 @@ void showDebuggerOutput() {
   output().shown = true;
 }
 
+void attachDebugger() {
+  debuggerIsPresent = true;
+}
+
 }  // namespace nFakeWindows
 
 using namespace nFakeWindows;
@@ -49,6 +56,10 @@ void WINAPI OutputDebugStringA(LPCSTR text) {
   }
 }
 
+BOOL WINAPI IsDebuggerPresent(void) {
+  return debuggerIsPresent ? TRUE : FALSE;
+}
+
 void WINAPI DebugBreak(void) {
   static_cast<void>(std::raise(SIGTRAP));
 }
@@ -57,7 +68,7 @@ HANDLE WINAPI GetCurrentProcess(void) {
   return reinterpret_cast<HANDLE>(~uintptr_t{0});
 }
 
-// As a parent process sees it, an exit code has eight bits.
+// Parent processes see the low eight bits of an exit code only.
 BOOL WINAPI TerminateProcess(HANDLE process, UINT exitCode) {
   if (process != GetCurrentProcess()) {
     stop("TerminateProcess", "only the process itself can be ended");

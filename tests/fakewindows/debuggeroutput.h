@@ -6,11 +6,18 @@
 
 namespace nFakeWindows {
 
-// The texts that went to the debugger output since the last call. Any thread.
+// Exit code of a process that an assertion ended, as a parent process on this system sees it: the low
+// byte of STATUS_BREAKPOINT.
+inline constexpr int kAssertionExitCode = 3;
+
+// Returns and removes the texts written to the debugger output since the last call. Any thread.
 [[nodiscard]] std::vector<std::string> takeDebuggerOutput();
 
-// From now on the texts go to the error stream as well: for a process that is about to end.
+// Copies later texts to the error stream as well: for a process that is about to end.
 void showDebuggerOutput();
+
+// Makes IsDebuggerPresent report a debugger for the rest of the process.
+void attachDebugger();
 
 }  // namespace nFakeWindows
 

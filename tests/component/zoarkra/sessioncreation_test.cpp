@@ -5,8 +5,6 @@
 #include "tests/component/zoarkra/sessiontest.h"
 
 #ifndef _WIN32
-#include <csignal>
-
 #include "tests/fakewindows/debuggeroutput.h"
 #endif
 
@@ -142,7 +140,8 @@ TEST_F(SessionCreation, NameOf257Characters_StopsTheProcess) {
         nFakeWindows::showDebuggerOutput();
         create(client_, name.c_str());
       },
-      testing::KilledBySignal(SIGTRAP), "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$");
+      testing::ExitedWithCode(nFakeWindows::kAssertionExitCode),
+      "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$");
 }
 
 TEST_F(SessionCreation, NameWithoutAnEnd_StopsTheProcessBeforeItIsReadTooFar) {
@@ -153,7 +152,8 @@ TEST_F(SessionCreation, NameWithoutAnEnd_StopsTheProcessBeforeItIsReadTooFar) {
         nFakeWindows::showDebuggerOutput();
         create(client_, name.data());
       },
-      testing::KilledBySignal(SIGTRAP), "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$");
+      testing::ExitedWithCode(nFakeWindows::kAssertionExitCode),
+      "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$");
 }
 #endif
 

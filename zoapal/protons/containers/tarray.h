@@ -11,11 +11,10 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// An array of up to a fixed number of elements that lies wholly in its owner. What is behind its
-// elements is always zero, and so is one element more: an array of characters is a text with its
-// NUL.
+// An array with a fixed capacity, stored inside its owner. Storage past its elements is always zero and
+// has one element more than the capacity: an array of characters is a NUL-terminated text.
 //
-// Nobody asks for more than the capacity: who does ends the process.
+// Exceeding the capacity is a programming error and terminates the process.
 template <class T, size_t kCapacity = 256>
 class tArray {
   static_assert(std::is_trivial_v<T>);
@@ -32,21 +31,21 @@ class tArray {
 
   // New elements are zero.
   void resize(size_t n) noexcept {
-    requireRoomFor(n);
+    requireCapacity(n);
     std::fill(elements_.begin() + std::min(n, size_), elements_.begin() + size_, T{});
     size_ = n;
   }
 
   // `elements` may be null when n is 0.
   void assign(const T* elements, size_t n) noexcept {
-    requireRoomFor(n);
+    requireCapacity(n);
     std::copy_n(elements, n, elements_.begin());
     size_ = std::max(n, size_);
     resize(n);
   }
 
  private:
-  static void requireRoomFor(size_t n) noexcept {
+  static void requireCapacity(size_t n) noexcept {
     if (!(n <= kMaxSize)) {
       assertionFailed(nZOAPALS100::kComponent, "tArray", 64, "ASSERT(n <= kMaxSize)");
     }

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <cstdlib>
 
 #include "zoapal/protons/trace/debugprintf.h"
 
@@ -12,13 +11,18 @@ namespace {
 
 constexpr size_t kMessageSize = 256;
 
-// A frame of its own, so that whoever looks at the stopped process finds the message as an argument.
+// A frame of its own: a debugger or a dump of the stopped process shows the message as an argument.
 [[noreturn, gnu::noinline]] void stopProcess([[maybe_unused]] const char* message) noexcept {
-  // Keeps the text behind the pointer although nothing reads it here.
+  // Keeps the text in memory although no code reads it.
   __asm__ volatile("" : : "r"(message) : "memory");
-  DebugBreak();
-  TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_BREAKPOINT));
-  std::abort();
+  // A breakpoint is an exception: without a debugger it would reach the client's handlers first, which
+  // could resume a library whose state is broken.
+  if (IsDebuggerPresent()) {
+    DebugBreak();
+  }
+  for (;;) {
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_BREAKPOINT));
+  }
 }
 
 }  // namespace

@@ -5,11 +5,13 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// The library has broken a promise to itself: going on would read or write where nothing is.
+// Stops the process because an invariant of the library is broken: continuing would read or write
+// outside its memory.
 //
-// Writes "[component|file|line] !!ASSERT!!\n" to the debugger output and ends the process at once, as
-// a breakpoint that a debugger catches. Nothing is unwound and no destructor runs. When a debugger
-// lets the process go on behind the breakpoint, it ends all the same, with STATUS_BREAKPOINT.
+// Writes "[component|file|line] !!ASSERT!!\n" to the debugger output and terminates the process with
+// exit code STATUS_BREAKPOINT. No exception handler of the client can prevent that, and no destructor
+// runs. Under a debugger it stops at a breakpoint first; a debugger that passes the breakpoint on to
+// the program exposes it to the program's handlers.
 [[noreturn]] void assertionFailed(const char* component, const char* file, uint32_t line,
                                   const char* expression) noexcept;
 

@@ -6,8 +6,6 @@
 #include <vector>
 
 #ifndef _WIN32
-#include <csignal>
-
 #include "tests/fakewindows/debuggeroutput.h"
 #endif
 
@@ -28,14 +26,14 @@ TEST(Array, Initially_IsEmpty) {
   EXPECT_EQ(array.begin(), array.end());
 }
 
-TEST(Array, OfNoStatedCapacity_Holds256Elements) {
+TEST(Array, DefaultCapacity_Holds256Elements) {
   EXPECT_EQ(tArray<int>::kMaxSize, 256u);
   tArray<int> array;
   array.resize(256);
   EXPECT_EQ(array.size(), 256u);
 }
 
-TEST(Array, Resized_HasZerosBehindWhatItHad) {
+TEST(Array, Resized_ZeroFillsPastItsElements) {
   tNumbers array;
   array.resize(2);
   array.data()[0] = 7;
@@ -44,7 +42,7 @@ TEST(Array, Resized_HasZerosBehindWhatItHad) {
   EXPECT_EQ(elementsOf(array), (std::vector{7, 8, 0}));
 }
 
-TEST(Array, ShrunkAndGrown_HasForgottenWhatItHad) {
+TEST(Array, ShrunkAndGrown_HasZeroedElements) {
   tNumbers array;
   array.resize(2);
   array.data()[1] = 8;
@@ -53,7 +51,7 @@ TEST(Array, ShrunkAndGrown_HasForgottenWhatItHad) {
   EXPECT_EQ(elementsOf(array), (std::vector{0, 0}));
 }
 
-TEST(Array, Assigned_HasTheElementsAndNoOther) {
+TEST(Array, Assigned_HasTheNewElementsOnly) {
   tNumbers array;
   const std::vector<int> four{1, 2, 3, 4};
   array.assign(four.data(), four.size());
@@ -65,7 +63,7 @@ TEST(Array, Assigned_HasTheElementsAndNoOther) {
   EXPECT_TRUE(array.isEmpty());
 }
 
-TEST(Array, FullOfCharacters_IsATextWithItsNul) {
+TEST(Array, FullOfCharacters_IsNulTerminated) {
   const std::string name(256, 'n');
   tArray<char> text;
   text.assign(name.data(), name.size());
@@ -73,21 +71,21 @@ TEST(Array, FullOfCharacters_IsATextWithItsNul) {
   EXPECT_EQ(sizeof(tArray<char>), 264u + sizeof(size_t));
 }
 
-// Under Windows the assertion's own tests start a process that fails; here one is forked.
+// On Windows the tests of assertions start a process that fails; here one is forked.
 #ifndef _WIN32
 constexpr const char* kLine = "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$";
 
-TEST(Array, AskedForMoreThanItHolds_StopsTheProcess) {
+TEST(Array, ResizedPastItsCapacity_EndsTheProcess) {
   EXPECT_EXIT(
       {
         nFakeWindows::showDebuggerOutput();
         tArray<char> array;
         array.resize(257);
       },
-      testing::KilledBySignal(SIGTRAP), kLine);
+      testing::ExitedWithCode(nFakeWindows::kAssertionExitCode), kLine);
 }
 
-TEST(Array, AssignedMoreThanItHolds_StopsTheProcess) {
+TEST(Array, AssignedMoreThanItsCapacity_EndsTheProcess) {
   EXPECT_EXIT(
       {
         nFakeWindows::showDebuggerOutput();
@@ -95,7 +93,7 @@ TEST(Array, AssignedMoreThanItHolds_StopsTheProcess) {
         tArray<char> array;
         array.assign(name.data(), name.size());
       },
-      testing::KilledBySignal(SIGTRAP), kLine);
+      testing::ExitedWithCode(nFakeWindows::kAssertionExitCode), kLine);
 }
 #endif
 

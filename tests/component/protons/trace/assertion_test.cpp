@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
 #include <csignal>
 
 #include "tests/fakewindows/debuggeroutput.h"
@@ -9,11 +10,11 @@
 namespace nTests {
 namespace {
 
+using nFakeWindows::kAssertionExitCode;
 using nQUENRA1400::nZOAPAL000::assertionFailed;
 
-// The whole of what the process says.
+// The complete output of the process.
 constexpr const char* kLine = "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$";
-constexpr int kExitCode = 3;  // the low byte of STATUS_BREAKPOINT
 
 struct tFarewell {
   ~tFarewell() { std::fputs("unwound\n", stderr); }
@@ -27,21 +28,36 @@ void failAssertion() {
 
 class Assertion : public testing::Test {
  protected:
-  // The child is started anew instead of being forked off a process with threads.
+  // Starts the child as a new program: forking a process with threads is unsafe.
   void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-TEST_F(Assertion, Failed_PrintsItsLineAndStopsAtABreakpoint) {
-  EXPECT_EXIT(failAssertion(), testing::KilledBySignal(SIGTRAP), kLine);
-}
-
-TEST_F(Assertion, FailedUnderADebuggerThatGoesOn_EndsAllTheSame) {
+TEST_F(Assertion, FailedWithoutDebugger_PrintsItsLineAndEndsTheProcessWithoutBreakpoint) {
   EXPECT_EXIT(
       {
+        std::signal(SIGTRAP, [](int) { _exit(0); });
+        failAssertion();
+      },
+      testing::ExitedWithCode(kAssertionExitCode), kLine);
+}
+
+TEST_F(Assertion, FailedUnderDebugger_PrintsItsLineAndStopsAtBreakpoint) {
+  EXPECT_EXIT(
+      {
+        nFakeWindows::attachDebugger();
+        failAssertion();
+      },
+      testing::KilledBySignal(SIGTRAP), kLine);
+}
+
+TEST_F(Assertion, FailedUnderDebuggerThatResumes_EndsWithStatusBreakpoint) {
+  EXPECT_EXIT(
+      {
+        nFakeWindows::attachDebugger();
         std::signal(SIGTRAP, SIG_IGN);
         failAssertion();
       },
-      testing::ExitedWithCode(kExitCode), kLine);
+      testing::ExitedWithCode(kAssertionExitCode), kLine);
 }
 
 }  // namespace

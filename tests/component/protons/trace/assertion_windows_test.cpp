@@ -1,4 +1,4 @@
-// Stands in for a debugger, from which a failed assertion is to be seen.
+// Starts a program in which an assertion fails, with and without this process as its debugger.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -11,7 +11,7 @@ namespace {
 
 struct tDebuggedProcess {
   std::vector<std::string> texts;  // to the debugger output
-  int breakpoints = 0;             // behind the one with which the system starts a debugged process
+  int breakpoints = 0;             // after the one with which the system starts a debugged process
   DWORD exitCode = 0;
 };
 
@@ -30,10 +30,10 @@ std::string textOf(HANDLE process, const OUTPUT_DEBUG_STRING_INFO& info) {
   return text;
 }
 
-// How the debugger treats the breakpoint at which the program stops.
+// The debugger's reply to the breakpoint at which the program stops.
 enum class tBreakpoint {
-  leaveToTheProgram,
-  goOn
+  passToProgram,
+  resume
 };
 
 class tDebugger {
@@ -53,11 +53,11 @@ class tDebugger {
     DEBUG_EVENT event{};
     do {
       if (!WaitForDebugEvent(&event, 20000)) {
-        ADD_FAILURE() << "the program neither stops nor ends";
+        ADD_FAILURE() << "the program does not end";
         TerminateProcess(process_, 1);
         break;
       }
-      ContinueDebugEvent(event.dwProcessId, event.dwThreadId, answerTo(event));
+      ContinueDebugEvent(event.dwProcessId, event.dwThreadId, replyTo(event));
     } while (event.dwDebugEventCode != EXIT_PROCESS_DEBUG_EVENT);
     CloseHandle(process.hThread);
     CloseHandle(process.hProcess);
@@ -65,13 +65,13 @@ class tDebugger {
   }
 
  private:
-  DWORD answerTo(const DEBUG_EVENT& event) {
+  DWORD replyTo(const DEBUG_EVENT& event) {
     switch (event.dwDebugEventCode) {
       case OUTPUT_DEBUG_STRING_EVENT:
         seen_.texts.push_back(textOf(process_, event.u.DebugString));
         return DBG_CONTINUE;
       case EXCEPTION_DEBUG_EVENT:
-        return answerTo(event.u.Exception);
+        return replyTo(event.u.Exception);
       case EXIT_PROCESS_DEBUG_EVENT:
         seen_.exitCode = event.u.ExitProcess.dwExitCode;
         return DBG_CONTINUE;
@@ -80,7 +80,7 @@ class tDebugger {
     }
   }
 
-  DWORD answerTo(const EXCEPTION_DEBUG_INFO& exception) {
+  DWORD replyTo(const EXCEPTION_DEBUG_INFO& exception) {
     if (exception.ExceptionRecord.ExceptionCode != static_cast<DWORD>(EXCEPTION_BREAKPOINT)) {
       return static_cast<DWORD>(DBG_EXCEPTION_NOT_HANDLED);
     }
@@ -89,8 +89,8 @@ class tDebugger {
       return DBG_CONTINUE;
     }
     ++seen_.breakpoints;
-    return breakpoint_ == tBreakpoint::goOn ? DBG_CONTINUE
-                                            : static_cast<DWORD>(DBG_EXCEPTION_NOT_HANDLED);
+    return breakpoint_ == tBreakpoint::resume ? DBG_CONTINUE
+                                              : static_cast<DWORD>(DBG_EXCEPTION_NOT_HANDLED);
   }
 
   tBreakpoint breakpoint_;
@@ -105,14 +105,68 @@ void expectStopped(const tDebuggedProcess& process) {
   EXPECT_EQ(process.exitCode, static_cast<DWORD>(STATUS_BREAKPOINT));
 }
 
-TEST(Assertion, Failed_PrintsItsLineAndStopsAtABreakpoint) {
+TEST(Assertion, FailedUnderDebugger_PrintsItsLineAndStopsAtBreakpoint) {
   expectStopped(
-      tDebugger(tBreakpoint::leaveToTheProgram).run(programBesideThisOne("failed_assertion.exe")));
+      tDebugger(tBreakpoint::passToProgram).run(programBesideThisOne("failed_assertion.exe")));
 }
 
-TEST(Assertion, FailedUnderADebuggerThatGoesOn_EndsAllTheSame) {
-  expectStopped(tDebugger(tBreakpoint::goOn).run(programBesideThisOne("failed_assertion.exe")));
+TEST(Assertion, FailedUnderDebuggerThatResumes_EndsWithStatusBreakpoint) {
+  expectStopped(tDebugger(tBreakpoint::resume).run(programBesideThisOne("failed_assertion.exe")));
 }
+
+struct tFinishedProcess {
+  std::string output;
+  DWORD exitCode = 0;
+};
+
+// Runs a program without a debugger and waits for its end.
+tFinishedProcess runToEnd(std::string commandLine) {
+  constexpr DWORD kTimeoutMilliseconds = 20000;
+  SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+  HANDLE read = nullptr;
+  HANDLE write = nullptr;
+  CreatePipe(&read, &write, &inheritable, 0);
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdOutput = write;
+  startup.hStdError = write;
+  PROCESS_INFORMATION process{};
+  tFinishedProcess finished;
+  if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                      &startup, &process)) {
+    ADD_FAILURE() << commandLine << " does not start: " << GetLastError();
+  } else {
+    if (WaitForSingleObject(process.hProcess, kTimeoutMilliseconds) != WAIT_OBJECT_0) {
+      ADD_FAILURE() << "the program does not end";
+      TerminateProcess(process.hProcess, 1);
+    }
+    GetExitCodeProcess(process.hProcess, &finished.exitCode);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+  }
+  CloseHandle(write);
+  char buffer[512] = {};
+  DWORD size = 0;
+  while (ReadFile(read, buffer, sizeof buffer, &size, nullptr) && size != 0) {
+    finished.output.append(buffer, size);
+  }
+  CloseHandle(read);
+  return finished;
+}
+
+class AssertionInClient : public testing::TestWithParam<const char*> {};
+
+TEST_P(AssertionInClient, FailedWithoutDebugger_EndsTheProcessPastEveryExceptionHandler) {
+  const tFinishedProcess process =
+      runToEnd(programBesideThisOne("failed_assertion.exe") + " " + GetParam());
+  EXPECT_EQ(process.output, "");
+  EXPECT_EQ(process.exitCode, static_cast<DWORD>(STATUS_BREAKPOINT));
+}
+
+INSTANTIATE_TEST_SUITE_P(Handlers, AssertionInClient,
+                         testing::Values("none", "vectored", "filter", "frame"),
+                         [](const auto& handler) { return std::string(handler.param); });
 
 }  // namespace
 }  // namespace nTests
