@@ -16,7 +16,7 @@ using nZOAPALS100::tStatus;
 
 constexpr uint32_t kFirstCapacity = 512;
 constexpr uint32_t kLargestCapacity = 0x7FFFFFFF;
-// What mergeFrom asks for before it appends: 256 bytes, a NUL and the marker.
+// The capacity that mergeFrom ensures before it appends: 256 bytes, a NUL and the marker.
 constexpr uint32_t kCapacityForLocation = 258;
 
 }  // namespace
@@ -101,7 +101,7 @@ bool Status::mergeFrom(const Status& source) noexcept {
   if (text.empty()) {
     return true;
   }
-  // The text's NUL and the marker need room as well.
+  // With the text's NUL and the marker.
   const auto needed = static_cast<uint32_t>(text.size() + 2);
   if (!ensureCapacity(needed) || capacity < needed) {
     return false;
@@ -135,7 +135,7 @@ bool Status::ensureCapacity(uint32_t needed) noexcept {
   return reallocate != nullptr && reallocate(*this, needed) && description != nullptr;
 }
 
-// One step of growth. A reallocation function that says yes without giving more ends it.
+// One step of growth. A reallocation function that returns true without enlarging the buffer fails it.
 bool Status::grow() noexcept {
   const uint64_t wanted = uint64_t{capacity} * 2 - 4;
   const uint32_t before = capacity;
@@ -152,9 +152,8 @@ void Status::resetExistingDescription() noexcept {
 template <class Append>
 bool Status::appendGrowing(Append append) noexcept {
   for (;;) {
-    const tAppendResult result = append(description, capacity);
-    if (result != tAppendResult::noRoom) {
-      return result == tAppendResult::appended;
+    if (append(description, capacity) != tAppendResult::noRoom) {
+      return true;
     }
     if (!grow()) {
       return false;
@@ -170,7 +169,7 @@ bool Status::appendTextMember(const char* key, const char* value) noexcept {
 }
 
 bool Status::appendLineMember(uint32_t line) noexcept {
-  // The member is a signed number: a line above 2^31 - 1 shows as a negative one.
+  // The member is a signed number: a line above 2^31 - 1 becomes a negative one.
   return appendGrowing([line](char* buffer, uint32_t size) noexcept {
     return appendInteger(buffer, size, "line", static_cast<int32_t>(line));
   });

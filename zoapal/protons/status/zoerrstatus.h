@@ -12,10 +12,10 @@ namespace zoerr {
 
 struct Status;
 
-// The reallocation function of every status that the library makes itself. Capacity 0 frees the
-// buffer; a capacity that is there already changes nothing; else the buffer becomes 512 bytes or
-// the next power of two, its text kept, the rest zero, the marker last. False, with the old buffer
-// kept, above 2^31 - 1 bytes and when memory is short.
+// The reallocation function of every status that the library creates itself. Capacity 0 frees the
+// buffer; a capacity that the buffer already has changes nothing; any other enlarges it to 512 bytes
+// or the next power of two, keeps its text, zeroes the rest and writes the marker last. Above 2^31 - 1
+// bytes and when memory is short, returns false and keeps the old buffer.
 bool defaultReallocate(Status& status, uint32_t newCapacity) noexcept;
 
 // The status record above the driver layer: a code, and a description that grows through
@@ -29,19 +29,21 @@ struct Status {
 
   [[nodiscard]] bool isError() const noexcept { return code < 0; }
 
-  // Stores `newCode` under the merge rule and makes the description tell its location: file, line,
-  // component. True when the code was stored, even where memory for the description was short.
+  // Stores `newCode` under the merge rule and writes its location to the description: file, line,
+  // component. True when the code was stored, even if memory for the description was short.
   bool set(int32_t newCode, const nZOAPALS100::tSourceLocation& location) noexcept;
 
   // As set; the description begins with the location's error constant.
   bool setWithConstant(int32_t newCode, const nZOAPALS100::tSourceLocation& location) noexcept;
 
-  // Takes over the code of a driver-layer status under the merge rule, with its location as far as
-  // it has one. False only when memory for the description was short; the code is stored even then.
+  // Stores the code of a driver-layer status under the merge rule and writes its location, if it has
+  // one, to the description. False only when memory for the description was short; the code is stored
+  // even then. A client's buffer that can hold no member (without marker, not a JSON text) is left
+  // unchanged, which is not a failure.
   bool mergeFrom(const nZOAPALS100::tStatus& source) noexcept;
 
   // The same for another status of this kind: the description becomes a copy of its text, in this
-  // status's own memory. Where it has none, an existing one becomes empty.
+  // status's own memory. If the source has none, an existing description becomes empty.
   bool mergeFrom(const Status& source) noexcept;
 
   // Back to success, without a description.
@@ -54,6 +56,7 @@ struct Status {
   [[nodiscard]] bool ensureCapacity(uint32_t needed) noexcept;
   [[nodiscard]] bool grow() noexcept;
   void resetExistingDescription() noexcept;
+  // False only when the buffer could not grow; a member that an unusable text cannot hold is dropped.
   template <class Append>
   [[nodiscard]] bool appendGrowing(Append append) noexcept;
   [[nodiscard]] bool appendTextMember(const char* key, const char* value) noexcept;
@@ -67,7 +70,7 @@ static_assert(offsetof(Status, capacity) == 4);
 static_assert(offsetof(Status, reallocate) == 8);
 static_assert(offsetof(Status, description) == 16);
 
-// A status on the stack of an exported function: its description ends with it.
+// A status on the stack of an exported function, which owns its description.
 struct tOwnedStatus : Status {
   tOwnedStatus() = default;
   tOwnedStatus(const tOwnedStatus&) = delete;

@@ -54,6 +54,22 @@ bool tClientHeap::pretend(zoerr::Status&, uint32_t newCapacity) {
   return true;
 }
 
+bool tClientHeap::giveWithoutMarker(zoerr::Status& status, uint32_t newCapacity) {
+  const bool given = giveExactly(status, newCapacity);
+  if (newCapacity != 0) {
+    buffer().back() = '\0';
+  }
+  return given;
+}
+
+bool tClientHeap::giveUnusableText(zoerr::Status& status, uint32_t newCapacity) {
+  const bool given = giveExactly(status, newCapacity);
+  if (newCapacity != 0) {
+    buffer().front() = '"';
+  }
+  return given;
+}
+
 zoerr::Status tClientHeap::statusWithDescription(uint32_t capacity) {
   zoerr::Status status;
   status.reallocate = &giveExactly;

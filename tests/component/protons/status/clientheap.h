@@ -8,8 +8,8 @@
 
 namespace nTests {
 
-// A client that brings its own reallocation function, and remembers what it was asked for. Its
-// buffer is not of the C heap: freeing it there would stop the program.
+// A client with its own reallocation function, which records the requested capacities. Its buffer is
+// not on the C heap: freeing it there stops the program.
 class tClientHeap {
  public:
   tClientHeap() { requests().clear(); }
@@ -17,15 +17,19 @@ class tClientHeap {
   tClientHeap& operator=(const tClientHeap&) = delete;
   ~tClientHeap() { buffer().clear(); }
 
-  // Gives exactly what is asked for; 0 releases.
+  // Supplies exactly the requested capacity; 0 releases.
   static bool giveExactly(zoerr::Status& status, uint32_t newCapacity);
   // As giveExactly, up to 600 bytes.
   static bool giveUpTo600(zoerr::Status& status, uint32_t newCapacity);
   static bool refuse(zoerr::Status& status, uint32_t newCapacity);
-  // Says yes and does nothing.
+  // Returns true and does nothing.
   static bool pretend(zoerr::Status& status, uint32_t newCapacity);
+  // As giveExactly, but leaves out the marker in the last byte.
+  static bool giveWithoutMarker(zoerr::Status& status, uint32_t newCapacity);
+  // As giveExactly, but the buffer holds a text that is not a JSON object.
+  static bool giveUnusableText(zoerr::Status& status, uint32_t newCapacity);
 
-  // A clean status whose description this client has made, "{}" in the given number of bytes.
+  // A status of success whose description is "{}" in a buffer of this client with the given capacity.
   [[nodiscard]] static zoerr::Status statusWithDescription(uint32_t capacity);
 
   [[nodiscard]] static std::vector<uint32_t>& requests();

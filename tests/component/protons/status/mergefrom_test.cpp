@@ -27,7 +27,7 @@ TEST(MergeFrom, Success_ChangesNothing) {
   EXPECT_EQ(status.description, nullptr);
 }
 
-TEST(MergeFrom, SuccessOnAWarning_KeepsTheWarningWithItsDescription) {
+TEST(MergeFrom, SuccessOnAWarning_KeepsTheWarningAndItsDescription) {
   tOwnedStatus status;
   status.set(5, {"f", 1});
   EXPECT_TRUE(status.mergeFrom(tStatus()));
@@ -35,7 +35,7 @@ TEST(MergeFrom, SuccessOnAWarning_KeepsTheWarningWithItsDescription) {
   EXPECT_EQ(descriptionOf(status), R"({"file":"f","line":1,"component":"quenra"})");
 }
 
-TEST(MergeFrom, Error_TakesCodeAndLocation) {
+TEST(MergeFrom, Error_StoresCodeAndLocation) {
   tOwnedStatus status;
   EXPECT_TRUE(status.mergeFrom(driverStatus(-52003, "quenra", "tdeviceinterfaceproxy", 110)));
   EXPECT_EQ(status.code, -52003);
@@ -44,7 +44,7 @@ TEST(MergeFrom, Error_TakesCodeAndLocation) {
             R"({"file":"tdeviceinterfaceproxy","line":110,"component":"quenra"})");
 }
 
-TEST(MergeFrom, Warning_TakesCodeAndLocation) {
+TEST(MergeFrom, Warning_StoresCodeAndLocation) {
   tOwnedStatus status;
   EXPECT_TRUE(status.mergeFrom(driverStatus(52011, "quenra", "f", 1)));
   EXPECT_EQ(status.code, 52011);
@@ -81,7 +81,7 @@ TEST(MergeFrom, EmptyComponent_LeavesOutTheComponent) {
   EXPECT_EQ(descriptionOf(status), R"({"file":"f","line":110})");
 }
 
-TEST(MergeFrom, NoLocation_MakesNoDescription) {
+TEST(MergeFrom, NoLocation_CreatesNoDescription) {
   tOwnedStatus status;
   EXPECT_TRUE(status.mergeFrom(driverStatus(-3, "", "", 0)));
   EXPECT_EQ(status.code, -3);
@@ -96,7 +96,7 @@ TEST(MergeFrom, NoLocationOnADescribedWarning_EmptiesTheDescription) {
   EXPECT_EQ(descriptionOf(status), "{}");
 }
 
-TEST(MergeFrom, ShortRecordOfEightBytes_GivesItsCodeAndIsNotLeft) {
+TEST(MergeFrom, ShortRecordOfEightBytes_StoresItsCodeAndReadsNothingElse) {
   tOwnedStatus status;
   const tStatusBytes shortRecord(8, 8, -3);
   EXPECT_TRUE(status.mergeFrom(shortRecord.record()));
@@ -112,7 +112,7 @@ TEST(MergeFrom, ShortRecordOnADescribedWarning_EmptiesTheDescription) {
   EXPECT_EQ(descriptionOf(status), "{}");
 }
 
-TEST(MergeFrom, RecordOneByteShort_GivesItsCodeOnly) {
+TEST(MergeFrom, RecordOneByteShort_StoresItsCodeOnly) {
   tStatus almostFull = driverStatus(-3, "quenra", "f", 1);
   almostFull.structSize = 207;
   tOwnedStatus status;
@@ -121,7 +121,7 @@ TEST(MergeFrom, RecordOneByteShort_GivesItsCodeOnly) {
   EXPECT_EQ(status.description, nullptr);
 }
 
-TEST(MergeFrom, LargerRecord_IsTakenAsAFullOne) {
+TEST(MergeFrom, LargerRecord_CountsAsAFullOne) {
   tStatus larger = driverStatus(-3, "quenra", "f", 1);
   larger.structSize = 300;
   tOwnedStatus status;
@@ -129,7 +129,7 @@ TEST(MergeFrom, LargerRecord_IsTakenAsAFullOne) {
   EXPECT_EQ(descriptionOf(status), R"({"file":"f","line":1,"component":"quenra"})");
 }
 
-TEST(MergeFrom, Client_IsAskedForRoomOnce) {
+TEST(MergeFrom, Client_ReceivesOneRequestForCapacity) {
   const tClientHeap client;
   zoerr::Status status;
   status.reallocate = &tClientHeap::giveExactly;
@@ -146,7 +146,7 @@ TEST(MergeFrom, DescriptionSmallerThanALocation_IsGrownFirst) {
   EXPECT_EQ(descriptionOf(status), R"({"file":"f","line":1,"component":"quenra"})");
 }
 
-TEST(MergeFrom, EscapesThatNeedMoreRoom_GrowUntilTheyFit) {
+TEST(MergeFrom, EscapesThatExceedTheCapacity_GrowItUntilTheyFit) {
   const tClientHeap client;
   zoerr::Status status;
   status.reallocate = &tClientHeap::giveExactly;
@@ -158,7 +158,7 @@ TEST(MergeFrom, EscapesThatNeedMoreRoom_GrowUntilTheyFit) {
             600 + std::string(R"({"file":"","line":1,"component":"quenra"})").size());
 }
 
-TEST(MergeFrom, RefusedMemory_TellsSoAndKeepsTheCode) {
+TEST(MergeFrom, RefusedMemory_FailsAndKeepsTheCode) {
   const tClientHeap client;
   zoerr::Status status;
   status.reallocate = &tClientHeap::refuse;
@@ -175,7 +175,7 @@ TEST(MergeFrom, RefusedMemoryNotNeeded_Succeeds) {
   EXPECT_TRUE(tClientHeap::requests().empty());
 }
 
-TEST(MergeFrom, GrowthRefusedLater_LeavesASoundDescription) {
+TEST(MergeFrom, GrowthRefusedLater_FailsAndLeavesAValidDescription) {
   const tClientHeap client;
   zoerr::Status status;
   status.reallocate = &tClientHeap::giveUpTo600;
@@ -183,6 +183,38 @@ TEST(MergeFrom, GrowthRefusedLater_LeavesASoundDescription) {
   EXPECT_FALSE(status.mergeFrom(driverStatus(-3, "quenra", file.c_str(), 1)));
   EXPECT_EQ(status.code, -3);
   EXPECT_TRUE(isJson(descriptionOf(status)));
+}
+
+// The result reports allocations only: a description that accepts no member is no failure of memory.
+TEST(MergeFrom, ReallocatedBufferWithoutMarker_DropsTheLocationAndSucceeds) {
+  const tClientHeap client;
+  zoerr::Status status;
+  status.reallocate = &tClientHeap::giveWithoutMarker;
+  EXPECT_TRUE(status.mergeFrom(driverStatus(-3, "quenra", "f", 1)));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_STREQ(status.description, "{}");
+  EXPECT_EQ(tClientHeap::requests(), std::vector<uint32_t>{258});
+}
+
+TEST(MergeFrom, ReallocatedBufferWithUnusableText_DropsTheLocationAndSucceeds) {
+  const tClientHeap client;
+  zoerr::Status status;
+  status.reallocate = &tClientHeap::giveUnusableText;
+  EXPECT_TRUE(status.mergeFrom(driverStatus(-3, "quenra", "f", 1)));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_STREQ(status.description, "\"}");
+  EXPECT_EQ(tClientHeap::requests(), std::vector<uint32_t>{258});
+}
+
+// The buffer is too small to be reset to "{}", and the client's function copies its text.
+TEST(MergeFrom, TinyDescriptionWithUnusableText_DropsTheLocationAndSucceeds) {
+  const tClientHeap client;
+  zoerr::Status status = tClientHeap::statusWithDescription(3);
+  status.description[0] = 'x';
+  status.description[1] = '\0';
+  EXPECT_TRUE(status.mergeFrom(driverStatus(-3, "quenra", "f", 1)));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_STREQ(status.description, "x");
 }
 
 }  // namespace
