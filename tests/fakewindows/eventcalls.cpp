@@ -10,7 +10,9 @@ HANDLE WINAPI CreateEventA(SECURITY_ATTRIBUTES* security, BOOL manualReset, BOOL
   const tInside inside;
   constexpr auto kCall = tCall::createEvent;
   expectUsual(security == nullptr && name == nullptr, kCall, "only a plain event can be made");
-  if (const auto error = faultPlan().enter(kCall)) {
+  const std::string reset = manualReset != FALSE ? "manual-reset" : "auto-reset";
+  const std::string state = initiallySignalled != FALSE ? "signalled" : "not signalled";
+  if (const auto error = faultPlan().enter(kCall, reset + ", " + state)) {
     SetLastError(*error);
     return nullptr;
   }

@@ -2,21 +2,36 @@
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 #include <vector>
 
+#include "tests/fakewindows/exceptions.h"
 #include "tests/fakewindows/unusual.h"
 
-using namespace nFakeWindows;
-
+namespace nFakeWindows {
 namespace {
 
-std::mutex handlersMutex;
+// Guards both lists below.
+std::mutex exceptionsMutex;
 std::vector<PVECTORED_EXCEPTION_HANDLER>& handlers() {
   static auto& theHandlers = *new std::vector<PVECTORED_EXCEPTION_HANDLER>;
   return theHandlers;
 }
+std::vector<tRaisedException>& raised() {
+  static auto& theExceptions = *new std::vector<tRaisedException>;
+  return theExceptions;
+}
 
 }  // namespace
+
+std::vector<tRaisedException> takeRaisedExceptions() {
+  const std::lock_guard lock(exceptionsMutex);
+  return std::exchange(raised(), {});
+}
+
+}  // namespace nFakeWindows
+
+using namespace nFakeWindows;
 
 PVOID WINAPI AddVectoredExceptionHandler(ULONG, PVECTORED_EXCEPTION_HANDLER handler) {
   const tInside inside;
@@ -24,14 +39,14 @@ PVOID WINAPI AddVectoredExceptionHandler(ULONG, PVECTORED_EXCEPTION_HANDLER hand
     SetLastError(*error);
     return nullptr;
   }
-  const std::lock_guard lock(handlersMutex);
+  const std::lock_guard lock(exceptionsMutex);
   handlers().push_back(handler);
   return reinterpret_cast<PVOID>(handler);
 }
 
 ULONG WINAPI RemoveVectoredExceptionHandler(PVOID handle) {
   const tInside inside;
-  const std::lock_guard lock(handlersMutex);
+  const std::lock_guard lock(exceptionsMutex);
   const auto found = std::find(handlers().begin(), handlers().end(),
                                reinterpret_cast<PVECTORED_EXCEPTION_HANDLER>(handle));
   if (found == handlers().end()) {
@@ -41,7 +56,7 @@ ULONG WINAPI RemoveVectoredExceptionHandler(PVOID handle) {
   return 1;
 }
 
-// Nobody debugs the program, so that an exception which no handler takes ends it.
+// There is no debugger: an exception that no handler accepts stops the program.
 void WINAPI RaiseException(DWORD code, DWORD flags, DWORD count, const ULONG_PTR* arguments) {
   const tInside inside;
   EXCEPTION_RECORD record{};
@@ -50,12 +65,13 @@ void WINAPI RaiseException(DWORD code, DWORD flags, DWORD count, const ULONG_PTR
   record.NumberParameters = count;
   std::copy_n(arguments, count, record.ExceptionInformation);
   EXCEPTION_POINTERS pointers{&record, nullptr};
-  const std::lock_guard lock(handlersMutex);
-  const bool isTaken =
+  const std::lock_guard lock(exceptionsMutex);
+  raised().push_back({code, flags, {arguments, arguments + count}});
+  const bool isAccepted =
       std::any_of(handlers().begin(), handlers().end(), [&](PVECTORED_EXCEPTION_HANDLER handler) {
         return handler(&pointers) == EXCEPTION_CONTINUE_EXECUTION;
       });
-  if (!isTaken) {
-    stop("RaiseException", "nobody takes the exception");
+  if (!isAccepted) {
+    stop("RaiseException", "no handler accepts the exception");
   }
 }

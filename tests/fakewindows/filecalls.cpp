@@ -15,8 +15,8 @@ struct tOutcome {
   DWORD bytes;
 };
 
-// A device request. As with the system's buffered method, the driver works on a copy of the input,
-// which was made when the request was, and the caller receives as many bytes as the driver says.
+// A device control request. As with the system's buffered method, the driver works on a copy of the
+// input from the time of the call, and the caller receives as many bytes as the driver reports.
 tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>& in, void* out,
                   DWORD outSize, const OVERLAPPED* overlapped) {
   std::vector<uint8_t> buffer(std::max<size_t>(in.size(), outSize));
@@ -152,24 +152,33 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, 
                   });
 }
 
-// The simulated driver takes neither reads nor writes.
-BOOL WINAPI ReadFile(HANDLE handle, LPVOID, DWORD, LPDWORD bytes, LPOVERLAPPED overlapped) {
+BOOL WINAPI ReadFile(HANDLE handle, LPVOID out, DWORD size, LPDWORD bytes,
+                     LPOVERLAPPED overlapped) {
   const tInside inside;
   if (const auto error = faultPlan().enter(tCall::readFile)) {
     return refuseTransfer(overlapped, *error);
   }
-  return transfer(tCall::readFile, handle, nullptr, bytes, overlapped, [](const tModelFile&) {
-    return tOutcome{ERROR_INVALID_FUNCTION, 0};
+  return transfer(tCall::readFile, handle, out, bytes, overlapped, [=](const tModelFile&) {
+    std::vector<uint8_t> buffer(size);
+    const tModelReply reply = machine().read(buffer);
+    expectUsual(reply.size <= size, tCall::readFile, "a reply larger than its buffer");
+    std::copy_n(buffer.begin(), reply.size, static_cast<uint8_t*>(out));
+    return tOutcome{reply.windowsError, reply.size};
   });
 }
 
-BOOL WINAPI WriteFile(HANDLE handle, LPCVOID, DWORD, LPDWORD bytes, LPOVERLAPPED overlapped) {
+BOOL WINAPI WriteFile(HANDLE handle, LPCVOID in, DWORD size, LPDWORD bytes,
+                      LPOVERLAPPED overlapped) {
   const tInside inside;
   if (const auto error = faultPlan().enter(tCall::writeFile)) {
     return refuseTransfer(overlapped, *error);
   }
-  return transfer(tCall::writeFile, handle, nullptr, bytes, overlapped, [](const tModelFile&) {
-    return tOutcome{ERROR_INVALID_FUNCTION, 0};
+  const auto* const bytesIn = static_cast<const uint8_t*>(in);
+  const std::vector<uint8_t> written(bytesIn, bytesIn + size);
+  return transfer(tCall::writeFile, handle, nullptr, bytes, overlapped, [=](const tModelFile&) {
+    const tModelReply reply = machine().write(written);
+    expectUsual(reply.size <= size, tCall::writeFile, "a reply larger than its buffer");
+    return tOutcome{reply.windowsError, reply.size};
   });
 }
 

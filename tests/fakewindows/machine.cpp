@@ -72,6 +72,7 @@ void tMachine::reset() {
                            &tMachine::presenceChanged};
   modelInitialise(&model_, &host);
   driver_ = nullptr;
+  transferDriver_ = {};
   paths_.clear();
   unreachable_.clear();
   firmwareTable_.clear();
@@ -143,6 +144,29 @@ tModelReply tMachine::request(const tModelRequest& request) {
 void tMachine::useDriver(tDriver driver) {
   const std::lock_guard lock(mutex_);
   driver_ = std::move(driver);
+}
+
+void tMachine::useTransferDriver(tTransferDriver driver) {
+  const std::lock_guard lock(mutex_);
+  transferDriver_ = std::move(driver);
+}
+
+tModelReply tMachine::read(std::span<uint8_t> buffer) {
+  std::function<tModelReply(std::span<uint8_t>)> reader;
+  {
+    const std::lock_guard lock(mutex_);
+    reader = transferDriver_.read;
+  }
+  return reader ? reader(buffer) : tModelReply{ERROR_INVALID_FUNCTION, 0};
+}
+
+tModelReply tMachine::write(std::span<const uint8_t> buffer) {
+  std::function<tModelReply(std::span<const uint8_t>)> writer;
+  {
+    const std::lock_guard lock(mutex_);
+    writer = transferDriver_.write;
+  }
+  return writer ? writer(buffer) : tModelReply{ERROR_INVALID_FUNCTION, 0};
 }
 
 tModelReply tMachine::answer(const tModelRequest& asked) {

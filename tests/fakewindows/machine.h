@@ -26,8 +26,8 @@ struct tDeviceInterface {
   }
 };
 
-// A request as a driver of a test sees it. `output` is as large as the caller says; nothing but what
-// the driver answers of it reaches the caller. The first answer of the model is to be had once.
+// A device control request as a test's driver receives it. `output` has the size that the caller
+// passed; only the bytes that the driver's reply counts reach the caller. `byModel` may be called once.
 struct tDriverRequest {
   tSimulatorInterface kind;
   uint32_t code;
@@ -36,6 +36,15 @@ struct tDriverRequest {
   std::function<tModelReply()> byModel;
 };
 using tDriver = std::function<tModelReply(const tDriverRequest& request)>;
+
+// Replies of a test's driver to ReadFile and WriteFile. `buffer` has the size that the caller passed.
+// A read fills it, and the bytes that the reply counts reach the caller; a write receives a copy of the
+// caller's bytes, and its reply counts the bytes accepted. An empty function refuses the transfers as
+// the simulated driver does.
+struct tTransferDriver {
+  std::function<tModelReply(std::span<uint8_t> buffer)> read;
+  std::function<tModelReply(std::span<const uint8_t> buffer)> write;
+};
 
 inline constexpr uint64_t kFakeProcess = 4242;
 
@@ -65,9 +74,15 @@ class tMachine {
   // The token of a request is the address of its OVERLAPPED. What is pending may be over when the
   // call returns.
   [[nodiscard]] tModelReply request(const tModelRequest& request);
-  // Another driver than the model answers from now on; none: the model. What the driver leaves
-  // pending has to be pending in the model. The interface that controls the model stays the model's.
+  // Another driver than the model answers device control requests from now on; an empty function
+  // restores the model. A request that the driver leaves pending has to be pending in the model. The
+  // interface that controls the model always reaches the model.
   void useDriver(tDriver driver);
+  // Reads and writes on every device are served by this driver from now on.
+  void useTransferDriver(tTransferDriver driver);
+  // Serve one transfer.
+  [[nodiscard]] tModelReply read(std::span<uint8_t> buffer);
+  [[nodiscard]] tModelReply write(std::span<const uint8_t> buffer);
   // Answers a request by whichever driver there is. `input` and `output` are the driver's own copies.
   [[nodiscard]] tModelReply answer(const tModelRequest& request);
   // False when the request is not pending.
@@ -100,6 +115,7 @@ class tMachine {
   std::mutex mutex_;
   tModel model_;
   tDriver driver_;
+  tTransferDriver transferDriver_;
   tSimulatorPresence presence_{};
   uint64_t nextFile_ = 1;
   std::map<tDeviceInterface, std::string> paths_;

@@ -34,7 +34,7 @@ BOOL WINAPI GetQueuedCompletionStatus(HANDLE handle, LPDWORD bytes, PULONG_PTR k
                                       LPOVERLAPPED* overlapped, DWORD milliseconds) {
   const tInside inside;
   constexpr auto kCall = tCall::getQueuedCompletionStatus;
-  if (const auto error = faultPlan().enter(kCall)) {
+  if (const auto error = faultPlan().enter(kCall, std::to_string(milliseconds))) {
     *overlapped = nullptr;
     SetLastError(*error);
     return FALSE;

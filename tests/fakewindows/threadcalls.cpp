@@ -1,6 +1,7 @@
 #include <process.h>
 #include <windows.h>
 
+#include <string>
 #include <thread>
 
 #include "tests/fakewindows/objects.h"
@@ -92,7 +93,7 @@ int WINAPI GetThreadPriority(HANDLE handle) {
 BOOL WINAPI SetThreadPriority(HANDLE handle, int priority) {
   const tInside inside;
   constexpr auto kCall = tCall::setThreadPriority;
-  if (const auto error = faultPlan().enter(kCall)) {
+  if (const auto error = faultPlan().enter(kCall, std::to_string(priority))) {
     SetLastError(*error);
     return FALSE;
   }
