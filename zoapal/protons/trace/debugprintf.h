@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdio>
 
-// With which rules the compiler checks the arguments: on Windows the C runtime has formats of its
-// own, which the C++ library replaces by the standard ones.
+// The rules by which the compiler checks the arguments. On Windows the C runtime has its own formats,
+// which the C++ library replaces by the standard ones.
 #ifdef __MINGW_PRINTF_FORMAT
 #define ZOAPAL_PRINTF_FORMAT __MINGW_PRINTF_FORMAT
 #else
@@ -14,11 +14,11 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// A text for the debugger output is cut after so many characters.
+// Longer texts for the debugger output are truncated to this length.
 inline constexpr size_t kDebugTextLength = 511;
 
-// Writes one text to the debugger output of the process, formatted as by printf and without a line
-// end of its own. Any thread. Never fails; allocates nothing.
+// Writes one text to the debugger output of the process, formatted as by printf. Adds no line end.
+// Never fails and allocates nothing. Any thread.
 [[gnu::format(ZOAPAL_PRINTF_FORMAT, 1, 2)]] void debugPrintf(const char* format, ...) noexcept;
 
 }  // namespace nQUENRA1400::nZOAPAL000

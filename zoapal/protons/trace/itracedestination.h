@@ -5,7 +5,7 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// Where diagnostic text goes. The order of the operations is part of the interface.
+// Receives diagnostic text. The order of the operations is part of the interface.
 class iTraceDestination {
  public:
   iTraceDestination() = default;
@@ -13,18 +13,18 @@ class iTraceDestination {
   iTraceDestination& operator=(const iTraceDestination&) = delete;
   virtual ~iTraceDestination() = default;
 
-  // At most `length` characters of a text, which need not be terminated if it has as many. Null is
-  // no text.
+  // Writes at most `length` characters of a text, which needs no NUL if it has that many. Null writes
+  // nothing, here and in write().
   virtual void writeCounted(const char* text, uint64_t length) noexcept = 0;
   virtual void write(const char* text) noexcept = 0;
-  // Keeps the place of an operation that destinations do not have.
+  // Reserved slot.
   virtual void unusedThird() noexcept = 0;
-  // What a destination says of itself, for a command line: copied as far as `size` bytes go, a NUL
-  // included. `needed`, when given, receives the bytes of the whole text with its NUL. Returns the
-  // place of the NUL; `buffer` where there is no room for one.
+  // Copies the destination's command-line options, as far as `size` bytes allow, with a NUL. `needed`,
+  // if not null, receives the size of the complete text with its NUL. Returns the position of the NUL,
+  // or `buffer` if it has no capacity.
   virtual char* getConfiguration(char* buffer, int32_t size, uint32_t* needed) const noexcept = 0;
   [[nodiscard]] virtual bool isAvailable() const noexcept = 0;
-  // Keeps the place of an operation that destinations do not have.
+  // Reserved slot.
   virtual void unusedSixth() noexcept = 0;
   [[nodiscard]] virtual const char* getName() const noexcept = 0;
 };

@@ -32,7 +32,7 @@ char* tConsoleTraceDestination::getConfiguration(char* buffer, int32_t size,
   }
   const size_t copied = kConfiguration.copy(buffer, static_cast<size_t>(size) - 1);
   buffer[copied] = '\0';
-  // What follows the text is nobody's; the last byte ends it whatever is read.
+  // The last byte ends the buffer even for a caller that ignores the text's own NUL.
   buffer[size - 1] = '\0';
   return buffer + copied;
 }

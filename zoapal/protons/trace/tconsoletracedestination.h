@@ -5,7 +5,7 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// The debugger output of the process. A text is cut after kDebugTextLength characters. Any thread.
+// The debugger output of the process. Truncates a text after kDebugTextLength characters. Any thread.
 class tConsoleTraceDestination : public iTraceDestination {
  public:
   void writeCounted(const char* text, uint64_t length) noexcept override;

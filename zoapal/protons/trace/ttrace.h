@@ -6,11 +6,11 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// Forwards diagnostic text to one destination, one text at a time. The destination is the caller's
-// and outlives the trace.
+// Forwards diagnostic text to one destination, one text at a time. The caller owns the destination,
+// which must outlive the trace. Any thread.
 class tTrace {
  public:
-  // When the lock cannot be made, the status receives its failure and the trace stays silent.
+  // If the lock cannot be created, reports that in the status; the trace then writes nothing.
   tTrace(iTraceDestination& destination, nZOAPALS100::tStatus& status) noexcept;
   tTrace(const tTrace&) = delete;
   tTrace& operator=(const tTrace&) = delete;
@@ -24,7 +24,7 @@ class tTrace {
   void forward(Write write) noexcept;
 
   iTraceDestination* destination_;
-  tCriticalSection lock_;  // guards what is behind destination_
+  tCriticalSection lock_;  // guards *destination_
 };
 
 }  // namespace nQUENRA1400::nZOAPAL000

@@ -7,7 +7,7 @@
 
 namespace nTests {
 
-// Hears what the process writes to the debugger output while the object lives.
+// Collects the texts that the process writes to the debugger output during the object's life.
 class tDebuggerListener {
  public:
   tDebuggerListener();
@@ -15,7 +15,7 @@ class tDebuggerListener {
   tDebuggerListener& operator=(const tDebuggerListener&) = delete;
   ~tDebuggerListener();
 
-  // The texts since the last call.
+  // Returns and removes the texts collected since the last call.
   [[nodiscard]] std::vector<std::string> take();
 
  private:

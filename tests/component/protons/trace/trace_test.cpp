@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <thread>
@@ -18,7 +17,6 @@ namespace nTests {
 namespace {
 
 using nQUENRA1400::nZOAPAL000::debugPrintf;
-using nQUENRA1400::nZOAPAL000::iTraceDestination;
 using nQUENRA1400::nZOAPAL000::tConsoleTraceDestination;
 using nQUENRA1400::nZOAPAL000::tTrace;
 using nZOAPALS100::tStatus;
@@ -38,7 +36,7 @@ TEST_F(Trace, DebugPrintf_FormatsAndAddsNoLineEnd) {
   EXPECT_THAT(listener.take(), ElementsAre("route -3 0xFF 18446744073709551615"));
 }
 
-TEST_F(Trace, DebugPrintf_CutsAfter511Characters) {
+TEST_F(Trace, DebugPrintf_LongText_IsTruncatedAfter511Characters) {
   for (const size_t length : {size_t{510}, size_t{511}, size_t{512}, size_t{513}, size_t{600}}) {
     std::string text(length, 'x');
     text.front() = 'a';
@@ -48,24 +46,24 @@ TEST_F(Trace, DebugPrintf_CutsAfter511Characters) {
   }
 }
 
-TEST_F(Trace, DebugPrintf_CutsWhatAFormatMakesLong) {
+TEST_F(Trace, DebugPrintf_LongFormattedText_IsTruncatedAfter511Characters) {
   debugPrintf("%600d", 7);
   EXPECT_THAT(listener.take(), ElementsAre(std::string(511, ' ')));
 }
 
 // ---- The destination ----
 
-TEST_F(Trace, Write_TakesATextAsItIs) {
+TEST_F(Trace, Write_TextWithPercentSigns_IsWrittenUnchanged) {
   destination.write("100 %s%n of it");
   EXPECT_THAT(listener.take(), ElementsAre("100 %s%n of it"));
 }
 
-TEST_F(Trace, Write_CutsAfter511Characters) {
+TEST_F(Trace, Write_LongText_IsTruncatedAfter511Characters) {
   destination.write(std::string(600, 'x').c_str());
   EXPECT_THAT(listener.take(), ElementsAre(std::string(511, 'x')));
 }
 
-TEST_F(Trace, WriteCounted_TakesNoMoreThanItIsTold) {
+TEST_F(Trace, WriteCounted_WritesAtMostTheLength) {
   destination.writeCounted("0123456789", 3);
   destination.writeCounted("0123456789", 0);
   destination.writeCounted("0123456789", 10);
@@ -73,13 +71,13 @@ TEST_F(Trace, WriteCounted_TakesNoMoreThanItIsTold) {
   EXPECT_THAT(listener.take(), ElementsAre("012", "", "0123456789", "0123456789"));
 }
 
-TEST_F(Trace, WriteCounted_ReadsNoByteBehindTheLength) {
+TEST_F(Trace, WriteCounted_ReadsNoBytePastTheLength) {
   const std::vector<char> unterminated{'a', 'b', 'c'};  // a heap block of just these
   destination.writeCounted(unterminated.data(), unterminated.size());
   EXPECT_THAT(listener.take(), ElementsAre("abc"));
 }
 
-TEST_F(Trace, WriteCounted_TakesAnyLength) {
+TEST_F(Trace, WriteCounted_AnyLength_IsLimitedTo511Characters) {
   const std::string text(600, 'x');
   for (const uint64_t length : {uint64_t{511}, uint64_t{512}, uint64_t{1} << 31, uint64_t{1} << 32,
                                 uint64_t{1} << 40, std::numeric_limits<uint64_t>::max()}) {
@@ -88,7 +86,7 @@ TEST_F(Trace, WriteCounted_TakesAnyLength) {
   }
 }
 
-TEST_F(Trace, NoText_WritesNothing) {
+TEST_F(Trace, NullText_WritesNothing) {
   destination.write(nullptr);
   destination.writeCounted(nullptr, 5);
   EXPECT_THAT(listener.take(), IsEmpty());
@@ -99,19 +97,19 @@ TEST_F(Trace, Destination_IsTheAvailableDebuggerOutput) {
   EXPECT_STREQ(destination.getName(), "zosdbg_printf");
 }
 
-TEST_F(Trace, PlacesWithoutAnOperation_DoNothing) {
+TEST_F(Trace, UnusedOperations_DoNothing) {
   destination.unusedThird();
   destination.unusedSixth();
   EXPECT_THAT(listener.take(), IsEmpty());
 }
 
-TEST_F(Trace, GetConfiguration_CopiesWhatFitsAndTerminatesIt) {
-  constexpr std::string_view kWhole = " --destination apal";
+TEST_F(Trace, GetConfiguration_AnySize_CopiesWithinItAndTerminates) {
+  constexpr std::string_view kConfiguration = " --destination apal";
   for (int32_t size = 1; size <= 32; ++size) {
     std::vector<char> buffer(static_cast<size_t>(size), '#');
     uint32_t needed = 0;
     char* const end = destination.getConfiguration(buffer.data(), size, &needed);
-    const std::string_view copied = kWhole.substr(0, static_cast<size_t>(size) - 1);
+    const std::string_view copied = kConfiguration.substr(0, static_cast<size_t>(size) - 1);
     EXPECT_EQ(std::string_view(buffer.data()), copied) << size;
     EXPECT_EQ(end, buffer.data() + copied.size()) << size;
     EXPECT_EQ(buffer.back(), '\0') << size;
@@ -119,7 +117,7 @@ TEST_F(Trace, GetConfiguration_CopiesWhatFitsAndTerminatesIt) {
   }
 }
 
-TEST_F(Trace, GetConfiguration_OfFiveBytes_GivesFourCharacters) {
+TEST_F(Trace, GetConfiguration_FiveBytes_ReturnsFourCharacters) {
   char buffer[5] = {};
   uint32_t needed = 0;
   destination.getConfiguration(buffer, sizeof buffer, &needed);
@@ -127,7 +125,7 @@ TEST_F(Trace, GetConfiguration_OfFiveBytes_GivesFourCharacters) {
   EXPECT_EQ(needed, 20u);
 }
 
-TEST_F(Trace, GetConfigurationWithoutRoom_OnlyTellsWhatItNeeds) {
+TEST_F(Trace, GetConfiguration_WithoutCapacity_ReportsTheNeededSizeOnly) {
   char buffer[2] = {'#', '#'};
   for (const int32_t size : {0, -1, std::numeric_limits<int32_t>::min()}) {
     uint32_t needed = 0;
@@ -140,29 +138,10 @@ TEST_F(Trace, GetConfigurationWithoutRoom_OnlyTellsWhatItNeeds) {
   EXPECT_EQ(needed, 20u);
 }
 
-TEST_F(Trace, GetConfiguration_NeedsNobodyToAskForItsSize) {
+TEST_F(Trace, GetConfiguration_WithoutNeededSize_CopiesTheText) {
   char buffer[32] = {};
   destination.getConfiguration(buffer, sizeof buffer, nullptr);
   EXPECT_STREQ(buffer, " --destination apal");
-}
-
-// The place of a virtual operation in the table of its class, as this compiler keeps it in a pointer
-// to the member: the offset in bytes, plus 1.
-template <class Member>
-size_t placeOf(Member member) {
-  uintptr_t offset = 0;
-  std::memcpy(&offset, &member, sizeof offset);
-  return (offset - 1) / sizeof(void*);
-}
-
-TEST_F(Trace, Operations_KeepTheirOrder) {
-  const std::vector<size_t> places{
-      placeOf(&iTraceDestination::writeCounted), placeOf(&iTraceDestination::write),
-      placeOf(&iTraceDestination::unusedThird),  placeOf(&iTraceDestination::getConfiguration),
-      placeOf(&iTraceDestination::isAvailable),  placeOf(&iTraceDestination::unusedSixth),
-      placeOf(&iTraceDestination::getName)};
-  // This compiler gives a destructor two places.
-  EXPECT_THAT(places, ElementsAre(2, 3, 4, 5, 6, 7, 8));
 }
 
 // ---- The trace ----
@@ -176,7 +155,7 @@ TEST_F(Trace, Trace_ForwardsToItsDestination) {
   EXPECT_THAT(listener.take(), ElementsAre("one", "two"));
 }
 
-TEST_F(Trace, TraceOnAStatusInError_StaysSilent) {
+TEST_F(Trace, TraceOnAStatusInError_WritesNothing) {
   tStatus status;
   status.code = -1;
   tTrace trace(destination, status);
@@ -185,7 +164,7 @@ TEST_F(Trace, TraceOnAStatusInError_StaysSilent) {
   EXPECT_THAT(listener.take(), IsEmpty());
 }
 
-// Notices when two texts are written at once.
+// Detects two texts that are written at the same time.
 class tWatchfulDestination : public tConsoleTraceDestination {
  public:
   void write(const char*) noexcept override {
@@ -223,7 +202,7 @@ TEST_F(Trace, TextsOfManyThreads_AreWrittenOneAtATime) {
   EXPECT_EQ(watchful.texts, 800);
 }
 
-TEST_F(Trace, DestinationThatIsNotAvailable_IsNotWrittenTo) {
+TEST_F(Trace, UnavailableDestination_ReceivesNothing) {
   tWatchfulDestination watchful;
   watchful.available = false;
   tStatus status;
@@ -232,7 +211,7 @@ TEST_F(Trace, DestinationThatIsNotAvailable_IsNotWrittenTo) {
   EXPECT_EQ(watchful.texts, 0);
 }
 
-TEST_F(Trace, DebugPrintfOfManyThreads_MixesNoTexts) {
+TEST_F(Trace, DebugPrintfOnManyThreads_MixesNoTexts) {
   std::vector<std::thread> threads;
   for (char letter = 'a'; letter < 'i'; ++letter) {
     threads.emplace_back([letter] {
