@@ -29,7 +29,8 @@ tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>
   return {reply.windowsError, reply.size};
 }
 
-// As by a fault. The OVERLAPPED says that it is under way, as it does of every one that is refused.
+// Fails a call as the fault plan requires. Like the system, leaves the OVERLAPPED of a refused request
+// marked as pending.
 BOOL refuseTransfer(OVERLAPPED* overlapped, DWORD error) {
   if (overlapped != nullptr && error != ERROR_IO_PENDING) {
     overlapped->Internal = kStatusPending;
@@ -38,7 +39,7 @@ BOOL refuseTransfer(OVERLAPPED* overlapped, DWORD error) {
   return FALSE;
 }
 
-// What the three kinds of transfer have in common. `work` carries the transfer out.
+// The common part of the three kinds of transfer. `work` carries the transfer out.
 template <class Work>
 BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* overlapped,
               Work work) {
@@ -71,7 +72,7 @@ BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* ov
     tEvent* const event = objects().find<tEvent>(overlapped->hEvent);
     tFile& started = *objects().find<tFile>(handle);
     expectUsual(event != nullptr || (overlapped->hEvent == nullptr && started.port != nullptr),
-                call, "neither an event nor a port would tell of the completion");
+                call, "neither an event nor a port would report the completion");
     expectUsual(event == nullptr || (reinterpret_cast<uintptr_t>(overlapped->hEvent) & 1) != 0,
                 call, "an event without its lowest bit set: the completion would go to a port");
     if (event != nullptr) {
@@ -208,14 +209,14 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
     SetLastError(*error);
     return FALSE;
   }
-  // What the machine keeps pending ...
+  // A request that the machine keeps pending ...
   const bool cancelled = machine().cancel(reinterpret_cast<uintptr_t>(overlapped));
   const std::lock_guard lock(objects().mutex);
   // Closing the file may have ended the request meanwhile.
   expectUsual(objects().find<tFile>(handle) != nullptr || overlapped->Internal != kStatusPending,
               kCall, "not a file, or one that was closed");
-  // ... and what never reached it. A request that another thread is about to complete is too far
-  // gone.
+  // ... and one that never reached it. A request that another thread is about to complete cannot be
+  // cancelled.
   const bool neverSent =
       faultPlan().completion() == tCompletion::never && overlapped->Internal == kStatusPending;
   if (!cancelled && !neverSent) {
@@ -234,17 +235,17 @@ std::optional<tModelFile> fileBehind(HANDLE handle) {
   return file == nullptr ? std::nullopt : std::optional(file->file);
 }
 
-// Gives its kind; what cannot be closed this way stops.
+// Returns the kind of the closed object; stops for a handle that CloseHandle does not accept.
 const char* closeObject(HANDLE handle) {
-  // For what another thread has just cancelled and is about to complete.
-  constexpr auto kPatience = std::chrono::seconds(5);
+  // For requests that another thread has just cancelled and is about to complete.
+  constexpr auto kTimeout = std::chrono::seconds(5);
   std::unique_lock lock(objects().mutex);
-  const auto nothingIsUnderWay = [handle] {
+  const auto nothingIsPending = [handle] {
     const tFile* const file = objects().find<tFile>(handle);
     return file == nullptr || file->pending.empty();
   };
-  expectUsual(objects().changed.wait_for(lock, kPatience, nothingIsUnderWay), tCall::closeHandle,
-              "a file with a request under way that nobody ends");
+  expectUsual(objects().changed.wait_for(lock, kTimeout, nothingIsPending), tCall::closeHandle,
+              "a file with a pending request that no thread ends");
   const char* const kind = objects().kindOf(handle);
   expectUsual(kind != nullptr && objects().find<tDeviceInformationSet>(handle) == nullptr,
               tCall::closeHandle, "nothing that can be closed, or closed already");

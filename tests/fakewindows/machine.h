@@ -56,7 +56,7 @@ class tMachine {
   tMachine(const tMachine&) = delete;
   tMachine& operator=(const tMachine&) = delete;
 
-  // Back to the default machine.
+  // Restores the default machine.
   void reset();
 
   // The interfaces of a class, in order.
@@ -68,11 +68,11 @@ class tMachine {
 
   // Names the new file.
   [[nodiscard]] tModelFile open(const tDeviceInterface& device);
-  // The last handle is closed: what the file has pending completes.
+  // The last handle is closed: the file's pending requests complete.
   void cleanUp(const tModelFile& file);
   void close(const tModelFile& file);
-  // The token of a request is the address of its OVERLAPPED. What is pending may be over when the
-  // call returns.
+  // The token of a request is the address of its OVERLAPPED. A pending request may have completed when
+  // the call returns.
   [[nodiscard]] tModelReply request(const tModelRequest& request);
   // Another driver than the model answers device control requests from now on; an empty function
   // restores the model. A request that the driver leaves pending has to be pending in the model. The
@@ -83,7 +83,7 @@ class tMachine {
   // Serve one transfer.
   [[nodiscard]] tModelReply read(std::span<uint8_t> buffer);
   [[nodiscard]] tModelReply write(std::span<const uint8_t> buffer);
-  // Answers a request by whichever driver there is. `input` and `output` are the driver's own copies.
+  // Passes a request to the current driver. `input` and `output` are the driver's own copies.
   [[nodiscard]] tModelReply answer(const tModelRequest& request);
   // False when the request is not pending.
   [[nodiscard]] bool cancel(uint64_t token);
@@ -91,7 +91,7 @@ class tMachine {
   // The driver can neither read nor write the caller's memory in this range.
   void makeUnreachable(const void* memory, uint64_t size);
 
-  // What GetSystemFirmwareTable answers: the raw SMBIOS data; empty: it fails with `error`.
+  // The raw SMBIOS data that GetSystemFirmwareTable returns; if empty, it fails with `error`.
   void useFirmwareTable(std::vector<uint8_t> raw, uint32_t error = 0);
   [[nodiscard]] std::vector<uint8_t> firmwareTable();
   [[nodiscard]] uint32_t firmwareError();
