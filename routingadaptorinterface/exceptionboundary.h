@@ -14,7 +14,7 @@ namespace zoroco {
 
 inline constexpr nZOAPALS100::tSourceLocation kExportMemoryShort{
     "routingadaptorinterface\\routingadaptorexports", 61, nZOAPALS100::kComponent,
-    zoark::kMemoryFullConstant};
+    "nZOAPALS100::tStatus::kMemoryFull"};
 inline constexpr nZOAPALS100::tSourceLocation kExportUnforeseen{
     "routingadaptorinterface\\routingadaptorexports", 74};
 

@@ -59,7 +59,7 @@ TEST(RoutingBoundary, ShortMemory_BecomesMemoryFull) {
             7);
   EXPECT_EQ(client.code, -52000);
   EXPECT_EQ(descriptionOf(recordOf(client)),
-            R"({"error_constant":"zoapalerr_memoryFull",)"
+            R"({"error_constant":"nZOAPALS100::tStatus::kMemoryFull",)"
             R"("file":"routingadaptorinterface\\routingadaptorexports","line":61,)"
             R"("component":"quenra"})");
 }
