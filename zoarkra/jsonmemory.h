@@ -12,9 +12,8 @@
 
 namespace zoark {
 
-// The memory of one stack of a reader or writer: bytes of its own first, then the heap. RapidJSON
-// does not look whether it was given memory, so this throws std::bad_alloc. The names are
-// RapidJSON's.
+// The memory of the stack of a RapidJSON writer: bytes of its own first, then the heap. RapidJSON does
+// not check for null, so this throws std::bad_alloc. The names are RapidJSON's.
 template <size_t kOwn>
 class tJsonMemory {
  public:
@@ -27,7 +26,7 @@ class tJsonMemory {
 
   // NOLINTBEGIN(readability-identifier-naming)
   void* Malloc(size_t size) { return Realloc(nullptr, 0, size); }
-  // `block` is null or what was given last.
+  // `block` is null or the latest block.
   void* Realloc(void* block, size_t size, size_t newSize) {
     if (newSize <= own_.size() && heap_ == nullptr) {
       return own_.data();

@@ -1,127 +1,176 @@
 #include "zoarkra/jsonreader.h"
 
-#include <rapidjson/reader.h>
-
-#include <algorithm>
-#include <charconv>
+#include <array>
 #include <cstring>
-#include <limits>
-#include <system_error>
+#include <memory_resource>
+#include <string>
+#include <utility>
 
-#include "zoarkra/jsonmemory.h"
+#include "zoarkra/jsonnumber.h"
+#include "zoarkra/jsonstring.h"
+#include "zoarkra/tstackmemory.h"
 
 namespace zoark {
 namespace {
 
-// The reader refuses bytes that are no UTF-8, but decodes an escape of half a surrogate pair to
-// such.
-bool isSound(std::string_view text) noexcept {
-  for (size_t i = 0; i + 1 < text.size(); ++i) {
-    if (text[i] == '\xED' && static_cast<unsigned char>(text[i + 1]) >= 0xA0) {
-      return false;
+// Reads one document, which ends with a NUL. The reader is the library's own because that of RapidJSON
+// refuses numbers beyond a double even where it delivers their texts, and accepts half a surrogate
+// pair.
+class tJsonReader {
+ public:
+  tJsonReader(const char* document, iJsonHandler& handler) noexcept
+      : document_(document), at_(document), handler_(handler) {}
+
+  tJsonResult read() {
+    bool isSound = readValue();
+    while (isSound && depth_ != 0) {
+      isSound = readNext();
     }
+    if (isSound) {
+      readEnd();
+    }
+    return {outcome_, static_cast<size_t>(at_ - document_)};
   }
-  return true;
-}
-
-// Whether a number lies between -1 and 1, told from its text: for one that a double cannot hold.
-bool isTiny(std::string_view text) noexcept {
-  const size_t endOfDigits = std::min(text.find_first_of("eE"), text.size());
-  const std::string_view digits = text.substr(0, endOfDigits);
-  const size_t point = std::min(digits.find('.'), digits.size());
-  const size_t first = std::min(digits.find_first_of("123456789"), digits.size());
-  std::string_view exponentText = text.substr(std::min(endOfDigits + 1, text.size()));
-  exponentText.remove_prefix(exponentText.starts_with('+') ? 1 : 0);
-  // One with more digits is negative: the reader has refused others.
-  int64_t exponent = exponentText.empty() ? 0 : std::numeric_limits<int32_t>::min();
-  std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent);
-  return static_cast<int64_t>(point) - static_cast<int64_t>(first) + exponent < 0;
-}
-
-// The value of a number's text, whatever the process's locale. One that a double cannot hold
-// becomes infinite, or 0 when it is too small.
-double numberOf(std::string_view text) noexcept {
-  double number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (result.ec == std::errc::result_out_of_range) {
-    number = isTiny(text) ? 0 : std::numeric_limits<double>::infinity();
-  }
-  return number;
-}
-
-// A text that ends at its NUL. RapidJSON's own stream goes on behind it when the text ends within a
-// character of several bytes. The names are RapidJSON's.
-class tDocumentStream {
- public:
-  using Ch = char;
-
-  explicit tDocumentStream(const char* text) noexcept : text_(text), at_(text) {}
-
-  // NOLINTBEGIN(readability-identifier-naming)
-  [[nodiscard]] char Peek() const noexcept { return *at_; }
-  char Take() noexcept { return *at_ == '\0' ? '\0' : *at_++; }
-  [[nodiscard]] size_t Tell() const noexcept { return static_cast<size_t>(at_ - text_); }
-  // Only a stream that is changed in its place has more.
-  static char* PutBegin() noexcept { return nullptr; }
-  static void Put(char) noexcept {}
-  static size_t PutEnd(char*) noexcept { return 0; }
-  // NOLINTEND(readability-identifier-naming)
 
  private:
-  const char* text_;
-  const char* at_;
-};
-
-// From the reader's events to those of a handler. The names are the reader's.
-class tEvents {
- public:
-  explicit tEvents(iJsonHandler& handler) noexcept : handler_(handler) {}
-
-  // Why the reading has been ended from here.
-  [[nodiscard]] tJsonOutcome outcome() const noexcept { return outcome_; }
-
-  // NOLINTBEGIN(readability-identifier-naming)
-  bool Null() { return value({.type = tJsonType::null}); }
-  bool Bool(bool boolean) { return value({.type = tJsonType::boolean, .boolean = boolean}); }
-  bool RawNumber(const char* text, rapidjson::SizeType length, bool) {
-    return value({.type = tJsonType::number, .number = numberOf({text, length})});
-  }
-  // Numbers come as their texts: the reader's own arithmetic is undefined for some of them.
-  bool Int(int) { return false; }
-  bool Uint(unsigned) { return false; }
-  bool Int64(int64_t) { return false; }
-  bool Uint64(uint64_t) { return false; }
-  bool Double(double) { return false; }
-  bool String(const char* text, rapidjson::SizeType length, bool) {
-    return isSound({text, length}) && value({.type = tJsonType::string, .text = {text, length}});
-  }
-  bool Key(const char* text, rapidjson::SizeType length, bool) {
-    return isSound({text, length}) && (handler_.key({text, length}, depth_) || end());
-  }
-  bool StartObject() { return start(tJsonType::object); }
-  bool EndObject(rapidjson::SizeType) { return leave(); }
-  bool StartArray() { return start(tJsonType::array); }
-  bool EndArray(rapidjson::SizeType) { return leave(); }
-  // NOLINTEND(readability-identifier-naming)
-
- private:
-  bool end() noexcept {
-    outcome_ = tJsonOutcome::ended;
+  // Ends the reading at the current position.
+  bool stop(tJsonOutcome outcome) noexcept {
+    outcome_ = outcome;
     return false;
   }
-  bool value(const tJsonValue& value) { return handler_.value(value, depth_) || end(); }
-  bool start(tJsonType type) {
-    if (depth_ == kDeepestJson) {
-      outcome_ = tJsonOutcome::tooDeep;
+
+  void skipBlanks() noexcept {
+    while (*at_ == ' ' || *at_ == '\t' || *at_ == '\n' || *at_ == '\r') {
+      ++at_;
+    }
+  }
+
+  bool accept(char character) noexcept {
+    skipBlanks();
+    if (*at_ != character) {
+      return stop(tJsonOutcome::malformed);
+    }
+    ++at_;
+    return true;
+  }
+
+  void readEnd() noexcept {
+    skipBlanks();
+    if (*at_ != '\0') {
+      outcome_ = tJsonOutcome::malformed;
+    }
+  }
+
+  // Reads the next element or member of the innermost container, or its end.
+  bool readNext() {
+    const bool isObject = isObject_[depth_ - 1];
+    const bool isFirst = std::exchange(isEmpty_, false);
+    skipBlanks();
+    if (*at_ == (isObject ? '}' : ']')) {
+      ++at_;
+      --depth_;
+      return handler_.end(depth_) || stop(tJsonOutcome::ended);
+    }
+    return (isFirst || accept(',')) && (!isObject || (readKey() && accept(':'))) && readValue();
+  }
+
+  bool readKey() {
+    std::string_view key;
+    return readString(key) && (handler_.key(key, depth_) || stop(tJsonOutcome::ended));
+  }
+
+  bool readValue() {
+    skipBlanks();
+    switch (*at_) {
+      case '{':
+        return readStart(tJsonType::object);
+      case '[':
+        return readStart(tJsonType::array);
+      case '"':
+        return readText();
+      case 't':
+        return readLiteral("true", {.type = tJsonType::boolean, .boolean = true});
+      case 'f':
+        return readLiteral("false", {.type = tJsonType::boolean});
+      case 'n':
+        return readLiteral("null", {.type = tJsonType::null});
+      default:
+        return readNumber();
+    }
+  }
+
+  bool deliver(const tJsonValue& value) {
+    return handler_.value(value, depth_) || stop(tJsonOutcome::ended);
+  }
+
+  bool readStart(tJsonType type) {
+    if (depth_ == kMaxJsonDepth) {
+      return stop(tJsonOutcome::tooDeep);
+    }
+    ++at_;
+    if (!deliver({.type = type})) {
       return false;
     }
-    return value({.type = type}) && ++depth_ != 0;
+    isObject_[depth_] = type == tJsonType::object;
+    ++depth_;
+    isEmpty_ = true;
+    return true;
   }
-  bool leave() { return handler_.end(--depth_) || end(); }
 
+  bool readText() {
+    std::string_view text;
+    return readString(text) && deliver({.type = tJsonType::string, .text = text});
+  }
+
+  // `text` is a part of the document, or lasts until the next string is read.
+  bool readString(std::string_view& text) {
+    if (!accept('"')) {
+      return false;
+    }
+    const tStringScan scan = scanString(at_);
+    text = {at_, static_cast<size_t>(scan.end - at_)};
+    at_ = scan.end;
+    if (!scan.isSound) {
+      return stop(tJsonOutcome::malformed);
+    }
+    ++at_;
+    if (scan.hasEscapes) {
+      decodeString(text, decoded_);
+      text = decoded_;
+    }
+    return true;
+  }
+
+  bool readLiteral(const char* literal, const tJsonValue& value) {
+    for (; *literal != '\0'; ++literal, ++at_) {
+      if (*at_ != *literal) {
+        return stop(tJsonOutcome::malformed);
+      }
+    }
+    return deliver(value);
+  }
+
+  bool readNumber() {
+    const char* const begin = at_;
+    const tNumberScan scan = scanNumber(begin);
+    at_ = scan.end;
+    if (!scan.isSound) {
+      return stop(tJsonOutcome::malformed);
+    }
+    const double number = valueOfNumber({begin, static_cast<size_t>(at_ - begin)});
+    return deliver({.type = tJsonType::number, .number = number});
+  }
+
+  const char* document_;
+  const char* at_;
   iJsonHandler& handler_;
+  tJsonOutcome outcome_ = tJsonOutcome::read;
+  std::array<bool, kMaxJsonDepth> isObject_{};  // of each container around the current position
   size_t depth_ = 0;
-  tJsonOutcome outcome_ = tJsonOutcome::malformed;
+  bool isEmpty_ = false;  // nothing of the innermost container is read yet
+  // For the strings of a text of 4 KiB, of which each that outgrows the buffer takes a new one.
+  tStackMemory<size_t{9} * 1024> memory_;
+  std::pmr::string decoded_{memory_.resource()};
 };
 
 }  // namespace
@@ -145,25 +194,10 @@ const char* nameOf(tJsonType type) noexcept {
 }
 
 tJsonResult readJson(const char* document, iJsonHandler& handler) {
-  if (strnlen(document, kLargestJson + 1) > kLargestJson) {
-    return {tJsonOutcome::tooLarge, kLargestJson};
+  if (strnlen(document, kMaxJsonSize + 1) > kMaxJsonSize) {
+    return {tJsonOutcome::tooLarge, kMaxJsonSize};
   }
-  constexpr unsigned kFlags = rapidjson::kParseIterativeFlag |
-                              rapidjson::kParseValidateEncodingFlag |
-                              rapidjson::kParseNumbersAsStringsFlag;
-  // For a text of 4 KiB, and what the reader notes of the deepest nesting.
-  using tMemory = tJsonMemory<size_t{5} * 1024>;
-  tMemory memory;
-  rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, tMemory> reader(
-      &memory, tMemory::kOwnBytes);
-  tDocumentStream stream(document);
-  tEvents events(handler);
-  const rapidjson::ParseResult result = reader.Parse<kFlags>(stream, events);
-  if (!result.IsError()) {
-    return {tJsonOutcome::read, stream.Tell()};
-  }
-  const bool isLargeNumber = result.Code() == rapidjson::kParseErrorNumberTooBig;
-  return {isLargeNumber ? tJsonOutcome::numberTooLarge : events.outcome(), result.Offset()};
+  return tJsonReader(document, handler).read();
 }
 
 }  // namespace zoark

@@ -19,15 +19,16 @@ enum class tJsonType : uint8_t {
 // The name of a type in descriptions.
 [[nodiscard]] const char* nameOf(tJsonType type) noexcept;
 
-// A value, or the beginning of a container.
+// A value, or the start of a container.
 struct tJsonValue {
   tJsonType type;
   bool boolean = false;        // of a boolean
-  double number = 0;           // of a number
+  double number = 0;           // of a number; infinite beyond the range of a double
   std::string_view text = {};  // of a string, decoded
 };
 
-// Is told a document's parts as they come. Texts last as long as the call. False ends the reading.
+// Receives the parts of a document in their order. Texts are valid during the call. A member that
+// returns false ends the reading.
 class iJsonHandler {
  public:
   iJsonHandler() = default;
@@ -35,36 +36,35 @@ class iJsonHandler {
   iJsonHandler& operator=(const iJsonHandler&) = delete;
   virtual ~iJsonHandler() = default;
 
-  // `depth`: how many containers the value lies in.
+  // `depth`: the number of containers around the value.
   [[nodiscard]] virtual bool value(const tJsonValue& value, size_t depth) = 0;
   [[nodiscard]] virtual bool key(std::string_view key, size_t depth) = 0;
-  // The end of a container that lies in `depth` others.
+  // The end of a container with `depth` others around it.
   [[nodiscard]] virtual bool end(size_t depth) = 0;
 };
 
-// Containers within containers that a document may have.
-inline constexpr size_t kDeepestJson = 64;
+// The depth of nesting that the reader accepts.
+inline constexpr size_t kMaxJsonDepth = 64;
 
-// Bytes that a document may have. None that asks for a route comes near.
-inline constexpr size_t kLargestJson = size_t{4} * 1024 * 1024;
+// The bytes of a document that the reader accepts. No route request comes near.
+inline constexpr size_t kMaxJsonSize = size_t{4} * 1024 * 1024;
 
 enum class tJsonOutcome : uint8_t {
-  read,            // to its end
-  ended,           // by the handler
-  tooDeep,         // deeper than kDeepestJson
-  tooLarge,        // more than kLargestJson bytes; not looked at
-  numberTooLarge,  // for a double
-  malformed,
+  read,       // to its end
+  ended,      // by the handler
+  tooDeep,    // deeper than kMaxJsonDepth
+  tooLarge,   // more than kMaxJsonSize bytes; not read
+  malformed,  // not JSON in UTF-8
 };
 
 struct tJsonResult {
   tJsonOutcome outcome;
-  size_t offset;  // in bytes, where the reading ended
+  size_t offset;  // in bytes, where the reading ended; of an invalid escape, its backslash
 };
 
-// Reads a document of JSON text in UTF-8, strictly: one value, and blanks only behind it. Numbers
-// do not depend on the process's locale. Depth costs no stack. Allocates nothing for a document of
-// up to 4 KiB; throws std::bad_alloc.
+// Reads a document of JSON text in UTF-8, strictly: one value, with blanks only before and after it.
+// Numbers do not depend on the locale of the process. Nesting uses no stack. Allocates no heap memory
+// for a document of up to 4 KiB; throws std::bad_alloc.
 tJsonResult readJson(const char* document, iJsonHandler& handler);
 
 }  // namespace zoark

@@ -12,11 +12,6 @@ tFoundFault faultOf(const tJsonResult& result, const tRequestDocument& document)
       return {&kTooDeep, {}, result.offset};
     case tJsonOutcome::tooLarge:
       return {&kTooLarge, {}, result.offset};
-    case tJsonOutcome::numberTooLarge:
-      if (&document.faultOfLargeNumber() != &kMalformed) {
-        return {&document.faultOfLargeNumber(), {}, {}};
-      }
-      [[fallthrough]];
     case tJsonOutcome::malformed:
       return {&kMalformed, {}, result.offset};
   }
@@ -31,7 +26,7 @@ void readRequestDocument(const char* text, tRequestDocument& document) {
   }
   const tFoundFault found = faultOf(readJson(text, document), document);
   if (found.fault != nullptr) {
-    // One that is too large is not worth its copy.
+    // The description does not repeat a document that is too large.
     raiseRequestFault(found, found.fault == &kTooLarge ? nullptr : text);
   }
 }

@@ -11,13 +11,8 @@ class tRequestDocument : public iJsonHandler {
  public:
   [[nodiscard]] const tFoundFault& found() const noexcept { return found_; }
 
-  // What is wrong where the reading has stopped at a number that is too large for any type.
-  [[nodiscard]] virtual const tRequestFault& faultOfLargeNumber() const noexcept {
-    return kMalformed;
-  }
-
  protected:
-  // Notes a fault. Gives false, which ends the reading.
+  // Records a fault. Returns false, which ends the reading.
   bool fail(const tRequestFault& fault) noexcept {
     found_.fault = &fault;
     return false;
@@ -31,7 +26,7 @@ class tRequestDocument : public iJsonHandler {
   tFoundFault found_;
 };
 
-// Reads a document; a fault is thrown.
+// Reads a document; a null one is a fault. Throws a fault as a zoerr::Exception, and std::bad_alloc.
 void readRequestDocument(const char* text, tRequestDocument& document);
 
 }  // namespace zoark

@@ -61,15 +61,7 @@ bool tSeedsDocument::key(std::string_view key, size_t depth) {
 }
 
 bool tSeedsDocument::end(size_t depth) {
-  if (depth != kSeed) {
-    return true;
-  }
-  member_ = tMember::unknown;
-  return judge();
-}
-
-const tRequestFault& tSeedsDocument::faultOfLargeNumber() const noexcept {
-  return member_ == tMember::cost ? kCostMissingOrInvalid : kMalformed;
+  return depth != kSeed || judge();
 }
 
 void tSeedsDocument::takeMember(const tJsonValue& value) {

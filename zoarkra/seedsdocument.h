@@ -24,7 +24,6 @@ class tSeedsDocument final : public tRequestDocument {
   bool value(const tJsonValue& value, size_t depth) override;
   bool key(std::string_view key, size_t depth) override;
   bool end(size_t depth) override;
-  [[nodiscard]] const tRequestFault& faultOfLargeNumber() const noexcept override;
 
  private:
   enum class tMember : uint8_t {

@@ -1,8 +1,11 @@
 #include "tests/fuzz/routerequest.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -71,6 +74,19 @@ class tTreeBuilder {
   Document& to_;
 };
 
+// Replaces a number that the reader refuses for its many digits or its large exponent by a short one
+// with the value that it has as a double, or the largest one.
+void shortenNumber(std::string& document, size_t offset) {
+  const char* const begin = document.c_str() + offset;
+  char* end = nullptr;
+  const double value = std::clamp(std::strtod(begin, &end), std::numeric_limits<double>::lowest(),
+                                  std::numeric_limits<double>::max());
+  std::array<char, 32> text;
+  const int length = std::snprintf(text.data(), text.size(), "%.17g", value);
+  document.replace(offset, static_cast<size_t>(end - begin), text.data(),
+                   static_cast<size_t>(length));
+}
+
 // Memory of exactly the text and its NUL, so that the address sanitizer sees one byte too many.
 std::unique_ptr<char[]> exactCopy(const std::string& text) {
   auto copy = std::make_unique<char[]>(text.size() + 1);
@@ -101,18 +117,26 @@ void require(bool holds, const char* promise) {
   }
 }
 
-std::optional<Document> treeOf(const std::string& document) {
+std::optional<Document> treeOf(std::string document) {
   constexpr unsigned kFlags =
       rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
-  rapidjson::Reader reader;
-  Document tree;
-  const auto build = [&](Document& to) {
-    rapidjson::StringStream stream(document.c_str());
-    tTreeBuilder builder(to);
-    return !reader.Parse<kFlags>(stream, builder).IsError();
-  };
-  tree.Populate(build);
-  return reader.HasParseError() ? std::nullopt : std::optional(std::move(tree));
+  for (;;) {
+    rapidjson::Reader reader;
+    Document tree;
+    const auto build = [&](Document& to) {
+      rapidjson::StringStream stream(document.c_str());
+      tTreeBuilder builder(to);
+      return !reader.Parse<kFlags>(stream, builder).IsError();
+    };
+    tree.Populate(build);
+    if (!reader.HasParseError()) {
+      return tree;
+    }
+    if (reader.GetParseErrorCode() != rapidjson::kParseErrorNumberTooBig) {
+      return std::nullopt;
+    }
+    shortenNumber(document, reader.GetErrorOffset());
+  }
 }
 
 const rapidjson::Value* lastMember(const rapidjson::Value& object, const char* name) {

@@ -31,8 +31,8 @@ void require(bool holds, const char* promise);
 // for its depth or for texts that are no Unicode.
 void calculate(const tDocuments& documents, bool isSound);
 
-// A document as a plain tree; none when it is no JSON.
-[[nodiscard]] std::optional<rapidjson::Document> treeOf(const std::string& document);
+// A document as a plain tree; none when it is not JSON. Numbers beyond a double are the largest one.
+[[nodiscard]] std::optional<rapidjson::Document> treeOf(std::string document);
 
 // The last of the members with a name; null without one.
 [[nodiscard]] const rapidjson::Value* lastMember(const rapidjson::Value& object, const char* name);

@@ -28,6 +28,15 @@ std::string destinationsOfSize(size_t size) {
   return text + "]";
 }
 
+// Names with an escape, each longer than the one before, so that each outgrows the reader's buffer.
+std::string escapedNamesOfSize(size_t size) {
+  std::string text = R"(["\n")";
+  for (std::string name = R"("\n)"; text.size() + name.size() + 3 < size; name += "nnnn") {
+    text += "," + name + "\"";
+  }
+  return text + "]";
+}
+
 std::string seedsOfSize(size_t size) {
   const std::string seed =
       R"({"terminal":"FLOAT","cost":1,"constraints":{"inversionNeeded":true}})";
@@ -80,9 +89,14 @@ TEST_F(Memory, RequestsOfFourKilobytes_DoWithoutTheHeap) {
   const std::string manyDestinations = destinationsOfSize(kFourKilobytes - 70);
   const std::string longName = R"([{"terminal":")" + std::string(kFourKilobytes - 50, 'n') +
                                R"(","cost":1,"constraints":{}}])";
+  const std::string longEscape = R"([{"terminal":"\n)" + std::string(kFourKilobytes - 52, 'n') +
+                                 R"(","cost":1,"constraints":{}}])";
+  const std::string growingNames = escapedNamesOfSize(kFourKilobytes);
   EXPECT_EQ(allocationsOf([&] { calculate(manySeeds, "[]"); }), 0u);
   EXPECT_EQ(allocationsOf([&] { calculate("[]", manyDestinations); }), 0u);
   EXPECT_EQ(allocationsOf([&] { calculate(longName, R"(["FLOAT"])"); }), 0u);
+  EXPECT_EQ(allocationsOf([&] { calculate(longEscape, R"(["FLOAT"])"); }), 0u);
+  EXPECT_EQ(allocationsOf([&] { calculate("[]", growingNames); }), 0u);
 }
 
 TEST_F(Memory, OtherOperationsOfOrdinarySize_DoWithoutTheHeap) {
@@ -108,7 +122,7 @@ TEST_F(Memory, ShortWhileALargeRequestIsRead_EndsTheRequest) {
 }
 
 TEST_F(Memory, ShortWhileALongNameIsRead_EndsTheRequest) {
-  const std::string seeds = R"([{"terminal":")" + std::string(10 * kFourKilobytes, 'n') +
+  const std::string seeds = R"([{"terminal":"\n)" + std::string(10 * kFourKilobytes, 'n') +
                             R"(","cost":1,"constraints":{}}])";
   failEveryAllocation([&] { calculate(seeds, R"(["FLOAT"])"); });
   EXPECT_GT(allocationsOf([&] { calculate(seeds, R"(["FLOAT"])"); }), 0u);

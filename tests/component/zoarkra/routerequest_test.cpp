@@ -169,6 +169,9 @@ TEST(Seeds, CostOfEveryForm_IsCutOff) {
       {"1E+3", "1000"},
       {"12345e-3", "12"},
       {"0e40", "0"},
+      {"0e400", "0"},
+      {"1" + std::string(400, '0') + "e-400", "1"},
+      {"1" + std::string(700000, '0') + "e-700000", "1"},
       {"0.000000000000000000000e-2147483639", "0"},
       {"2.99999999999999999999", "3"},
       {"1e-99999999999999999999", "0"},
@@ -182,8 +185,8 @@ TEST(Seeds, CostOfEveryForm_IsCutOff) {
 }
 
 TEST(Seeds, CostOutsideItsRange_IsInvalid) {
-  for (const char* cost :
-       {"-1", "4294967296", "1e20", "-1e20", "18446744073709551616", "1e400", "-1e400", "-1.5"}) {
+  for (const char* cost : {"-1", "4294967296", "1e20", "-1e20", "18446744073709551616", "1e400",
+                           "-1e400", "-1.5", "1e999"}) {
     expectSeedsRefused(seedWithCost(cost), 106, "cost field missing or invalid");
   }
 }
@@ -373,7 +376,34 @@ TEST(Request, MalformedDocument_TellsWhereItStopsBeingJson) {
   expectModifiersRefused("/**/{}", 71, "malformed JSON", R"(,"offset":0)");
   expectModifiersRefused(R"({"a":01})", 71, "malformed JSON", R"(,"offset":6)");
   expectModifiersRefused(R"({"a":NaN})", 71, "malformed JSON", R"(,"offset":5)");
-  expectModifiersRefused(R"({"a":1e999})", 71, "malformed JSON", R"(,"offset":5)");
+}
+
+TEST(Request, NumberBeyondADouble_IsANumber) {
+  expectSeedsRefused("1e999", 101, "seeds must be an array");
+  expectSeedsRefused("[1e999]", 102, "seed must be an object");
+  expectSeedsRefused(R"([{"terminal":1e999}])", 104, "terminal name must be a string");
+  expectSeedsRefused(R"([{"cost":1e999}])", 103, "terminal field missing");
+  expectSeedsRefused(R"([{"cost":1e999,"terminal":5}])", 104, "terminal name must be a string");
+  expectSeedsRefused(seedWithConstraints(R"({"inversionNeeded":1e999})"), 109,
+                     "Unexpected constraint type",
+                     R"(,"constraint":"inversionNeeded","expected_type":"bool",)"
+                     R"("actual_type":"number")");
+  expectDestinationsRefused("[1e999]", 142, "Terminals must be strings");
+  expectModifiersRefused(R"({"required":{"inversionNeeded":1e999}})", 172,
+                         "Required route modifier has unrecognized type");
+}
+
+TEST(Request, UnknownMemberBeyondADouble_IsSkipped) {
+  EXPECT_EQ(seedsOf(R"([{"more":1e999,"terminal":"PXI_Trig0","cost":3,)"
+                    R"("constraints":{"other":-1e999}}])"),
+            "4/3/0 ");
+  EXPECT_EQ(modifiersOf(R"({"more":1e999,"optional":{"other":[1e999]}})"), "0/0/0");
+}
+
+TEST(Request, LoneSurrogate_IsMalformedAtItsEscape) {
+  expectDestinationsRefused(R"(["FLOAT","\udc00"])", 71, "malformed JSON", R"(,"offset":10)");
+  expectDestinationsRefused(R"(["FLOAT","\ud800"])", 71, "malformed JSON", R"(,"offset":10)");
+  expectModifiersRefused(R"({"x\udc00":1})", 71, "malformed JSON", R"(,"offset":3)");
 }
 
 TEST(Request, TextThatIsNoUnicode_IsMalformed) {
