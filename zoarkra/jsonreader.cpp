@@ -76,7 +76,7 @@ class tJsonReader {
 
   bool readKey() {
     std::string_view key;
-    return readString(key) && (handler_.key(key, depth_) || stop(tJsonOutcome::ended));
+    return readString(key, decodedKey_) && (handler_.key(key, depth_) || stop(tJsonOutcome::ended));
   }
 
   bool readValue() {
@@ -119,11 +119,11 @@ class tJsonReader {
 
   bool readText() {
     std::string_view text;
-    return readString(text) && deliver({.type = tJsonType::string, .text = text});
+    return readString(text, decodedText_) && deliver({.type = tJsonType::string, .text = text});
   }
 
-  // `text` is a part of the document, or lasts until the next string is read.
-  bool readString(std::string_view& text) {
+  // `text` is a part of the document, or of `decoded` where it has escapes.
+  bool readString(std::string_view& text, std::pmr::string& decoded) {
     if (!accept('"')) {
       return false;
     }
@@ -135,8 +135,8 @@ class tJsonReader {
     }
     ++at_;
     if (scan.hasEscapes) {
-      decodeString(text, decoded_);
-      text = decoded_;
+      decodeString(text, decoded);
+      text = decoded;
     }
     return true;
   }
@@ -168,9 +168,10 @@ class tJsonReader {
   std::array<bool, kMaxJsonDepth> isObject_{};  // of each container around the current position
   size_t depth_ = 0;
   bool isEmpty_ = false;  // nothing of the innermost container is read yet
-  // For the strings of a text of 4 KiB, of which each that outgrows the buffer takes a new one.
+  // For the strings of a text of 4 KiB, each of which may outgrow its buffer, which is not freed.
   tStackMemory<size_t{9} * 1024> memory_;
-  std::pmr::string decoded_{memory_.resource()};
+  std::pmr::string decodedKey_{memory_.resource()};
+  std::pmr::string decodedText_{memory_.resource()};
 };
 
 }  // namespace

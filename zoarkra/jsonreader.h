@@ -27,8 +27,8 @@ struct tJsonValue {
   std::string_view text = {};  // of a string, decoded
 };
 
-// Receives the parts of a document in their order. Texts are valid during the call. A member that
-// returns false ends the reading.
+// Receives the parts of a document in their order. A value's text is valid during the call, a key until
+// the next key. A member that returns false ends the reading.
 class iJsonHandler {
  public:
   iJsonHandler() = default;

@@ -1,7 +1,12 @@
 #ifndef ZOARKRA_MODIFIERSDOCUMENT_H
 #define ZOARKRA_MODIFIERSDOCUMENT_H
 
+#include <memory_resource>
+#include <set>
+#include <string>
+
 #include "protocol/routingrecords.h"
+#include "zoarkra/heapresource.h"
 #include "zoarkra/requestdocument.h"
 
 namespace zoark {
@@ -21,24 +26,23 @@ class tModifiersDocument final : public tRequestDocument {
 
  private:
   struct tGroup {
-    bool isObject = true;  // one that is missing is empty
-    bool hasUnrecognisedType = false;
+    bool isObject = true;  // a missing group is empty
     uint32_t constraints = 0;
     uint32_t options = 0;
   };
-  // The bit that a modifier's value sets; one that is not known sets none.
-  struct tTarget {
-    uint32_t* word = nullptr;
-    uint32_t bit = 0;
-  };
 
-  [[nodiscard]] static tTarget targetOf(std::string_view name, tGroup& group) noexcept;
+  void readGroup(const tJsonValue& value);
+  void readModifier(const tJsonValue& value);
+  void recordType(bool isBoolean);
   [[nodiscard]] bool judge();
 
   tGroup required_;
   tGroup optional_;
-  tGroup* group_ = nullptr;  // whose value comes, or is read; null for another member
-  tTarget target_;
+  // The required modifiers whose latest value is neither true nor false; a later member of the name
+  // can still be. Empty for a sound request, and never larger than the names of the document.
+  std::pmr::set<std::pmr::string, std::less<>> unrecognised_{heapResource()};
+  tGroup* group_ = nullptr;    // the group of the current member; null for any other member
+  std::string_view modifier_;  // the name of the current modifier
 };
 
 }  // namespace zoark

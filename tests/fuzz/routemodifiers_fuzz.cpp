@@ -1,11 +1,15 @@
 // The modifiers of a route request as arbitrary text.
+#include <algorithm>
+#include <map>
+#include <string>
+
 #include "tests/fuzz/routerequest.h"
 
 namespace {
 
 using nRouteFuzz::lastMember;
 
-// One that is missing is an empty object.
+// A missing group is empty.
 bool isGroup(const rapidjson::Value* group) {
   return group == nullptr || group->IsObject();
 }
@@ -19,11 +23,13 @@ bool areModifiers(const std::optional<rapidjson::Document>& tree) {
     return false;
   }
   if (required != nullptr) {
+    std::map<std::string, bool> isBoolean;  // by name; the last member of a name counts
     for (const auto& modifier : required->GetObject()) {
-      if (!modifier.value.IsBool()) {
-        return false;
-      }
+      isBoolean[{modifier.name.GetString(), modifier.name.GetStringLength()}] =
+          modifier.value.IsBool();
     }
+    return std::all_of(isBoolean.begin(), isBoolean.end(),
+                       [](const auto& modifier) { return modifier.second; });
   }
   return true;
 }

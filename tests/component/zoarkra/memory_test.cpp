@@ -76,8 +76,9 @@ class Memory : public SessionTest {
     operation();
     return plan.count();
   }
-  void calculate(const std::string& seeds, const std::string& destinations) {
-    session_->calculateRoute({seeds.c_str(), destinations.c_str(), "{}"}, &output_, status_);
+  void calculate(const std::string& seeds, const std::string& destinations,
+                 const char* modifiers = "{}") {
+    session_->calculateRoute({seeds.c_str(), destinations.c_str(), modifiers}, &output_, status_);
   }
 
   char* output_ = nullptr;
@@ -97,6 +98,22 @@ TEST_F(Memory, RequestsOfFourKilobytes_DoWithoutTheHeap) {
   EXPECT_EQ(allocationsOf([&] { calculate(longName, R"(["FLOAT"])"); }), 0u);
   EXPECT_EQ(allocationsOf([&] { calculate(longEscape, R"(["FLOAT"])"); }), 0u);
   EXPECT_EQ(allocationsOf([&] { calculate("[]", growingNames); }), 0u);
+}
+
+TEST_F(Memory, ModifiersOfEveryKind_DoWithoutTheHeap) {
+  const char* const modifiers =
+      R"({"required":{"calculateIgnoresReservations":true,"a name of more than one line":false},)"
+      R"("optional":{"another name of the same length":"x","inversionNeeded":5}})";
+  const std::string none = "[]";
+  EXPECT_EQ(allocationsOf([&] { calculate(none, none, modifiers); }), 0u);
+}
+
+TEST_F(Memory, ShortWhileAModifierOfAnUnrecognisedTypeIsNoted_EndsTheRequest) {
+  const char* const modifiers =
+      R"({"required":{"inversionNeeded":5,"a name of more than one line":5,)"
+      R"("inversionNeeded":true,"a name of more than one line":true}})";
+  failEveryAllocation([&] { calculate("[]", "[]", modifiers); });
+  EXPECT_GT(allocationsOf([&] { calculate("[]", "[]", modifiers); }), 1u);
 }
 
 TEST_F(Memory, OtherOperationsOfOrdinarySize_DoWithoutTheHeap) {

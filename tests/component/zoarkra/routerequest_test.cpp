@@ -335,6 +335,59 @@ TEST(Modifiers, RequiredOfAnUnrecognisedType_AreRefused) {
   }
 }
 
+TEST(Modifiers, RequiredGivenTwice_IsJudgedByTheTypeOfTheLast) {
+  const auto expectRefused = [](const std::string& required) {
+    expectModifiersRefused(R"({"required":)" + required + "}", 172,
+                           "Required route modifier has unrecognized type");
+  };
+  EXPECT_EQ(modifiersOf(R"({"required":{"inversionNeeded":5,"inversionNeeded":true}})"), "1/0/0");
+  expectRefused(R"({"inversionNeeded":true,"inversionNeeded":5})");
+  EXPECT_EQ(modifiersOf(R"({"required":{"other":5,"other":true}})"), "0/0/0");
+  expectRefused(R"({"other":true,"other":5})");
+  EXPECT_EQ(
+      modifiersOf(R"({"required":{"a":5,"b":{"a":true},"c":[5],"b":false,"a":true,"c":true}})"),
+      "0/0/0");
+  expectRefused(R"({"a":5,"b":{"a":true},"c":[5],"b":false,"c":true})");
+  expectRefused(R"({"a":5,"A":true})");
+  expectRefused(R"({"a":5,"a":true,"a":"x"})");
+  expectRefused(R"({"a":5,"":true})");
+  EXPECT_EQ(modifiersOf(R"({"required":{"":5,"":true}})"), "0/0/0");
+}
+
+TEST(Modifiers, RequiredGivenTwiceWithEscapes_AreOneMember) {
+  EXPECT_EQ(modifiersOf(R"({"required":{"\u0061":"\u0062","a":true}})"), "0/0/0");
+  EXPECT_EQ(modifiersOf(R"({"required":{"a":"\u0062","\u0061":true}})"), "0/0/0");
+  expectModifiersRefused(R"({"required":{"a":true,"\u0061":"\u0062"}})", 172,
+                         "Required route modifier has unrecognized type");
+}
+
+TEST(Modifiers, RequiredGroupGivenTwice_ForgetsTheModifiersOfTheFirst) {
+  EXPECT_EQ(modifiersOf(R"({"required":{"other":5},"required":{}})"), "0/0/0");
+  EXPECT_EQ(modifiersOf(R"({"required":{"other":5},"required":{"inversionNeeded":true}})"),
+            "1/0/0");
+}
+
+TEST(Modifiers, OptionalGivenTwice_CountsAsTheLastOfAnyType) {
+  EXPECT_EQ(modifiersOf(R"({"optional":{"inversionNeeded":5,"inversionNeeded":true}})"), "0/1/0");
+  EXPECT_EQ(modifiersOf(R"({"optional":{"inversionNeeded":true,"inversionNeeded":5}})"), "0/0/0");
+}
+
+TEST(Modifiers, ManyRequiredGivenTwice_AreEachJudgedByTheirLast) {
+  std::string wrong;
+  std::string right;
+  for (int i = 0; i < 50'000; ++i) {
+    const std::string name = "\"" + std::to_string(i) + "\":";
+    wrong += name + "5,";
+    right += name + "true,";
+  }
+  EXPECT_EQ(modifiersOf(R"({"required":{)" + wrong + right + R"("x":true}})"), "0/0/0");
+  EXPECT_EQ(failureOf([&] {
+              readRequest(kSeeds, kDestinations,
+                          R"({"required":{)" + right + wrong + R"("x":true}})");
+            }).code,
+            -52005);
+}
+
 // ---- All of them ----
 
 TEST(Request, SeveralBadDocuments_TellsTheFirst) {
