@@ -44,7 +44,11 @@
  *     functions while the process ends, after the library was unloaded: those with a status report
  *     QUENRA_STATUS_NOT_READY, the others work.
  *  9. Unloading the library with an open session leaves it mapped until the session's thread ends.
- * 10. No function throws. */
+ * 10. Exceptions. No function throws, and the client's functions must not throw either. When one
+ *     does, the library reports QUENRA_STATUS_INTERNAL_ERROR, by the merge rule, where the call has
+ *     a status: the reallocation function of a session ends its call, that of a status leaves the
+ *     code without a description and does not replace an error. Exceptions of a demotion callback,
+ *     and of the release of its status, are dropped. */
 #ifndef QUENRA_ROUTING_H
 #define QUENRA_ROUTING_H
 

@@ -14,30 +14,44 @@ static_assert(offsetof(zoerr_Status, capacity) == offsetof(zoerr::Status, capaci
 static_assert(offsetof(zoerr_Status, reallocate) == offsetof(zoerr::Status, reallocate));
 static_assert(offsetof(zoerr_Status, description) == offsetof(zoerr::Status, description));
 
-bool hasRoom(const zoerr_Status& client, size_t bytes) noexcept {
+bool hasCapacity(const zoerr_Status& client, size_t bytes) noexcept {
   return client.description != nullptr && client.capacity >= bytes;
 }
 
-bool makeRoom(zoerr_Status& client, size_t bytes) noexcept {
-  return hasRoom(client, bytes) ||
+// False when the client supplies no such capacity. Throws what the client's function throws.
+bool ensureCapacity(zoerr_Status& client, size_t bytes) {
+  return hasCapacity(client, bytes) ||
          (client.reallocate != nullptr &&
-          client.reallocate(&client, static_cast<uint32_t>(bytes)) && hasRoom(client, bytes));
+          client.reallocate(&client, static_cast<uint32_t>(bytes)) && hasCapacity(client, bytes));
+}
+
+void copyDescription(zoerr_Status& client, std::string_view text) {
+  // The text's NUL and the marker need space as well.
+  if (!text.empty() && ensureCapacity(client, text.size() + 2)) {
+    zoerr::replaceDescription(client.description, client.capacity, text);
+  }
+}
+
+bool storeCode(zoerr_Status& client, int32_t code) noexcept {
+  const bool isStored = nZOAPALS100::replacesCode(client.code, code);
+  client.code = isStored ? code : client.code;
+  return isStored;
 }
 
 }  // namespace
 
 void mergeIntoClient(zoerr_Status& client, const zoerr::Status& source) noexcept {
-  if (!nZOAPALS100::replacesCode(client.code, source.code)) {
+  if (!storeCode(client, source.code)) {
     return;
   }
-  client.code = source.code;
-  if (hasRoom(client, zoerr::kSmallestDescription)) {
+  if (hasCapacity(client, zoerr::kSmallestDescription)) {
     zoerr::resetDescription(client.description, client.capacity);
   }
-  const std::string_view text = zoerr::descriptionText(source.description, source.capacity);
-  // The text's NUL and the marker need room as well.
-  if (!text.empty() && makeRoom(client, text.size() + 2)) {
-    zoerr::replaceDescription(client.description, client.capacity, text);
+  try {
+    copyDescription(client, zoerr::descriptionText(source.description, source.capacity));
+  } catch (...) {
+    // The client's function is not called again, so this code has no description.
+    storeCode(client, nZOAPALS100::kInternalError);
   }
 }
 

@@ -6,10 +6,10 @@
 
 namespace zoroco {
 
-// Takes over code and description of `source` as zoerr::Status::mergeFrom does, in the client's
-// memory. The client's record lies in memory as zoerr::Status does, but its reallocation function
-// has another type, and a function is only called as what it is. When the client gives no room, the
-// code arrives alone.
+// Copies code and description of `source` as zoerr::Status::mergeFrom does, into the client's memory.
+// The client's record has the layout of zoerr::Status, but its reallocation function has a type of its
+// own and is called as such. The code is stored without a description when that function supplies no
+// buffer. When it throws, kInternalError is merged after the code: it replaces a warning, not an error.
 void mergeIntoClient(zoerr_Status& client, const zoerr::Status& source) noexcept;
 
 }  // namespace zoroco

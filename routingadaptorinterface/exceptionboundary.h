@@ -2,6 +2,8 @@
 #define ROUTINGADAPTORINTERFACE_EXCEPTIONBOUNDARY_H
 
 #include <new>
+#include <optional>
+#include <utility>
 
 #include "quenra_routing.h"
 #include "routingadaptorinterface/clientstatus.h"
@@ -18,16 +20,17 @@ inline constexpr nZOAPALS100::tSourceLocation kExportMemoryShort{
 inline constexpr nZOAPALS100::tSourceLocation kExportUnforeseen{
     "routingadaptorinterface\\routingadaptorexports", 74};
 
-// Runs what an export does and gives its result; `neutral` when that fails, or when the client's
-// status holds an error, or when there is none that can be written, and nothing is run. Nothing that is thrown inside
-// leaves it: short memory becomes kMemoryFull, an exception that carries a status that status,
-// anything else kInternalError. The operation's own status begins with the client's code.
+// Runs the operation of an export and returns its result, or `neutral` when the client's status holds
+// an error afterwards. Without a writable status, or with one that holds an error already, it does not
+// run the operation. Exceptions end here: short memory becomes kMemoryFull, an exception that carries a
+// status becomes that status, any other kInternalError. The operation's own status starts with the
+// client's code.
 template <class Result, class Operation>
 Result runWithoutThrowing(zoerr_Status* client, Result neutral, Operation operation) noexcept {
   if (client == nullptr || !zoark::isAligned(client) || client->code < 0) {
     return neutral;
   }
-  Result result = neutral;
+  std::optional<Result> result;
   zoerr::tOwnedStatus status;
   status.code = client->code;
   nQUENRA1400::nZOAPAL000::startUp().mergeInto(status);
@@ -43,10 +46,13 @@ Result runWithoutThrowing(zoerr_Status* client, Result neutral, Operation operat
     status.set(nZOAPALS100::kInternalError, kExportUnforeseen);
   }
   mergeIntoClient(*client, status);
-  return result;
+  if (!result || client->code < 0) {
+    return neutral;
+  }
+  return *std::move(result);
 }
 
-// The same for an export that reports nothing: whatever is thrown is dropped.
+// The same for an export without a status: drops every exception.
 template <class Result, class Operation>
 Result runSilently(Result neutral, Operation operation) noexcept {
   try {

@@ -22,6 +22,14 @@ constexpr uint32_t kApiVersion = 3;
 // An export that gives nothing, or whose result is thrown away.
 constexpr bool kNothing = false;
 
+// Owns a session until its handle is the client's.
+struct tDestroySession {
+  void operator()(zoroco_RoutingAdaptorSession* session) const noexcept {
+    zoroco_ra_quenra_destroySession(session);
+  }
+};
+using tOwnedSession = std::unique_ptr<zoroco_RoutingAdaptorSession, tDestroySession>;
+
 // What exports on a session have in common: the status, and the session. The operation is
 // (session, status) -> result.
 template <class Result, class Operation>
@@ -64,12 +72,12 @@ zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSession(const char* deviceI
 zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSessionWithDemotionFunc(
     const char* deviceInterfaceName, zoroco_Reallocate reallocate, zoroco_DemotionCallback callback,
     void* context, zoerr_Status* status) {
-  constexpr zoroco_RoutingAdaptorSession* kNoSession = nullptr;
-  return runWithoutThrowing(status, kNoSession, [&](zoerr::Status& own) {
-    return handleOf(std::make_unique<zoark::ARKRoutingAdaptorSession>(
+  tOwnedSession session = runWithoutThrowing(status, tOwnedSession(), [&](zoerr::Status& own) {
+    return tOwnedSession(handleOf(std::make_unique<zoark::ARKRoutingAdaptorSession>(
         zoark::makeRoutingDevice(), deviceInterfaceName,
-        zoark::tClientFunctions{reallocate, callback, context}, own));
+        zoark::tClientFunctions{reallocate, callback, context}, own)));
   });
+  return session.release();
 }
 
 void zoroco_ra_quenra_destroySession(zoroco_RoutingAdaptorSession* session) {

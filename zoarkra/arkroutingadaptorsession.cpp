@@ -80,6 +80,15 @@ void keepFilled(std::pmr::vector<Record>& records, uint32_t count) {
   records.resize(std::min<size_t>(count, records.size()));
 }
 
+// Runs a client's function on a thread of the session, where no caller receives an exception.
+template <class Call>
+void callClient(Call call) noexcept {
+  try {
+    call();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): it has no status to report to
+  }
+}
+
 // A step of taking a route down, whose warnings nobody hears.
 template <class Step>
 void takeDown(Step step) {
@@ -126,11 +135,8 @@ void ARKRoutingAdaptorSession::routeDemoted(void* notification) noexcept {
     return;
   }
   zoerr_Status status = zoerr_Status_initial();
-  try {
-    callback(context_, kReasonDemoted, &status, notification);
-  } catch (...) {  // NOLINT(bugprone-empty-catch): nobody hears what a callback throws
-  }
-  zoerr_Status_release(&status);
+  callClient([&] { callback(context_, kReasonDemoted, &status, notification); });
+  callClient([&] { zoerr_Status_release(&status); });
 }
 
 void ARKRoutingAdaptorSession::getHandledConstraints(char** output, zoerr::Status&) {
@@ -143,7 +149,7 @@ void ARKRoutingAdaptorSession::getHandledConstraints(char** output, zoerr::Statu
 uint32_t ARKRoutingAdaptorSession::calculateRoute(const tRequestTexts& texts, char** output,
                                                   zoerr::Status& status) {
   const tClientOutput answer(reallocate_, output);
-  answer.requirePlace();
+  answer.requireOutput();
   tRequestMemory memory;
   tRouteRequest request(memory.resource());
   readRouteRequest(texts, *topography_, request);
@@ -204,7 +210,7 @@ void ARKRoutingAdaptorSession::destroyRoute(uint32_t ticket, uint64_t, uint64_t)
 void ARKRoutingAdaptorSession::getRouteTerminalPath(uint32_t ticket, char** output,
                                                     zoerr::Status& status) {
   const tClientOutput answer(reallocate_, output);
-  answer.requirePlace();
+  answer.requireOutput();
   tListMemory memory;
   uint32_t count = pathCapacity.load(std::memory_order_relaxed);
   std::pmr::vector<uint32_t> terminals(count, memory.resource());

@@ -8,7 +8,7 @@ namespace {
 using zoerr::Status;
 using zoerr::tAppendResult;
 
-// One step of growth. A reallocation function that says yes without giving more ends it.
+// One step of growth. A reallocation function that succeeds without more capacity ends it.
 bool grow(Status& status) noexcept {
   constexpr uint64_t kLargestRequest = 0x7FFFFFFF;
   const uint64_t wanted = uint64_t{status.capacity} * 2 - 4;
@@ -39,7 +39,11 @@ void appendMember(Status& status, std::string_view key, uint64_t number) noexcep
 
 void raise(int32_t code, const nZOAPALS100::tSourceLocation& location) {
   zoerr::tOwnedStatus status;
-  status.setWithConstant(code, location);
+  if (location.errorConstant == nullptr) {
+    status.set(code, location);
+  } else {
+    status.setWithConstant(code, location);
+  }
   throw zoerr::Exception(status);
 }
 

@@ -17,7 +17,8 @@ inline constexpr int32_t kBadSelector = -50003;
 void appendMember(zoerr::Status& status, std::string_view key, std::string_view text) noexcept;
 void appendMember(zoerr::Status& status, std::string_view key, uint64_t number) noexcept;
 
-// Throws a zoerr::Exception with the code, the location's error constant, and the location.
+// Throws a zoerr::Exception with the code, the location's error constant if it has one, and the
+// location.
 [[noreturn]] void raise(int32_t code, const nZOAPALS100::tSourceLocation& location);
 
 }  // namespace zoark

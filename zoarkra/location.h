@@ -10,9 +10,9 @@ inline constexpr const char* kMemoryFullConstant = "zoapalerr_memoryFull";
 inline constexpr const char* kInvalidParameterConstant = "zoapalerr_invalidParameter";
 inline constexpr const char* kBadSelectorConstant = "zopalerr_badSelector";
 
-// A site of the session or the iterator.
+// A site of the session or the iterator. Some codes have no symbolic name.
 [[nodiscard]] constexpr nZOAPALS100::tSourceLocation adaptorLocation(
-    uint32_t line, const char* errorConstant) noexcept {
+    uint32_t line, const char* errorConstant = nullptr) noexcept {
   return {"zoarkra\\arkroutingadaptor", line, nZOAPALS100::kComponent, errorConstant};
 }
 

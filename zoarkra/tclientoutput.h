@@ -8,27 +8,29 @@
 
 namespace zoark {
 
-// Whether what a client points to can be one at all.
+// Whether a client's pointer has the alignment of its type.
 template <class T>
-[[nodiscard]] bool isAligned(const T* place) noexcept {
-  return reinterpret_cast<uintptr_t>(place) % alignof(T) == 0;
+[[nodiscard]] bool isAligned(const T* pointer) noexcept {
+  return reinterpret_cast<uintptr_t>(pointer) % alignof(T) == 0;
 }
 
-// Where an answer goes: the client's buffer, and the function that gives room for it.
+// A client's output argument, and the function that supplies its buffer.
 class tClientOutput {
  public:
   tClientOutput(zoroco_Reallocate reallocate, char** output) noexcept
       : reallocate_(reallocate), output_(output) {}
 
-  // Throws zoerr::Exception with kInvalidParameter when the client has given no place for an
-  // answer, or one that is not aligned.
-  void requirePlace() const;
+  // Throws zoerr::Exception with kInvalidParameter when the output argument is null or not aligned.
+  void requireOutput() const;
 
-  // Copies the text, behind which there is a NUL, and the NUL. Throws zoerr::Exception with
-  // kMemoryFull when the client gives no room, and as requirePlace.
+  // Copies the text, which a NUL follows, and the NUL. Throws zoerr::Exception as requireOutput, with
+  // kMemoryFull when the client supplies no buffer, and with kInternalError when its function throws;
+  // the output argument then keeps its value.
   void write(std::string_view text) const;
 
  private:
+  [[nodiscard]] char* requestBuffer(std::string_view text, size_t size) const;
+
   zoroco_Reallocate reallocate_;
   char** output_;
 };

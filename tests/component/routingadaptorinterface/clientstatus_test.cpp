@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -110,6 +112,47 @@ TEST(MergeIntoClient, BufferThatIsTooSmallAndStays_IsEmptied) {
   mergeIntoClient(client, tSource(-7));
   EXPECT_EQ(client.code, -7);
   EXPECT_EQ(descriptionOf(recordOf(client)), "{}");
+}
+
+bool throwException(zoerr_Status*, uint32_t) {
+  throw std::runtime_error("client");
+}
+
+TEST(MergeIntoClient, ReallocationThatThrows_KeepsTheErrorAlone) {
+  zoerr_Status client{0, 0, &throwException, nullptr};
+  mergeIntoClient(client, tSource(-7));
+  EXPECT_EQ(client.code, -7);
+  EXPECT_EQ(client.description, nullptr);
+}
+
+TEST(MergeIntoClient, ReallocationThatThrows_LeavesAnEmptyDescriptionInTheBuffer) {
+  std::array<char, 10> buffer{};
+  zoerr::resetDescription(buffer.data(), buffer.size());
+  zoerr_Status client{5, buffer.size(), &throwException, buffer.data()};
+  mergeIntoClient(client, tSource(-7));
+  EXPECT_EQ(client.code, -7);
+  EXPECT_EQ(descriptionOf(recordOf(client)), "{}");
+  EXPECT_EQ(client.capacity, buffer.size());
+}
+
+TEST(MergeIntoClient, ReallocationThatThrowsForAWarning_FailsWithInternalError) {
+  zoerr_Status client{0, 0, &throwException, nullptr};
+  mergeIntoClient(client, tSource(7));
+  EXPECT_EQ(client.code, QUENRA_STATUS_INTERNAL_ERROR);
+  EXPECT_EQ(client.description, nullptr);
+}
+
+TEST(MergeIntoClient, ReallocationThatThrowsForShortMemory_FailsWithInternalError) {
+  zoerr_Status client{0, 0, [](zoerr_Status*, uint32_t) -> bool { throw std::bad_alloc(); },
+                      nullptr};
+  mergeIntoClient(client, tSource(7));
+  EXPECT_EQ(client.code, QUENRA_STATUS_INTERNAL_ERROR);
+}
+
+TEST(MergeIntoClient, ReallocationThatThrows_IsNotCalledWhereNothingIsStored) {
+  zoerr_Status client{5, 0, &throwException, nullptr};
+  mergeIntoClient(client, tSource(7));
+  EXPECT_EQ(client.code, 5);
 }
 
 TEST(MergeIntoClient, ExactlyTheBytesNeeded_AreAskedFor) {

@@ -104,6 +104,18 @@ TEST(RoutingBoundary, AnythingElse_BecomesInternalError) {
   EXPECT_EQ(second.code, -52008);
 }
 
+TEST(RoutingBoundary, ClientThatThrowsForTheDescriptionOfAWarning_HasNoResult) {
+  zoerr_Status client{
+      0, 0, [](zoerr_Status*, uint32_t) -> bool { throw std::runtime_error("client"); }, nullptr};
+  EXPECT_EQ(runWithoutThrowing(&client, 7,
+                               [](zoerr::Status& own) {
+                                 own.set(5, {"file", 5});
+                                 return 8;
+                               }),
+            7);
+  EXPECT_EQ(client.code, QUENRA_STATUS_INTERNAL_ERROR);
+}
+
 TEST(RoutingBoundary, RunSilently_DropsWhateverIsThrown) {
   EXPECT_EQ(runSilently(7, [] { return 8; }), 8);
   EXPECT_EQ(runSilently(7, []() -> int { throw std::bad_alloc(); }), 7);

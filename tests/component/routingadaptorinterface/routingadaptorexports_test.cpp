@@ -1,7 +1,9 @@
 // The routing exports as a client calls them.
 #include <gtest/gtest.h>
 
+#include <new>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -119,6 +121,68 @@ TEST_F(RoutingExports, SessionThatDoesNotExist_CanBeDestroyed) {
   zoroco_ra_quenra_destroySession(nullptr);
   zoroco_ra_quenra_TerminalIterator_destroy(nullptr);
   EXPECT_TRUE(script_.events.empty());
+}
+
+TEST_F(RoutingExports, SessionWhoseWarningCannotBeDescribed_IsDestroyedAgain) {
+  zoroco_ra_quenra_destroySession(session_);
+  session_ = nullptr;
+  script_.events.clear();
+  script_.openCode = 5;
+  zoerr_Status status{0, 0, [](zoerr_Status*, uint32_t) -> bool { throw 5; }, nullptr};
+  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status), nullptr);
+  EXPECT_EQ(status.code, QUENRA_STATUS_INTERNAL_ERROR);
+  EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
+}
+
+// ---- Client functions that throw ----
+
+// Every answer of a session with this reallocation function fails; the buffer stays the client's.
+void expectNoAnswer(zoroco_Reallocate reallocate, tRoutingDeviceScript& script) {
+  tClientStatus ignored;
+  auto* const session = zoroco_ra_quenra_createSession("device", reallocate, &ignored);
+  char buffer[] = "earlier answer";
+  const auto expectInternalError = [&](auto call) {
+    tClientStatus status;
+    char* output = buffer;
+    call(&output, &status);
+    EXPECT_EQ(status.code, QUENRA_STATUS_INTERNAL_ERROR);
+    EXPECT_EQ(descriptionOf(recordOf(status)),
+              R"({"file":"zoarkra\\arkroutingadaptor","line":131,"component":"quenra"})");
+    EXPECT_EQ(output, buffer);
+    EXPECT_STREQ(buffer, "earlier answer");
+  };
+  expectInternalError([&](char** output, zoerr_Status* status) {
+    zoroco_ra_quenra_getHandledConstraints(session, output, status);
+  });
+  expectInternalError([&](char** output, zoerr_Status* status) {
+    EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session, kSeeds, kDestinations, "{}", output, status),
+              0u);
+  });
+  expectInternalError([&](char** output, zoerr_Status* status) {
+    script.router.codes = {QUENRA_STATUS_ROUTE_CONFLICT};
+    zoroco_ra_quenra_reserveRoute(session, 7, output, status);
+  });
+  expectInternalError([&](char** output, zoerr_Status* status) {
+    zoroco_ra_quenra_getRouteTerminalPath(session, 7, output, status);
+  });
+  zoroco_ra_quenra_destroySession(session);
+}
+
+TEST_F(RoutingExports, ReallocationThatThrowsAnything_FailsWithInternalError) {
+  script_.router.value = 77;
+  expectNoAnswer([](char*, size_t, const char*, size_t) -> char* { throw 5; }, script_);
+  expectNoAnswer(
+      [](char*, size_t, const char*, size_t) -> char* { throw std::runtime_error("client"); },
+      script_);
+  expectNoAnswer([](char*, size_t, const char*, size_t) -> char* { throw std::bad_alloc(); },
+                 script_);
+}
+
+TEST_F(RoutingExports, StatusReallocationThatThrows_LeavesTheErrorWithoutADescription) {
+  zoerr_Status status{0, 0, [](zoerr_Status*, uint32_t) -> bool { throw 5; }, nullptr};
+  zoroco_ra_quenra_calculateRoute(session_, "5", kDestinations, "{}", answer_.place(), &status);
+  EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(status.description, nullptr);
 }
 
 // ---- What exports have in common ----

@@ -205,6 +205,41 @@ TEST_F(SessionCreation, CallbackWithMemoryOfItsOwn_ReleasesItItself) {
   EXPECT_EQ(asked, std::vector<uint32_t>{0});
 }
 
+TEST_F(SessionCreation, CallbackWhoseStatusThrowsAtItsRelease_HarmsNothing) {
+  static char buffer[] = "{}\0J";
+  create({&tAnswer::giveRoom,
+          [](void*, int32_t, zoerr_Status* status, void*) {
+            status->description = buffer;
+            status->capacity = sizeof buffer;
+            status->reallocate = [](zoerr_Status*, uint32_t) -> bool {
+              throw std::runtime_error("release");
+            };
+          },
+          nullptr});
+  script_.listener->routeDemoted(nullptr);
+  session_->programRoute(7, status_);
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(SessionCreation, CallbackThatThrowsAndItsStatusToo_HarmsNothing) {
+  static char buffer[] = "{}\0J";
+  static std::vector<uint32_t> released;
+  released.clear();
+  create({&tAnswer::giveRoom,
+          [](void*, int32_t, zoerr_Status* status, void*) {
+            status->description = buffer;
+            status->capacity = sizeof buffer;
+            status->reallocate = [](zoerr_Status*, uint32_t newCapacity) -> bool {
+              released.push_back(newCapacity);
+              throw std::runtime_error("release");
+            };
+            throw std::runtime_error("callback");
+          },
+          nullptr});
+  script_.listener->routeDemoted(nullptr);
+  EXPECT_EQ(released, std::vector<uint32_t>{0});
+}
+
 TEST_F(SessionCreation, CallbackThatThrows_HarmsNothing) {
   create({&tAnswer::giveRoom,
           [](void*, int32_t, zoerr_Status*, void*) { throw std::runtime_error("callback"); },
