@@ -249,7 +249,8 @@ uint32_t zoroco_ra_quenra_calculateRoute(zoroco_RoutingAdaptorSession* session, 
  *         {"sessionId":4,"ticket":7} each; else it is not touched.
  *
  * Reports
- *   QUENRA_STATUS_ROUTE_CONFLICT  other routes hold what the route needs */
+ *   QUENRA_STATUS_ROUTE_CONFLICT  other routes hold what the route needs
+ *   QUENRA_STATUS_MEMORY_FULL     also: the driver reports more than 1024 of them */
 void zoroco_ra_quenra_reserveRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                    char** output, zoerr_Status* status);
 
@@ -272,7 +273,10 @@ void zoroco_ra_quenra_beginExceptionalRouteDestruction(zoroco_RoutingAdaptorSess
                                                        uint64_t reservedToo);
 
 /* Answers the names of the terminals along a route as a JSON array; a terminal that the library
- * does not know is an empty text. */
+ * does not know is an empty text.
+ *
+ * Reports
+ *   QUENRA_STATUS_MEMORY_FULL  also: the driver reports more than 1024 terminals */
 void zoroco_ra_quenra_getRouteTerminalPath(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                            char** output, zoerr_Status* status);
 

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "zoarkra/arkterminaliterator.h"
 #include "zoarkra/driverstatus.h"
 #include "zoarkra/failure.h"
+#include "zoarkra/jsonreader.h"
 #include "zoarkra/resetmode.h"
 #include "zoarkra/routedescriptions.h"
 #include "zoarkra/tclientoutput.h"
@@ -24,8 +24,9 @@ namespace {
 using nZOAPALS100::tStatus;
 
 constexpr auto kNameMissing = adaptorLocation(203, kInvalidParameterConstant);
+constexpr auto kCountImplausible = adaptorLocation(288, kMemoryFullConstant);
 
-// Clients see the codes that are told here under their public names.
+// The public names of the codes that the session reports.
 static_assert(kBadSelector == QUENRA_STATUS_BAD_SELECTOR);
 static_assert(DRIVER_STATUS_ROUTE_CONFLICT == QUENRA_STATUS_ROUTE_CONFLICT);
 static_assert(DRIVER_STATUS_PATH_TOO_LONG == QUENRA_STATUS_PATH_TOO_LONG);
@@ -33,16 +34,18 @@ static_assert(DRIVER_STATUS_PATH_TOO_LONG == QUENRA_STATUS_PATH_TOO_LONG);
 constexpr int32_t kReasonDemoted = 101;
 constexpr uint32_t kFirstConflicts = 8;
 constexpr uint32_t kRoutesPerDestination = 2;
-// No router has as many conflicts or terminals; a larger number is not worth its memory.
-constexpr uint32_t kLargestCount = 1u << 20;
+// The conflicts or terminals that a driver may report: far more than a router has, and so few that one
+// wrong reply costs little, now or later.
+constexpr uint32_t kMaxCount = 1024;
 
-// Room for what a request of 4 KiB for terminals that there are becomes.
+// Memory for the records of a request of 4 KiB.
 using tRequestMemory = tStackMemory<size_t{32} * 1024>;
-// Room for a path or a conflict report of ordinary length.
-using tListMemory = tStackMemory<size_t{2} * 1024>;
+// Memory for a path or a conflict report of ordinary length, also after a path of kMaxCount terminals
+// was reported.
+using tListMemory = tStackMemory<size_t{8} * 1024>;
 
-// For how many terminals getRouteTerminalPath makes room first. An update that is lost costs one
-// more request.
+// The number of terminals for which getRouteTerminalPath first provides a buffer. A lost update costs
+// one more request.
 std::atomic<uint32_t> pathCapacity = 32;
 
 void raisePathCapacity(uint32_t capacity) noexcept {
@@ -56,25 +59,25 @@ uint64_t addressOf(const std::pmr::vector<Record>& records) noexcept {
   return records.empty() ? 0 : reinterpret_cast<uintptr_t>(records.data());
 }
 
-// As the driver takes it; there is no memory for more.
+// Each record takes at least one byte of its document.
+static_assert(kMaxJsonSize <= std::numeric_limits<uint32_t>::max() / kRoutesPerDestination);
+
 template <class Record>
-uint32_t countOf(const std::pmr::vector<Record>& records) {
-  if (records.size() > std::numeric_limits<uint32_t>::max() / kRoutesPerDestination) {
-    throw std::bad_alloc();
-  }
+uint32_t countOf(const std::pmr::vector<Record>& records) noexcept {
   return static_cast<uint32_t>(records.size());
 }
 
-// Makes as many records as the driver says there are; new ones are zero.
+// Resizes to the count that the driver reports; new records are zero. A count beyond kMaxCount fails
+// as a list that does not fit into memory, without an allocation.
 template <class Record>
-void resizeAsTold(std::pmr::vector<Record>& records, uint32_t count) {
-  if (count > kLargestCount) {
-    throw std::bad_alloc();
+void resizeToReportedCount(std::pmr::vector<Record>& records, uint32_t count) {
+  if (count > kMaxCount) {
+    raise(nZOAPALS100::kMemoryFull, kCountImplausible);
   }
   records.resize(count);
 }
 
-// Of the records that there is room for, those that the driver has filled.
+// Drops the records that the driver has not filled. A count beyond the capacity drops none.
 template <class Record>
 void keepFilled(std::pmr::vector<Record>& records, uint32_t count) {
   records.resize(std::min<size_t>(count, records.size()));
@@ -89,13 +92,13 @@ void callClient(Call call) noexcept {
   }
 }
 
-// A step of taking a route down, whose warnings nobody hears.
+// One step of a teardown. It has no status of a caller, so that warnings of the driver are dropped.
 template <class Step>
-void takeDown(Step step) {
+void tearDown(Step step) {
   tStatus driver;
   step(driver);
-  zoerr::tOwnedStatus unheard;
-  takeDriverStatus(driver, unheard);
+  zoerr::tOwnedStatus dropped;
+  takeDriverStatus(driver, dropped);
 }
 
 }  // namespace
@@ -108,7 +111,7 @@ ARKRoutingAdaptorSession::ARKRoutingAdaptorSession(std::unique_ptr<iRoutingDevic
   if (deviceInterfaceName == nullptr) {
     raise(nZOAPALS100::kInvalidParameter, kNameMissing);
   }
-  // One character more than there is room for tells as well as all of them that it is too long.
+  // One character beyond the capacity shows that the name is too long; no more are read.
   deviceInterfaceName_.assign(deviceInterfaceName,
                               strnlen(deviceInterfaceName, deviceInterfaceName_.kMaxSize + 1));
   open(status);
@@ -154,15 +157,14 @@ uint32_t ARKRoutingAdaptorSession::calculateRoute(const tRequestTexts& texts, ch
   tRouteRequest request(memory.resource());
   readRouteRequest(texts, *topography_, request);
 
-  const uint32_t destinationCount = countOf(request.destinations);
-  std::pmr::vector<tRouteRecord> routes(size_t{destinationCount} * kRoutesPerDestination,
+  std::pmr::vector<tRouteRecord> routes(request.destinations.size() * kRoutesPerDestination,
                                         memory.resource());
-  auto routeCount = static_cast<uint32_t>(routes.size());
+  uint32_t routeCount = countOf(routes);
   tStatus driver = statusForDriver(status);
   const uint32_t value = proxy().calculateRoute(
       reinterpret_cast<uintptr_t>(&request.modifiers), addressOf(request.seeds),
-      countOf(request.seeds), addressOf(request.destinations), destinationCount, request.options,
-      addressOf(routes), routeCount, driver);
+      countOf(request.seeds), addressOf(request.destinations), countOf(request.destinations),
+      request.options, addressOf(routes), routeCount, driver);
   takeDriverStatus(driver, status);
 
   keepFilled(routes, routeCount);
@@ -179,7 +181,7 @@ void ARKRoutingAdaptorSession::reserveRoute(uint32_t ticket, char** output, zoer
   tStatus driver = statusForDriver(status);
   proxy().reserveRoute(ticket, addressOf(conflicts), count, driver);
   if (driver.code == DRIVER_STATUS_ROUTE_CONFLICT) {
-    resizeAsTold(conflicts, count);
+    resizeToReportedCount(conflicts, count);
     std::pmr::string text(memory.resource());
     describeConflicts(conflicts, text);
     tClientOutput(reallocate_, output).write(text);
@@ -194,17 +196,17 @@ void ARKRoutingAdaptorSession::programRoute(uint32_t ticket, zoerr::Status& stat
 }
 
 void ARKRoutingAdaptorSession::unprogramRoute(uint32_t ticket, uint64_t, uint64_t) {
-  takeDown([&](tStatus& driver) { proxy().unprogramRoute(ticket, driver); });
+  tearDown([&](tStatus& driver) { proxy().unprogramRoute(ticket, driver); });
 }
 
 void ARKRoutingAdaptorSession::unreserveRoute(uint32_t ticket, uint64_t, uint64_t) {
-  takeDown([&](tStatus& driver) { proxy().unreserveRoute(ticket, driver); });
+  tearDown([&](tStatus& driver) { proxy().unreserveRoute(ticket, driver); });
 }
 
 void ARKRoutingAdaptorSession::beginExceptionalRouteDestruction(uint32_t, uint64_t, uint64_t) {}
 
 void ARKRoutingAdaptorSession::destroyRoute(uint32_t ticket, uint64_t, uint64_t) {
-  takeDown([&](tStatus& driver) { proxy().destroyRoute(ticket, driver); });
+  tearDown([&](tStatus& driver) { proxy().destroyRoute(ticket, driver); });
 }
 
 void ARKRoutingAdaptorSession::getRouteTerminalPath(uint32_t ticket, char** output,
@@ -217,7 +219,7 @@ void ARKRoutingAdaptorSession::getRouteTerminalPath(uint32_t ticket, char** outp
   tStatus driver = statusForDriver(status);
   proxy().getRouteTerminalPath(ticket, addressOf(terminals), count, driver);
   if (driver.code == DRIVER_STATUS_PATH_TOO_LONG) {
-    resizeAsTold(terminals, count);
+    resizeToReportedCount(terminals, count);
     raisePathCapacity(count);
     driver = statusForDriver(status);
     proxy().getRouteTerminalPath(ticket, addressOf(terminals), count, driver);

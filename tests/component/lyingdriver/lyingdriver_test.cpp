@@ -189,7 +189,7 @@ TEST_F(LyingDriver, MoreRoutesThanThereIsRoomFor_AreCutToTheRoom) {
 
 TEST_F(LyingDriver, MoreConflictsThanCanBe_AreShortMemory) {
   openSession();
-  for (const uint32_t count : {0x00100001u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+  for (const uint32_t count : {1025u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
     machine().useDriver(
         answering(REQUEST_RESERVE_ROUTE, tTicketListReply{count, DRIVER_STATUS_ROUTE_CONFLICT}));
     EXPECT_EQ(reserve(), QUENRA_STATUS_MEMORY_FULL) << count;

@@ -170,6 +170,23 @@ TEST_F(Memory, ShortWhileAPathIsFetched_EndsTheFetch) {
   failEveryAllocation([&] { session_->getRouteTerminalPath(7, &output_, status_); });
 }
 
+TEST_F(Memory, PathAfterTheLongest_DoesWithoutTheHeap) {
+  router().path.assign(1024, 4);
+  session_->getRouteTerminalPath(7, &output_, status_);
+  router().path.assign(32, 4);
+  EXPECT_EQ(allocationsOf([&] { session_->getRouteTerminalPath(7, &output_, status_); }), 0u);
+}
+
+TEST_F(Memory, CountBeyondTheLargest_IsRefusedWithoutAList) {
+  router().conflictCountTold = 1025;
+  for (unsigned nth = 1; nth <= 4; ++nth) {
+    router().codes = {-89137};
+    const tAllocationPlan plan(nth);
+    // A list would end in std::bad_alloc; a description that is short of memory is left out.
+    EXPECT_THROW(session_->reserveRoute(7, &output_, status_), zoerr::Exception) << nth;
+  }
+}
+
 TEST_F(Memory, ShortWhileASessionIsMade_LeavesNothing) {
   failEveryAllocation([&] { create({&giveStatic, nullptr, nullptr}); });
   router().topographyName = "other";

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/component/zoarkra/tscriptedroutingdevice.h"
+#include "zoapal/protons/status/exception.h"
 #include "zoarkra/arkroutingadaptorsession.h"
 
 namespace nTests {
@@ -49,6 +50,13 @@ TEST(PathCapacity, BeginsAt32AndGrowsForAllSessions) {
   EXPECT_EQ(first.fetch(40), tCalls{kRoom40});
   tRoutingClient second;
   EXPECT_EQ(second.fetch(1), tCalls{kRoom40});
+}
+
+TEST(PathCapacity, LargestCount_IsRememberedAndALargerOneIsNot) {
+  tRoutingClient client;
+  EXPECT_EQ(client.fetch(1024).back(), "getRouteTerminalPath(7, room 1024)");
+  EXPECT_THROW(client.fetch(1025), zoerr::Exception);
+  EXPECT_EQ(client.fetch(1), tCalls{"getRouteTerminalPath(7, room 1024)"});
 }
 
 TEST(PathCapacity, RaisedByManyThreads_ServesThemAll) {

@@ -1,5 +1,5 @@
 // Routes from their reservation to their end.
-#include <numeric>
+#include <algorithm>
 
 #include "tests/component/zoarkra/sessiontest.h"
 #include "zoarkra/arkterminaliterator.h"
@@ -64,11 +64,17 @@ TEST_F(RouteLife, NineConflicts_EndWithZerosThatTheDriverHasNotFilled) {
   EXPECT_EQ(answer_.text(), "[" + expected + R"({"sessionId":0,"ticket":0}])");
 }
 
-TEST_F(RouteLife, MoreConflictsThanAnyRouterHas_AreShortOfMemory) {
-  router().codes = {-89137};
-  router().conflictCountTold = 4'000'000'000;
-  EXPECT_THROW(session_->reserveRoute(7, answer_.place(), status_), std::bad_alloc);
-  EXPECT_EQ(answer_.text(), "(none)");
+TEST_F(RouteLife, ConflictsOfTheLargestCount_AreReported) {
+  EXPECT_EQ(reserveAgainst({{5, 6, 0}}, 1024), failureOfRouter(-89137));
+  const std::string report = answer_.text();
+  EXPECT_EQ(std::count(report.begin(), report.end(), '{'), 1024);
+}
+
+TEST_F(RouteLife, MoreConflictsThanTheLargestCount_AreShortOfMemory) {
+  for (const uint32_t count : {1025u, 1048576u, 4000000000u}) {
+    EXPECT_EQ(reserveAgainst({{5, 6, 0}}, count), kCountImplausible) << count;
+    EXPECT_EQ(answer_.text(), "(none)");
+  }
 }
 
 TEST_F(RouteLife, ConflictsWithoutRoomForTheReport_AreShortOfMemory) {
@@ -223,11 +229,16 @@ TEST_F(RouteLife, PathLongerThanItsRoomInSpiteOfSuccess_IsCutOff) {
   EXPECT_EQ(answer_.text(), expected + "]");
 }
 
-TEST_F(RouteLife, PathLongerThanAnyRouterHas_IsShortOfMemoryAndForgotten) {
+TEST_F(RouteLife, PathLongerThanTheLargestCount_IsShortOfMemoryAndForgotten) {
   const uint32_t room = pathRoom();
-  router().codes = {-52019};
-  router().pathLengthTold = 4'000'000'000;
-  EXPECT_THROW(getPath(), std::bad_alloc);
+  for (const uint32_t count : {1025u, 1048576u, 4000000000u}) {
+    router().codes = {-52019};
+    router().pathLengthTold = count;
+    router().calls.clear();
+    EXPECT_EQ(failureOf([&] { getPath(); }), kCountImplausible) << count;
+    EXPECT_EQ(calls(), tStrings{pathCall(room)});
+  }
+  router().pathLengthTold = 0;
   EXPECT_EQ(pathRoom(), room);
 }
 

@@ -42,6 +42,9 @@ class SessionTest : public testing::Test {
 inline const tFailure kNoRoom{
     -52000, R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
             R"("line":127,"component":"quenra"})"};
+inline const tFailure kCountImplausible{
+    -52000, R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
+            R"("line":288,"component":"quenra"})"};
 inline const tFailure kNoPlace{
     -52005, R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
             R"("line":118,"component":"quenra"})"};
