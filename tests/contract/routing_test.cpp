@@ -1,12 +1,15 @@
 // Trigger routes through the exports, on the machine's router.
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include "protocol/routingrequests.h"
 #include "quenra_routing.h"
@@ -125,6 +128,54 @@ TEST_F(Routing, LongPath_IsToldWhole) {
   EXPECT_EQ(std::count(path.begin(), path.end(), ','), 999);
 }
 
+// The next requests for a path fail in the transport, which leaves the count untouched.
+void failPathRequests(nSimulator::tSimulatedMachine& machine, uint32_t times) {
+  constexpr uint32_t kInsufficientBuffer = 122;
+  tSimulatorScript script{};
+  script.interfaceKind = kSimulatorInterfaceDevicePath;
+  script.requestCode = REQUEST_GET_ROUTE_TERMINAL_PATH;
+  script.times = times;
+  script.action = kSimulatorActionFail;
+  script.windowsError = kInsufficientBuffer;
+  machine.addScript(script);
+}
+
+// The capacities that requests for a path have offered.
+std::vector<uint32_t> capacitiesOf(const std::vector<tSimulatorLogEntry>& entries) {
+  std::vector<uint32_t> capacities;
+  for (const tSimulatorLogEntry& entry : entries) {
+    tTicketListRequest request;
+    std::memcpy(&request, entry.input, sizeof request);
+    capacities.push_back(request.count);
+  }
+  return capacities;
+}
+
+TEST_F(Routing, PathBufferTooSmallForTheTransport_IsOfferedOnceMore) {
+  tRoutingClient client;
+  const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
+  failPathRequests(machine(), 1);
+  zoroco_ra_quenra_getRouteTerminalPath(client.session, ticket, &client.output, &client.status);
+  EXPECT_EQ(client.status.code, 0) << client.description();
+  EXPECT_EQ(client.answer(), R"(["TRIG_SMB","PXI_Trig0"])");
+  const auto capacities = capacitiesOf(requests(REQUEST_GET_ROUTE_TERMINAL_PATH));
+  ASSERT_EQ(capacities.size(), 2u);
+  EXPECT_EQ(capacities[0], capacities[1]);
+}
+
+TEST_F(Routing, PathBufferTooSmallForTheTransportTwice_FailsWithPathTooLong) {
+  tRoutingClient client;
+  const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
+  const std::string earlier = client.answer();
+  failPathRequests(machine(), 0);
+  zoroco_ra_quenra_getRouteTerminalPath(client.session, ticket, &client.output, &client.status);
+  EXPECT_EQ(client.status.code, QUENRA_STATUS_PATH_TOO_LONG);
+  EXPECT_EQ(client.description(),
+            R"({"file":"tdeviceinterfaceproxy","line":115,"component":"quenra"})");
+  EXPECT_EQ(client.answer(), earlier);
+  EXPECT_EQ(requests(REQUEST_GET_ROUTE_TERMINAL_PATH).size(), 2u);
+}
+
 TEST_F(Routing, StepOutOfItsOrder_IsRefusedByTheDriver) {
   tRoutingClient client;
   const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
@@ -184,6 +235,43 @@ TEST_F(Routing, Demotion_IsToldToTheSessionOfTheRoute) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   EXPECT_EQ(reason, 101);
+}
+
+// The notifications that a callback receives, as long as there are fewer than two.
+struct tNotifications {
+  static void run(void* context, int32_t, zoerr_Status*, void* notification) {
+    auto& self = *static_cast<tNotifications*>(context);
+    if (self.count < 2) {
+      self.received[self.count] = notification;
+    }
+    ++self.count;
+  }
+  [[nodiscard]] bool haveArrived(size_t expected) const {
+    for (int i = 0; count < expected && i < 2000; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return count >= expected;
+  }
+
+  std::array<std::atomic<void*>, 2> received{};
+  std::atomic<size_t> count = 0;
+};
+
+TEST_F(Routing, NotificationOfADemotion_IsThatOfItsSession) {
+  tNotifications first;
+  tNotifications second;
+  tRoutingClient firstClient(&tNotifications::run, &first);
+  tRoutingClient secondClient(&tNotifications::run, &second);
+  tSimulatorNotice notice{};
+  notice.mask = ROUTING_NOTIFICATION_DEMOTED;
+  machine().notify(notice);
+  ASSERT_TRUE(first.haveArrived(1) && second.haveArrived(1));
+  machine().notify(notice);
+  ASSERT_TRUE(first.haveArrived(2) && second.haveArrived(2));
+  EXPECT_NE(first.received[0], nullptr);
+  EXPECT_EQ(first.received[0], first.received[1]);
+  EXPECT_EQ(second.received[0], second.received[1]);
+  EXPECT_NE(first.received[0], second.received[0]);
 }
 
 // What a callback tells the test, and the other way round.

@@ -1,6 +1,7 @@
 // The routing exports as a client calls them.
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <new>
 #include <set>
 #include <stdexcept>
@@ -134,48 +135,58 @@ TEST_F(RoutingExports, SessionWhoseWarningCannotBeDescribed_IsDestroyedAgain) {
   EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
 }
 
-// ---- Client functions that throw ----
+// ---- Client functions that fail ----
 
-// Every answer of a session with this reallocation function fails; the buffer stays the client's.
-void expectNoAnswer(zoroco_Reallocate reallocate, tRoutingDeviceScript& script) {
+// Every answer of a session with this reallocation function fails; the client's pointer and its
+// buffer stay as they were.
+void expectNoAnswer(zoroco_Reallocate reallocate, tRoutingDeviceScript& script, int32_t code,
+                    const char* description) {
   tClientStatus ignored;
   auto* const session = zoroco_ra_quenra_createSession("device", reallocate, &ignored);
   char buffer[] = "earlier answer";
-  const auto expectInternalError = [&](auto call) {
+  const auto expectFailure = [&](auto call) {
     tClientStatus status;
     char* output = buffer;
     call(&output, &status);
-    EXPECT_EQ(status.code, QUENRA_STATUS_INTERNAL_ERROR);
-    EXPECT_EQ(descriptionOf(recordOf(status)),
-              R"({"file":"zoarkra\\arkroutingadaptor","line":131,"component":"quenra"})");
+    EXPECT_EQ(status.code, code);
+    EXPECT_EQ(descriptionOf(recordOf(status)), description);
     EXPECT_EQ(output, buffer);
     EXPECT_STREQ(buffer, "earlier answer");
   };
-  expectInternalError([&](char** output, zoerr_Status* status) {
+  expectFailure([&](char** output, zoerr_Status* status) {
     zoroco_ra_quenra_getHandledConstraints(session, output, status);
   });
-  expectInternalError([&](char** output, zoerr_Status* status) {
+  expectFailure([&](char** output, zoerr_Status* status) {
     EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session, kSeeds, kDestinations, "{}", output, status),
               0u);
   });
-  expectInternalError([&](char** output, zoerr_Status* status) {
+  expectFailure([&](char** output, zoerr_Status* status) {
     script.router.codes = {QUENRA_STATUS_ROUTE_CONFLICT};
     zoroco_ra_quenra_reserveRoute(session, 7, output, status);
   });
-  expectInternalError([&](char** output, zoerr_Status* status) {
+  expectFailure([&](char** output, zoerr_Status* status) {
     zoroco_ra_quenra_getRouteTerminalPath(session, 7, output, status);
   });
   zoroco_ra_quenra_destroySession(session);
 }
 
+TEST_F(RoutingExports, ReallocationThatReturnsNull_FailsWithMemoryFull) {
+  script_.router.value = 77;
+  expectNoAnswer([](char*, size_t, const char*, size_t) -> char* { return nullptr; }, script_,
+                 QUENRA_STATUS_MEMORY_FULL,
+                 R"({"error_constant":"zoapalerr_memoryFull",)"
+                 R"("file":"zoarkra\\arkroutingadaptor","line":127,"component":"quenra"})");
+}
+
 TEST_F(RoutingExports, ReallocationThatThrowsAnything_FailsWithInternalError) {
   script_.router.value = 77;
-  expectNoAnswer([](char*, size_t, const char*, size_t) -> char* { throw 5; }, script_);
-  expectNoAnswer(
-      [](char*, size_t, const char*, size_t) -> char* { throw std::runtime_error("client"); },
-      script_);
-  expectNoAnswer([](char*, size_t, const char*, size_t) -> char* { throw std::bad_alloc(); },
-                 script_);
+  for (const zoroco_Reallocate reallocate : std::initializer_list<zoroco_Reallocate>{
+           [](char*, size_t, const char*, size_t) -> char* { throw 5; },
+           [](char*, size_t, const char*, size_t) -> char* { throw std::runtime_error("client"); },
+           [](char*, size_t, const char*, size_t) -> char* { throw std::bad_alloc(); }}) {
+    expectNoAnswer(reallocate, script_, QUENRA_STATUS_INTERNAL_ERROR,
+                   R"({"file":"zoarkra\\arkroutingadaptor","line":131,"component":"quenra"})");
+  }
 }
 
 TEST_F(RoutingExports, StatusReallocationThatThrows_LeavesTheErrorWithoutADescription) {
