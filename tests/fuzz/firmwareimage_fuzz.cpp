@@ -64,7 +64,7 @@ void checkKernels(const nFirmwareDecoding::tKernels& kernels, std::string_view t
   require(std::equal(decoded.begin(), decoded.end(), data.get(), data.get() + result.byteCount),
           "the decoded bytes");
   require(result.crc == crc, "the CRC");
-  const auto* const found = kernels.findColonOrNul(bytes, bytes + text.size());
+  const auto* const found = kernels.findByteOrNul(bytes, bytes + text.size(), ':');
   require(static_cast<size_t>(found - bytes) ==
               std::min(text.find_first_of(std::string_view(":\0", 2)), text.size()),
           "the first colon or NUL");

@@ -9,8 +9,8 @@
 
 namespace nQUENRA1400 {
 
-// The bytes of an image. Searches end at the first NUL, or where the bytes end; a payload may go on
-// behind a NUL.
+// The bytes of an image. Searches stop at the first NUL, or at the end of the bytes; a payload may
+// continue past a NUL.
 class tImageText {
  public:
   static constexpr size_t kNotFound = SIZE_MAX;
@@ -21,15 +21,19 @@ class tImageText {
   [[nodiscard]] const uint8_t* bytes() const noexcept { return bytes_; }
   [[nodiscard]] size_t size() const noexcept { return size_; }
 
-  // Where a text that ends in two colons first occurs at or after a position. Runs over payloads at
-  // the speed of memory: they have no colons.
-  [[nodiscard]] size_t findKey(std::string_view key, size_t from) const noexcept;
+  // Returns the start of the first occurrence of a pattern in [from, to), or kNotFound. The search
+  // runs from one `pattern[anchor]` to the next at the speed of memory, so a rare byte is a good
+  // anchor.
+  [[nodiscard]] size_t find(std::string_view pattern, size_t from, size_t to = kNotFound,
+                            size_t anchor = 0) const noexcept;
 
-  // Where any text first occurs at or after a position; for the short ways inside a header.
-  [[nodiscard]] size_t find(std::string_view pattern, size_t from) const noexcept;
+  // Returns the position of the first NUL at or after `from`; the size if there is none.
+  [[nodiscard]] size_t findEnd(size_t from) const noexcept;
 
-  // From a position to another one; to the end of the text for kNotFound.
-  [[nodiscard]] std::string_view between(size_t from, size_t to) const noexcept;
+  // Returns the characters in [from, to), which must lie in the image.
+  [[nodiscard]] std::string_view between(size_t from, size_t to) const noexcept {
+    return {characters() + from, to - from};
+  }
 
  private:
   [[nodiscard]] const char* characters() const noexcept {

@@ -14,13 +14,16 @@ constexpr auto kTextEmpty = parserLocation(425);
 constexpr auto kQuoteNotClosed = parserLocation(487);
 
 constexpr std::string_view kLineEnd = "\r\n";
+constexpr size_t kColons = 2;  // at the end of a key
 
 }  // namespace
 
 size_t tSectionHeaders::find(tKey key, size_t from) noexcept {
   tPlace& place = places_[key];
   if (!place.isKnown || place.position < from) {
-    place = {true, text_.findKey(kKeys[key], from)};
+    const std::string_view text = kKeys[key];
+    // Payloads have no colons.
+    place = {true, text_.find(text, from, tImageText::kNotFound, text.size() - kColons)};
   }
   return place.position;
 }
@@ -59,8 +62,10 @@ void tSectionHeaders::readField(tKey key, size_t section, std::string& value,
     status.set(kInvalidImage, kTextMissing);
     return;
   }
+  const size_t begin = start + kKeys[key].size();
+  const size_t lineEnd = text_.find(kLineEnd, start);
   const std::string_view text =
-      text_.between(start + kKeys[key].size(), text_.find(kLineEnd, start));
+      text_.between(begin, lineEnd == tImageText::kNotFound ? text_.findEnd(begin) : lineEnd);
   if (text.empty()) {
     status.set(kInvalidImage, kTextEmpty);
     return;

@@ -280,10 +280,10 @@ tDecodedPayload decode(const uint8_t* text, size_t length, uint8_t* data) noexce
 
 // ---- Search ----
 
-// Zero bytes where a character is a colon or NUL.
-__m256i markColonOrNul(const uint8_t* text) noexcept {
+// Zero where a character is NUL or the byte that fills `wanted`.
+__m256i loadMarks(const uint8_t* text, __m256i wanted) noexcept {
   const __m256i characters = load256(text);
-  return _mm256_min_epu8(characters, _mm256_xor_si256(characters, _mm256_set1_epi8(':')));
+  return _mm256_min_epu8(characters, _mm256_xor_si256(characters, wanted));
 }
 
 uint32_t zeroBytes(__m256i bytes) noexcept {
@@ -291,29 +291,31 @@ uint32_t zeroBytes(__m256i bytes) noexcept {
       _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes, _mm256_setzero_si256())));
 }
 
-const uint8_t* findColonOrNul(const uint8_t* text, const uint8_t* end) noexcept {
+const uint8_t* findByteOrNul(const uint8_t* text, const uint8_t* end, uint8_t byte) noexcept {
   constexpr ptrdiff_t kVector = 32;
+  const __m256i wanted = _mm256_set1_epi8(static_cast<char>(byte));
   for (; end - text >= 4 * kVector; text += 4 * kVector) {
     _mm_prefetch(reinterpret_cast<const char*>(text) + kPrefetch, _MM_HINT_T0);
     _mm_prefetch(reinterpret_cast<const char*>(text) + kPrefetch + 64, _MM_HINT_T0);
-    const __m256i marks01 = _mm256_min_epu8(markColonOrNul(text), markColonOrNul(text + kVector));
-    const __m256i marks23 =
-        _mm256_min_epu8(markColonOrNul(text + 2 * kVector), markColonOrNul(text + 3 * kVector));
+    const __m256i marks01 =
+        _mm256_min_epu8(loadMarks(text, wanted), loadMarks(text + kVector, wanted));
+    const __m256i marks23 = _mm256_min_epu8(loadMarks(text + 2 * kVector, wanted),
+                                            loadMarks(text + 3 * kVector, wanted));
     if (zeroBytes(_mm256_min_epu8(marks01, marks23)) != 0) {
       break;
     }
   }
   for (; end - text >= kVector; text += kVector) {
-    const uint32_t found = zeroBytes(markColonOrNul(text));
+    const uint32_t found = zeroBytes(loadMarks(text, wanted));
     if (found != 0) {
       return text + __builtin_ctz(found);
     }
   }
-  return kPlainKernels.findColonOrNul(text, end);
+  return kPlainKernels.findByteOrNul(text, end, byte);
 }
 
 }  // namespace
 
-const tKernels kAvx2Kernels{"AVX2", &decode, &findColonOrNul};
+const tKernels kAvx2Kernels{"AVX2", &decode, &findByteOrNul};
 
 }  // namespace nQUENRA1400::nFirmwareDecoding

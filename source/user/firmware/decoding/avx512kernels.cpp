@@ -212,35 +212,37 @@ tDecodedPayload decode(const uint8_t* text, size_t length, uint8_t* data) noexce
 
 // ---- Search ----
 
-__m512i loadMarks(const uint8_t* text) noexcept {
+// Zero where a character is NUL or the byte that fills `wanted`.
+__m512i loadMarks(const uint8_t* text, __m512i wanted) noexcept {
   const __m512i characters = load(text);
-  return _mm512_min_epu8(characters, _mm512_xor_si512(characters, _mm512_set1_epi8(':')));
+  return _mm512_min_epu8(characters, _mm512_xor_si512(characters, wanted));
 }
 
 uint64_t zeroBytes(__m512i bytes) noexcept {
   return _cvtmask64_u64(_mm512_testn_epi8_mask(bytes, bytes));
 }
 
-const uint8_t* findColonOrNul(const uint8_t* text, const uint8_t* end) noexcept {
+const uint8_t* findByteOrNul(const uint8_t* text, const uint8_t* end, uint8_t byte) noexcept {
   constexpr ptrdiff_t kStep = kRegister;
+  const __m512i wanted = _mm512_set1_epi8(static_cast<char>(byte));
   for (; end - text >= 2 * kStep; text += 2 * kStep) {
     _mm_prefetch(reinterpret_cast<const char*>(text) + kPrefetch, _MM_HINT_T0);
     _mm_prefetch(reinterpret_cast<const char*>(text) + kPrefetch + kStep, _MM_HINT_T0);
-    if (zeroBytes(_mm512_min_epu8(loadMarks(text), loadMarks(text + kStep))) != 0) {
+    if (zeroBytes(_mm512_min_epu8(loadMarks(text, wanted), loadMarks(text + kStep, wanted))) != 0) {
       break;
     }
   }
   for (; end - text >= kStep; text += kStep) {
-    const uint64_t found = zeroBytes(loadMarks(text));
+    const uint64_t found = zeroBytes(loadMarks(text, wanted));
     if (found != 0) {
       return text + __builtin_ctzll(found);
     }
   }
-  return kPlainKernels.findColonOrNul(text, end);
+  return kPlainKernels.findByteOrNul(text, end, byte);
 }
 
 }  // namespace
 
-const tKernels kAvx512Kernels{"AVX-512", &decode, &findColonOrNul};
+const tKernels kAvx512Kernels{"AVX-512", &decode, &findByteOrNul};
 
 }  // namespace nQUENRA1400::nFirmwareDecoding

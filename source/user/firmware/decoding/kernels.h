@@ -21,8 +21,8 @@ struct tKernels {
   // bytes, of which those behind the decoded ones may be changed.
   tDecodedPayload (*decode)(const uint8_t* text, size_t length, uint8_t* data) noexcept;
 
-  // The first ':' or NUL of a text, or its end.
-  const uint8_t* (*findColonOrNul)(const uint8_t* text, const uint8_t* end) noexcept;
+  // Returns the first occurrence of a byte or of NUL, whichever comes first, or `end`.
+  const uint8_t* (*findByteOrNul)(const uint8_t* text, const uint8_t* end, uint8_t byte) noexcept;
 };
 
 extern const tKernels kPlainKernels;

@@ -159,20 +159,21 @@ constexpr uint64_t zeroBytes(uint64_t word) noexcept {
   return (word - everyByte(0x01)) & ~word & everyByte(0x80);
 }
 
-const uint8_t* findColonOrNul(const uint8_t* text, const uint8_t* end) noexcept {
+const uint8_t* findByteOrNul(const uint8_t* text, const uint8_t* end, uint8_t byte) noexcept {
+  const uint64_t bytes = everyByte(byte);
   for (; end - text >= static_cast<ptrdiff_t>(sizeof(uint64_t)); text += sizeof(uint64_t)) {
     uint64_t word = 0;
     std::memcpy(&word, text, sizeof word);
-    const uint64_t found = zeroBytes(word) | zeroBytes(word ^ everyByte(':'));
+    const uint64_t found = zeroBytes(word) | zeroBytes(word ^ bytes);
     if (found != 0) {
       return text + std::countr_zero(found) / 8;
     }
   }
-  return std::find_if(text, end, [](uint8_t c) { return c == ':' || c == 0; });
+  return std::find_if(text, end, [byte](uint8_t c) { return c == byte || c == 0; });
 }
 
 }  // namespace
 
-const tKernels kPlainKernels{"plain", &decode, &findColonOrNul};
+const tKernels kPlainKernels{"plain", &decode, &findByteOrNul};
 
 }  // namespace nQUENRA1400::nFirmwareDecoding

@@ -177,31 +177,44 @@ TEST_P(Kernels, CrcOfAMillionBytes_IsThatOfThePlainRule) {
   expectAsPlain(encodeBase64(firmwareBytes(1000003), 76));
 }
 
-TEST_P(Kernels, Search_FindsTheFirstColonOrNul) {
-  EXPECT_EQ(kernels().findColonOrNul(nullptr, nullptr), nullptr);
+TEST_P(Kernels, Search_FindsTheFirstByteOrNul) {
+  EXPECT_EQ(kernels().findByteOrNul(nullptr, nullptr, ':'), nullptr);
   for (size_t length = 0; length < 700; length += 1 + upTo(3)) {
     const std::string clean = cleanText(length);
     const size_t offset = upTo(63);
     const tExactText without(clean, offset);
-    ASSERT_EQ(kernels().findColonOrNul(without.begin(), without.end()), without.end());
+    ASSERT_EQ(kernels().findByteOrNul(without.begin(), without.end(), ':'), without.end());
     for (int hits = 0; hits < 4 && length > 0; ++hits) {
       const size_t place = upTo(length - 1);
       std::string text = clean;
       text[place] = hits % 2 == 0 ? ':' : '\0';
       text[place + upTo(length - 1 - place)] = hits % 3 == 0 ? '\0' : ':';
       const tExactText exact(text, offset);
-      const uint8_t* const found = kernels().findColonOrNul(exact.begin(), exact.end());
+      const uint8_t* const found = kernels().findByteOrNul(exact.begin(), exact.end(), ':');
       ASSERT_EQ(found - exact.begin(), static_cast<ptrdiff_t>(text.find_first_of({":\0", 2})));
     }
   }
 }
 
-TEST_P(Kernels, Search_TakesNoOtherByteForAColonOrNul) {
-  for (unsigned value = 1; value < 256; ++value) {
-    if (value != ':') {
+TEST_P(Kernels, Search_ForAnyByte_SkipsEveryOther) {
+  for (unsigned wanted = 0; wanted < 256; ++wanted) {
+    const auto byte = static_cast<uint8_t>(wanted);
+    for (unsigned value = 1; value < 256; ++value) {
       const tExactText text(std::string(300, static_cast<char>(value)));
-      ASSERT_EQ(kernels().findColonOrNul(text.begin(), text.end()), text.end()) << value;
+      ASSERT_EQ(kernels().findByteOrNul(text.begin(), text.end(), byte),
+                value == wanted ? text.begin() : text.end())
+          << value << " while searching for " << wanted;
     }
+  }
+}
+
+TEST_P(Kernels, Search_ForNul_FindsTheFirst) {
+  std::string text = cleanText(300);
+  for (size_t place = text.size(); place-- > 0;) {
+    text[place] = '\0';
+    const tExactText exact(text);
+    ASSERT_EQ(kernels().findByteOrNul(exact.begin(), exact.end(), '\0') - exact.begin(),
+              static_cast<ptrdiff_t>(place));
   }
 }
 
