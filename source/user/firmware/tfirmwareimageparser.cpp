@@ -85,11 +85,12 @@ tByteBuffer decodePayload(std::span<const uint8_t> text, const tSectionHeader& h
 void addRecord(tFirmwarePayloads& records, tSectionHeader header, tByteBuffer data) {
   const bool goesFirst = header.isBiosWith(kFirmwareUpdate) ||
                          header.targetFileName.find(kDriverPackage) != std::string::npos;
-  const auto added = records.insert(goesFirst ? records.begin() : records.end(),
-                                    {nullptr, header.byteCount, std::move(header.targetDevice),
-                                     std::move(header.version), std::move(header.targetFileName)});
-  // Only now: what is in the list is the caller's.
-  added->data = data.release();
+  tFirmwarePayload record{nullptr, header.byteCount, std::move(header.targetDevice),
+                          std::move(header.version), std::move(header.targetFileName)};
+  tFirmwarePayload& added = goesFirst ? records.emplace_front(std::move(record))
+                                      : records.emplace_back(std::move(record));
+  // Only a record that is in the list can hand its data to the caller.
+  added.data = data.release();
 }
 
 void parseSections(tFirmwarePayloads& records, const tImageText& text, const tKernels& kernels,

@@ -3,13 +3,13 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <deque>
 #include <string>
-#include <vector>
 
 namespace nQUENRA1400 {
 
-// One section of a firmware image. `data` is memory of the C heap that lives on when the record ends:
-// whoever holds the list frees it, on every path, before the list goes.
+// One section of a firmware image. The record owns its texts but not `data`, which is memory of the C
+// heap: the owner of the list calls freePayloads before it destroys the list, on every path.
 struct tFirmwarePayload {
   uint8_t* data = nullptr;
   uint32_t byteCount = 0;
@@ -18,9 +18,10 @@ struct tFirmwarePayload {
   std::string targetFileName;  // empty when the section writes no file
 };
 
-using tFirmwarePayloads = std::vector<tFirmwarePayload>;
+// Records are added at both ends.
+using tFirmwarePayloads = std::deque<tFirmwarePayload>;
 
-// Frees what the records own; the records stay.
+// Frees the data of all records; the records stay.
 inline void freePayloads(tFirmwarePayloads& payloads) noexcept {
   for (tFirmwarePayload& payload : payloads) {
     std::free(payload.data);

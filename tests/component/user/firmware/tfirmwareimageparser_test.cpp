@@ -244,6 +244,15 @@ TEST_F(Parser, BiosFirmwareAndDriverPackages_AreReversedTogether) {
   EXPECT_THAT(versions(), ElementsAre("5", "4", "2", "1", "3"));
 }
 
+TEST_F(Parser, RecordsAddedAtEitherEnd_LeaveTheOthersInTheirPlaces) {
+  ASSERT_EQ(parse({tFirmwareSection("MARTEN").version("first")}), kSuccess);
+  const auto* const first = &records.front();
+  ASSERT_EQ(parse(std::vector<tFirmwareSection>(100, tFirmwareSection("BIOS"))), kSuccess);
+  ASSERT_EQ(parse(std::vector<tFirmwareSection>(100, tFirmwareSection("MARTEN"))), kSuccess);
+  ASSERT_EQ(records.size(), 201u);
+  EXPECT_EQ(&records[100], first) << "moving all records for each new one costs their number";
+}
+
 TEST_F(Parser, SectionsWithoutCapsuleOfTheBios_HaveNoFileName) {
   EXPECT_EQ(parse({tFirmwareSection("MARTEN").with("TargetFileName", "a.inf"),
                    tFirmwareSection("SAFEMODE", "CapsuleUpdate").with("TargetFileName", "b.inf"),
