@@ -4,10 +4,12 @@
 #include <charconv>
 #include <system_error>
 
+#include "source/user/firmware/timagetext.h"
+
 namespace nQUENRA1400 {
 namespace {
 
-// From here on only digits count: neither blanks nor signs.
+// Accepts digits only: neither blanks nor a sign.
 uint32_t magnitudeOf(std::string_view digits, int base, bool isNegative) noexcept {
   uint32_t value = 0;
   const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
@@ -32,16 +34,15 @@ uint32_t numberOf(std::string_view text) noexcept {
   return magnitudeOf(text, 10, isNegative);
 }
 
-std::optional<std::string_view> withoutQuotes(std::string_view text) noexcept {
-  const size_t opening = text.find('"');
-  if (opening == std::string_view::npos) {
-    return text;
+std::optional<tTextRange> withoutQuotes(tTextRange value, size_t firstQuote,
+                                        size_t secondQuote) noexcept {
+  if (firstQuote == tImageText::kNotFound) {
+    return value;
   }
-  const size_t closing = text.find('"', opening + 1);
-  if (closing == std::string_view::npos) {
+  if (secondQuote == tImageText::kNotFound) {
     return std::nullopt;
   }
-  return closing + 1 == text.size() ? text.substr(opening + 1, closing - opening - 1) : text;
+  return secondQuote + 1 == value.end ? tTextRange{firstQuote + 1, secondQuote} : value;
 }
 
 }  // namespace nQUENRA1400

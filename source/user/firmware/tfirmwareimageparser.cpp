@@ -30,7 +30,6 @@ constexpr std::string_view kFirmwareUpdate = "FWUpdate";
 constexpr std::string_view kTargetMarten = "MARTEN";
 constexpr std::string_view kTargetSafeMode = "SAFEMODE";
 constexpr std::string_view kHeaderEnd = "\r\n\r\n";
-constexpr std::string_view kDriverPackage = ".inf";
 
 void checkHeader(const tSectionHeader& header, Status& status) noexcept {
   if (header.headerVersion != kHeaderVersion) {
@@ -43,13 +42,14 @@ void checkHeader(const tSectionHeader& header, Status& status) noexcept {
   }
 }
 
-// The Base64 text of a section. Its ends are computed in 32 bits, which is part of the format: where
-// no empty line ends the header, the payload begins with the image's fourth byte. Where the empty
-// line belongs to a later section, or an image exceeds 32 bits, no such text is in the image; then
-// it is reported as what it looks like, a payload too large for the memory.
-std::span<const uint8_t> payloadText(const tImageText& text, size_t section, size_t nextSection,
+// Returns the Base64 text of the section between a header end and the next section. Its ends are computed
+// in 32 bits, which is part of the format: without an empty line that ends the header, the payload
+// begins with the fourth byte of the image. When the empty line belongs to a later section, or the
+// image exceeds 32 bits, that text is longer than the image; this is reported as a payload that is too
+// large for the memory.
+std::span<const uint8_t> payloadText(const tImageText& text, size_t headerEnd, size_t nextSection,
                                      Status& status) noexcept {
-  const auto separator = static_cast<uint32_t>(text.find(kHeaderEnd, section));
+  const auto separator = static_cast<uint32_t>(headerEnd);
   const auto start = static_cast<uint32_t>(separator + kHeaderEnd.size());
   const auto end = static_cast<uint32_t>(nextSection == tImageText::kNotFound ? text.size()  //
                                                                               : nextSection);
@@ -61,7 +61,7 @@ std::span<const uint8_t> payloadText(const tImageText& text, size_t section, siz
   return {text.bytes() + start, length};
 }
 
-// The decoded bytes, checked against the header; null together with an error.
+// Returns the decoded bytes, checked against the header; null with an error in the status.
 tByteBuffer decodePayload(std::span<const uint8_t> text, const tSectionHeader& header,
                           const tKernels& kernels, Status& status) noexcept {
   nZOAPALS100::tStatus allocating;
@@ -82,13 +82,12 @@ tByteBuffer decodePayload(std::span<const uint8_t> text, const tSectionHeader& h
   return data;
 }
 
-void addRecord(tFirmwarePayloads& records, tSectionHeader header, tByteBuffer data) {
-  const bool goesFirst = header.isBiosWith(kFirmwareUpdate) ||
-                         header.targetFileName.find(kDriverPackage) != std::string::npos;
-  tFirmwarePayload record{nullptr, header.byteCount, std::move(header.targetDevice),
-                          std::move(header.version), std::move(header.targetFileName)};
-  tFirmwarePayload& added = goesFirst ? records.emplace_front(std::move(record))
-                                      : records.emplace_back(std::move(record));
+void addRecord(tFirmwarePayloads& records, const tSectionHeader& header, tByteBuffer data) {
+  const tFirmwarePayload record{nullptr, header.byteCount, header.targetDevice, header.version,
+                                header.targetFileName};
+  const bool goesFirst = header.isBiosWith(kFirmwareUpdate) || header.isDriverPackage;
+  tFirmwarePayload& added =
+      goesFirst ? records.emplace_front(record) : records.emplace_back(record);
   // Only a record that is in the list can hand its data to the caller.
   added.data = data.release();
 }
@@ -96,15 +95,16 @@ void addRecord(tFirmwarePayloads& records, tSectionHeader header, tByteBuffer da
 void parseSections(tFirmwarePayloads& records, const tImageText& text, const tKernels& kernels,
                    Status& status) {
   tSectionHeaders headers(text);
+  tForwardSearch headerEnd(kHeaderEnd);
   size_t section = headers.findSection(0);
   while (section != tImageText::kNotFound) {
-    tSectionHeader header = headers.read(section, status);
+    const tSectionHeader header = headers.read(section, status);
     checkHeader(header, status);
     if (status.isError()) {
       return;
     }
     const size_t nextSection = headers.findSection(section + 1);
-    const auto payload = payloadText(text, section, nextSection, status);
+    const auto payload = payloadText(text, headerEnd.find(text, section), nextSection, status);
     if (status.isError()) {
       return;
     }
@@ -112,7 +112,7 @@ void parseSections(tFirmwarePayloads& records, const tImageText& text, const tKe
     if (status.isError()) {
       return;
     }
-    addRecord(records, std::move(header), std::move(data));
+    addRecord(records, header, std::move(data));
     section = nextSection;
   }
 }

@@ -1,6 +1,5 @@
 #include "source/user/firmware/tsectionheaders.h"
 
-#include "source/user/firmware/fieldvalues.h"
 #include "source/user/firmware/parserlocation.h"
 #include "source/user/statuscodes.h"
 
@@ -13,81 +12,94 @@ constexpr auto kTextMissing = parserLocation(409);
 constexpr auto kTextEmpty = parserLocation(425);
 constexpr auto kQuoteNotClosed = parserLocation(487);
 
-constexpr std::string_view kLineEnd = "\r\n";
-constexpr size_t kColons = 2;  // at the end of a key
+constexpr auto kNotFound = tImageText::kNotFound;
 
 }  // namespace
 
-size_t tSectionHeaders::find(tKey key, size_t from) noexcept {
-  tPlace& place = places_[key];
-  if (!place.isKnown || place.position < from) {
-    const std::string_view text = kKeys[key];
-    // Payloads have no colons.
-    place = {true, text_.find(text, from, tImageText::kNotFound, text.size() - kColons)};
-  }
-  return place.position;
-}
-
 size_t tSectionHeaders::findSection(size_t from) noexcept {
-  return find(keyHeaderVersion, from);
+  return headerVersion_.key.find(text_, from);
 }
 
-void tSectionHeaders::readField(tKey key, size_t section, uint32_t& value, zoerr::Status& status) {
+size_t tSectionHeaders::textEnd(size_t from) noexcept {
+  if (textEnd_ == kNotFound) {
+    textEnd_ = text_.findEnd(from);
+  }
+  return textEnd_;
+}
+
+void tSectionHeaders::readNumber(tNumber& field, size_t section, uint32_t& value,
+                                 zoerr::Status& status) noexcept {
   if (status.isError()) {
     return;
   }
-  const size_t start = find(key, section);
-  const size_t end =
-      start == tImageText::kNotFound ? tImageText::kNotFound : text_.find(kLineEnd, start);
-  if (end == tImageText::kNotFound) {
-    // Without both its ends the value would be larger than any memory.
+  const size_t start = field.key.find(text_, section);
+  const size_t end = start == kNotFound ? kNotFound : field.lineEnd.find(text_, start);
+  if (end == kNotFound) {
+    // A value without one of its ends would be larger than any memory.
     status.set(kOutOfMemory, kNumberNotDelimited);
     return;
   }
-  const std::string_view text = text_.between(start + kKeys[key].size(), end);
+  const std::string_view text = text_.between(start + field.name.size(), end);
   if (text.empty()) {
     status.set(kInvalidImage, kNumberEmpty);
     return;
   }
-  value = numberOf(text);
+  if (field.position != start) {
+    field.position = start;
+    field.value = numberOf(text);
+  }
+  value = field.value;
 }
 
-void tSectionHeaders::readField(tKey key, size_t section, std::string& value,
-                                zoerr::Status& status) {
-  if (status.isError()) {
-    return;
-  }
-  const size_t start = find(key, section);
-  if (start == tImageText::kNotFound) {
+tTextRange tSectionHeaders::findText(tText& field, size_t section, zoerr::Status& status) noexcept {
+  const size_t start = field.key.find(text_, section);
+  if (start == kNotFound) {
     status.set(kInvalidImage, kTextMissing);
-    return;
+    return {};
   }
-  const size_t begin = start + kKeys[key].size();
-  const size_t lineEnd = text_.find(kLineEnd, start);
-  const std::string_view text =
-      text_.between(begin, lineEnd == tImageText::kNotFound ? text_.findEnd(begin) : lineEnd);
-  if (text.empty()) {
+  tTextRange value{start + field.name.size(), field.lineEnd.find(text_, start)};
+  if (value.end == kNotFound) {
+    value.end = textEnd(value.begin);
+  }
+  if (value.isEmpty()) {
     status.set(kInvalidImage, kTextEmpty);
-    return;
+    return {};
   }
-  if (const auto unquoted = withoutQuotes(text)) {
-    value = *unquoted;
-  } else {
-    status.set(kInvalidImage, kQuoteNotClosed);
+  const size_t first = field.firstQuote.find(text_, value.begin, value.end);
+  const size_t second =
+      first == kNotFound ? kNotFound : field.secondQuote.find(text_, first + 1, value.end);
+  if (const auto unquoted = withoutQuotes(value, first, second)) {
+    return *unquoted;
   }
+  status.set(kInvalidImage, kQuoteNotClosed);
+  return {};
+}
+
+tTextRange tSectionHeaders::readText(tText& field, size_t section, std::string& value,
+                                     zoerr::Status& status) {
+  if (status.isError()) {
+    return {};
+  }
+  const tTextRange range = findText(field, section, status);
+  if (status.isError()) {
+    return {};
+  }
+  value = text_.between(range.begin, range.end);
+  return range;
 }
 
 tSectionHeader tSectionHeaders::read(size_t section, zoerr::Status& status) {
   tSectionHeader header;
-  readField(keyHeaderVersion, section, header.headerVersion, status);
-  readField(keyUpdateType, section, header.updateType, status);
-  readField(keyVersion, section, header.version, status);
-  readField(keyTargetDevice, section, header.targetDevice, status);
+  readNumber(headerVersion_, section, header.headerVersion, status);
+  readText(updateType_, section, header.updateType, status);
+  readText(version_, section, header.version, status);
+  readText(targetDevice_, section, header.targetDevice, status);
   if (header.isBiosWith(kCapsuleUpdate)) {
-    readField(keyTargetFileName, section, header.targetFileName, status);
+    const tTextRange name = readText(targetFileName_, section, header.targetFileName, status);
+    header.isDriverPackage = driverPackage_.find(text_, name.begin, name.end) != kNotFound;
   }
-  readField(keyCrc, section, header.crc, status);
-  readField(keyByteCount, section, header.byteCount, status);
+  readNumber(crc_, section, header.crc, status);
+  readNumber(byteCount_, section, header.byteCount, status);
   return header;
 }
 

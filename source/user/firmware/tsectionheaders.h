@@ -1,12 +1,13 @@
 #ifndef SOURCE_USER_FIRMWARE_TSECTIONHEADERS_H
 #define SOURCE_USER_FIRMWARE_TSECTIONHEADERS_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "source/user/firmware/fieldvalues.h"
+#include "source/user/firmware/tforwardsearch.h"
 #include "source/user/firmware/timagetext.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
@@ -15,13 +16,14 @@ namespace nQUENRA1400 {
 inline constexpr std::string_view kTargetBios = "BIOS";
 inline constexpr std::string_view kCapsuleUpdate = "CapsuleUpdate";
 
-// What a section tells about itself. A field that cannot be read stays 0 or empty.
+// The fields of a section's header. A field that cannot be read is 0 or empty.
 struct tSectionHeader {
   uint32_t headerVersion = 0;
   std::string updateType;
   std::string version;
   std::string targetDevice;
-  std::string targetFileName;  // read for a BIOS capsule only
+  std::string targetFileName;    // read for a BIOS capsule only
+  bool isDriverPackage = false;  // ".inf" occurs in the file name
   uint32_t crc = 0;
   uint32_t byteCount = 0;
 
@@ -30,48 +32,65 @@ struct tSectionHeader {
   }
 };
 
-// Reads the headers of an image, section by section, in the order in which they come.
+// Reads the headers of an image, section by section, in the order of the image.
+//
+// A section takes a key that it lacks from a later one, so thousands of sections can share a key and a
+// long line can have thousands of keys. Every search and every number is therefore remembered: all
+// headers together read the image a fixed number of times.
 class tSectionHeaders {
  public:
   explicit tSectionHeaders(const tImageText& text) noexcept : text_(text) {}
 
-  // The first section at or after a position, or tImageText::kNotFound. Positions may not decrease
-  // from call to call, those given to read() included.
+  // Returns the start of the first section at or after a position, or tImageText::kNotFound. Positions
+  // must not decrease from call to call, including those passed to read().
   [[nodiscard]] size_t findSection(size_t from) noexcept;
 
-  // The header of the section that starts at a position. Reports the first field that cannot be read.
+  // Reads the header of the section that starts at a position. Reports the first field that cannot be
+  // read. Throws std::bad_alloc.
   [[nodiscard]] tSectionHeader read(size_t section, zoerr::Status& status);
 
  private:
-  enum tKey {
-    keyHeaderVersion,
-    keyUpdateType,
-    keyVersion,
-    keyTargetDevice,
-    keyTargetFileName,
-    keyCrc,
-    keyByteCount,
-    keyCount,
+  struct tField {
+    // A key ends in two colons. Payloads have none, so a search for the first of them passes a payload
+    // at the speed of memory.
+    explicit constexpr tField(std::string_view fieldName) noexcept
+        : name(fieldName), key(fieldName, fieldName.size() - 2) {}
+
+    std::string_view name;
+    tForwardSearch key;
+    tForwardSearch lineEnd{"\r\n"};
   };
-  static constexpr std::array<std::string_view, keyCount> kKeys = {
-      "HeaderVersion::", "UpdateType::",
-      "\nVersion::",  // with the line feed, because HeaderVersion ends in it too
-      "TargetDevice::",  "TargetFileName::", "CRC::", "ByteCount::",
+  struct tNumber : tField {
+    using tField::tField;
+
+    size_t position = tImageText::kNotFound;  // of the key whose value is known
+    uint32_t value = 0;
+  };
+  struct tText : tField {
+    using tField::tField;
+
+    tForwardSearch firstQuote{"\""};
+    tForwardSearch secondQuote{"\""};
   };
 
-  struct tPlace {
-    bool isKnown = false;
-    size_t position = 0;
-  };
+  // Both report why they cannot read the field, and do nothing when the status holds an error.
+  void readNumber(tNumber& field, size_t section, uint32_t& value, zoerr::Status& status) noexcept;
+  tTextRange readText(tText& field, size_t section, std::string& value, zoerr::Status& status);
 
-  [[nodiscard]] size_t find(tKey key, size_t from) noexcept;
-  void readField(tKey key, size_t section, uint32_t& value, zoerr::Status& status);
-  void readField(tKey key, size_t section, std::string& value, zoerr::Status& status);
+  // Returns the value of a text field without its quotes.
+  [[nodiscard]] tTextRange findText(tText& field, size_t section, zoerr::Status& status) noexcept;
+  [[nodiscard]] size_t textEnd(size_t from) noexcept;
 
   const tImageText& text_;
-  // A key that a section lacks is taken from a later one. That place is kept: were it searched for
-  // in each section anew, an image could be made that takes hours.
-  std::array<tPlace, keyCount> places_;
+  size_t textEnd_ = tImageText::kNotFound;
+  tNumber headerVersion_{"HeaderVersion::"};
+  tText updateType_{"UpdateType::"};
+  tText version_{"\nVersion::"};  // with the line feed: HeaderVersion has the same ending
+  tText targetDevice_{"TargetDevice::"};
+  tText targetFileName_{"TargetFileName::"};
+  tForwardSearch driverPackage_{".inf"};
+  tNumber crc_{"CRC::"};
+  tNumber byteCount_{"ByteCount::"};
 };
 
 }  // namespace nQUENRA1400

@@ -17,7 +17,6 @@ using nQUENRA1400::tSectionHeaders;
 using nQUENRA1400::nFirmwareDecoding::bestKernels;
 
 constexpr std::string_view kHeaderEnd = "\r\n\r\n";
-constexpr std::string_view kDriverPackage = ".inf";
 
 // The records of a run of the parser, which are freed here.
 class tParserRun {
@@ -93,8 +92,7 @@ void decode(tImageSection& section, const tImageText& text, size_t end) {
 }
 
 bool goesFirst(const tImageSection& section) {
-  return section.header.isBiosWith("FWUpdate") ||
-         section.header.targetFileName.find(kDriverPackage) != std::string::npos;
+  return section.header.isBiosWith("FWUpdate") || section.header.isDriverPackage;
 }
 
 void setOrder(std::vector<tImageSection>& sections) {

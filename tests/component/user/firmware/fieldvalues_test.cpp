@@ -6,7 +6,23 @@ namespace nTests {
 namespace {
 
 using nQUENRA1400::numberOf;
-using nQUENRA1400::withoutQuotes;
+using nQUENRA1400::tTextRange;
+
+// Applies the rule to a text that lies anywhere in an image.
+std::optional<std::string_view> withoutQuotes(std::string_view text) {
+  constexpr size_t kStart = 1000;
+  const size_t first = text.find('"');
+  const size_t second = first == text.npos ? text.npos : text.find('"', first + 1);
+  const auto inImage = [](size_t place) {
+    return place == std::string_view::npos ? place : kStart + place;
+  };
+  const std::optional<tTextRange> range =
+      nQUENRA1400::withoutQuotes({kStart, kStart + text.size()}, inImage(first), inImage(second));
+  if (!range) {
+    return std::nullopt;
+  }
+  return text.substr(range->begin - kStart, range->end - range->begin);
+}
 
 TEST(FieldNumber, IsReadAsCReadsUnsignedNumbersOf32Bits) {
   const struct {
