@@ -14,6 +14,9 @@ struct tTextRange {
   size_t end = 0;
 
   [[nodiscard]] bool isEmpty() const noexcept { return begin == end; }
+  [[nodiscard]] bool contains(const tTextRange& other) const noexcept {
+    return begin <= other.begin && other.end <= end;
+  }
   bool operator==(const tTextRange&) const = default;
 };
 

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <deque>
-#include <string>
+
+#include "source/user/firmware/tsharedtext.h"
 
 namespace nQUENRA1400 {
 
@@ -13,9 +14,9 @@ namespace nQUENRA1400 {
 struct tFirmwarePayload {
   uint8_t* data = nullptr;
   uint32_t byteCount = 0;
-  std::string targetDevice;
-  std::string version;
-  std::string targetFileName;  // empty when the section writes no file
+  tSharedText targetDevice;
+  tSharedText version;
+  tSharedText targetFileName;  // empty when the section writes no file
 };
 
 // Records are added at both ends.

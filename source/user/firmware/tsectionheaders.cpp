@@ -75,7 +75,7 @@ tTextRange tSectionHeaders::findText(tText& field, size_t section, zoerr::Status
   return {};
 }
 
-tTextRange tSectionHeaders::readText(tText& field, size_t section, std::string& value,
+tTextRange tSectionHeaders::readText(tText& field, size_t section, tSharedText& value,
                                      zoerr::Status& status) {
   if (status.isError()) {
     return {};
@@ -84,7 +84,11 @@ tTextRange tSectionHeaders::readText(tText& field, size_t section, std::string& 
   if (status.isError()) {
     return {};
   }
-  value = text_.between(range.begin, range.end);
+  if (!field.copied.contains(range)) {
+    field.copy = tSharedText(text_.between(range.begin, range.end));
+    field.copied = range;
+  }
+  value = field.copy.part(range.begin - field.copied.begin, range.end - range.begin);
   return range;
 }
 

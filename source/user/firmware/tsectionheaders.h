@@ -3,12 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include "source/user/firmware/fieldvalues.h"
 #include "source/user/firmware/tforwardsearch.h"
 #include "source/user/firmware/timagetext.h"
+#include "source/user/firmware/tsharedtext.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {
@@ -19,10 +19,10 @@ inline constexpr std::string_view kCapsuleUpdate = "CapsuleUpdate";
 // The fields of a section's header. A field that cannot be read is 0 or empty.
 struct tSectionHeader {
   uint32_t headerVersion = 0;
-  std::string updateType;
-  std::string version;
-  std::string targetDevice;
-  std::string targetFileName;    // read for a BIOS capsule only
+  tSharedText updateType;
+  tSharedText version;
+  tSharedText targetDevice;
+  tSharedText targetFileName;    // read for a BIOS capsule only
   bool isDriverPackage = false;  // ".inf" occurs in the file name
   uint32_t crc = 0;
   uint32_t byteCount = 0;
@@ -35,8 +35,8 @@ struct tSectionHeader {
 // Reads the headers of an image, section by section, in the order of the image.
 //
 // A section takes a key that it lacks from a later one, so thousands of sections can share a key and a
-// long line can have thousands of keys. Every search and every number is therefore remembered: all
-// headers together read the image a fixed number of times.
+// long line can have thousands of keys. Every search, number and text is therefore remembered: all
+// headers together cost time and memory in proportion to the image.
 class tSectionHeaders {
  public:
   explicit tSectionHeaders(const tImageText& text) noexcept : text_(text) {}
@@ -71,11 +71,13 @@ class tSectionHeaders {
 
     tForwardSearch firstQuote{"\""};
     tForwardSearch secondQuote{"\""};
+    tTextRange copied;  // the range of the image that `copy` holds
+    tSharedText copy;
   };
 
   // Both report why they cannot read the field, and do nothing when the status holds an error.
   void readNumber(tNumber& field, size_t section, uint32_t& value, zoerr::Status& status) noexcept;
-  tTextRange readText(tText& field, size_t section, std::string& value, zoerr::Status& status);
+  tTextRange readText(tText& field, size_t section, tSharedText& value, zoerr::Status& status);
 
   // Returns the value of a text field without its quotes.
   [[nodiscard]] tTextRange findText(tText& field, size_t section, zoerr::Status& status) noexcept;

@@ -132,7 +132,7 @@ void apply(const tAttributeAccess& access, const tFirmwarePayload& payload, cons
            const tUpdateFolder& folder, zoerr::Status& status) {
   if (payload.targetDevice == kBios && !current.bios && payload.targetFileName.empty()) {
     send(access.controller, payload, status);
-  } else if (payload.targetFileName.find(kDriverPackage) != std::string::npos) {
+  } else if (payload.targetFileName.view().find(kDriverPackage) != std::string_view::npos) {
     install(payload, folder, status);
   } else if (payload.targetDevice == kMarten && !current.marten) {
     send(access.marten, payload, status);

@@ -77,7 +77,8 @@ class tPlanner {
       return "this machine has no Marten";
     }
     if (action == tSectionAction::nothing) {
-      return "the library does nothing with sections for " + section.header.targetDevice;
+      return "the library does nothing with sections for " +
+             std::string(section.header.targetDevice);
     }
     const auto installed = installedFor(section, machine_);
     if (installed && isAsNew(section, *machine_)) {

@@ -1,4 +1,5 @@
-// Each allocation of a parse refused in turn.
+// The memory of a parse: each allocation refused in turn, and how much images made to be expensive need.
+#include "tests/builders/expensiveimages.h"
 #include "tests/component/user/firmware/parsertest.h"
 #include "tests/fakewindows/allocationplan.h"
 
@@ -38,6 +39,29 @@ TEST_F(ParserWithoutMemory, RefusedAtAnyTime_IsReportedAndKeepsWhatIsThere) {
   }
   EXPECT_GE(refused, 6u) << "three payloads and their records";
 }
+
+class ParserMemory : public ParserTest, public testing::WithParamInterface<tExpensiveImage> {};
+
+TEST_P(ParserMemory, BytesInUse_AreProportionalToTheImage) {
+  for (const size_t sections : {100u, 200u, 400u}) {
+    const std::string image = GetParam().build(sections);
+    zoerr::tOwnedStatus status;
+    const size_t before = nFakeWindows::bytesInUse();
+    {
+      const nFakeWindows::tAllocationPlan plan(0);
+      nQUENRA1400::tFirmwareImageParser().Parse(records, image.data(), image.size(), status);
+    }
+    EXPECT_EQ(status.code, 0);
+    EXPECT_GT(records.size(), sections);
+    EXPECT_LE(nFakeWindows::bytesInUse() - before, 5 * image.size()) << sections << " sections";
+    freePayloads(records);
+    records = {};
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, ParserMemory,
+                         testing::ValuesIn(expensiveImages().begin(), expensiveImages().end()),
+                         [](const auto& test) { return test.param.name; });
 
 }  // namespace
 }  // namespace nTests
