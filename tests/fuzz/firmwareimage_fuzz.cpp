@@ -1,6 +1,6 @@
 // The parser of firmware images on arbitrary bytes. The input is the image, in memory of exactly its
-// size. Whatever it is, parser and plain implementation agree on records and failure, with every
-// kernel that this processor has.
+// size. For every input, the parser and the plain implementation agree on records and failure, with
+// every kernel that this processor supports, and the cost is proportional to the size.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -33,7 +33,7 @@ void requireLine(const zoerr::Status& status, uint32_t line) {
   const std::string_view description = status.description == nullptr ? "" : status.description;
   const std::string expected = "\"line\":" + std::to_string(line);
   require(!status.isError() || description.find(expected) != std::string_view::npos,
-          "a failure tells its line");
+          "a failure reports its line");
 }
 
 void checkParse(const nFirmwareDecoding::tKernels& kernels, std::string_view image,
@@ -55,7 +55,28 @@ void checkParse(const nFirmwareDecoding::tKernels& kernels, std::string_view ima
   freePayloads(records);
 }
 
-// What is no image at all is still a text to decode, and to search.
+size_t searched = 0;
+
+const uint8_t* countingFind(const uint8_t* text, const uint8_t* end, uint8_t byte) noexcept {
+  const uint8_t* const found = nFirmwareDecoding::kPlainKernels.findByteOrNul(text, end, byte);
+  searched += static_cast<size_t>(found - text) + 1;
+  return found;
+}
+
+// However sections share their headers, all searches together read the image a fixed number of times.
+void checkCost(std::string_view image) {
+  constexpr size_t kMaxReadings = 32;
+  const nFirmwareDecoding::tKernels counting{"counting", nFirmwareDecoding::kPlainKernels.decode,
+                                             &countingFind};
+  tFirmwarePayloads records;
+  zoerr::tOwnedStatus status;
+  searched = 0;
+  tFirmwareImageParser(counting).Parse(records, image.data(), image.size(), status);
+  freePayloads(records);
+  require(searched <= kMaxReadings * image.size(), "the cost is proportional to the image");
+}
+
+// Every input is also a text to decode and to search.
 void checkKernels(const nFirmwareDecoding::tKernels& kernels, std::string_view text,
                   const std::vector<uint8_t>& decoded, uint32_t crc) {
   const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
@@ -79,6 +100,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
   const tPlainImage expected = nTests::plainParse(image);
   const std::vector<uint8_t> decoded = nTests::plainDecode(image);
   const uint32_t crc = nTests::firmwareCrc(decoded);
+  checkCost(image);
   for (const auto& choice : nFirmwareDecoding::allKernels()) {
     if (choice.isSupported()) {
       checkParse(choice.kernels, image, expected);

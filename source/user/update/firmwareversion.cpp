@@ -1,6 +1,6 @@
 #include "source/user/update/firmwareversion.h"
 
-#include <optional>
+#include <algorithm>
 
 namespace nQUENRA1400 {
 namespace {
@@ -11,25 +11,29 @@ struct tPhase {
 };
 constexpr tPhase kPhases[] = {{'d', 0x0000}, {'a', 0x4000}, {'b', 0x8000}, {'f', 0xC000}};
 
-constexpr uint32_t kLargestMajor = 255;
-constexpr uint32_t kLargestMinor = 15;
-constexpr uint32_t kLargestUpdate = 15;
-constexpr uint32_t kLargestBuild = 16383;
+constexpr uint32_t kMaxMajor = 255;
+constexpr uint32_t kMaxMinor = 15;
+constexpr uint32_t kMaxUpdate = 15;
+constexpr uint32_t kMaxBuild = 16383;
+
+// More digits than the largest number has. Reading stops there: a version can be as long as an image.
+constexpr size_t kMaxDigits = 6;
 
 constexpr bool isDigit(char character) noexcept {
   return character >= '0' && character <= '9';
 }
 
-// Reads a version from its beginning to its end; what does not fit is remembered.
+// Reads the parts of a version in their order, and remembers whether one of them is wrong.
 class tVersionReader {
  public:
   explicit tVersionReader(std::string_view text) noexcept : rest_(text) {}
 
   uint32_t number(uint32_t limit) noexcept {
     const bool beginsWithZero = rest_.starts_with('0');
+    const size_t available = std::min(rest_.size(), kMaxDigits);
     uint32_t value = 0;
     size_t digits = 0;
-    while (digits < rest_.size() && isDigit(rest_[digits]) && value <= limit) {
+    while (digits < available && isDigit(rest_[digits])) {
       value = value * 10 + static_cast<uint32_t>(rest_[digits] - '0');
       ++digits;
     }
@@ -64,13 +68,13 @@ class tVersionReader {
 
 uint32_t packedVersion(std::string_view text) noexcept {
   tVersionReader reader(text);
-  uint32_t packed = reader.number(kLargestMajor) << 24;
+  uint32_t packed = reader.number(kMaxMajor) << 24;
   reader.dot();
-  packed |= reader.number(kLargestMinor) << 20;
+  packed |= reader.number(kMaxMinor) << 20;
   reader.dot();
-  packed |= reader.number(kLargestUpdate) << 16;
+  packed |= reader.number(kMaxUpdate) << 16;
   packed |= reader.phase();
-  packed |= reader.number(kLargestBuild);
+  packed |= reader.number(kMaxBuild);
   return reader.isGood() ? packed : 0;
 }
 

@@ -6,9 +6,9 @@
 
 namespace nQUENRA1400 {
 
-// A version such as "1.4.0f7" as a number, so that a later version is a larger one: major 0 to 255,
-// minor and update 0 to 15, a phase of d, a, b and f, and a build 0 to 16383. What follows the build
-// is ignored. 0 for a text that is no such version.
+// Packs a version such as "1.4.0f7" into a number that is larger for a later version: major 0 to 255,
+// minor and update 0 to 15, phase d, a, b or f, and build 0 to 16383. Characters after the build are
+// ignored. Returns 0 for a text of any other form.
 [[nodiscard]] uint32_t packedVersion(std::string_view text) noexcept;
 
 }  // namespace nQUENRA1400
