@@ -1,24 +1,24 @@
-/* Trigger routes of a PXI controller, for C11 and C++: the interface by which a routing service
- * asks the controller for routes between its trigger terminals (the PXI trigger lines, the trigger
- * connector, the watchdog), reserves and programs them, and tears them down.
+/* Trigger routes of a PXI controller, for C11 and C++: the interface through which a routing service
+ * calculates routes between the trigger terminals of the controller (the PXI trigger lines, the
+ * trigger connector, the watchdog), reserves and programs them, and tears them down.
  *
  * Conventions:
  *
- *  1. Status. A function that can fail has a status record as its last argument, unless told
- *     otherwise. It does nothing when the record holds an error (a negative code) already, and then
- *     looks at no other argument. Else it reports by the merge rule: the first error is kept; an
- *     error replaces a warning (a positive code); a warning replaces nothing but success (0).
- *     Without a record, a null pointer or one that is not aligned, nothing is done.
+ *  1. Status. A function that can fail has a status record as its last argument, unless documented
+ *     otherwise. When the record holds an error (a negative code), the function does nothing and
+ *     reads no other argument. Otherwise it reports by the merge rule: the first error is kept; an
+ *     error replaces a warning (a positive code); a warning replaces only success (0). Without a
+ *     record, with a null or misaligned pointer, the function does nothing.
  *  2. Results. A function that fails returns 0, false or null.
- *  3. Handles. A session and its terminal iterators are the client's from their creation until it
- *     destroys them. A handle that is null, destroyed or none of the library gives
- *     QUENRA_STATUS_INVALID_PARAMETER where there is a status, and is ignored elsewhere. A handle
- *     that is destroyed can come back for another session, and a session that is destroyed while
- *     another thread uses it is beyond what the library can tell.
+ *  3. Handles. The client owns a session and its terminal iterators from their creation until it
+ *     destroys them. A null, destroyed or foreign handle fails with QUENRA_STATUS_INVALID_PARAMETER
+ *     where there is a status, and is ignored elsewhere. The library may use the value of a
+ *     destroyed handle again for another object. It cannot detect that one thread destroys a
+ *     session that another thread uses.
  *  4. Threads. A session and its iterators are used by one thread at a time; different sessions are
  *     independent. The demotion callback runs on a thread of the session.
- *  5. Texts. Arguments are terminated by a NUL. JSON texts are UTF-8. Answers come through the
- *     client's reallocation function, see zoroco_Reallocate. An output argument that is not aligned
+ *  5. Texts. Arguments end with a NUL. JSON texts are UTF-8. The library writes answers into buffers
+ *     of the client's reallocation function, see zoroco_Reallocate. A misaligned output argument
  *     counts as null.
  *  6. Order of calls:
  *
@@ -28,22 +28,22 @@
  *         getAllTerminals, then TerminalIterator_isEnd / _get...Attribute / _next, and _destroy
  *         for each route:
  *           calculateRoute, reserveRoute, programRoute, (use)
- *           unprogramRoute, unreserveRoute, destroyRoute
- *           with beginExceptionalRouteDestruction first when a failure is the reason;
+ *           unprogramRoute, unreserveRoute, destroyRoute,
+ *           after a failure preceded by beginExceptionalRouteDestruction;
  *           getRouteTerminalPath at any time after calculateRoute
  *       destroySession
  *
- *     The driver holds the routes and sees to the order; the library keeps no record of them.
- *     Routes that a client leaves behind stay in the driver's hands.
- *  7. Codes. A code from the driver is passed on unchanged, so codes beyond those listed can
- *     appear; a warning from the driver is reported, and the work is done. Every function with a
- *     status can report QUENRA_STATUS_MEMORY_FULL (memory is short), and
- *     QUENRA_STATUS_INTERNAL_ERROR (a fault of the library).
- *  8. If the library could not initialise when it was loaded, every function with a status reports
- *     the reason and does nothing else. A static destructor of another module may still call
- *     functions while the process ends, after the library was unloaded: those with a status report
- *     QUENRA_STATUS_NOT_READY, the others work.
- *  9. Unloading the library with an open session leaves it mapped until the session's thread ends.
+ *     The driver holds the routes and enforces the order; the library keeps no record of them.
+ *     Routes that a client does not destroy remain with the driver.
+ *  7. Codes. The library reports codes of the driver unchanged, so that codes other than those
+ *     listed can appear; with a warning of the driver the operation succeeds. Every function with a
+ *     status can report QUENRA_STATUS_MEMORY_FULL (out of memory) and QUENRA_STATUS_INTERNAL_ERROR
+ *     (a defect of the library, or rule 10).
+ *  8. Start-up and unloading. If the library could not initialise when it was loaded, every function
+ *     with a status reports the reason and does nothing else. A static destructor of another module
+ *     may still call functions while the process ends, after the library was unloaded: those with a
+ *     status report QUENRA_STATUS_NOT_READY, the others work.
+ *  9. FreeLibrary with an open session leaves the library mapped until the session is destroyed.
  * 10. Exceptions. No function throws, and the client's functions must not throw either. When one
  *     does, the library reports QUENRA_STATUS_INTERNAL_ERROR, by the merge rule, where the call has
  *     a status: the reallocation function of a session ends its call, that of a status leaves the
@@ -69,15 +69,15 @@ extern "C" {
 /* The outcome of a chain of calls. Start with zoerr_Status_initial(), end with
  * zoerr_Status_release().
  *
- * description: what is known of a failure, as one JSON object: where it arose ("file", "line",
- *              "component"), the name of its code ("error_constant") and for a bad request what is
- *              wrong with it ("zoroco_debug") and its text ("json"). Null when there is none. It is
- *              the client's: the library only asks the client's own `reallocate` for it.
- * capacity:    the size of the description's buffer in bytes. Behind the text and its NUL the
- *              buffer is zero, but for its last byte, which is 'J'.
- * reallocate:  makes the buffer at least newCapacity bytes, keeping the text, or "{}" where there
- *              was none, and the form told above; 0 frees it. False, with nothing changed, when it
- *              cannot. May be null: then codes arrive without descriptions. */
+ * description: the particulars of a failure, as one JSON object: its location ("file", "line",
+ *              "component"), the name of its code ("error_constant"), and for an invalid request the
+ *              fault ("zoroco_debug") and the document ("json"). Null when there is none. The client
+ *              owns it: the library changes its size only through `reallocate`.
+ * capacity:    the size of the description's buffer in bytes. After the text and its NUL the buffer
+ *              is zero, except for its last byte, which is 'J'.
+ * reallocate:  makes the buffer at least newCapacity bytes, keeping the text, or "{}" for a new
+ *              buffer, and the form above; 0 frees it. Returns false, with nothing changed, when it
+ *              cannot. May be null: then codes are reported without descriptions. */
 typedef struct zoerr_Status {
   int32_t code;
   uint32_t capacity;
@@ -144,30 +144,31 @@ typedef struct zoroco_RoutingAdaptorSession zoroco_RoutingAdaptorSession;
 /* A walk over the terminals of a session. */
 typedef struct zoroco_TerminalIterator zoroco_TerminalIterator;
 
-/* Gives the library room for an answer.
+/* Supplies the buffer of an answer.
  *
- * current:                  what the output argument points to, null or the buffer of an earlier
- *                           answer; the function may free it or make it larger.
- * required, requiredAgain:  the bytes that are needed, the NUL included; twice the same number.
- * text:                     the answer. The function need not copy it, the library does.
+ * current:                  the value of the output argument, null or the buffer of an earlier
+ *                           answer; the function may free or enlarge that buffer.
+ * required, requiredAgain:  the size that the answer needs in bytes, with its NUL; the same number
+ *                           twice.
+ * text:                     the answer. The function need not copy it; the library does.
  *
- * Returns the buffer, which the library stores in the output argument, or null when it has none:
- * the output argument then stays as it was, and the call fails with QUENRA_STATUS_MEMORY_FULL.
- * Called once for an answer, in the call that answers, and never when there is no answer. A
- * call that has an answer and no output argument, a null pointer, fails with
- * QUENRA_STATUS_INVALID_PARAMETER. */
+ * Returns the buffer, which the library stores in the output argument, or null when it has none: the
+ * output argument then keeps its value, and the call fails with QUENRA_STATUS_MEMORY_FULL. The
+ * library calls the function once for each answer, during the call that answers. An answer without an
+ * output argument (a null pointer) fails with QUENRA_STATUS_INVALID_PARAMETER. */
 typedef char* (*zoroco_Reallocate)(char* current, size_t required, const char* text,
                                    size_t requiredAgain);
 
-/* Told that the driver has demoted a route.
+/* Called when the driver has demoted a route.
  *
- * context:       as given when the session was created.
+ * context:       the context pointer of the session.
  * reason:        101.
- * status:        a fresh record; what the callback leaves in it is released after the call.
- * notification:  the session's notification, to tell sessions apart. It is no address to follow.
+ * status:        a fresh record; the library releases it after the call.
+ * notification:  identifies the session: one value for a session, another one for each other session
+ *                that exists at the same time. Opaque; do not dereference.
  *
- * Runs on a thread of the session, at the same time as the client's calls. It must not destroy its
- * session, and should not take long: destroySession waits for it. */
+ * Runs on a thread of the session, concurrently with the client's calls. It must not destroy its
+ * session, and should return soon: destroySession waits for it. */
 typedef void (*zoroco_DemotionCallback)(void* context, int32_t reason, zoerr_Status* status,
                                         void* notification);
 
@@ -176,23 +177,23 @@ typedef void (*zoroco_DemotionCallback)(void* context, int32_t reason, zoerr_Sta
 /* Returns the version of this interface: 3. */
 uint32_t zoroco_ra_quenra_getAPIVersion(void);
 
-/* As createSessionWithDemotionFunc without a callback: demotions are not told. */
+/* As createSessionWithDemotionFunc without a callback: demotions are dropped. */
 zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSession(const char* deviceInterfaceName,
                                                              zoroco_Reallocate reallocate,
                                                              zoerr_Status* status);
 
 /* Opens a session with the routing device.
  *
- * deviceInterfaceName: the path of the device, as QUENRA_ATTRIBUTE_DEVICE_PATH tells it; at most
- *                      256 characters. A longer one ends the process: no such device can exist.
- * reallocate:          gives room for the answers of this session; kept until it is destroyed.
- *                      Null: every answer fails with QUENRA_STATUS_MEMORY_FULL.
- * callback:            told of demotions from then on; may be null.
+ * deviceInterfaceName: the path of the device, the value of QUENRA_ATTRIBUTE_DEVICE_PATH; at most
+ *                      256 characters. A longer name ends the process: no such device can exist.
+ * reallocate:          supplies the buffers of this session's answers, until it is destroyed. Null:
+ *                      every answer fails with QUENRA_STATUS_MEMORY_FULL.
+ * callback:            called on demotions after the session is created; may be null.
  * context:             for the callback.
  *
  * Reports
  *   QUENRA_STATUS_INVALID_PARAMETER  the name is null
- *   QUENRA_STATUS_BAD_SELECTOR       the device has terminals that the library does not know
+ *   QUENRA_STATUS_BAD_SELECTOR       the library does not know the terminals of the device
  *   QUENRA_STATUS_NOT_FOUND, QUENRA_STATUS_ACCESS_DENIED, ...  the device cannot be opened, or
  *                                    refuses notifications */
 zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSessionWithDemotionFunc(
@@ -200,10 +201,10 @@ zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSessionWithDemotionFunc(
     void* context, zoerr_Status* status);
 
 /* Closes a session. Waits for a callback that is running; none runs afterwards. Destroy the
- * session's iterators before. Null is ignored. */
+ * session's iterators first. Null is ignored. */
 void zoroco_ra_quenra_destroySession(zoroco_RoutingAdaptorSession* session);
 
-/* Answers the names of the constraints that requests may have: ["inversionNeeded"]. */
+/* Answers with the names of the constraints that a request can contain: ["inversionNeeded"]. */
 void zoroco_ra_quenra_getHandledConstraints(zoroco_RoutingAdaptorSession* session, char** output,
                                             zoerr_Status* status);
 
@@ -211,12 +212,12 @@ void zoroco_ra_quenra_getHandledConstraints(zoroco_RoutingAdaptorSession* sessio
 
 /* Calculates routes from any of several seeds to each of several destinations.
  *
- * seeds:         JSON array of where a route may start, each an object with
+ * seeds:         JSON array of possible starting points, each an object with
  *                  "terminal"        name of the terminal
  *                  "srcDeviceToken"  optional text, a token of the device that drives the terminal
- *                  "cost"            number from 0 to 4294967295, the cost of starting there; a
- *                                    fraction is cut off
- *                  "constraints"     object; "inversionNeeded": true asks for an inverted signal
+ *                  "cost"            number from 0 to 4294967295, the cost of this starting point; a
+ *                                    fraction is truncated
+ *                  "constraints"     object; "inversionNeeded": true requires an inverted signal
  * destinations:  JSON array of terminal names.
  * modifiers:     JSON object; its members are optional:
  *                  "required", "optional"  objects with "inversionNeeded" and
@@ -224,42 +225,41 @@ void zoroco_ra_quenra_getHandledConstraints(zoroco_RoutingAdaptorSession* sessio
  * output:        receives a JSON array with an object for each route:
  *                  {"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,
  *                   "constraints":{"inversionNeeded":true}}
- *                The ticket names the route in all calls that follow. "constraints" is empty when
- *                the route does not invert. Without a route the array is empty.
+ *                The ticket identifies the route in all calls that follow. "constraints" is empty
+ *                when the route does not invert the signal. Without a route the array is empty.
  *
- * Members that are not named here are ignored; of several members with one name the last counts.
- * The driver refuses the name of a terminal that does not exist. Documents may be 64 levels deep and
- * 4 MiB large.
+ * Other members are ignored; of several members with one name the last counts. The driver refuses
+ * the name of an unknown terminal. A document has at most 64 levels and 4 MiB. The digits and the
+ * exponent of a number are not limited.
  *
- * Returns the value that the driver's calculation gives.
+ * Returns the value of the driver's calculation.
  *
  * Reports
- *   QUENRA_STATUS_INVALID_PARAMETER  a document is not as told; the description's "zoroco_debug"
- *                                    tells what is wrong. Nothing was sent to the driver. Also:
- *                                    output is null.
- *   QUENRA_STATUS_MEMORY_FULL        also: the reallocation function gave no room. The driver keeps
- *                                    the routes it has calculated. */
+ *   QUENRA_STATUS_INVALID_PARAMETER  a document is invalid, with the fault as "zoroco_debug" in the
+ *                                    description; or output is null. The driver received no request.
+ *   QUENRA_STATUS_MEMORY_FULL        also: the reallocation function supplied no buffer. The driver
+ *                                    keeps the routes it has calculated. */
 uint32_t zoroco_ra_quenra_calculateRoute(zoroco_RoutingAdaptorSession* session, const char* seeds,
                                          const char* destinations, const char* modifiers,
                                          char** output, zoerr_Status* status);
 
-/* Reserves what a route needs.
+/* Reserves the resources of a route.
  *
- * output: on QUENRA_STATUS_ROUTE_CONFLICT receives a JSON array of the routes in its way,
- *         {"sessionId":4,"ticket":7} each; else it is not touched.
+ * output: on QUENRA_STATUS_ROUTE_CONFLICT receives a JSON array of the conflicting routes,
+ *         {"sessionId":4,"ticket":7} each; otherwise unchanged.
  *
  * Reports
- *   QUENRA_STATUS_ROUTE_CONFLICT  other routes hold what the route needs
+ *   QUENRA_STATUS_ROUTE_CONFLICT  other routes hold resources of this one
  *   QUENRA_STATUS_MEMORY_FULL     also: the driver reports more than 1024 of them */
 void zoroco_ra_quenra_reserveRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                    char** output, zoerr_Status* status);
 
-/* Makes a reserved route in the hardware. */
+/* Programs a reserved route into the hardware. */
 void zoroco_ra_quenra_programRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                    zoerr_Status* status);
 
-/* The steps of taking a route down. They report nothing, so that taking down always runs to its
- * end: what the driver refuses is dropped. The trailing words are reserved: pass 0. */
+/* The steps of a teardown. They report nothing, so that a teardown always runs to its end: a refusal
+ * of the driver is dropped. The trailing words are reserved: pass 0. */
 void zoroco_ra_quenra_unprogramRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                      uint64_t reserved, uint64_t reservedToo);
 void zoroco_ra_quenra_unreserveRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
@@ -267,13 +267,13 @@ void zoroco_ra_quenra_unreserveRoute(zoroco_RoutingAdaptorSession* session, uint
 void zoroco_ra_quenra_destroyRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                    uint64_t reserved, uint64_t reservedToo);
 
-/* Announces that a route is taken down after a failure. Needs nothing of this controller. */
+/* Announces a teardown after a failure. This controller needs no action. */
 void zoroco_ra_quenra_beginExceptionalRouteDestruction(zoroco_RoutingAdaptorSession* session,
                                                        uint32_t ticket, uint64_t reserved,
                                                        uint64_t reservedToo);
 
-/* Answers the names of the terminals along a route as a JSON array; a terminal that the library
- * does not know is an empty text.
+/* Answers with the names of the terminals along a route as a JSON array; an unknown terminal is an
+ * empty text.
  *
  * Reports
  *   QUENRA_STATUS_MEMORY_FULL  also: the driver reports more than 1024 terminals */
@@ -282,36 +282,36 @@ void zoroco_ra_quenra_getRouteTerminalPath(zoroco_RoutingAdaptorSession* session
 
 /* ---- Terminals ---- */
 
-/* Begins a walk over all terminals, in an order that stays. The status is not the last argument;
- * reserved: pass 0. */
+/* Starts a walk over all terminals, in a fixed order. The status is not the last argument; reserved:
+ * pass 0. */
 zoroco_TerminalIterator* zoroco_ra_quenra_getAllTerminals(zoroco_RoutingAdaptorSession* session,
                                                           zoerr_Status* status, uint64_t reserved);
 
-/* Goes on to the next terminal. */
+/* Moves to the next terminal. */
 void zoroco_ra_quenra_TerminalIterator_next(zoroco_TerminalIterator* iterator,
                                             zoerr_Status* status);
 
-/* True when no terminal is left; also for a null iterator. */
+/* True past the last terminal, and for an invalid iterator. */
 bool zoroco_ra_quenra_TerminalIterator_isEnd(zoroco_TerminalIterator* iterator);
 
-/* An attribute of the current terminal. Names are told from one another by case.
+/* An attribute of the current terminal. Names are case-sensitive.
  *
  *   text   "name"           unique
- *          "visibility"     "public" or "private", which are not for users
+ *          "visibility"     "public", or "private" for a terminal not offered to users
  *          "busType"        "PXI_Trig" for a trigger line, else null
  *          "busName"        null
  *          "canonicalName"
- *   bool   "isExternal"     it leaves the controller
- *          "isOwned"        it is the controller's own
+ *   bool   "isExternal"     the terminal leaves the controller
+ *          "isOwned"        the terminal belongs to the controller
  *          "isAlias", "isMaskedOut"
  *   u32    "id"             unique, from 1
  *          "busLine"        number of the trigger line, 4294967295 for none
  *
- * A text is the library's: it stays as long as the library is loaded.
+ * The library owns a text; it is valid as long as the library is loaded.
  *
  * Reports
  *   QUENRA_STATUS_BAD_SELECTOR       no attribute of that type has the name
- *   QUENRA_STATUS_INVALID_PARAMETER  the walk is at its end */
+ *   QUENRA_STATUS_INVALID_PARAMETER  the walk is past the last terminal */
 const char* zoroco_ra_quenra_TerminalIterator_getStringAttribute(zoroco_TerminalIterator* iterator,
                                                                  const char* name,
                                                                  zoerr_Status* status);
@@ -320,18 +320,19 @@ bool zoroco_ra_quenra_TerminalIterator_getBoolAttribute(zoroco_TerminalIterator*
 uint32_t zoroco_ra_quenra_TerminalIterator_getU32Attribute(zoroco_TerminalIterator* iterator,
                                                            const char* name, zoerr_Status* status);
 
-/* Returns the current terminal to a state of rest.
+/* Resets the current terminal.
  *
  * mode: "default" or "floating".
  *
  * Reports
- *   QUENRA_STATUS_BAD_SELECTOR       another mode; the driver was not asked
- *   QUENRA_STATUS_INVALID_PARAMETER  the walk is at its end; the driver was not asked */
+ *   QUENRA_STATUS_BAD_SELECTOR       unknown mode; the driver received no request
+ *   QUENRA_STATUS_INVALID_PARAMETER  the walk is past the last terminal; the driver received no
+ *                                    request */
 void zoroco_ra_quenra_TerminalIterator_resetTerminal(zoroco_TerminalIterator* iterator,
                                                      const char* mode, zoerr_Status* status);
 
-/* Tells what resetTerminal would do, without doing it: returns the id of the terminal that the
- * current one would be driven from. `session` is the one that the iterator belongs to. */
+/* Calculates resetTerminal without performing it: returns the id of the terminal from which the
+ * current one would be driven. `session` is the session of the iterator. */
 uint32_t zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(
     zoroco_RoutingAdaptorSession* session, zoroco_TerminalIterator* iterator, const char* mode,
     zoerr_Status* status);

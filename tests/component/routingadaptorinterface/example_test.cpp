@@ -1,4 +1,4 @@
-// The program of docs/routing.md, compiled as it stands there, on a scripted device.
+// The program of docs/routing.md, compiled from that page, on a scripted device.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -15,12 +15,12 @@ namespace {
 using tStrings = std::vector<std::string>;
 
 #ifdef _WIN32
-constexpr const char* kNothingToRead = "NUL";
+constexpr const char* kEmptyInput = "NUL";
 #else
-constexpr const char* kNothingToRead = "/dev/null";
+constexpr const char* kEmptyInput = "/dev/null";
 #endif
 
-// What the program prints, and its exit code. It waits for a key, of which there is none.
+// The output and the exit code of the program. It waits for a key and finds the end of its input.
 struct tRun {
   int exitCode;
   std::string output;
@@ -31,7 +31,7 @@ tRun run(tStrings words) {
   for (std::string& word : words) {
     arguments.push_back(word.data());
   }
-  EXPECT_NE(std::freopen(kNothingToRead, "r", stdin), nullptr);
+  EXPECT_NE(std::freopen(kEmptyInput, "r", stdin), nullptr);
   testing::internal::CaptureStdout();
   const int exitCode = routingExample(static_cast<int>(arguments.size()), arguments.data());
   return {exitCode, testing::internal::GetCapturedStdout()};
@@ -42,7 +42,7 @@ class RoutingExample : public testing::Test {
   RoutingExample() { useDevice(script_); }
 
   tRun connect() { return run({"routing", "device", "TRIG_SMB", "PXI_Trig0"}); }
-  // The requests behind the one for the topography.
+  // The requests after the one for the topography name.
   [[nodiscard]] tStrings calls() const {
     return {script_.router.calls.begin() + 1, script_.router.calls.end()};
   }
@@ -55,42 +55,42 @@ constexpr const char* kTerminals =
     "terminal PXI_Trig1\nterminal PXI_Trig2\nterminal PXI_Trig3\nterminal PXI_Trig4\n"
     "terminal PXI_Trig5\nterminal PXI_Trig6\nterminal PXI_Trig7\n";
 constexpr const char* kCalculation =
-    "calculateRoute([2/0/0] -> [4], required 0, optional 0, options 0, room 2)";
+    "calculateRoute([2/0/0] -> [4], required 0, optional 0, options 0, capacity 2)";
 
-TEST_F(RoutingExample, Route_IsConnectedAndTakenDown) {
+TEST_F(RoutingExample, Route_IsConnectedAndTornDown) {
   script_.router.routes = {{7, 4, 1, 0, 0, {}}};
   script_.router.path = {2, 4};
   const tRun result = connect();
   EXPECT_EQ(result.output, std::string(kTerminals) + "connected: [\"TRIG_SMB\",\"PXI_Trig0\"]\n");
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, room 8)", "programRoute(7)",
-                               "getRouteTerminalPath(7, room 32)", "unprogramRoute(7)",
+  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, capacity 8)", "programRoute(7)",
+                               "getRouteTerminalPath(7, capacity 32)", "unprogramRoute(7)",
                                "unreserveRoute(7)", "destroyRoute(7)"}));
   EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
 }
 
-TEST_F(RoutingExample, RouteThatIsNotThere_IsTold) {
+TEST_F(RoutingExample, MissingRoute_IsPrinted) {
   const tRun result = connect();
-  EXPECT_EQ(result.output, std::string(kTerminals) + "there is no such route\n");
+  EXPECT_EQ(result.output, std::string(kTerminals) + "no such route\n");
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(calls(), tStrings{kCalculation});
 }
 
-TEST_F(RoutingExample, Conflict_IsToldAndTheRouteTakenDown) {
+TEST_F(RoutingExample, Conflict_IsPrintedAndTheRouteTornDown) {
   script_.router.routes = {{7, 4, 1, 0, 0, {}}};
   script_.router.conflicts = {{3, 4, 0}};
   script_.router.codes = {0, 0, -89137};
   const tRun result = connect();
   EXPECT_EQ(result.output,
             std::string(kTerminals) +
-                "in the way: [{\"sessionId\":3,\"ticket\":4}]\n"
+                "conflict: [{\"sessionId\":3,\"ticket\":4}]\n"
                 "failed: -89137 {\"file\":\"router\",\"line\":9,\"component\":\"driver\"}\n");
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, room 8)", "unprogramRoute(7)",
+  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, capacity 8)", "unprogramRoute(7)",
                                "unreserveRoute(7)", "destroyRoute(7)"}));
 }
 
-TEST_F(RoutingExample, DeviceThatIsNotThere_IsTold) {
+TEST_F(RoutingExample, MissingDevice_IsPrinted) {
   script_.openCode = -52006;
   const tRun result = connect();
   EXPECT_EQ(result.output,
@@ -98,7 +98,7 @@ TEST_F(RoutingExample, DeviceThatIsNotThere_IsTold) {
   EXPECT_EQ(result.exitCode, 1);
 }
 
-TEST_F(RoutingExample, WithoutArguments_TellsItsUsage) {
+TEST_F(RoutingExample, ProgramWithoutArguments_PrintsItsUsage) {
   const tRun result = run({"routing"});
   EXPECT_EQ(result.output, "usage: routing DEVICE FROM TO\n");
   EXPECT_EQ(result.exitCode, 1);
