@@ -67,8 +67,8 @@ uint32_t countOf(const std::pmr::vector<Record>& records) noexcept {
   return static_cast<uint32_t>(records.size());
 }
 
-// Resizes to the count that the driver reports; new records are zero. A count beyond kMaxCount fails
-// as a list that does not fit into memory, without an allocation.
+// Resizes to the count that the driver reports; new records are zero. Reports a count beyond kMaxCount
+// as out of memory, without an allocation.
 template <class Record>
 void resizeToReportedCount(std::pmr::vector<Record>& records, uint32_t count) {
   if (count > kMaxCount) {
@@ -83,12 +83,12 @@ void keepFilled(std::pmr::vector<Record>& records, uint32_t count) {
   records.resize(std::min<size_t>(count, records.size()));
 }
 
-// Runs a client's function on a thread of the session, where no caller receives an exception.
+// Calls a function of the client on a thread of the session, where no caller receives an exception.
 template <class Call>
 void callClient(Call call) noexcept {
   try {
     call();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): it has no status to report to
+  } catch (...) {  // NOLINT(bugprone-empty-catch): there is no status to report to
   }
 }
 

@@ -12,21 +12,21 @@
 
 namespace zoark {
 
-// What a client brings along for its session.
+// The functions that a client supplies for its session.
 struct tClientFunctions {
   zoroco_Reallocate reallocate;
   zoroco_DemotionCallback callback;  // may be null
   void* context;
 };
 
-// Keeps no record of routes: the driver holds them, a ticket names one. Used by one thread at a
-// time; the callback runs on a thread of the device.
+// Keeps no record of routes: the driver holds them, and a ticket identifies one. Used by one thread at
+// a time; the callback runs on a thread of the device.
 class ARKRoutingAdaptorSession final : public zoroco::RoutingAdaptorSessionInterface,
                                        private iDemotionListener {
  public:
-  // Opens the device under a name of at most 256 characters and finds its topography. Demotions are
-  // told from the end of the construction on; what comes before is dropped. Throws
-  // zoerr::Exception; then nothing is left open.
+  // Opens the device under a name of at most 256 characters and finds its topography. Demotions reach
+  // the callback from the end of the construction on; earlier ones are dropped. Throws
+  // zoerr::Exception, and then leaves nothing open.
   ARKRoutingAdaptorSession(std::unique_ptr<iRoutingDevice> device, const char* deviceInterfaceName,
                            const tClientFunctions& client, zoerr::Status& status);
   // Waits for a callback that is running.
@@ -48,7 +48,7 @@ class ARKRoutingAdaptorSession final : public zoroco::RoutingAdaptorSessionInter
                                   const char* mode, zoerr::Status& status) override;
 
  private:
-  // Ends the notifications, also when the construction fails.
+  // Stops the notifications, also when the construction fails.
   class tNotificationsEnd {
    public:
     explicit tNotificationsEnd(iRoutingDevice& device) noexcept : device_(device) {}
@@ -72,7 +72,7 @@ class ARKRoutingAdaptorSession final : public zoroco::RoutingAdaptorSessionInter
   std::atomic<zoroco_DemotionCallback> callback_ = nullptr;  // published after context_
   void* context_ = nullptr;
   const tTopography* topography_ = nullptr;
-  // The last member, so that nothing is gone yet while a callback still runs.
+  // The last member, so that the others outlive a callback that is running.
   tNotificationsEnd notificationsEnd_;
 };
 

@@ -11,7 +11,7 @@
 namespace zoark {
 namespace {
 
-constexpr auto kBehindTheEnd = adaptorLocation(431, kInvalidParameterConstant);
+constexpr auto kPastTheEnd = adaptorLocation(431, kInvalidParameterConstant);
 constexpr auto kUnknownAttribute = adaptorLocation(450, kBadSelectorConstant);
 
 template <class Value>
@@ -65,7 +65,7 @@ bool ARKTerminalIterator::isEnd() const {
 
 const tTerminal& ARKTerminalIterator::current() const {
   if (isEnd()) {
-    raise(nZOAPALS100::kInvalidParameter, kBehindTheEnd);
+    raise(nZOAPALS100::kInvalidParameter, kPastTheEnd);
   }
   return topography_.terminals()[index_];
 }

@@ -7,8 +7,8 @@
 
 namespace zoark {
 
-// Walks the terminals of a topography in its order. Behind the last one, reading and resetting fail
-// with kInvalidParameter. Only resetTerminal needs the session's interface to be there still.
+// Walks the terminals of a topography in its order. Past the last one, reading and resetting fail with
+// kInvalidParameter. Only resetTerminal uses the session's interface, which has to exist then.
 class ARKTerminalIterator final : public zoroco::TerminalIteratorInterface {
  public:
   ARKTerminalIterator(const tTopography& topography,

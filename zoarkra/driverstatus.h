@@ -6,11 +6,10 @@
 
 namespace zoark {
 
-// A fresh record for one request, which tells the driver whether the caller carries a warning.
+// A fresh record for one request. Its code is the caller's, which the driver receives.
 [[nodiscard]] nZOAPALS100::tStatus statusForDriver(const zoerr::Status& status) noexcept;
 
-// What became of a request: a warning is merged into the status, an error is thrown as a
-// zoerr::Exception.
+// Merges a warning of a request into the status, and throws an error as a zoerr::Exception.
 void takeDriverStatus(const nZOAPALS100::tStatus& driver, zoerr::Status& status);
 
 }  // namespace zoark

@@ -5,8 +5,8 @@
 
 namespace zoark {
 
-// The C heap, from which the library takes all its memory. Throws std::bad_alloc; gives no memory
-// of more than the ordinary alignment.
+// The C heap, which serves all memory of the library. Throws std::bad_alloc, also for more than the
+// fundamental alignment.
 [[nodiscard]] std::pmr::memory_resource* heapResource() noexcept;
 
 }  // namespace zoark

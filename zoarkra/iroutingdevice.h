@@ -7,7 +7,7 @@
 
 namespace zoark {
 
-// Is told of demotions, on a thread of the device.
+// Receives demotions, on a thread of the device.
 class iDemotionListener {
  public:
   iDemotionListener() = default;
@@ -15,12 +15,11 @@ class iDemotionListener {
   iDemotionListener& operator=(const iDemotionListener&) = delete;
   virtual ~iDemotionListener() = default;
 
-  // `notification` is the address of the object that is registered with the driver.
+  // `notification`: the address of the object that is registered with the driver.
   virtual void routeDemoted(void* notification) noexcept = 0;
 };
 
-// What a session needs of the device that it opens. Operations do nothing when the status holds an
-// error, and report into it.
+// The device of a session. Operations do nothing when the status holds an error, and report into it.
 class iRoutingDevice {
  public:
   iRoutingDevice() = default;
@@ -30,11 +29,11 @@ class iRoutingDevice {
 
   virtual void open(const char* name, nZOAPALS100::tStatus& status) noexcept = 0;
 
-  // Tells `listener` of demotions from now on. May throw std::bad_alloc, and then tells nobody.
+  // Delivers demotions to `listener` from now on; none after std::bad_alloc, which it may throw.
   virtual void startNotifications(iDemotionListener& listener, nZOAPALS100::tStatus& status) = 0;
 
-  // When it returns, the listener is not being told of anything and never will be. May be called
-  // more than once, and without a start.
+  // Waits for a call of the listener that is running; none follows. May be called more than once, and
+  // without a start.
   virtual void stopNotifications() noexcept = 0;
 
   [[nodiscard]] virtual nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept = 0;

@@ -26,8 +26,8 @@ const char* skipDigits(const char* at) noexcept {
   return at;
 }
 
-// No number halfway between two doubles has more significant digits than these. Of further digits it
-// only matters whether one is not 0, and one more digit keeps that.
+// A number halfway between two doubles has at most 767 significant digits. Past kMaxDigits a digit other
+// than 0 only shows that the number lies beyond such a point, and one digit in its place shows the same.
 constexpr size_t kMaxDigits = 768;
 
 // 0.DIGITS x 10^magnitude; the first digit is not 0. Without digits it is 0.
@@ -63,8 +63,8 @@ tDecimal decimalOf(std::string_view number) noexcept {
   return decimal;
 }
 
-// The value of an exponent's text. One beyond 64 bits becomes so large that no number of digits in
-// memory makes up for it.
+// The value of an exponent's text. An exponent beyond 64 bits becomes one that no number of digits in
+// memory cancels.
 int64_t exponentOf(std::string_view text) noexcept {
   constexpr int64_t kHuge = int64_t{1} << 62;
   const bool isNegative = text.starts_with('-');
@@ -101,9 +101,9 @@ tNumberScan scanNumber(const char* text) noexcept {
   return {at, true};
 }
 
-// std::from_chars limits the exponents that it reads, and so misjudges a long row of digits with an
-// exponent that makes up for it. It receives the significant digits, with the exponent that they have
-// as a whole number.
+// std::from_chars saturates the exponent that it reads, and so misjudges a long row of digits with an
+// exponent that cancels them. It receives the significant digits as a whole number, with the exponent
+// of that number.
 double valueOfNumber(std::string_view number) noexcept {
   constexpr int64_t kBeyondAnyDouble = 400;
   const bool isNegative = number.starts_with('-');

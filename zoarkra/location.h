@@ -5,7 +5,7 @@
 
 namespace zoark {
 
-// The symbolic names of the codes that the routing adaptor raises itself.
+// The symbolic names of the codes that the routing adaptor raises.
 inline constexpr const char* kMemoryFullConstant = "zoapalerr_memoryFull";
 inline constexpr const char* kInvalidParameterConstant = "zoapalerr_invalidParameter";
 inline constexpr const char* kBadSelectorConstant = "zopalerr_badSelector";
@@ -22,7 +22,7 @@ inline constexpr const char* kBadSelectorConstant = "zopalerr_badSelector";
   return {"zoarkra\\topographyinforegistration", line, nZOAPALS100::kComponent, errorConstant};
 }
 
-// A site of the reading of requests.
+// A site of the request reader.
 [[nodiscard]] constexpr nZOAPALS100::tSourceLocation requestLocation(
     uint32_t line, const char* errorConstant) noexcept {
   return {"RoCoUtils", line, nZOAPALS100::kComponent, errorConstant};

@@ -18,7 +18,7 @@ void setBit(uint32_t& word, uint32_t bit, bool isSet) noexcept {
 
 bool tModifiersDocument::value(const tJsonValue& value, size_t depth) {
   if (depth == kDocument) {
-    return value.type == tJsonType::object || fail(kModifiersNoObject);
+    return value.type == tJsonType::object || fail(kModifiersNotObject);
   }
   if (depth == kGroup && group_ != nullptr) {
     readGroup(value);
@@ -75,7 +75,7 @@ void tModifiersDocument::recordType(bool isBoolean) {
 
 bool tModifiersDocument::judge() {
   if (!required_.isObject || !optional_.isObject) {
-    return fail(kModifiersNoObject);
+    return fail(kModifiersNotObject);
   }
   return unrecognised_.empty() || fail(kRequiredType);
 }

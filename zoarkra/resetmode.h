@@ -5,8 +5,8 @@
 
 namespace zoark {
 
-// The driver's flag for a state of rest: 0 for "default", 1 for "floating". Anything else, null
-// included, throws zoerr::Exception with kBadSelector.
+// The driver's flag for a reset mode: 0 for "default", 1 for "floating". Throws zoerr::Exception with
+// kBadSelector for any other mode, also null.
 [[nodiscard]] uint32_t floatingFlagOf(const char* mode);
 
 }  // namespace zoark

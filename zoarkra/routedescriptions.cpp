@@ -8,7 +8,7 @@
 namespace zoark {
 namespace {
 
-// Where the writer puts its characters. The names are RapidJSON's.
+// The output of the writer. The names are RapidJSON's.
 class tTextStream {
  public:
   using Ch = char;
@@ -24,12 +24,12 @@ class tTextStream {
   std::pmr::string& text_;
 };
 
-// Answers are not nested deeper than this.
+// The depth of the answers.
 constexpr size_t kLevels = 8;
 using tMemory = tJsonMemory<kLevels * 2 * sizeof(size_t)>;
 using tWriter = rapidjson::Writer<tTextStream, rapidjson::UTF8<>, rapidjson::UTF8<>, tMemory>;
 
-// One array, of which `writeElements` writes the elements.
+// An array with the elements that `writeElements` writes.
 template <class WriteElements>
 void describeArray(std::pmr::string& text, WriteElements writeElements) {
   tTextStream stream(text);

@@ -17,10 +17,10 @@ namespace zoark {
 void describeRoutes(std::span<const tRouteRecord> routes, const tTopography& topography,
                     std::pmr::string& text);
 
-// Routes that are in the way, in their order.
+// Conflicting routes, in their order.
 void describeConflicts(std::span<const tRouteConflict> conflicts, std::pmr::string& text);
 
-// The names of terminals; an id without a terminal is an empty text, so that none is missing.
+// The names of terminals. An unknown id is an empty text, so that the positions stay.
 void describePath(std::span<const uint32_t> terminals, const tTopography& topography,
                   std::pmr::string& text);
 

@@ -17,7 +17,7 @@ struct tRequestTexts {
   const char* modifiers;
 };
 
-// What they ask for, as the driver takes it.
+// A request as the records of the driver.
 struct tRouteRequest {
   explicit tRouteRequest(std::pmr::memory_resource* memory) : seeds(memory), destinations(memory) {}
 
@@ -27,10 +27,9 @@ struct tRouteRequest {
   uint32_t options = 0;
 };
 
-// Reads a request; a terminal that the topography does not have becomes ROUTE_NO_TERMINAL. The
-// first fault found is thrown as a zoerr::Exception with kInvalidParameter and traced: the
-// description tells it under "zoroco_debug", and under "json" the document in which it was found.
-// Memory is taken from that of `request`; throws std::bad_alloc.
+// Reads a request; an unknown terminal becomes ROUTE_NO_TERMINAL. Traces the first fault and throws it
+// as a zoerr::Exception with kInvalidParameter, whose description holds the fault under "zoroco_debug"
+// and its document under "json". Allocates from the memory of `request`; throws std::bad_alloc.
 void readRouteRequest(const tRequestTexts& texts, const tTopography& topography,
                       tRouteRequest& request);
 

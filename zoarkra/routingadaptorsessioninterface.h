@@ -12,8 +12,8 @@ namespace zoroco {
 
 // A session with a routing device. The order of the operations is part of the interface.
 //
-// Operations throw zoerr::Exception when they fail, and std::bad_alloc; the status takes warnings,
-// and its code goes to the driver. `output` is the client's place for an answer.
+// Operations throw zoerr::Exception when they fail, and std::bad_alloc. The status receives warnings;
+// its code is sent to the driver. `output`: the client's output argument.
 class RoutingAdaptorSessionInterface {
  public:
   RoutingAdaptorSessionInterface() = default;
@@ -23,14 +23,14 @@ class RoutingAdaptorSessionInterface {
 
   virtual void getHandledConstraints(char** output, zoerr::Status& status) = 0;
 
-  // Returns what the driver's calculation gives.
+  // Returns the value of the driver's calculation.
   virtual uint32_t calculateRoute(const zoark::tRequestTexts& texts, char** output,
                                   zoerr::Status& status) = 0;
-  // Answers only when routes are in the way.
+  // Writes an answer only when routes conflict.
   virtual void reserveRoute(uint32_t ticket, char** output, zoerr::Status& status) = 0;
   virtual void programRoute(uint32_t ticket, zoerr::Status& status) = 0;
 
-  // The steps of taking a route down. The words are the client's and are not looked at.
+  // The steps of a teardown. The two words of the client are ignored.
   virtual void unprogramRoute(uint32_t ticket, uint64_t first, uint64_t second) = 0;
   virtual void unreserveRoute(uint32_t ticket, uint64_t first, uint64_t second) = 0;
   virtual void beginExceptionalRouteDestruction(uint32_t ticket, uint64_t first,
@@ -41,7 +41,7 @@ class RoutingAdaptorSessionInterface {
 
   [[nodiscard]] virtual std::unique_ptr<TerminalIteratorInterface> getAllTerminals(
       zoerr::Status& status, uint64_t reserved) = 0;
-  // The id of the terminal that the iterator's would be driven from in a state of rest.
+  // The id of the terminal from which a reset would drive the iterator's terminal.
   virtual uint32_t calculateResetTerminal(const TerminalIteratorInterface& iterator,
                                           const char* mode, zoerr::Status& status) = 0;
 };

@@ -6,7 +6,7 @@
 namespace zoark {
 namespace {
 
-// How deep what lies in the document.
+// The depths of the parts of the document.
 constexpr size_t kDocument = 0;
 constexpr size_t kSeed = 1;
 constexpr size_t kMemberOfSeed = 2;
@@ -14,7 +14,7 @@ constexpr size_t kConstraint = 3;
 
 constexpr double kCostLimit = 4294967296.0;
 
-// A number that can be cut off to a cost; casting another one would be undefined.
+// A number that truncates to a cost; the conversion of any other is undefined.
 bool isCost(double number) noexcept {
   return std::trunc(number) >= 0 && number < kCostLimit;
 }
@@ -31,15 +31,15 @@ const tConstraint* findConstraint(std::string_view name) noexcept {
 bool tSeedsDocument::value(const tJsonValue& value, size_t depth) {
   switch (depth) {
     case kDocument:
-      return value.type == tJsonType::array || fail(kSeedsNoArray);
+      return value.type == tJsonType::array || fail(kSeedsNotArray);
     case kSeed:
       seed_ = {};
-      return value.type == tJsonType::object || fail(kSeedNoObject);
+      return value.type == tJsonType::object || fail(kSeedNotObject);
     case kMemberOfSeed:
-      takeMember(value);
+      readMember(value);
       return true;
     case kConstraint:
-      takeConstraint(value);
+      readConstraint(value);
       return true;
     default:
       return true;
@@ -64,7 +64,7 @@ bool tSeedsDocument::end(size_t depth) {
   return depth != kSeed || judge();
 }
 
-void tSeedsDocument::takeMember(const tJsonValue& value) {
+void tSeedsDocument::readMember(const tJsonValue& value) {
   switch (member_) {
     case tMember::terminal:
       seed_.terminal = {value.type, 0};
@@ -85,7 +85,7 @@ void tSeedsDocument::takeMember(const tJsonValue& value) {
   }
 }
 
-void tSeedsDocument::takeConstraint(const tJsonValue& value) {
+void tSeedsDocument::readConstraint(const tJsonValue& value) {
   if (constraint_ != nullptr && seed_.constraints.is(tJsonType::object)) {
     seed_.handled[constraint_ - kHandledConstraints] =
         tJsonValue{.type = value.type, .boolean = value.boolean};
@@ -97,10 +97,10 @@ bool tSeedsDocument::judge() {
     return fail(kTerminalMissing);
   }
   if (!seed_.terminal.is(tJsonType::string)) {
-    return fail(kTerminalNoString);
+    return fail(kTerminalNotString);
   }
   if (seed_.token.type && !seed_.token.is(tJsonType::string)) {
-    return fail(kTokenNoString);
+    return fail(kTokenNotString);
   }
   uint32_t constraints = 0;
   if (!judgeCost() || !judgeConstraints(constraints)) {
@@ -112,7 +112,7 @@ bool tSeedsDocument::judge() {
 
 bool tSeedsDocument::judgeCost() {
   if (seed_.cost.type && !seed_.cost.is(tJsonType::number)) {
-    return fail(kCostNoNumber);
+    return fail(kCostNotNumber);
   }
   return (seed_.cost.type && isCost(seed_.cost.number)) || fail(kCostMissingOrInvalid);
 }

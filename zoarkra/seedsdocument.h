@@ -13,9 +13,9 @@
 
 namespace zoark {
 
-// The seeds of a request: an array of objects. A seed is judged at its end, member by member in the
-// order of their table, whatever their order in the document; of several members with one name the
-// last counts.
+// The seeds of a request: an array of objects. A seed is judged at its end, member by member in a fixed
+// order, so that the order in the document does not matter; of several members with one name the last
+// counts.
 class tSeedsDocument final : public tRequestDocument {
  public:
   tSeedsDocument(const tTopography& topography, std::pmr::vector<tRouteSeed>& seeds) noexcept
@@ -34,14 +34,14 @@ class tSeedsDocument final : public tRequestDocument {
     unknown
   };
 
-  // What a member's value is.
+  // The value of a member, as far as it matters.
   struct tSeen {
     std::optional<tJsonType> type;
     double number = 0;
 
     [[nodiscard]] bool is(tJsonType expected) const noexcept { return type == expected; }
   };
-  // A seed as it was read.
+  // A seed as the document has it.
   struct tSeed {
     tSeen terminal;
     tSeen token;
@@ -51,8 +51,8 @@ class tSeedsDocument final : public tRequestDocument {
     uint32_t terminalId = ROUTE_NO_TERMINAL;
   };
 
-  void takeMember(const tJsonValue& value);
-  void takeConstraint(const tJsonValue& value);
+  void readMember(const tJsonValue& value);
+  void readConstraint(const tJsonValue& value);
   [[nodiscard]] bool judge();
   [[nodiscard]] bool judgeCost();
   [[nodiscard]] bool judgeConstraints(uint32_t& constraints);
@@ -60,8 +60,8 @@ class tSeedsDocument final : public tRequestDocument {
   const tTopography& topography_;
   std::pmr::vector<tRouteSeed>& seeds_;
   tSeed seed_;
-  tMember member_ = tMember::unknown;        // whose value comes, or is read
-  const tConstraint* constraint_ = nullptr;  // whose value comes; null for one that is not handled
+  tMember member_ = tMember::unknown;        // the current member of the seed
+  const tConstraint* constraint_ = nullptr;  // the current constraint; null for one not handled
 };
 
 }  // namespace zoark

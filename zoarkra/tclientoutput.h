@@ -8,7 +8,7 @@
 
 namespace zoark {
 
-// Whether a client's pointer has the alignment of its type.
+// True when a client's pointer has the alignment of its type.
 template <class T>
 [[nodiscard]] bool isAligned(const T* pointer) noexcept {
   return reinterpret_cast<uintptr_t>(pointer) % alignof(T) == 0;

@@ -2,8 +2,8 @@
 
 namespace zoark {
 
-void tDemotionNotification::takeNotice(uint32_t kind, tIONotification* notification, const uint8_t*,
-                                       uint32_t, nZOAPALS100::tStatus& status) noexcept {
+void tDemotionNotification::receive(uint32_t kind, tIONotification* notification, const uint8_t*,
+                                    uint32_t, nZOAPALS100::tStatus& status) noexcept {
   if (kind != nQUENRA1400::nZOAPAL000::kNotificationDelivered || notification == nullptr ||
       status.isError()) {
     return;

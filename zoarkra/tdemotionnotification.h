@@ -9,14 +9,14 @@ namespace zoark {
 // A session's registration for demotions.
 class tDemotionNotification final : public nQUENRA1400::nZOAPAL000::tIONotification {
  public:
-  // Whom to tell; not changed while it is enabled.
+  // Must not change while the notification is enabled.
   void setListener(iDemotionListener* listener) noexcept { listener_ = listener; }
 
-  // The callback of a reader at which only such notifications arrive. The end of the registration,
-  // a wait that failed and notices for nobody are told to nobody.
-  static void takeNotice(uint32_t kind, nQUENRA1400::nZOAPAL000::tIONotification* notification,
-                         const uint8_t* payload, uint32_t payloadSize,
-                         nZOAPALS100::tStatus& status) noexcept;
+  // The callback of a reader that serves only such notifications. It ignores the end of the
+  // registration, a failed wait and a delivery without a notification.
+  static void receive(uint32_t kind, nQUENRA1400::nZOAPAL000::tIONotification* notification,
+                      const uint8_t* payload, uint32_t payloadSize,
+                      nZOAPALS100::tStatus& status) noexcept;
 
  private:
   iDemotionListener* listener_ = nullptr;

@@ -9,8 +9,8 @@ namespace zoroco {
 
 // A walk over the terminals of a session. The order of the operations is part of the interface.
 //
-// Operations throw zoerr::Exception when they fail, and std::bad_alloc; the status takes warnings,
-// and its code goes to the driver.
+// Operations throw zoerr::Exception when they fail, and std::bad_alloc. The status receives warnings;
+// its code is sent to the driver.
 class TerminalIteratorInterface {
  public:
   TerminalIteratorInterface() = default;
@@ -21,13 +21,13 @@ class TerminalIteratorInterface {
   virtual void next(zoerr::Status& status) = 0;
   [[nodiscard]] virtual bool isEnd() const = 0;
 
-  // An attribute of the current terminal. A text is a constant, or null where it is absent.
+  // An attribute of the current terminal. A text is a constant, or null when absent.
   [[nodiscard]] virtual const char* getStringAttribute(const char* name,
                                                        zoerr::Status& status) const = 0;
   [[nodiscard]] virtual bool getBoolAttribute(const char* name, zoerr::Status& status) const = 0;
   [[nodiscard]] virtual uint32_t getU32Attribute(const char* name, zoerr::Status& status) const = 0;
 
-  // Returns the current terminal to a state of rest, "default" or "floating".
+  // Resets the current terminal; the mode is "default" or "floating".
   virtual void resetTerminal(const char* mode, zoerr::Status& status) = 0;
 };
 

@@ -25,22 +25,22 @@ struct tTerminal {
   bool isMaskedOut;
 };
 
-// The terminals of a trigger router. The driver tells by name which one it has.
+// The terminals of a trigger router. The driver reports the name of its topography.
 struct tTopography {
   const char* name;
   uint64_t terminalCount;
   const tTerminal* firstTerminal;
-  uint32_t words[2];  // part of the record; nothing here depends on them
+  uint32_t words[2];  // part of the record; the library does not read them
 
   [[nodiscard]] constexpr std::span<const tTerminal> terminals() const noexcept {
     return {firstTerminal, terminalCount};
   }
 };
 
-// The id of the terminal with exactly this name, ROUTE_NO_TERMINAL when there is none.
+// The id of the terminal with exactly this name, or ROUTE_NO_TERMINAL.
 [[nodiscard]] uint32_t terminalIdOf(const tTopography& topography, std::string_view name) noexcept;
 
-// The name of the terminal with this id, an empty text when there is none.
+// The name of the terminal with this id, or an empty text.
 [[nodiscard]] const char* terminalNameOf(const tTopography& topography, uint32_t id) noexcept;
 
 }  // namespace zoark

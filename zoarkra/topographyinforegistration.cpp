@@ -21,14 +21,14 @@ constexpr const char* kPxiTrig = "PXI_Trig";
 constexpr const char* kNone = nullptr;
 constexpr uint32_t kNoLine = kNoBusLine;
 
-// The order is that in which terminals are told.
+// The order is that of the iterator.
 // clang-format off
 constexpr tTerminal kPxiControllerTerminals[] = {
 // name        id  external owned visibility bus type line    bus name alias canonical masked out
 {"FLOAT",       1, false, true,  kPrivate, kNone,    kNoLine, kNone, false, "FLOAT",       false},
 {"TRIG_SMB",    2, false, true,  kPublic,  kNone,    kNoLine, kNone, false, "TRIG_SMB",    false},
 {"WD_Terminal", 3, false, true,  kPrivate, kNone,    kNoLine, kNone, false, "WD_Terminal", false},
-{"PXI_Trig0",   4, true,  false, kPublic,  kPxiTrig, 0,    kNone, false, "PXI_Trig0",   false},
+{"PXI_Trig0",   4, true,  false, kPublic,  kPxiTrig, 0,       kNone, false, "PXI_Trig0",   false},
 {"PXI_Trig1",   5, true,  false, kPublic,  kPxiTrig, 1,       kNone, false, "PXI_Trig1",   false},
 {"PXI_Trig2",   6, true,  false, kPublic,  kPxiTrig, 2,       kNone, false, "PXI_Trig2",   false},
 {"PXI_Trig3",   7, true,  false, kPublic,  kPxiTrig, 3,       kNone, false, "PXI_Trig3",   false},

@@ -7,8 +7,7 @@
 
 namespace zoark {
 
-// The topography with this name. Throws zoerr::Exception with kBadSelector when the library has
-// none of that name; the failure is traced.
+// The topography with this name. Traces an unknown name and throws zoerr::Exception with kBadSelector.
 [[nodiscard]] const tTopography& findTopography(std::string_view name);
 
 }  // namespace zoark

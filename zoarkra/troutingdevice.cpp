@@ -21,13 +21,13 @@ void tRoutingDevice::open(const char* name, tStatus& status) noexcept {
 
 void tRoutingDevice::startNotifications(iDemotionListener& listener, tStatus& status) {
   auto port = createCompletionPort(status);
-  // A failure that the system tells with a warning leaves no port either.
+  // A failure that maps to a warning leaves no port either.
   if (status.isError() || !port) {
     return;
   }
   reader_ = std::make_unique<tThreadedIONotificationReader>(std::move(port));
   notification_.setListener(&listener);
-  reader_->start(&tDemotionNotification::takeNotice, status);
+  reader_->start(&tDemotionNotification::receive, status);
   notification_.enable(*reader_, device_, ROUTING_NOTIFICATION_DEMOTED, status);
 }
 

@@ -24,7 +24,7 @@ class tRoutingDevice final : public iRoutingDevice {
   }
 
  private:
-  // What begins first ends last: nothing is closed before nobody reads from it any more.
+  // In this order, so that the reader ends before the device that it reads from is closed.
   nQUENRA1400::nZOAPAL000::tDeviceInterfaceProxy device_;
   nQUENRA1400::nZOAPAL000::tInterfaceProxy_routing routing_{device_};
   tDemotionNotification notification_;

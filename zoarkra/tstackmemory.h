@@ -9,8 +9,8 @@
 
 namespace zoark {
 
-// Memory for what an operation needs while it runs: bytes of its own first, then the heap. Nothing
-// is given back before it ends.
+// The memory of one operation: bytes of its own first, then the heap. It frees nothing before its own
+// end.
 template <size_t kBytes>
 class tStackMemory {
  public:

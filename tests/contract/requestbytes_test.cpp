@@ -36,7 +36,7 @@ class RequestBytes : public ContractTest {
   }
 };
 
-TEST_F(RequestBytes, OfAnUnsignedReadFromTheController) {
+TEST_F(RequestBytes, UnsignedReadFromTheController_SendsItsRequest) {
   machine().setAttributeU32(kSimulatorInterfaceController, 0x20144C00, 6);
   open();
   machine().clearLog();
@@ -46,7 +46,7 @@ TEST_F(RequestBytes, OfAnUnsignedReadFromTheController) {
   expectGetAttribute(kSimulatorInterfaceController, 0x20144C00, &value, 4);
 }
 
-TEST_F(RequestBytes, OfAnUnsignedReadFromMarten) {
+TEST_F(RequestBytes, UnsignedReadFromMarten_SendsItsRequest) {
   machine().setAttributeU32(kSimulatorInterfaceMarten, 0x20213100, 6);
   open();
   machine().clearLog();
@@ -55,7 +55,7 @@ TEST_F(RequestBytes, OfAnUnsignedReadFromMarten) {
   expectGetAttribute(kSimulatorInterfaceMarten, 0x20213100, &value, 4);
 }
 
-TEST_F(RequestBytes, OfATextReadFromMarten) {
+TEST_F(RequestBytes, TextReadFromMarten_SendsItsRequest) {
   machine().setAttributeText(kSimulatorInterfaceMarten, 0x10000400, "M-9.8");
   open();
   machine().clearLog();

@@ -1,4 +1,4 @@
-// Trigger routes through the exports, on the machine's router.
+// Trigger routes through the exports, on the router of the simulated machine.
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -22,15 +22,15 @@ namespace {
 
 using testing::HasSubstr;
 
-char* giveRoom(char* current, size_t required, const char*, size_t) {
+char* supplyBuffer(char* current, size_t required, const char*, size_t) {
   return static_cast<char*>(std::realloc(current, required));
 }
 
-// A client: a status, a place for answers, and a session with the machine's device.
+// A client: a status, an output argument, and a session with the device of the machine.
 class tRoutingClient {
  public:
   explicit tRoutingClient(zoroco_DemotionCallback callback = nullptr, void* context = nullptr)
-      : session(zoroco_ra_quenra_createSessionWithDemotionFunc(devicePath().c_str(), &giveRoom,
+      : session(zoroco_ra_quenra_createSessionWithDemotionFunc(devicePath().c_str(), &supplyBuffer,
                                                                callback, context, &status)) {}
   tRoutingClient(const tRoutingClient&) = delete;
   tRoutingClient& operator=(const tRoutingClient&) = delete;
@@ -70,7 +70,7 @@ class tRoutingClient {
 
 class Routing : public ContractTest {};
 
-TEST_F(Routing, LifeOfARoute_EndsWithNothingHeld) {
+TEST_F(Routing, LifeOfARoute_LeavesNothingReserved) {
   tRoutingClient client;
   ASSERT_NE(client.session, nullptr) << client.description();
   const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
@@ -89,13 +89,13 @@ TEST_F(Routing, LifeOfARoute_EndsWithNothingHeld) {
   EXPECT_EQ(client.status.code, 0) << client.description();
 }
 
-TEST_F(Routing, InversionThatIsRequired_IsToldInTheAnswer) {
+TEST_F(Routing, RequiredInversion_IsPartOfTheAnswer) {
   tRoutingClient client;
   EXPECT_THAT(client.calculate("TRIG_SMB", "PXI_Trig0", R"({"required":{"inversionNeeded":true}})"),
               HasSubstr(R"("indexOfStartingSeed":0,"constraints":{"inversionNeeded":true}}])"));
 }
 
-TEST_F(Routing, LineThatAnotherSessionHolds_IsRefusedWithItsHolder) {
+TEST_F(Routing, LineOfAnotherSession_IsRefusedWithItsHolder) {
   tRoutingClient holder;
   tRoutingClient client;
   const uint32_t held = holder.ticketFor("TRIG_SMB", "PXI_Trig0");
@@ -109,16 +109,16 @@ TEST_F(Routing, LineThatAnotherSessionHolds_IsRefusedWithItsHolder) {
                                  R"(,"ticket":)" + std::to_string(held) + "}]");
 }
 
-TEST_F(Routing, SessionThatIsDestroyed_LeavesItsRoutesToTheDriver) {
+TEST_F(Routing, DestroyedSession_LeavesItsRoutesToTheDriver) {
   {
     tRoutingClient holder;
     const uint32_t ticket = holder.ticketFor("TRIG_SMB", "PXI_Trig0");
     zoroco_ra_quenra_reserveRoute(holder.session, ticket, &holder.output, &holder.status);
   }
-  EXPECT_TRUE(machine().routes().empty()) << "which releases them when the device is closed";
+  EXPECT_TRUE(machine().routes().empty()) << "the driver releases them when the device is closed";
 }
 
-TEST_F(Routing, LongPath_IsToldWhole) {
+TEST_F(Routing, LongPath_IsWrittenInFull) {
   tRoutingClient client;
   const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
   machine().setPathLength(1000);
@@ -176,7 +176,7 @@ TEST_F(Routing, PathBufferTooSmallForTheTransportTwice_FailsWithPathTooLong) {
   EXPECT_EQ(requests(REQUEST_GET_ROUTE_TERMINAL_PATH).size(), 2u);
 }
 
-TEST_F(Routing, StepOutOfItsOrder_IsRefusedByTheDriver) {
+TEST_F(Routing, StepOutOfOrder_IsRefusedByTheDriver) {
   tRoutingClient client;
   const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
   zoroco_ra_quenra_programRoute(client.session, ticket, &client.status);
@@ -185,7 +185,7 @@ TEST_F(Routing, StepOutOfItsOrder_IsRefusedByTheDriver) {
             R"({"file":"tInterfaceProxy_routing","line":187,"component":"quenra"})");
 }
 
-TEST_F(Routing, TicketThatIsNotThere_CanBeTakenDown) {
+TEST_F(Routing, UnknownTicket_CanBeTornDown) {
   tRoutingClient client;
   zoroco_ra_quenra_unprogramRoute(client.session, 4711, 0, 0);
   zoroco_ra_quenra_unreserveRoute(client.session, 4711, 0, 0);
@@ -193,7 +193,7 @@ TEST_F(Routing, TicketThatIsNotThere_CanBeTakenDown) {
   EXPECT_EQ(client.status.code, 0);
 }
 
-TEST_F(Routing, TerminalThatIsNotThere_IsRefusedByTheDriver) {
+TEST_F(Routing, UnknownTerminal_IsRefusedByTheDriver) {
   tRoutingClient client;
   EXPECT_EQ(client.calculate("TRIG_SMB", "PXI_Trig8"), "(none)");
   EXPECT_EQ(client.status.code, SIMULATOR_STATUS_NO_SUCH_TERMINAL);
@@ -220,7 +220,7 @@ TEST_F(Routing, ResetOfATerminal_IsCalculatedAndDone) {
   EXPECT_EQ(requests(REQUEST_CALCULATE_RESET_TERMINAL).size(), 1u);
 }
 
-TEST_F(Routing, Demotion_IsToldToTheSessionOfTheRoute) {
+TEST_F(Routing, Demotion_CallsTheCallbackOfTheRoutesSession) {
   std::atomic<int> reason = 0;
   tRoutingClient other([](void* context, int32_t, zoerr_Status*,
                           void*) { *static_cast<std::atomic<int>*>(context) = -1; },
@@ -237,7 +237,7 @@ TEST_F(Routing, Demotion_IsToldToTheSessionOfTheRoute) {
   EXPECT_EQ(reason, 101);
 }
 
-// The notifications that a callback receives, as long as there are fewer than two.
+// The first two notifications that a callback receives.
 struct tNotifications {
   static void run(void* context, int32_t, zoerr_Status*, void* notification) {
     auto& self = *static_cast<tNotifications*>(context);
@@ -257,7 +257,7 @@ struct tNotifications {
   std::atomic<size_t> count = 0;
 };
 
-TEST_F(Routing, NotificationOfADemotion_IsThatOfItsSession) {
+TEST_F(Routing, NotificationOfADemotion_IdentifiesItsSession) {
   tNotifications first;
   tNotifications second;
   tRoutingClient firstClient(&tNotifications::run, &first);
@@ -274,7 +274,7 @@ TEST_F(Routing, NotificationOfADemotion_IsThatOfItsSession) {
   EXPECT_NE(first.received[0], second.received[0]);
 }
 
-// What a callback tells the test, and the other way round.
+// A callback that the test observes and holds.
 struct tSlowCallback {
   static void run(void* context, int32_t, zoerr_Status*, void*) {
     auto& self = *static_cast<tSlowCallback*>(context);
@@ -285,7 +285,7 @@ struct tSlowCallback {
     }
     self.isInside = false;
   }
-  // False when it does not come within 20 s.
+  // False after 20 s.
   [[nodiscard]] static bool becomesTrue(const std::function<bool()>& condition) {
     for (int i = 0; !condition() && i < 2000; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -298,7 +298,7 @@ struct tSlowCallback {
   std::atomic<bool> mayLeave = false;
 };
 
-TEST_F(Routing, SessionDestroyedWhileItsCallbackRuns_WaitsForIt) {
+TEST_F(Routing, DestructionWhileTheCallbackRuns_WaitsForIt) {
   tSlowCallback callback;
   auto client = std::make_unique<tRoutingClient>(&tSlowCallback::run, &callback);
   const uint32_t ticket = client->ticketFor("TRIG_SMB", "PXI_Trig0");
@@ -318,17 +318,17 @@ TEST_F(Routing, SessionDestroyedWhileItsCallbackRuns_WaitsForIt) {
   EXPECT_EQ(callback.calls, 1);
 }
 
-TEST_F(Routing, SessionDestroyedByAnotherThreadWhileDemotionsArrive_TellsNothingAfterwards) {
+TEST_F(Routing, DestructionOnAnotherThreadWhileDemotionsArrive_DeliversNothingAfterwards) {
   std::atomic<bool> isOver = false;
-  std::thread teller([&isOver] {
-    nSimulator::tSimulatedMachine telling;
+  std::thread notifier([&isOver] {
+    nSimulator::tSimulatedMachine sender;
     tSimulatorNotice notice{};
     notice.mask = ROUTING_NOTIFICATION_DEMOTED;
     while (!isOver) {
       try {
-        telling.notify(notice);
+        sender.notify(notice);
       } catch (const nSimulator::tControlError&) {
-        // Nobody is registered, or too much is held back.
+        // No session is registered, or the driver holds too many notices back.
       }
     }
   });
@@ -344,10 +344,10 @@ TEST_F(Routing, SessionDestroyedByAnotherThreadWhileDemotionsArrive_TellsNothing
     EXPECT_EQ(callback.calls, calls);
   }
   isOver = true;
-  teller.join();
+  notifier.join();
 }
 
-TEST_F(Routing, RouterOfAnotherName_HasNoSession) {
+TEST_F(Routing, RouterOfAnotherName_FailsWithBadSelector) {
   machine().setTopographyName("other");
   tRoutingClient client;
   EXPECT_EQ(client.session, nullptr);
@@ -355,23 +355,23 @@ TEST_F(Routing, RouterOfAnotherName_HasNoSession) {
   EXPECT_THAT(client.description(), HasSubstr(R"("zoark_debug":"Topography not found: other"})"));
 }
 
-TEST_F(Routing, DeviceThatIsNotThere_HasNoSession) {
+TEST_F(Routing, MissingDevice_FailsWithNotFound) {
   zoerr_Status status = zoerr_Status_initial();
-  EXPECT_EQ(zoroco_ra_quenra_createSession(R"(\\?\nothing)", &giveRoom, &status), nullptr);
+  EXPECT_EQ(zoroco_ra_quenra_createSession(R"(\\?\nothing)", &supplyBuffer, &status), nullptr);
   EXPECT_EQ(status.code, QUENRA_STATUS_NOT_FOUND);
   EXPECT_STREQ(status.description,
                R"({"file":"tdeviceinterfaceproxy","line":43,"component":"quenra"})");
   zoerr_Status_release(&status);
 }
 
-// The program of docs/routing.md. It waits for a key, of which there is none.
+// The program of docs/routing.md. It waits for a key and finds the end of its input.
 TEST_F(Routing, ProgramOfTheDocumentation_ConnectsTwoTerminals) {
 #ifdef _WIN32
-  constexpr const char* kNothingToRead = "NUL";
+  constexpr const char* kEmptyInput = "NUL";
 #else
-  constexpr const char* kNothingToRead = "/dev/null";
+  constexpr const char* kEmptyInput = "/dev/null";
 #endif
-  ASSERT_NE(std::freopen(kNothingToRead, "r", stdin), nullptr);
+  ASSERT_NE(std::freopen(kEmptyInput, "r", stdin), nullptr);
   std::string words[] = {"routing", tRoutingClient::devicePath(), "TRIG_SMB", "PXI_Trig0"};
   char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data()};
   testing::internal::CaptureStdout();

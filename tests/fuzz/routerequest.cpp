@@ -27,7 +27,7 @@ constexpr int32_t kInvalidParameter = -52005;
 // In the place of an answer, with a buffer of exactly the size that is asked for.
 std::unique_ptr<char[]> answer;
 
-char* giveRoom(char*, size_t required, const char*, size_t) {
+char* supplyBuffer(char*, size_t required, const char*, size_t) {
   answer = std::make_unique<char[]>(required);
   return answer.get();
 }
@@ -43,7 +43,7 @@ struct tSession {
   zoerr::tOwnedStatus status;
   ARKRoutingAdaptorSession session{std::make_unique<nTests::tScriptedRoutingDevice>(script),
                                    "device",
-                                   {&giveRoom, nullptr, nullptr},
+                                   {&supplyBuffer, nullptr, nullptr},
                                    status};
 };
 

@@ -6,7 +6,7 @@
 
 namespace nTests {
 
-// A client's record as one of the library, to look at.
+// A copy of a client's record as a record of the library, for reading.
 inline zoerr::Status recordOf(const zoerr_Status& client) {
   zoerr::Status record;
   record.code = client.code;

@@ -1,4 +1,4 @@
-// What a client's status record takes over from the library's.
+// The merge of the library's status into a client's record.
 #include "routingadaptorinterface/clientstatus.h"
 
 #include <gtest/gtest.h>
@@ -64,7 +64,7 @@ TEST(MergeIntoClient, ErrorOnAnError_KeepsTheFirst) {
   EXPECT_EQ(descriptionOf(recordOf(client)), kDescription);
 }
 
-TEST(MergeIntoClient, SourceWithoutADescription_EmptiesTheClients) {
+TEST(MergeIntoClient, SourceWithoutADescription_EmptiesThatOfTheClient) {
   tClientStatus client;
   mergeIntoClient(client, tSource(5));
   zoerr::Status bare;
@@ -84,28 +84,28 @@ TEST(MergeIntoClient, LongDescription_GrowsTheBuffer) {
             R"({"file":")" + name + R"(","line":7,"component":"quenra"})");
 }
 
-TEST(MergeIntoClient, ClientWithoutAReallocationFunction_HasTheCodeAlone) {
+TEST(MergeIntoClient, ClientWithoutAReallocationFunction_ReceivesTheCodeAlone) {
   zoerr_Status client{0, 0, nullptr, nullptr};
   mergeIntoClient(client, tSource(-7));
   EXPECT_EQ(client.code, -7);
   EXPECT_EQ(client.description, nullptr);
 }
 
-TEST(MergeIntoClient, ClientThatRefuses_HasTheCodeAlone) {
+TEST(MergeIntoClient, ReallocationThatFails_StoresTheCodeAlone) {
   zoerr_Status client{0, 0, [](zoerr_Status*, uint32_t) { return false; }, nullptr};
   mergeIntoClient(client, tSource(-7));
   EXPECT_EQ(client.code, -7);
   EXPECT_EQ(client.description, nullptr);
 }
 
-TEST(MergeIntoClient, ClientThatOnlyPretends_HasTheCodeAlone) {
+TEST(MergeIntoClient, ReallocationThatSucceedsWithoutABuffer_StoresTheCodeAlone) {
   zoerr_Status client{0, 0, [](zoerr_Status*, uint32_t) { return true; }, nullptr};
   mergeIntoClient(client, tSource(-7));
   EXPECT_EQ(client.code, -7);
   EXPECT_EQ(client.description, nullptr);
 }
 
-TEST(MergeIntoClient, BufferThatIsTooSmallAndStays_IsEmptied) {
+TEST(MergeIntoClient, BufferThatCannotGrow_IsEmptied) {
   std::array<char, 10> buffer{};
   zoerr::resetDescription(buffer.data(), buffer.size());
   zoerr_Status client{0, buffer.size(), nullptr, buffer.data()};
@@ -118,7 +118,7 @@ bool throwException(zoerr_Status*, uint32_t) {
   throw std::runtime_error("client");
 }
 
-TEST(MergeIntoClient, ReallocationThatThrows_KeepsTheErrorAlone) {
+TEST(MergeIntoClient, ReallocationThatThrows_StoresTheErrorAlone) {
   zoerr_Status client{0, 0, &throwException, nullptr};
   mergeIntoClient(client, tSource(-7));
   EXPECT_EQ(client.code, -7);
@@ -155,13 +155,13 @@ TEST(MergeIntoClient, ReallocationThatThrows_IsNotCalledWhereNothingIsStored) {
   EXPECT_EQ(client.code, 5);
 }
 
-TEST(MergeIntoClient, ExactlyTheBytesNeeded_AreAskedFor) {
-  static std::vector<uint32_t> asked;
+TEST(MergeIntoClient, Reallocation_IsCalledWithTheBytesNeeded) {
+  static std::vector<uint32_t> requested;
   static std::array<char, 64> buffer;
-  asked.clear();
+  requested.clear();
   zoerr_Status client{0, 0,
                       [](zoerr_Status* status, uint32_t newCapacity) {
-                        asked.push_back(newCapacity);
+                        requested.push_back(newCapacity);
                         status->description = buffer.data();
                         status->capacity = newCapacity;
                         return true;
@@ -169,7 +169,7 @@ TEST(MergeIntoClient, ExactlyTheBytesNeeded_AreAskedFor) {
                       nullptr};
   mergeIntoClient(client, tSource(-7));
   const auto needed = static_cast<uint32_t>(std::string_view(kDescription).size() + 2);
-  EXPECT_EQ(asked, std::vector<uint32_t>{needed});
+  EXPECT_EQ(requested, std::vector<uint32_t>{needed});
   EXPECT_EQ(descriptionOf(recordOf(client)), kDescription);
 }
 

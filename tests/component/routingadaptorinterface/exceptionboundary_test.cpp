@@ -1,4 +1,4 @@
-// Nothing that is thrown behind an export leaves it.
+// No exception leaves an export.
 #include "routingadaptorinterface/exceptionboundary.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ namespace {
 using zoroco::runSilently;
 using zoroco::runWithoutThrowing;
 
-TEST(RoutingBoundary, Success_GivesTheResultAndLeavesTheStatus) {
+TEST(RoutingBoundary, Success_ReturnsTheResultAndKeepsTheStatus) {
   tClientStatus client;
   EXPECT_EQ(runWithoutThrowing(&client, 7, [](zoerr::Status&) { return 8; }), 8);
   EXPECT_EQ(client.code, 0);
@@ -46,7 +46,7 @@ TEST(RoutingBoundary, NoStatus_RunsNothing) {
   EXPECT_FALSE(hasRun);
 }
 
-TEST(RoutingBoundary, Warning_IsSeenByTheOperationAndStays) {
+TEST(RoutingBoundary, Warning_ReachesTheOperationAndIsKept) {
   tClientStatus client;
   client.code = 5;
   EXPECT_EQ(runWithoutThrowing(&client, 7, [](zoerr::Status& own) { return own.code; }), 5);
@@ -92,7 +92,7 @@ TEST(RoutingBoundary, WarningOfTheOperation_ArrivesWithItsDescription) {
   EXPECT_EQ(descriptionOf(recordOf(client)), R"({"file":"file","line":5,"component":"quenra"})");
 }
 
-TEST(RoutingBoundary, AnythingElse_BecomesInternalError) {
+TEST(RoutingBoundary, AnyOtherException_BecomesInternalError) {
   tClientStatus first;
   runWithoutThrowing(&first, 7, [](zoerr::Status&) -> int { throw std::runtime_error("fault"); });
   EXPECT_EQ(first.code, -52008);
@@ -116,7 +116,7 @@ TEST(RoutingBoundary, ClientThatThrowsForTheDescriptionOfAWarning_HasNoResult) {
   EXPECT_EQ(client.code, QUENRA_STATUS_INTERNAL_ERROR);
 }
 
-TEST(RoutingBoundary, RunSilently_DropsWhateverIsThrown) {
+TEST(RoutingBoundary, RunSilently_DropsEveryException) {
   EXPECT_EQ(runSilently(7, [] { return 8; }), 8);
   EXPECT_EQ(runSilently(7, []() -> int { throw std::bad_alloc(); }), 7);
   EXPECT_EQ(runSilently(7, []() -> int { throw zoerr::Exception(); }), 7);

@@ -22,7 +22,7 @@ using tStrings = std::vector<std::string>;
 constexpr const char* kSeeds = R"([{"terminal":"TRIG_SMB","cost":1,"constraints":{}}])";
 constexpr const char* kDestinations = R"(["PXI_Trig0"])";
 constexpr const char* kCalculation =
-    "calculateRoute([2/1/0] -> [4], required 0, optional 0, options 0, room 2)";
+    "calculateRoute([2/1/0] -> [4], required 0, optional 0, options 0, capacity 2)";
 constexpr const char* kNoHandle =
     R"({"error_constant":"zoapalerr_invalidParameter",)"
     R"("file":"routingadaptorinterface\\routingadaptorexports","line":48,"component":"quenra"})";
@@ -31,7 +31,7 @@ class RoutingExports : public testing::Test {
  protected:
   RoutingExports() {
     useDevice(script_);
-    session_ = zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status_);
+    session_ = zoroco_ra_quenra_createSession("device", &tAnswer::supplyBuffer, &status_);
     script_.router.calls.clear();
   }
   ~RoutingExports() override {
@@ -55,7 +55,7 @@ class RoutingExports : public testing::Test {
   zoroco_TerminalIterator* iterator_ = nullptr;
 };
 
-TEST_F(RoutingExports, OfAProgramInC_AreAllThere) {
+TEST_F(RoutingExports, ExportsOfAProgramInC_AreComplete) {
   std::set<std::string> names;
   for (const tExport& entry : kExportsOfC) {
     EXPECT_NE(entry.function, nullptr) << entry.name;
@@ -70,7 +70,7 @@ TEST_F(RoutingExports, Version_IsThree) {
 
 // ---- Sessions ----
 
-TEST_F(RoutingExports, SessionThatIsCreated_IsOpenUntilItIsDestroyed) {
+TEST_F(RoutingExports, Session_IsOpenUntilItIsDestroyed) {
   ASSERT_NE(session_, nullptr);
   EXPECT_EQ(script_.events, (tStrings{"open device", "start"}));
   zoroco_ra_quenra_destroySession(session_);
@@ -78,38 +78,38 @@ TEST_F(RoutingExports, SessionThatIsCreated_IsOpenUntilItIsDestroyed) {
   EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
 }
 
-TEST_F(RoutingExports, SessionWithoutACallback_TellsNoDemotion) {
+TEST_F(RoutingExports, SessionWithoutACallback_DropsDemotions) {
   ASSERT_NE(script_.listener, nullptr);
   script_.listener->routeDemoted(&script_);
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(RoutingExports, SessionWithACallback_TellsDemotions) {
-  static std::vector<std::string> told;
-  told.clear();
+TEST_F(RoutingExports, SessionWithACallback_CallsItOnADemotion) {
+  static std::vector<std::string> received;
+  received.clear();
   int context = 0;
   auto* const session = zoroco_ra_quenra_createSessionWithDemotionFunc(
-      "device", &tAnswer::giveRoom,
+      "device", &tAnswer::supplyBuffer,
       [](void* itsContext, int32_t reason, zoerr_Status* status, void* notification) {
         EXPECT_EQ(itsContext, notification);
-        told.push_back(std::to_string(reason) + " " + std::to_string(status->code));
+        received.push_back(std::to_string(reason) + " " + std::to_string(status->code));
       },
       &context, &status_);
   script_.listener->routeDemoted(&context);
-  EXPECT_EQ(told, tStrings{"101 0"});
+  EXPECT_EQ(received, tStrings{"101 0"});
   zoroco_ra_quenra_destroySession(session);
 }
 
-TEST_F(RoutingExports, SessionThatCannotBeCreated_IsNullWithItsReason) {
+TEST_F(RoutingExports, SessionThatCannotBeCreated_IsNullWithAStatus) {
   script_.openCode = -52006;
-  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status_), nullptr);
+  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::supplyBuffer, &status_), nullptr);
   EXPECT_EQ(status_.code, -52006);
   EXPECT_EQ(description(), R"({"file":"device","line":1,"component":"driver"})");
 }
 
-TEST_F(RoutingExports, SessionOfAnUnknownTopography_IsNullWithItsReason) {
+TEST_F(RoutingExports, SessionOfAnUnknownTopography_IsNullWithAStatus) {
   script_.router.topographyName = "other";
-  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status_), nullptr);
+  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::supplyBuffer, &status_), nullptr);
   EXPECT_EQ(status_.code, -50003);
   EXPECT_EQ(description(),
             R"({"error_constant":"zopalerr_badSelector",)"
@@ -117,20 +117,20 @@ TEST_F(RoutingExports, SessionOfAnUnknownTopography_IsNullWithItsReason) {
             R"("zoark_debug":"Topography not found: other"})");
 }
 
-TEST_F(RoutingExports, SessionThatDoesNotExist_CanBeDestroyed) {
+TEST_F(RoutingExports, NullHandle_CanBeDestroyed) {
   script_.events.clear();
   zoroco_ra_quenra_destroySession(nullptr);
   zoroco_ra_quenra_TerminalIterator_destroy(nullptr);
   EXPECT_TRUE(script_.events.empty());
 }
 
-TEST_F(RoutingExports, SessionWhoseWarningCannotBeDescribed_IsDestroyedAgain) {
+TEST_F(RoutingExports, SessionWithAWarningThatCannotBeDescribed_IsDestroyed) {
   zoroco_ra_quenra_destroySession(session_);
   session_ = nullptr;
   script_.events.clear();
   script_.openCode = 5;
   zoerr_Status status{0, 0, [](zoerr_Status*, uint32_t) -> bool { throw 5; }, nullptr};
-  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::giveRoom, &status), nullptr);
+  EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::supplyBuffer, &status), nullptr);
   EXPECT_EQ(status.code, QUENRA_STATUS_INTERNAL_ERROR);
   EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
 }
@@ -191,14 +191,14 @@ TEST_F(RoutingExports, ReallocationThatThrowsAnything_FailsWithInternalError) {
 
 TEST_F(RoutingExports, StatusReallocationThatThrows_LeavesTheErrorWithoutADescription) {
   zoerr_Status status{0, 0, [](zoerr_Status*, uint32_t) -> bool { throw 5; }, nullptr};
-  zoroco_ra_quenra_calculateRoute(session_, "5", kDestinations, "{}", answer_.place(), &status);
+  zoroco_ra_quenra_calculateRoute(session_, "5", kDestinations, "{}", answer_.output(), &status);
   EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(status.description, nullptr);
 }
 
-// ---- What exports have in common ----
+// ---- Rules of all exports ----
 
-// Calls every export that takes a status, with pointers that must not be followed.
+// Calls each export that has a status, with pointers that it must not follow.
 void callEverything(zoerr_Status* status) {
   auto* const session = reinterpret_cast<zoroco_RoutingAdaptorSession*>(uintptr_t{8});
   auto* const iterator = reinterpret_cast<zoroco_TerminalIterator*>(uintptr_t{16});
@@ -223,7 +223,7 @@ void callEverything(zoerr_Status* status) {
       0u);
 }
 
-TEST_F(RoutingExports, OnAnError_DoNothingAndFollowNoPointer) {
+TEST_F(RoutingExports, StatusWithAnError_FollowsNoPointer) {
   status_.code = -1;
   callEverything(&status_);
   EXPECT_EQ(status_.code, -1);
@@ -231,12 +231,12 @@ TEST_F(RoutingExports, OnAnError_DoNothingAndFollowNoPointer) {
   EXPECT_TRUE(calls().empty());
 }
 
-TEST_F(RoutingExports, WithoutAStatus_DoNothingAndFollowNoPointer) {
+TEST_F(RoutingExports, NullStatus_FollowsNoPointer) {
   callEverything(nullptr);
   EXPECT_TRUE(calls().empty());
 }
 
-TEST_F(RoutingExports, OnANullSession_TellSo) {
+TEST_F(RoutingExports, NullSession_FailsWithInvalidParameter) {
   const auto expectRefused = [](auto call) {
     tClientStatus status;
     call(&status);
@@ -244,17 +244,17 @@ TEST_F(RoutingExports, OnANullSession_TellSo) {
     EXPECT_EQ(descriptionOf(recordOf(status)), kNoHandle);
   };
   expectRefused([&](zoerr_Status* status) {
-    zoroco_ra_quenra_getHandledConstraints(nullptr, answer_.place(), status);
+    zoroco_ra_quenra_getHandledConstraints(nullptr, answer_.output(), status);
   });
   expectRefused([&](zoerr_Status* status) {
-    zoroco_ra_quenra_calculateRoute(nullptr, "[]", "[]", "{}", answer_.place(), status);
+    zoroco_ra_quenra_calculateRoute(nullptr, "[]", "[]", "{}", answer_.output(), status);
   });
   expectRefused([&](zoerr_Status* status) {
-    zoroco_ra_quenra_reserveRoute(nullptr, 7, answer_.place(), status);
+    zoroco_ra_quenra_reserveRoute(nullptr, 7, answer_.output(), status);
   });
   expectRefused([](zoerr_Status* status) { zoroco_ra_quenra_programRoute(nullptr, 7, status); });
   expectRefused([&](zoerr_Status* status) {
-    zoroco_ra_quenra_getRouteTerminalPath(nullptr, 7, answer_.place(), status);
+    zoroco_ra_quenra_getRouteTerminalPath(nullptr, 7, answer_.output(), status);
   });
   expectRefused([](zoerr_Status* status) {
     EXPECT_EQ(zoroco_ra_quenra_getAllTerminals(nullptr, status, 0), nullptr);
@@ -268,7 +268,7 @@ TEST_F(RoutingExports, OnANullSession_TellSo) {
   });
 }
 
-TEST_F(RoutingExports, OnANullIterator_TellSo) {
+TEST_F(RoutingExports, NullIterator_FailsWithInvalidParameter) {
   const auto expectRefused = [](auto call) {
     tClientStatus status;
     call(&status);
@@ -294,38 +294,38 @@ TEST_F(RoutingExports, OnANullIterator_TellSo) {
 
 // ---- Routes ----
 
-TEST_F(RoutingExports, LifeOfARoute_IsOneRequestForEachStep) {
+TEST_F(RoutingExports, LifeOfARoute_SendsOneRequestForEachStep) {
   script_.router.routes = {{7, 4, 1, 0, 0, {}}};
   script_.router.value = 77;
   script_.router.path = {2, 4};
-  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.place(),
+  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.output(),
                                             &status_),
             77u);
   EXPECT_EQ(answer_.text(),
             R"([{"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,)"
             R"("constraints":{}}])");
-  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.place(), &status_);
+  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.output(), &status_);
   zoroco_ra_quenra_programRoute(session_, 7, &status_);
-  zoroco_ra_quenra_getRouteTerminalPath(session_, 7, answer_.place(), &status_);
+  zoroco_ra_quenra_getRouteTerminalPath(session_, 7, answer_.output(), &status_);
   EXPECT_EQ(answer_.text(), R"(["TRIG_SMB","PXI_Trig0"])");
   zoroco_ra_quenra_beginExceptionalRouteDestruction(session_, 7, 1, 2);
   zoroco_ra_quenra_unprogramRoute(session_, 7, 1, 2);
   zoroco_ra_quenra_unreserveRoute(session_, 7, 1, 2);
   zoroco_ra_quenra_destroyRoute(session_, 7, 1, 2);
-  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, room 8)", "programRoute(7)",
-                               "getRouteTerminalPath(7, room 32)", "unprogramRoute(7)",
+  EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, capacity 8)", "programRoute(7)",
+                               "getRouteTerminalPath(7, capacity 32)", "unprogramRoute(7)",
                                "unreserveRoute(7)", "destroyRoute(7)"}));
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(RoutingExports, HandledConstraints_AreExactlyTheOne) {
-  zoroco_ra_quenra_getHandledConstraints(session_, answer_.place(), &status_);
+TEST_F(RoutingExports, HandledConstraints_AreInversionNeededAlone) {
+  zoroco_ra_quenra_getHandledConstraints(session_, answer_.output(), &status_);
   EXPECT_EQ(answer_.text(), R"(["inversionNeeded"])");
 }
 
-TEST_F(RoutingExports, BadRequest_IsToldToTheClient) {
+TEST_F(RoutingExports, BadRequest_IsDescribedInTheStatus) {
   EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, R"([{"terminal":5}])", kDestinations, "{}",
-                                            answer_.place(), &status_),
+                                            answer_.output(), &status_),
             0u);
   EXPECT_EQ(status_.code, -52005);
   EXPECT_EQ(description(),
@@ -335,28 +335,28 @@ TEST_F(RoutingExports, BadRequest_IsToldToTheClient) {
   EXPECT_TRUE(calls().empty());
 }
 
-TEST_F(RoutingExports, Conflict_IsReportedAndTold) {
+TEST_F(RoutingExports, Conflict_IsWrittenAndReported) {
   script_.router.codes = {-89137};
   script_.router.conflicts = {{3, 4, 0}};
-  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.place(), &status_);
+  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.output(), &status_);
   EXPECT_EQ(status_.code, -89137);
   EXPECT_EQ(answer_.text(), R"([{"sessionId":3,"ticket":4}])");
   EXPECT_EQ(description(), R"({"file":"router","line":9,"component":"driver"})");
 }
 
-TEST_F(RoutingExports, FailureOfTheDriver_GivesNoValue) {
+TEST_F(RoutingExports, FailureOfTheDriver_ReturnsNoValue) {
   script_.router.codes = {-7};
   script_.router.value = 77;
-  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.place(),
+  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.output(),
                                             &status_),
             0u);
   EXPECT_EQ(status_.code, -7);
 }
 
-TEST_F(RoutingExports, WarningOfTheDriver_ComesWithTheValue) {
+TEST_F(RoutingExports, WarningOfTheDriver_IsReportedWithTheValue) {
   script_.router.codes = {7};
   script_.router.value = 77;
-  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.place(),
+  EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, kSeeds, kDestinations, "{}", answer_.output(),
                                             &status_),
             77u);
   EXPECT_EQ(status_.code, 7);
@@ -364,15 +364,15 @@ TEST_F(RoutingExports, WarningOfTheDriver_ComesWithTheValue) {
   EXPECT_EQ(calls().back(), "programRoute(7) st=7");
 }
 
-TEST_F(RoutingExports, MoreConflictsThanMemory_AreMemoryFull) {
+TEST_F(RoutingExports, MoreConflictsThanTheLargestCount_FailWithMemoryFull) {
   script_.router.codes = {-89137};
-  script_.router.conflictCountTold = 4'000'000'000;
-  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.place(), &status_);
+  script_.router.reportedConflictCount = 4'000'000'000;
+  zoroco_ra_quenra_reserveRoute(session_, 7, answer_.output(), &status_);
   EXPECT_EQ(status_.code, -52000);
   EXPECT_EQ(answer_.text(), "(none)");
 }
 
-TEST_F(RoutingExports, TeardownThatTheDriverRefuses_LeavesNoTrace) {
+TEST_F(RoutingExports, TeardownThatTheDriverRefuses_Returns) {
   script_.router.codes = {-1, -2, -3};
   zoroco_ra_quenra_unprogramRoute(session_, 7, 0, 0);
   zoroco_ra_quenra_unreserveRoute(session_, 7, 0, 0);
@@ -390,7 +390,7 @@ TEST_F(RoutingExports, TeardownOfANullSession_DoesNothing) {
 
 // ---- Terminals ----
 
-TEST_F(RoutingExports, WalkOverTheTerminals_GivesAllOfThem) {
+TEST_F(RoutingExports, WalkOverTheTerminals_ReturnsEachOfThem) {
   std::string names;
   uint32_t owned = 0;
   uint32_t ids = 0;
@@ -410,7 +410,7 @@ TEST_F(RoutingExports, WalkOverTheTerminals_GivesAllOfThem) {
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(RoutingExports, AttributeOfAnotherType_IsABadSelector) {
+TEST_F(RoutingExports, AttributeOfAnotherType_FailsWithBadSelector) {
   EXPECT_FALSE(zoroco_ra_quenra_TerminalIterator_getBoolAttribute(iterator(), "name", &status_));
   EXPECT_EQ(status_.code, -50003);
   EXPECT_EQ(description(),
@@ -418,7 +418,7 @@ TEST_F(RoutingExports, AttributeOfAnotherType_IsABadSelector) {
             R"("line":450,"component":"quenra"})");
 }
 
-TEST_F(RoutingExports, ResetOfATerminal_AsksTheDriver) {
+TEST_F(RoutingExports, ResetOfATerminal_SendsItsRequest) {
   script_.router.value = 9;
   zoroco_ra_quenra_TerminalIterator_resetTerminal(iterator(), "floating", &status_);
   EXPECT_EQ(zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(session_, iterator(),

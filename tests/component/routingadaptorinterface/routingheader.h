@@ -14,10 +14,10 @@ typedef struct tStatusFunctions {
   void (*release)(zoerr_Status* status);
 } tStatusFunctions;
 
-/* As a program in C has them. */
+/* In a program in C. */
 extern const tStatusFunctions kStatusFunctionsOfC;
 
-/* What the header declares. */
+/* The functions that the header declares. */
 enum {
   EXPORTS = 22
 };

@@ -17,7 +17,7 @@ void useDevice(tRoutingDeviceScript& script) noexcept {
 
 namespace zoark {
 
-// Linked in the place of the system's.
+// Linked instead of the system's.
 std::unique_ptr<iRoutingDevice> makeRoutingDevice() {
   return std::make_unique<nTests::tScriptedRoutingDevice>(*nTests::current);
 }

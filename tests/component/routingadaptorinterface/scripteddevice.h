@@ -5,7 +5,7 @@
 
 namespace nTests {
 
-// The sessions that are created from now on open this in the place of the system's device.
+// Sessions created from now on open the scripted device instead of the system's.
 void useDevice(tRoutingDeviceScript& script) noexcept;
 
 }  // namespace nTests

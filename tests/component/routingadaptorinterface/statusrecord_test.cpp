@@ -1,4 +1,4 @@
-// The status record that comes with the routing header, as programs in C and in C++ have it.
+// The status record of the routing header, in programs in C and in C++.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -51,14 +51,14 @@ TEST_P(ClientStatus, Growth_GoesToTheNextPowerOfTwoAndKeepsTheText) {
   EXPECT_EQ(description(), R"({"line":7})");
 }
 
-TEST_P(ClientStatus, CapacityThatIsThere_ChangesNothing) {
+TEST_P(ClientStatus, SufficientCapacity_ChangesNothing) {
   ASSERT_TRUE(status_.reallocate(&status_, 512));
   const char* const before = status_.description;
   EXPECT_TRUE(status_.reallocate(&status_, 512));
   EXPECT_EQ(status_.description, before);
 }
 
-TEST_P(ClientStatus, CapacityThatNothingHas_IsRefused) {
+TEST_P(ClientStatus, ImpossibleCapacity_IsRefused) {
   ASSERT_TRUE(status_.reallocate(&status_, 1));
   EXPECT_FALSE(status_.reallocate(&status_, 0x80000000));
   EXPECT_EQ(status_.capacity, 512u);

@@ -28,13 +28,13 @@ const tFailure kUnknownAttribute{
 const tFailure kUnknownMode{
     -50003, R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
             R"("line":512,"component":"quenra"})"};
-const tFailure kBehindTheEnd{
+const tFailure kPastTheEnd{
     -52005, R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
             R"("line":431,"component":"quenra"})"};
 
 class TerminalIterator : public testing::Test {
  protected:
-  // Goes to the terminal with this name.
+  // Moves to the terminal with this name.
   void goTo(const char* name) {
     while (!iterator_.isEnd() && std::strcmp(string("name"), name) != 0) {
       iterator_.next(status_);
@@ -55,7 +55,7 @@ class TerminalIterator : public testing::Test {
   zoerr::tOwnedStatus status_;
 };
 
-TEST_F(TerminalIterator, FullWalk_GivesElevenTerminalsInTheirOrder) {
+TEST_F(TerminalIterator, CompleteWalk_Returns11TerminalsInTableOrder) {
   std::vector<std::string> walked;
   for (; !iterator_.isEnd(); iterator_.next(status_)) {
     walked.push_back(std::to_string(number("id")) + " " + string("name"));
@@ -67,7 +67,7 @@ TEST_F(TerminalIterator, FullWalk_GivesElevenTerminalsInTheirOrder) {
   EXPECT_TRUE(router_.calls.empty());
 }
 
-TEST_F(TerminalIterator, BehindTheEnd_StaysAtTheEnd) {
+TEST_F(TerminalIterator, NextPastTheEnd_StaysAtTheEnd) {
   goToTheEnd();
   for (int i = 0; i < 100; ++i) {
     iterator_.next(status_);
@@ -103,7 +103,7 @@ TEST_F(TerminalIterator, BusLineOfTheFloatingTerminal_IsAllOnes) {
   EXPECT_FALSE(flag("isExternal"));
 }
 
-TEST_F(TerminalIterator, NamesOfOtherTypes_AreUnknown) {
+TEST_F(TerminalIterator, NameOfAnotherType_FailsWithBadSelector) {
   for (const auto* names : {&kBoolNames, &kU32Names, &kUnknownNames}) {
     for (const char* name : *names) {
       EXPECT_EQ(failureOf([&] { string(name); }), kUnknownAttribute);
@@ -121,20 +121,20 @@ TEST_F(TerminalIterator, NamesOfOtherTypes_AreUnknown) {
   }
 }
 
-TEST_F(TerminalIterator, AfterAnUnknownName_StandsWhereItStood) {
+TEST_F(TerminalIterator, UnknownName_LeavesThePosition) {
   goTo("WD_Terminal");
   failureOf([&] { string("busLine"); });
   EXPECT_STREQ(string("name"), "WD_Terminal");
 }
 
-TEST_F(TerminalIterator, BehindTheEnd_HasNoAttributes) {
+TEST_F(TerminalIterator, AttributePastTheEnd_FailsWithInvalidParameter) {
   goToTheEnd();
-  EXPECT_EQ(failureOf([&] { string("name"); }), kBehindTheEnd);
-  EXPECT_EQ(failureOf([&] { flag("isOwned"); }), kBehindTheEnd);
-  EXPECT_EQ(failureOf([&] { number("id"); }), kBehindTheEnd);
+  EXPECT_EQ(failureOf([&] { string("name"); }), kPastTheEnd);
+  EXPECT_EQ(failureOf([&] { flag("isOwned"); }), kPastTheEnd);
+  EXPECT_EQ(failureOf([&] { number("id"); }), kPastTheEnd);
 }
 
-TEST_F(TerminalIterator, Reset_TellsTheDriverTerminalAndMode) {
+TEST_F(TerminalIterator, Reset_SendsTerminalAndMode) {
   goTo("PXI_Trig3");
   iterator_.resetTerminal("default", status_);
   iterator_.resetTerminal("floating", status_);
@@ -143,7 +143,7 @@ TEST_F(TerminalIterator, Reset_TellsTheDriverTerminalAndMode) {
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(TerminalIterator, ResetToAnUnknownMode_DoesNotAskTheDriver) {
+TEST_F(TerminalIterator, ResetToAnUnknownMode_SendsNoRequest) {
   for (const char* mode : {"Default", "Floating", "floatingX", "default ", "", "float"}) {
     EXPECT_EQ(failureOf([&] { iterator_.resetTerminal(mode, status_); }), kUnknownMode);
   }
@@ -151,25 +151,25 @@ TEST_F(TerminalIterator, ResetToAnUnknownMode_DoesNotAskTheDriver) {
   EXPECT_TRUE(router_.calls.empty());
 }
 
-TEST_F(TerminalIterator, ResetBehindTheEnd_DoesNotAskTheDriver) {
+TEST_F(TerminalIterator, ResetPastTheEnd_SendsNoRequest) {
   goToTheEnd();
-  EXPECT_EQ(failureOf([&] { iterator_.resetTerminal("default", status_); }), kBehindTheEnd);
+  EXPECT_EQ(failureOf([&] { iterator_.resetTerminal("default", status_); }), kPastTheEnd);
   EXPECT_TRUE(router_.calls.empty());
 }
 
-TEST_F(TerminalIterator, ResetThatTheDriverRefuses_FailsWithTheDriversCode) {
+TEST_F(TerminalIterator, ResetThatTheDriverRefuses_FailsWithTheCodeOfTheDriver) {
   router_.codes = {-7};
   EXPECT_EQ(failureOf([&] { iterator_.resetTerminal("default", status_); }), failureOfRouter(-7));
 }
 
-TEST_F(TerminalIterator, ResetWithAWarningOfTheDriver_IsDone) {
+TEST_F(TerminalIterator, ResetWithAWarningOfTheDriver_Succeeds) {
   router_.codes = {7};
   iterator_.resetTerminal("default", status_);
   EXPECT_EQ(status_.code, 7);
   EXPECT_EQ(descriptionOf(status_), R"({"file":"router","line":9,"component":"driver"})");
 }
 
-TEST_F(TerminalIterator, ResetUnderAWarning_TellsItToTheDriver) {
+TEST_F(TerminalIterator, ResetUnderAWarning_SendsTheWarning) {
   status_.code = 5;
   iterator_.resetTerminal("default", status_);
   EXPECT_EQ(router_.calls, std::vector<std::string>{"resetTerminal(1, 0) st=5"});

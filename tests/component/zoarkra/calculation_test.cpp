@@ -1,4 +1,4 @@
-// Routes that are calculated, and how they are told.
+// The calculation of routes, and the answer that describes them.
 #include <cstring>
 
 #include "tests/component/zoarkra/sessiontest.h"
@@ -13,23 +13,23 @@ constexpr const char* kDestinations = R"(["PXI_Trig0","PXI_Trig1"])";
 constexpr const char* kModifiers =
     R"({"required":{"inversionNeeded":true},)"
     R"("optional":{"inversionNeeded":true,"calculateIgnoresReservations":true}})";
-constexpr const char* kAsked =
-    "calculateRoute([2/1/1 11/2/0] -> [4 5], required 1, optional 1, options 1, room 4)";
+constexpr const char* kCalculation =
+    "calculateRoute([2/1/1 11/2/0] -> [4 5], required 1, optional 1, options 1, capacity 4)";
 
 class Calculation : public SessionTest {
  protected:
   uint32_t calculate(const char* seeds = kSeeds, const char* destinations = kDestinations,
                      const char* modifiers = kModifiers) {
-    return session_->calculateRoute({seeds, destinations, modifiers}, answer_.place(), status_);
+    return session_->calculateRoute({seeds, destinations, modifiers}, answer_.output(), status_);
   }
 };
 
-TEST_F(Calculation, Request_ArrivesAsRecords) {
+TEST_F(Calculation, Request_ReachesTheDriverAsRecords) {
   calculate();
-  EXPECT_EQ(calls(), tStrings{kAsked});
+  EXPECT_EQ(calls(), tStrings{kCalculation});
 }
 
-TEST_F(Calculation, Routes_AreToldInTheirOrder) {
+TEST_F(Calculation, Routes_AreWrittenInTheirOrder) {
   router().routes = {
       {7, 4, 1, 0, 1, {}}, {4294967295, 5, 4294967295, 1, 0, {}}, {8, 11, 3, 2, 255, {}}};
   router().value = 77;
@@ -44,7 +44,7 @@ TEST_F(Calculation, Routes_AreToldInTheirOrder) {
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(Calculation, NoRoute_IsToldAsAnEmptyArray) {
+TEST_F(Calculation, NoRoute_IsWrittenAsAnEmptyArray) {
   EXPECT_EQ(calculate(), 0u);
   EXPECT_EQ(answer_.text(), "[]");
 }
@@ -56,26 +56,26 @@ TEST_F(Calculation, RouteToAnUnknownTerminal_HasAnEmptyName) {
             R"([{"ticket":7,"destination":"","cost":1,"indexOfStartingSeed":0,"constraints":{}}])");
 }
 
-TEST_F(Calculation, MoreRoutesThanThereIsRoomFor_AreCutOff) {
+TEST_F(Calculation, MoreRoutesThanTheCapacity_AreCutOff) {
   router().routes.assign(3, {7, 4, 1, 0, 0, {}});
-  router().routeCountTold = 0xFFFFFFFF;
+  router().reportedRouteCount = 0xFFFFFFFF;
   calculate(kSeeds, R"(["PXI_Trig0"])", "{}");
   const std::string route =
       R"({"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,"constraints":{}})";
   EXPECT_EQ(answer_.text(), "[" + route + "," + route + "]");
 }
 
-TEST_F(Calculation, NothingAskedFor_IsAskedAllTheSame) {
+TEST_F(Calculation, EmptyRequest_IsSent) {
   calculate("[]", "[]", "{}");
   EXPECT_EQ(calls(), tStrings{"calculateRoute([] -> [], required 0, optional 0, options 0, "
-                              "room 0)"});
+                              "capacity 0)"});
   EXPECT_EQ(answer_.text(), "[]");
 }
 
-TEST_F(Calculation, TerminalsThatAreNotThere_GoToTheDriver) {
+TEST_F(Calculation, UnknownTerminals_AreSentAsZero) {
   calculate(R"([{"terminal":"nothing","cost":1,"constraints":{}}])", R"(["nowhere"])", "{}");
   EXPECT_EQ(calls(), tStrings{"calculateRoute([0/1/0] -> [0], required 0, optional 0, options 0, "
-                              "room 2)"});
+                              "capacity 2)"});
 }
 
 TEST_F(Calculation, BadRequest_IsNotSent) {
@@ -103,35 +103,35 @@ TEST_F(Calculation, WarningOfTheDriver_ComesWithTheAnswer) {
   EXPECT_EQ(answer_.text(), "[]");
 }
 
-TEST_F(Calculation, UnderAWarning_TellsItToTheDriver) {
+TEST_F(Calculation, RequestUnderAWarning_SendsTheWarning) {
   status_.code = 5;
   calculate();
-  EXPECT_EQ(calls(), tStrings{std::string(kAsked) + " st=5"});
+  EXPECT_EQ(calls(), tStrings{std::string(kCalculation) + " st=5"});
 }
 
-TEST_F(Calculation, ClientWithoutRoom_FailsAfterTheCalculation) {
+TEST_F(Calculation, ClientWithoutABuffer_FailsAfterTheCalculation) {
   create({&tAnswer::refuse, nullptr, nullptr});
-  EXPECT_EQ(failureOf([&] { calculate(); }), kNoRoom);
+  EXPECT_EQ(failureOf([&] { calculate(); }), kNoBuffer);
   EXPECT_EQ(answer_.text(), "(none)");
-  EXPECT_EQ(calls().back(), kAsked);
+  EXPECT_EQ(calls().back(), kCalculation);
 }
 
-TEST_F(Calculation, ClientWithoutAReallocationFunction_HasNoRoom) {
+TEST_F(Calculation, ClientWithoutAReallocationFunction_FailsWithMemoryFull) {
   create({nullptr, nullptr, nullptr});
-  EXPECT_EQ(failureOf([&] { calculate(); }), kNoRoom);
+  EXPECT_EQ(failureOf([&] { calculate(); }), kNoBuffer);
 }
 
-TEST_F(Calculation, WithoutAPlaceForTheAnswer_IsNotSent) {
+TEST_F(Calculation, RequestWithoutAnOutput_IsNotSent) {
   EXPECT_EQ(failureOf([&] {
               session_->calculateRoute({kSeeds, kDestinations, kModifiers}, nullptr, status_);
             }),
-            kNoPlace);
+            kOutputMissing);
   EXPECT_TRUE(calls().empty());
 }
 
-// ---- Answers of every kind ----
+// ---- Answers of any operation ----
 
-TEST_F(Calculation, Client_IsAskedOnceForExactlyTheAnswer) {
+TEST_F(Calculation, ReallocationFunction_IsCalledOnceWithTheSizeOfTheAnswer) {
   calculate();
   ASSERT_EQ(tAnswer::requests().size(), 1u);
   EXPECT_EQ(tAnswer::requests()[0].required, 3u);
@@ -147,22 +147,22 @@ TEST_F(Calculation, SecondAnswer_ReplacesTheFirst) {
   EXPECT_EQ(tAnswer::requests().size(), 2u);
 }
 
-TEST_F(Calculation, ClientThatCopiesItself_IsCopiedToAllTheSame) {
+TEST_F(Calculation, ReallocationFunctionThatCopiesTheText_ReceivesItAgain) {
   create({[](char*, size_t required, const char* text, size_t) {
-            char* const room = new char[required];
-            std::memcpy(room, text, required);
-            return room;
+            char* const buffer = new char[required];
+            std::memcpy(buffer, text, required);
+            return buffer;
           },
           nullptr, nullptr});
   calculate();
   EXPECT_EQ(answer_.text(), "[]");
 }
 
-TEST_F(Calculation, HandledConstraints_AreExactlyTheOne) {
-  session_->getHandledConstraints(answer_.place(), status_);
+TEST_F(Calculation, HandledConstraints_AreInversionNeededAlone) {
+  session_->getHandledConstraints(answer_.output(), status_);
   EXPECT_EQ(answer_.text(), R"(["inversionNeeded"])");
   EXPECT_TRUE(calls().empty());
-  EXPECT_EQ(failureOf([&] { session_->getHandledConstraints(nullptr, status_); }), kNoPlace);
+  EXPECT_EQ(failureOf([&] { session_->getHandledConstraints(nullptr, status_); }), kOutputMissing);
 }
 
 }  // namespace

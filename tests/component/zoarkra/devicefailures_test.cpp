@@ -1,4 +1,4 @@
-// Every Windows call and every allocation of a device's beginning, failed in turn. Native only.
+// Each Windows call and each allocation of opening and starting a device fails in turn. Native only.
 #include "tests/component/zoarkra/routingdevicetest.h"
 #include "tests/fakewindows/allocationplan.h"
 
@@ -11,19 +11,19 @@ using nFakeWindows::tCall;
 
 constexpr uint32_t kAccessDenied = 5;
 
-struct tPlace {
+struct tReport {
   int32_t code;
   std::string file;
   uint32_t line;
-  bool operator==(const tPlace&) const = default;
+  bool operator==(const tReport&) const = default;
 };
 
-std::ostream& operator<<(std::ostream& out, const tPlace& place) {
-  return out << place.code << " " << place.file << " " << place.line;
+std::ostream& operator<<(std::ostream& out, const tReport& report) {
+  return out << report.code << " " << report.file << " " << report.line;
 }
 
-// What is told when the nth call of a function fails.
-tPlace placeOf(tCall call, unsigned nth) {
+// The code and location that the device reports when the nth call of a function fails.
+tReport reportOf(tCall call, unsigned nth) {
   const bool first = nth == 1;
   switch (call) {
     case tCall::createFile:
@@ -31,22 +31,22 @@ tPlace placeOf(tCall call, unsigned nth) {
     case tCall::createEvent:
       return {-52009, "tdeviceinterfaceproxy", 51};
     case tCall::createIoCompletionPort:
-      return first ? tPlace{-52009, "tionotification", 31}
-                   : tPlace{-52009, "tdeviceinterfaceproxy", 315};
+      return first ? tReport{-52009, "tionotification", 31}
+                   : tReport{-52009, "tdeviceinterfaceproxy", 315};
     case tCall::beginThread:
       return {-52008, "thread", 471};
     case tCall::deviceIoControl:
-      return first ? tPlace{-52009, "tdeviceinterfaceproxy", 333}
-                   : tPlace{-52009, "tionotification", 134};
+      return first ? tReport{-52009, "tdeviceinterfaceproxy", 333}
+                   : tReport{-52009, "tionotification", 134};
     default:
-      // Nothing follows from a failed wait or a failed clean-up.
+      // A failed wait or clean-up has no effect.
       return {0, "", 0};
   }
 }
 
 class DeviceFailures : public RoutingDeviceTest {
  protected:
-  tPlace begin() {
+  tReport start() {
     status = {};
     device = std::make_unique<zoark::tRoutingDevice>();
     openAndStart();
@@ -54,12 +54,12 @@ class DeviceFailures : public RoutingDeviceTest {
   }
 };
 
-TEST_F(DeviceFailures, OfEachCall_HaveTheirPlaceAndLeaveNothing) {
+TEST_F(DeviceFailures, FailureOfEachCall_HasItsLocationAndLeavesNothing) {
   for (const tCall call : {tCall::createFile, tCall::createEvent, tCall::createIoCompletionPort,
                            tCall::beginThread, tCall::deviceIoControl}) {
     for (unsigned nth = 1; nth <= 2; ++nth) {
       faultPlan().reset();
-      begin();
+      start();
       if (faultPlan().callCount(call) < nth) {
         continue;
       }
@@ -67,10 +67,10 @@ TEST_F(DeviceFailures, OfEachCall_HaveTheirPlaceAndLeaveNothing) {
       faultPlan().reset();
       faultPlan().failCall(call, nth, kAccessDenied);
       SCOPED_TRACE(std::string(nFakeWindows::nameOf(call)) + ", call " + std::to_string(nth));
-      EXPECT_EQ(begin(), placeOf(call, nth));
+      EXPECT_EQ(start(), reportOf(call, nth));
       device.reset();
       faultPlan().reset();
-      EXPECT_EQ(begin(), (tPlace{0, "", 0})) << "the next one works";
+      EXPECT_EQ(start(), (tReport{0, "", 0})) << "the next start succeeds";
       notify(machine());
       EXPECT_TRUE(becomesTrue([this] { return listener.count > 0; }));
       device.reset();
@@ -79,11 +79,11 @@ TEST_F(DeviceFailures, OfEachCall_HaveTheirPlaceAndLeaveNothing) {
   }
 }
 
-TEST_F(DeviceFailures, OfEachAllocation_LeaveNothing) {
+TEST_F(DeviceFailures, FailureOfEachAllocation_LeavesNothing) {
   for (unsigned nth = 1;; ++nth) {
     const tAllocationPlan plan(nth);
     try {
-      begin();
+      start();
       EXPECT_TRUE(status.code == 0 || status.code == -52000) << status.code;
     } catch (const std::bad_alloc&) {
     }

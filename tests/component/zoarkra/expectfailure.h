@@ -10,7 +10,7 @@
 
 namespace nTests {
 
-// What an operation throws: its code and its whole description.
+// The code and the complete description of an exception.
 struct tFailure {
   int32_t code = 0;
   std::string description;
@@ -21,7 +21,7 @@ inline std::ostream& operator<<(std::ostream& out, const tFailure& failure) {
   return out << failure.code << " " << failure.description;
 }
 
-// Runs an operation that has to fail.
+// The failure of an operation that has to throw one.
 template <class Operation>
 tFailure failureOf(Operation operation) {
   try {
@@ -33,7 +33,7 @@ tFailure failureOf(Operation operation) {
   return {};
 }
 
-// What the scripted router's failures look like.
+// The failure that a code of the scripted router becomes.
 inline tFailure failureOfRouter(int32_t code) {
   return {code, R"({"file":"router","line":9,"component":"driver"})"};
 }

@@ -22,7 +22,7 @@ using zoark::tJsonResult;
 using zoark::tJsonType;
 using zoark::tJsonValue;
 
-// Notes each event as text: "type" or "type:content", "key:" and "end", each with its depth.
+// Records each event as text: "type" or "type:content", "key:" and "end", each with its depth.
 class tEventList final : public zoark::iJsonHandler {
  public:
   bool value(const tJsonValue& value, size_t depth) override {
@@ -32,12 +32,12 @@ class tEventList final : public zoark::iJsonHandler {
     event += value.type == tJsonType::string    ? ":" + std::string(value.text)
              : value.type == tJsonType::boolean ? (value.boolean ? ":true" : ":false")
                                                 : "";
-    return note(event, depth);
+    return record(event, depth);
   }
   bool key(std::string_view key, size_t depth) override {
-    return note("key:" + std::string(key), depth);
+    return record("key:" + std::string(key), depth);
   }
-  bool end(size_t depth) override { return note("end", depth); }
+  bool end(size_t depth) override { return record("end", depth); }
 
   std::string events;
   std::vector<tJsonValue> values;
@@ -45,7 +45,7 @@ class tEventList final : public zoark::iJsonHandler {
   std::string endsAt = "none";  // the event that ends the reading
 
  private:
-  bool note(const std::string& event, size_t depth) {
+  bool record(const std::string& event, size_t depth) {
     events += event + "@" + std::to_string(depth) + " ";
     return event != endsAt;
   }
@@ -186,7 +186,7 @@ TEST(JsonReader, BrokenLiteral_IsMalformedAtTheFirstWrongLetter) {
   expectFault("Infinity", 0);
 }
 
-TEST(JsonReader, DepthOfTheLimit_IsRead) {
+TEST(JsonReader, DepthAtTheLimit_IsRead) {
   const std::string opening(kMaxJsonDepth, '[');
   const std::string closing(kMaxJsonDepth, ']');
   tEventList events;
@@ -204,7 +204,7 @@ TEST(JsonReader, KindOfEachContainer_IsRestoredAtItsEnd) {
             "array@0 object@1 key:a@2 array@2 object@3 end@3 end@2 end@1 number@1 end@0 ");
 }
 
-TEST(JsonReader, SizeOfTheLimit_IsRead) {
+TEST(JsonReader, SizeAtTheLimit_IsRead) {
   tEventList events;
   EXPECT_EQ(read("1" + std::string(kMaxJsonSize - 1, ' '), events).outcome, tJsonOutcome::read);
 }
@@ -219,7 +219,7 @@ TEST(JsonReader, SizeBeyondTheLimit_IsTooLargeAndNotRead) {
 
 // ---- Numbers ----
 
-TEST(JsonNumber, OfEachForm_HasItsValue) {
+TEST(JsonNumber, NumberOfEachForm_HasItsValue) {
   const std::vector<std::pair<std::string, double>> numbers{
       {"0", 0},
       {"-0", 0},
@@ -247,7 +247,7 @@ TEST(JsonNumber, OfEachForm_HasItsValue) {
   }
 }
 
-TEST(JsonNumber, BeyondADouble_IsInfinite) {
+TEST(JsonNumber, NumberBeyondADouble_IsInfinite) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   for (const std::string& text :
        {std::string("1e999"), std::string("1.8e308"), std::string("1e99999999999999999999"),
@@ -258,7 +258,7 @@ TEST(JsonNumber, BeyondADouble_IsInfinite) {
   }
 }
 
-TEST(JsonNumber, BelowADouble_IsZero) {
+TEST(JsonNumber, NumberBelowADouble_IsZero) {
   for (const std::string& text :
        {std::string("1e-999"), std::string("2e-324"), std::string("1e-99999999999999999999"),
         "0." + zeros(400) + "1", "1" + zeros(400) + "e-800", "0." + zeros(70000) + "1e60000",
@@ -276,7 +276,7 @@ TEST(JsonNumber, ZeroWithAnyExponent_IsZero) {
   }
 }
 
-TEST(JsonNumber, DigitsThatTheExponentMakesUpFor_HaveTheirValue) {
+TEST(JsonNumber, DigitsThatTheExponentCancels_KeepTheirValue) {
   for (const size_t count : {400u, 70000u, 700000u}) {
     const std::string exponent = std::to_string(count);
     EXPECT_EQ(numberOf("1" + zeros(count) + "e-" + exponent), 1) << count;
@@ -286,8 +286,8 @@ TEST(JsonNumber, DigitsThatTheExponentMakesUpFor_HaveTheirValue) {
   }
 }
 
-TEST(JsonNumber, Rounding_SeesEveryDigit) {
-  // Exactly between 1 and the next double, and one digit more far behind.
+TEST(JsonNumber, Rounding_DependsOnEveryDigit) {
+  // Exactly between 1 and the next double; a further digit, however late, decides.
   const std::string half = "1.00000000000000011102230246251565404236316680908203125";
   const double next = std::nextafter(1.0, 2.0);
   EXPECT_EQ(numberOf(half), 1.0);
@@ -299,7 +299,7 @@ TEST(JsonNumber, Rounding_SeesEveryDigit) {
   EXPECT_EQ(numberOf("2.99999999999999999999"), 3.0);
 }
 
-TEST(JsonNumber, DecimalCommaOfTheLocale_DoesNotMatter) {
+TEST(JsonNumber, DecimalCommaOfTheLocale_ChangesNothing) {
   for (const char* name : {"de_DE.UTF-8", "de_DE", "German_Germany"}) {
     std::setlocale(LC_ALL, name);
   }
@@ -307,7 +307,7 @@ TEST(JsonNumber, DecimalCommaOfTheLocale_DoesNotMatter) {
   std::setlocale(LC_ALL, "C");
 }
 
-TEST(JsonNumber, OfABrokenForm_IsMalformedAtTheOffendingByte) {
+TEST(JsonNumber, NumberOfABrokenForm_IsMalformedAtTheOffendingByte) {
   expectFault("-", 1);
   expectFault("--1", 1);
   expectFault("-x", 1);
@@ -339,7 +339,7 @@ TEST(JsonNumber, OfABrokenForm_IsMalformedAtTheOffendingByte) {
 
 // ---- Strings ----
 
-TEST(JsonString, WithoutEscapes_IsItself) {
+TEST(JsonString, StringWithoutEscapes_IsUnchanged) {
   for (const std::string& text :
        {std::string(), std::string("text"), std::string("\x20\x7F"),
         std::string("\xC2\x80\xDF\xBF"),
@@ -379,7 +379,7 @@ TEST(JsonString, Keys_AreDecodedAsValuesAre) {
             "object@0 key:ab@1 string:c@1 key:d@1 string:e@1 end@0 ");
 }
 
-TEST(JsonString, LongerThanTheBuffer_IsDecoded) {
+TEST(JsonString, StringLongerThanTheBuffer_IsDecoded) {
   const std::string text(100'000, 'x');
   EXPECT_EQ(stringOf("\"\\n" + text + "\""), "\n" + text);
 }
@@ -418,7 +418,7 @@ TEST(JsonString, InvalidEscape_IsMalformedAtItsBackslash) {
   expectFault(R"("\ud83d\)", 1);
 }
 
-TEST(JsonString, WithoutAnEnd_IsMalformedAtTheEndOfTheDocument) {
+TEST(JsonString, UnterminatedString_IsMalformedAtTheEndOfTheDocument) {
   expectFault("\"", 1);
   expectFault("\"abc", 4);
   expectFault(R"("abc\")", 6);
@@ -431,7 +431,7 @@ TEST(JsonString, ControlCharacter_IsMalformedAtItsByte) {
   }
 }
 
-TEST(JsonString, BytesThatAreNotUtf8_AreMalformedAtTheirFirst) {
+TEST(JsonString, InvalidUtf8_IsMalformedAtItsFirstByte) {
   for (const char* bytes : {"\x80",
                             "\xBF",
                             "\xC0\x80",

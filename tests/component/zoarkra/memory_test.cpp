@@ -1,4 +1,4 @@
-// What operations ask of the heap, and what becomes of them when it is short. Native only.
+// The heap memory that operations use, and their outcome when it is short. Native only.
 #include <array>
 #include <functional>
 #include <new>
@@ -11,10 +11,10 @@ namespace {
 
 using nFakeWindows::tAllocationPlan;
 
-// A client that gives memory of its own.
-char* giveStatic(char*, size_t required, const char*, size_t) {
-  static std::array<char, 1 << 16> room;
-  return required <= room.size() ? room.data() : nullptr;
+// A client with a static buffer.
+char* supplyStaticBuffer(char*, size_t required, const char*, size_t) {
+  static std::array<char, 1 << 16> buffer;
+  return required <= buffer.size() ? buffer.data() : nullptr;
 }
 
 constexpr size_t kFourKilobytes = 4096;
@@ -51,11 +51,11 @@ class Memory : public SessionTest {
  protected:
   Memory() {
     router().isQuiet = true;
-    create({&giveStatic, nullptr, nullptr});
+    create({&supplyStaticBuffer, nullptr, nullptr});
   }
 
-  // Runs the operation with every one of its allocations failing in turn: it fails with short
-  // memory, or with the code that it fails with anyway, or does without.
+  // Runs the operation with each of its allocations failing in turn. It fails with std::bad_alloc or
+  // with its own code, or succeeds without the memory.
   void failEveryAllocation(const std::function<void()>& operation, int32_t ownCode = -52000) {
     for (unsigned nth = 1;; ++nth) {
       tAllocationPlan plan(nth);
@@ -70,7 +70,7 @@ class Memory : public SessionTest {
       }
     }
   }
-  // How often the operation asks the heap.
+  // The number of allocations of an operation.
   static unsigned allocationsOf(const std::function<void()>& operation) {
     tAllocationPlan plan(0);
     operation();
@@ -84,7 +84,7 @@ class Memory : public SessionTest {
   char* output_ = nullptr;
 };
 
-TEST_F(Memory, RequestsOfFourKilobytes_DoWithoutTheHeap) {
+TEST_F(Memory, RequestsOf4KiB_UseNoHeapMemory) {
   router().routes.assign(4, {7, 4, 1, 0, 1, {}});
   const std::string manySeeds = seedsOfSize(kFourKilobytes - 12);
   const std::string manyDestinations = destinationsOfSize(kFourKilobytes - 70);
@@ -100,7 +100,7 @@ TEST_F(Memory, RequestsOfFourKilobytes_DoWithoutTheHeap) {
   EXPECT_EQ(allocationsOf([&] { calculate("[]", growingNames); }), 0u);
 }
 
-TEST_F(Memory, ModifiersOfEveryKind_DoWithoutTheHeap) {
+TEST_F(Memory, ModifiersOfEveryKind_UseNoHeapMemory) {
   const char* const modifiers =
       R"({"required":{"calculateIgnoresReservations":true,"a name of more than one line":false},)"
       R"("optional":{"another name of the same length":"x","inversionNeeded":5}})";
@@ -108,7 +108,7 @@ TEST_F(Memory, ModifiersOfEveryKind_DoWithoutTheHeap) {
   EXPECT_EQ(allocationsOf([&] { calculate(none, none, modifiers); }), 0u);
 }
 
-TEST_F(Memory, ShortWhileAModifierOfAnUnrecognisedTypeIsNoted_EndsTheRequest) {
+TEST_F(Memory, ShortageForAnUnrecognisedModifier_EndsTheRequest) {
   const char* const modifiers =
       R"({"required":{"inversionNeeded":5,"a name of more than one line":5,)"
       R"("inversionNeeded":true,"a name of more than one line":true}})";
@@ -116,7 +116,7 @@ TEST_F(Memory, ShortWhileAModifierOfAnUnrecognisedTypeIsNoted_EndsTheRequest) {
   EXPECT_GT(allocationsOf([&] { calculate("[]", "[]", modifiers); }), 1u);
 }
 
-TEST_F(Memory, OtherOperationsOfOrdinarySize_DoWithoutTheHeap) {
+TEST_F(Memory, OtherOperationsOfOrdinarySize_UseNoHeapMemory) {
   router().path.assign(32, 2);
   EXPECT_EQ(allocationsOf([&] {
               session_->getHandledConstraints(&output_, status_);
@@ -130,7 +130,7 @@ TEST_F(Memory, OtherOperationsOfOrdinarySize_DoWithoutTheHeap) {
             0u);
 }
 
-TEST_F(Memory, ShortWhileALargeRequestIsRead_EndsTheRequest) {
+TEST_F(Memory, ShortageForALargeRequest_EndsTheRequest) {
   const std::string seeds = seedsOfSize(20 * kFourKilobytes);
   const std::string destinations = destinationsOfSize(20 * kFourKilobytes);
   router().routes.assign(100, {7, 4, 1, 0, 1, {}});
@@ -138,19 +138,19 @@ TEST_F(Memory, ShortWhileALargeRequestIsRead_EndsTheRequest) {
   EXPECT_GT(allocationsOf([&] { calculate(seeds, destinations); }), 2u);
 }
 
-TEST_F(Memory, ShortWhileALongNameIsRead_EndsTheRequest) {
+TEST_F(Memory, ShortageForALongName_EndsTheRequest) {
   const std::string seeds = R"([{"terminal":"\n)" + std::string(10 * kFourKilobytes, 'n') +
                             R"(","cost":1,"constraints":{}}])";
   failEveryAllocation([&] { calculate(seeds, R"(["FLOAT"])"); });
   EXPECT_GT(allocationsOf([&] { calculate(seeds, R"(["FLOAT"])"); }), 0u);
 }
 
-TEST_F(Memory, ShortWhileABadRequestIsTold_LeavesItsCode) {
+TEST_F(Memory, ShortageForTheDescriptionOfABadRequest_KeepsItsCode) {
   const std::string seeds = "[" + std::string(3 * kFourKilobytes, ' ') + "5]";
   failEveryAllocation([&] { calculate(seeds, "[]"); }, -52005);
 }
 
-TEST_F(Memory, ShortWhileConflictsAreReported_EndsTheReservation) {
+TEST_F(Memory, ShortageForAConflictReport_EndsTheReservation) {
   router().conflicts.assign(200, {1, 2, 0});
   for (unsigned nth = 1; nth <= 3; ++nth) {
     router().codes = {-89137};
@@ -165,12 +165,12 @@ TEST_F(Memory, ShortWhileConflictsAreReported_EndsTheReservation) {
   }
 }
 
-TEST_F(Memory, ShortWhileAPathIsFetched_EndsTheFetch) {
+TEST_F(Memory, ShortageForAPath_EndsTheCall) {
   router().path.assign(1000, 4);
   failEveryAllocation([&] { session_->getRouteTerminalPath(7, &output_, status_); });
 }
 
-TEST_F(Memory, PathAfterTheLongest_DoesWithoutTheHeap) {
+TEST_F(Memory, PathAfterTheLongest_UsesNoHeapMemory) {
   router().path.assign(1024, 4);
   session_->getRouteTerminalPath(7, &output_, status_);
   router().path.assign(32, 4);
@@ -178,7 +178,7 @@ TEST_F(Memory, PathAfterTheLongest_DoesWithoutTheHeap) {
 }
 
 TEST_F(Memory, CountBeyondTheLargest_IsRefusedWithoutAList) {
-  router().conflictCountTold = 1025;
+  router().reportedConflictCount = 1025;
   for (unsigned nth = 1; nth <= 4; ++nth) {
     router().codes = {-89137};
     const tAllocationPlan plan(nth);
@@ -187,14 +187,14 @@ TEST_F(Memory, CountBeyondTheLargest_IsRefusedWithoutAList) {
   }
 }
 
-TEST_F(Memory, ShortWhileASessionIsMade_LeavesNothing) {
-  failEveryAllocation([&] { create({&giveStatic, nullptr, nullptr}); });
+TEST_F(Memory, ShortageDuringTheCreationOfASession_LeavesNothing) {
+  failEveryAllocation([&] { create({&supplyStaticBuffer, nullptr, nullptr}); });
   router().topographyName = "other";
-  failEveryAllocation([&] { create({&giveStatic, nullptr, nullptr}); }, -50003);
+  failEveryAllocation([&] { create({&supplyStaticBuffer, nullptr, nullptr}); }, -50003);
   EXPECT_EQ(script_.listener, nullptr);
 }
 
-TEST_F(Memory, ShortWhileAnIteratorIsMade_EndsTheCall) {
+TEST_F(Memory, ShortageForAnIterator_EndsTheCall) {
   failEveryAllocation([&] { static_cast<void>(session_->getAllTerminals(status_, 0)); });
 }
 

@@ -1,4 +1,4 @@
-// The room for paths that the whole process shares. A program of its own, since it only grows.
+// The path capacity of the process. A program of its own, since the capacity only grows.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -13,11 +13,11 @@
 namespace nTests {
 namespace {
 
-// A client that keeps nothing.
-char* giveScratch(char*, size_t required, const char*, size_t) {
-  thread_local std::vector<char> room;
-  room.resize(required);
-  return room.data();
+// A client whose answers last until the next one.
+char* supplyScratchBuffer(char*, size_t required, const char*, size_t) {
+  thread_local std::vector<char> buffer;
+  buffer.resize(required);
+  return buffer.data();
 }
 
 struct tRoutingClient {
@@ -33,30 +33,30 @@ struct tRoutingClient {
   zoerr::tOwnedStatus status;
   zoark::ARKRoutingAdaptorSession session{std::make_unique<tScriptedRoutingDevice>(script),
                                           "device",
-                                          {&giveScratch, nullptr, nullptr},
+                                          {&supplyScratchBuffer, nullptr, nullptr},
                                           status};
 };
 
 using tCalls = std::vector<std::string>;
-const std::string kRoom32 = "getRouteTerminalPath(7, room 32)";
-const std::string kRoom33 = "getRouteTerminalPath(7, room 33)";
-const std::string kRoom40 = "getRouteTerminalPath(7, room 40)";
+const std::string kCapacity32 = "getRouteTerminalPath(7, capacity 32)";
+const std::string kCapacity33 = "getRouteTerminalPath(7, capacity 33)";
+const std::string kCapacity40 = "getRouteTerminalPath(7, capacity 40)";
 
-TEST(PathCapacity, BeginsAt32AndGrowsForAllSessions) {
+TEST(PathCapacity, LongerPaths_RaiseItFrom32ForAllSessions) {
   tRoutingClient first;
-  EXPECT_EQ(first.fetch(32), tCalls{kRoom32});
-  EXPECT_EQ(first.fetch(33), (tCalls{kRoom32, kRoom33}));
-  EXPECT_EQ(first.fetch(40), (tCalls{kRoom33, kRoom40}));
-  EXPECT_EQ(first.fetch(40), tCalls{kRoom40});
+  EXPECT_EQ(first.fetch(32), tCalls{kCapacity32});
+  EXPECT_EQ(first.fetch(33), (tCalls{kCapacity32, kCapacity33}));
+  EXPECT_EQ(first.fetch(40), (tCalls{kCapacity33, kCapacity40}));
+  EXPECT_EQ(first.fetch(40), tCalls{kCapacity40});
   tRoutingClient second;
-  EXPECT_EQ(second.fetch(1), tCalls{kRoom40});
+  EXPECT_EQ(second.fetch(1), tCalls{kCapacity40});
 }
 
 TEST(PathCapacity, LargestCount_IsRememberedAndALargerOneIsNot) {
   tRoutingClient client;
-  EXPECT_EQ(client.fetch(1024).back(), "getRouteTerminalPath(7, room 1024)");
+  EXPECT_EQ(client.fetch(1024).back(), "getRouteTerminalPath(7, capacity 1024)");
   EXPECT_THROW(client.fetch(1025), zoerr::Exception);
-  EXPECT_EQ(client.fetch(1), tCalls{"getRouteTerminalPath(7, room 1024)"});
+  EXPECT_EQ(client.fetch(1), tCalls{"getRouteTerminalPath(7, capacity 1024)"});
 }
 
 TEST(PathCapacity, RaisedByManyThreads_ServesThemAll) {

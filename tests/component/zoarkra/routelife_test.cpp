@@ -1,4 +1,4 @@
-// Routes from their reservation to their end.
+// Routes from their reservation to their destruction.
 #include <algorithm>
 
 #include "tests/component/zoarkra/sessiontest.h"
@@ -9,33 +9,35 @@ namespace {
 
 class RouteLife : public SessionTest {
  protected:
-  // Reserves against conflicts, of which the driver tells `told`, 0 for as many as it fills in.
-  tFailure reserveAgainst(std::vector<tRouteConflict> conflicts, uint32_t told = 0) {
+  // Reserves against conflicts, of which the driver reports `count`, 0 for as many as it fills.
+  tFailure reserveAgainst(std::vector<tRouteConflict> conflicts, uint32_t count = 0) {
     router().codes = {-89137};
     router().conflicts = std::move(conflicts);
-    router().conflictCountTold = told;
-    return failureOf([&] { session_->reserveRoute(7, answer_.place(), status_); });
+    router().reportedConflictCount = count;
+    return failureOf([&] { session_->reserveRoute(7, answer_.output(), status_); });
   }
-  void getPath() { session_->getRouteTerminalPath(7, answer_.place(), status_); }
-  // How much room paths have now.
-  uint32_t pathRoom() {
+  void getPath() { session_->getRouteTerminalPath(7, answer_.output(), status_); }
+  // The capacity with which paths are requested now.
+  uint32_t pathCapacity() {
     getPath();
+    constexpr std::string_view kCapacity = "capacity ";
     const std::string& call = calls().back();
-    const uint32_t room = static_cast<uint32_t>(std::stoul(call.substr(call.find("room ") + 5)));
+    const size_t at = call.find(kCapacity) + kCapacity.size();
+    const auto capacity = static_cast<uint32_t>(std::stoul(call.substr(at)));
     router().calls.clear();
-    return room;
+    return capacity;
   }
 };
 
-std::string pathCall(uint32_t room) {
-  return "getRouteTerminalPath(7, room " + std::to_string(room) + ")";
+std::string pathCall(uint32_t capacity) {
+  return "getRouteTerminalPath(7, capacity " + std::to_string(capacity) + ")";
 }
 
 // ---- Reservation ----
 
-TEST_F(RouteLife, ReservationThatSucceeds_AnswersNothing) {
-  session_->reserveRoute(7, answer_.place(), status_);
-  EXPECT_EQ(calls(), tStrings{"reserveRoute(7, room 8)"});
+TEST_F(RouteLife, SuccessfulReservation_WritesNoOutput) {
+  session_->reserveRoute(7, answer_.output(), status_);
+  EXPECT_EQ(calls(), tStrings{"reserveRoute(7, capacity 8)"});
   EXPECT_EQ(answer_.text(), "(none)");
   EXPECT_TRUE(tAnswer::requests().empty());
   EXPECT_EQ(status_.code, 0);
@@ -49,12 +51,12 @@ TEST_F(RouteLife, Conflicts_AreReportedInTheirOrder) {
   EXPECT_EQ(calls().size(), 1u);
 }
 
-TEST_F(RouteLife, ConflictWithNobody_IsReportedAsAnEmptyArray) {
+TEST_F(RouteLife, ConflictWithoutRecords_IsReportedAsAnEmptyArray) {
   EXPECT_EQ(reserveAgainst({}), failureOfRouter(-89137));
   EXPECT_EQ(answer_.text(), "[]");
 }
 
-TEST_F(RouteLife, NineConflicts_EndWithZerosThatTheDriverHasNotFilled) {
+TEST_F(RouteLife, NineConflicts_EndWithTheZerosOfAnUnfilledRecord) {
   const std::vector<tRouteConflict> conflicts(9, {5, 6, 0});
   EXPECT_EQ(reserveAgainst(conflicts), failureOfRouter(-89137));
   std::string expected;
@@ -70,39 +72,39 @@ TEST_F(RouteLife, ConflictsOfTheLargestCount_AreReported) {
   EXPECT_EQ(std::count(report.begin(), report.end(), '{'), 1024);
 }
 
-TEST_F(RouteLife, MoreConflictsThanTheLargestCount_AreShortOfMemory) {
+TEST_F(RouteLife, MoreConflictsThanTheLargestCount_FailWithMemoryFull) {
   for (const uint32_t count : {1025u, 1048576u, 4000000000u}) {
     EXPECT_EQ(reserveAgainst({{5, 6, 0}}, count), kCountImplausible) << count;
     EXPECT_EQ(answer_.text(), "(none)");
   }
 }
 
-TEST_F(RouteLife, ConflictsWithoutRoomForTheReport_AreShortOfMemory) {
+TEST_F(RouteLife, ConflictsWithoutABuffer_FailWithMemoryFull) {
   create({&tAnswer::refuse, nullptr, nullptr});
-  EXPECT_EQ(reserveAgainst({{1, 2, 0}}), kNoRoom);
+  EXPECT_EQ(reserveAgainst({{1, 2, 0}}), kNoBuffer);
 }
 
-TEST_F(RouteLife, ConflictsWithoutAPlaceForTheReport_AreAnInvalidParameter) {
+TEST_F(RouteLife, ConflictsWithoutAnOutput_FailWithInvalidParameter) {
   router().codes = {-89137};
-  EXPECT_EQ(failureOf([&] { session_->reserveRoute(7, nullptr, status_); }), kNoPlace);
+  EXPECT_EQ(failureOf([&] { session_->reserveRoute(7, nullptr, status_); }), kOutputMissing);
 }
 
-TEST_F(RouteLife, ReservationWithoutAPlaceForAReport_NeedsNoneToSucceed) {
+TEST_F(RouteLife, SuccessfulReservation_NeedsNoOutput) {
   session_->reserveRoute(7, nullptr, status_);
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(RouteLife, ReservationRefusedForAnotherReason_AnswersNothing) {
+TEST_F(RouteLife, ReservationRefusedForAnotherReason_WritesNoOutput) {
   router().codes = {-7};
   router().conflicts = {{1, 2, 0}};
-  EXPECT_EQ(failureOf([&] { session_->reserveRoute(7, answer_.place(), status_); }),
+  EXPECT_EQ(failureOf([&] { session_->reserveRoute(7, answer_.output(), status_); }),
             failureOfRouter(-7));
   EXPECT_EQ(answer_.text(), "(none)");
 }
 
 TEST_F(RouteLife, ReservationWithAWarning_Succeeds) {
   router().codes = {7};
-  session_->reserveRoute(7, answer_.place(), status_);
+  session_->reserveRoute(7, answer_.output(), status_);
   EXPECT_EQ(status_.code, 7);
   EXPECT_EQ(answer_.text(), "(none)");
 }
@@ -110,42 +112,42 @@ TEST_F(RouteLife, ReservationWithAWarning_Succeeds) {
 TEST_F(RouteLife, ConflictUnderAWarning_IsReported) {
   status_.code = 5;
   EXPECT_EQ(reserveAgainst({}), failureOfRouter(-89137));
-  EXPECT_EQ(calls(), tStrings{"reserveRoute(7, room 8) st=5"});
+  EXPECT_EQ(calls(), tStrings{"reserveRoute(7, capacity 8) st=5"});
 }
 
 // ---- Programming and teardown ----
 
-TEST_F(RouteLife, Programming_IsOneRequest) {
+TEST_F(RouteLife, Programming_SendsOneRequest) {
   session_->programRoute(7, status_);
   EXPECT_EQ(calls(), tStrings{"programRoute(7)"});
 }
 
-TEST_F(RouteLife, ProgrammingThatIsRefused_FailsWithTheDriversCode) {
+TEST_F(RouteLife, ProgrammingThatTheDriverRefuses_FailsWithItsCode) {
   router().codes = {-7};
   EXPECT_EQ(failureOf([&] { session_->programRoute(7, status_); }), failureOfRouter(-7));
 }
 
-TEST_F(RouteLife, ProgrammingWithAWarning_IsDone) {
+TEST_F(RouteLife, ProgrammingWithAWarning_Succeeds) {
   router().codes = {7};
   session_->programRoute(7, status_);
   EXPECT_EQ(status_.code, 7);
 }
 
-TEST_F(RouteLife, Teardown_IsOneRequestForEachStep) {
+TEST_F(RouteLife, Teardown_SendsOneRequestForEachStep) {
   session_->unprogramRoute(7, 1, 2);
   session_->unreserveRoute(8, 3, 4);
   session_->destroyRoute(9, 5, 6);
   EXPECT_EQ(calls(), (tStrings{"unprogramRoute(7)", "unreserveRoute(8)", "destroyRoute(9)"}));
 }
 
-TEST_F(RouteLife, TeardownThatIsRefused_FailsWithTheDriversCode) {
+TEST_F(RouteLife, TeardownThatTheDriverRefuses_FailsWithItsCode) {
   router().codes = {-1, -2, -3};
   EXPECT_EQ(failureOf([&] { session_->unprogramRoute(7, 0, 0); }), failureOfRouter(-1));
   EXPECT_EQ(failureOf([&] { session_->unreserveRoute(7, 0, 0); }), failureOfRouter(-2));
   EXPECT_EQ(failureOf([&] { session_->destroyRoute(7, 0, 0); }), failureOfRouter(-3));
 }
 
-TEST_F(RouteLife, TeardownWithWarnings_IsDone) {
+TEST_F(RouteLife, TeardownWithWarnings_Succeeds) {
   router().codes = {1, 2, 3};
   session_->unprogramRoute(7, 0, 0);
   session_->unreserveRoute(7, 0, 0);
@@ -153,21 +155,22 @@ TEST_F(RouteLife, TeardownWithWarnings_IsDone) {
   EXPECT_EQ(calls().size(), 3u);
 }
 
-TEST_F(RouteLife, ExceptionalDestruction_AsksTheDriverNothing) {
+TEST_F(RouteLife, ExceptionalDestruction_SendsNoRequest) {
   session_->beginExceptionalRouteDestruction(7, 0, 0);
   EXPECT_TRUE(calls().empty());
 }
 
-TEST_F(RouteLife, OrderOfTheSteps_IsTheDriversBusiness) {
+TEST_F(RouteLife, StepsInAnyOrder_AreSent) {
   session_->destroyRoute(7, 0, 0);
   session_->programRoute(7, status_);
-  session_->reserveRoute(7, answer_.place(), status_);
-  EXPECT_EQ(calls(), (tStrings{"destroyRoute(7)", "programRoute(7)", "reserveRoute(7, room 8)"}));
+  session_->reserveRoute(7, answer_.output(), status_);
+  EXPECT_EQ(calls(),
+            (tStrings{"destroyRoute(7)", "programRoute(7)", "reserveRoute(7, capacity 8)"}));
 }
 
 // ---- Paths ----
 
-TEST_F(RouteLife, Path_IsToldByNamesInItsOrder) {
+TEST_F(RouteLife, Path_IsWrittenAsNamesInItsOrder) {
   router().path = {2, 4, 11, 4};
   getPath();
   EXPECT_EQ(answer_.text(), R"(["TRIG_SMB","PXI_Trig0","PXI_Trig7","PXI_Trig0"])");
@@ -184,73 +187,73 @@ TEST_F(RouteLife, UnknownTerminalsOfAPath_AreEmptyNames) {
   EXPECT_EQ(answer_.text(), R"(["","PXI_Trig0",""])");
 }
 
-TEST_F(RouteLife, LongPath_IsFetchedTwiceAndRemembered) {
-  const uint32_t room = pathRoom();
-  router().path.assign(room + 8, 4);
+TEST_F(RouteLife, LongPath_IsRequestedTwiceAndItsLengthRemembered) {
+  const uint32_t capacity = pathCapacity();
+  router().path.assign(capacity + 8, 4);
   getPath();
-  EXPECT_EQ(calls(), (tStrings{pathCall(room), pathCall(room + 8)}));
-  EXPECT_EQ(answer_.text().size(), (room + 8) * std::string_view(R"("PXI_Trig0",)").size() + 1);
+  EXPECT_EQ(calls(), (tStrings{pathCall(capacity), pathCall(capacity + 8)}));
+  EXPECT_EQ(answer_.text().size(), (capacity + 8) * std::string_view(R"("PXI_Trig0",)").size() + 1);
   router().calls.clear();
-  create({&tAnswer::giveRoom, nullptr, nullptr});
+  create({&tAnswer::supplyBuffer, nullptr, nullptr});
   getPath();
-  EXPECT_EQ(calls().back(), pathCall(room + 8));
+  EXPECT_EQ(calls().back(), pathCall(capacity + 8));
 }
 
-TEST_F(RouteLife, PathThatGrowsMeanwhile_IsNotFetchedAThirdTime) {
-  const uint32_t room = pathRoom();
+TEST_F(RouteLife, PathThatGrowsBetweenTheRequests_IsNotRequestedAThirdTime) {
+  const uint32_t capacity = pathCapacity();
   router().codes = {-52019, -52019};
-  router().pathLengthTold = room + 1;
+  router().reportedPathLength = capacity + 1;
   EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(-52019));
-  EXPECT_EQ(calls(), (tStrings{pathCall(room), pathCall(room + 1)}));
-  EXPECT_EQ(answer_.text(), "[]");  // of pathRoom
+  EXPECT_EQ(calls(), (tStrings{pathCall(capacity), pathCall(capacity + 1)}));
+  EXPECT_EQ(answer_.text(), "[]") << "the answer of pathCapacity()";
 }
 
-TEST_F(RouteLife, PathThatIsRefusedAtTheSecondTime_FailsWithThatCode) {
+TEST_F(RouteLife, PathRefusedAtTheSecondRequest_FailsWithThatCode) {
   router().codes = {-52019, -7};
   EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(-7));
 }
 
-TEST_F(RouteLife, PathThatIsRefused_IsFetchedOnce) {
+TEST_F(RouteLife, PathThatTheDriverRefuses_IsRequestedOnce) {
   router().codes = {-7};
   EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(-7));
   EXPECT_EQ(calls().size(), 1u);
   EXPECT_EQ(answer_.text(), "(none)");
 }
 
-TEST_F(RouteLife, PathLongerThanItsRoomInSpiteOfSuccess_IsCutOff) {
-  const uint32_t room = pathRoom();
-  router().pathLengthTold = 0xFFFFFFFF;
+TEST_F(RouteLife, PathReportedLongerThanItsBuffer_IsCutOff) {
+  const uint32_t capacity = pathCapacity();
+  router().reportedPathLength = 0xFFFFFFFF;
   router().path = {4};
   getPath();
   std::string expected = R"(["PXI_Trig0")";
-  for (uint32_t i = 1; i < room; ++i) {
+  for (uint32_t i = 1; i < capacity; ++i) {
     expected += R"(,"")";
   }
   EXPECT_EQ(answer_.text(), expected + "]");
 }
 
-TEST_F(RouteLife, PathLongerThanTheLargestCount_IsShortOfMemoryAndForgotten) {
-  const uint32_t room = pathRoom();
+TEST_F(RouteLife, PathLongerThanTheLargestCount_FailsWithMemoryFullAndIsNotRemembered) {
+  const uint32_t capacity = pathCapacity();
   for (const uint32_t count : {1025u, 1048576u, 4000000000u}) {
     router().codes = {-52019};
-    router().pathLengthTold = count;
+    router().reportedPathLength = count;
     router().calls.clear();
     EXPECT_EQ(failureOf([&] { getPath(); }), kCountImplausible) << count;
-    EXPECT_EQ(calls(), tStrings{pathCall(room)});
+    EXPECT_EQ(calls(), tStrings{pathCall(capacity)});
   }
-  router().pathLengthTold = 0;
-  EXPECT_EQ(pathRoom(), room);
+  router().reportedPathLength = 0;
+  EXPECT_EQ(pathCapacity(), capacity);
 }
 
-TEST_F(RouteLife, PathUnderAWarning_TellsItBothTimes) {
-  const uint32_t room = pathRoom();
-  router().path.assign(room + 1, 4);
+TEST_F(RouteLife, PathUnderAWarning_SendsTheWarningTwice) {
+  const uint32_t capacity = pathCapacity();
+  router().path.assign(capacity + 1, 4);
   status_.code = 5;
   getPath();
-  EXPECT_EQ(calls(), (tStrings{pathCall(room) + " st=5", pathCall(room + 1) + " st=5"}));
+  EXPECT_EQ(calls(), (tStrings{pathCall(capacity) + " st=5", pathCall(capacity + 1) + " st=5"}));
 }
 
-TEST_F(RouteLife, PathWithAWarning_IsTold) {
+TEST_F(RouteLife, PathWithAWarning_IsWritten) {
   router().codes = {7};
   router().path = {4};
   getPath();
@@ -258,14 +261,15 @@ TEST_F(RouteLife, PathWithAWarning_IsTold) {
   EXPECT_EQ(answer_.text(), R"(["PXI_Trig0"])");
 }
 
-TEST_F(RouteLife, PathWithoutAPlaceForTheAnswer_IsNotFetched) {
-  EXPECT_EQ(failureOf([&] { session_->getRouteTerminalPath(7, nullptr, status_); }), kNoPlace);
+TEST_F(RouteLife, PathWithoutAnOutput_IsNotRequested) {
+  EXPECT_EQ(failureOf([&] { session_->getRouteTerminalPath(7, nullptr, status_); }),
+            kOutputMissing);
   EXPECT_TRUE(calls().empty());
 }
 
 // ---- Terminals of a session ----
 
-TEST_F(RouteLife, TerminalsOfTheSession_AreElevenOnItsInterface) {
+TEST_F(RouteLife, TerminalsOfTheSession_Are11OnItsInterface) {
   const auto iterator = session_->getAllTerminals(status_, 99);
   iterator->resetTerminal("floating", status_);
   EXPECT_EQ(calls(), tStrings{"resetTerminal(1, 1)"});
@@ -276,7 +280,7 @@ TEST_F(RouteLife, TerminalsOfTheSession_AreElevenOnItsInterface) {
   EXPECT_EQ(count, 11);
 }
 
-TEST_F(RouteLife, CalculatedReset_TellsTheDriverTerminalAndMode) {
+TEST_F(RouteLife, CalculatedReset_SendsTerminalAndMode) {
   const auto iterator = session_->getAllTerminals(status_, 0);
   iterator->next(status_);
   router().value = 4294967295;
@@ -286,7 +290,7 @@ TEST_F(RouteLife, CalculatedReset_TellsTheDriverTerminalAndMode) {
             (tStrings{"calculateResetTerminal(0, 2, 0)", "calculateResetTerminal(0, 2, 1)"}));
 }
 
-TEST_F(RouteLife, CalculatedResetThatFails_FailsAsAResetDoes) {
+TEST_F(RouteLife, FailedCalculatedReset_HasTheCodeOfAReset) {
   const auto iterator = session_->getAllTerminals(status_, 0);
   const auto calculate = [&](const char* mode) {
     return failureOf([&] { session_->calculateResetTerminal(*iterator, mode, status_); });
@@ -303,7 +307,7 @@ TEST_F(RouteLife, CalculatedResetThatFails_FailsAsAResetDoes) {
   EXPECT_EQ(calls().size(), 1u);
 }
 
-TEST_F(RouteLife, CalculatedResetWithAWarning_GivesItsValue) {
+TEST_F(RouteLife, CalculatedResetWithAWarning_ReturnsItsValue) {
   const auto iterator = session_->getAllTerminals(status_, 0);
   router().codes = {7};
   router().value = 5;

@@ -1,4 +1,4 @@
-// Requests that are read, and what becomes of those that are not.
+// Route requests that the reader accepts, and the faults of others.
 #include "zoarkra/routerequest.h"
 
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ tRouteRequest readRequest(const std::string& seeds, const std::string& destinati
   return request;
 }
 
-// The seeds as "terminal/cost/constraints", each followed by a blank.
+// The seeds as "terminal/cost/constraints", each with a blank after it.
 std::string seedsOf(const std::string& document) {
   std::string text;
   for (const tRouteSeed& seed : readRequest(document, kDestinations, kModifiers).seeds) {
@@ -65,7 +65,7 @@ std::string modifiersOf(const std::string& document) {
          std::to_string(request.modifiers.optional) + "/" + std::to_string(request.options);
 }
 
-// A text as it stands in a description.
+// A text as a description holds it.
 std::string escaped(const std::string& text) {
   std::string out;
   for (const char c : text) {
@@ -127,14 +127,14 @@ TEST(Seeds, MembersInEveryOrder_ReadTheSame) {
   } while (std::next_permutation(order.begin(), order.end()));
 }
 
-TEST(Seeds, MembersThatAreNotKnown_AreIgnoredWholly) {
+TEST(Seeds, UnknownMembers_AreIgnoredWithTheirContents) {
   EXPECT_EQ(seedsOf(R"([{"more":{"terminal":5,"inversionNeeded":5,"deeper":[{"cost":"x"}]},)"
                     R"("terminal":"PXI_Trig0","cost":3,"list":[1,[2,{"constraints":1}]],)"
                     R"("constraints":{"other":{"inversionNeeded":7},"another":3},"last":null}])"),
             "4/3/0 ");
 }
 
-TEST(Seeds, MembersGivenTwice_CountAsTheLast) {
+TEST(Seeds, DuplicateMembers_CountAsTheLast) {
   EXPECT_EQ(seedsOf(R"([{"terminal":5,"terminal":"PXI_Trig0","cost":"x","cost":3,)"
                     R"("srcDeviceToken":1,"srcDeviceToken":"t",)"
                     R"("constraints":{"inversionNeeded":1},"constraints":{}}])"),
@@ -145,7 +145,7 @@ TEST(Seeds, MembersGivenTwice_CountAsTheLast) {
             "2/1/0 ");
 }
 
-TEST(Seeds, TerminalThatIsNotThere_BecomesZero) {
+TEST(Seeds, UnknownTerminal_BecomesZero) {
   EXPECT_EQ(seedsOf(seedOfTerminal(R"("PXI_Trig8")")), "0/1/0 ");
   EXPECT_EQ(seedsOf(seedOfTerminal(R"("")")), "0/1/0 ");
   EXPECT_EQ(seedsOf(seedOfTerminal(R"("PXI_Trig0\u0000")")), "0/1/0 ");
@@ -156,7 +156,7 @@ TEST(Seeds, EscapesInATerminalsName_AreDecoded) {
   EXPECT_EQ(seedsOf(seedOfTerminal(R"("\ud83d\ude00")")), "0/1/0 ");
 }
 
-TEST(Seeds, CostOfEveryForm_IsCutOff) {
+TEST(Seeds, CostOfEveryForm_IsTruncated) {
   const std::vector<std::pair<std::string, std::string>> costs{
       {"0", "0"},
       {"4294967295", "4294967295"},
@@ -191,7 +191,7 @@ TEST(Seeds, CostOutsideItsRange_IsInvalid) {
   }
 }
 
-TEST(Seeds, DecimalCommaOfTheLocale_DoesNotMatter) {
+TEST(Seeds, DecimalCommaOfTheLocale_ChangesNothing) {
   for (const char* name : {"de_DE.UTF-8", "de_DE", "German_Germany"}) {
     std::setlocale(LC_ALL, name);
   }
@@ -246,7 +246,7 @@ TEST(Seeds, WithoutConstraints_AreRefused) {
   }
 }
 
-TEST(Seeds, ConstraintOfAnotherType_IsToldWithBothTypes) {
+TEST(Seeds, ConstraintOfAnotherType_IsRefusedWithBothTypes) {
   const std::vector<std::pair<const char*, const char*>> values{{"1", "number"},
                                                                 {R"("true")", "string"},
                                                                 {"null", "null"},
@@ -260,7 +260,7 @@ TEST(Seeds, ConstraintOfAnotherType_IsToldWithBothTypes) {
   }
 }
 
-TEST(Seeds, FaultOfTheSecond_IsFound) {
+TEST(Seeds, FaultOfTheSecondSeed_IsReported) {
   expectSeedsRefused(R"([{"terminal":"PXI_Trig0","cost":1,"constraints":{}},{"cost":1}])", 103,
                      "terminal field missing");
 }
@@ -284,12 +284,12 @@ TEST(Destinations, OfAnotherType_AreRefused) {
 
 // ---- Modifiers ----
 
-TEST(Modifiers, Missing_AreNone) {
+TEST(Modifiers, MissingGroups_AreEmpty) {
   EXPECT_EQ(modifiersOf("{}"), "0/0/0");
   EXPECT_EQ(modifiersOf(kModifiers), "0/0/0");
 }
 
-TEST(Modifiers, InversionNeeded_GoesToItsGroup) {
+TEST(Modifiers, InversionNeeded_IsSetInItsGroup) {
   EXPECT_EQ(modifiersOf(R"({"required":{"inversionNeeded":true}})"), "1/0/0");
   EXPECT_EQ(modifiersOf(R"({"optional":{"inversionNeeded":true}})"), "0/1/0");
   EXPECT_EQ(modifiersOf(R"({"optional":{"inversionNeeded":true},)"
@@ -303,13 +303,13 @@ TEST(Modifiers, IgnoringReservations_IsAnOptionOfEitherGroup) {
   EXPECT_EQ(modifiersOf(R"({"required":{"calculateIgnoresReservations":false}})"), "0/0/0");
 }
 
-TEST(Modifiers, ThatAreNotKnown_AreIgnored) {
+TEST(Modifiers, UnknownMembers_AreIgnored) {
   EXPECT_EQ(modifiersOf(R"({"required":{"other":true},"optional":{"other":[{"required":5}]},)"
                         R"("more":{"inversionNeeded":true,"required":7},"another":1})"),
             "0/0/0");
 }
 
-TEST(Modifiers, GivenTwice_CountAsTheLast) {
+TEST(Modifiers, DuplicateMembers_CountAsTheLast) {
   EXPECT_EQ(modifiersOf(R"({"required":{"inversionNeeded":true,"inversionNeeded":false}})"),
             "0/0/0");
   EXPECT_EQ(modifiersOf(R"({"required":5,"required":{"x":5},"required":{"inversionNeeded":true}})"),
@@ -335,7 +335,7 @@ TEST(Modifiers, RequiredOfAnUnrecognisedType_AreRefused) {
   }
 }
 
-TEST(Modifiers, RequiredGivenTwice_IsJudgedByTheTypeOfTheLast) {
+TEST(Modifiers, DuplicateRequired_IsJudgedByTheTypeOfTheLast) {
   const auto expectRefused = [](const std::string& required) {
     expectModifiersRefused(R"({"required":)" + required + "}", 172,
                            "Required route modifier has unrecognized type");
@@ -354,25 +354,25 @@ TEST(Modifiers, RequiredGivenTwice_IsJudgedByTheTypeOfTheLast) {
   EXPECT_EQ(modifiersOf(R"({"required":{"":5,"":true}})"), "0/0/0");
 }
 
-TEST(Modifiers, RequiredGivenTwiceWithEscapes_AreOneMember) {
+TEST(Modifiers, DuplicateRequiredWithEscapes_IsOneMember) {
   EXPECT_EQ(modifiersOf(R"({"required":{"\u0061":"\u0062","a":true}})"), "0/0/0");
   EXPECT_EQ(modifiersOf(R"({"required":{"a":"\u0062","\u0061":true}})"), "0/0/0");
   expectModifiersRefused(R"({"required":{"a":true,"\u0061":"\u0062"}})", 172,
                          "Required route modifier has unrecognized type");
 }
 
-TEST(Modifiers, RequiredGroupGivenTwice_ForgetsTheModifiersOfTheFirst) {
+TEST(Modifiers, DuplicateRequiredGroup_ForgetsTheModifiersOfTheFirst) {
   EXPECT_EQ(modifiersOf(R"({"required":{"other":5},"required":{}})"), "0/0/0");
   EXPECT_EQ(modifiersOf(R"({"required":{"other":5},"required":{"inversionNeeded":true}})"),
             "1/0/0");
 }
 
-TEST(Modifiers, OptionalGivenTwice_CountsAsTheLastOfAnyType) {
+TEST(Modifiers, DuplicateOptional_CountsAsTheLastOfAnyType) {
   EXPECT_EQ(modifiersOf(R"({"optional":{"inversionNeeded":5,"inversionNeeded":true}})"), "0/1/0");
   EXPECT_EQ(modifiersOf(R"({"optional":{"inversionNeeded":true,"inversionNeeded":5}})"), "0/0/0");
 }
 
-TEST(Modifiers, ManyRequiredGivenTwice_AreEachJudgedByTheirLast) {
+TEST(Modifiers, ManyDuplicateRequired_AreEachJudgedByTheLast) {
   std::string wrong;
   std::string right;
   for (int i = 0; i < 50'000; ++i) {
@@ -388,9 +388,9 @@ TEST(Modifiers, ManyRequiredGivenTwice_AreEachJudgedByTheirLast) {
             -52005);
 }
 
-// ---- All of them ----
+// ---- All documents ----
 
-TEST(Request, SeveralBadDocuments_TellsTheFirst) {
+TEST(Request, SeveralBadDocuments_ReportTheFirst) {
   EXPECT_EQ(failureOf([] { readRequest("5", "6", "7"); }),
             requestFailure(101, "seeds must be an array", "5"));
   EXPECT_EQ(failureOf([] { readRequest("[]", "6", "7"); }),
@@ -399,7 +399,7 @@ TEST(Request, SeveralBadDocuments_TellsTheFirst) {
             requestFailure(171, "modifiers type must be object", "7"));
 }
 
-TEST(Request, DocumentThatIsMissing_IsRefused) {
+TEST(Request, MissingDocument_IsRefused) {
   tRouteRequest request(std::pmr::get_default_resource());
   const auto& topography = zoark::findTopography("pxiContTriggerRouter");
   const tFailure expected = requestFailure(73, "document missing", "");
@@ -417,7 +417,7 @@ TEST(Request, DocumentThatIsMissing_IsRefused) {
             expected);
 }
 
-TEST(Request, MalformedDocument_TellsWhereItStopsBeingJson) {
+TEST(Request, MalformedDocument_IsRefusedWithTheOffsetOfItsFault) {
   expectSeedsRefused("", 71, "malformed JSON", R"(,"offset":0)");
   expectSeedsRefused("[] x", 71, "malformed JSON", R"(,"offset":3)");
   expectSeedsRefused("[],", 71, "malformed JSON", R"(,"offset":2)");
@@ -459,7 +459,7 @@ TEST(Request, LoneSurrogate_IsMalformedAtItsEscape) {
   expectModifiersRefused(R"({"x\udc00":1})", 71, "malformed JSON", R"(,"offset":3)");
 }
 
-TEST(Request, TextThatIsNoUnicode_IsMalformed) {
+TEST(Request, TextThatIsNotUnicode_IsMalformed) {
   for (const char* name :
        {R"("\ud800")", R"("\udc00")", R"("\ud800x")", R"("\ude00\ud83d")", "\"\xFF\"",
         "\"\xED\xA0\x80\"", "\"\xC3\"", R"("\u00g0")", R"("\x41")", "\"a\nb\""}) {
@@ -471,10 +471,10 @@ TEST(Request, TextThatIsNoUnicode_IsMalformed) {
   }
 }
 
-TEST(Request, EndingWithinACharacter_IsReadNoFurther) {
+TEST(Request, DocumentEndingWithinACharacter_IsReadNoFurther) {
   for (const std::string bytes : {"\xC3", "\xE2\x82", "\xF0\x9F\x98", "\xF4"}) {
     const std::string text = R"(["x)" + bytes;
-    // Of exactly its size, so that the address sanitizer sees one byte too many.
+    // Of exactly its size, so that the address sanitizer reports a read past it.
     const auto document = std::make_unique<char[]>(text.size() + 1);
     text.copy(document.get(), text.size());
     tRouteRequest request(std::pmr::get_default_resource());
@@ -508,12 +508,12 @@ TEST(Request, TruncatedAtEveryByte_IsRefused) {
   }
 }
 
-TEST(Request, OneMegabyte_IsToldWhole) {
+TEST(Request, DocumentOf1MiB_IsReportedInFull) {
   const std::string document = R"([{"x":")" + std::string(1 << 20, 'x') + R"("}])";
   expectSeedsRefused(document, 103, "terminal field missing");
 }
 
-TEST(Request, Refused_IsTraced) {
+TEST(Request, RefusedRequest_IsTraced) {
   tDebuggerListener listener;
   failureOf([] { readRequest("5", "[]", "{}"); });
   EXPECT_EQ(listener.take(), std::vector<std::string>{"[zoroco_debug] seeds must be an array\n"});

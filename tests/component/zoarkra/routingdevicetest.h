@@ -1,4 +1,4 @@
-// What the tests of the system's routing device share, in both worlds.
+// Shared by the tests of the system's routing device, native and on Windows.
 #ifndef TESTS_COMPONENT_ZOARKRA_ROUTINGDEVICETEST_H
 #define TESTS_COMPONENT_ZOARKRA_ROUTINGDEVICETEST_H
 
@@ -15,7 +15,7 @@ namespace nTests {
 
 inline constexpr uint32_t kDemoted = 0x80000000;
 
-// Counts what it is told, and can be made to stay with it.
+// Counts demotions. The test can hold it inside a call.
 class tCountingListener final : public zoark::iDemotionListener {
  public:
   void routeDemoted(void* notification) noexcept override {
@@ -51,11 +51,11 @@ class RoutingDeviceTest : public DriverTest {
     device->open(path.c_str(), status);
     device->startNotifications(listener, status);
   }
-  // Throws when nobody is registered for one of the events.
-  static void notify(nSimulator::tSimulatedMachine& telling, uint32_t mask = kDemoted) {
+  // Throws when no session is registered for one of the events.
+  static void notify(nSimulator::tSimulatedMachine& notifier, uint32_t mask = kDemoted) {
     tSimulatorNotice notice{};
     notice.mask = mask;
-    telling.notify(notice);
+    notifier.notify(notice);
   }
 
   std::string path;

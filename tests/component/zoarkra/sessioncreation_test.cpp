@@ -1,4 +1,4 @@
-// How a session begins and ends, and what it tells of demotions.
+// The creation and destruction of a session, and its demotions.
 #include <stdexcept>
 
 #include "tests/component/protons/trace/debuggerlistener.h"
@@ -11,7 +11,7 @@
 namespace nTests {
 namespace {
 
-// What a callback was told. One test at a time.
+// The arguments of each call of a callback. One test at a time.
 struct tDemotions {
   std::vector<void*> contexts;
   std::vector<int32_t> reasons;
@@ -20,11 +20,11 @@ struct tDemotions {
 };
 
 tDemotions& demotions() {
-  static tDemotions told;
-  return told;
+  static tDemotions recorded;
+  return recorded;
 }
 
-void noteDemotion(void* context, int32_t reason, zoerr_Status* status, void* notification) {
+void recordDemotion(void* context, int32_t reason, zoerr_Status* status, void* notification) {
   demotions().contexts.push_back(context);
   demotions().reasons.push_back(reason);
   demotions().codes.push_back(status->code);
@@ -38,24 +38,24 @@ class SessionCreation : public SessionTest {
     session_.reset();
     script_.router.calls.clear();
   }
-  const zoark::tClientFunctions client_{&tAnswer::giveRoom, &noteDemotion, &script_};
+  const zoark::tClientFunctions client_{&tAnswer::supplyBuffer, &recordDemotion, &script_};
 };
 
-TEST_F(SessionCreation, Successful_OpensListensAndAsksForTheTopography) {
+TEST_F(SessionCreation, SuccessfulCreation_OpensTheDeviceAndReadsTheTopographyName) {
   create(client_);
   EXPECT_EQ(script_.events, (tStrings{"open device", "start"}));
   EXPECT_EQ(calls(), tStrings{"getTopographyName(128)"});
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(SessionCreation, Destroyed_StopsListeningBeforeItCloses) {
+TEST_F(SessionCreation, DestroyedSession_StopsNotificationsBeforeItCloses) {
   create(client_);
   session_.reset();
   EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
 }
 
-TEST_F(SessionCreation, WithoutACallback_ListensAllTheSame) {
-  create({&tAnswer::giveRoom, nullptr, nullptr});
+TEST_F(SessionCreation, SessionWithoutACallback_RegistersForNotifications) {
+  create({&tAnswer::supplyBuffer, nullptr, nullptr});
   ASSERT_NE(script_.listener, nullptr);
   script_.listener->routeDemoted(nullptr);
   EXPECT_TRUE(demotions().reasons.empty());
@@ -69,7 +69,7 @@ TEST_F(SessionCreation, DeviceThatCannotBeOpened_LeavesNothing) {
   EXPECT_TRUE(calls().empty());
 }
 
-TEST_F(SessionCreation, NotificationsThatAreRefused_LeaveNothing) {
+TEST_F(SessionCreation, RefusedNotifications_LeaveNothing) {
   script_.startCode = -52002;
   EXPECT_EQ(failureOf([&] { create(client_); }),
             (tFailure{-52002, R"({"file":"device","line":2,"component":"driver"})"}));
@@ -77,13 +77,13 @@ TEST_F(SessionCreation, NotificationsThatAreRefused_LeaveNothing) {
   EXPECT_TRUE(calls().empty());
 }
 
-TEST_F(SessionCreation, TopographyThatIsRefused_LeavesNothing) {
+TEST_F(SessionCreation, RefusedTopographyRequest_LeavesNothing) {
   router().codes = {-7};
   EXPECT_EQ(failureOf([&] { create(client_); }), failureOfRouter(-7));
   EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
 }
 
-TEST_F(SessionCreation, TopographyThatIsNotKnown_IsToldAndTraced) {
+TEST_F(SessionCreation, UnknownTopography_IsReportedAndTraced) {
   router().topographyName = "pxiContTriggerRouter2";
   tDebuggerListener listener;
   EXPECT_EQ(
@@ -104,13 +104,13 @@ TEST_F(SessionCreation, TopographyNameWithoutANul_IsReadToItsEnd) {
       << failure.description;
 }
 
-TEST_F(SessionCreation, TopographyNameWithSomethingBehindItsNul_IsFound) {
+TEST_F(SessionCreation, TopographyNameWithBytesAfterItsNul_IsFound) {
   router().topographyName = std::string("pxiContTriggerRouter\0rest", 25);
   create(client_);
   EXPECT_NE(session_, nullptr);
 }
 
-TEST_F(SessionCreation, WarningsOfTheDriver_ArriveInTheStatus) {
+TEST_F(SessionCreation, WarningsOfTheDriver_AreMergedIntoTheStatus) {
   script_.openCode = 3;
   router().codes = {4};
   create(client_);
@@ -118,7 +118,7 @@ TEST_F(SessionCreation, WarningsOfTheDriver_ArriveInTheStatus) {
   EXPECT_EQ(calls(), tStrings{"getTopographyName(128) st=3"});
 }
 
-TEST_F(SessionCreation, NameThatIsNull_IsRefused) {
+TEST_F(SessionCreation, NullName_FailsWithInvalidParameter) {
   EXPECT_EQ(failureOf([&] { create(client_, nullptr); }),
             (tFailure{-52005, R"({"error_constant":"zoapalerr_invalidParameter",)"
                               R"("file":"zoarkra\\arkroutingadaptor","line":203,)"
@@ -133,7 +133,7 @@ TEST_F(SessionCreation, NameOf256Characters_IsOpened) {
 }
 
 #ifndef _WIN32
-TEST_F(SessionCreation, NameOf257Characters_StopsTheProcess) {
+TEST_F(SessionCreation, NameOf257Characters_EndsTheProcess) {
   const std::string name(257, 'n');
   EXPECT_EXIT(
       {
@@ -144,8 +144,8 @@ TEST_F(SessionCreation, NameOf257Characters_StopsTheProcess) {
       "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$");
 }
 
-TEST_F(SessionCreation, NameWithoutAnEnd_StopsTheProcessBeforeItIsReadTooFar) {
-  // In memory that ends where the name does.
+TEST_F(SessionCreation, UnterminatedNameOf257Bytes_EndsTheProcessWithoutReadingFurther) {
+  // In memory of exactly its size.
   const std::vector<char> name(257, 'n');
   EXPECT_EXIT(
       {
@@ -157,7 +157,7 @@ TEST_F(SessionCreation, NameWithoutAnEnd_StopsTheProcessBeforeItIsReadTooFar) {
 }
 #endif
 
-TEST_F(SessionCreation, Demotion_IsToldToTheCallback) {
+TEST_F(SessionCreation, Demotion_CallsTheCallback) {
   create(client_);
   int notification = 0;
   script_.listener->routeDemoted(&notification);
@@ -168,14 +168,14 @@ TEST_F(SessionCreation, Demotion_IsToldToTheCallback) {
   EXPECT_EQ(demotions().notifications, (std::vector<void*>{&notification, &notification}));
 }
 
-TEST_F(SessionCreation, DemotionBeforeTheSessionIsMade_IsDropped) {
+TEST_F(SessionCreation, DemotionDuringTheCreation_IsDropped) {
   script_.demotesAtStart = true;
   create(client_);
   EXPECT_TRUE(demotions().reasons.empty());
 }
 
-TEST_F(SessionCreation, StatusThatACallbackFills_IsReleasedAndForgotten) {
-  create({&tAnswer::giveRoom,
+TEST_F(SessionCreation, StatusThatACallbackFills_IsReleased) {
+  create({&tAnswer::supplyBuffer,
           [](void*, int32_t, zoerr_Status* status, void*) {
             EXPECT_EQ(status->description, nullptr);
             status->code = -5;
@@ -187,27 +187,27 @@ TEST_F(SessionCreation, StatusThatACallbackFills_IsReleasedAndForgotten) {
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(SessionCreation, CallbackWithMemoryOfItsOwn_ReleasesItItself) {
-  static std::vector<uint32_t> asked;
+TEST_F(SessionCreation, StatusWithMemoryOfTheCallback_IsReleasedByItsFunction) {
+  static std::vector<uint32_t> requested;
   static char buffer[] = "{}\0J";
-  asked.clear();
-  create({&tAnswer::giveRoom,
+  requested.clear();
+  create({&tAnswer::supplyBuffer,
           [](void*, int32_t, zoerr_Status* status, void*) {
             status->description = buffer;
             status->capacity = sizeof buffer;
             status->reallocate = [](zoerr_Status*, uint32_t newCapacity) {
-              asked.push_back(newCapacity);
+              requested.push_back(newCapacity);
               return true;
             };
           },
           nullptr});
   script_.listener->routeDemoted(nullptr);
-  EXPECT_EQ(asked, std::vector<uint32_t>{0});
+  EXPECT_EQ(requested, std::vector<uint32_t>{0});
 }
 
-TEST_F(SessionCreation, CallbackWhoseStatusThrowsAtItsRelease_HarmsNothing) {
+TEST_F(SessionCreation, ReleaseOfACallbackStatusThatThrows_LeavesTheSessionUsable) {
   static char buffer[] = "{}\0J";
-  create({&tAnswer::giveRoom,
+  create({&tAnswer::supplyBuffer,
           [](void*, int32_t, zoerr_Status* status, void*) {
             status->description = buffer;
             status->capacity = sizeof buffer;
@@ -221,11 +221,11 @@ TEST_F(SessionCreation, CallbackWhoseStatusThrowsAtItsRelease_HarmsNothing) {
   EXPECT_EQ(status_.code, 0);
 }
 
-TEST_F(SessionCreation, CallbackThatThrowsAndItsStatusToo_HarmsNothing) {
+TEST_F(SessionCreation, CallbackThatThrows_HasItsStatusReleased) {
   static char buffer[] = "{}\0J";
   static std::vector<uint32_t> released;
   released.clear();
-  create({&tAnswer::giveRoom,
+  create({&tAnswer::supplyBuffer,
           [](void*, int32_t, zoerr_Status* status, void*) {
             status->description = buffer;
             status->capacity = sizeof buffer;
@@ -240,8 +240,8 @@ TEST_F(SessionCreation, CallbackThatThrowsAndItsStatusToo_HarmsNothing) {
   EXPECT_EQ(released, std::vector<uint32_t>{0});
 }
 
-TEST_F(SessionCreation, CallbackThatThrows_HarmsNothing) {
-  create({&tAnswer::giveRoom,
+TEST_F(SessionCreation, CallbackThatThrows_LeavesTheSessionUsable) {
+  create({&tAnswer::supplyBuffer,
           [](void*, int32_t, zoerr_Status*, void*) { throw std::runtime_error("callback"); },
           nullptr});
   script_.listener->routeDemoted(nullptr);

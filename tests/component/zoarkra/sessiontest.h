@@ -20,7 +20,7 @@ class SessionTest : public testing::Test {
   using tStrings = std::vector<std::string>;
 
   SessionTest() {
-    create({&tAnswer::giveRoom, nullptr, nullptr});
+    create({&tAnswer::supplyBuffer, nullptr, nullptr});
     script_.router.calls.clear();
   }
 
@@ -39,13 +39,13 @@ class SessionTest : public testing::Test {
   tAnswer answer_;
 };
 
-inline const tFailure kNoRoom{
+inline const tFailure kNoBuffer{
     -52000, R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
             R"("line":127,"component":"quenra"})"};
 inline const tFailure kCountImplausible{
     -52000, R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
             R"("line":288,"component":"quenra"})"};
-inline const tFailure kNoPlace{
+inline const tFailure kOutputMissing{
     -52005, R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
             R"("line":118,"component":"quenra"})"};
 

@@ -1,4 +1,4 @@
-// A session that is made, used and destroyed while demotions arrive on another thread.
+// The creation, use and destruction of a session while demotions arrive on another thread.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -11,51 +11,51 @@
 namespace nTests {
 namespace {
 
-// A device that tells of demotions without a pause, from its start until it is stopped.
+// A device that delivers demotions without a pause, from its start until it is stopped.
 class tBusyDevice final : public zoark::iRoutingDevice {
  public:
   ~tBusyDevice() override { tBusyDevice::stopNotifications(); }
 
   void open(const char*, nZOAPALS100::tStatus&) noexcept override { router_.isQuiet = true; }
   void startNotifications(zoark::iDemotionListener& listener, nZOAPALS100::tStatus&) override {
-    teller_ = std::jthread([&listener](const std::stop_token& stop) {
+    notifier_ = std::jthread([&listener](const std::stop_token& stop) {
       while (!stop.stop_requested()) {
         listener.routeDemoted(nullptr);
       }
     });
   }
-  void stopNotifications() noexcept override { teller_ = {}; }
+  void stopNotifications() noexcept override { notifier_ = {}; }
   nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept override { return router_; }
 
  private:
   tScriptedRouter router_;
-  std::jthread teller_;
+  std::jthread notifier_;
 };
 
-// What the client's callback writes without any lock: only one thread may run it.
+// The callback writes it without a lock, so that the thread sanitizer reports a second thread.
 struct tClient {
   int count = 0;
-  std::atomic<bool> hasBeenTold = false;
+  std::atomic<bool> isCalled = false;
 };
 
-void takeDemotion(void* context, int32_t, zoerr_Status*, void*) {
+void countDemotion(void* context, int32_t, zoerr_Status*, void*) {
   auto& client = *static_cast<tClient*>(context);
   ++client.count;
-  client.hasBeenTold = true;
+  client.isCalled = true;
 }
 
-TEST(SessionThreads, DemotionsFromTheFirstMomentToTheLast_FindTheWholeClient) {
+TEST(SessionThreads, DemotionsDuringTheWholeSession_FindACompleteClient) {
   for (int round = 0; round < 50; ++round) {
     tClient client;
     zoerr::tOwnedStatus status;
     {
       zoark::ARKRoutingAdaptorSession session(std::make_unique<tBusyDevice>(), "device",
-                                              {nullptr, &takeDemotion, &client}, status);
-      while (!client.hasBeenTold) {
+                                              {nullptr, &countDemotion, &client}, status);
+      while (!client.isCalled) {
         session.programRoute(7, status);
       }
     }
-    // Destroyed: nobody else looks at the client any more.
+    // The session is destroyed, so no other thread uses the client.
     EXPECT_GE(client.count, 1);
     EXPECT_EQ(status.code, 0);
   }

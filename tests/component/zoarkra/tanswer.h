@@ -7,8 +7,8 @@
 
 namespace nTests {
 
-// A client's place for an answer, with buffers of exactly the size that was asked for, so that the
-// address sanitizer sees one byte too many. One at a time.
+// A client's output argument. Its buffers have exactly the size that the library requests, so that the
+// address sanitizer reports a write past them. One at a time.
 class tAnswer {
  public:
   tAnswer() { requests().clear(); }
@@ -16,8 +16,9 @@ class tAnswer {
   tAnswer& operator=(const tAnswer&) = delete;
   ~tAnswer() { delete[] output_; }
 
-  // The client's reallocation function: always another buffer, which replaces the current one.
-  static char* giveRoom(char* current, size_t required, const char* text, size_t requiredAgain) {
+  // A reallocation function that always replaces the current buffer.
+  static char* supplyBuffer(char* current, size_t required, const char* text,
+                            size_t requiredAgain) {
     requests().push_back({required, text, requiredAgain});
     delete[] current;
     return new char[required];
@@ -27,11 +28,11 @@ class tAnswer {
     return nullptr;
   }
 
-  [[nodiscard]] char** place() { return &output_; }
-  // The answer, "(none)" without one.
+  [[nodiscard]] char** output() { return &output_; }
+  // The answer, or "(none)".
   [[nodiscard]] std::string text() const { return output_ == nullptr ? "(none)" : output_; }
 
-  // What the reallocation functions were asked for.
+  // The arguments of each call of a reallocation function.
   struct tRequest {
     size_t required;
     std::string text;

@@ -1,4 +1,4 @@
-// The terminals of the controller, and what stands for them in texts and in the driver.
+// The terminals of the controller, and the mapping between their names and ids.
 #include "zoarkra/topography.h"
 
 #include <gtest/gtest.h>
@@ -38,7 +38,7 @@ std::string rowOf(const tTerminal& t) {
          textOf(t.isMaskedOut);
 }
 
-TEST(Topography, OfTheController_HasElevenTerminalsInTheirOrder) {
+TEST(Topography, TopographyOfTheController_Has11TerminalsInTheirOrder) {
   const std::vector<std::string> expected{
       "1 FLOAT private false true null 4294967295 null false FLOAT false",
       "2 TRIG_SMB public false true null 4294967295 null false TRIG_SMB false",
@@ -59,20 +59,20 @@ TEST(Topography, OfTheController_HasElevenTerminalsInTheirOrder) {
   EXPECT_EQ(rows, expected);
 }
 
-TEST(Topography, OfTheController_CarriesItsTwoWords) {
+TEST(Topography, TopographyOfTheController_HasItsTwoWords) {
   EXPECT_STREQ(controller().name, "pxiContTriggerRouter");
   EXPECT_EQ(controller().words[0], 0xD0u);
   EXPECT_EQ(controller().words[1], 0x0Au);
 }
 
-TEST(TerminalId, OfEveryName_LeadsBackToTheName) {
+TEST(TerminalId, IdOfEachName_MapsBackToTheName) {
   for (const tTerminal& terminal : controller().terminals()) {
     EXPECT_EQ(terminalIdOf(controller(), terminal.name), terminal.id);
     EXPECT_STREQ(terminalNameOf(controller(), terminal.id), terminal.name);
   }
 }
 
-TEST(TerminalId, OfANameThatIsNotThere_IsZero) {
+TEST(TerminalId, IdOfAnUnknownName_IsZero) {
   for (const std::string_view name :
        {std::string_view(""), std::string_view("PXI_Trig8"), std::string_view("pxi_trig0"),
         std::string_view("PXI_Trig"), std::string_view("PXI_Trig0 "),
@@ -81,13 +81,13 @@ TEST(TerminalId, OfANameThatIsNotThere_IsZero) {
   }
 }
 
-TEST(TerminalName, OfAnIdThatIsNotThere_IsEmpty) {
+TEST(TerminalName, NameOfAnUnknownId_IsEmpty) {
   for (const uint32_t id : {0u, 12u, 99u, 0xFFFFFFFFu}) {
     EXPECT_STREQ(terminalNameOf(controller(), id), "") << id;
   }
 }
 
-TEST(FindTopography, NamesThatNearlyFit_AreNotFound) {
+TEST(FindTopography, SimilarNames_AreNotFound) {
   for (const std::string name : {"", "pxiContTriggerRoute", "pxiContTriggerRouter2",
                                  "PxiContTriggerRouter", " pxiContTriggerRouter"}) {
     EXPECT_EQ(failureOf([&] { static_cast<void>(findTopography(name)); }),
@@ -98,14 +98,14 @@ TEST(FindTopography, NamesThatNearlyFit_AreNotFound) {
   }
 }
 
-TEST(FindTopography, NameOf128Bytes_IsToldWhole) {
+TEST(FindTopography, NameOf128Bytes_IsReportedInFull) {
   const std::string name(128, 'n');
   const tFailure failure = failureOf([&] { static_cast<void>(findTopography(name)); });
   EXPECT_NE(failure.description.find("\"Topography not found: " + name + "\"}"), std::string::npos)
       << failure.description;
 }
 
-TEST(FindTopography, Failing_IsTraced) {
+TEST(FindTopography, Failure_IsTraced) {
   tDebuggerListener listener;
   failureOf([] { static_cast<void>(findTopography("other")); });
   EXPECT_EQ(listener.take(),

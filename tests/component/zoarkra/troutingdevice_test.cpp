@@ -8,11 +8,12 @@
 namespace nTests {
 namespace {
 
-constexpr auto kWhile = std::chrono::milliseconds(20);
+// Long enough for a late call to be observed.
+constexpr auto kSettleTime = std::chrono::milliseconds(20);
 
 class RoutingDevice : public RoutingDeviceTest {};
 
-TEST_F(RoutingDevice, Demotion_IsToldToTheListener) {
+TEST_F(RoutingDevice, Demotion_ReachesTheListener) {
   openAndStart();
   EXPECT_EQ(status.code, 0);
   notify(machine());
@@ -27,29 +28,29 @@ TEST_F(RoutingDevice, OtherEvents_AreNotRegisteredFor) {
   EXPECT_EQ(listener.count, 0u);
 }
 
-TEST_F(RoutingDevice, Stopped_TellsNothing) {
+TEST_F(RoutingDevice, StoppedDevice_DeliversNothing) {
   openAndStart();
   device->stopNotifications();
   EXPECT_THROW(notify(machine()), nSimulator::tControlError);
-  EXPECT_EQ(listener.count, 0u) << "the end of the registration is no demotion";
+  EXPECT_EQ(listener.count, 0u) << "the end of the registration is not a demotion";
   device->stopNotifications();
 }
 
-TEST_F(RoutingDevice, NeverStarted_CanBeStopped) {
+TEST_F(RoutingDevice, DeviceThatWasNotStarted_CanBeStopped) {
   device->stopNotifications();
   device->open(path.c_str(), status);
   device->stopNotifications();
   EXPECT_EQ(status.code, 0);
 }
 
-TEST_F(RoutingDevice, OnAStatusInError_DoesNothing) {
+TEST_F(RoutingDevice, StatusWithAnError_SendsNothing) {
   status.code = -1;
   openAndStart();
   EXPECT_TRUE(logged(kSimulatorEventOpen).empty());
   EXPECT_THROW(notify(machine()), nSimulator::tControlError);
 }
 
-TEST_F(RoutingDevice, ThatIsNotThere_IsToldByItsOpening) {
+TEST_F(RoutingDevice, MissingDevice_FailsWithNotFound) {
   path = R"(\\?\nothing)";
   openAndStart();
   EXPECT_EQ(status.code, -52006);
@@ -57,7 +58,7 @@ TEST_F(RoutingDevice, ThatIsNotThere_IsToldByItsOpening) {
   EXPECT_EQ(status.line, 43u);
 }
 
-TEST_F(RoutingDevice, DestroyedWhileItsListenerRuns_WaitsForIt) {
+TEST_F(RoutingDevice, DestructionWhileTheListenerRuns_WaitsForIt) {
   openAndStart();
   listener.mayLeave = false;
   notify(machine());
@@ -67,41 +68,41 @@ TEST_F(RoutingDevice, DestroyedWhileItsListenerRuns_WaitsForIt) {
     device.reset();
     destroyed = true;
   });
-  std::this_thread::sleep_for(kWhile);
+  std::this_thread::sleep_for(kSettleTime);
   EXPECT_FALSE(destroyed);
   listener.mayLeave = true;
   destroyer.join();
   EXPECT_FALSE(listener.isInside);
 }
 
-TEST_F(RoutingDevice, DestroyedWhileDemotionsArrive_TellsNothingAfterwards) {
+TEST_F(RoutingDevice, DestructionWhileDemotionsArrive_DeliversNothingAfterwards) {
   for (int round = 0; round < 5; ++round) {
     listener.count = 0;
     device = std::make_unique<zoark::tRoutingDevice>();
     openAndStart();
     ASSERT_EQ(status.code, 0);
     std::atomic<bool> over = false;
-    std::thread teller([&over] {
-      nSimulator::tSimulatedMachine telling;
+    std::thread notifier([&over] {
+      nSimulator::tSimulatedMachine sender;
       while (!over) {
         try {
-          notify(telling);
+          notify(sender);
         } catch (const nSimulator::tControlError&) {
-          // Nobody is registered any more, or too much is held back.
+          // No session is registered any more, or the driver holds too many notices back.
         }
       }
     });
     EXPECT_TRUE(becomesTrue([&] { return listener.count > 3; }));
     device.reset();
-    const size_t told = listener.count;
-    std::this_thread::sleep_for(kWhile);
-    EXPECT_EQ(listener.count, told);
+    const size_t delivered = listener.count;
+    std::this_thread::sleep_for(kSettleTime);
+    EXPECT_EQ(listener.count, delivered);
     over = true;
-    teller.join();
+    notifier.join();
   }
 }
 
-TEST_F(RoutingDevice, TwoOfThem_AreBothTold) {
+TEST_F(RoutingDevice, TwoDevices_BothReceiveADemotion) {
   openAndStart();
   zoark::tRoutingDevice other;
   tCountingListener otherListener;
@@ -112,8 +113,8 @@ TEST_F(RoutingDevice, TwoOfThem_AreBothTold) {
   EXPECT_NE(listener.last.load(), otherListener.last.load());
 }
 
-// A session of which the last step fails has told the driver to forget it and has closed its file.
-TEST_F(RoutingDevice, OfASessionThatFails_IsStoppedAndClosed) {
+// When the last step of a creation fails, the session ends its registration and closes its file.
+TEST_F(RoutingDevice, DeviceOfASessionThatFails_IsStoppedAndClosed) {
   tSimulatorScript refusal{};
   refusal.interfaceKind = kSimulatorInterfaceDevicePath;
   refusal.requestCode = REQUEST_GET_TOPOGRAPHY_NAME;
@@ -125,7 +126,7 @@ TEST_F(RoutingDevice, OfASessionThatFails_IsStoppedAndClosed) {
   try {
     const zoark::ARKRoutingAdaptorSession session(zoark::makeRoutingDevice(), path.c_str(),
                                                   {nullptr, nullptr, nullptr}, own);
-    ADD_FAILURE() << "the session was made";
+    ADD_FAILURE() << "the session was created";
   } catch (const zoerr::ExceptionBase& exception) {
     EXPECT_EQ(exception.status().code, -52005);
   }

@@ -17,8 +17,8 @@ void fill(uint64_t address, uint32_t capacity, const Records& records) {
               reinterpret_cast<typename Records::value_type*>(static_cast<uintptr_t>(address)));
 }
 
-uint32_t countOf(size_t actual, uint32_t told) {
-  return told != 0 ? told : static_cast<uint32_t>(actual);
+uint32_t countOf(size_t actual, uint32_t reported) {
+  return reported != 0 ? reported : static_cast<uint32_t>(actual);
 }
 
 std::string textOf(uint32_t number) {
@@ -67,19 +67,19 @@ uint32_t tScriptedRouter::calculateRoute(uint64_t modifiers, uint64_t seeds, uin
                                          uint64_t destinations, uint32_t destinationCount,
                                          uint32_t options, uint64_t routeBuffer,
                                          uint32_t& routeCount, tStatus& status) noexcept {
-  const auto& asked = recordsAt<tRouteModifiers>(modifiers, 1)[0];
+  const auto& requested = recordsAt<tRouteModifiers>(modifiers, 1)[0];
   if (!enter(
           [&] {
             return "calculateRoute(" + listOf(recordsAt<tRouteSeed>(seeds, seedCount)) + " -> " +
                    listOf(recordsAt<uint32_t>(destinations, destinationCount)) + ", required " +
-                   textOf(asked.required) + ", optional " + textOf(asked.optional) + ", options " +
-                   textOf(options) + ", room " + textOf(routeCount) + ")";
+                   textOf(requested.required) + ", optional " + textOf(requested.optional) +
+                   ", options " + textOf(options) + ", capacity " + textOf(routeCount) + ")";
           },
           status)) {
     return 0;
   }
   fill(routeBuffer, routeCount, routes);
-  routeCount = countOf(routes.size(), routeCountTold);
+  routeCount = countOf(routes.size(), reportedRouteCount);
   leave(status);
   return value;
 }
@@ -92,10 +92,10 @@ void tScriptedRouter::destroyRoute(uint32_t ticket, tStatus& status) noexcept {
 
 void tScriptedRouter::reserveRoute(uint32_t ticket, uint64_t conflictBuffer, uint32_t& count,
                                    tStatus& status) noexcept {
-  if (enter([&] { return "reserveRoute(" + textOf(ticket) + ", room " + textOf(count) + ")"; },
+  if (enter([&] { return "reserveRoute(" + textOf(ticket) + ", capacity " + textOf(count) + ")"; },
             status)) {
     fill(conflictBuffer, count, conflicts);
-    count = countOf(conflicts.size(), conflictCountTold);
+    count = countOf(conflicts.size(), reportedConflictCount);
     leave(status);
   }
 }
@@ -122,12 +122,12 @@ void tScriptedRouter::getRouteTerminalPath(uint32_t ticket, uint64_t terminals, 
                                            tStatus& status) noexcept {
   if (enter(
           [&] {
-            return "getRouteTerminalPath(" + textOf(ticket) + ", room " + textOf(count) + ")";
+            return "getRouteTerminalPath(" + textOf(ticket) + ", capacity " + textOf(count) + ")";
           },
           status)) {
     const uint32_t capacity = count;
     fill(terminals, capacity, path);
-    count = countOf(path.size(), pathLengthTold);
+    count = countOf(path.size(), reportedPathLength);
     if (codes.empty() && path.size() > capacity) {
       mergeStatus(status, -52019, "driver", "router", 9);
     }

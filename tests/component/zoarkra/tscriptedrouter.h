@@ -1,4 +1,4 @@
-// A double of the routing interface: it notes what it is asked and answers as it is told.
+// A test double of the routing interface. It records its calls and replies as the test scripts it.
 #ifndef TESTS_COMPONENT_ZOARKRA_TSCRIPTEDROUTER_H
 #define TESTS_COMPONENT_ZOARKRA_TSCRIPTEDROUTER_H
 
@@ -18,30 +18,31 @@ class tScriptedRouter final
  public:
   using tStatus = nZOAPALS100::tStatus;
 
-  // What was asked, as text: "programRoute(7)", and "programRoute(7) st=5" under a warning. Nothing
-  // is asked with an error.
+  // The calls as text: "programRoute(7)", and "programRoute(7) st=5" under a warning. A call with an
+  // error in its status is not recorded.
   std::vector<std::string> calls;
 
-  // Notes nothing, and so allocates nothing.
+  // Records nothing, and so allocates nothing.
   bool isQuiet = false;
 
-  // With which codes the next calls of any method end; then with success. They are located at
-  // component "driver", file "router", line 9.
+  // The codes of the next calls of any method; later calls succeed. Their location is component
+  // "driver", file "router", line 9.
   std::vector<int32_t> codes;
 
-  // The answer to a calculation: the routes there are, also those that find no room, and a value.
+  // The reply to a calculation: the routes, of which it fills as many as the capacity allows, and a
+  // value.
   std::vector<tRouteRecord> routes;
   uint32_t value = 0;
-  // How many routes it says there are, where that is a lie.
-  uint32_t routeCountTold = 0;
+  // The count of routes that it reports; 0 for the true one.
+  uint32_t reportedRouteCount = 0;
 
-  // The conflicts that a reservation fills in, and how many it says there are, where not as many.
+  // The conflicts that a reservation fills, and the count that it reports; 0 for the true one.
   std::vector<tRouteConflict> conflicts;
-  uint32_t conflictCountTold = 0;
+  uint32_t reportedConflictCount = 0;
 
-  // The path of every route, and how long it says it is, where that is a lie.
+  // The path of every route, and the length that it reports; 0 for the true one.
   std::vector<uint32_t> path;
-  uint32_t pathLengthTold = 0;
+  uint32_t reportedPathLength = 0;
 
   std::string topographyName = "pxiContTriggerRouter";
 
@@ -64,11 +65,10 @@ class tScriptedRouter final
                                   tStatus& status) noexcept override;
 
  private:
-  // Notes a call, of which `describe` gives the text. False when it is not made, because the status
-  // holds an error.
+  // Records a call as the text of `describe`. False, without a record, when the status holds an error.
   template <class Describe>
   bool enter(Describe describe, const tStatus& status);
-  // Gives the code with which it ends.
+  // Merges the scripted code of the call.
   void leave(tStatus& status);
 };
 

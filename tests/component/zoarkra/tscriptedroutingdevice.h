@@ -9,24 +9,24 @@
 
 namespace nTests {
 
-// What a test keeps of a device that belongs to a session.
+// The script and the record of a device that a session owns.
 struct tRoutingDeviceScript {
   tScriptedRouter router;
   std::vector<std::string> events;  // "open NAME", "start", "stop", "closed"
   int32_t openCode = 0;             // located at component "driver", file "device", line 1
   int32_t startCode = 0;            // the same with line 2
   zoark::iDemotionListener* listener = nullptr;
-  bool demotesAtStart = false;  // the listener is told once while the session is not yet made
+  bool demotesAtStart = false;  // one demotion arrives during the creation of the session
 };
 
 class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
  public:
   explicit tScriptedRoutingDevice(tRoutingDeviceScript& script) : script_(script) {}
-  ~tScriptedRoutingDevice() override { note("closed"); }
+  ~tScriptedRoutingDevice() override { record("closed"); }
 
   void open(const char* name, nZOAPALS100::tStatus& status) noexcept override {
     if (!status.isError()) {
-      note("open ", name);
+      record("open ", name);
       mergeStatus(status, script_.openCode, "driver", "device", 1);
     }
   }
@@ -35,7 +35,7 @@ class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
     if (status.isError()) {
       return;
     }
-    note("start");
+    record("start");
     mergeStatus(status, script_.startCode, "driver", "device", 2);
     script_.listener = &listener;
     if (script_.demotesAtStart) {
@@ -43,7 +43,7 @@ class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
     }
   }
   void stopNotifications() noexcept override {
-    note("stop");
+    record("stop");
     script_.listener = nullptr;
   }
   nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept override {
@@ -51,7 +51,7 @@ class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
   }
 
  private:
-  void note(const char* event, const char* argument = "") {
+  void record(const char* event, const char* argument = "") {
     if (!script_.router.isQuiet) {
       script_.events.push_back(std::string(event) + argument);
     }
