@@ -12,8 +12,8 @@
 
 namespace zoark {
 
-// The memory of the stack of a RapidJSON writer: bytes of its own first, then the heap. RapidJSON does
-// not check for null, so this throws std::bad_alloc. The names are RapidJSON's.
+// The memory of the stack of a RapidJSON reader or writer: bytes of its own first, then the heap.
+// RapidJSON does not check for null, so this throws std::bad_alloc. The names are RapidJSON's.
 template <size_t kOwn>
 class tJsonMemory {
  public:

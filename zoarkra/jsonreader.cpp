@@ -1,177 +1,207 @@
 #include "zoarkra/jsonreader.h"
 
-#include <array>
+#include <rapidjson/reader.h>
+
 #include <cstring>
 #include <memory_resource>
 #include <string>
-#include <utility>
 
+#include "zoarkra/jsonmemory.h"
 #include "zoarkra/jsonnumber.h"
-#include "zoarkra/jsonstring.h"
 #include "zoarkra/tstackmemory.h"
 
 namespace zoark {
 namespace {
 
-// Reads one document, which ends with a NUL. The reader is the library's own because that of RapidJSON
-// refuses numbers beyond a double even where it delivers their texts, and accepts half a surrogate
-// pair.
-class tJsonReader {
+// A document that ends with a NUL, for RapidJSON; that library's own stream reads past the NUL when the
+// text ends within a character of several bytes. The names are RapidJSON's.
+//
+// RapidJSON refuses numbers beyond the range of a double, and judges digits and exponent apart. The
+// stream therefore presents every number as the digit 0, and keeps the number itself. After a number
+// that breaks the grammar it ends.
+class tDocumentStream {
  public:
-  tJsonReader(const char* document, iJsonHandler& handler) noexcept
-      : document_(document), at_(document), handler_(handler) {}
+  using Ch = char;
 
-  tJsonResult read() {
-    bool isSound = readValue();
-    while (isSound && depth_ != 0) {
-      isSound = readNext();
-    }
-    if (isSound) {
-      readEnd();
-    }
-    return {outcome_, static_cast<size_t>(at_ - document_)};
+  explicit tDocumentStream(const char* text) noexcept : text_(text), at_(text) {}
+
+  // NOLINTBEGIN(readability-identifier-naming)
+  [[nodiscard]] char Peek() const noexcept {
+    return isNumberBroken_ ? '\0' : isAtNumber() ? '0' : *at_;
   }
+  char Take() noexcept {
+    const char taken = Peek();
+    if (taken == '\0') {
+      return taken;
+    }
+    if (isAtNumber()) {
+      takeNumber();
+    } else {
+      trackString(taken);
+      ++at_;
+    }
+    return taken;
+  }
+  [[nodiscard]] size_t Tell() const noexcept { return offsetOf(at_); }
+  // Of a stream that is changed in place; this one is not.
+  static char* PutBegin() noexcept { return nullptr; }
+  static void Put(char) noexcept {}
+  static size_t PutEnd(char*) noexcept { return 0; }
+  // NOLINTEND(readability-identifier-naming)
+
+  [[nodiscard]] const char* at(size_t offset) const noexcept { return text_ + offset; }
+  [[nodiscard]] size_t offsetOf(const char* position) const noexcept {
+    return static_cast<size_t>(position - text_);
+  }
+  // The latest number.
+  [[nodiscard]] std::string_view number() const noexcept { return number_; }
+  // Whether that number breaks the grammar, at the current position.
+  [[nodiscard]] bool isNumberBroken() const noexcept { return isNumberBroken_; }
+  // The first character of the latest string, as it stands in the document.
+  [[nodiscard]] const char* string() const noexcept { return string_; }
+  [[nodiscard]] bool isInString() const noexcept { return isInString_; }
+  [[nodiscard]] const char* position() const noexcept { return at_; }
 
  private:
-  // Ends the reading at the current position.
-  bool stop(tJsonOutcome outcome) noexcept {
-    outcome_ = outcome;
+  [[nodiscard]] bool isAtNumber() const noexcept {
+    return !isInString_ && (*at_ == '-' || (*at_ >= '0' && *at_ <= '9'));
+  }
+  void takeNumber() noexcept {
+    const tNumberScan scan = scanNumber(at_);
+    number_ = {at_, static_cast<size_t>(scan.end - at_)};
+    at_ = scan.end;
+    const bool goesOn = *at_ == '.' || *at_ == 'e' || *at_ == 'E' || isAtNumber();
+    isNumberBroken_ = !scan.isSound || goesOn;
+  }
+  void trackString(char taken) noexcept {
+    if (isEscaped_) {
+      isEscaped_ = false;
+    } else if (taken == '\\') {
+      isEscaped_ = isInString_;
+    } else if (taken == '"') {
+      isInString_ = !isInString_;
+      string_ = isInString_ ? at_ + 1 : string_;
+    }
+  }
+
+  const char* text_;
+  const char* at_;
+  bool isInString_ = false;
+  bool isEscaped_ = false;
+  bool isNumberBroken_ = false;
+  const char* string_ = nullptr;
+  std::string_view number_;
+};
+
+// RapidJSON refuses bytes that are not UTF-8, but decodes the escape of a lone low surrogate to such.
+bool isUtf8(std::string_view decoded) noexcept {
+  for (size_t i = 0; i + 1 < decoded.size(); ++i) {
+    if (decoded[i] == '\xED' && static_cast<unsigned char>(decoded[i + 1]) >= 0xA0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The first escape of a lone low surrogate in a part of a string that is valid but for such escapes, or
+// the end of that part.
+const char* findLoneSurrogate(const char* string, const char* end) noexcept {
+  constexpr size_t kShortEscape = 2;
+  constexpr size_t kUnitEscape = 6;  // of one UTF-16 code unit
+  const auto isSurrogate = [](const char* escape) {
+    return escape[1] == 'u' && (escape[2] | 0x20) == 'd' && escape[3] >= '8';
+  };
+  const auto isLow = [](const char* escape) {
+    return escape[3] > '9' && (escape[3] | 0x20) >= 'c';
+  };
+  const char* at = string;
+  while (at < end) {
+    if (*at != '\\') {
+      ++at;
+    } else if (!isSurrogate(at)) {
+      at += at[1] == 'u' ? kUnitEscape : kShortEscape;
+    } else if (isLow(at)) {
+      return at;
+    } else {
+      at += 2 * kUnitEscape;
+    }
+  }
+  return end;
+}
+
+// From RapidJSON's events to those of a handler. The names are RapidJSON's.
+class tEvents {
+ public:
+  tEvents(tDocumentStream& stream, iJsonHandler& handler) noexcept
+      : stream_(stream), handler_(handler) {}
+
+  // The result of a reading that ended with an error at `offset`.
+  [[nodiscard]] tJsonResult resultOfError(size_t offset) const noexcept {
+    const char* fault = fault_ == nullptr ? stream_.at(offset) : fault_;
+    if (stream_.isInString()) {
+      fault = findLoneSurrogate(stream_.string(), fault);
+    }
+    return {outcome_, stream_.offsetOf(fault)};
+  }
+
+  // NOLINTBEGIN(readability-identifier-naming)
+  bool Null() { return value({.type = tJsonType::null}); }
+  bool Bool(bool boolean) { return value({.type = tJsonType::boolean, .boolean = boolean}); }
+  bool Uint(unsigned) {
+    return stream_.isNumberBroken()
+               ? fail(stream_.position())
+               : value({.type = tJsonType::number, .number = valueOfNumber(stream_.number())});
+  }
+  // Every number arrives as the digit 0.
+  bool Int(int) { return false; }
+  bool Int64(int64_t) { return false; }
+  bool Uint64(uint64_t) { return false; }
+  bool Double(double) { return false; }
+  bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }
+  bool String(const char* text, rapidjson::SizeType length, bool) {
+    return isUtf8({text, length}) ? value({.type = tJsonType::string, .text = {text, length}})
+                                  : fail(findLoneSurrogate(stream_.string(), stream_.position()));
+  }
+  bool Key(const char* text, rapidjson::SizeType length, bool) {
+    key_.assign(text, length);
+    return isUtf8(key_) ? handler_.key(key_, depth_) || end()
+                        : fail(findLoneSurrogate(stream_.string(), stream_.position()));
+  }
+  bool StartObject() { return start(tJsonType::object); }
+  bool EndObject(rapidjson::SizeType) { return leave(); }
+  bool StartArray() { return start(tJsonType::array); }
+  bool EndArray(rapidjson::SizeType) { return leave(); }
+  // NOLINTEND(readability-identifier-naming)
+
+ private:
+  // The document is malformed at a position that RapidJSON does not report.
+  bool fail(const char* fault) noexcept {
+    fault_ = fault;
     return false;
   }
-
-  void skipBlanks() noexcept {
-    while (*at_ == ' ' || *at_ == '\t' || *at_ == '\n' || *at_ == '\r') {
-      ++at_;
-    }
+  bool end() noexcept {
+    outcome_ = tJsonOutcome::ended;
+    return false;
   }
-
-  bool accept(char character) noexcept {
-    skipBlanks();
-    if (*at_ != character) {
-      return stop(tJsonOutcome::malformed);
-    }
-    ++at_;
-    return true;
-  }
-
-  void readEnd() noexcept {
-    skipBlanks();
-    if (*at_ != '\0') {
-      outcome_ = tJsonOutcome::malformed;
-    }
-  }
-
-  // Reads the next element or member of the innermost container, or its end.
-  bool readNext() {
-    const bool isObject = isObject_[depth_ - 1];
-    const bool isFirst = std::exchange(isEmpty_, false);
-    skipBlanks();
-    if (*at_ == (isObject ? '}' : ']')) {
-      ++at_;
-      --depth_;
-      return handler_.end(depth_) || stop(tJsonOutcome::ended);
-    }
-    return (isFirst || accept(',')) && (!isObject || (readKey() && accept(':'))) && readValue();
-  }
-
-  bool readKey() {
-    std::string_view key;
-    return readString(key, decodedKey_) && (handler_.key(key, depth_) || stop(tJsonOutcome::ended));
-  }
-
-  bool readValue() {
-    skipBlanks();
-    switch (*at_) {
-      case '{':
-        return readStart(tJsonType::object);
-      case '[':
-        return readStart(tJsonType::array);
-      case '"':
-        return readText();
-      case 't':
-        return readLiteral("true", {.type = tJsonType::boolean, .boolean = true});
-      case 'f':
-        return readLiteral("false", {.type = tJsonType::boolean});
-      case 'n':
-        return readLiteral("null", {.type = tJsonType::null});
-      default:
-        return readNumber();
-    }
-  }
-
-  bool deliver(const tJsonValue& value) {
-    return handler_.value(value, depth_) || stop(tJsonOutcome::ended);
-  }
-
-  bool readStart(tJsonType type) {
+  bool value(const tJsonValue& value) { return handler_.value(value, depth_) || end(); }
+  bool start(tJsonType type) {
     if (depth_ == kMaxJsonDepth) {
-      return stop(tJsonOutcome::tooDeep);
-    }
-    ++at_;
-    if (!deliver({.type = type})) {
+      outcome_ = tJsonOutcome::tooDeep;
       return false;
     }
-    isObject_[depth_] = type == tJsonType::object;
-    ++depth_;
-    isEmpty_ = true;
-    return true;
+    return value({.type = type}) && ++depth_ != 0;
   }
+  bool leave() { return handler_.end(--depth_) || end(); }
 
-  bool readText() {
-    std::string_view text;
-    return readString(text, decodedText_) && deliver({.type = tJsonType::string, .text = text});
-  }
-
-  // `text` is a part of the document, or of `decoded` where it has escapes.
-  bool readString(std::string_view& text, std::pmr::string& decoded) {
-    if (!accept('"')) {
-      return false;
-    }
-    const tStringScan scan = scanString(at_);
-    text = {at_, static_cast<size_t>(scan.end - at_)};
-    at_ = scan.end;
-    if (!scan.isSound) {
-      return stop(tJsonOutcome::malformed);
-    }
-    ++at_;
-    if (scan.hasEscapes) {
-      decodeString(text, decoded);
-      text = decoded;
-    }
-    return true;
-  }
-
-  bool readLiteral(const char* literal, const tJsonValue& value) {
-    for (; *literal != '\0'; ++literal, ++at_) {
-      if (*at_ != *literal) {
-        return stop(tJsonOutcome::malformed);
-      }
-    }
-    return deliver(value);
-  }
-
-  bool readNumber() {
-    const char* const begin = at_;
-    const tNumberScan scan = scanNumber(begin);
-    at_ = scan.end;
-    if (!scan.isSound) {
-      return stop(tJsonOutcome::malformed);
-    }
-    const double number = valueOfNumber({begin, static_cast<size_t>(at_ - begin)});
-    return deliver({.type = tJsonType::number, .number = number});
-  }
-
-  const char* document_;
-  const char* at_;
+  tDocumentStream& stream_;
   iJsonHandler& handler_;
-  tJsonOutcome outcome_ = tJsonOutcome::read;
-  std::array<bool, kMaxJsonDepth> isObject_{};  // of each container around the current position
   size_t depth_ = 0;
-  bool isEmpty_ = false;  // nothing of the innermost container is read yet
-  // For the strings of a text of 4 KiB, each of which may outgrow its buffer, which is not freed.
+  tJsonOutcome outcome_ = tJsonOutcome::malformed;
+  const char* fault_ = nullptr;
+  // Keys stay until the next key. Memory for those of a document of 4 KiB, each of which may outgrow
+  // its buffer, which is not freed.
   tStackMemory<size_t{9} * 1024> memory_;
-  std::pmr::string decodedKey_{memory_.resource()};
-  std::pmr::string decodedText_{memory_.resource()};
+  std::pmr::string key_{memory_.resource()};
 };
 
 }  // namespace
@@ -198,7 +228,18 @@ tJsonResult readJson(const char* document, iJsonHandler& handler) {
   if (strnlen(document, kMaxJsonSize + 1) > kMaxJsonSize) {
     return {tJsonOutcome::tooLarge, kMaxJsonSize};
   }
-  return tJsonReader(document, handler).read();
+  constexpr unsigned kFlags =
+      rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+  // For a text of 4 KiB, and RapidJSON's notes of the deepest nesting.
+  using tMemory = tJsonMemory<size_t{5} * 1024>;
+  tMemory memory;
+  rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, tMemory> reader(
+      &memory, tMemory::kOwnBytes);
+  tDocumentStream stream(document);
+  tEvents events(stream, handler);
+  const rapidjson::ParseResult result = reader.Parse<kFlags>(stream, events);
+  return result.IsError() ? events.resultOfError(result.Offset())
+                          : tJsonResult{tJsonOutcome::read, stream.Tell()};
 }
 
 }  // namespace zoark
