@@ -16,35 +16,49 @@ double secondsOf(const std::function<void()>& run) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// What takes less than this is repeated within a round.
-constexpr double kLeastSeconds = 0.002;
+// Work that takes less time is repeated within a round.
+constexpr double kMinSeconds = 0.002;
 
-size_t repetitions(const tRow& row) {
-  row.run();
-  return 1 + static_cast<size_t>(kLeastSeconds / std::max(secondsOf(row.run), 1e-9));
+size_t repetitions(const std::function<void()>& run) {
+  run();
+  return 1 + static_cast<size_t>(kMinSeconds / std::max(secondsOf(run), 1e-9));
 }
 
-tSpeeds speedsOf(const tTable& table, int rounds) {
+// Returns the median time of each run. The runs take turns.
+std::vector<double> medianSeconds(const std::vector<std::function<void()>>& runs, int rounds) {
   std::vector<size_t> repeated;
-  for (const tRow& row : table.rows) {
-    repeated.push_back(repetitions(row));
+  for (const auto& run : runs) {
+    repeated.push_back(repetitions(run));
   }
-  std::vector<std::vector<double>> seconds(table.rows.size());
+  std::vector<std::vector<double>> seconds(runs.size());
   for (int round = 0; round < rounds; ++round) {
-    for (size_t i = 0; i < table.rows.size(); ++i) {
+    for (size_t i = 0; i < runs.size(); ++i) {
       const auto all = [&] {
         for (size_t n = 0; n < repeated[i]; ++n) {
-          table.rows[i].run();
+          runs[i]();
         }
       };
       seconds[i].push_back(secondsOf(all) / static_cast<double>(repeated[i]));
     }
   }
+  std::vector<double> medians;
+  for (std::vector<double>& ofRun : seconds) {
+    const auto middle = ofRun.begin() + rounds / 2;
+    std::nth_element(ofRun.begin(), middle, ofRun.end());
+    medians.push_back(*middle);
+  }
+  return medians;
+}
+
+tSpeeds speedsOf(const tTable& table, int rounds) {
+  std::vector<std::function<void()>> runs;
+  for (const tRow& row : table.rows) {
+    runs.push_back(row.run);
+  }
+  const std::vector<double> seconds = medianSeconds(runs, rounds);
   tSpeeds speeds;
   for (size_t i = 0; i < table.rows.size(); ++i) {
-    const auto middle = seconds[i].begin() + rounds / 2;
-    std::nth_element(seconds[i].begin(), middle, seconds[i].end());
-    speeds[table.rows[i].name] = static_cast<double>(table.bytes) / *middle / 1e9;
+    speeds[table.rows[i].name] = static_cast<double>(table.bytes) / seconds[i] / 1e9;
   }
   return speeds;
 }
@@ -83,6 +97,21 @@ void measure(const tTable& table, int rounds) {
       printGoal(*row.goal, speed, speeds);
     }
     std::printf("\n");
+  }
+  std::fflush(stdout);
+}
+
+void measureGrowth(const std::string& title, const std::vector<tGrowingWork>& works, size_t size,
+                   double limit, int rounds) {
+  std::printf("\n%s\n%-26s %8s %8s %8s  %s\n", title.c_str(), "", "1x, ms", "2x, ms", "4x, ms",
+              "4x / 1x");
+  for (const tGrowingWork& work : works) {
+    const std::vector<double> seconds =
+        medianSeconds({work.prepare(size), work.prepare(2 * size), work.prepare(4 * size)}, rounds);
+    const double growth = seconds[2] / seconds[0];
+    std::printf("%-26s %8.2f %8.2f %8.2f  %7.2f  %s (limit %.1f)\n", work.name.c_str(),
+                seconds[0] * 1e3, seconds[1] * 1e3, seconds[2] * 1e3, growth,
+                growth <= limit ? "kept   " : "EXCEEDED", limit);
   }
   std::fflush(stdout);
 }

@@ -1,5 +1,5 @@
-// What the memory alone costs. In a file of its own: a compiler that sees both ends of the way drops
-// memory that nobody reads.
+// The cost of memory alone. In a file of its own: a compiler that sees caller and function together drops
+// memory that is never read.
 #include <cstdlib>
 #include <cstring>
 
@@ -13,7 +13,7 @@ void copyIntoFreshMemory(const uint8_t* data, size_t count) {
     std::abort();
   }
   std::memcpy(const_cast<uint8_t*>(memory), data, count);
-  // A volatile look at the copy: it has to be there.
+  // The volatile read keeps the copy.
   (void)memory[count - 1];
   std::free(const_cast<uint8_t*>(memory));
 }

@@ -16,16 +16,16 @@ struct tDecoder {
   bool skipsNoise = true;
 };
 
-// A byte at a time through a table, first all of Base64 and then the CRC: what one would write.
+// Decodes all of the Base64 and then computes the CRC, a byte at a time through tables: the obvious code.
 [[nodiscard]] tDecoder bytewisePair();
 
-// What others have written; none in a build that has no such libraries.
+// Other libraries; none in a build without them.
 [[nodiscard]] std::vector<tDecoder> otherLibraries();
 
-// Copies bytes into memory that nobody has touched, and gives it back.
+// Copies bytes into newly allocated memory and frees it.
 void copyIntoFreshMemory(const uint8_t* data, size_t count);
 
-// Reads all bytes and does next to nothing with them.
+// Reads all bytes and adds them up by words.
 [[nodiscard]] uint64_t readAll(const uint8_t* data, size_t count);
 
 }  // namespace nBench
