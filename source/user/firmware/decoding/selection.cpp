@@ -6,18 +6,19 @@
 namespace nQUENRA1400::nFirmwareDecoding {
 namespace {
 
-bool hasAvx512() noexcept {
-  return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
-         __builtin_cpu_supports("avx512vbmi") != 0 && __builtin_cpu_supports("avx512vbmi2") != 0 &&
-         __builtin_cpu_supports("vpclmulqdq") != 0 && __builtin_cpu_supports("popcnt") != 0;
+bool hasAvx2(const tProcessorFeatures& features) noexcept {
+  return features.avx2 && features.pclmul && features.popcnt;
 }
 
-bool hasAvx2() noexcept {
-  return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("pclmul") != 0 &&
-         __builtin_cpu_supports("popcnt") != 0;
+// Compilers take AVX-512 to include AVX2, and VPCLMULQDQ to include PCLMUL, and use their instructions in
+// the same file. A processor may report one without the other: a virtual machine can mask features
+// one by one.
+bool hasAvx512(const tProcessorFeatures& features) noexcept {
+  return hasAvx2(features) && features.avx512f && features.avx512bw && features.avx512vbmi &&
+         features.avx512vbmi2 && features.vpclmulqdq;
 }
 
-bool always() noexcept {
+bool always(const tProcessorFeatures&) noexcept {
   return true;
 }
 
@@ -29,17 +30,33 @@ constexpr tChoice kChoices[] = {
 
 }  // namespace
 
-std::span<const tChoice> allKernels() noexcept {
-  // The answers may be asked for before those constructors have run that find them.
+tProcessorFeatures reportedFeatures() noexcept {
+  // Static initialisation may call this before the constructor that reads the features has run.
   __builtin_cpu_init();
+  return {
+      .popcnt = __builtin_cpu_supports("popcnt") != 0,
+      .pclmul = __builtin_cpu_supports("pclmul") != 0,
+      .avx2 = __builtin_cpu_supports("avx2") != 0,
+      .avx512f = __builtin_cpu_supports("avx512f") != 0,
+      .avx512bw = __builtin_cpu_supports("avx512bw") != 0,
+      .avx512vbmi = __builtin_cpu_supports("avx512vbmi") != 0,
+      .avx512vbmi2 = __builtin_cpu_supports("avx512vbmi2") != 0,
+      .vpclmulqdq = __builtin_cpu_supports("vpclmulqdq") != 0,
+  };
+}
+
+std::span<const tChoice> allKernels() noexcept {
   return kChoices;
 }
 
-const tKernels& bestKernels() noexcept {
-  const auto choices = allKernels();
-  return std::find_if(choices.begin(), std::prev(choices.end()),
-                      [](const tChoice& choice) { return choice.isSupported(); })
+const tKernels& kernelsFor(const tProcessorFeatures& features) noexcept {
+  return std::find_if(std::begin(kChoices), std::prev(std::end(kChoices)),
+                      [&features](const tChoice& choice) { return choice.runsWith(features); })
       ->kernels;
+}
+
+const tKernels& bestKernels() noexcept {
+  return kernelsFor(reportedFeatures());
 }
 
 }  // namespace nQUENRA1400::nFirmwareDecoding

@@ -225,16 +225,6 @@ INSTANTIATE_TEST_SUITE_P(Of, Kernels, testing::ValuesIn(allKernels().begin(), al
                            return name;
                          });
 
-TEST(KernelSelection, Best_AreTheFirstSupported) {
-  for (const tChoice& choice : allKernels()) {
-    if (choice.isSupported()) {
-      EXPECT_EQ(&bestKernels(), &choice.kernels);
-      return;
-    }
-  }
-  FAIL() << "the last ones are supported by every processor";
-}
-
 TEST(PlainSteps, ChangeNoByteBehindTheirRoom) {
   const std::string text = encodeBase64(firmwareBytes(90));
   for (size_t length = 0; length <= text.size(); ++length) {
