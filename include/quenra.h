@@ -175,7 +175,8 @@ int32_t QUENRA_updateFirmware(uint64_t handle, const void* image, uint64_t size)
  *                                     tool for driver packages is missing
  *   QUENRA_STATUS_NO_CONTROLLER       the machine's table does not say whether it takes updates
  *   QUENRA_STATUS_NOT_SUPPORTED       it does not
- *   QUENRA_STATUS_INVALID_VALUE       options is neither 0 nor 1; the image was not looked at
+ *   QUENRA_STATUS_INVALID_VALUE       options is neither 0 nor 1; the image was not read
+ *   QUENRA_STATUS_INVALID_PARAMETER   image plus size wraps around the address space; it was not read
  *   QUENRA_STATUS_INVALID_IMAGE       the image is malformed, or has a Marten section and there is no
  *                                     Marten; the tool for driver packages cannot be started
  *   QUENRA_STATUS_IMAGE_VERSION       a section has a header of an unknown version

@@ -213,6 +213,20 @@ TEST_F(Update, NullImageOfAnySize_IsAnImageWithoutSections) {
   EXPECT_THAT(received(), IsEmpty());
 }
 
+TEST_F(Update, ImageThatWrapsAroundTheAddressSpace_FailsWithInvalidParameterAndChangesNothing) {
+  const std::string image = firmwareImage({bios(), driverPackage()});
+  constexpr uint64_t kEverySize = ~uint64_t{0};
+  EXPECT_EQ(QUENRA_updateFirmware(QUENRA_HANDLE, image.data(), kEverySize),
+            QUENRA_STATUS_INVALID_PARAMETER);
+  EXPECT_EQ(QUENRA_updateFirmware2(QUENRA_HANDLE, image.data(), kEverySize, kCompare),
+            QUENRA_STATUS_INVALID_PARAMETER);
+  const auto* const lastByte = reinterpret_cast<const void*>(UINTPTR_MAX);
+  EXPECT_EQ(QUENRA_updateFirmware(QUENRA_HANDLE, lastByte, 2), QUENRA_STATUS_INVALID_PARAMETER);
+  EXPECT_THAT(received(), IsEmpty());
+  EXPECT_THAT(markers(), IsEmpty());
+  EXPECT_THAT(folders(), IsEmpty());
+}
+
 TEST_F(Update, ImageOf10MebibytesWithoutSections_IsAnImageWithoutSections) {
   const std::string image(size_t{10} * 1024 * 1024, 'x');
   EXPECT_EQ(QUENRA_updateFirmware(QUENRA_HANDLE, image.data(), image.size()), 0);

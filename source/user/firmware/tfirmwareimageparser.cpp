@@ -18,6 +18,7 @@ using nFirmwareDecoding::tKernels;
 using nZOAPAL000::tByteBuffer;
 using zoerr::Status;
 
+constexpr auto kImageWraps = parserLocation(163);
 constexpr auto kUnknownHeaderVersion = parserLocation(164);
 constexpr auto kUnknownUpdateType = parserLocation(176);
 constexpr auto kUnknownTargetDevice = parserLocation(186);
@@ -44,9 +45,9 @@ void checkHeader(const tSectionHeader& header, Status& status) noexcept {
 
 // Returns the Base64 text of the section between a header end and the next section. Its ends are computed
 // in 32 bits, which is part of the format: without an empty line that ends the header, the payload
-// begins with the fourth byte of the image. When the empty line belongs to a later section, or the
-// image exceeds 32 bits, that text is longer than the image; this is reported as a payload that is too
-// large for the memory.
+// begins with the fourth byte of the image; in an image beyond 4 GiB, the lower 32 bits of a position
+// count. When the empty line belongs to a later section, the length wraps around. A text that would
+// leave the image is reported as a payload too large for the memory.
 std::span<const uint8_t> payloadText(const tImageText& text, size_t headerEnd, size_t nextSection,
                                      Status& status) noexcept {
   const auto separator = static_cast<uint32_t>(headerEnd);
@@ -124,9 +125,13 @@ void tFirmwareImageParser::Parse(tFirmwarePayloads& records, const void* imageTe
   if (status.isError()) {
     return;
   }
+  const size_t size = imageText == nullptr ? 0 : imageSize;
+  if (size > UINTPTR_MAX - reinterpret_cast<uintptr_t>(imageText)) {
+    status.set(nZOAPALS100::kInvalidParameter, kImageWraps);
+    return;
+  }
   try {
-    parseSections(records, {imageText, imageText == nullptr ? 0 : imageSize, kernels_}, kernels_,
-                  status);
+    parseSections(records, {imageText, size, kernels_}, kernels_, status);
   } catch (const std::bad_alloc&) {
     status.set(kOutOfMemory, kPayloadNotAllocated);
   }

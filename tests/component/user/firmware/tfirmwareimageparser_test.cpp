@@ -1,7 +1,9 @@
 #include "source/user/firmware/tfirmwareimageparser.h"
 
 #include <random>
+#include <utility>
 
+#include "quenra_status.h"
 #include "tests/component/user/firmware/parsertest.h"
 #include "tests/component/user/firmware/plainimage.h"
 
@@ -68,6 +70,23 @@ TEST_F(Parser, NoImage_HasNoRecordAndNoFailure) {
   zoerr::tOwnedStatus status;
   nQUENRA1400::tFirmwareImageParser().Parse(records, nullptr, 100, status);
   EXPECT_EQ(status.code, 0);
+  EXPECT_TRUE(records.empty());
+}
+
+// No byte lies at these addresses, so that reading one would end the test.
+TEST_F(Parser, ImageThatWrapsAroundTheAddressSpace_FailsWithInvalidParameterAndIsNotRead) {
+  constexpr uintptr_t kLastPage = UINTPTR_MAX - 0xFFF;
+  const std::pair<uintptr_t, size_t> images[] = {{kLastPage, 0x1000},  // ends at address 0
+                                                 {kLastPage, 0x1001},
+                                                 {kLastPage, SIZE_MAX},
+                                                 {1, SIZE_MAX}};
+  for (const auto& [address, size] : images) {
+    zoerr::tOwnedStatus status;
+    const auto* const image = reinterpret_cast<const void*>(address);
+    nQUENRA1400::tFirmwareImageParser().Parse(records, image, size, status);
+    EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER) << address << " + " << size;
+    EXPECT_EQ(lineOf(status), 163u);
+  }
   EXPECT_TRUE(records.empty());
 }
 
