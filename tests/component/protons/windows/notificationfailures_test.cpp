@@ -1,6 +1,4 @@
 // Every Windows call on the way of a notification, failed in turn.
-#include <csignal>
-
 #include "protocol/requestcodes.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
 #include "tests/fakewindows/debuggeroutput.h"
@@ -11,6 +9,8 @@ namespace {
 using nFakeWindows::faultPlan;
 using nFakeWindows::tCall;
 using nQUENRA1400::nZOAPAL000::tThread;
+
+constexpr int kAssertionExitCode = 3;  // the low byte of STATUS_BREAKPOINT
 
 std::atomic<int> failedWaits = 0;
 
@@ -367,7 +367,7 @@ TEST_F(NotificationFailures, WakeUpThatNeverSucceeds_EndsTheProcess) {
         faultPlan().failEveryCall(tCall::postQueuedCompletionStatus, ERROR_ACCESS_DENIED);
         reader.reset();
       },
-      testing::KilledBySignal(SIGTRAP), "quenra\\|wait\\|40");
+      testing::ExitedWithCode(kAssertionExitCode), "quenra\\|wait\\|40");
 }
 
 TEST_F(NotificationFailures, WaitForTheThreadThatNeverSucceeds_EndsTheProcess) {
@@ -379,7 +379,7 @@ TEST_F(NotificationFailures, WaitForTheThreadThatNeverSucceeds_EndsTheProcess) {
         faultPlan().failEveryCall(tCall::waitForSingleObject, ERROR_ACCESS_DENIED);
         reader.reset();
       },
-      testing::KilledBySignal(SIGTRAP), "quenra\\|wait\\|22");
+      testing::ExitedWithCode(kAssertionExitCode), "quenra\\|wait\\|22");
 }
 
 // ---- The module ----
