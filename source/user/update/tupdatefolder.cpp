@@ -21,9 +21,14 @@ constexpr bool isLetter(char16_t character) noexcept {
   return (character >= u'A' && character <= u'Z') || (character >= u'a' && character <= u'z');
 }
 
-bool standsForItself(std::u16string_view name) noexcept {
+constexpr bool isSeparator(char16_t character) noexcept {
+  return character == u'\\' || character == u'/';
+}
+
+// Windows takes either separator for the other, also in the two that begin the name of another machine.
+constexpr bool isAbsolute(std::u16string_view name) noexcept {
   const bool hasDriveLetter = name.size() >= 2 && isLetter(name[0]) && name[1] == u':';
-  return hasDriveLetter || name.starts_with(u"\\\\") || name.starts_with(u"//");
+  return hasDriveLetter || (name.size() >= 2 && isSeparator(name[0]) && isSeparator(name[1]));
 }
 
 }  // namespace
@@ -31,10 +36,10 @@ bool standsForItself(std::u16string_view name) noexcept {
 tUpdateFolder::tUpdateFolder() : path_((fs::temp_directory_path() / randomName()).u16string()) {}
 
 std::u16string tUpdateFolder::pathOf(std::u16string_view fileName) const {
-  if (standsForItself(fileName)) {
+  if (isAbsolute(fileName)) {
     return std::u16string(fileName);
   }
-  // Not by the rules of paths, to which some names with a separator in front are of another place.
+  // The operator of std::filesystem::path would leave the folder for a name with one leading separator.
   std::u16string joined = path_;
   joined.push_back(kSeparator);
   joined.append(fileName);
@@ -54,7 +59,7 @@ void tUpdateFolder::remove() const noexcept {
   try {
     std::error_code ignored;
     fs::remove_all(fs::path(path_), ignored);
-  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): it stays then
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the folder stays
   }
 }
 

@@ -6,22 +6,22 @@
 
 namespace nQUENRA1400 {
 
-// The folder of one update in the system's temporary directory, under a name that nothing else has.
-// Its name is all there is of it at first.
+// The folder of one update in the system's temporary directory, under a random name. Constructing it
+// creates nothing.
 class tUpdateFolder {
  public:
-  // Throws boost::uuids::entropy_error when the system gives no random bytes, and
-  // std::filesystem::filesystem_error ("temp_directory_path") when it gives no directory.
+  // Throws boost::uuids::entropy_error when the system has no random bytes, and
+  // std::filesystem::filesystem_error ("temp_directory_path") when it has no temporary directory.
   tUpdateFolder();
 
-  // Where a file of the update goes. A name with a drive letter, or of another machine, stands for
-  // itself.
+  // Returns the path of a file of the update. A name with a drive letter or two leading separators is a
+  // path of its own.
   [[nodiscard]] std::u16string pathOf(std::u16string_view fileName) const;
 
-  // Makes it, with any missing parents, unless it is there. Throws std::filesystem::filesystem_error
-  // ("create_directories").
+  // Creates the folder, with any missing parents, unless it exists. Throws
+  // std::filesystem::filesystem_error ("create_directories").
   void create() const;
-  // Removes it with all its contents, if it is there; failure is nobody's concern.
+  // Removes the folder with all its contents, as far as the system allows.
   void remove() const noexcept;
 
  private:
