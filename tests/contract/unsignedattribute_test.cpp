@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "tests/contract/contracttest.h"
 
 namespace nTests {
@@ -429,6 +431,21 @@ class MartenInPlaceOfAField : public UnsignedAttribute,
 TEST_P(MartenInPlaceOfAField, GivesItsValueAsItIs) {
   openWithoutStructure(1);
   EXPECT_EQ(readUnsigned(GetParam().attribute), value(kMartensValue));
+}
+
+// The id as the driver receives it, in the first four bytes of the request.
+TEST_P(MartenInPlaceOfAField, WithASelector_ReceivesTheCompleteId) {
+  openWithoutStructure(1);
+  for (const uint32_t selector : {uint32_t{QUENRA_SELECTOR_CONTROLLER}, 0x00300000u, 0x00F00000u}) {
+    machine().clearLog();
+    EXPECT_EQ(readUnsigned(GetParam().attribute | selector), value(kMartensValue));
+    const auto entries = requests(REQUEST_GET_ATTRIBUTE);
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].interfaceKind, kSimulatorInterfaceMarten);
+    uint32_t received = 0;
+    std::memcpy(&received, entries[0].input, sizeof received);
+    EXPECT_EQ(received, GetParam().attribute | selector);
+  }
 }
 
 TEST_P(MartenInPlaceOfAField, WhenClosed_LeavesTheError) {

@@ -1,3 +1,5 @@
+#include "quenra_attributes.h"
+#include "quenra_status.h"
 #include "tests/component/user/readingtest.h"
 
 namespace nTests {
@@ -102,6 +104,19 @@ TEST_F(UnsignedReader, AskedOfMartenInPlaceOfAField_StartsWithoutTheError) {
   EXPECT_EQ(readUnsigned(0x2003E800), (tFailure{0, 0}));
   EXPECT_EQ(value, 99u);
   EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{0x2003E800, 4, 0}));
+}
+
+TEST_F(UnsignedReader, FallbackToMarten_RequestsTheCompleteId) {
+  install(tReferenceTable().remove(0x9F));
+  martenIsOpen = true;
+  for (const uint32_t selector : {uint32_t{QUENRA_SELECTOR_CONTROLLER}, 0x00F00000u}) {
+    const uint32_t id = QUENRA_ATTRIBUTE_CAPABILITY_1 | selector;
+    marten.questions.clear();
+    marten.answerNumber(id, 99);
+    EXPECT_EQ(readUnsigned(id), (tFailure{QUENRA_STATUS_SUCCESS, 0}));
+    EXPECT_EQ(value, 99u);
+    EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{id, 4, 0}));
+  }
 }
 
 TEST_F(UnsignedReader, MartenFailingInPlaceOfAField_LeavesTheFieldsErrorAndNoValue) {
