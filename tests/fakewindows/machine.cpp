@@ -93,6 +93,11 @@ std::vector<tDeviceInterface> tMachine::present(const tInterfaceClass& interface
   return found;
 }
 
+void tMachine::usePresence(const tSimulatorPresence& presence) {
+  const std::lock_guard lock(mutex_);
+  presence_ = presence;
+}
+
 std::string tMachine::pathOf(const tDeviceInterface& device) {
   const std::lock_guard lock(mutex_);
   const auto own = paths_.find(device);

@@ -61,6 +61,9 @@ class tMachine {
 
   // The interfaces of a class, in order.
   [[nodiscard]] std::vector<tDeviceInterface> present(const tInterfaceClass& interfaceClass);
+  // Makes this many interfaces present until the model changes their number: the model has at most one
+  // device path.
+  void usePresence(const tSimulatorPresence& presence);
   [[nodiscard]] std::string pathOf(const tDeviceInterface& device);
   // Gives a device interface another path.
   void usePath(const tDeviceInterface& device, const std::string& path);

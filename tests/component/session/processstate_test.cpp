@@ -106,6 +106,19 @@ TEST_F(DevicePathAttribute, ListThatCannotBeRead_IsNoController) {
   EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 1u);
 }
 
+TEST_F(DevicePathAttribute, SeveralInterfaces_TheFirstIsReported) {
+  constexpr uint32_t kInterfaces = 3;
+  nFakeWindows::machine().usePresence({1, 1, kInterfaces});
+  for (uint32_t i = 0; i < kInterfaces; ++i) {
+    nFakeWindows::machine().usePath({kSimulatorInterfaceDevicePath, i},
+                                    "path of interface " + std::to_string(i));
+  }
+  char path[256] = "";
+  uint64_t size = sizeof path;
+  EXPECT_EQ(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, path, &size), 0);
+  EXPECT_STREQ(path, "path of interface 0");
+}
+
 TEST_F(DevicePathAttribute, DetailThatCannotBeRead_GivesTheMappedCode) {
   faultPlan().failCall(tCall::setupDiGetDeviceInterfaceDetail, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(read(), -52009);
