@@ -1,4 +1,5 @@
 // Every allocation that opening a controller makes, failed in turn.
+#include "source/user/exports/tprocessstate.h"
 #include "tests/component/session/sessiontest.h"
 #include "tests/fakewindows/allocationplan.h"
 
@@ -51,6 +52,19 @@ TEST_F(AllocationFailures, TheFirst_IsTheSessionItself) {
   unsigned ignored = 0;
   EXPECT_EQ(openWithout(1, &ignored), QUENRA_STATUS_OUT_OF_MEMORY);
   EXPECT_EQ(faultPlan().callCount(), 0u) << "nothing is opened without a session";
+}
+
+TEST_F(AllocationFailures, OfTheSession_AreReportedAtLine121) {
+  nQUENRA1400::nZOAPAL000::tStartUp startUp;
+  nQUENRA1400::tProcessState state(startUp);
+  state.load();
+  zoerr::tOwnedStatus status;
+  {
+    const tAllocationPlan plan(1);
+    state.open(status);
+  }
+  EXPECT_EQ(outcomeOf(status), sessionFailure(QUENRA_STATUS_OUT_OF_MEMORY, 121));
+  state.unload();
 }
 
 TEST_F(AllocationFailures, DuringReads_ChangeNoOutcome) {

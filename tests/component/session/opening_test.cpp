@@ -26,6 +26,16 @@ TEST_F(Session, NoControllerInterface_FailsAtLine222) {
   EXPECT_EQ(open(), sessionFailure(-26932, 222));
 }
 
+TEST_F(Session, Failure_DescribesFileLineAndComponent) {
+  usePresence(0, 1);
+  nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosWindowsProvider provider;
+  zoerr::tOwnedStatus status;
+  const nQUENRA1400::tControllerUserSession session(provider, status);
+  EXPECT_STREQ(
+      status.description,
+      R"({"file":"source\\user\\tControllerUserSession","line":222,"component":"quenra"})");
+}
+
 TEST_F(Session, SecondControllerInterface_FailsAtLine242) {
   usePresence(2, 0);
   EXPECT_EQ(open(), sessionFailure(-52003, 242));

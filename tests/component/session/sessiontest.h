@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "quenra.h"
 #include "simulator/control/tsimulatedmachine.h"
@@ -24,7 +25,7 @@
 
 namespace nTests {
 
-// Where and how something failed, as its status tells.
+// The code and the location in a status.
 struct tOutcome {
   int32_t code = 0;
   std::string file;  // without its folders
@@ -35,17 +36,30 @@ inline void PrintTo(const tOutcome& outcome, std::ostream* out) {
   *out << outcome.code << " at " << outcome.file << " line " << outcome.line;
 }
 
+// The test fails unless the description, if any, has the members file, line and component as the
+// library writes them, the session's file with its folders. Any thread: a regular expression would
+// change the locale of the process.
 inline tOutcome outcomeOf(const zoerr::Status& status) {
-  tOutcome outcome{status.code, "", 0};
   const std::string text = status.description == nullptr ? "" : status.description;
-  if (const size_t file = text.find("\"file\":\""); file != std::string::npos) {
-    const std::string path = text.substr(file + 8, text.find('"', file + 8) - file - 8);
-    outcome.file = path.substr(path.find_last_of('\\') + 1);
+  if (text.empty()) {
+    return {status.code, "", 0};
   }
-  if (const size_t line = text.find("\"line\":"); line != std::string::npos) {
-    outcome.line = static_cast<uint32_t>(std::stoul(text.substr(line + 7)));
+  constexpr std::string_view kBeforeFile = R"({"file":")";
+  constexpr std::string_view kBeforeLine = R"(","line":)";
+  const size_t middle = text.find(kBeforeLine);
+  if (!text.starts_with(kBeforeFile) || middle == std::string::npos) {
+    ADD_FAILURE() << "not a location: " << text;
+    return {status.code, "", 0};
   }
-  return outcome;
+  const std::string path = text.substr(kBeforeFile.size(), middle - kBeforeFile.size());
+  const auto line = static_cast<uint32_t>(std::stoul(text.substr(middle + kBeforeLine.size())));
+  EXPECT_EQ(text, std::string(kBeforeFile) + path + std::string(kBeforeLine) +
+                      std::to_string(line) + R"(,"component":"quenra"})");
+  const std::string file = path.substr(path.find_last_of('\\') + 1);
+  if (file == "tControllerUserSession") {
+    EXPECT_EQ(path, R"(source\\user\\tControllerUserSession)");
+  }
+  return {status.code, file, line};
 }
 
 inline tOutcome success() {

@@ -26,11 +26,18 @@ class tInstalledProvider final : public nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosPro
   }
 };
 
-// The source line that a status tells; 0 when it tells none.
+// The source line in a status; 0 when it has none.
 [[nodiscard]] inline uint32_t lineOf(const zoerr::Status& status) {
   const std::string text = status.description == nullptr ? "" : status.description;
   const size_t line = text.find("\"line\":");
   return line == std::string::npos ? 0 : static_cast<uint32_t>(std::stoul(text.substr(line + 7)));
+}
+
+// The description of a failure at a line of a source file, as the library writes it.
+[[nodiscard]] inline std::string descriptionOf(const std::string& file, uint32_t line,
+                                               const std::string& component) {
+  return R"({"file":")" + file + R"(","line":)" + std::to_string(line) + R"(,"component":")" +
+         component + R"("})";
 }
 
 struct tFailure {
@@ -40,6 +47,19 @@ struct tFailure {
 };
 inline void PrintTo(const tFailure& failure, std::ostream* out) {
   *out << "code " << failure.code << " at line " << failure.line;
+}
+
+// Code and line. The test fails unless the description names the session or the double of the driver
+// as the source, with all its members.
+[[nodiscard]] inline tFailure failureOf(const zoerr::Status& status) {
+  const tFailure failure{status.code, lineOf(status)};
+  if (failure.line != 0) {
+    EXPECT_THAT(std::string(status.description),
+                testing::AnyOf(descriptionOf(R"(source\\user\\tControllerUserSession)",
+                                             failure.line, "quenra"),
+                               descriptionOf("store", failure.line, "driver")));
+  }
+  return failure;
 }
 
 class ReadingTest : public testing::Test {
@@ -61,12 +81,12 @@ class ReadingTest : public testing::Test {
   tFailure readText(uint32_t attribute, uint64_t size = sizeof buffer) {
     zoerr::tOwnedStatus status;
     readTextAttribute(access(), attribute, buffer, &size, status);
-    return {status.code, lineOf(status)};
+    return failureOf(status);
   }
   tFailure readUnsigned(uint32_t attribute) {
     zoerr::tOwnedStatus status;
     readUnsignedAttribute(access(), attribute, value, status);
-    return {status.code, lineOf(status)};
+    return failureOf(status);
   }
 
   tInstalledProvider provider;

@@ -202,7 +202,7 @@ class TextFromMartenDouble : public ReadingTest {
     uint64_t inOut = size;
     zoerr::tOwnedStatus status;
     readTextAttribute(access(), attribute, memory.get(), &inOut, status);
-    failure = {status.code, lineOf(status)};
+    failure = failureOf(status);
     return {status.code, std::string(memory.get(), size), inOut};
   }
   static std::string bytes(std::string_view text) { return std::string(text); }

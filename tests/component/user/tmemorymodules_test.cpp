@@ -12,7 +12,7 @@ class MemoryModules : public ReadingTest {
     modules = nQUENRA1400::tMemoryModules();
     zoerr::tOwnedStatus status;
     modules.find(provider, status);
-    return {status.code, lineOf(status)};
+    return failureOf(status);
   }
 };
 

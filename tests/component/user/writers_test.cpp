@@ -21,12 +21,12 @@ class Writers : public ReadingTest {
     zoerr::tOwnedStatus status;
     status.code = codeBefore;
     writeTextAttribute(access(), attribute, "abc", status);
-    return {status.code, lineOf(status)};
+    return failureOf(status);
   }
   tFailure writeUnsigned(uint32_t attribute) {
     zoerr::tOwnedStatus status;
     writeUnsignedAttribute(access(), attribute, 7, status);
-    return {status.code, lineOf(status)};
+    return failureOf(status);
   }
 };
 
@@ -60,14 +60,14 @@ TEST_F(Writers, ForbiddenOrdinaryTextWithoutMarten_FailsAtLine2656) {
 TEST_F(Writers, NoText_FailsAtLine2657) {
   zoerr::tOwnedStatus status;
   writeTextAttribute(access(), 0x10000100, nullptr, status);
-  EXPECT_EQ((tFailure{status.code, lineOf(status)}), (tFailure{-52005, 2657}));
+  EXPECT_EQ(failureOf(status), (tFailure{-52005, 2657}));
   EXPECT_TRUE(controller.writes.empty());
 }
 
 TEST_F(Writers, TextOf256Bytes_FailsAtLine2658) {
   zoerr::tOwnedStatus status;
   writeTextAttribute(access(), 0x10000100, std::string(256, 'x').c_str(), status);
-  EXPECT_EQ((tFailure{status.code, lineOf(status)}), (tFailure{-26935, 2658}));
+  EXPECT_EQ(failureOf(status), (tFailure{-26935, 2658}));
   EXPECT_TRUE(controller.writes.empty());
 }
 
