@@ -103,6 +103,22 @@ class Bash(CommandLineTest):
         self.assertEqual(self.offered("get", "--instance", "=", "1", "product-"), ["product-name"])
         self.assertEqual(self.offered("set", "--", "product-"), ["product-name"])
 
+    def test_ends_of_a_route_offer_the_terminals(self):
+        terminals = [terminal["name"]
+                     for terminal in self.document("terminals", kind="terminals")["terminals"]]
+        for verb in (("route", "plan"), ("route", "connect")):
+            for option in ("--from", "--to"):
+                with self.subTest(verb=verb, option=option):
+                    self.assertEqual(self.offered(*verb, option, ""), terminals)
+                    self.assertEqual(self.offered(*verb, option, "="), terminals)
+                    self.assertEqual(self.offered(*verb, option, "=", "TRIG"), ["TRIG_SMB"])
+                    self.assertEqual(self.offered(*verb, "--invert", option, "TRIG"), ["TRIG_SMB"])
+                    self.assertEqual(self.offered(*verb, option, "nothing"), [])
+        self.assertEqual(self.offered("route", "plan", "--from", "TRIG_SMB", "--to", "PXI_Trig7"),
+                         ["PXI_Trig7"])
+        self.assertEqual(self.offered("route", "connect", "--for", ""), [])
+        self.assertEqual(self.offered("get", "--from", ""), self.offered("get", ""))
+
     def test_nothing_is_offered_for_a_value(self):
         self.assertEqual(self.offered("set", "driver-setting-1", ""), [])
         self.assertEqual(self.offered("get", "--instance", ""), [])
@@ -128,6 +144,7 @@ class Bash(CommandLineTest):
         typed = ("quenra get product-n\t\n"
                  "quenra sel\t--js\t\n"
                  "quenra get --instance=1 memory-si\t--mar\t\n"
+                 "quenra route plan --from TRIG\t--to=WD\t\n"
                  "exit\n")
         controller, terminal = pty.openpty()
         with os.fdopen(controller, "wb", buffering=0) as keyboard:
@@ -142,7 +159,8 @@ class Bash(CommandLineTest):
                 out, _ = shell.communicate(timeout=TIME_LIMIT_SECONDS)
         self.assertEqual(out.split(), ["<get><product-name>",
                                        "<self-test><--json>",
-                                       "<get><--instance=1><memory-size><--marten>"])
+                                       "<get><--instance=1><memory-size><--marten>",
+                                       "<route><plan><--from><TRIG_SMB><--to=WD_Terminal>"])
 
     def test_program_is_known_by_both_names(self):
         result = bash(["-c", 'source "$1"; complete -p quenra quenra.exe', "bash", str(self.script.path)])
@@ -176,6 +194,14 @@ class PowerShell(CommandLineTest):
                 self.assertEqual([row[0] for row in rows], in_bash[1].split())
         self.assertEqual(list(lists),
                          re.findall(r"(?m)^_quenra_(\w+)='$", ScriptFile(self, "bash").text))
+
+
+    def test_ends_of_a_route_offer_the_terminals(self):
+        text = ScriptFile(self, "powershell").text
+        for option in ("--from", "--to"):
+            rows = re.findall(rf"@\{{ Name = '{option}'; .*; Words = '(\w*)'; ", text)
+            self.assertEqual(rows, ["terminals", "terminals"])  # of 'plan' and of 'connect'
+        self.assertIn("$offered = $words[$valued.Words]", text)
 
 
 class Document(CommandLineTest):

@@ -21,20 +21,24 @@ class Completion : public CommandLineTest {
     EXPECT_EQ(library_.opens, 0);
     return result.out;
   }
+  // No completions, or those that the scripts contain.
+  static bool isKnown(const tWordSet* words) {
+    return words == nullptr || std::ranges::count(kWordSets, words) == 1;
+  }
 };
 
-TEST_F(Completion, EveryScript_KnowsEveryVerbOptionAndWord) {
+TEST_F(Completion, EveryScript_ContainsEveryVerbOptionAndWord) {
   for (const char* const shell : {"bash", "powershell"}) {
     const std::string script = scriptFor(shell);
     for (const tVerbRow& verb : kVerbs) {
       EXPECT_THAT(script, HasSubstr(verb.name));
       for (const tOptionRow& option : verb.options) {
         EXPECT_THAT(script, HasSubstr(option.name)) << verb.name;
+        EXPECT_TRUE(isKnown(option.words)) << option.name << " of " << verb.name;
+        EXPECT_TRUE(option.words == nullptr || !option.valueName.empty()) << option.name;
       }
       for (const tPositionalRow& positional : verb.positionals) {
-        EXPECT_TRUE(positional.words == nullptr ||
-                    std::ranges::count(kWordSets, positional.words) == 1)
-            << verb.name << " offers words that no script knows";
+        EXPECT_TRUE(isKnown(positional.words)) << positional.name << " of " << verb.name;
       }
     }
     for (const tWordSet* const set : kWordSets) {
@@ -45,7 +49,23 @@ TEST_F(Completion, EveryScript_KnowsEveryVerbOptionAndWord) {
   }
 }
 
-TEST_F(Completion, OfferedWords_MeanNothingElseToAShell) {
+TEST_F(Completion, RouteEnds_OfferTheTerminals) {
+  for (const char* const verb : {"route plan", "route connect"}) {
+    for (const char* const name : {"--from", "--to"}) {
+      const auto& options = findVerb(verb)->options;
+      const auto option = std::ranges::find(options, std::string_view(name), &tOptionRow::name);
+      ASSERT_NE(option, options.end());
+      EXPECT_EQ(option->words, &kTerminalWords) << verb << " " << name;
+    }
+  }
+  EXPECT_THAT(scriptFor("bash"),
+              HasSubstr("values=([--from]=\"$_quenra_terminals\" [--to]=\"$_quenra_terminals\")"));
+  EXPECT_THAT(scriptFor("powershell"),
+              HasSubstr("Name = '--from'; Meaning = 'Source terminal'; TakesValue = $true; "
+                        "Words = 'terminals'; Choice = ''"));
+}
+
+TEST_F(Completion, OfferedWords_NeedNoQuotingInAShell) {
   for (const tWordSet* const set : kWordSets) {
     EXPECT_FALSE(set->words().empty()) << set->name;
     for (const tOfferedWord& offered : set->words()) {
@@ -62,7 +82,7 @@ TEST_F(Completion, QuotesInAMeaning_EndNoTextOfPowerShell) {
   EXPECT_THAT(scriptFor("powershell"), HasSubstr("'Path of the controller''s device interface; "));
 }
 
-TEST_F(Completion, UnknownShell_IsMetWithASuggestion) {
+TEST_F(Completion, UnknownShell_IsWrongUsageWithASuggestion) {
   const tRun result = run({"completion", "powershel"});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.out, IsEmpty());
@@ -71,7 +91,7 @@ TEST_F(Completion, UnknownShell_IsMetWithASuggestion) {
   EXPECT_EQ(run({"completion"}).exitCode, 2);
 }
 
-TEST_F(Completion, Document_HoldsTheScript) {
+TEST_F(Completion, Document_ContainsTheScript) {
   const auto document = run({"completion", "bash", "--json"}).document();
   EXPECT_THAT(memberNames(document),
               ElementsAre("format", "kind", "exitCode", "warnings", "shell", "script"));

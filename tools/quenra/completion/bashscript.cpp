@@ -17,7 +17,7 @@ constexpr std::string_view kHead =
 )sh";
 
 constexpr std::string_view kBody = R"sh(
-# An option was given: neither it nor what it excludes is offered again.
+# Removes an option that was given, and those that it excludes, from the offer.
 _quenra_use() {
   local group option
   for group in "$1" "${choices[@]}"; do
@@ -31,7 +31,8 @@ _quenra_use() {
 
 _quenra() {
   local word=${COMP_WORDS[COMP_CWORD]} options valued choices positionals
-  local current verb='' group='' ended='' offered given=0 i
+  local current verb='' group='' ended='' option='' offered given=0 i
+  local -A values
   COMPREPLY=()
   _quenra_grammar ''
   for ((i = 1; i < COMP_CWORD; ++i)); do
@@ -41,7 +42,8 @@ _quenra() {
     elif [[ -z $ended && $current == -* ]]; then
       _quenra_use "$current"
       if [[ " $valued " == *" $current "* ]]; then
-        # bash takes --option=value for three words.
+        option=$current
+        # bash splits --option=value into three words.
         [[ ${COMP_WORDS[++i]} != = ]] || ((++i))
       fi
     elif [[ -z $verb ]]; then
@@ -54,9 +56,11 @@ _quenra() {
       ((++given))
     fi
   done
-  # Nothing to offer for the value of an option.
-  ((i == COMP_CWORD)) || return 0
-  if [[ -z $ended && $word == -* ]] || ((given >= ${#positionals[@]})); then
+  if ((i != COMP_CWORD)); then
+    # The value of an option, which is still empty at its equals sign.
+    offered=${values[$option]-}
+    [[ $word != = ]] || word=''
+  elif [[ -z $ended && $word == -* ]] || ((given >= ${#positionals[@]})); then
     offered=$options
   else
     offered=${positionals[given]}
@@ -108,6 +112,17 @@ std::string valuedOptions(std::span<const tOptionRow> options) {
   return names;
 }
 
+// [--from]="$_quenra_terminals" for each option whose value has completions
+std::string valueWords(std::span<const tOptionRow> options) {
+  std::string text;
+  for (const tOptionRow& row : options) {
+    if (row.words != nullptr) {
+      appendWord(text, "[" + std::string(row.name) + "]=\"$" + variableOf(*row.words) + "\"");
+    }
+  }
+  return text;
+}
+
 // 'a b' 'c d'
 std::string choices(std::span<const tOptionRow> options) {
   std::map<std::string_view, std::string> groups;
@@ -135,6 +150,7 @@ std::string caseOf(const tVerbRow& verb) {
   std::string text = "    '" + std::string(verb.name) + "')\n";
   text += "      options='" + optionNames(kOptionsOfEveryVerb, verb.options) + "'\n";
   text += "      valued='" + valuedOptions(verb.options) + "'\n";
+  text += "      values=(" + valueWords(verb.options) + ")\n";
   text += "      choices=(" + choices(verb.options) + ")\n";
   text += "      positionals=(" + positionalWords(verb) + ")\n";
   return text + "      ;;\n";
@@ -148,9 +164,9 @@ std::string caseOf(const tVerbGroupRow& group) {
 
 std::string grammar() {
   std::string text =
-      "\n# What may stand behind a verb, or in front of it; into the variables of the caller.\n"
+      "\n# Sets the words that may follow a verb, or precede it, in the variables of the caller.\n"
       "_quenra_grammar() {\n"
-      "  options='' valued='' choices=() positionals=() group=''\n"
+      "  options='' valued='' values=() choices=() positionals=() group=''\n"
       "  case $1 in\n"
       "    '')\n"
       "      options='" +

@@ -22,21 +22,24 @@ constexpr std::string_view kBody = R"ps(
     $verb = ''
     $ended = $false
     $given = 0
-    $valueIsNext = $false
+    $valued = $null
     $used = @()
     foreach ($element in @($commandAst.CommandElements | Select-Object -Skip 1)) {
         if ($element.Extent.EndOffset -ge $cursorPosition) {
             break
         }
         $text = $element.Extent.Text
-        if ($valueIsNext) {
-            $valueIsNext = $false
+        if ($null -ne $valued) {
+            $valued = $null
         } elseif (-not $ended -and $text -eq '--') {
             $ended = $true
         } elseif (-not $ended -and $text.StartsWith('-')) {
-            $option = @($grammar[$verb].Options | Where-Object { $_.Name -eq $text })
+            $name, $value = $text -split '=', 2
+            $option = @($grammar[$verb].Options | Where-Object { $_.Name -eq $name })
             $used += $option
-            $valueIsNext = $option.Count -gt 0 -and $option[0].TakesValue
+            if ($option.Count -gt 0 -and $option[0].TakesValue -and $null -eq $value) {
+                $valued = $option[0]
+            }
         } elseif ($verb -eq '' -or $grammar[$verb].IsGroup) {
             $verb = "$verb $text".TrimStart()
             if (-not $grammar.ContainsKey($verb)) {
@@ -46,13 +49,29 @@ constexpr std::string_view kBody = R"ps(
             $given += 1
         }
     }
-    if ($valueIsNext) {
-        return
+
+    # A value follows its option, or stands in one word with it: --option=value.
+    $typed = "$wordToComplete"
+    $prefix = ''
+    if ($null -eq $valued -and -not $ended -and $typed -match '^--[a-z-]+=') {
+        $prefix = $Matches[0]
+        $typed = $typed.Substring($prefix.Length)
+        $name = $prefix.TrimEnd('=')
+        $valued = $grammar[$verb].Options |
+            Where-Object { $_.Name -eq $name -and $_.TakesValue }
+        if ($null -eq $valued) {
+            return
+        }
     }
 
     $positionals = $grammar[$verb].Positionals
-    if ((-not $ended -and "$wordToComplete".StartsWith('-')) -or $given -ge $positionals.Count) {
-        # Neither what was given is offered again, nor what it excludes.
+    if ($null -ne $valued) {
+        if ($valued.Words -eq '') {
+            return
+        }
+        $offered = $words[$valued.Words]
+    } elseif ((-not $ended -and $typed.StartsWith('-')) -or $given -ge $positionals.Count) {
+        # Leaves out the options that were given, and those that they exclude.
         $names = @($used | ForEach-Object { $_.Name })
         $choices = @($used | ForEach-Object { $_.Choice } | Where-Object { $_ -ne '' })
         $offered = @($grammar[$verb].Options |
@@ -63,15 +82,15 @@ constexpr std::string_view kBody = R"ps(
         return
     }
     $offered |
-        Where-Object { $_.Name.StartsWith("$wordToComplete", [StringComparison]::OrdinalIgnoreCase) } |
+        Where-Object { $_.Name.StartsWith($typed, [StringComparison]::OrdinalIgnoreCase) } |
         ForEach-Object {
             [System.Management.Automation.CompletionResult]::new(
-                $_.Name, $_.Name, 'ParameterValue', $_.Meaning)
+                $prefix + $_.Name, $_.Name, 'ParameterValue', $_.Meaning)
         }
 }
 )ps";
 
-// Between single quotes nothing but the single quote means anything.
+// Between single quotes only the single quote is special.
 std::string quoted(std::string_view text) {
   std::string result = "'";
   for (const char character : text) {
@@ -99,6 +118,7 @@ std::string optionLines(std::span<const tOptionRow> options) {
     text += "                @{ Name = " + quoted(row.name) +
             "; Meaning = " + quoted(row.description) +
             "; TakesValue = " + (row.valueName.empty() ? "$false" : "$true") +
+            "; Words = " + quoted(row.words == nullptr ? "" : row.words->name) +
             "; Choice = " + quoted(row.choice) + " }\n";
   }
   return text;
@@ -119,7 +139,7 @@ std::string positionalSets(const tVerbRow& verb) {
   return text;
 }
 
-// What may stand behind a verb, and under the empty name in front of it.
+// The words that may follow a verb; under the empty name those that may precede it.
 std::string grammar() {
   std::string text = "    $grammar = @{\n";
   text += entry("", optionLines(kOptionsOfTheProgram), quoted(kVerbWords.name));

@@ -1,5 +1,5 @@
-// What a verb of the command line is described by. The parser, the help, the completion scripts and
-// the manual page are all made from these rows.
+// The description of a verb of the command line. The parser, the help, the completion scripts and the
+// manual page are all generated from these rows.
 #ifndef TOOLS_QUENRA_GRAMMAR_VERBROW_H
 #define TOOLS_QUENRA_GRAMMAR_VERBROW_H
 
@@ -26,10 +26,10 @@ struct tWordSet {
 };
 
 struct tPositionalRow {
-  std::string_view name;       // what the runner asks tArguments for
+  std::string_view name;       // its key in tArguments
   std::string_view valueName;  // as the help shows it: "NAME|ID"
   std::string_view description;
-  const tWordSet* words = nullptr;  // null where completion has nothing to offer
+  const tWordSet* words = nullptr;  // its completions; null where there are none
   bool required = true;
 };
 
@@ -39,6 +39,7 @@ struct tOptionRow {
   std::string_view description;
   std::string_view choice = {};  // of the options of one choice, at most one can be given
   bool required = false;
+  const tWordSet* words = nullptr;  // completions of the value; null where there are none
 };
 
 struct tExampleRow {
@@ -47,7 +48,7 @@ struct tExampleRow {
 };
 
 struct tVerbRow {
-  std::string_view name;     // a word, or two with a space: a group and what to do
+  std::string_view name;     // a word, or two with a space: a group and an action
   std::string_view summary;  // a line without its full stop
   std::string_view details;  // sentences for the manual page
   std::span<const tPositionalRow> positionals;

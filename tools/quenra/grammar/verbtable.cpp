@@ -83,8 +83,8 @@ constexpr tExampleRow kSelfTestExamples[] = {
 
 // ---- terminals, route ----
 
-constexpr tOptionRow kFrom{nWords::kFrom, "A", "The terminal whose signal it is", {}, true};
-constexpr tOptionRow kTo{nWords::kTo, "B", "The terminal that is to carry it", {}, true};
+constexpr tOptionRow kFrom{nWords::kFrom, "A", "Source terminal", {}, true, &kTerminalWords};
+constexpr tOptionRow kTo{nWords::kTo, "B", "Destination terminal", {}, true, &kTerminalWords};
 constexpr tOptionRow kInvert{nWords::kInvert, "", "Invert the signal"};
 
 constexpr tExampleRow kTerminalsExamples[] = {
@@ -272,8 +272,8 @@ constexpr tVerbRow kRows[] = {
      kExplainPositionals, {}, kExplainExamples, runExplain},
 
     {"completion", "Print the script that completes command lines in a shell",
-     "Verbs, options, names of attributes and constants of status codes are completed. Needs no "
-     "controller.",
+     "Shells then complete verbs, options, names of attributes and terminals, and constants of status "
+     "codes. Needs no controller.",
      kCompletionPositionals, {}, kCompletionExamples, runCompletion},
 
     {"help", "Show the help of the program or of a verb",

@@ -2,6 +2,7 @@
 
 #include "tools/quenra/catalogue/attributecatalogue.h"
 #include "tools/quenra/catalogue/statuscatalogue.h"
+#include "tools/quenra/catalogue/terminalcatalogue.h"
 #include "tools/quenra/completion/shells.h"
 #include "tools/quenra/grammar/verbtable.h"
 
@@ -73,6 +74,12 @@ tWords shells() {
   return words;
 }
 
+tWords terminals() {
+  tWords words;
+  append(words, kTerminals, &tTerminalRow::name, &tTerminalRow::meaning);
+  return words;
+}
+
 }  // namespace
 
 constinit const tWordSet kReadableWords{"attributes", readable};
@@ -82,5 +89,6 @@ constinit const tWordSet kVerbWords{"verbs", verbs};
 constinit const tWordSet kFirmwareWords{"firmware", firmwareActions};
 constinit const tWordSet kRouteWords{"route", routeActions};
 constinit const tWordSet kShellWords{"shells", shells};
+constinit const tWordSet kTerminalWords{"terminals", terminals};
 
 }  // namespace nCommandLine

@@ -1,4 +1,4 @@
-// What completion can offer for a positional.
+// Words that completion offers for positionals and for values of options.
 #ifndef TOOLS_QUENRA_GRAMMAR_WORDSETS_H
 #define TOOLS_QUENRA_GRAMMAR_WORDSETS_H
 
@@ -7,16 +7,17 @@
 namespace nCommandLine {
 
 extern const tWordSet kReadableWords;  // names of attributes
-extern const tWordSet kWritableWords;  // ... and of what can only be written
+extern const tWordSet kWritableWords;  // ... and of settings that are write-only
 extern const tWordSet kStatusWords;    // constants of the status codes
 extern const tWordSet kVerbWords;      // the first words of verbs
 extern const tWordSet kFirmwareWords;  // the second words of a group
-extern const tWordSet kRouteWords;     // ... of another
+extern const tWordSet kRouteWords;     // ... of another group
 extern const tWordSet kShellWords;
+extern const tWordSet kTerminalWords;  // names of trigger terminals
 
 inline constexpr const tWordSet* kWordSets[] = {
     &kReadableWords, &kWritableWords, &kStatusWords, &kVerbWords,
-    &kFirmwareWords, &kRouteWords,    &kShellWords,
+    &kFirmwareWords, &kRouteWords,    &kShellWords,  &kTerminalWords,
 };
 
 }  // namespace nCommandLine
