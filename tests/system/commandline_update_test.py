@@ -175,7 +175,8 @@ class Update(CommandLineTest):
         self.assertEqual(len(self.packages()), 1)
 
     def test_missing_file_and_missing_name(self):
-        self.assertIn("cannot be read", self.quenra("update", self.image, exit_code=1).error)
+        run = self.quenra("update", self.image, exit_code=1)
+        self.assertEqual(run.error, f"quenra: cannot read '{self.image}': no such file\n")
         self.document("update", "--plan", self.image, kind="error", exit_code=1)
         self.quenra("update", exit_code=2)
 

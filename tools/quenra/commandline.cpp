@@ -6,6 +6,7 @@
 #include "tools/quenra/exitcode.h"
 #include "tools/quenra/grammar/parser.h"
 #include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/systemreason.h"
 #include "tools/quenra/tcommanderror.h"
 #include "tools/quenra/verbs/verbcontext.h"
 
@@ -33,15 +34,25 @@ tExitCode runWords(const tVerbContext& context, tWords words) {
   }
 }
 
+// The reader of a closed pipe has all that it needs, as `head` does: no message.
+void reportOutputFailure(const tStreams& streams) {
+  const std::error_code failure =
+      streams.outBuffer == nullptr ? std::error_code() : streams.outBuffer->failure();
+  if (!isClosedPipe(failure)) {
+    const std::string reason = failure ? ": " + reasonOf(failure) : "";
+    printError(streams.error,
+               {tExitCode::failure, "cannot write the output" + reason, std::nullopt});
+  }
+}
+
 }  // namespace
 
 int runCommandLine(int argc, const char* const* argv, tStreams& streams, const tPorts& ports) {
   const tWords words = tWords(argv, static_cast<size_t>(argc)).subspan(argc > 0 ? 1 : 0);
   tExitCode exitCode = runWords({ports, streams, wantsJson(words)}, words);
-  // A full disk or a closed pipe: nobody is to take half an answer for one.
   if (!streams.out.flush()) {
-    printError(streams.error,
-               {tExitCode::failure, "the output could not be written", std::nullopt});
+    reportOutputFailure(streams);
+    // The caller must not mistake a truncated answer for a complete one.
     exitCode = tExitCode::failure;
   }
   return exitNumber(exitCode);

@@ -1,16 +1,19 @@
-// The program on Windows: the library itself, the words it is given, the standard streams, and the
-// console behind them.
+// The program on Windows: the library itself, the words of the command line, the standard streams and
+// their console.
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 // Needs the types of windows.h.
 #include <shellapi.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "tools/quenra/commandline.h"
@@ -32,8 +35,22 @@ bool stylesAreUnwanted() noexcept {
   return noColour != nullptr && *noColour != '\0';
 }
 
-// The console behind the standard output, if there is one. While the object lives, the console takes
-// UTF-8 and, where it can and the user does not mind, escape codes for styles.
+// Writes to the standard output with its last error as the reason of a failure.
+std::error_code writeOutput(std::string_view bytes) noexcept {
+  while (!bytes.empty()) {
+    constexpr size_t kMaxWrite = size_t{1} << 20;
+    DWORD written = 0;
+    if (!WriteFile(standardOutput(), bytes.data(),
+                   static_cast<DWORD>(std::min(bytes.size(), kMaxWrite)), &written, nullptr)) {
+      return {static_cast<int>(GetLastError()), std::system_category()};
+    }
+    bytes.remove_prefix(written);
+  }
+  return {};
+}
+
+// The console of the standard output, if there is one. During the object's life the console accepts
+// UTF-8 and, if it can and the user permits it, escape codes for styles.
 class tConsole {
  public:
   tConsole() noexcept
@@ -71,8 +88,9 @@ struct tLocalFree {
   void operator()(LPWSTR* memory) const noexcept { LocalFree(memory); }
 };
 
-// What `main` is given has gone through the process code page, which few characters survive, and
-// may have had its wildcards replaced by the names of files. Empty where memory is short.
+// The words of the command line. Those that `main` receives have been converted to the process code
+// page, which lacks most characters, and may have had their wildcards expanded. Empty where memory is
+// short.
 std::vector<std::string> commandLineWords() {
   int count = 0;
   const std::unique_ptr<LPWSTR, tLocalFree> words(CommandLineToArgvW(GetCommandLineW(), &count));
@@ -87,11 +105,16 @@ std::vector<std::string> commandLineWords() {
 }  // namespace
 
 int main() {
-  // Lines end the same way wherever the program runs.
-  _setmode(_fileno(stdout), _O_BINARY);
+  // Lines end in LF on every system; the output's own buffer converts nothing.
   _setmode(_fileno(stderr), _O_BINARY);
   const tConsole console;
-  nCommandLine::tStreams streams{std::cout, std::cerr, console.present(), console.takesStyles()};
+  nCommandLine::tOutputBuffer buffer(&writeOutput);
+  std::ostream out(&buffer);
+  if (console.present()) {
+    // A person sees each text at once, in order with those of the error stream.
+    out << std::unitbuf;
+  }
+  nCommandLine::tStreams streams{out, std::cerr, console.present(), console.takesStyles(), &buffer};
   nCommandLine::tQuenraLibrary library;
   nCommandLine::tQuenraRouting routing;
   nCommandLine::tUpdateFacts updateFacts;

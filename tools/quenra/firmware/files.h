@@ -6,11 +6,11 @@
 
 namespace nCommandLine {
 
-// Paths are UTF-8. Both throw tCommandError where the system refuses.
+// Paths are UTF-8. On failure both throw tCommandError with the path and the system's reason.
 
 [[nodiscard]] std::string readFile(const std::string& path);
 
-// Whole or not at all: a file that was there before stays until the new one is complete.
+// Writes a file completely or not at all: an existing file stays until the new one is complete.
 void writeFile(const std::string& path, std::string_view content);
 
 }  // namespace nCommandLine

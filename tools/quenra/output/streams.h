@@ -3,14 +3,18 @@
 
 #include <ostream>
 
+#include "tools/quenra/output/toutputbuffer.h"
+
 namespace nCommandLine {
 
-// Where a command writes: answers to `out`, everything else to `error`.
+// The streams of a command: answers go to `out`, everything else to `error`.
 struct tStreams {
   std::ostream& out;
   std::ostream& error;
   bool outIsTerminal = false;   // a person reads along: values come with their units
   bool outTakesStyles = false;  // ... on a terminal that shows bold and faint text
+  // The buffer of `out`, which keeps the reason of a failure; null where the reason is unknown.
+  const tOutputBuffer* outBuffer = nullptr;
 };
 
 }  // namespace nCommandLine

@@ -1,0 +1,172 @@
+#include "tools/quenra/firmware/files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "tests/component/commandline/temporaryfolder.h"
+#include "tools/quenra/tcommanderror.h"
+
+#ifndef _WIN32
+#include <unistd.h>
+#endif
+
+namespace nTests {
+namespace {
+
+using nCommandLine::readFile;
+using nCommandLine::tCommandError;
+using nCommandLine::tExitCode;
+using nCommandLine::writeFile;
+
+#ifdef _WIN32
+constexpr bool kIsWindows = true;
+#else
+constexpr bool kIsWindows = false;
+#endif
+
+// The message with which an operation fails.
+std::string messageOf(const std::function<void()>& operation) {
+  try {
+    operation();
+  } catch (const tCommandError& error) {
+    EXPECT_EQ(error.exitCode(), tExitCode::failure);
+    EXPECT_EQ(error.status(), std::nullopt);
+    return error.what();
+  }
+  return "(no failure)";
+}
+
+std::string readMessage(const std::string& path) {
+  return messageOf([&path] { static_cast<void>(readFile(path)); });
+}
+
+std::string writeMessage(const std::string& path) {
+  return messageOf([&path] { writeFile(path, "new"); });
+}
+
+class Files : public testing::Test {
+ protected:
+  tTemporaryFolder folder_;
+};
+
+TEST_F(Files, WrittenBytes_AreRead) {
+  for (const size_t size : {0u, 1u, 5000u, 3u << 20}) {
+    std::string content(size, 'x');
+    for (size_t i = 0; i < size; i += 7) {
+      content[i] = static_cast<char>(i % 256);  // with line ends and NULs
+    }
+    writeFile(folder_.path("file"), content);
+    EXPECT_TRUE(folder_.content("file") == content) << size;
+    EXPECT_TRUE(readFile(folder_.path("file")) == content) << size;
+  }
+  EXPECT_EQ(folder_.files(), 1u);
+}
+
+TEST_F(Files, NameBeyondAscii_IsReadAndWritten) {
+  const std::string path = folder_.path("\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
+  writeFile(path, "content");
+  EXPECT_EQ(readFile(path), "content");
+}
+
+// ---- Reading ----
+
+TEST_F(Files, ReadOfAMissingFile_ReportsNoSuchFile) {
+  for (const char* const name : {"nofile", "none/nofile"}) {
+    const std::string path = folder_.path(name);
+    EXPECT_EQ(readMessage(path), "cannot read '" + path + "': no such file");
+  }
+  EXPECT_EQ(readMessage(""), "cannot read '': no such file");
+}
+
+TEST_F(Files, ReadOfADirectory_ReportsADirectory) {
+  const std::string path = folder_.path(".");
+  EXPECT_EQ(readMessage(path), "cannot read '" + path + "': is a directory");
+}
+
+TEST_F(Files, ReadBelowAFile_ReportsTheWrongPath) {
+  static_cast<void>(folder_.file("file", "x"));
+  const std::string path = folder_.path("file/below");
+  // Windows does not distinguish the two.
+  const std::string reason = kIsWindows ? "no such file" : "a part of the path is not a directory";
+  EXPECT_EQ(readMessage(path), "cannot read '" + path + "': " + reason);
+}
+
+TEST_F(Files, PathThatIsNotUnicode_IsNeitherReadNorWritten) {
+  EXPECT_EQ(readMessage("\xFF"), "cannot read '\xFF': the path is not valid Unicode");
+  EXPECT_EQ(writeMessage("\xFF"), "cannot write '\xFF': the path is not valid Unicode");
+}
+
+// ---- Writing ----
+
+TEST_F(Files, WriteIntoAMissingDirectory_ReportsNoSuchDirectory) {
+  const std::string path = folder_.path("none/file");
+  EXPECT_EQ(writeMessage(path), "cannot write '" + path + "': no such directory");
+  EXPECT_EQ(folder_.files(), 0u);
+}
+
+TEST_F(Files, WriteOverADirectory_ReportsADirectoryAndLeavesNothing) {
+  const std::string path = folder_.path("inner");
+  std::filesystem::create_directory(path);
+  EXPECT_EQ(writeMessage(path), "cannot write '" + path + "': is a directory");
+  EXPECT_EQ(folder_.files(), 1u);
+}
+
+TEST_F(Files, UnfinishedFileThatIsADirectory_IsNamedAndStays) {
+  std::filesystem::create_directory(folder_.path("file.unfinished"));
+  EXPECT_EQ(writeMessage(folder_.path("file")),
+            "cannot write '" + folder_.path("file.unfinished") + "': is a directory");
+  EXPECT_TRUE(std::filesystem::is_directory(folder_.path("file.unfinished")));
+}
+
+#ifndef _WIN32
+// The device that is always full.
+TEST_F(Files, WriteToAFullDisk_ReportsTheSpaceAndKeepsTheOldFile) {
+  const std::string path = folder_.file("file", "old");
+  for (const size_t size : {1u, 100'000u}) {  // fails when the file closes, and before
+    std::filesystem::create_symlink("/dev/full", folder_.path("file.unfinished"));
+    EXPECT_EQ(messageOf([&] { writeFile(path, std::string(size, 'x')); }),
+              "cannot write '" + path + "': no space left on the disk");
+    EXPECT_EQ(folder_.content("file"), "old");
+    EXPECT_EQ(folder_.files(), 1u);
+  }
+}
+
+TEST_F(Files, DeviceThatFailsARead_ReportsAnInputOutputError) {
+  EXPECT_EQ(readMessage("/proc/self/mem"),
+            "cannot read '/proc/self/mem': the device reports an input/output error");
+}
+
+// A user without the rights of the superuser, for whom no access is denied.
+class tUnprivilegedUser {
+ public:
+  tUnprivilegedUser() { static_cast<void>(seteuid(kNobody)); }
+  tUnprivilegedUser(const tUnprivilegedUser&) = delete;
+  tUnprivilegedUser& operator=(const tUnprivilegedUser&) = delete;
+  ~tUnprivilegedUser() { static_cast<void>(seteuid(before_)); }
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+  uid_t before_ = geteuid();
+};
+
+TEST_F(Files, WithoutPermission_ReportsAccessDenied) {
+  const std::string path = folder_.file("file", "old");
+  const std::string directory = folder_.path(".");
+  std::filesystem::permissions(path, std::filesystem::perms::none);
+  std::filesystem::permissions(directory, std::filesystem::perms::owner_read |
+                                              std::filesystem::perms::owner_exec |
+                                              std::filesystem::perms::others_exec);
+  {
+    const tUnprivilegedUser user;
+    EXPECT_EQ(readMessage(path), "cannot read '" + path + "': access denied");
+    EXPECT_EQ(writeMessage(path), "cannot write '" + path + "': access denied");
+  }
+  std::filesystem::permissions(directory, std::filesystem::perms::owner_all);
+}
+#endif
+
+}  // namespace
+}  // namespace nTests

@@ -1,0 +1,86 @@
+"""Failures of files and of the output, as users see them."""
+
+import os
+import subprocess
+import unittest
+
+from commandline import TIME_LIMIT_SECONDS, CommandLineTest, Files, command
+
+
+class FilesOnDisk(CommandLineTest):
+    def setUp(self):
+        super().setUp()
+        self.files = Files(self)
+        self.typed = self.files.typed
+        self.files["payload"].write_bytes(b"123456789")
+
+    def assert_fails(self, message, *words):
+        """The message is the same in the text and in the document."""
+        run = self.quenra(*words, exit_code=1)
+        self.assertEqual((run.out, run.error), ("", f"quenra: {message}\n"))
+        document = self.document(*words, kind="error", exit_code=1)
+        self.assertEqual(document["error"]["message"], message)
+        self.assertEqual(document["error"]["cause"], "program")
+
+    def build_words(self, image, payload="payload"):
+        return ("firmware", "build", self.typed(payload), "--output", self.typed(image),
+                "--device", "MARTEN", "--firmware-version", "1")
+
+    def assert_read_fails(self, name, reason):
+        message = f"cannot read '{self.typed(name)}': {reason}"
+        self.assert_fails(message, "firmware", "inspect", self.typed(name))
+        self.assert_fails(message, "firmware", "verify", self.typed(name))
+        self.assert_fails(message, "update", "--plan", self.typed(name))
+        self.assert_fails(message, *self.build_words("image", payload=name))
+        self.assertFalse(self.files["image"].exists())
+
+    def assert_write_fails(self, name, reason, named=None):
+        self.assert_fails(f"cannot write '{self.typed(named or name)}': {reason}",
+                          *self.build_words(name))
+
+    def test_read_of_a_missing_file(self):
+        self.assert_read_fails("nofile", "no such file")
+
+    def test_read_of_a_directory(self):
+        self.files["directory"].mkdir()
+        self.assert_read_fails("directory", "is a directory")
+
+    def test_name_that_windows_does_not_allow(self):
+        self.assert_read_fails("a|b?", "the path is invalid")
+
+    def test_write_into_a_missing_directory(self):
+        self.assert_write_fails("none/image", "no such directory")
+
+    def test_write_over_a_directory(self):
+        self.files["directory"].mkdir()
+        self.assert_write_fails("directory", "is a directory")
+        self.assertEqual([path.name for path in self.files.folder.iterdir()
+                          if path.suffix == ".unfinished"], [])
+
+    def test_unfinished_file_that_is_a_directory(self):
+        self.files["image.unfinished"].mkdir()
+        self.assert_write_fails("image", "is a directory", named="image.unfinished")
+
+
+class StandardOutput(CommandLineTest):
+    def run_into(self, output):
+        """A run whose standard output is a file that the test opened; its exit code and errors."""
+        result = subprocess.run(
+            command("QUENRA_EXE", ("attributes",)), stdin=subprocess.DEVNULL, stdout=output,
+            stderr=subprocess.PIPE, timeout=TIME_LIMIT_SECONDS, check=False)
+        return result.returncode, result.stderr.decode("utf-8")
+
+    def test_full_disk(self):
+        with open("/dev/full", "wb") as full:
+            self.assertEqual(self.run_into(full),
+                             (1, "quenra: cannot write the output: no space left on the disk\n"))
+
+    def test_closed_pipe_is_silent(self):
+        reader, writer = os.pipe()
+        os.close(reader)
+        with os.fdopen(writer, "wb") as closed:
+            self.assertEqual(self.run_into(closed), (1, ""))
+
+
+if __name__ == "__main__":
+    unittest.main()
