@@ -5,7 +5,7 @@
 
 namespace nQUENRA1400 {
 
-// A site of the parser of firmware images.
+// A location in the parser of firmware images.
 [[nodiscard]] constexpr nZOAPALS100::tSourceLocation parserLocation(uint32_t line) noexcept {
   return {"source\\user\\tFirmwareImageParser", line};
 }

@@ -15,15 +15,15 @@ constexpr size_t kGroup = 128;      // sextets packed at a time...
 constexpr size_t kGroupBytes = 96;  // ...to so many bytes, three registers
 constexpr size_t kRound = 2048;     // characters translated before their sextets are packed
 constexpr size_t kPrefetch = 4096;  // bytes of text ahead
-// Bytes of data ahead. Lines that are to be written have to be fetched too, and the processor does not
-// see in time that they will be.
+// Bytes of data ahead. Cache lines must be fetched before they are written, and the processor does not
+// predict these.
 constexpr size_t kPrefetchData = 2048;
 
 // ---- Characters to sextets ----
 
-// A character is told by its two halves. The upper half names a column of the ASCII table; columns
-// with the same valid lower halves form a class, a bit. A lower half has the bits of the classes in
-// which it is invalid, so a character is valid when its two halves have no bit in common.
+// A character is classified by its two halves. The upper half is a column of the ASCII table; columns with
+// the same valid lower halves form a class, a bit. A lower half has the bits of the classes in which it
+// is invalid, so a character is valid when its two halves have no bit in common.
 struct tTranslation {
   uint8_t classOfUpper[16];
   uint8_t invalidForLower[16];
@@ -89,7 +89,7 @@ __m256i inBothLanes(const uint8_t* table) noexcept {
   return _mm256_broadcastsi128_si256(load128(table));
 }
 
-// Appends those of eight sextets whose bits are set. Writes eight bytes in any case.
+// Appends those of eight sextets whose bits are set. Always writes eight bytes.
 uint8_t* appendValid(uint8_t* to, __m128i sextets, unsigned mask) noexcept {
   const __m128i places =
       _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kCompaction.places[mask]));
@@ -137,8 +137,8 @@ uint8_t* appendSextets(uint8_t* to, const uint8_t* text, const uint8_t* end) noe
 
 // ---- The CRC ----
 
-// Six lanes of 16 bytes, as big-endian numbers: bytes that, standing before the rest of the data, would
-// lead to its CRC as what they replace does.
+// Six lanes of 16 bytes, as big-endian numbers. Before the rest of the data, they give the same CRC as all the
+// bytes that they replace.
 struct tFolded {
   __m128i lane0, lane1, lane2, lane3, lane4, lane5;
 };
@@ -154,7 +154,7 @@ __m128i bytesReversed(__m128i bytes) noexcept {
                           _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
 }
 
-// Moves a lane over the bytes of a group, to where the new bytes are.
+// Moves a lane over the bytes of a group, to the place of the new bytes.
 __m128i fold(__m128i lane, __m128i constants, __m128i bytes) noexcept {
   const __m128i low = _mm_clmulepi64_si128(lane, constants, 0x00);
   const __m128i high = _mm_clmulepi64_si128(lane, constants, 0x11);
@@ -187,8 +187,8 @@ __m256i joinSextets(const uint8_t* sextets) noexcept {
   return _mm256_madd_epi16(pairs, _mm256_set1_epi32(0x00011000));
 }
 
-// Where the bytes of the numbers go. Four numbers make twelve bytes, so a lane of sixteen has the
-// end of one four and the beginning of the next.
+// The places of the bytes of the numbers. Four numbers make twelve bytes, so a lane of sixteen has the end of
+// one four and the beginning of the next.
 constexpr uint8_t kNone = 0x80;
 struct tPlaces {
   uint8_t first[16], second[16];
@@ -253,7 +253,7 @@ tDecodedPayload decode(const uint8_t* text, size_t length, uint8_t* data) noexce
   uint8_t sextets[kGroup + kRound + kBlock];
   uint8_t* out = data;
   tFolded folded = beforeData();
-  // From there on registers are loaded from addresses that they divide.
+  // After the head, loads of whole registers are aligned.
   const size_t unaligned = (kBlock - reinterpret_cast<uintptr_t>(text) % kBlock) % kBlock;
   const size_t head = unaligned < length ? unaligned : length;
   size_t count = extractSextets(text, head, sextets);

@@ -14,8 +14,8 @@ constexpr size_t kGroup = 4 * kRegister;       // sextets packed at a time...
 constexpr size_t kGroupBytes = 3 * kRegister;  // ...to so many bytes
 constexpr size_t kRound = 2048;                // characters translated before they are packed
 constexpr size_t kPrefetch = 4096;             // bytes of text ahead
-// Bytes of data ahead. Lines that are to be written have to be fetched too, and the processor does not
-// see in time that they will be.
+// Bytes of data ahead. Cache lines must be fetched before they are written, and the processor does not
+// predict these.
 constexpr size_t kPrefetchData = 2048;
 
 struct alignas(kRegister) tBytes {
@@ -26,8 +26,8 @@ __m512i load(const void* from) noexcept {
   return _mm512_loadu_si512(from);
 }
 
-// Through the caches, also for large payloads: storing past them is a tenth faster into memory that
-// is there already, and a fifth slower into pages that are given first, which payloads come to.
+// Uses the caches for large payloads too: bypassing them is a tenth faster into memory that is in use
+// already, but a fifth slower into new pages, which payloads always have.
 void store(uint8_t* to, __m512i value) noexcept {
   _mm512_storeu_si512(to, value);
 }
@@ -39,7 +39,7 @@ __m512i loadFirst(const uint8_t* text, size_t count) noexcept {
 
 // ---- Characters to sextets ----
 
-// The sextets of 128 characters. What is no Base64 has its top bit set.
+// The sextets of 128 characters. Characters that are not Base64 have the top bit set.
 struct tSextets {
   tBytes lower, upper;
 };
@@ -61,8 +61,8 @@ consteval tSextets makeSextets() {
 }
 constexpr tSextets kSextets = makeSextets();
 
-// Appends the sextets of a register of characters, and changes up to 64 bytes behind them. Noise is
-// squeezed out without a branch: how much there is, and where, makes no difference.
+// Appends the sextets of a register of characters, and changes up to 64 bytes after them. It removes noise
+// without a branch, so that neither its amount nor its pattern matters.
 uint8_t* appendSextets(uint8_t* to, __m512i characters) noexcept {
   const __m512i sextets =
       _mm512_permutex2var_epi8(load(&kSextets.lower), characters, load(&kSextets.upper));
@@ -74,8 +74,8 @@ uint8_t* appendSextets(uint8_t* to, __m512i characters) noexcept {
 
 // ---- The CRC ----
 
-// Twelve lanes of 16 bytes, as big-endian numbers: bytes that, standing before the rest of the data,
-// would lead to its CRC as what they replace does.
+// Twelve lanes of 16 bytes, as big-endian numbers. Before the rest of the data, they give the same CRC as all
+// the bytes that they replace.
 struct tFolded {
   __m512i first, second, third;
 };
@@ -102,7 +102,7 @@ __m512i lanesReversed(__m512i bytes) noexcept {
   return _mm512_shuffle_epi8(bytes, load(&kReversal));
 }
 
-// Moves lanes over the bytes of a group, to where the new bytes are.
+// Moves lanes over the bytes of a group, to the place of the new bytes.
 __m512i fold(__m512i lanes, __m512i constants, __m512i bytes) noexcept {
   constexpr int kXorOfAll = 0x96;
   return _mm512_ternarylogic_epi64(_mm512_clmulepi64_epi128(lanes, constants, 0x00),
@@ -131,8 +131,8 @@ __m512i joinSextets(const uint8_t* sextets) noexcept {
   return _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000));
 }
 
-// Where the 64 bytes of a register come from: the numbers of two neighbours, of which those before
-// `skipped` bytes are in the register before.
+// The sources of the 64 bytes of a register: the numbers of two neighbours. The first `skipped` bytes are in
+// the preceding register.
 consteval tBytes makePlaces(unsigned skipped) {
   tBytes places{};
   for (unsigned i = 0; i < kRegister; ++i) {
@@ -170,14 +170,14 @@ void packGroups(const uint8_t* sextets, size_t groups, uint8_t* out, tFolded& fo
 }
 
 tDecodedPayload decode(const uint8_t* text, size_t length, uint8_t* data) noexcept {
-  // Besides a round: a group that is not full, the characters before the first whole register, and
-  // the register that a store may reach beyond the end.
+  // Space for an incomplete group, a round, the characters before the first complete register, and the
+  // register by which a store may pass the end.
   uint8_t sextets[kGroup + kRound + 2 * kRegister];
   const uint8_t* const end = text + length;
   uint8_t* out = data;
   tFolded folded = beforeData();
 
-  // From there on registers are loaded from addresses that they divide.
+  // After the head, loads of whole registers are aligned.
   const size_t unaligned = (kRegister - reinterpret_cast<uintptr_t>(text) % kRegister) % kRegister;
   const size_t head = unaligned < length ? unaligned : length;
   uint8_t* to = sextets;

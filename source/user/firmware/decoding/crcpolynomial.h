@@ -1,14 +1,14 @@
 #ifndef SOURCE_USER_FIRMWARE_DECODING_CRCPOLYNOMIAL_H
 #define SOURCE_USER_FIRMWARE_DECODING_CRCPOLYNOMIAL_H
 
-// As kernels.h, this header defines no function that outlives compilation.
+// Like kernels.h, this header defines no function that exists at run time.
 #include <stddef.h>
 #include <stdint.h>
 
 namespace nQUENRA1400::nFirmwareDecoding {
 
-// The Castagnoli polynomial, most significant bit first: not the reflected CRC-32C that processors
-// have an instruction for.
+// The Castagnoli polynomial, most significant bit first. Processors have an instruction for the reflected
+// CRC-32C only.
 inline constexpr uint32_t kPolynomial = 0x1EDC6F41;
 inline constexpr uint32_t kInitialRegister = 0xFFFFFFFF;
 
@@ -29,8 +29,8 @@ consteval uint32_t powerOfX(unsigned exponent) {
   return power;
 }
 
-// The four bytes, as a big-endian number, that take a register from 0 to its initial value. Folding
-// starts as if they stood before the data, because it knows no register.
+// The four bytes, as a big-endian number, that change a register from 0 to its initial value. Folding has no
+// register, so it starts as if these bytes preceded the data.
 consteval uint32_t bytesBeforeData() {
   uint32_t bytes = kInitialRegister;
   for (unsigned i = 0; i < 32; ++i) {

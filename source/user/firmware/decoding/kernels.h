@@ -1,8 +1,8 @@
 #ifndef SOURCE_USER_FIRMWARE_DECODING_KERNELS_H
 #define SOURCE_USER_FIRMWARE_DECODING_KERNELS_H
 
-// This header is also read by files that are compiled for processors not everybody has. It must not
-// define functions, nor include what does: the linker could keep the copy that few can run.
+// Files that are compiled for newer processors include this header. It must neither define functions nor
+// include a header that does: the linker could keep the copy that few processors can run.
 #include <stddef.h>
 #include <stdint.h>
 
@@ -13,12 +13,12 @@ struct tDecodedPayload {
   uint32_t crc;  // of the decoded bytes
 };
 
-// The loops over a whole image, written for one instruction set. All sets give the same results.
+// The loops over an image, written for one instruction set. All sets give the same results.
 struct tKernels {
   const char* name;
 
-  // Decodes the Base64 characters of the text and skips all others. `data` has room for `length`
-  // bytes, of which those behind the decoded ones may be changed.
+  // Decodes the Base64 characters of the text and skips all others. `data` must have a capacity of
+  // `length` bytes; those after the decoded ones may change.
   tDecodedPayload (*decode)(const uint8_t* text, size_t length, uint8_t* data) noexcept;
 
   // Returns the first occurrence of a byte or of NUL, whichever comes first, or `end`.

@@ -1,4 +1,4 @@
-// For every processor: tables, and words of eight bytes where the search allows them.
+// For every processor: tables for decoding, words of eight bytes for the search.
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -12,11 +12,11 @@
 namespace nQUENRA1400::nFirmwareDecoding {
 namespace {
 
-// Bytes are stored as parts of words.
+// The code stores bytes as parts of words.
 static_assert(std::endian::native == std::endian::little);
 
-// For each of the four characters of a quad, its six bits where they belong in the little-endian
-// word of the quad's three bytes; the top byte of the word marks a character without any.
+// For each of the four characters of a quad, its six bits at their place in the little-endian word of the
+// quad's three bytes. The top byte of the word marks a character that is not Base64.
 using tQuadTables = std::array<std::array<uint32_t, 256>, 4>;
 constexpr uint32_t kNoQuad = 0xFF000000;
 
@@ -44,8 +44,8 @@ uint32_t quadAt(const uint8_t* text) noexcept {
          kQuadTables[3][text[3]];
 }
 
-// Clean quads are fast as long as they last. Where they do not, blocks are stripped of their noise
-// first, without branches: their speed does not depend on what the noise looks like.
+// Decodes quads directly while they have no noise. Otherwise it first removes the noise of a block without
+// branches, so that the speed does not depend on its pattern.
 class tDecoding {
  public:
   tDecoding(const uint8_t* text, size_t length, uint8_t* data) noexcept
@@ -55,10 +55,10 @@ class tDecoding {
     while (text_ != end_) {
       const uint8_t* const start = text_;
       if (pendingCount_ == 0) {
-        takeQuads();
+        decodeQuads();
       }
       if (text_ - start < kWorthwhile) {
-        takeBlock();
+        stripBlock();
       }
       completeQuad();
       if (out_ - summed_ >= kChunk) {
@@ -74,20 +74,20 @@ class tDecoding {
   static constexpr size_t kQuad = 4;
   static constexpr ptrdiff_t kWorthwhile = 32;  // characters in clean quads
   static constexpr size_t kBlock = 128;         // characters stripped of noise at a time
-  static constexpr int kPatience = 16;          // characters among which the next quad may begin
+  static constexpr int kLookAhead = 16;         // characters among which the next quad may begin
   static constexpr ptrdiff_t kChunk = 1024;     // bytes by which the CRC lags behind
   static constexpr size_t kPairs = kChunk / 6;  // pairs of quads that make a chunk
 
   [[nodiscard]] size_t remaining() const noexcept { return static_cast<size_t>(end_ - text_); }
 
-  void takeQuads() noexcept {
+  void decodeQuads() noexcept {
     const uint8_t* text = text_;
     uint8_t* out = out_;
     for (size_t pairs = std::min(remaining() / (2 * kQuad), kPairs); pairs > 0; --pairs) {
       const uint32_t first = quadAt(text);
       const uint32_t second = quadAt(text + kQuad);
       if (((first | second) & kNoQuad) != 0) {
-        // The second one is left: lines with an odd number of quads end like this.
+        // The second quad is not clean. A line with an odd number of quads ends like this.
         if ((first & kNoQuad) == 0) {
           std::memcpy(out, &first, sizeof first);
           out += 3;
@@ -95,7 +95,7 @@ class tDecoding {
         }
         break;
       }
-      // Eight bytes, of which six count: the room is as long as the text.
+      // Stores eight bytes, of which six count: the capacity is the length of the text.
       const uint64_t bytes = first | uint64_t{second} << 24;
       std::memcpy(out, &bytes, sizeof bytes);
       out += 6;
@@ -105,7 +105,7 @@ class tDecoding {
     out_ = out;
   }
 
-  void takeBlock() noexcept {
+  void stripBlock() noexcept {
     uint8_t sextets[kQuad + kBlock];
     std::memcpy(sextets, pending_, kQuad);
     const size_t length = std::min(remaining(), kBlock);
@@ -117,10 +117,10 @@ class tDecoding {
     std::memcpy(pending_, sextets + packed, pendingCount_);
   }
 
-  // Character by character until quads fit the text again.
+  // Reads single characters until quads are aligned with the text again.
   void completeQuad() noexcept {
-    for (int patience = kPatience; patience > 0 && text_ != end_ && pendingCount_ < kQuad;
-         --patience) {
+    for (int characters = kLookAhead; characters > 0 && text_ != end_ && pendingCount_ < kQuad;
+         --characters) {
       const uint32_t sextet = kQuadTables[3][*text_++] >> 16;
       pending_[pendingCount_] = static_cast<uint8_t>(sextet);
       pendingCount_ += sextet < 64 ? 1 : 0;
@@ -140,9 +140,9 @@ class tDecoding {
   const uint8_t* const end_;
   uint8_t* const data_;
   uint8_t* out_;
-  const uint8_t* summed_;  // up to here the register knows the bytes
+  const uint8_t* summed_;  // end of the bytes that are in the register
   uint32_t crcRegister_ = kInitialRegister;
-  uint8_t pending_[kQuad] = {};  // sextets of a quad that is not complete
+  uint8_t pending_[kQuad] = {};  // sextets of an incomplete quad
   size_t pendingCount_ = 0;
 };
 
@@ -154,7 +154,7 @@ constexpr uint64_t everyByte(uint8_t value) noexcept {
   return value * uint64_t{0x0101010101010101};
 }
 
-// Not zero when, and only when, a byte of the word is zero; the lowest bit set tells the first.
+// Returns zero if no byte of the word is zero; otherwise the lowest bit set is in the first zero byte.
 constexpr uint64_t zeroBytes(uint64_t word) noexcept {
   return (word - everyByte(0x01)) & ~word & everyByte(0x80);
 }

@@ -26,7 +26,7 @@ consteval std::array<uint8_t, 256> makeSextets() {
   return sextets;
 }
 
-// How many bytes of data one step of the CRC takes.
+// Bytes of data per step of the CRC.
 constexpr size_t kSlices = 16;
 using tSlices = std::array<std::array<uint32_t, 256>, kSlices>;
 
@@ -58,7 +58,7 @@ uint32_t wordAt(const uint8_t* data) noexcept {
   return word;
 }
 
-// What four bytes do to the register when so many more come in the same step.
+// Returns the change of the register by four bytes that are followed by so many more in the same step.
 template <size_t kFollowing>
 uint32_t sliced(uint32_t word) noexcept {
   return kSlicesOfBytes[kFollowing + 3][lowByte(word)] ^
@@ -72,7 +72,7 @@ uint32_t sliced(uint32_t word) noexcept {
 size_t extractSextets(const uint8_t* text, size_t length, uint8_t* sextets) noexcept {
   size_t count = 0;
   for (size_t i = 0; i < length; ++i) {
-    // Written in any case and kept by counting: no branch that noise could make unpredictable.
+    // Written in any case and counted if valid: noise cannot make a branch unpredictable.
     const uint8_t sextet = kSextets[text[i]];
     sextets[count] = sextet;
     count += sextet == kNoSextet ? 0 : 1;
