@@ -156,33 +156,39 @@ int32_t QUENRA_setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t val
  * Returns 0, or QUENRA_STATUS_INVALID_HANDLE for a bad handle or when no controller is open. */
 int32_t QUENRA_performSelfTest(uint64_t handle);
 
-/* Applies a firmware image, whatever versions are installed: as QUENRA_updateFirmware2 with option 1. */
+/* Applies a firmware image, whatever versions are installed. Same as QUENRA_updateFirmware2 with option 1. */
 int32_t QUENRA_updateFirmware(uint64_t handle, const void* image, uint64_t size);
 
-/* Applies a firmware image. Can take minutes; the calling thread is not to use COM in a single-threaded
- * apartment. When it fails, the Marten's version marker is as it was before, while firmware that the
- * driver has taken by then stays taken. The files of an image stay in a folder of their own in the
- * temporary directory.
+/* Applies a firmware image. The call can take minutes. The calling thread must not use COM in a
+ * single-threaded apartment.
  *
- * image:   `size` bytes; only read, and not after the call. Null or 0 bytes: an image without sections.
- * options: 0 skips the BIOS and Marten firmware when what is installed is as new; 1 skips nothing.
+ * A failure restores the Marten's version marker; the driver keeps the firmware that it has accepted by
+ * then. The files of an image stay in a folder of their own in the temporary directory, unless one of
+ * them cannot be opened or a driver package cannot be installed.
+ *
+ * image:   `size` bytes, which the library only reads, and only during the call. Null or 0 bytes: an
+ *          image without sections.
+ * options: 0 skips BIOS firmware if the installed version is not older than one of the BIOS sections,
+ *          and Marten firmware likewise; 1 skips nothing.
  *
  * Returns
- *   0                                 done, or nothing was to be done
+ *   0                                 done, or nothing to do
  *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
  *   QUENRA_STATUS_DRIVE_PROTECTED     the system drive is encrypted
- *   QUENRA_STATUS_UPDATE_ENVIRONMENT  whether it is cannot be found out; a file cannot be written; the
- *                                     tool for driver packages is missing
- *   QUENRA_STATUS_NO_CONTROLLER       the machine's table does not say whether it takes updates
- *   QUENRA_STATUS_NOT_SUPPORTED       it does not
+ *   QUENRA_STATUS_UPDATE_ENVIRONMENT  the state of disk encryption cannot be read; the system has no
+ *                                     random bytes or no temporary directory; a folder or file cannot
+ *                                     be created, or its name not converted; the tool for driver
+ *                                     packages is missing
+ *   QUENRA_STATUS_NO_CONTROLLER       the machine's table does not state whether it accepts updates
+ *   QUENRA_STATUS_NOT_SUPPORTED       the machine does not accept updates
  *   QUENRA_STATUS_INVALID_VALUE       options is neither 0 nor 1; the image was not read
  *   QUENRA_STATUS_INVALID_PARAMETER   image plus size wraps around the address space; it was not read
- *   QUENRA_STATUS_INVALID_IMAGE       the image is malformed, or has a Marten section and there is no
- *                                     Marten; the tool for driver packages cannot be started
+ *   QUENRA_STATUS_INVALID_IMAGE       the image is malformed, or has a Marten section for a machine
+ *                                     without a Marten; the tool for driver packages cannot be started
  *   QUENRA_STATUS_IMAGE_VERSION       a section has a header of an unknown version
- *   QUENRA_STATUS_OUT_OF_MEMORY       memory is short, or a field of a header is missing
- *   QUENRA_STATUS_INTERNAL_ERROR      the system gives no random name or no folder
- *   others                            what the driver reported */
+ *   QUENRA_STATUS_OUT_OF_MEMORY       memory is short; a header lacks a number, the end of its line or
+ *                                     its empty line
+ *   others                            codes of the driver */
 int32_t QUENRA_updateFirmware2(uint64_t handle, const void* image, uint64_t size, uint32_t options);
 
 #ifdef __cplusplus

@@ -26,12 +26,14 @@ enum QUENRA_Status {
   QUENRA_STATUS_NOT_SUPPORTED = -26934,
   /* A value cannot be taken: a text of more than 255 bytes, an unknown update option. */
   QUENRA_STATUS_INVALID_VALUE = -26935,
-  /* The surroundings of a firmware update failed: disk encryption could not be determined, a file
-   * could not be written, the driver-store tool is missing. */
+  /* A firmware update lacks something of the system: the state of disk encryption cannot be read,
+   * there are no random bytes or no temporary directory, a folder or file cannot be created, a file
+   * name cannot be converted, or the driver-store tool is missing. */
   QUENRA_STATUS_UPDATE_ENVIRONMENT = -26937,
-  /* The firmware image is malformed, or is meant for a device that this machine does not have. */
+  /* The firmware image is malformed or has a section for a device that this machine does not have, or the
+   * driver-store tool cannot be started. */
   QUENRA_STATUS_INVALID_IMAGE = -26938,
-  /* The firmware image has a header version that this library does not know. */
+  /* The firmware image has a header version that this library does not support. */
   QUENRA_STATUS_IMAGE_VERSION = -26941,
   /* The system drive is protected by disk encryption; suspend the protection before an update. */
   QUENRA_STATUS_DRIVE_PROTECTED = -26942,

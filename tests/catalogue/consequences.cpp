@@ -171,9 +171,12 @@ tExpectation expectationOf(const tPlace& place, const tErrorRow& reason) {
       return ofRequest(place, reason.code);
     case tCall::getModuleHandleEx:
     case tCall::beginThread:
+      return reports(QUENRA_STATUS_INTERNAL_ERROR);
     case tCall::multiByteToWideChar:
     case tCall::wideCharToMultiByte:
-      return reports(QUENRA_STATUS_INTERNAL_ERROR);
+    case tCall::getRandom:
+      return reports(reason.code == QUENRA_STATUS_MEMORY_FULL ? QUENRA_STATUS_OUT_OF_MEMORY
+                                                              : QUENRA_STATUS_UPDATE_ENVIRONMENT);
     case tCall::coInitializeEx:
     case tCall::coInitializeSecurity:
     case tCall::coCreateInstance:

@@ -341,9 +341,9 @@ void demotion(tRun& run) {
 
 const std::set<int32_t> kOfTheController = {QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL,
                                             QUENRA_STATUS_NO_CONTROLLER};
-const std::set<int32_t> kOfAnUpdate = {
-    QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL, QUENRA_STATUS_NO_CONTROLLER,
-    QUENRA_STATUS_UPDATE_ENVIRONMENT, QUENRA_STATUS_INTERNAL_ERROR};
+const std::set<int32_t> kOfAnUpdate = {QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL,
+                                       QUENRA_STATUS_NO_CONTROLLER,
+                                       QUENRA_STATUS_UPDATE_ENVIRONMENT};
 const std::set<int32_t> kOfTheRouter = {QUENRA_STATUS_MEMORY_FULL};
 
 }  // namespace

@@ -21,6 +21,7 @@ using testing::SizeIs;
 constexpr auto kController = kSimulatorInterfaceController;
 constexpr auto kMarten = kSimulatorInterfaceMarten;
 constexpr uint32_t kMarker = 0x10000400;
+constexpr uint32_t kMartenVersion = 0x10200400;
 constexpr uint32_t kCompare = 0;
 constexpr uint32_t kEverything = 1;
 
@@ -46,6 +47,12 @@ tFirmwareSection driverPackage(const std::string& name = "driver.inf") {
   return tFirmwareSection::capsule(name).payload(firmwareBytes(500, 4));
 }
 
+std::vector<uint8_t> contentsOf(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  const std::vector<char> contents{std::istreambuf_iterator<char>(stream), {}};
+  return {contents.begin(), contents.end()};
+}
+
 // The form of a random UUID: xxxxxxxx-xxxx-4xxx-[89ab]xxx-xxxxxxxxxxxx.
 bool isRandomUuid(const std::string& text) {
   const std::string form = "hhhhhhhh-hhhh-4hhh-vhhh-hhhhhhhhhhhh";
@@ -59,7 +66,7 @@ bool isRandomUuid(const std::string& text) {
          });
 }
 
-// What an interface received: the payload of this section.
+// A payload that an interface received.
 struct tReceived {
   uint32_t interfaceKind;
   std::vector<uint8_t> sha256;
@@ -83,7 +90,7 @@ class Update : public ContractTest {
     ContractTest::TearDown();
   }
 
-  // The bytes that say whether the machine takes firmware; its BIOS version is 1.2.3f4.
+  // Sets the bytes that decide whether the machine accepts firmware, and a BIOS version of 1.2.3f4.
   void makeUpdatable(uint8_t updatable, uint8_t protection) {
     tReferenceTable table;
     table.structure(0x9E) = tSmbiosStructure(0x9E, 0x06).byte(4, updatable).byte(5, protection);
@@ -100,6 +107,11 @@ class Update : public ContractTest {
     const std::string image = firmwareImage(sections);
     return QUENRA_updateFirmware2(QUENRA_HANDLE, image.data(), image.size(), flags);
   }
+  // The machine keeps this version in its marker, which an update overwrites.
+  void installMartenVersion(const std::string& version) {
+    machine().setAttributeText(kMarten, kMarker, version);
+    machine().allowWrites(kMarten, kMarker);
+  }
   std::vector<tReceived> received() {
     std::vector<tReceived> all;
     for (const tSimulatorPayload& payload : machine().firmware()) {
@@ -111,7 +123,7 @@ class Update : public ContractTest {
   static tReceived to(tSimulatorInterface kind, const tFirmwareSection& section) {
     return {kind, sha256Of(section.data())};
   }
-  // What the version marker was set to, in order.
+  // The sizes of the texts written to the version marker, in order.
   std::vector<std::string> markers() {
     std::vector<std::string> texts;
     for (const tSimulatorLogEntry& entry : requests(REQUEST_SET_ATTRIBUTE)) {
@@ -124,7 +136,15 @@ class Update : public ContractTest {
     }
     return texts;
   }
-  // An update leaves a text without a NUL: its size tells where it ends.
+  // The attributes that were read from the driver, in order.
+  std::vector<uint32_t> attributesRead() {
+    std::vector<uint32_t> attributes;
+    for (const tSimulatorLogEntry& entry : requests(REQUEST_GET_ATTRIBUTE)) {
+      std::memcpy(&attributes.emplace_back(), entry.input, sizeof(uint32_t));
+    }
+    return attributes;
+  }
+  // An update leaves a text without a NUL, which ends at its size.
   static std::string installedMarker() {
     const tTextRead read = readText(kMarker | QUENRA_SELECTOR_MARTEN);
     return read.text.substr(0, read.size);
@@ -160,7 +180,7 @@ class Update : public ContractTest {
   const tTemporaryFolder temporary_;
 };
 
-// ---- What arrives where ----
+// ---- Destinations ----
 
 TEST_F(Update, EveryKindOfSection_GoesWhereItBelongs) {
   const std::vector<tFirmwareSection> sections{marten(), safeMode(), driverPackage(), bios()};
@@ -170,9 +190,7 @@ TEST_F(Update, EveryKindOfSection_GoesWhereItBelongs) {
   EXPECT_THAT(files(), ElementsAre("driver.inf"));
   ASSERT_THAT(folders(), SizeIs(1));
   const fs::path file = folders()[0] / "driver.inf";
-  std::ifstream stream(file, std::ios::binary);
-  const std::vector<char> written{std::istreambuf_iterator<char>(stream), {}};
-  EXPECT_EQ(std::vector<uint8_t>(written.begin(), written.end()), driverPackage().data());
+  EXPECT_EQ(contentsOf(file), driverPackage().data());
   EXPECT_THAT(packageCommandLines(), ElementsAre(" /add-driver " + file.string() + " /install"));
   EXPECT_EQ(installedMarker(), "0.0.0f0");
 }
@@ -279,8 +297,7 @@ TEST_F(Update, BiosThatIsCurrent_IsSkippedWhenVersionsAreCompared) {
 TEST_F(Update, MartenThatIsCurrent_IsSkippedWhenVersionsAreCompared) {
   EXPECT_EQ(update({marten("1.4.0f7"), bios()}, kCompare), 0);
   EXPECT_THAT(received(), ElementsAre(to(kController, bios())));
-  machine().setAttributeText(kMarten, kMarker, "1.4.0f7");
-  machine().allowWrites(kMarten, kMarker);
+  installMartenVersion("1.4.0f7");
   machine().clearFirmware();
   EXPECT_EQ(update({marten("1.4.0f8")}, kCompare), 0);
   EXPECT_THAT(received(), ElementsAre(to(kMarten, marten())));
@@ -300,22 +317,73 @@ TEST_F(Update, BiosCurrentAndNoMartenSection_DoesTheRest) {
   EXPECT_THAT(packageCommandLines(), SizeIs(1));
 }
 
-// ---- What stops an update ----
+TEST_F(Update, OneCurrentBiosSection_SkipsAllBiosSections) {
+  EXPECT_EQ(update({bios("1.2.3f4"), bios()}, kCompare), 0);
+  EXPECT_EQ(update({bios(), bios("1.2.3f4")}, kCompare), 0);
+  EXPECT_THAT(received(), IsEmpty());
+}
 
-TEST_F(Update, EncryptedDrive_StopsIt) {
+TEST_F(Update, OneCurrentMartenSection_SkipsAllMartenSections) {
+  EXPECT_EQ(update({marten("1.4.0f7"), marten(), bios()}, kCompare), 0);
+  installMartenVersion("1.4.0f7");
+  EXPECT_EQ(update({marten(), marten("1.4.0f7"), bios()}, kCompare), 0);
+  EXPECT_THAT(received(), ElementsAre(to(kController, bios()), to(kController, bios())));
+}
+
+TEST_F(Update, InstalledMartenVersion_IsReadFromItsOwnAttribute) {
+  EXPECT_EQ(update({marten()}, kCompare), 0);
+  EXPECT_THAT(attributesRead(), ElementsAre(kMartenVersion, kMartenVersion, kMarker, kMarker));
+}
+
+TEST_F(Update, WithoutComparison_DoesNotReadTheInstalledMartenVersion) {
+  EXPECT_EQ(update({marten()}, kEverything), 0);
+  EXPECT_THAT(attributesRead(), ElementsAre(kMarker, kMarker));
+}
+
+// ---- Refused updates ----
+
+TEST_F(Update, EncryptedDrive_FailsWithDriveProtected) {
   encryptDrive();
   EXPECT_EQ(update({bios()}), QUENRA_STATUS_DRIVE_PROTECTED);
   EXPECT_THAT(received(), IsEmpty());
   EXPECT_THAT(markers(), IsEmpty());
 }
 
-TEST_F(Update, EncryptionThatCannotBeFoundOut_StopsIt) {
+TEST_F(Update, EncryptedDriveOfAnIneligibleMachine_FailsWithDriveProtected) {
+  encryptDrive();
+  reopenWith(0, 2);
+  EXPECT_EQ(update({bios()}), QUENRA_STATUS_DRIVE_PROTECTED);
+}
+
+TEST_F(Update, WithoutRandomBytes_FailsBeforeAnyEffect) {
+  for (const tRandomFault& fault : randomFaults()) {
+    failRandom(fault.call, fault.error);
+    EXPECT_EQ(update({bios(), driverPackage()}), QUENRA_STATUS_UPDATE_ENVIRONMENT) << fault.call;
+    failRandom(fault.call, fault.shortMemory);
+    EXPECT_EQ(update({bios(), driverPackage()}), QUENRA_STATUS_OUT_OF_MEMORY) << fault.call;
+    resetUpdateWorld();
+  }
+  EXPECT_THAT(received(), IsEmpty());
+  EXPECT_THAT(markers(), IsEmpty());
+  EXPECT_THAT(folders(), IsEmpty());
+  EXPECT_EQ(update({bios()}), 0) << "once there are random bytes again";
+}
+
+TEST_F(Update, WithoutATemporaryDirectory_FailsBeforeAnyEffect) {
+  useTemporaryDirectory((temporary_.path() / "missing").string());
+  EXPECT_EQ(update({bios(), driverPackage()}), QUENRA_STATUS_UPDATE_ENVIRONMENT);
+  EXPECT_THAT(received(), IsEmpty());
+  EXPECT_THAT(markers(), IsEmpty());
+  EXPECT_THAT(folders(), IsEmpty());
+}
+
+TEST_F(Update, UnknownEncryption_FailsWithUpdateEnvironment) {
   breakEncryptionTest();
   EXPECT_EQ(update({bios()}), QUENRA_STATUS_UPDATE_ENVIRONMENT);
   EXPECT_THAT(received(), IsEmpty());
 }
 
-TEST_F(Update, MachineThatTakesNoFirmware_StopsIt) {
+TEST_F(Update, MachineThatAcceptsNoFirmware_FailsWithNotSupported) {
   for (const auto& [updatable, protection] :
        {std::pair<uint8_t, uint8_t>{0, 0}, {1, 2}, {255, 255}}) {
     reopenWith(updatable, protection);
@@ -325,7 +393,7 @@ TEST_F(Update, MachineThatTakesNoFirmware_StopsIt) {
   EXPECT_EQ(update({bios()}), 0);
 }
 
-TEST_F(Update, MachineThatDoesNotSay_StopsIt) {
+TEST_F(Update, MachineWithoutEligibilityBytes_FailsWithNoController) {
   QUENRA_closeController(QUENRA_HANDLE);
   tReferenceTable table;
   table.remove(0x9E);
@@ -334,7 +402,7 @@ TEST_F(Update, MachineThatDoesNotSay_StopsIt) {
   EXPECT_EQ(update({bios()}), QUENRA_STATUS_NO_CONTROLLER);
 }
 
-TEST_F(Update, UnknownOptions_AreToldBeforeTheImageIsLookedAt) {
+TEST_F(Update, UnknownOptions_FailBeforeTheImageIsRead) {
   constexpr char kMalformed[] = "HeaderVersion::9";
   for (const uint32_t options : {2u, 0xFFFFFFFFu}) {
     EXPECT_EQ(QUENRA_updateFirmware2(QUENRA_HANDLE, kMalformed, sizeof kMalformed, options),
@@ -361,23 +429,23 @@ TEST_F(Update, MartenSectionWithoutAMarten_IsRefusedForAllOptions) {
   EXPECT_THAT(received(), ElementsAre(to(kController, bios())));
 }
 
-TEST_F(Update, BadHandles_AreToldFirst) {
+TEST_F(Update, BadHandle_IsReportedFirst) {
   EXPECT_EQ(QUENRA_updateFirmware(0, nullptr, 0), QUENRA_STATUS_INVALID_HANDLE);
   EXPECT_EQ(QUENRA_updateFirmware2(7, nullptr, 0, 9), QUENRA_STATUS_INVALID_HANDLE);
   QUENRA_closeController(QUENRA_HANDLE);
   EXPECT_EQ(QUENRA_updateFirmware(QUENRA_HANDLE, nullptr, 0), QUENRA_STATUS_INVALID_HANDLE);
 }
 
-// ---- Failures on the way ----
+// ---- Failures during an update ----
 
-TEST_F(Update, MarkerThatCannotBeRead_StopsItWithoutTouchingIt) {
+TEST_F(Update, MarkerThatCannotBeRead_StopsTheUpdateAndIsUntouched) {
   machine().removeAttribute(kMarten, kMarker);
   EXPECT_EQ(update({bios()}), QUENRA_STATUS_NOT_SUPPORTED);
   EXPECT_THAT(markers(), IsEmpty());
   EXPECT_THAT(received(), IsEmpty());
 }
 
-TEST_F(Update, MarkerThatCannotBeWritten_StopsItAndIsGivenBack) {
+TEST_F(Update, MarkerThatCannotBeWritten_StopsTheUpdateAndIsRestored) {
   machine().refuseWrites(kMarten, kMarker);
   EXPECT_EQ(update({bios(), driverPackage()}), QUENRA_STATUS_NOT_SUPPORTED);
   EXPECT_THAT(markers(), ElementsAre("7 bytes", "7 bytes")) << "1.4.0f7 has as many characters";
@@ -385,18 +453,45 @@ TEST_F(Update, MarkerThatCannotBeWritten_StopsItAndIsGivenBack) {
   EXPECT_THAT(folders(), IsEmpty());
 }
 
-TEST_F(Update, FirmwareThatTheDriverRefuses_IsToldAndTheMarkerGivenBack) {
+TEST_F(Update, FirmwareThatTheDriverRefuses_FailsWithItsCodeAndRestoresTheMarker) {
   failSends(kController, -123);
   EXPECT_EQ(update({bios(), marten()}), -123);
-  EXPECT_THAT(received(), IsEmpty()) << "nothing behind it is sent";
+  EXPECT_THAT(received(), IsEmpty()) << "no later payload is sent";
   EXPECT_EQ(installedMarker(), "1.4.0f7");
 }
 
-TEST_F(Update, MartenFirmwareThatTheDriverRefuses_GivesTheMarkerBackBehindTheBios) {
+TEST_F(Update, MartenFirmwareThatTheDriverRefuses_RestoresTheMarkerAfterTheBios) {
   failSends(kMarten, -124);
   EXPECT_EQ(update({bios(), marten()}), -124);
   EXPECT_THAT(received(), ElementsAre(to(kController, bios())));
   EXPECT_EQ(installedMarker(), "1.4.0f7");
+}
+
+TEST_F(Update, PayloadThatTheDriverRefuses_LeavesTheFilesOfTheImage) {
+  failSends(kMarten, -124);
+  EXPECT_EQ(update({marten(), driverPackage(), tFirmwareSection::capsule("bios.cap")}), -124);
+  EXPECT_THAT(files(), ElementsAre("bios.cap", "driver.inf"));
+}
+
+TEST_F(Update, ExistingFile_IsReplacedAsAWhole) {
+  const fs::path file = temporary_.path() / "beside.cap";
+  std::ofstream(file) << std::string(10000, 'x');
+  const tFirmwareSection capsule = tFirmwareSection::capsule("../beside.cap");
+  EXPECT_EQ(update({capsule}), 0);
+  EXPECT_EQ(contentsOf(file), capsule.data());
+}
+
+TEST_F(Update, FileThatCannotBeWrittenToItsEnd_IsNotReported) {
+  // The small one fails when its stream is closed, the large one while it is written.
+  for (const size_t size : {size_t{100}, size_t{1} << 20}) {
+    EXPECT_EQ(update({tFirmwareSection::capsule(nameOfFullDevice()).payload(firmwareBytes(size)),
+                      marten(), tFirmwareSection::capsule("bios.cap")}),
+              0);
+    EXPECT_THAT(received(), ElementsAre(to(kMarten, marten())));
+    EXPECT_THAT(files(), testing::Contains("bios.cap"));
+    EXPECT_EQ(installedMarker(), "0.0.0f0");
+    machine().clearFirmware();
+  }
 }
 
 TEST_F(Update, WarningOfTheDriver_IsKeptAndTheUpdateGoesOn) {

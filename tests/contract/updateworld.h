@@ -1,23 +1,37 @@
-// What surrounds an update and differs between the two worlds.
+// The surroundings of an update that differ between the two worlds.
 #ifndef TESTS_CONTRACT_UPDATEWORLD_H
 #define TESTS_CONTRACT_UPDATEWORLD_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace nTests {
 
-// The machine as it comes: drive C: is not encrypted, driver packages can be installed.
+// Restores the default: drive C: is not encrypted, driver packages can be installed, random bytes come.
 void resetUpdateWorld();
 void encryptDrive();
-// Whether drive C: is encrypted cannot be found out.
+// Makes the service that reports disk encryption fail.
 void breakEncryptionTest();
 
 // The command lines with which driver packages were installed, in order.
 [[nodiscard]] std::vector<std::string> packageCommandLines();
 
-// The system's temporary directory for this process.
+// Sets the system's temporary directory for this process.
 void useTemporaryDirectory(const std::string& path);
+
+// A call of the generator of random bytes, and errors with which it can fail.
+struct tRandomFault {
+  std::string call;
+  uint32_t error;
+  uint32_t shortMemory;
+};
+[[nodiscard]] std::vector<tRandomFault> randomFaults();
+// Makes the call fail until resetUpdateWorld().
+void failRandom(const std::string& call, uint32_t error);
+
+// A file name under which a file can be opened, but not written.
+[[nodiscard]] std::string nameOfFullDevice();
 
 }  // namespace nTests
 

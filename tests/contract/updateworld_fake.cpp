@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <optional>
 
 #include "tests/contract/updateworld.h"
 #include "tests/fakewindows/com.h"
@@ -6,11 +7,17 @@
 #include "tests/fakewindows/processes.h"
 
 namespace nTests {
+namespace {
+
+std::optional<uint32_t> randomError;
+
+}  // namespace
 
 void resetUpdateWorld() {
   nFakeWindows::com()->reset();
   nFakeWindows::programs().reset();
   nFakeWindows::programs().install("C:\\Windows\\Sysnative\\pnputil.exe");
+  randomError.reset();
 }
 
 void encryptDrive() {
@@ -31,6 +38,22 @@ std::vector<std::string> packageCommandLines() {
 
 void useTemporaryDirectory(const std::string& path) {
   setenv("TMPDIR", path.c_str(), 1);
+}
+
+// The generator reads another source natively than on Windows, where it makes two calls.
+std::vector<tRandomFault> randomFaults() {
+  return {{"getrandom", ERROR_ACCESS_DENIED, ERROR_NOT_ENOUGH_MEMORY}};
+}
+
+void failRandom(const std::string&, uint32_t error) {
+  randomError = error;
+  nFakeWindows::faultPlan().decide([](nFakeWindows::tCall call, const std::string&) {
+    return call == nFakeWindows::tCall::getRandom ? randomError : std::nullopt;
+  });
+}
+
+std::string nameOfFullDevice() {
+  return "//dev/full";
 }
 
 }  // namespace nTests

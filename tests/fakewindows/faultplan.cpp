@@ -55,6 +55,7 @@ constexpr const char* kNames[kCalls] = {
     "IWbemClassObject::Get",
     "GetFileAttributesA",
     "CreateProcessA",
+    "getrandom",
 };
 
 }  // namespace

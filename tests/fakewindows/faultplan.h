@@ -52,8 +52,9 @@ enum class tCall : uint8_t {
   get,
   getFileAttributes,
   createProcess,
+  getRandom,  // of the native system; Windows builds call BCrypt
 };
-inline constexpr size_t kCalls = static_cast<size_t>(tCall::createProcess) + 1;
+inline constexpr size_t kCalls = static_cast<size_t>(tCall::getRandom) + 1;
 
 [[nodiscard]] const char* nameOf(tCall call) noexcept;
 

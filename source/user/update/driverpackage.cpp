@@ -9,21 +9,22 @@
 namespace nQUENRA1400 {
 namespace {
 
-// A process and its thread are handles of the same kind as an event: null stands for none.
+// Null is the invalid handle of a process and of its thread, as of an event.
 using tUniqueProcess = nZOAPAL000::tUniqueHandle<nZOAPAL000::tObjectPolicy>;
 using tUniqueThread = tUniqueProcess;
 
 constexpr auto kToolMissing = sessionLocation(2331);
 constexpr auto kToolNotStarted = sessionLocation(2359);
 
-constexpr DWORD kPatienceMilliseconds = 300000;
+constexpr DWORD kTimeoutMilliseconds = 300000;
 
-bool isToolThere() noexcept {
+bool toolExists() noexcept {
   const DWORD attributes = GetFileAttributesA(kDriverStoreTool);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-// The tool's process, or none. The system may write to the command line.
+// Returns the tool's process; an empty handle if it cannot be started. The system may write to the command
+// line.
 tUniqueProcess startTool(std::string commandLine) noexcept {
   STARTUPINFOA startup{};
   startup.cb = sizeof startup;
@@ -42,9 +43,9 @@ void installDriverPackage(const std::string& infPath, zoerr::Status& status) {
   if (status.isError()) {
     return;
   }
-  // The path goes in as it is, blanks and all.
+  // The path is not quoted, even if it has blanks.
   std::string commandLine = " /add-driver " + infPath + " /install";
-  if (!isToolThere()) {
+  if (!toolExists()) {
     status.set(kUpdateEnvironment, kToolMissing);
     return;
   }
@@ -53,7 +54,7 @@ void installDriverPackage(const std::string& infPath, zoerr::Status& status) {
     status.set(kInvalidImage, kToolNotStarted);
     return;
   }
-  WaitForSingleObject(tool.get(), kPatienceMilliseconds);
+  WaitForSingleObject(tool.get(), kTimeoutMilliseconds);
 }
 
 }  // namespace nQUENRA1400

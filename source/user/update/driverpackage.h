@@ -10,11 +10,11 @@ namespace nQUENRA1400 {
 // The operating system's tool for driver packages.
 inline constexpr const char* kDriverStoreTool = "C:\\Windows\\Sysnative\\pnputil.exe";
 
-// Installs the driver package of an .inf file, named in the process code page, with the operating
-// system's tool, and waits for that for at most five minutes. What the tool then says is not asked:
-// an installation that was started counts as done. Reports kUpdateEnvironment when the tool is
-// missing, kInvalidImage when it cannot be started. Does nothing when the status holds an error.
-// Throws std::bad_alloc, before anything was started.
+// Installs the driver package of an .inf file with the operating system's tool, and waits at most five
+// minutes for it. The path is in the code page of the process. Neither the tool's exit code nor a timeout
+// is examined: an installation that was started counts as done. Reports kUpdateEnvironment when the tool
+// is missing, kInvalidImage when it cannot be started. Does nothing when the status holds an error.
+// Throws std::bad_alloc, before anything is started.
 void installDriverPackage(const std::string& infPath, zoerr::Status& status);
 
 }  // namespace nQUENRA1400

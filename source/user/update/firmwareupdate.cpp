@@ -1,5 +1,7 @@
 #include "source/user/update/firmwareupdate.h"
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "source/user/attributes/drivercalls.h"
@@ -9,6 +11,7 @@
 #include "source/user/preconditions/driveencryption.h"
 #include "source/user/statuscodes.h"
 #include "source/user/update/driverpackage.h"
+#include "source/user/update/environmentstep.h"
 #include "source/user/update/firmwareversion.h"
 #include "source/user/update/martentext.h"
 #include "source/user/update/payloadfiles.h"
@@ -25,6 +28,8 @@ constexpr auto kDriveIsEncrypted = sessionLocation(1787);
 constexpr auto kEligibilityUnknown = sessionLocation(1798);
 constexpr auto kNotEligible = sessionLocation(1810);
 constexpr auto kBadFlags = sessionLocation(1826);
+constexpr auto kNoRandomBytes = sessionLocation(1827);
+constexpr auto kNoTemporaryDirectory = sessionLocation(1828);
 constexpr auto kNoMarten = sessionLocation(1868);
 
 constexpr auto kUpdatable = byteField(0x9E, 0x04);
@@ -40,7 +45,7 @@ constexpr std::string_view kBios = "BIOS";
 constexpr std::string_view kMarten = "MARTEN";
 constexpr std::string_view kDriverPackage = ".inf";
 
-// The payloads of an image; their memory goes when the list does.
+// The payloads of an image. Frees their data.
 class tPayloadList {
  public:
   tPayloadList() = default;
@@ -51,7 +56,7 @@ class tPayloadList {
   tFirmwarePayloads payloads;
 };
 
-// What needs no update, for the image as a whole.
+// The devices whose installed firmware is not older than a section of the image.
 struct tCurrent {
   bool bios = false;
   bool marten = false;
@@ -80,7 +85,7 @@ void checkFlags(uint32_t flags, zoerr::Status& status) noexcept {
   }
 }
 
-// A version that cannot be read is older than any.
+// Returns 0, which is older than any version, if the version cannot be read.
 uint32_t installedBiosVersion(const tAttributeAccess& access) noexcept {
   const tProviderText text(access.provider, kBiosVersion, 0);
   return text.result() == 0 ? packedVersion(text.view()) : 0;
@@ -121,13 +126,23 @@ void send(Interface& device, const tFirmwarePayload& payload, zoerr::Status& sta
 }
 
 void install(const tFirmwarePayload& payload, const tUpdateFolder& folder, zoerr::Status& status) {
-  installDriverPackage(payloadFilePath(payload, folder), status);
+  installDriverPackage(payloadFilePath(payload, folder, status), status);
   if (status.isError()) {
     folder.remove();
   }
 }
 
-// What is neither firmware to send nor a driver package has only been written to its file.
+// Returns nothing, with an error in the status, when the system has no random bytes or no temporary
+// directory.
+std::optional<tUpdateFolder> chooseFolder(zoerr::Status& status) {
+  std::string name;
+  std::optional<tUpdateFolder> folder;
+  runEnvironmentStep(kNoRandomBytes, status, [&] { name = randomFolderName(); });
+  runEnvironmentStep(kNoTemporaryDirectory, status, [&] { folder.emplace(name); });
+  return folder;
+}
+
+// Sends firmware to its device and installs driver packages. Other payloads are only written to their files.
 void apply(const tAttributeAccess& access, const tFirmwarePayload& payload, const tCurrent& current,
            const tUpdateFolder& folder, zoerr::Status& status) {
   if (payload.targetDevice == kBios && !current.bios && payload.targetFileName.empty()) {
@@ -166,12 +181,15 @@ void updateFirmware(const tAttributeAccess& access, const void* image, size_t im
   if (status.isError()) {
     return;
   }
-  const tUpdateFolder folder;
+  const std::optional<tUpdateFolder> folder = chooseFolder(status);
+  if (!folder) {
+    return;
+  }
   tPayloadList sections;
   tFirmwareImageParser().Parse(sections.payloads, image, imageSize, status);
   const tCurrent current = decide(access, sections.payloads, flags, status);
   if (!status.isError() && !(current.bios && current.marten)) {
-    applyAll(access, sections.payloads, current, folder, status);
+    applyAll(access, sections.payloads, current, *folder, status);
   }
 }
 

@@ -9,13 +9,13 @@
 
 namespace nQUENRA1400 {
 
-// Checks that the machine may be updated, splits the image, and applies it. `flags` 0 skips the BIOS
-// and Marten firmware when what is installed is as new; 1 skips nothing.
+// Checks that the machine may be updated, splits the image, and applies it. `flags` 0 skips BIOS and Marten
+// firmware that is not newer than the installed one; 1 skips nothing.
 //
-// When it fails, the Marten's version marker is as it was; what the driver has taken by then it has.
+// A failure restores the Marten's version marker; the driver keeps the firmware that it has accepted.
 // Files stay in the folder of the update, unless one cannot be opened or a driver package cannot be
-// installed. Throws std::bad_alloc, std::filesystem::filesystem_error and
-// boost::uuids::entropy_error.
+// installed. Failures of the system, such as missing random bytes, are reported as kUpdateEnvironment.
+// Throws std::bad_alloc.
 void updateFirmware(const tAttributeAccess& access, const void* image, size_t imageSize,
                     uint32_t flags, zoerr::Status& status);
 

@@ -9,9 +9,9 @@
 
 namespace nQUENRA1400 {
 
-// A text attribute of the Marten interface, of whatever length, up to its first NUL. The driver's
-// codes reach the status, but for the one by which it tells the size. Empty when the status holds an
-// error then. Throws std::bad_alloc.
+// Reads a text attribute of the Marten interface up to its first NUL. The first of two requests fails with
+// kBufferTooSmall to report the size; other codes of the driver reach the status. Returns an empty text
+// when the status holds an error. Throws std::bad_alloc, also for an implausible size.
 [[nodiscard]] std::string readMartenText(nZOAPAL000::iInterfaceProxy_hostMarten& marten,
                                          uint32_t attribute, zoerr::Status& status);
 

@@ -4,14 +4,33 @@
 
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"
+#include "source/user/update/environmentstep.h"
 #include "zoapal/protons/text/windowsu/codepage.h"
 
 namespace nQUENRA1400 {
 namespace {
 
 constexpr auto kCannotBeOpened = sessionLocation(2978);
+constexpr auto kFolderNotCreated = sessionLocation(2979);
+constexpr auto kNameNotConverted = sessionLocation(2980);
 
-// False when the file cannot be opened.
+std::u16string widePath(const tFirmwarePayload& payload, const tUpdateFolder& folder,
+                        zoerr::Status& status) {
+  std::u16string path;
+  runEnvironmentStep(kNameNotConverted, status, [&] {
+    path = folder.pathOf(nZOAPAL000::utf16FromCodePage(payload.targetFileName));
+  });
+  return path;
+}
+
+std::string narrowPath(const std::u16string& path, zoerr::Status& status) {
+  std::string narrow;
+  runEnvironmentStep(kNameNotConverted, status,
+                     [&] { narrow = nZOAPAL000::codePageFromUtf16(path); });
+  return narrow;
+}
+
+// Returns false when the file cannot be opened.
 bool writeFile(const tFirmwarePayload& payload, const std::string& path) {
   std::ofstream file(path, std::ios::binary | std::ios::out | std::ios::trunc);
   if (!file.is_open()) {
@@ -22,11 +41,22 @@ bool writeFile(const tFirmwarePayload& payload, const std::string& path) {
   return true;
 }
 
+void writePayloadFile(const tFirmwarePayload& payload, const tUpdateFolder& folder,
+                      zoerr::Status& status) {
+  const std::u16string path = widePath(payload, folder, status);
+  runEnvironmentStep(kFolderNotCreated, status, [&] { folder.create(); });
+  const std::string narrow = narrowPath(path, status);
+  if (!status.isError() && !writeFile(payload, narrow)) {
+    folder.remove();
+    status.set(kUpdateEnvironment, kCannotBeOpened);
+  }
+}
+
 }  // namespace
 
-std::string payloadFilePath(const tFirmwarePayload& payload, const tUpdateFolder& folder) {
-  return nZOAPAL000::codePageFromUtf16(
-      folder.pathOf(nZOAPAL000::utf16FromCodePage(payload.targetFileName)));
+std::string payloadFilePath(const tFirmwarePayload& payload, const tUpdateFolder& folder,
+                            zoerr::Status& status) {
+  return narrowPath(widePath(payload, folder, status), status);
 }
 
 void writePayloadFiles(const tFirmwarePayloads& payloads, const tUpdateFolder& folder,
@@ -36,11 +66,7 @@ void writePayloadFiles(const tFirmwarePayloads& payloads, const tUpdateFolder& f
       return;
     }
     if (!payload.targetFileName.empty()) {
-      folder.create();
-      if (!writeFile(payload, payloadFilePath(payload, folder))) {
-        folder.remove();
-        status.set(kUpdateEnvironment, kCannotBeOpened);
-      }
+      writePayloadFile(payload, folder, status);
     }
   }
 }

@@ -1,21 +1,25 @@
 #ifndef SOURCE_USER_UPDATE_PAYLOADFILES_H
 #define SOURCE_USER_UPDATE_PAYLOADFILES_H
 
+#include <string>
+
 #include "source/user/firmware/tfirmwarepayload.h"
 #include "source/user/update/tupdatefolder.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {
 
-// Writes each payload that has a file name to its file. When a file cannot be opened, the folder is
-// removed and kUpdateEnvironment reported; that one cannot be written to the end is not. Does nothing
-// when the status holds an error. Throws what making the folder throws, and std::bad_alloc.
+// Writes each payload that has a file name to its file. Reports kUpdateEnvironment when the folder cannot
+// be created, a name cannot be converted, or a file cannot be opened; only in the last case it removes
+// the folder. A file that cannot be written to its end is not reported. Does nothing when the status
+// holds an error. Throws std::bad_alloc.
 void writePayloadFiles(const tFirmwarePayloads& payloads, const tUpdateFolder& folder,
                        zoerr::Status& status);
 
-// The path of a payload's file in the code page of the process. Throws std::bad_alloc.
+// Returns the path of a payload's file in the code page of the process. Reports kUpdateEnvironment when the
+// name cannot be converted. Does nothing when the status holds an error. Throws std::bad_alloc.
 [[nodiscard]] std::string payloadFilePath(const tFirmwarePayload& payload,
-                                          const tUpdateFolder& folder);
+                                          const tUpdateFolder& folder, zoerr::Status& status);
 
 }  // namespace nQUENRA1400
 

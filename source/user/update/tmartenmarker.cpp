@@ -11,7 +11,7 @@ namespace {
 constexpr uint32_t kMarker = 0x10000400;
 constexpr std::string_view kIncomplete = "0.0.0f0";
 
-// The length is that of the text, without a NUL.
+// Writes the text without a NUL.
 void write(nZOAPAL000::iInterfaceProxy_hostMarten& marten, std::string_view text,
            nZOAPALS100::tStatus& status) noexcept {
   marten.setAttribute(kMarker, addressOf(text.data()), static_cast<int32_t>(text.size()), status);
@@ -21,7 +21,7 @@ void write(nZOAPAL000::iInterfaceProxy_hostMarten& marten, std::string_view text
 
 tMartenMarker::~tMartenMarker() {
   if (marten_ != nullptr && saved_) {
-    // A record of its own: nothing is sent on one that holds the error of the update.
+    // A record without the error of the update: the driver layer sends nothing for one that holds an error.
     nZOAPALS100::tStatus unreported;
     write(*marten_, *saved_, unreported);
   }

@@ -9,21 +9,21 @@
 
 namespace nQUENRA1400 {
 
-// The Marten's version marker. While an update runs it says that no version is complete; unless the
-// update keeps it so, it gets its text back when the object ends, whatever the reason.
+// The Marten's version marker, which an update overwrites with a text that means "incomplete". The destructor
+// restores the text that was there before, unless keep() was called.
 class tMartenMarker {
  public:
-  // Without a Marten interface there is no marker, and nothing is done.
+  // Does nothing if the interface is null.
   explicit tMartenMarker(nZOAPAL000::iInterfaceProxy_hostMarten* marten) noexcept
       : marten_(marten) {}
   tMartenMarker(const tMartenMarker&) = delete;
   tMartenMarker& operator=(const tMartenMarker&) = delete;
   ~tMartenMarker();
 
-  // Saves the text and overwrites it. Nothing is saved, and nothing will be given back, when it cannot
-  // be read: the status tells. Throws std::bad_alloc.
+  // Saves the text and overwrites it. If it cannot be read, the status reports why, and the destructor
+  // restores nothing. Throws std::bad_alloc.
   void overwrite(zoerr::Status& status);
-  // The update is done.
+  // Keeps the marker as it is.
   void keep() noexcept { saved_.reset(); }
 
  private:

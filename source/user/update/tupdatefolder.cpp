@@ -12,11 +12,6 @@ namespace fs = std::filesystem;
 
 constexpr char16_t kSeparator = static_cast<char16_t>(fs::path::preferred_separator);
 
-std::string randomName() {
-  boost::uuids::random_generator_pure generator;
-  return boost::uuids::to_string(generator());
-}
-
 constexpr bool isLetter(char16_t character) noexcept {
   return (character >= u'A' && character <= u'Z') || (character >= u'a' && character <= u'z');
 }
@@ -33,7 +28,13 @@ constexpr bool isAbsolute(std::u16string_view name) noexcept {
 
 }  // namespace
 
-tUpdateFolder::tUpdateFolder() : path_((fs::temp_directory_path() / randomName()).u16string()) {}
+std::string randomFolderName() {
+  boost::uuids::random_generator_pure generator;
+  return boost::uuids::to_string(generator());
+}
+
+tUpdateFolder::tUpdateFolder(const std::string& name)
+    : path_((fs::temp_directory_path() / name).u16string()) {}
 
 std::u16string tUpdateFolder::pathOf(std::u16string_view fileName) const {
   if (isAbsolute(fileName)) {

@@ -6,13 +6,16 @@
 
 namespace nQUENRA1400 {
 
-// The folder of one update in the system's temporary directory, under a random name. Constructing it
-// creates nothing.
+// Returns the text of a random UUID. Throws boost::uuids::entropy_error when the system has no random
+// bytes.
+[[nodiscard]] std::string randomFolderName();
+
+// The folder of one update in the system's temporary directory. Constructing it creates nothing.
 class tUpdateFolder {
  public:
-  // Throws boost::uuids::entropy_error when the system has no random bytes, and
-  // std::filesystem::filesystem_error ("temp_directory_path") when it has no temporary directory.
-  tUpdateFolder();
+  // Throws std::filesystem::filesystem_error ("temp_directory_path") when the system has no temporary
+  // directory.
+  explicit tUpdateFolder(const std::string& name);
 
   // Returns the path of a file of the update. A name with a drive letter or two leading separators is a
   // path of its own.

@@ -152,7 +152,7 @@ const std::pair<uint32_t, tFirmwareSection> kFaulty[] = {
 };
 
 TEST_F(FirmwareInspect, EveryFaultOfTheFormat_HasAReasonAndARemedy) {
-  const auto documented = tableUnder("docs/firmware-image.md", "## What goes wrong");
+  const auto documented = tableUnder("docs/firmware-image.md", "## Errors");
   ASSERT_EQ(documented.size(), std::size(kFaulty));
   for (size_t i = 0; i < documented.size(); ++i) {
     const auto& [line, section] = kFaulty[i];

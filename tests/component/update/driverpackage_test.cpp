@@ -34,7 +34,7 @@ class DriverPackage : public nFakeWindows::FakeWindowsTest {
   }
 };
 
-TEST_F(DriverPackage, Tool_IsStartedWithThisCommandLine) {
+TEST_F(DriverPackage, Tool_IsStartedWithItsCommandLine) {
   EXPECT_EQ(install(), success());
   const auto started = programs().started();
   ASSERT_EQ(started.size(), 1u);
@@ -44,7 +44,7 @@ TEST_F(DriverPackage, Tool_IsStartedWithThisCommandLine) {
   EXPECT_EQ(started[0].flags, DWORD{CREATE_NO_WINDOW});
 }
 
-TEST_F(DriverPackage, PathWithBlanksAndOtherCharacters_GoesInAsItIs) {
+TEST_F(DriverPackage, PathWithBlanksAndOtherCharacters_IsPassedUnchanged) {
   EXPECT_EQ(install("C:\\my folder\\dr\xE9 \"x\".inf"), success());
   EXPECT_EQ(programs().started().at(0).commandLine,
             " /add-driver C:\\my folder\\dr\xE9 \"x\".inf /install");
@@ -73,7 +73,7 @@ TEST_F(DriverPackage, WaitThatFails_CountsAsDone) {
   EXPECT_THAT(closed(), testing::UnorderedElementsAre("process", "thread"));
 }
 
-TEST_F(DriverPackage, ToolThatIsMissing_IsTold) {
+TEST_F(DriverPackage, ToolThatIsMissing_FailsWithUpdateEnvironment) {
   programs().reset();
   EXPECT_EQ(install(), sessionFailure(-26937, 2331));
   EXPECT_EQ(faultPlan().callCount(tCall::createProcess), 0u);
@@ -89,7 +89,7 @@ TEST_F(DriverPackage, FolderInPlaceOfTheTool_CountsAsMissing) {
   EXPECT_EQ(install(), sessionFailure(-26937, 2331));
 }
 
-TEST_F(DriverPackage, ToolThatCannotBeStarted_IsTold) {
+TEST_F(DriverPackage, ToolThatCannotBeStarted_FailsWithInvalidImage) {
   faultPlan().failCall(tCall::createProcess, 1, ERROR_BAD_EXE_FORMAT);
   EXPECT_EQ(install(), sessionFailure(-26938, 2359));
   EXPECT_EQ(faultPlan().callCount(tCall::waitForSingleObject), 0u);

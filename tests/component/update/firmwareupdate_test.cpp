@@ -16,7 +16,7 @@ constexpr uint32_t kRefused = 0x80070005;  // also as a result of COM
 
 class FirmwareUpdate : public UpdateTest {
  protected:
-  // On a session of its own: where and how it failed.
+  // Updates on a session of its own.
   tOutcome run(const std::string& image, uint32_t flags = 1) {
     zoerr::tOwnedStatus status;
     tControllerUserSession session(provider_, status);
@@ -28,61 +28,71 @@ class FirmwareUpdate : public UpdateTest {
   // Runs once the session is open.
   std::function<void()> afterOpening = [] {};
 
-  // From the next call that hands a value to the driver on, no folder can be made: there is a file
-  // in the place of the temporary directory.
+  // Puts a file in place of the temporary directory, so that no folder can be created in it.
   void blockFolders() {
     std::filesystem::remove_all(temporary);
-    std::ofstream(temporary) << "in the way";
+    std::ofstream(temporary) << "a file";
+  }
+  void expectNoEffect() {
+    EXPECT_EQ(marker(), kMarkerBefore);
+    EXPECT_THAT(nSimulator::tSimulatedMachine().firmware(), IsEmpty());
+    EXPECT_THAT(programs().started(), IsEmpty());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(temporary)) {
+      EXPECT_TRUE(entry.is_directory()) << entry.path();
+    }
+    expectNoLeak();
   }
 
  private:
   nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosWindowsProvider provider_;
 };
 
-// ---- Where it fails ----
+// ---- Failures and their lines ----
 
-TEST_F(FirmwareUpdate, Failures_TellTheirPlace) {
-  EXPECT_EQ(run(wholeImage(), 2), sessionFailure(-26935, 1826));
+TEST_F(FirmwareUpdate, RefusedMachineOrFlags_FailAtTheirLines) {
+  EXPECT_EQ(run(completeImage(), 2), sessionFailure(QUENRA_STATUS_INVALID_VALUE, 1826));
   com()->useVolumes({{VT_I4, 1}});
-  EXPECT_EQ(run(wholeImage(), 2), sessionFailure(-26942, 1787)) << "before the options";
+  EXPECT_EQ(run(completeImage(), 2), sessionFailure(QUENRA_STATUS_DRIVE_PROTECTED, 1787))
+      << "before the options";
   com()->useVolumes({});
   useEligibility(0, 0);
-  EXPECT_EQ(run(wholeImage(), 2), sessionFailure(-26934, 1810));
+  EXPECT_EQ(run(completeImage(), 2), sessionFailure(QUENRA_STATUS_NOT_SUPPORTED, 1810));
   useEligibility(1, 2);
-  EXPECT_EQ(run(wholeImage()), sessionFailure(-26934, 1810));
+  EXPECT_EQ(run(completeImage()), sessionFailure(QUENRA_STATUS_NOT_SUPPORTED, 1810));
   tReferenceTable table;
   table.remove(0x9E);
   useTable(table);
-  EXPECT_EQ(run(wholeImage()), sessionFailure(-26932, 1798));
+  EXPECT_EQ(run(completeImage()), sessionFailure(QUENRA_STATUS_NO_CONTROLLER, 1798));
   table = tReferenceTable();
   table.structure(0x9E) = tSmbiosStructure(0x9E, 0x05).byte(4, 1);
   useTable(table);
-  EXPECT_EQ(run(wholeImage()), sessionFailure(-26932, 1798)) << "the second byte is missing";
+  EXPECT_EQ(run(completeImage()), sessionFailure(QUENRA_STATUS_NO_CONTROLLER, 1798))
+      << "the second byte is missing";
 }
 
-TEST_F(FirmwareUpdate, MartenSectionWithoutAMarten_IsToldAtLine1868) {
+TEST_F(FirmwareUpdate, MartenSectionWithoutAMarten_FailsAtItsLine) {
   usePresence(1, 0);
-  EXPECT_EQ(run(wholeImage()), sessionFailure(-26938, 1868));
-  EXPECT_EQ(run(wholeImage(), 0), sessionFailure(-26938, 1868));
+  EXPECT_EQ(run(completeImage()), sessionFailure(QUENRA_STATUS_INVALID_IMAGE, 1868));
+  EXPECT_EQ(run(completeImage(), 0), sessionFailure(QUENRA_STATUS_INVALID_IMAGE, 1868));
 }
 
-TEST_F(FirmwareUpdate, FileThatCannotBeOpened_IsToldAtLine2978) {
+TEST_F(FirmwareUpdate, FileThatCannotBeOpened_FailsAtItsLineAndRemovesTheFolder) {
   EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("no/such/folder.cap")})),
-            sessionFailure(-26937, 2978));
+            sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2978));
   EXPECT_TRUE(std::filesystem::is_empty(temporary));
   EXPECT_EQ(marker(), kMarkerBefore);
 }
 
-TEST_F(FirmwareUpdate, ToolThatIsMissing_IsToldAtLine2331AndEverythingIsTakenBack) {
+TEST_F(FirmwareUpdate, ToolThatIsMissing_FailsAtItsLineAndRestoresEverything) {
   programs().reset();
-  EXPECT_EQ(run(wholeImage()), sessionFailure(-26937, 2331));
+  EXPECT_EQ(run(completeImage()), sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2331));
   EXPECT_TRUE(std::filesystem::is_empty(temporary));
   EXPECT_EQ(marker(), kMarkerBefore);
 }
 
-TEST_F(FirmwareUpdate, ToolThatCannotBeStarted_IsToldAtLine2359AndEverythingIsTakenBack) {
+TEST_F(FirmwareUpdate, ToolThatCannotBeStarted_FailsAtItsLineAndRestoresEverything) {
   faultPlan().failCall(tCall::createProcess, 1, ERROR_ACCESS_DENIED);
-  EXPECT_EQ(run(wholeImage()), sessionFailure(-26938, 2359));
+  EXPECT_EQ(run(completeImage()), sessionFailure(QUENRA_STATUS_INVALID_IMAGE, 2359));
   EXPECT_TRUE(std::filesystem::is_empty(temporary));
   EXPECT_EQ(marker(), kMarkerBefore);
 }
@@ -98,44 +108,57 @@ TEST_F(FirmwareUpdate, StatusInError_DoesNothing) {
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 
-// ---- Exceptions ----
+// ---- A system that fails ----
 
-TEST_F(FirmwareUpdate, FolderThatCannotBeMade_IsAFilesystemErrorAndTheMarkerIsGivenBack) {
+TEST_F(FirmwareUpdate, WithoutRandomBytes_FailsAtItsLineBeforeAnyEffect) {
+  afterOpening = [] { faultPlan().failEveryCall(tCall::getRandom, ERROR_ACCESS_DENIED); };
+  EXPECT_EQ(run(completeImage()), sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 1827));
+  expectNoEffect();
+}
+
+TEST_F(FirmwareUpdate, WithoutATemporaryDirectory_FailsAtItsLineBeforeAnyEffect) {
+  std::filesystem::remove_all(temporary);
+  EXPECT_EQ(run(completeImage()), sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 1828));
+  EXPECT_EQ(update(completeImage()), QUENRA_STATUS_UPDATE_ENVIRONMENT);
+  std::filesystem::create_directory(temporary);
+  expectNoEffect();
+}
+
+TEST_F(FirmwareUpdate, FolderThatCannotBeCreated_FailsAtItsLineAndRestoresTheMarker) {
   afterOpening = [this] {
     faultPlan().reset();
     // The version marker: read in two calls, and written.
     faultPlan().beforeCall(tCall::deviceIoControl, 3, [this] { blockFolders(); });
   };
-  try {
-    run(firmwareImage({tFirmwareSection::capsule("bios.cap")}));
-    FAIL() << "nothing is thrown";
-  } catch (const std::filesystem::filesystem_error& error) {
-    EXPECT_THAT(error.what(), testing::HasSubstr("create_directories"));
-  }
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("bios.cap")})),
+            sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2979));
   EXPECT_EQ(marker(), kMarkerBefore);
+  expectNoLeak();
 }
 
-TEST_F(FirmwareUpdate, WithoutATemporaryDirectory_IsAFilesystemErrorBeforeAnythingIsChanged) {
-  std::filesystem::remove_all(temporary);
-  try {
-    run(wholeImage());
-    FAIL() << "nothing is thrown";
-  } catch (const std::filesystem::filesystem_error& error) {
-    EXPECT_THAT(error.what(), testing::HasSubstr("temp_directory_path"));
-  }
-  EXPECT_EQ(update(wholeImage()), QUENRA_STATUS_INTERNAL_ERROR) << "exports throw nothing";
-  EXPECT_EQ(marker(), kMarkerBefore);
-}
-
-TEST_F(FirmwareUpdate, NameThatCannotBeConverted_StopsItBeforeTheToolIsStartedOnAnother) {
-  // Converted for its file and for the tool, and each time measured first.
+TEST_F(FirmwareUpdate, NameThatCannotBeConverted_FailsAtItsLineAndLeavesNoFile) {
+  // Converted for its file and for the tool, each time in two calls.
   for (unsigned nth = 1; nth <= 4; ++nth) {
     for (const tCall call : {tCall::multiByteToWideChar, tCall::wideCharToMultiByte}) {
+      afterOpening = [=] { faultPlan().failCall(call, nth, ERROR_NO_UNICODE_TRANSLATION); };
+      EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})),
+                sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2980));
       faultPlan().reset();
-      faultPlan().failCall(call, nth, 1113 /* ERROR_NO_UNICODE_TRANSLATION */);
-      EXPECT_EQ(update(wholeImage()), QUENRA_STATUS_INTERNAL_ERROR);
-      EXPECT_EQ(programs().started().size(), 0u);
-      EXPECT_EQ(marker(), kMarkerBefore);
+      expectNoEffect();
+    }
+  }
+}
+
+TEST_F(FirmwareUpdate, SystemThatIsShortOfMemory_FailsWithOutOfMemoryAtTheSameLines) {
+  for (const uint32_t error : {8u, 1450u}) {  // ERROR_NOT_ENOUGH_MEMORY, ERROR_NO_SYSTEM_RESOURCES
+    for (const auto& [call, line] : {std::pair<tCall, uint32_t>{tCall::getRandom, 1827},
+                                     {tCall::multiByteToWideChar, 2980},
+                                     {tCall::wideCharToMultiByte, 2980}}) {
+      afterOpening = [error, refused = call] { faultPlan().failEveryCall(refused, error); };
+      EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})),
+                sessionFailure(QUENRA_STATUS_OUT_OF_MEMORY, line));
+      faultPlan().reset();
+      expectNoEffect();
     }
   }
 }
@@ -148,20 +171,20 @@ TEST_F(FirmwareUpdate, NameInTheCodePage_IsOpenedInTheCodePage) {
   EXPECT_TRUE(std::filesystem::exists(folder.path() / "b\xE9 c.cap"));
 }
 
-TEST_F(FirmwareUpdate, NameWithADriveLetter_StandsForItself) {
+TEST_F(FirmwareUpdate, NameWithADriveLetter_IsAPathOfItsOwn) {
   std::filesystem::current_path(temporary);
   EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("D:x.cap")})), success());
   EXPECT_TRUE(std::filesystem::exists(temporary / "D:x.cap"));
   std::filesystem::current_path("/");
 }
 
-TEST_F(FirmwareUpdate, NameWithASeparatorInFront_StaysInTheFolder) {
+TEST_F(FirmwareUpdate, NameWithOneLeadingSeparator_StaysInTheFolder) {
   EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("/x.cap")})), success());
   const std::filesystem::directory_entry folder = *std::filesystem::directory_iterator(temporary);
   EXPECT_TRUE(std::filesystem::exists(folder.path() / "x.cap"));
 }
 
-TEST_F(FirmwareUpdate, PackageIsKnownByItsNameAnywhere) {
+TEST_F(FirmwareUpdate, InfAnywhereInAName_MakesADriverPackage) {
   EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("a.information.cap"),
                                tFirmwareSection::capsule("b.INF"),
                                tFirmwareSection::capsule("inf.cap")})),
@@ -172,7 +195,7 @@ TEST_F(FirmwareUpdate, PackageIsKnownByItsNameAnywhere) {
 
 // ---- The versions installed ----
 
-TEST_F(FirmwareUpdate, BiosVersionThatIsNotThere_IsOlderThanAny) {
+TEST_F(FirmwareUpdate, MissingBiosVersion_IsOlderThanAny) {
   tReferenceTable table;
   table.structure(0x9E) = tSmbiosStructure(0x9E, 0x06).byte(4, 1).byte(5, 0);
   table.remove(0x00);
@@ -184,38 +207,38 @@ TEST_F(FirmwareUpdate, BiosVersionThatIsNotThere_IsOlderThanAny) {
 
 TEST_F(FirmwareUpdate, MartenVersionThatCannotBeRead_StopsTheUpdate) {
   nSimulator::tSimulatedMachine().removeAttribute(kSimulatorInterfaceMarten, kMarker);
-  EXPECT_EQ(run(wholeImage(), 0).code, -26934);
+  EXPECT_EQ(run(completeImage(), 0).code, QUENRA_STATUS_NOT_SUPPORTED);
   EXPECT_THAT(nSimulator::tSimulatedMachine().firmware(), IsEmpty());
 }
 
-TEST_F(FirmwareUpdate, MarkerThatIsEmpty_IsGivenBackEmpty) {
+TEST_F(FirmwareUpdate, EmptyMarker_IsRestoredEmpty) {
   setMarker("");
   programs().reset();
-  EXPECT_EQ(run(wholeImage()).code, -26937);
+  EXPECT_EQ(run(completeImage()).code, QUENRA_STATUS_UPDATE_ENVIRONMENT);
   EXPECT_EQ(marker(), "");
 }
 
-TEST_F(FirmwareUpdate, MarkerOfAnIncredibleSize_IsNotBelieved) {
+TEST_F(FirmwareUpdate, MarkerOfAnImplausibleSize_FailsWithOutOfMemory) {
   tSimulatorScript script{};
   script.interfaceKind = kSimulatorInterfaceMarten;
   script.requestCode = REQUEST_GET_ATTRIBUTE;
   script.action = kSimulatorActionReply;
   script.replySize = 8;
   const uint32_t size = 0xFFFFFFFF;
-  const int32_t tooSmall = -26930;
+  const int32_t tooSmall = QUENRA_STATUS_BUFFER_TOO_SMALL;
   std::memcpy(script.reply, &size, 4);
   std::memcpy(script.reply + 4, &tooSmall, 4);
   nSimulator::tSimulatedMachine().addScript(script);
-  EXPECT_EQ(update(wholeImage()), QUENRA_STATUS_OUT_OF_MEMORY);
+  EXPECT_EQ(update(completeImage()), QUENRA_STATUS_OUT_OF_MEMORY);
 }
 
-// ---- Everything fails in turn ----
+// ---- Each call fails in turn ----
 
 TEST_F(FirmwareUpdate, EachWindowsCallThatFails_LeavesNothingHalfDone) {
-  ASSERT_EQ(update(wholeImage()), 0);
+  ASSERT_EQ(update(completeImage()), 0);
   setMarker(kMarkerBefore);
   faultPlan().reset();
-  ASSERT_EQ(update(wholeImage()), 0);
+  ASSERT_EQ(update(completeImage()), 0);
   const unsigned calls = faultPlan().callCount();
   ASSERT_GT(calls, 40u);
   unsigned failures = 0;
@@ -225,19 +248,18 @@ TEST_F(FirmwareUpdate, EachWindowsCallThatFails_LeavesNothingHalfDone) {
     setMarker(kMarkerBefore);
     faultPlan().reset();
     faultPlan().failAnyCall(nth, kRefused);
-    const int32_t code = update(wholeImage());
+    const int32_t code = update(completeImage());
     faultPlan().reset();
     EXPECT_THAT(nFakeWindows::objects().open(), IsEmpty());
     if (code >= 0) {
       EXPECT_EQ(marker(), kMarkerAfter);
     } else {
       ++failures;
-      // The text, with or without the NUL that its first owner gave it.
       EXPECT_EQ(marker(), kMarkerBefore) << code;
     }
   }
   EXPECT_GT(failures, 20u);
-  EXPECT_EQ(update(wholeImage()), 0);
+  EXPECT_EQ(update(completeImage()), 0);
   expectNoLeak();
 }
 

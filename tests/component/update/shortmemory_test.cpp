@@ -1,4 +1,4 @@
-// What surrounds a firmware update when memory is short.
+// The system calls of a firmware update when memory is short.
 #include <new>
 
 #include "source/user/preconditions/driveencryption.h"
@@ -15,7 +15,7 @@ using nFakeWindows::tAllocationPlan;
 
 class ShortMemory : public nFakeWindows::FakeWindowsTest {};
 
-TEST_F(ShortMemory, DriverPackage_ThrowsBeforeAnythingWasStarted) {
+TEST_F(ShortMemory, DriverPackage_ThrowsBeforeAnythingIsStarted) {
   programs().install("C:\\Windows\\Sysnative\\pnputil.exe");
   const std::string path(300, 'x');
   unsigned allocations = 0;
@@ -36,7 +36,7 @@ TEST_F(ShortMemory, DriverPackage_ThrowsBeforeAnythingWasStarted) {
   EXPECT_EQ(programs().started().size(), 1u);
 }
 
-TEST_F(ShortMemory, DriveEncryption_AnswersAndLeavesNothingBehind) {
+TEST_F(ShortMemory, DriveEncryption_ReturnsFalseAndReleasesEverything) {
   com()->useVolumes({{VT_I4, 1}});
   unsigned allocations = 0;
   {

@@ -1,4 +1,4 @@
-// What the tests of the whole update on the fake Windows share.
+// The fixture of tests of complete updates on the fake Windows.
 #ifndef TESTS_COMPONENT_UPDATE_UPDATETEST_H
 #define TESTS_COMPONENT_UPDATE_UPDATETEST_H
 
@@ -19,7 +19,7 @@ inline constexpr char kMarkerBefore[] = "1.4.0f7";
 inline constexpr char kMarkerAfter[] = "0.0.0f0";
 
 // An image with one section of every kind.
-inline std::string wholeImage() {
+inline std::string completeImage() {
   return firmwareImage(
       {tFirmwareSection("MARTEN").version("9.0.0f0").payload(firmwareBytes(2000, 2)),
        tFirmwareSection("SAFEMODE").payload(firmwareBytes(30, 3)),
@@ -27,7 +27,7 @@ inline std::string wholeImage() {
        tFirmwareSection("BIOS").version("9.0.0f0").payload(firmwareBytes(100, 1))});
 }
 
-// A machine that takes firmware, and a temporary directory of the test's own.
+// A machine that accepts firmware, and a temporary directory for each test.
 class UpdateTest : public SessionTest {
   tTemporaryFolder folder_;
 
@@ -58,7 +58,7 @@ class UpdateTest : public SessionTest {
     machine.setAttributeText(kSimulatorInterfaceMarten, kMarker, text);
     machine.allowWrites(kSimulatorInterfaceMarten, kMarker);
   }
-  // As it stands, without the NUL that it may have.
+  // Without the NUL that it may have.
   static std::string marker() {
     char text[64] = {};
     uint64_t size = sizeof text;

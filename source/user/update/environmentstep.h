@@ -1,0 +1,31 @@
+#ifndef SOURCE_USER_UPDATE_ENVIRONMENTSTEP_H
+#define SOURCE_USER_UPDATE_ENVIRONMENTSTEP_H
+
+#include "zoapal/protons/status/tsourcelocation.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+
+namespace nQUENRA1400 {
+
+// Call in a handler: reports the exception being handled as a failure of the system at a location.
+// kOutOfMemory when the system reports short memory, otherwise kUpdateEnvironment. Passes on what is not a
+// failure of the system, among others std::bad_alloc.
+void reportEnvironmentFailure(const nZOAPALS100::tSourceLocation& location, zoerr::Status& status);
+
+// Runs a step of the update that needs something of the system: random bytes, a directory, a converted
+// name. Reports its failure as above; does nothing when the status holds an error.
+template <class Step>
+void runEnvironmentStep(const nZOAPALS100::tSourceLocation& location, zoerr::Status& status,
+                        Step step) {
+  if (status.isError()) {
+    return;
+  }
+  try {
+    step();
+  } catch (...) {
+    reportEnvironmentFailure(location, status);
+  }
+}
+
+}  // namespace nQUENRA1400
+
+#endif
