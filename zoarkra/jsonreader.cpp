@@ -55,7 +55,7 @@ class tDocumentStream {
   }
   // The latest number.
   [[nodiscard]] std::string_view number() const noexcept { return number_; }
-  // Whether that number breaks the grammar, at the current position.
+  // True if that number breaks the grammar, at the current position.
   [[nodiscard]] bool isNumberBroken() const noexcept { return isNumberBroken_; }
   // The first character of the latest string, as it stands in the document.
   [[nodiscard]] const char* string() const noexcept { return string_; }

@@ -139,7 +139,7 @@ TEST_F(Files, DeviceThatFailsARead_ReportsAnInputOutputError) {
             "cannot read '/proc/self/mem': the device reports an input/output error");
 }
 
-// A user without the rights of the superuser, for whom no access is denied.
+// Runs without the rights of the superuser, to whom the system denies no access.
 class tUnprivilegedUser {
  public:
   tUnprivilegedUser() { static_cast<void>(seteuid(kNobody)); }

@@ -18,7 +18,7 @@ constexpr tExports kExports = {&QUENRA_openController,           &QUENRA_closeCo
                                &zoroco_ra_quenra_createSession,  &zoroco_ra_quenra_programRoute,
                                &zoroco_ra_quenra_unprogramRoute, &zoroco_ra_quenra_destroySession};
 
-// What a client leaves open.
+// The session that a client leaves open.
 struct tClient {
   bool isUsed = false;
   zoroco_RoutingAdaptorSession* session = nullptr;

@@ -8,8 +8,8 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// Whether the library is ready for calls. Both export families merge it into their status before
-// they do anything else. Written while the library is loaded and unloaded, only read in between.
+// The outcome of loading the library. Both export families merge it into their status before they
+// do anything else. Written while the library is loaded and unloaded, only read in between.
 class tStartUp {
  public:
   constexpr tStartUp() noexcept = default;

@@ -23,7 +23,7 @@ inline constexpr tTransferLines kWriteLines{189, 194};
 // multiples of 4.
 [[nodiscard]] HANDLE suppressCompletionPacket(HANDLE event) noexcept;
 
-// Whether the final status of a request has not been stored yet. A stored status proves that the
+// True while Windows has not stored the final status of a request. A stored status proves that the
 // request has ended; a missing one proves nothing before the completion packet, if any, is dequeued.
 [[nodiscard]] bool isPending(OVERLAPPED& overlapped) noexcept;
 
