@@ -29,7 +29,7 @@ constexpr auto kSizeMissing = providerLocation(488);
 constexpr auto kNumberReadAsString = providerLocation(497);
 constexpr auto kStructureNotFound = providerLocation(860);
 
-// Bytes of a field of a width class; 0 for a class that no structure has.
+// Bytes of a field of a width class; 0 for a class that fields of structures do not have.
 constexpr uint32_t widthOf(tWidthClass width) noexcept {
   switch (width) {
     case tWidthClass::text:
@@ -52,7 +52,7 @@ struct tCopySites {
   const tSourceLocation& withoutBuffer;
 };
 
-// The size rule that all texts share.
+// Copies a text by the size rule of getString.
 void copyText(std::string_view text, char* buffer, uint32_t* size, const tCopySites& sites,
               tStatus& status) noexcept {
   const auto needed = static_cast<uint32_t>(text.size() + 1);

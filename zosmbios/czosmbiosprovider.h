@@ -13,8 +13,8 @@
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 
 // Codes of the provider.
-inline constexpr int32_t kNoString = 240050;         // warning: the structure has no such string
-inline constexpr int32_t kBufferTooSmall = -240051;  // the needed size has been told
+inline constexpr int32_t kNoString = 240050;         // warning: the field refers to no string
+inline constexpr int32_t kBufferTooSmall = -240051;  // the needed size is reported
 inline constexpr int32_t kFieldNotFound = -240052;
 inline constexpr int32_t kTableMalformed = -240053;
 inline constexpr int32_t kNoTable = -240060;
@@ -22,9 +22,8 @@ inline constexpr int32_t kNoTable = -240060;
 // Read access to the machine's SMBIOS structure table: numbers at a byte offset of a structure,
 // strings that a structure refers to, and the SMBIOS version.
 //
-// The table is installed by the owner or, when there is none yet, loaded by the first reader.
-// Readers may run concurrently once a table is there; install, clear and load may not overlap
-// anything.
+// The owner installs the table; without one the first reader loads it. Readers may run concurrently
+// as long as a table is present; install, clear and load must not overlap any other call.
 class cZoSmBiosProvider {
  public:
   static constexpr uint32_t kVersionTextCapacity = 256;
@@ -35,13 +34,13 @@ class cZoSmBiosProvider {
   cZoSmBiosProvider& operator=(const cZoSmBiosProvider&) = delete;
   virtual ~cZoSmBiosProvider() = default;
 
-  // Replaces the table with the machine's own. Does nothing when the status holds an error; on
-  // failure there is no table.
+  // Replaces the table with the machine's own. Does nothing when the status holds an error; after a
+  // failure the provider has no table.
   virtual void load(nZOAPALS100::tStatus& status) noexcept = 0;
 
-  // Replaces table and version. The table takes a copy of `table`, the version at most 255 bytes of
-  // `version` up to its first NUL. A table of no bytes is a table: readers will not load another.
-  // When memory is short the old table stays, with kMemoryFull in the status.
+  // Copies `table`, and at most 255 bytes of `version` up to its first NUL. A table of no bytes counts
+  // as present: readers do not load another. When memory is short, the old table and version stay and
+  // the status receives kMemoryFull.
   void install(std::span<const uint8_t> table, std::span<const char> version,
                nZOAPALS100::tStatus& status) noexcept;
   // Frees the table; the version stays.
@@ -53,10 +52,10 @@ class cZoSmBiosProvider {
   // The operating system's error of the last failed load.
   [[nodiscard]] uint32_t lastOsError() const noexcept { return lastOsError_; }
 
-  // The numeric readers return 0 with the value set, or else leave it untouched and return
+  // The numeric readers set the value and return 0. On failure they leave it unchanged and return
   //   kInvalidParameter  value is null
-  //   kFieldNotFound     no such structure, the field lies beyond it, or the field id is of another
-  //                      width
+  //   kFieldNotFound     no such structure, the field lies beyond its end, or the field id has
+  //                      another width
   //   kTableMalformed    the structure runs outside the table
   //   the code of a failed load
   [[nodiscard]] int32_t readByte(tFieldId field, uint32_t instance, uint8_t* value) noexcept;
@@ -68,15 +67,15 @@ class cZoSmBiosProvider {
   [[nodiscard]] int32_t readNextWord(tStructuresOfType& structures, tFieldId field,
                                      uint16_t& value) const noexcept;
 
-  // Reads a string, or with kVersionText the version. `size`: in the buffer's bytes, out on
-  // kBufferTooSmall the bytes needed, NUL included; with a size of 0 the buffer may be null.
-  // Status codes: kNoString (an empty string is stored where there is room), kBufferTooSmall,
-  // kFieldNotFound, kTableMalformed, kInvalidParameter (null size, or null buffer of a sufficient
-  // size), or the code of a failed load.
+  // Reads a string, or with kVersionText the version. `size`: in the buffer's bytes; out, with
+  // kBufferTooSmall, the bytes needed, NUL included. The buffer may be null when `size` is 0. Status
+  // codes: kNoString (an empty string is stored unless `size` is 0), kBufferTooSmall, kFieldNotFound,
+  // kTableMalformed, kInvalidParameter (null size, or null buffer of a sufficient size), or the code
+  // of a failed load.
   void getString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
                  nZOAPALS100::tStatus& status) noexcept;
 
-  // The parts of which the readers are made.
+  // The steps of the readers.
   void findStructure(uint8_t type, uint32_t instance, tStructureOffset* structure,
                      nZOAPALS100::tStatus& status) const noexcept;
   void checkField(tStructureOffset structure, tFieldId field,

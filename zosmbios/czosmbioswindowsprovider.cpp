@@ -13,11 +13,11 @@ namespace {
 
 using nZOAPALS100::tStatus;
 
-constexpr auto kServiceGaveNothing = windowsProviderLocation(48);
-constexpr auto kServiceGaveAnotherSize = windowsProviderLocation(69);
+constexpr auto kNoTableFromService = windowsProviderLocation(48);
+constexpr auto kUnexpectedTableSize = windowsProviderLocation(69);
 constexpr DWORD kRawSmbios = 0x52534D42;  // 'RSMB'
 
-// What precedes the structures in the service's answer.
+// The bytes before the structures in the service's answer.
 struct tRawHeader {
   uint8_t callingMethod;
   uint8_t majorVersion;
@@ -52,7 +52,7 @@ void cZoSmBiosWindowsProvider::load(tStatus& status) noexcept {
   const UINT size = GetSystemFirmwareTable(kRawSmbios, 0, nullptr, 0);
   if (size == 0) {
     setLastOsError(GetLastError());
-    mergeStatus(status, kNoTable, kServiceGaveNothing);
+    mergeStatus(status, kNoTable, kNoTableFromService);
     return;
   }
   const nZOAPAL000::tByteBuffer raw = nZOAPAL000::allocateBytes(size, status);
@@ -67,7 +67,7 @@ void cZoSmBiosWindowsProvider::load(tStatus& status) noexcept {
   }
   if (received != size || size < sizeof header || header.length > size - sizeof header) {
     setLastOsError(error);
-    mergeStatus(status, kNoTable, kServiceGaveAnotherSize);
+    mergeStatus(status, kNoTable, kUnexpectedTableSize);
     return;
   }
   const tVersion version = versionOf(header);

@@ -5,13 +5,14 @@
 
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 
-// The provider whose own table comes from the firmware-table service of the operating system.
+// Loads the table from the firmware-table service of the operating system.
 class cZoSmBiosWindowsProvider final : public cZoSmBiosProvider {
  public:
   constexpr cZoSmBiosWindowsProvider() noexcept = default;
 
-  // kNoTable when the service gives no table, one of another size than it said, or one that does
-  // not hold what its header promises; kMemoryFull. The system's error is kept as lastOsError.
+  // Reports kNoTable when the service returns no table, a table of another size than it announced, or
+  // fewer bytes than the table's header says, and stores the system's error as lastOsError. Reports
+  // kMemoryFull when memory is short.
   void load(nZOAPALS100::tStatus& status) noexcept override;
 };
 

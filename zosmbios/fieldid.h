@@ -11,12 +11,12 @@ enum class tWidthClass : uint8_t {
   word = 2,
   doubleWord = 3,
   quadWord = 4,
-  provider = 0xF,  // not a field of a structure, but a value of the provider itself
+  provider = 0xF,  // a value of the provider itself, not a field of a structure
 };
 
-// Names what is read: width class in bits 16-19, structure type in bits 8-15, offset in the
-// formatted area of the structure in bits 0-7. Higher bits are ignored. For a text the offset is
-// that of the byte that holds the string's number.
+// Identifies a field: width class in bits 16-19, structure type in bits 8-15, offset in the formatted
+// area of the structure in bits 0-7. Higher bits are ignored. The offset of a text is that of the
+// byte that holds the string's number.
 using tFieldId = uint32_t;
 
 [[nodiscard]] constexpr tFieldId makeFieldId(tWidthClass width, uint8_t type,

@@ -5,7 +5,7 @@
 
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 
-// A site of the provider, and one of its Windows loader.
+// Locations in the provider and in its Windows loader.
 [[nodiscard]] constexpr nZOAPALS100::tSourceLocation providerLocation(uint32_t line) noexcept {
   return {"dep_mirror\\deps\\zosmbios\\includes\\czosmbiosprovider", line};
 }

@@ -8,9 +8,9 @@
 
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 
-// String `number`, from 1, of the string set that starts at `set`, a byte position in the table.
-// kTableMalformed when the set leaves the table, has fewer strings, or the string is longer than
-// `longest` characters.
+// String `number`, from 1, of the string set that starts at `set`, a byte offset in the table. Reports
+// kTableMalformed when the set runs past the end of the table, has fewer strings, or the string is
+// longer than `longest` characters.
 [[nodiscard]] std::string_view findString(const tStructureTable& table, size_t set, uint8_t number,
                                           size_t longest, nZOAPALS100::tStatus& status) noexcept;
 

@@ -22,8 +22,8 @@ std::optional<size_t> widened(std::optional<tStructureOffset> offset) {
   return offset ? std::optional<size_t>(*offset) : std::nullopt;
 }
 
-// Every pass of the plain walk costs as much as the table is large. On a table with more structures,
-// or of more types, than these numbers the walk is compared on as many samples.
+// The cost of every plain walk grows with the table. A table with more structures or types than these
+// is compared on samples.
 constexpr size_t kComparedStructures = 50;
 constexpr size_t kComparedTypes = 10;
 
@@ -95,7 +95,7 @@ void expectSameStructures(const std::vector<uint8_t>& bytes) {
   ASSERT_NO_FATAL_FAILURE(expectEnumerated(table, offsets));
 }
 
-// Bytes without any order, NULs and short lengths frequent enough to make structures of them.
+// Arbitrary bytes, with NULs and short lengths frequent enough to form structures.
 std::vector<uint8_t> arbitraryBytes(std::mt19937& random) {
   std::vector<uint8_t> bytes(random() % 200);
   const unsigned highest = random() % 2 == 0 ? 4 : 256;
@@ -105,7 +105,7 @@ std::vector<uint8_t> arbitraryBytes(std::mt19937& random) {
   return bytes;
 }
 
-// Small tables one after another, more than 16-bit offsets reach.
+// Small tables one after another, until offsets exceed 16 bits.
 template <class Make>
 std::vector<uint8_t> largeTableOf(Make makeSmallTable, std::mt19937& random) {
   std::vector<uint8_t> large;
@@ -215,7 +215,7 @@ TEST_P(LargeTable, EveryInstance_HasItsOwnOffset) {
   expectSameStructures(crowdedTableOfSize(GetParam()));
 }
 
-// The sizes around the largest 16-bit offset, and of a table of 20000 memory devices.
+// Sizes around the largest 16-bit offset, and that of a table of 20000 memory devices.
 INSTANTIATE_TEST_SUITE_P(Bytes, LargeTable,
                          testing::Values(1000, 65534, 65535, 65536, 65537, 70000, 131073, 320000));
 

@@ -9,8 +9,7 @@
 
 namespace nTests {
 
-// The structures of a table, byte by byte as the rule says and as slowly as it pleases: what the
-// provider is compared with.
+// The structures of a table, found byte by byte: the reference for provider, walk and index.
 struct tWalkedStructure {
   size_t offset;
   uint8_t type;

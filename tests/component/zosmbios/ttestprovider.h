@@ -14,13 +14,13 @@ namespace nTests {
 
 inline constexpr char kProviderFile[] = "dep_mirror\\deps\\zosmbios\\includes\\czosmbiosprovider";
 
-// A provider with a given table, or with one that its load brings.
+// A provider with a given table, or with one that its load installs.
 class tTestProvider final : public nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosProvider {
  public:
   tTestProvider() = default;
   explicit tTestProvider(std::span<const uint8_t> table, std::string_view version = "3.4");
 
-  // What load does from now on: installs a table, or fails.
+  // Makes load install a table, or fail.
   void loadWill(std::vector<uint8_t> table) { loadedTable_ = std::move(table); }
   void loadWillFail(int32_t code) { loadCode_ = code; }
   [[nodiscard]] int loads() const { return loads_; }
@@ -33,12 +33,11 @@ class tTestProvider final : public nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosProvider
   int loads_ = 0;
 };
 
-// The outcome of one getString, to be compared as a whole.
+// The outcome of one getString, compared as a unit.
 struct tStringRead {
   int32_t code;
   uint32_t line;
-  std::string
-      text;  // what a big enough buffer holds afterwards; kUntouched when nothing was stored
+  std::string text;  // in a buffer that is large enough; kUntouched when nothing was stored
   bool operator==(const tStringRead&) const = default;
 };
 std::ostream& operator<<(std::ostream& out, const tStringRead& read);
