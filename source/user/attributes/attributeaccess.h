@@ -8,7 +8,7 @@
 
 namespace nQUENRA1400 {
 
-// Everything that attributes are read from and written to. Refers to it and owns nothing.
+// References to everything that attributes are read from and written to.
 struct tAttributeAccess {
   nZOSMBIOS_1_1::cZoSmBiosProvider& provider;
   const tMemoryModules& memoryModules;

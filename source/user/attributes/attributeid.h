@@ -7,13 +7,13 @@
 
 namespace nQUENRA1400 {
 
-// An attribute id as the caller gives it, taken apart.
+// The parts of an attribute id.
 class tAttributeId {
  public:
   explicit constexpr tAttributeId(uint32_t id) noexcept : id_(id) {}
 
   [[nodiscard]] constexpr uint32_t value() const noexcept { return id_; }
-  // The id without selector and instance: what the tables are searched for.
+  // The id without selector and instance, by which the tables are searched.
   [[nodiscard]] constexpr uint32_t base() const noexcept {
     return id_ & ~(kSelectorMask | kInstanceMask);
   }

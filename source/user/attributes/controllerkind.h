@@ -7,11 +7,11 @@
 
 namespace nQUENRA1400 {
 
-// A number for the answer "another".
+// The number of a kind that has none of its own.
 inline constexpr uint32_t kOtherKind = 0xFFFFFFFF;
 
-// The kind of controller, told from the bus structures that the machine has; else 1 to 5 as the
-// platform structure says, else kOtherKind.
+// The kind of controller: 1 to 3 by the bus structures of the table; without them 1 to 5 by the
+// platform structure; else kOtherKind.
 [[nodiscard]] uint32_t controllerKind(nZOSMBIOS_1_1::cZoSmBiosProvider& provider) noexcept;
 
 }  // namespace nQUENRA1400

@@ -10,8 +10,8 @@
 
 namespace nQUENRA1400 {
 
-// How the driver is asked: addresses travel as numbers, and each call has a record of its own, which
-// starts with the warning that there may be and is merged into the session's status.
+// Requests to the driver carry addresses as numbers. Each call has a record of its own, which starts
+// with the session's code, possibly a warning, and is merged into the session's status.
 
 [[nodiscard]] inline uint64_t addressOf(const void* memory) noexcept {
   static_assert(sizeof(uintptr_t) == sizeof(uint64_t));
@@ -24,15 +24,15 @@ namespace nQUENRA1400 {
   return record;
 }
 
-// Asks an interface of the driver for an attribute, reporting into the status. `size`: in the
-// buffer's bytes, out what the driver answered; unchanged when the request did not reach it.
+// Reads an attribute from an interface of the driver. `size`: in the buffer's bytes, out the size that
+// the driver reports; unchanged when the request did not reach the driver.
 template <class Interface>
 void readFromDriver(Interface& device, tAttributeId attribute, void* buffer, uint32_t& size,
                     nZOAPALS100::tStatus& status) noexcept {
   device.getAttribute(attribute.value(), addressOf(buffer), size, status);
 }
 
-// The same for an unsigned attribute.
+// As above, for an unsigned attribute.
 template <class Interface>
 void readFromDriver(Interface& device, tAttributeId attribute, uint32_t& value,
                     nZOAPALS100::tStatus& status) noexcept {
@@ -40,7 +40,7 @@ void readFromDriver(Interface& device, tAttributeId attribute, uint32_t& value,
   readFromDriver(device, attribute, &value, size, status);
 }
 
-// Hands a value of `size` bytes to an interface of the driver.
+// Writes a value of `size` bytes to an interface of the driver.
 template <class Interface>
 void writeToDriver(Interface& device, tAttributeId attribute, const void* value, int32_t size,
                    zoerr::Status& status) noexcept {

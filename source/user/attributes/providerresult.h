@@ -7,9 +7,9 @@
 
 namespace nQUENRA1400 {
 
-// Takes over the result of a read from the SMBIOS provider: no such string and no such field are
-// kAttributeNotSupported, a short buffer is kBufferTooSmall. Any other result leaves the status as
-// it is: a malformed field reads as nothing, without an error.
+// Merges the result of a read from the SMBIOS provider: an absent string or field becomes
+// kAttributeNotSupported, a short buffer kBufferTooSmall. Other results leave the status unchanged: a
+// malformed field is no error, and reads as nothing.
 void mergeProviderResult(int32_t result, zoerr::Status& status) noexcept;
 
 }  // namespace nQUENRA1400

@@ -9,8 +9,8 @@
 
 namespace nQUENRA1400 {
 
-// A text of the SMBIOS table, read whole. No string that the provider gives has more than
-// kLongestString characters, so that the text has room on the stack and nothing is allocated.
+// A complete text of the SMBIOS table. The provider returns no string of more than kLongestString
+// characters, so that the text fits on the stack and nothing is allocated.
 class tProviderText {
  public:
   tProviderText(nZOSMBIOS_1_1::cZoSmBiosProvider& provider, nZOSMBIOS_1_1::tFieldId field,
@@ -21,7 +21,7 @@ class tProviderText {
     result_ = status.code;
   }
 
-  // The provider's code: 0 when the text has been read, else there is none.
+  // The provider's code: 0 when the text has been read; else the text is empty.
   [[nodiscard]] int32_t result() const noexcept { return result_; }
   [[nodiscard]] std::string_view view() const noexcept { return characters_.data(); }
 

@@ -37,7 +37,7 @@ constexpr std::string_view kNotApplicable = "Not Applicable";
 constexpr uint32_t kFirmwareVersionNumber = 4;
 constexpr uint32_t kGenerationWithIdentifier = 7;
 
-// Sizes of the layers below have 32 bits: a larger buffer is as good as the largest.
+// The layers below take sizes of 32 bits, more than any text needs.
 uint32_t saturated(uint64_t size) noexcept {
   return static_cast<uint32_t>(std::min<uint64_t>(size, std::numeric_limits<uint32_t>::max()));
 }
@@ -147,7 +147,7 @@ void tTextReading::readOrdinaryRow(const tTextRow& row) const noexcept {
   }
 }
 
-// True when the caller's buffer holds the text.
+// True when the text has been read into the caller's buffer.
 bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
   uint32_t size = saturated(*size_);
   tStatus result;
@@ -162,7 +162,7 @@ bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
   return result.code == 0;
 }
 
-// A text that stands for none is not left behind as if it were one.
+// Reports that the attribute is not supported, and removes the text that means so from the buffer.
 void tTextReading::refuseText(const tSourceLocation& location) const noexcept {
   buffer_[0] = '\0';
   status_.set(kAttributeNotSupported, location);
@@ -211,7 +211,7 @@ void tTextReading::readNormalised(tFieldId field, uint32_t instance,
   const tProviderText text(access_.provider, field, instance);
   mergeProviderResult(text.result(), status_);
   if (text.result() == 0) {
-    // A text that is there answers for itself alone: a warning from before is dropped.
+    // The outcome is that of this read alone: drops an earlier warning.
     status_.clear();
     deliver(tNormalisedText(text.view(), segments).view());
   }

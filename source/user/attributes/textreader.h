@@ -8,9 +8,8 @@
 
 namespace nQUENRA1400 {
 
-// Reads a text attribute into the caller's buffer; what QUENRA_getAttributeUTF8 says holds. Without
-// a size the field of an ordinary attribute is not read. Does nothing when the status holds an
-// error.
+// Reads a text attribute into the caller's buffer by the contract of QUENRA_getAttributeUTF8. Reads no
+// field of an ordinary attribute when `size` is null. Does nothing when the status holds an error.
 void readTextAttribute(const tAttributeAccess& access, uint32_t attribute, char* buffer,
                        uint64_t* size, zoerr::Status& status) noexcept;
 

@@ -11,16 +11,16 @@
 
 namespace nQUENRA1400 {
 
-// What is done with the field of a text attribute.
+// The treatment of a text attribute's field.
 enum class tTextRule : uint8_t {
   asItIs,
   applicable,            // "Not Applicable" is not supported
   unlikeBiosVersion,     // a text that repeats the BIOS version is not supported
-  onLaterPlatforms,      // only from platform generation 7 on, and "Not Applicable" as above
+  onLaterPlatforms,      // as `applicable`, from platform generation 7 on
   ofMemoryModule,        // the instance is a populated memory module
-  normalised,            // a location, its leading group given two digits
-  normalisedList,        // ... of a list
-  normalisedGroupsList,  // ... of a list, each entry being locations separated by commas
+  normalised,            // a location whose leading group is padded to two digits
+  normalisedList,        // a list of such locations
+  normalisedGroupsList,  // a list whose entries are such locations separated by commas
 };
 
 struct tTextRow {
@@ -71,7 +71,7 @@ inline constexpr tTextRow kRows[] = {
 
 }  // namespace nTextTable
 
-// Null for an attribute that is not in the table.
+// Null for an attribute that the table does not have.
 [[nodiscard]] constexpr const tTextRow* findTextRow(uint32_t attribute) noexcept {
   const auto* row = std::find_if(
       std::begin(nTextTable::kRows), std::end(nTextTable::kRows),

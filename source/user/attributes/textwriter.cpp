@@ -21,7 +21,7 @@ constexpr auto kTextTooLong = sessionLocation(2658);
 constexpr auto kWritable = byteField(0x9D, 0x04);
 constexpr auto kWriteProtection = byteField(0x9D, 0x05);
 
-// A text and how it travels: with its NUL.
+// A text and the size that the driver receives, its NUL included.
 constexpr size_t kLargestText = 256;
 struct tText {
   const char* characters;
@@ -57,7 +57,7 @@ void writeToMarten(const tAttributeAccess& access, tAttributeId attribute, const
   }
 }
 
-// The controller first; what it does not take is offered to the Marten interface.
+// Writes to the controller interface; an attribute that it does not support, to the Marten interface.
 void writeToEither(const tAttributeAccess& access, tAttributeId attribute, const tText& text,
                    zoerr::Status& status) noexcept {
   writeToController(access, attribute, text, status);
@@ -67,8 +67,8 @@ void writeToEither(const tAttributeAccess& access, tAttributeId attribute, const
   }
 }
 
-// Both, unless the Marten interface alone is selected. That it does not take the value is no
-// failure; that the controller does not is one.
+// Writes to both interfaces, or with the Marten's selector to the Marten interface alone. A Marten
+// interface that does not support the attribute is no failure; a controller interface is.
 void writeToBoth(const tAttributeAccess& access, tAttributeId attribute, const tText& text,
                  zoerr::Status& status) noexcept {
   if (!attribute.selectsMarten()) {

@@ -8,7 +8,7 @@
 
 namespace nQUENRA1400 {
 
-// Writes a text attribute; what QUENRA_setAttributeUTF8 says holds. Does nothing when the status
+// Writes a text attribute by the contract of QUENRA_setAttributeUTF8. Does nothing when the status
 // holds an error.
 void writeTextAttribute(const tAttributeAccess& access, uint32_t attribute, const char* text,
                         zoerr::Status& status) noexcept;

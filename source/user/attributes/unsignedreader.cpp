@@ -74,7 +74,7 @@ class tUnsignedReading {
   [[nodiscard]] Number readNumber(int32_t (cZoSmBiosProvider::*read)(tFieldId, uint32_t, Number*),
                                   tFieldId field, uint32_t instance) const noexcept;
   void deliver(tUnsignedRule rule, uint32_t value) const noexcept;
-  void askMartenInstead() const noexcept;
+  void readFromMartenInstead() const noexcept;
 
   const tAttributeAccess& access_;
   const tAttributeId attribute_;
@@ -171,7 +171,7 @@ void tUnsignedReading::readFieldRow(const tUnsignedRow& row) const noexcept {
   }
   const uint32_t value = readField(row.field, instance);
   if (row.rule == tUnsignedRule::platformRevision) {
-    // A revision without its base is not one.
+    // Without its base the revision is not available.
     static_cast<void>(readField(kRevisionBase, instance));
   }
   deliver(row.rule, value);
@@ -206,7 +206,7 @@ Number tUnsignedReading::readNumber(int32_t (cZoSmBiosProvider::*read)(tFieldId,
   return number;
 }
 
-// 0 when the field cannot be read, of which a malformed one is no error.
+// 0 when the field cannot be read. A malformed field is not reported as an error.
 uint32_t tUnsignedReading::readField(tFieldId field, uint32_t instance) const noexcept {
   if (status_.isError()) {
     return 0;
@@ -224,11 +224,11 @@ uint32_t tUnsignedReading::readField(tFieldId field, uint32_t instance) const no
   return 0;
 }
 
-// The end of every read from the table: the row's rule, or where the table gave no value, the value
-// that the driver's second interface may have.
+// Ends every read from the table: applies the row's rule or, when the field could not be read, reads
+// the attribute from the Marten interface.
 void tUnsignedReading::deliver(tUnsignedRule rule, uint32_t value) const noexcept {
   if (status_.isError()) {
-    askMartenInstead();
+    readFromMartenInstead();
   } else if (rule == tUnsignedRule::platformRevision &&
              std::find(std::begin(kPlatformRevisions), std::end(kPlatformRevisions), value) ==
                  std::end(kPlatformRevisions)) {
@@ -238,11 +238,11 @@ void tUnsignedReading::deliver(tUnsignedRule rule, uint32_t value) const noexcep
   }
 }
 
-void tUnsignedReading::askMartenInstead() const noexcept {
+void tUnsignedReading::readFromMartenInstead() const noexcept {
   if (attribute_.instance() != 0 || !access_.martenIsOpen) {
     return;
   }
-  // A record of its own: the session's holds the error that led here.
+  // A record of its own: with the error in the session's record, the proxy would send nothing.
   tStatus driver;
   uint32_t answer = 0;
   readFromDriver(access_.marten, attribute_, answer, driver);

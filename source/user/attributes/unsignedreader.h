@@ -8,7 +8,7 @@
 
 namespace nQUENRA1400 {
 
-// Reads an unsigned attribute; what QUENRA_getAttributeU32 says holds. Does nothing when the status
+// Reads an unsigned attribute by the contract of QUENRA_getAttributeU32. Does nothing when the status
 // holds an error.
 void readUnsignedAttribute(const tAttributeAccess& access, uint32_t attribute, uint32_t& value,
                            zoerr::Status& status) noexcept;

@@ -11,9 +11,9 @@
 
 namespace nQUENRA1400 {
 
-// Where an unsigned attribute comes from and what is done with it.
+// The source of an unsigned attribute and the treatment of its value.
 enum class tUnsignedRule : uint8_t {
-  // A field of the SMBIOS table. When it cannot be read, an open Marten interface is asked instead.
+  // A field of the SMBIOS table. When it cannot be read, the value comes from an open Marten interface.
   asItIs,
   ofMemoryModule,    // the instance is a populated memory module
   ofList,            // the instance is a position in a list
@@ -26,7 +26,7 @@ enum class tUnsignedRule : uint8_t {
   memoryModuleCount,
   firmwareUpdateSupport,
   interfacesPresent,
-  // Asked of the driver's controller interface; there is but instance 0.
+  // Read from the driver's controller interface; instance 0 only.
   driver,
 };
 
@@ -35,7 +35,7 @@ struct tUnsignedRow {
   tUnsignedRule rule;
   nZOSMBIOS_1_1::tFieldId field = 0;  // of the rules that read a field
   const tListSource* list = nullptr;
-  uint32_t instanceLine = 0;  // where an instance other than 0 is refused
+  uint32_t instanceLine = 0;  // of the failure of an instance other than 0
 };
 
 namespace nUnsignedTable {
@@ -81,7 +81,7 @@ inline constexpr tUnsignedRow kRows[] = {
 
 }  // namespace nUnsignedTable
 
-// Null for an attribute that is not in the table.
+// Null for an attribute that the table does not have.
 [[nodiscard]] constexpr const tUnsignedRow* findUnsignedRow(uint32_t attribute) noexcept {
   const auto* row = std::find_if(
       std::begin(nUnsignedTable::kRows), std::end(nUnsignedTable::kRows),

@@ -8,7 +8,7 @@
 
 namespace nQUENRA1400 {
 
-// Writes an unsigned attribute; what QUENRA_setAttributeU32 says holds. Does nothing when the status
+// Writes an unsigned attribute by the contract of QUENRA_setAttributeU32. Does nothing when the status
 // holds an error.
 void writeUnsignedAttribute(const tAttributeAccess& access, uint32_t attribute, uint32_t value,
                             zoerr::Status& status) noexcept;

@@ -19,16 +19,17 @@ using tController = nZOAPAL000::iInterfaceProxy_hostController;
 
 constexpr auto kTableSizeNegative = sessionLocation(301);
 
-// No machine has as large a table; a driver that says so is not worth the memory.
-constexpr uint32_t kLargestSize = 1u << 24;
+// No machine has a table or a version text as large: a larger size is reported as out of memory.
+constexpr uint32_t kMaxSize = 1u << 24;
 
 struct tSizes {
   uint32_t text = 0;
   int32_t table = 0;
 };
 
-// The first call is expected to end in an error, which is nobody's failure.
-tSizes askForSizes(tController& controller, zoerr::Status& status) noexcept {
+// Queries the sizes of text and table. The driver answers the query, which offers no buffers, with
+// DRIVER_STATUS_BUFFER_TOO_SMALL: that is no failure.
+tSizes querySizes(tController& controller, zoerr::Status& status) noexcept {
   tSizes sizes;
   tStatus driver = recordFor(status);
   controller.exchangeValues(0, sizes.text, 0, sizes.table, driver);
@@ -39,49 +40,50 @@ tSizes askForSizes(tController& controller, zoerr::Status& status) noexcept {
   return sizes;
 }
 
-// What is not believed is asked for as what there never is, to be told like any memory that is short.
+// Reports an implausible size as out of memory without allocating.
 nZOAPAL000::tByteBuffer allocate(uint32_t bytes, tStatus& status) noexcept {
-  return nZOAPAL000::allocateZeroedBytes(bytes > kLargestSize ? SIZE_MAX : bytes, status);
+  return nZOAPAL000::allocateZeroedBytes(bytes > kMaxSize ? SIZE_MAX : bytes, status);
 }
 
-// What the driver says it has filled counts only as far as it was given room.
-size_t filled(uint32_t answered, size_t room) noexcept {
-  return std::min<size_t>(answered, room);
+// The bytes that the driver can have filled when it reports `reported`.
+size_t filled(uint32_t reported, size_t capacity) noexcept {
+  return std::min<size_t>(reported, capacity);
 }
 
 }  // namespace
 
 void installSmbiosTable(tController& controller, nZOSMBIOS_1_1::cZoSmBiosProvider& provider,
                         zoerr::Status& status) noexcept {
-  const tSizes room = askForSizes(controller, status);
+  const tSizes capacity = querySizes(controller, status);
   if (status.isError()) {
     return;
   }
-  if (room.table < 0) {
+  if (capacity.table < 0) {
     status.set(nZOAPALS100::kMemoryFull, kTableSizeNegative);
     return;
   }
-  const auto tableRoom = static_cast<uint32_t>(room.table);
+  const auto tableCapacity = static_cast<uint32_t>(capacity.table);
   tStatus allocation;
-  // What a driver leaves out although it says to have filled it is nothing, not old memory; and what
-  // it promises and does not keep costs nothing.
-  const auto text = allocate(room.text, allocation);
-  const auto table = allocate(tableRoom, allocation);
+  // Zeroed: a driver that fills less than it reports must not expose heap contents. Zeroed pages that
+  // the driver does not fill take no memory.
+  const auto text = allocate(capacity.text, allocation);
+  const auto table = allocate(tableCapacity, allocation);
   status.mergeFrom(allocation);
   if (status.isError()) {
     return;
   }
 
-  tSizes answered = room;
+  tSizes reported = capacity;
   tStatus driver = recordFor(status);
-  controller.exchangeValues(addressOf(text.get()), answered.text, addressOf(table.get()),
-                            answered.table, driver);
+  controller.exchangeValues(addressOf(text.get()), reported.text, addressOf(table.get()),
+                            reported.table, driver);
   if (driver.isError()) {
     provider.clear();
   } else {
     const void* const version = text.get();
-    provider.install({table.get(), filled(std::bit_cast<uint32_t>(answered.table), tableRoom)},
-                     {static_cast<const char*>(version), filled(answered.text, room.text)}, driver);
+    provider.install({table.get(), filled(std::bit_cast<uint32_t>(reported.table), tableCapacity)},
+                     {static_cast<const char*>(version), filled(reported.text, capacity.text)},
+                     driver);
   }
   status.mergeFrom(driver);
 }

@@ -7,9 +7,9 @@
 
 namespace nQUENRA1400 {
 
-// Fetches the SMBIOS table and version from the driver and installs them in the provider. Reports
-// the driver's code, or kMemoryFull. When the driver gave sizes but then no table, the provider has
-// none; after any earlier failure it keeps what it had.
+// Fetches the SMBIOS table and version from the driver and installs them in the provider. Reports the
+// driver's code, or kMemoryFull. When the driver reports sizes and then fails, the provider loses its
+// table; after any earlier failure it keeps its table.
 void installSmbiosTable(nZOAPAL000::iInterfaceProxy_hostController& controller,
                         nZOSMBIOS_1_1::cZoSmBiosProvider& provider, zoerr::Status& status) noexcept;
 

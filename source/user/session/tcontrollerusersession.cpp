@@ -24,15 +24,15 @@ constexpr auto kNoControllerInterface = sessionLocation(222);
 constexpr auto kSecondControllerInterface = sessionLocation(242);
 constexpr auto kSecondMartenInterface = sessionLocation(273);
 constexpr auto kPlatformUnknown = sessionLocation(355);
-constexpr auto kPlatformNotServed = sessionLocation(368);
-constexpr auto kModelNotServed = sessionLocation(380);
+constexpr auto kPlatformNotSupported = sessionLocation(368);
+constexpr auto kModelNotSupported = sessionLocation(380);
 
 constexpr auto kPlatformGeneration = byteField(0x96, 0x04);
 constexpr auto kPlatformVariant = byteField(0x96, 0x05);
-constexpr uint8_t kFirstServedGeneration = 2;
-constexpr uint8_t kFirstVariantNotServed = 3;
+constexpr uint8_t kFirstSupportedGeneration = 2;
+constexpr uint8_t kFirstUnsupportedVariant = 3;
 
-// Opens the device on the iterator's interface, which has to be the only one of its class.
+// Opens the device on the iterator's interface. A second interface of the class is an error.
 void openOnly(tDeviceInterfaceIterator& interfaces, tDeviceInterfaceProxy& device,
               const tSourceLocation& second, zoerr::Status& status) noexcept {
   tStatus opening;
@@ -73,7 +73,7 @@ void tControllerUserSession::openControllerInterface(zoerr::Status& status) noex
   if (status.isError()) {
     return;
   }
-  // Interfaces that cannot be listed are as good as none.
+  // An interface class that cannot be listed counts as absent.
   tStatus listing;
   tDeviceInterfaceIterator interfaces(kControllerInterfaceClass, listing);
   if (interfaces.isEnd()) {
@@ -104,14 +104,14 @@ void tControllerUserSession::checkPlatform(zoerr::Status& status) noexcept {
   if (provider_.readByte(kPlatformGeneration, 0, &generation) != 0 ||
       provider_.readByte(kPlatformVariant, 0, &variant) != 0) {
     status.set(kNoController, kPlatformUnknown);
-  } else if (generation < kFirstServedGeneration || variant >= kFirstVariantNotServed) {
-    status.set(kNoController, kPlatformNotServed);
+  } else if (generation < kFirstSupportedGeneration || variant >= kFirstUnsupportedVariant) {
+    status.set(kNoController, kPlatformNotSupported);
   }
 }
 
 void tControllerUserSession::checkModel(zoerr::Status& status) noexcept {
   if (!status.isError() && !IsOutsideModelFamilies(provider_)) {
-    status.set(kNoController, kModelNotServed);
+    status.set(kNoController, kModelNotSupported);
   }
 }
 

@@ -14,13 +14,13 @@
 
 namespace nQUENRA1400 {
 
-// The one object behind every valid handle. Made, counted and destroyed under the lock of the
-// exports; reads and writes change nothing in it and may run concurrently.
+// The one object that every valid handle refers to. The exports create, count and destroy it under
+// their lock; reads and writes change nothing in it and may run concurrently.
 class tControllerUserSession {
  public:
-  // Opens the driver's interfaces, installs the machine's SMBIOS table in the provider and checks
-  // that the library serves the machine. A session whose construction reported an error holds no
-  // open interface and is to be destroyed. The provider is referred to and outlives the session.
+  // Opens the driver's interfaces, installs the machine's SMBIOS table in the provider and checks that
+  // the library supports the machine. After an error no interface is open, and the caller destroys
+  // the session. The provider must outlive the session.
   tControllerUserSession(nZOSMBIOS_1_1::cZoSmBiosProvider& provider,
                          zoerr::Status& status) noexcept;
   tControllerUserSession(const tControllerUserSession&) = delete;
@@ -28,14 +28,14 @@ class tControllerUserSession {
   ~tControllerUserSession();
 
   void addReference() noexcept { ++referenceCount_; }
-  // True when that was the last one, and the session is to be destroyed.
+  // True when the last reference was dropped: the caller destroys the session.
   [[nodiscard]] bool dropReference() noexcept { return --referenceCount_ == 0; }
 
   void readText(uint32_t attribute, char* buffer, uint64_t* size, zoerr::Status& status) noexcept;
   void readUnsigned(uint32_t attribute, uint32_t& value, zoerr::Status& status) noexcept;
   void writeText(uint32_t attribute, const char* text, zoerr::Status& status) noexcept;
   void writeUnsigned(uint32_t attribute, uint32_t value, zoerr::Status& status) noexcept;
-  // Throws what updateFirmware of update/firmwareupdate.h throws.
+  // Throws the exceptions of updateFirmware in update/firmwareupdate.h.
   void updateFirmware(const void* image, uint64_t imageSize, uint32_t flags, zoerr::Status& status);
 
  private:
