@@ -16,8 +16,8 @@ class TextAttribute : public ContractTest {
 
 struct tTextCase {
   uint32_t attribute;
-  uint8_t structure;  // the structure that the text is in
-  uint8_t offset;     // ... and where in it
+  uint8_t structure;  // the type of the text's structure
+  uint8_t offset;     // of the text in the structure
   const char* value;
 };
 void PrintTo(const tTextCase& row, std::ostream* out) {
@@ -26,7 +26,7 @@ void PrintTo(const tTextCase& row, std::ostream* out) {
 
 class TextTable : public TextAttribute, public testing::WithParamInterface<tTextCase> {
  protected:
-  // A machine whose product name cannot be read is not served, and does not open.
+  // A machine whose product name cannot be read is not supported, and does not open.
   bool opensOn(const tReferenceTable& table) {
     if (GetParam().structure != 0x01 || GetParam().offset > 0x05) {
       openOn(table);
@@ -62,14 +62,14 @@ TEST_P(TextTable, WithAnUnknownSelector_ReadsItsField) {
   EXPECT_EQ(readText(GetParam().attribute | 0x00300000), text(GetParam().value));
 }
 
-TEST_P(TextTable, InABufferThatJustFits_ReadsItsField) {
+TEST_P(TextTable, InABufferOfTheSizeNeeded_ReadsItsField) {
   usePresence(1, 0);
   open();
   const uint64_t needed = std::string_view(GetParam().value).size() + 1;
   EXPECT_EQ(readText(GetParam().attribute, needed), (tTextRead{0, GetParam().value, needed}));
 }
 
-TEST_P(TextTable, InABufferOneByteTooSmall_TellsTheSizeNeeded) {
+TEST_P(TextTable, InABufferOneByteTooSmall_ReportsTheSizeNeeded) {
   usePresence(1, 0);
   open();
   const uint64_t needed = std::string_view(GetParam().value).size() + 1;
@@ -78,7 +78,7 @@ TEST_P(TextTable, InABufferOneByteTooSmall_TellsTheSizeNeeded) {
   EXPECT_EQ(read.size, needed);
 }
 
-TEST_P(TextTable, WithSizeZeroAndNoBuffer_TellsTheSizeNeeded) {
+TEST_P(TextTable, WithSizeZeroAndNoBuffer_ReportsTheSizeNeeded) {
   usePresence(1, 0);
   open();
   uint64_t size = 0;
@@ -106,7 +106,7 @@ TEST_P(TextTable, WithASizeBeyond32Bits_ReadsItsField) {
   EXPECT_EQ(size, (uint64_t{1} << 32) + 1);
 }
 
-TEST_P(TextTable, WhoseStringIsAbsent_IsNotSupported) {
+TEST_P(TextTable, WithoutItsString_IsNotSupported) {
   usePresence(1, 0);
   tReferenceTable table;
   table.structure(GetParam().structure).byte(GetParam().offset, 0);
@@ -118,7 +118,7 @@ TEST_P(TextTable, WhoseStringIsAbsent_IsNotSupported) {
   EXPECT_EQ(read.size, kUntouchedSize);
 }
 
-TEST_P(TextTable, WhoseStringNumberLeavesTheSet_ReadsAsNothing) {
+TEST_P(TextTable, WithAStringNumberBeyondTheSet_ReadsAsNothing) {
   usePresence(1, 0);
   tReferenceTable table;
   table.structure(GetParam().structure).byte(GetParam().offset, 99);
@@ -128,7 +128,7 @@ TEST_P(TextTable, WhoseStringNumberLeavesTheSet_ReadsAsNothing) {
   EXPECT_EQ(readText(GetParam().attribute), noText(0));
 }
 
-TEST_P(TextTable, WhoseStructureIsTooShort_IsNotSupported) {
+TEST_P(TextTable, WithAStructureThatIsTooShort_IsNotSupported) {
   usePresence(1, 0);
   const tTextCase& row = GetParam();
   tReferenceTable table;
@@ -159,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(
         tTextCase{0x10038400, 0x9C, 0x04, "platform text 3"},
         tTextCase{0x1006A500, 0xA3, 0x07, "00:b"}, tTextCase{0x1006A600, 0xA3, 0x08, "00:2,03:4"}));
 
-// ---- Sizes that are not given ----
+// ---- Null sizes ----
 
 TEST_F(TextAttribute, OrdinaryWithoutSize_IsNotReadAndNotAnError) {
   open();
@@ -194,7 +194,7 @@ TEST_F(TextAttribute, WithAnUnknownId_IsNotSupported) {
   }
 }
 
-// ---- Texts that stand for none ----
+// ---- Texts that mean that there is none ----
 
 TEST_F(TextAttribute, SerialNumberNotApplicable_IsNotSupportedAndLeavesNoText) {
   tReferenceTable table;
@@ -204,7 +204,7 @@ TEST_F(TextAttribute, SerialNumberNotApplicable_IsNotSupportedAndLeavesNoText) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SERIAL_NUMBER, 14).code, QUENRA_STATUS_BUFFER_TOO_SMALL);
 }
 
-TEST_F(TextAttribute, SerialNumberThatOnlyBeginsLikeIt_IsRead) {
+TEST_F(TextAttribute, SerialNumberThatBeginsWithNotApplicable_IsRead) {
   tReferenceTable table;
   table.structure(0x01).text(0x07, "Not Applicable 2");
   openOn(table);
@@ -264,7 +264,7 @@ TEST_F(TextAttribute, OfASecondPopulatedModule_SkipsTheEmptySocket) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_MEMORY_LOCATOR + 1), text("DIMM 2"));
 }
 
-TEST_F(TextAttribute, OfAModuleThatIsNotThere_IsNotSupported) {
+TEST_F(TextAttribute, OfAnAbsentModule_IsNotSupported) {
   open();
   for (const uint32_t attribute :
        {QUENRA_ATTRIBUTE_MEMORY_MANUFACTURER, QUENRA_ATTRIBUTE_MEMORY_PART_NUMBER,
@@ -309,7 +309,7 @@ TEST_F(TextAttribute, OfAList_BeyondItsCount_IsNotSupported) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS), noText(kNotSupported));
 }
 
-TEST_F(TextAttribute, OfAList_BeyondTheStructuresRoom_IsNotSupported) {
+TEST_F(TextAttribute, OfAList_BeyondTheStructuresCapacity_IsNotSupported) {
   tReferenceTable table;
   table.structure(0x98).byte(0x04, 10);
   table.structure(0xA3).byte(0x06, 10);
@@ -354,7 +354,7 @@ class TextFromMarten : public TextAttribute {
   }
 };
 
-TEST_F(TextFromMarten, FirmwareVersion_IsAskedOfAnOpenMarten) {
+TEST_F(TextFromMarten, FirmwareVersion_IsReadFromAnOpenMarten) {
   open();
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{0, "M-9.8", 6}));
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN),
@@ -385,14 +385,14 @@ TEST_F(TextFromMarten, OtherTextsSelectedOnAnOpenMarten_ComeFromTheTable) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PRODUCT_NAME | QUENRA_SELECTOR_MARTEN), text("BW-8135"));
 }
 
-TEST_F(TextFromMarten, InABufferThatIsTooSmall_TellsTheSizeNeeded) {
+TEST_F(TextFromMarten, InABufferThatIsTooSmall_ReportsTheSizeNeeded) {
   open();
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 5),
             (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "untou", 6}));
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 6), (tTextRead{0, "M-9.8", 6}));
 }
 
-TEST_F(TextFromMarten, WithSizeZeroAndNoBuffer_TellsTheSizeNeeded) {
+TEST_F(TextFromMarten, WithSizeZeroAndNoBuffer_ReportsTheSizeNeeded) {
   open();
   uint64_t size = 0;
   EXPECT_EQ(
@@ -410,7 +410,7 @@ TEST_F(TextFromMarten, WithASizeButNoBuffer_FailsWithInvalidParameter) {
   EXPECT_EQ(size, 100u);
 }
 
-TEST_F(TextFromMarten, DriversWarning_IsReturnedWithTheText) {
+TEST_F(TextFromMarten, DriverWarning_IsReturnedWithTheText) {
   open();
   tSimulatorScript script{};
   script.interfaceKind = kSimulatorInterfaceMarten;
@@ -449,7 +449,7 @@ TEST_F(TextFromMarten, RefusedByTheDriver_LeavesTheSize) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), noText(kNotSupported));
 }
 
-TEST_F(TextFromMarten, RequestThatFails_GivesTheMappedCodeAndLeavesTheSize) {
+TEST_F(TextFromMarten, FailedRequest_ReturnsTheMappedCodeAndLeavesTheSize) {
   open();
   tSimulatorScript script{};
   script.interfaceKind = kSimulatorInterfaceMarten;

@@ -35,7 +35,7 @@ class UnsignedTable : public UnsignedAttribute, public testing::WithParamInterfa
     UnsignedAttribute::SetUp();
     usePresence(1, 0);
   }
-  // Some fields decide whether a machine is served at all: without them it does not open.
+  // A machine without the fields that identify it is not supported, and does not open.
   bool opensOn(const tReferenceTable& table) {
     useTable(table);
     uint64_t handle = 0;
@@ -70,7 +70,7 @@ TEST_P(UnsignedTable, WithoutValuePointer_FailsWithInvalidParameter) {
             QUENRA_STATUS_INVALID_PARAMETER);
 }
 
-TEST_P(UnsignedTable, WhoseStructureIsTooShort_IsNotSupported) {
+TEST_P(UnsignedTable, WithAStructureThatIsTooShort_IsNotSupported) {
   tReferenceTable table;
   table.structure(GetParam().structure).cutTo(GetParam().offset);
   if (!opensOn(table)) {
@@ -79,14 +79,14 @@ TEST_P(UnsignedTable, WhoseStructureIsTooShort_IsNotSupported) {
   EXPECT_EQ(readUnsigned(GetParam().attribute), noValue(kNotSupported));
 }
 
-TEST_P(UnsignedTable, WhoseStructureIsAbsent_IsNotSupported) {
+TEST_P(UnsignedTable, WithoutItsStructure_IsNotSupported) {
   if (!opensOn(tReferenceTable().remove(GetParam().structure))) {
     return;
   }
   EXPECT_EQ(readUnsigned(GetParam().attribute), noValue(kNotSupported));
 }
 
-TEST_P(UnsignedTable, WhoseStructureIsCutOff_ReadsAsNothing) {
+TEST_P(UnsignedTable, WithAStructureThatTheTableCutsOff_ReadsAsNothing) {
   const uint8_t type = GetParam().structure;
   std::vector<uint8_t> bytes = tReferenceTable().remove(type).build();
   bytes.insert(bytes.end(), {type, 0xFF, 0x00, 0x00, 0x04, 0x05});
@@ -96,7 +96,7 @@ TEST_P(UnsignedTable, WhoseStructureIsCutOff_ReadsAsNothing) {
   if (type == 0x96) {
     EXPECT_EQ(code, QUENRA_STATUS_NO_CONTROLLER);
   } else if (type == 0x11) {
-    // The array promises four devices, and there is but this one.
+    // The array counts four devices, and this is the only one.
     EXPECT_EQ(code, QUENRA_STATUS_NOT_SUPPORTED);
   } else {
     EXPECT_EQ(code, 0);
@@ -149,7 +149,7 @@ TEST_F(UnsignedAttribute, OfASecondPopulatedModule_SkipsTheEmptySocket) {
   EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_MEMORY_SIZE + 1), value(0x2002));
 }
 
-TEST_F(UnsignedAttribute, OfAModuleThatIsNotThere_IsNotSupported) {
+TEST_F(UnsignedAttribute, OfAnAbsentModule_IsNotSupported) {
   open();
   for (const uint32_t attribute :
        {QUENRA_ATTRIBUTE_MEMORY_TYPE, QUENRA_ATTRIBUTE_MEMORY_SPEED,
@@ -181,7 +181,7 @@ TEST_F(UnsignedAttribute, OfAList_IsReadByPosition) {
   }
 }
 
-TEST_F(UnsignedAttribute, OfAList_BeyondItsCountOrRoom_IsNotSupported) {
+TEST_F(UnsignedAttribute, OfAList_BeyondItsCountOrCapacity_IsNotSupported) {
   tReferenceTable table;
   table.structure(0x98).byte(0x04, 10);
   openOn(table);
@@ -189,7 +189,7 @@ TEST_F(UnsignedAttribute, OfAList_BeyondItsCountOrRoom_IsNotSupported) {
   EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_SLOT_NUMBER + 10), noValue(kNotSupported));
 }
 
-TEST_F(UnsignedAttribute, OfAnEmptyList_IsNotSupportedEvenWithMarten) {
+TEST_F(UnsignedAttribute, OfAnEmptyList_IsNotSupportedAlsoWithMarten) {
   tReferenceTable table;
   table.structure(0x98).byte(0x04, 0);
   machine().setAttributeU32(kSimulatorInterfaceMarten, QUENRA_ATTRIBUTE_SLOT_NUMBER, 77);
@@ -264,7 +264,7 @@ struct tKindCase {
 };
 class NamedKind : public UnsignedAttribute, public testing::WithParamInterface<tKindCase> {};
 
-TEST_P(NamedKind, IsANumberForATextAndOtherForTheRest) {
+TEST_P(NamedKind, ByText_IsItsNumberOrOther) {
   tReferenceTable table;
   table.structure(GetParam().structure).text(0x04, GetParam().name);
   openOn(table);
@@ -299,7 +299,7 @@ INSTANTIATE_TEST_SUITE_P(Bytes, UpdateSupport,
                                          tSupportCase{255, 1, 1}, tSupportCase{1, 2, 0},
                                          tSupportCase{0, 0, 0}, tSupportCase{0, 2, 0}));
 
-TEST_F(UnsignedAttribute, UpdateSupportThatCannotBeRead_FailsWithNoController) {
+TEST_F(UnsignedAttribute, UnreadableUpdateSupport_FailsWithNoController) {
   tReferenceTable table;
   table.structure(0x9E).cutTo(0x05);
   machine().setAttributeU32(kSimulatorInterfaceMarten, QUENRA_ATTRIBUTE_FIRMWARE_UPDATE_SUPPORT, 1);
@@ -315,7 +315,7 @@ TEST_F(UnsignedAttribute, UpdateSupportWithAnInstance_IsNotSupported) {
 
 // ---- Interfaces present ----
 
-TEST_F(UnsignedAttribute, InterfacesPresent_TellsWhetherMartenIsOpen) {
+TEST_F(UnsignedAttribute, InterfacesPresent_IncludeAnOpenMarten) {
   {
     const tOpenController controller;
     EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_INTERFACES_PRESENT), value(0x300000));
@@ -325,7 +325,7 @@ TEST_F(UnsignedAttribute, InterfacesPresent_TellsWhetherMartenIsOpen) {
   EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_INTERFACES_PRESENT), value(0x100000));
 }
 
-// ---- Asked of the controller interface ----
+// ---- Read from the controller interface ----
 
 class FromController : public UnsignedAttribute, public testing::WithParamInterface<uint32_t> {
  protected:
@@ -340,21 +340,21 @@ TEST_P(FromController, IsTheDriversValue) {
   EXPECT_EQ(readUnsigned(GetParam()), value(0x01020304));
 }
 
-TEST_P(FromController, WithAnInstance_IsNotSupportedAndNotAsked) {
+TEST_P(FromController, WithAnInstance_IsNotSupportedAndSendsNoRequest) {
   open();
   machine().clearLog();
   EXPECT_EQ(readUnsigned(GetParam() + 1), noValue(kNotSupported));
   EXPECT_TRUE(requests(REQUEST_GET_ATTRIBUTE).empty());
 }
 
-TEST_P(FromController, RefusedByTheDriver_IsNotAskedOfMarten) {
+TEST_P(FromController, RefusedByTheDriver_IsNotReadFromMarten) {
   machine().removeAttribute(kSimulatorInterfaceController, GetParam());
   machine().setAttributeU32(kSimulatorInterfaceMarten, GetParam(), 5);
   open();
   EXPECT_EQ(readUnsigned(GetParam()), noValue(kNotSupported));
 }
 
-TEST_P(FromController, WithADriversWarning_ReturnsItWithTheValue) {
+TEST_P(FromController, WithADriverWarning_ReturnsItWithTheValue) {
   open();
   tSimulatorScript script{};
   script.interfaceKind = kSimulatorInterfaceController;
@@ -369,7 +369,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, FromController,
 
 // ---- Selected on the Marten interface ----
 
-TEST_F(UnsignedAttribute, SelectedOnMarten_IsAskedOfItWhateverTheId) {
+TEST_F(UnsignedAttribute, SelectedOnMarten_IsReadFromItForEveryId) {
   for (const uint32_t attribute :
        {0x2020C800u, 0x20200500u, 0x20213100u, 0x2020AA00u, 0x28200300u}) {
     machine().setAttributeU32(kSimulatorInterfaceMarten, attribute, attribute ^ 0xFF);
@@ -393,7 +393,7 @@ TEST_F(UnsignedAttribute, SelectedOnAClosedMarten_FailsWithNoController) {
   EXPECT_EQ(readUnsigned(0x20210000), noValue(QUENRA_STATUS_NO_CONTROLLER));
 }
 
-TEST_F(UnsignedAttribute, SelectedOnMartenAndRefused_GivesTheDriversCode) {
+TEST_F(UnsignedAttribute, SelectedOnMartenAndRefused_ReturnsTheDriversCode) {
   open();
   machine().removeAttribute(kSimulatorInterfaceMarten, 0x2020C800);
   EXPECT_EQ(readUnsigned(0x2020C800), noValue(kNotSupported));
@@ -411,9 +411,9 @@ void PrintTo(const tFallbackCase& row, std::ostream* out) {
 class MartenInPlaceOfAField : public UnsignedAttribute,
                               public testing::WithParamInterface<tFallbackCase> {
  protected:
-  static constexpr uint32_t kMartensValue = 0xABCDEF99;  // what no rule would let pass
+  static constexpr uint32_t kMartensValue = 0xABCDEF99;  // no rule returns it
 
-  // Opens a machine without the structure on which Marten has the attribute.
+  // Opens a machine without the structure, whose Marten has the attribute.
   void openWithoutStructure(uint32_t martens) {
     tReferenceTable table;
     if (GetParam().structure == 0x11) {
@@ -428,12 +428,12 @@ class MartenInPlaceOfAField : public UnsignedAttribute,
   }
 };
 
-TEST_P(MartenInPlaceOfAField, GivesItsValueAsItIs) {
+TEST_P(MartenInPlaceOfAField, Value_IsReturnedUnchanged) {
   openWithoutStructure(1);
   EXPECT_EQ(readUnsigned(GetParam().attribute), value(kMartensValue));
 }
 
-// The id as the driver receives it, in the first four bytes of the request.
+// The first four bytes of the request are the id.
 TEST_P(MartenInPlaceOfAField, WithASelector_ReceivesTheCompleteId) {
   openWithoutStructure(1);
   for (const uint32_t selector : {uint32_t{QUENRA_SELECTOR_CONTROLLER}, 0x00300000u, 0x00F00000u}) {
@@ -453,7 +453,7 @@ TEST_P(MartenInPlaceOfAField, WhenClosed_LeavesTheError) {
   EXPECT_EQ(readUnsigned(GetParam().attribute), noValue(kNotSupported));
 }
 
-TEST_P(MartenInPlaceOfAField, IsNotAskedForAnotherInstance) {
+TEST_P(MartenInPlaceOfAField, WithAnInstance_ReceivesNoRequest) {
   openWithoutStructure(1);
   machine().clearLog();
   EXPECT_EQ(readUnsigned(GetParam().attribute + 1), noValue(kNotSupported));
@@ -470,7 +470,7 @@ TEST_P(MartenInPlaceOfAField, Refusing_LeavesTheFirstError) {
   EXPECT_EQ(readUnsigned(GetParam().attribute), noValue(kNotSupported));
 }
 
-TEST_P(MartenInPlaceOfAField, IsNotAskedWhenTheFieldIsThere) {
+TEST_P(MartenInPlaceOfAField, WithTheFieldPresent_IsNotRead) {
   machine().setAttributeU32(kSimulatorInterfaceMarten, GetParam().attribute, kMartensValue);
   open();
   const tUnsignedRead read = readUnsigned(GetParam().attribute);
@@ -490,7 +490,7 @@ INSTANTIATE_TEST_SUITE_P(
                     tFallbackCase{0x2003E900, 0x9F}, tFallbackCase{0x2004B000, 0x9D},
                     tFallbackCase{0x2006A400, 0xA3}));
 
-TEST_F(UnsignedAttribute, UnknownOrComputed_IsNeverAskedOfMarten) {
+TEST_F(UnsignedAttribute, UnknownAttributes_AreNotReadFromMarten) {
   for (const uint32_t attribute : {0x20000700u, 0x28000300u}) {
     machine().setAttributeU32(kSimulatorInterfaceMarten, attribute, 5);
   }

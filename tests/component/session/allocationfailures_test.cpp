@@ -1,4 +1,4 @@
-// Every allocation that opening a controller makes, failed in turn.
+// Fails every allocation of QUENRA_openController in turn.
 #include "source/user/exports/tprocessstate.h"
 #include "tests/component/session/sessiontest.h"
 #include "tests/fakewindows/allocationplan.h"
@@ -25,7 +25,7 @@ class AllocationFailures : public SessionTest {
   }
 };
 
-TEST_F(AllocationFailures, EachGivesACodeOfItsKind_LeaksNothing_AndTheNextOpenWorks) {
+TEST_F(AllocationFailures, Each_ReturnsAMemoryCodeWithoutALeakAndTheNextOpenSucceeds) {
   unsigned allocations = 0;
   unsigned ignored = 0;
   ASSERT_EQ(openWithout(0, &ignored), 0);
@@ -48,7 +48,7 @@ TEST_F(AllocationFailures, EachGivesACodeOfItsKind_LeaksNothing_AndTheNextOpenWo
   expectNoLeak();
 }
 
-TEST_F(AllocationFailures, TheFirst_IsTheSessionItself) {
+TEST_F(AllocationFailures, TheFirst_IsOfTheSession) {
   unsigned ignored = 0;
   EXPECT_EQ(openWithout(1, &ignored), QUENRA_STATUS_OUT_OF_MEMORY);
   EXPECT_EQ(faultPlan().callCount(), 0u) << "nothing is opened without a session";
@@ -80,7 +80,7 @@ TEST_F(AllocationFailures, DuringReads_ChangeNoOutcome) {
     EXPECT_EQ(QUENRA_getAttributeU32(handle, QUENRA_ATTRIBUTE_CONTROLLER_KIND, &value), 0);
     EXPECT_EQ(plan.count(), 0u) << "a read allocates nothing";
     EXPECT_EQ(QUENRA_getAttributeU32(handle, 0x20000700, &value), QUENRA_STATUS_NOT_SUPPORTED)
-        << "without memory for a description the code is told all the same";
+        << "the code needs no memory for a description";
   }
   QUENRA_closeController(handle);
 }

@@ -53,14 +53,14 @@ TEST_F(Session, WithoutPlatformBytes_FailsAtLine355) {
   EXPECT_EQ(open(), sessionFailure(-26932, 355));
 }
 
-TEST_F(Session, OnAPlatformNotServed_FailsAtLine368) {
+TEST_F(Session, UnsupportedPlatform_FailsAtLine368) {
   tReferenceTable table;
   table.structure(0x96).byte(0x04, 1);
   useTable(table);
   EXPECT_EQ(open(), sessionFailure(-26932, 368));
 }
 
-TEST_F(Session, OnAModelNotServed_FailsAtLine380) {
+TEST_F(Session, UnsupportedModel_FailsAtLine380) {
   tReferenceTable table;
   table.structure(0x01).text(0x05, "qmod-7105");
   useTable(table);
@@ -72,7 +72,7 @@ TEST_F(Session, WithoutMemoryArray_FailsAtLine2569) {
   EXPECT_EQ(open(), sessionFailure(-26934, 2569));
 }
 
-TEST_F(Session, FailedOpenWithASecondInterface_TellsTheOpensFailure) {
+TEST_F(Session, FailedOpenWithASecondInterface_ReportsTheOpensFailure) {
   usePresence(2, 0);
   faultPlan().reset();
   faultPlan().failCall(tCall::createFile, 1, ERROR_ACCESS_DENIED);
@@ -94,7 +94,7 @@ TEST_F(Session, DevicePathTooLong_FailsAtLine224) {
   EXPECT_EQ(open(), success());
 }
 
-TEST_F(Session, OpeningOnAStatusInError_CallsNothing) {
+TEST_F(Session, StatusWithAnError_MakesNoWindowsCall) {
   nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosWindowsProvider provider;
   zoerr::tOwnedStatus status;
   status.code = -1;
@@ -133,12 +133,12 @@ TEST_F(Session, FirstExchangeFailing_LeavesTheProvidersTable) {
   EXPECT_TRUE(provider.hasTable());
 }
 
-TEST_F(Session, DriverThatPromisesTheMostThatIsBelieved_CostsNoMemory) {
+TEST_F(Session, LargestPlausibleSizesFromTheDriver_TakeNoMemory) {
   if constexpr (kUnderThreadSanitizer) {
-    GTEST_SKIP() << "its books about so much memory are as large";
+    GTEST_SKIP() << "the thread sanitizer keeps as many bytes about an allocation";
   }
-  constexpr long kMostGrowthKib = 16 << 10;  // a checking allocator keeps books about it
-  constexpr uint32_t kPromised = 16 << 20;   // and once more for the version text
+  constexpr long kMaxGrowthKib = 16 << 10;  // for the records of a checking allocator
+  constexpr uint32_t kPromised = 16 << 20;  // for the table, and again for the version text
   const tExchangeValuesReply promise{kPromised, kPromised, DRIVER_STATUS_BUFFER_TOO_SMALL};
   tSimulatorScript script{};
   script.interfaceKind = kSimulatorInterfaceController;
@@ -153,7 +153,7 @@ TEST_F(Session, DriverThatPromisesTheMostThatIsBelieved_CostsNoMemory) {
   EXPECT_EQ(open(), success());
   rusage after{};
   getrusage(RUSAGE_SELF, &after);
-  EXPECT_LT(after.ru_maxrss - before.ru_maxrss, kMostGrowthKib);
+  EXPECT_LT(after.ru_maxrss - before.ru_maxrss, kMaxGrowthKib);
 }
 
 TEST_F(Session, ClosedSession_LeavesTheProvidersTableAndVersion) {

@@ -25,7 +25,7 @@ TEST_F(ProcessState, UnloadingWithAnOpenSession_ClosesNothing) {
   faultPlan().reset();
   state.unload();
   EXPECT_EQ(faultPlan().callCount(), 0u);
-  state.unload();  // the lock is deleted but once
+  state.unload();  // deletes no lock
 
   state.load();
   state.close();
@@ -58,7 +58,7 @@ TEST_F(ProcessState, UnloadedWithoutSession_FreesTheSmbiosTable) {
   expectNoLeak();
 }
 
-TEST_F(ProcessState, LockThatCannotBeMade_IsReportedByTheStartUpState) {
+TEST_F(ProcessState, FailedInitialisationOfTheLock_IsReportedByTheStartUpState) {
   faultPlan().failCall(tCall::initializeCriticalSectionEx, 1, ERROR_NOT_ENOUGH_MEMORY);
   nQUENRA1400::nZOAPAL000::tStartUp startUp;
   nQUENRA1400::tProcessState state(startUp);
@@ -94,19 +94,19 @@ class DevicePathAttribute : public SessionTest {
   }
 };
 
-TEST_F(DevicePathAttribute, ListThatCannotBeMade_IsNoController) {
+TEST_F(DevicePathAttribute, FailedCreationOfTheList_IsNoController) {
   faultPlan().failCall(tCall::setupDiGetClassDevs, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(read(), -26932);
   EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 0u);
 }
 
-TEST_F(DevicePathAttribute, ListThatCannotBeRead_IsNoController) {
+TEST_F(DevicePathAttribute, FailedEnumeration_IsNoController) {
   faultPlan().failCall(tCall::setupDiEnumDeviceInterfaces, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(read(), -26932);
   EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 1u);
 }
 
-TEST_F(DevicePathAttribute, SeveralInterfaces_TheFirstIsReported) {
+TEST_F(DevicePathAttribute, SeveralInterfaces_ReportTheFirst) {
   constexpr uint32_t kInterfaces = 3;
   nFakeWindows::machine().usePresence({1, 1, kInterfaces});
   for (uint32_t i = 0; i < kInterfaces; ++i) {
@@ -119,7 +119,7 @@ TEST_F(DevicePathAttribute, SeveralInterfaces_TheFirstIsReported) {
   EXPECT_STREQ(path, "path of interface 0");
 }
 
-TEST_F(DevicePathAttribute, DetailThatCannotBeRead_GivesTheMappedCode) {
+TEST_F(DevicePathAttribute, FailedDetail_ReturnsTheMappedCode) {
   faultPlan().failCall(tCall::setupDiGetDeviceInterfaceDetail, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(read(), -52009);
   EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 1u);

@@ -1,4 +1,4 @@
-// A reader's surroundings: a provider with a table, memory modules, and doubles of the driver.
+// The fixture of attribute tests: a provider with a table, memory modules, and doubles of the driver.
 #ifndef TESTS_COMPONENT_USER_READINGTEST_H
 #define TESTS_COMPONENT_USER_READINGTEST_H
 
@@ -18,7 +18,7 @@
 
 namespace nTests {
 
-// A provider that has no machine to load a table from.
+// A provider without a machine to load a table from.
 class tInstalledProvider final : public nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosProvider {
  public:
   void load(nZOAPALS100::tStatus& status) noexcept override {

@@ -72,7 +72,7 @@ TEST_F(TextReader, IdentifierNotApplicable_FailsAtLine537) {
   EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 537}));
 }
 
-TEST_F(TextReader, IdentifierWithoutPlatformGeneration_IsDecidedByMarten) {
+TEST_F(TextReader, IdentifierWithoutPlatformGeneration_DependsOnTheMartens) {
   tReferenceTable table;
   table.remove(0x96);
   install(table);
@@ -81,7 +81,7 @@ TEST_F(TextReader, IdentifierWithoutPlatformGeneration_IsDecidedByMarten) {
   marten.answerNumber(0x28000200, 6);
   EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 545}));
   marten.answerNumber(0x28000200, 7);
-  EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 2569})) << "the text itself is not there";
+  EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 2569})) << "the text itself is absent";
 }
 
 TEST_F(TextReader, AbsentString_FailsAtLine2555) {
@@ -114,7 +114,7 @@ TEST_F(TextReader, PositionBeyondAList_FailsAtTheListsLine) {
   EXPECT_EQ(readText(0x1006A605), (tFailure{-26934, 858}));
 }
 
-TEST_F(TextReader, PositionBeyondTheRoomOfAList_FailsAtTheListsLine) {
+TEST_F(TextReader, PositionBeyondTheCapacityOfAList_FailsAtTheListsLine) {
   tReferenceTable table;
   table.structure(0x98).byte(0x04, 255);
   table.structure(0xA3).byte(0x06, 255);
@@ -316,6 +316,8 @@ TEST_F(TextFromMartenDouble, TextWithoutNulThatFillsTheBuffer_NeedsOneByteMore) 
   EXPECT_EQ(failure.line, 2772u);
   marten.answers[kVersion].code = 9;
   EXPECT_EQ(read(3).code, QUENRA_STATUS_BUFFER_TOO_SMALL) << "with a warning";
+  marten.answers[kVersion] = {"M", 0};
+  EXPECT_EQ(read(1), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, bytes("\0"sv), 2}));
 }
 
 TEST_F(TextFromMartenDouble, EmptyTextWithoutNulAndWithoutBuffer_NeedsOneByte) {
@@ -336,7 +338,7 @@ TEST_F(TextFromMartenDouble, ReadRepeatedWithTheSizeNeeded_SucceedsWithoutNul) {
 
 // ---- Other texts ----
 
-TEST_F(TextReader, LongestTextThatThereIs_IsReadWhole) {
+TEST_F(TextReader, LongestText_IsReadCompletely) {
   const std::string longest = "07:" + std::string(125, 'x');
   tReferenceTable table;
   table.structure(0x97).text(0x04, longest);
@@ -345,7 +347,7 @@ TEST_F(TextReader, LongestTextThatThereIs_IsReadWhole) {
   EXPECT_EQ(buffer, longest);
 }
 
-TEST_F(TextReader, ALocationThatIsRead_DropsAnEarlierWarning) {
+TEST_F(TextReader, SuccessfulReadOfALocation_DropsAnEarlierWarning) {
   zoerr::tOwnedStatus status;
   status.code = 5;
   uint64_t size = sizeof buffer;

@@ -16,7 +16,7 @@ class MemoryModules : public ReadingTest {
   }
 };
 
-TEST_F(MemoryModules, AreThePopulatedDevicesInTableOrder) {
+TEST_F(MemoryModules, PopulatedDevices_AreListedInTableOrder) {
   EXPECT_EQ(find(tReferenceTable()), (tFailure{0, 0}));
   EXPECT_EQ(modules.count(), 2u);
   zoerr::tOwnedStatus status;
@@ -36,14 +36,14 @@ TEST_F(MemoryModules, WithoutAnArray_FailAtLine2569) {
   EXPECT_EQ(find(tReferenceTable().remove(0x10)), (tFailure{-26934, 2569}));
 }
 
-TEST_F(MemoryModules, WithADeviceMissing_FailAtLine2569AndAreNone) {
+TEST_F(MemoryModules, FewerDevicesThanTheCount_FailAtLine2569WithoutModules) {
   tReferenceTable table;
   table.structure(0x10).word(0x0D, 5);
   EXPECT_EQ(find(table), (tFailure{-26934, 2569}));
   EXPECT_EQ(modules.count(), 0u);
 }
 
-TEST_F(MemoryModules, WhoseSizeIsMalformed_AreSkipped) {
+TEST_F(MemoryModules, MalformedSize_IsSkipped) {
   tReferenceTable table;
   table.remove(0x11).structure(0x10).word(0x0D, 1);
   std::vector<uint8_t> bytes = table.build();
@@ -57,7 +57,7 @@ TEST_F(MemoryModules, WhoseSizeIsMalformed_AreSkipped) {
   EXPECT_EQ(found.count(), 0u);
 }
 
-TEST_F(MemoryModules, OnAStatusInError_AreNotLookedFor) {
+TEST_F(MemoryModules, StatusWithAnError_DoesNothing) {
   nQUENRA1400::tMemoryModules none;
   zoerr::tOwnedStatus status;
   status.code = -1;

@@ -19,7 +19,7 @@ TEST_F(UnsignedReader, SelectedOnAClosedMarten_FailsAtLine956) {
   EXPECT_EQ(readUnsigned(0x20200600), (tFailure{-26932, 956}));
   EXPECT_EQ(value, 0u);
   martenIsOpen = true;
-  EXPECT_EQ(readUnsigned(0x20200601), (tFailure{-26932, 956})) << "there is but one instance";
+  EXPECT_EQ(readUnsigned(0x20200601), (tFailure{-26932, 956})) << "only instance 0 exists";
 }
 
 TEST_F(UnsignedReader, UnknownPrivateAttribute_FailsAtLine1003) {
@@ -27,7 +27,7 @@ TEST_F(UnsignedReader, UnknownPrivateAttribute_FailsAtLine1003) {
   EXPECT_EQ(readUnsigned(0x08000200), (tFailure{-26934, 1003}));
 }
 
-TEST_F(UnsignedReader, PrivateAttributeWithSelectorAndInstance_IsTakenByItsBase) {
+TEST_F(UnsignedReader, PrivateAttributeWithSelectorAndInstance_IsFoundByItsBase) {
   EXPECT_EQ(readUnsigned(0x28100200), (tFailure{0, 0}));
   EXPECT_EQ(value, 7u);
   EXPECT_EQ(readUnsigned(0x28000201), (tFailure{-26934, 2569}));
@@ -37,7 +37,7 @@ TEST_F(UnsignedReader, UnknownAttribute_FailsAtLine1364) {
   EXPECT_EQ(readUnsigned(0x20000700), (tFailure{-26934, 1364}));
 }
 
-TEST_F(UnsignedReader, InstanceOfWhatHasNone_FailsAtTheRowsLine) {
+TEST_F(UnsignedReader, InstanceOfAnAttributeWithoutInstances_FailsAtTheRowsLine) {
   EXPECT_EQ(readUnsigned(0x20000501), (tFailure{-26934, 1089}));
   EXPECT_EQ(readUnsigned(0x2000CB01), (tFailure{-26934, 1047}));
   EXPECT_EQ(readUnsigned(0x20013101), (tFailure{-26934, 1203}));
@@ -50,7 +50,7 @@ TEST_F(UnsignedReader, PositionBeyondTheList_FailsAtLine1153) {
   EXPECT_EQ(readUnsigned(0x20025A04), (tFailure{-26934, 1153}));
 }
 
-TEST_F(UnsignedReader, PositionBeyondTheRoomOfTheList_FailsAtLine1153) {
+TEST_F(UnsignedReader, PositionBeyondTheCapacityOfTheList_FailsAtLine1153) {
   tReferenceTable table;
   table.structure(0x98).byte(0x04, 255);
   install(table);
@@ -87,7 +87,7 @@ TEST_F(UnsignedReader, ModuleBeyondTheCount_FailsAtLine2534) {
   EXPECT_EQ(readUnsigned(0x2000C802), (tFailure{-26934, 2534}));
 }
 
-TEST_F(UnsignedReader, MissingModule0_IsAskedOfMarten) {
+TEST_F(UnsignedReader, MissingModule0_IsReadFromMarten) {
   tReferenceTable table;
   table.structure(0x10).word(0x0D, 0);
   install(table);
@@ -97,7 +97,7 @@ TEST_F(UnsignedReader, MissingModule0_IsAskedOfMarten) {
   EXPECT_EQ(value, 99u);
 }
 
-TEST_F(UnsignedReader, AskedOfMartenInPlaceOfAField_StartsWithoutTheError) {
+TEST_F(UnsignedReader, FallbackToMarten_StartsWithoutTheError) {
   install(tReferenceTable().remove(0x9F));
   martenIsOpen = true;
   marten.answerNumber(0x2003E800, 99, 4);
@@ -119,14 +119,14 @@ TEST_F(UnsignedReader, FallbackToMarten_RequestsTheCompleteId) {
   }
 }
 
-TEST_F(UnsignedReader, MartenFailingInPlaceOfAField_LeavesTheFieldsErrorAndNoValue) {
+TEST_F(UnsignedReader, FailedFallbackToMarten_LeavesTheFieldsErrorAndNoValue) {
   install(tReferenceTable().remove(0x9F));
   martenIsOpen = true;
   EXPECT_EQ(readUnsigned(0x2003E800), (tFailure{-26934, 2569}));
   EXPECT_EQ(value, 0u);
 }
 
-TEST_F(UnsignedReader, MartenThatWritesNothingInPlaceOfAField_GivesZero) {
+TEST_F(UnsignedReader, FallbackToAMartenThatWritesNothing_ReadsZero) {
   install(tReferenceTable().remove(0x9F));
   martenIsOpen = true;
   marten.answers[0x2003E800] = {};
@@ -134,7 +134,7 @@ TEST_F(UnsignedReader, MartenThatWritesNothingInPlaceOfAField_GivesZero) {
   EXPECT_EQ(value, 0u);
 }
 
-TEST_F(UnsignedReader, AskingTheController_PassesAnEarlierWarning) {
+TEST_F(UnsignedReader, ReadFromTheController_CarriesAnEarlierWarning) {
   controller.answerNumber(0x20044C00, 12);
   zoerr::tOwnedStatus status;
   status.code = 5;

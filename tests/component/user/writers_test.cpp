@@ -77,12 +77,12 @@ TEST_F(Writers, NumberOnAClosedInterface_FailsAtItsLine) {
   EXPECT_EQ(writeUnsigned(0x20000600), (tFailure{-26932, 1736}));
 }
 
-TEST_F(Writers, EarlierWarning_IsSentAlong) {
+TEST_F(Writers, EarlierWarning_IsSentWithTheRequest) {
   EXPECT_EQ(writeText(0x10000100, 5).code, 5);
   EXPECT_THAT(controller.writes, testing::ElementsAre(tQuestion{0x10000100, 4, 5}));
 }
 
-TEST_F(Writers, WarningOfTheController_IsLostWhenMartenDoesNotTakeTheText) {
+TEST_F(Writers, ControllerWarning_IsLostWhenMartenDoesNotSupportTheText) {
   controller.writeCode = 1;
   EXPECT_EQ(writeText(0x18000000), (tFailure{0, 0}));
   martenIsOpen = true;
@@ -90,7 +90,7 @@ TEST_F(Writers, WarningOfTheController_IsLostWhenMartenDoesNotTakeTheText) {
   EXPECT_THAT(marten.writes, testing::ElementsAre(tQuestion{0x18200000, 4, 1}));
 }
 
-TEST_F(Writers, DriversFailure_TellsTheDriversPlace) {
+TEST_F(Writers, DriverFailure_HasTheDriversLocation) {
   controller.writeCode = -77;
   EXPECT_EQ(writeText(0x10000100), (tFailure{-77, 4}));
   EXPECT_EQ(writeUnsigned(0x20000600), (tFailure{-77, 4}));
