@@ -94,18 +94,16 @@ std::error_code readRest(std::FILE* file, std::string& content) {
 }
 
 std::error_code writeAll(const tPath& path, std::string_view content) noexcept {
-  tFile file = open(path, true);
+  const tFile file = open(path, true);
   if (!file) {
     return lastReason();
   }
   clearReason();
-  // Bytes that are still buffered fail when the file closes.
+  // Flushed before it closes: not every C library keeps the reason when closing fails.
   const bool isWritten =
-      std::fwrite(content.data(), 1, content.size(), file.get()) == content.size();
-  const std::error_code reason = isWritten ? std::error_code() : lastReason();
-  clearReason();
-  const bool isClosed = std::fclose(file.release()) == 0;
-  return !isWritten || isClosed ? reason : lastReason();
+      std::fwrite(content.data(), 1, content.size(), file.get()) == content.size() &&
+      std::fflush(file.get()) == 0;
+  return isWritten ? std::error_code() : lastReason();
 }
 
 class tTemporaryFile {
