@@ -61,6 +61,15 @@ class FilesOnDisk(CommandLineTest):
         self.files["image.unfinished"].mkdir()
         self.assert_write_fails("image", "is a directory", named="image.unfinished")
 
+    def test_write_to_a_full_disk(self):
+        self.files["image"].write_bytes(b"old")
+        message = f"cannot write '{self.typed('image')}': no space left on the disk"
+        # The link sends the unfinished file to a device that is always full.
+        self.files["image.unfinished"].symlink_to("/dev/full")
+        run = self.quenra(*self.build_words("image"), exit_code=1)
+        self.assertEqual(run.error, f"quenra: {message}\n")
+        self.assertEqual(self.files["image"].read_bytes(), b"old")
+
 
 class StandardOutput(CommandLineTest):
     def run_into(self, output):

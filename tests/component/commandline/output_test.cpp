@@ -159,7 +159,11 @@ TEST(SystemReason, ErrorsOfWindows_HaveTheSamePhrases) {
   const std::pair<int, const char*> phrases[] = {
       {ERROR_FILE_NOT_FOUND, "no such file"},
       {ERROR_PATH_NOT_FOUND, "no such file"},
-      {ERROR_INVALID_DRIVE, "no such file"},
+      {ERROR_INVALID_DRIVE, "no such drive"},
+      {ERROR_NOT_READY, "the drive is not ready"},
+      {ERROR_BAD_NETPATH, "no such network path"},
+      {ERROR_BAD_NET_NAME, "no such network path"},
+      {ERROR_BAD_PATHNAME, "the path is invalid"},
       {ERROR_ACCESS_DENIED, "access denied"},
       {ERROR_WRITE_PROTECT, "the disk is read-only"},
       {ERROR_SHARING_VIOLATION, "in use by another program"},

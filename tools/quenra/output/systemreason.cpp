@@ -1,7 +1,6 @@
 #include "tools/quenra/output/systemreason.h"
 
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 
 namespace nCommandLine {
@@ -28,23 +27,26 @@ constexpr tReasonRow kReasons[] = {
     {std::errc::not_enough_memory, "not enough memory"},
 };
 
-// Error numbers of Windows for which the C++ library has no condition, or that of another reason.
+// The errors of Windows that the C++ library maps to no condition, or to one with another meaning.
 struct tWindowsReasonRow {
   int number;
   std::string_view text;
 };
 
 constexpr tWindowsReasonRow kWindowsReasons[] = {
-    {15, "no such file"},               // ERROR_INVALID_DRIVE
+    {15, "no such drive"},              // ERROR_INVALID_DRIVE
+    {19, "the disk is read-only"},      // ERROR_WRITE_PROTECT
+    {21, "the drive is not ready"},     // ERROR_NOT_READY
     {32, "in use by another program"},  // ERROR_SHARING_VIOLATION
     {33, "in use by another program"},  // ERROR_LOCK_VIOLATION
+    {53, "no such network path"},       // ERROR_BAD_NETPATH
+    {67, "no such network path"},       // ERROR_BAD_NET_NAME
     {123, "the path is invalid"},       // ERROR_INVALID_NAME
     {161, "the path is invalid"},       // ERROR_BAD_PATHNAME
 };
 
-constexpr int kBrokenPipe = 109;
-constexpr int kPipeBeingClosed = 232;
-constexpr int kPipeNotConnected = 233;
+// ERROR_BROKEN_PIPE, ERROR_NO_DATA, ERROR_PIPE_NOT_CONNECTED
+constexpr int kClosedPipes[] = {109, 232, 233};
 
 #ifdef _WIN32
 constexpr bool kIsWindows = true;
@@ -52,28 +54,28 @@ constexpr bool kIsWindows = true;
 constexpr bool kIsWindows = false;
 #endif
 
-bool isWindowsError(const std::error_code& error, std::initializer_list<int> numbers) noexcept {
-  return kIsWindows && error.category() == std::system_category() &&
-         std::find(numbers.begin(), numbers.end(), error.value()) != numbers.end();
+bool isWindowsError(const std::error_code& error) noexcept {
+  return kIsWindows && error.category() == std::system_category();
 }
 
 }  // namespace
 
 std::string reasonOf(const std::error_code& error) {
-  for (const tWindowsReasonRow& reason : kWindowsReasons) {
-    if (isWindowsError(error, {reason.number})) {
-      return std::string(reason.text);
+  if (isWindowsError(error)) {
+    const auto* const row =
+        std::ranges::find(kWindowsReasons, error.value(), &tWindowsReasonRow::number);
+    if (row != std::ranges::end(kWindowsReasons)) {
+      return std::string(row->text);
     }
   }
-  const auto* const row =
-      std::find_if(std::begin(kReasons), std::end(kReasons),
-                   [&error](const tReasonRow& reason) { return error == reason.condition; });
-  return row == std::end(kReasons) ? error.message() : std::string(row->text);
+  const auto* const row = std::ranges::find_if(
+      kReasons, [&error](const tReasonRow& reason) { return error == reason.condition; });
+  return row == std::ranges::end(kReasons) ? error.message() : std::string(row->text);
 }
 
 bool isClosedPipe(const std::error_code& error) noexcept {
   return error == std::errc::broken_pipe ||
-         isWindowsError(error, {kBrokenPipe, kPipeBeingClosed, kPipeNotConnected});
+         (isWindowsError(error) && std::ranges::count(kClosedPipes, error.value()) != 0);
 }
 
 }  // namespace nCommandLine
