@@ -2,6 +2,7 @@
 // at random. Where the seed of a run is to be used again, QUENRA_LOAD_SEED says it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>

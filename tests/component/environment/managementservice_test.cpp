@@ -3,6 +3,7 @@
 // Needs windows.h first.
 #include <objbase.h>
 
+#include <atomic>
 #include <thread>
 
 #include "simulator/environment/encryption.h"

@@ -1,5 +1,6 @@
 #include "tests/component/lyingdriver/clientlife.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>

@@ -1,5 +1,7 @@
 #include "source/user/update/driverpackage.h"
 
+#include <algorithm>
+
 #include "tests/component/session/sessiontest.h"
 
 namespace nTests {

@@ -1,6 +1,7 @@
 #include "tools/quenra/catalogue/attributelookup.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "tools/quenra/catalogue/suggestion.h"
 

@@ -1,4 +1,5 @@
 // Byte counts and buffers of reads and writes, with a driver that serves them.
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>

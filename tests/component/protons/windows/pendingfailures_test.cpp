@@ -1,4 +1,6 @@
 // Every Windows call on the way of a pending request, failed in turn.
+#include <algorithm>
+
 #include "protocol/requestcodes.h"
 #include "tests/component/protons/driver/drivertest.h"
 

@@ -1,5 +1,6 @@
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 
+#include <algorithm>
 #include <thread>
 #include <vector>
 

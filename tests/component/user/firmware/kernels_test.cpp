@@ -1,6 +1,7 @@
 // Every kernel against the plain rule, on texts that end exactly where their memory does.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <random>
 #include <string>
