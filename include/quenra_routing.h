@@ -12,9 +12,10 @@
  *  2. Results. A function that fails returns 0, false or null.
  *  3. Handles. The client owns a session and its terminal iterators from their creation until it
  *     destroys them. A null, destroyed or foreign handle fails with QUENRA_STATUS_INVALID_PARAMETER
- *     where there is a status, and is ignored elsewhere. The library may use the value of a
- *     destroyed handle again for another object. It cannot detect that one thread destroys a
- *     session that another thread uses.
+ *     where there is a status, and is ignored elsewhere. The value of a destroyed handle is used
+ *     again for another object at the earliest when 256 more sessions and iterators have been
+ *     destroyed. The library cannot detect that one thread destroys a session that another thread
+ *     uses.
  *  4. Threads. A session and its iterators are used by one thread at a time; different sessions are
  *     independent. The demotion callback runs on a thread of the session.
  *  5. Texts. Arguments end with a NUL. JSON texts are UTF-8. The library writes answers into buffers

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/routerequest.h"
 #include "zoarkra/terminaliteratorinterface.h"
@@ -14,7 +15,7 @@ namespace zoroco {
 //
 // Operations throw zoerr::Exception when they fail, and std::bad_alloc. The status receives warnings;
 // its code is sent to the driver. `output`: the client's output argument.
-class RoutingAdaptorSessionInterface {
+class RoutingAdaptorSessionInterface : public nQUENRA1400::nZOAPAL000::tQuarantinedStorage {
  public:
   RoutingAdaptorSessionInterface() = default;
   RoutingAdaptorSessionInterface(const RoutingAdaptorSessionInterface&) = delete;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace zoroco {
@@ -11,7 +12,7 @@ namespace zoroco {
 //
 // Operations throw zoerr::Exception when they fail, and std::bad_alloc. The status receives warnings;
 // its code is sent to the driver.
-class TerminalIteratorInterface {
+class TerminalIteratorInterface : public nQUENRA1400::nZOAPAL000::tQuarantinedStorage {
  public:
   TerminalIteratorInterface() = default;
   TerminalIteratorInterface(const TerminalIteratorInterface&) = delete;

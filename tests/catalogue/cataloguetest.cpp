@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "tests/fakewindows/allocationplan.h"
+#include "zoapal/protons/cppnewdelete/tstoragequarantine.h"
 
 namespace nTests {
 namespace {
@@ -64,6 +65,7 @@ void CatalogueTest::begin() const {
 
 void CatalogueTest::end(const tRun& run) {
   nFakeWindows::objects().waitForThreads();
+  nQUENRA1400::nZOAPAL000::storageQuarantine().clear();
   EXPECT_THAT(nFakeWindows::objects().open(), testing::IsEmpty());
   EXPECT_THAT(nFakeWindows::com()->open(), testing::IsEmpty());
   bytesAfter_ = nFakeWindows::bytesInUse();

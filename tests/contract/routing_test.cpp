@@ -318,6 +318,33 @@ TEST_F(Routing, DestructionWhileTheCallbackRuns_WaitsForIt) {
   EXPECT_EQ(callback.calls, 1);
 }
 
+TEST_F(Routing, HandleOfADestroyedSession_StaysInvalidWhileOthersAreCreated) {
+  zoroco_RoutingAdaptorSession* const stale = tRoutingClient().session;
+  for (int round = 0; round < 20; ++round) {
+    const tRoutingClient another;
+    ASSERT_NE(another.session, nullptr);
+    zoerr_Status status = zoerr_Status_initial();
+    zoroco_ra_quenra_programRoute(stale, 1, &status);
+    EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER) << round;
+    zoerr_Status_release(&status);
+  }
+}
+
+TEST_F(Routing, HandleOfADestroyedIterator_StaysInvalidWhileOthersAreCreated) {
+  tRoutingClient client;
+  zoroco_TerminalIterator* const stale =
+      zoroco_ra_quenra_getAllTerminals(client.session, &client.status, 0);
+  ASSERT_NE(stale, nullptr);
+  zoroco_ra_quenra_TerminalIterator_destroy(stale);
+  for (int round = 0; round < 20; ++round) {
+    zoroco_TerminalIterator* const another =
+        zoroco_ra_quenra_getAllTerminals(client.session, &client.status, 0);
+    EXPECT_TRUE(zoroco_ra_quenra_TerminalIterator_isEnd(stale)) << round;
+    EXPECT_FALSE(zoroco_ra_quenra_TerminalIterator_isEnd(another)) << round;
+    zoroco_ra_quenra_TerminalIterator_destroy(another);
+  }
+}
+
 TEST_F(Routing, DestructionOnAnotherThreadWhileDemotionsArrive_DeliversNothingAfterwards) {
   std::atomic<bool> isOver = false;
   std::thread notifier([&isOver] {

@@ -6,6 +6,7 @@
 
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"
+#include "zoapal/protons/cppnewdelete/tstoragequarantine.h"
 #include "zoapal/protons/startup/tneverdestroyed.h"
 
 namespace nQUENRA1400 {
@@ -41,6 +42,7 @@ void tProcessState::unload() noexcept {
   if (session_ == nullptr) {
     provider_.clear();
   }
+  nZOAPAL000::storageQuarantine().clear();
 }
 
 void tProcessState::open(zoerr::Status& status) noexcept {

@@ -1,0 +1,14 @@
+#ifndef ZOAPAL_PROTONS_CPPNEWDELETE_TQUARANTINEDSTORAGE_H
+#define ZOAPAL_PROTONS_CPPNEWDELETE_TQUARANTINEDSTORAGE_H
+
+namespace nQUENRA1400::nZOAPAL000 {
+
+// The base of classes whose objects' addresses are handles: the storage of a destroyed object passes to
+// the storageQuarantine(), whose header this one does not include, to keep windows.h out of interfaces.
+struct tQuarantinedStorage {
+  static void operator delete(void* storage) noexcept;
+};
+
+}  // namespace nQUENRA1400::nZOAPAL000
+
+#endif
