@@ -168,8 +168,8 @@ typedef char* (*zoroco_Reallocate)(char* current, size_t required, const char* t
  * notification:  identifies the session: one value for a session, another one for each other session
  *                that exists at the same time. Opaque; do not dereference.
  *
- * Runs on a thread of the session, concurrently with the client's calls. It must not destroy its
- * session, and should return soon: destroySession waits for it. */
+ * Runs on a thread of the session, concurrently with the client's calls, and should return soon:
+ * destroySession waits for it. Inside the callback, destroySession of the same session is ignored. */
 typedef void (*zoroco_DemotionCallback)(void* context, int32_t reason, zoerr_Status* status,
                                         void* notification);
 

@@ -21,6 +21,13 @@ RoutingAdaptorSessionInterface* sessionOf(zoroco_RoutingAdaptorSession* handle) 
   return reinterpret_cast<RoutingAdaptorSessionInterface*>(handle);
 }
 
+bool isOutsideItsCallback(const void* session) noexcept {
+  // The table holds sessions of this class only.
+  return !static_cast<const zoark::ARKRoutingAdaptorSession*>(
+              static_cast<const RoutingAdaptorSessionInterface*>(session))
+              ->isInCallback();
+}
+
 TerminalIteratorInterface* iteratorOf(zoroco_TerminalIterator* handle) noexcept {
   return reinterpret_cast<TerminalIteratorInterface*>(handle);
 }
@@ -33,9 +40,11 @@ void require(bool isHandle) {
 
 }  // namespace
 
-zoroco_RoutingAdaptorSession* handleOf(std::unique_ptr<RoutingAdaptorSessionInterface> session) {
-  liveHandles().add(session.get(), tHandleKind::session);
-  return reinterpret_cast<zoroco_RoutingAdaptorSession*>(session.release());
+zoroco_RoutingAdaptorSession* handleOf(std::unique_ptr<zoark::ARKRoutingAdaptorSession> session) {
+  RoutingAdaptorSessionInterface* const handle = session.get();
+  liveHandles().add(handle, tHandleKind::session);
+  static_cast<void>(session.release());
+  return reinterpret_cast<zoroco_RoutingAdaptorSession*>(handle);
 }
 
 zoroco_TerminalIterator* handleOf(std::unique_ptr<TerminalIteratorInterface> iterator,
@@ -46,13 +55,13 @@ zoroco_TerminalIterator* handleOf(std::unique_ptr<TerminalIteratorInterface> ite
 
 std::unique_ptr<RoutingAdaptorSessionInterface> takeBack(
     zoroco_RoutingAdaptorSession* handle) noexcept {
-  const bool wasLive = liveHandles().remove(handle, tHandleKind::session);
-  return std::unique_ptr<RoutingAdaptorSessionInterface>(wasLive ? sessionOf(handle) : nullptr);
+  const bool isRemoved = liveHandles().remove(handle, tHandleKind::session, &isOutsideItsCallback);
+  return std::unique_ptr<RoutingAdaptorSessionInterface>(isRemoved ? sessionOf(handle) : nullptr);
 }
 
 std::unique_ptr<TerminalIteratorInterface> takeBack(zoroco_TerminalIterator* handle) noexcept {
-  const bool wasLive = liveHandles().remove(handle, tHandleKind::iterator);
-  return std::unique_ptr<TerminalIteratorInterface>(wasLive ? iteratorOf(handle) : nullptr);
+  const bool isRemoved = liveHandles().remove(handle, tHandleKind::iterator);
+  return std::unique_ptr<TerminalIteratorInterface>(isRemoved ? iteratorOf(handle) : nullptr);
 }
 
 RoutingAdaptorSessionInterface& requireSession(zoroco_RoutingAdaptorSession* handle) {

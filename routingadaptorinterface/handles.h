@@ -4,29 +4,31 @@
 #include <memory>
 
 #include "quenra_routing.h"
-#include "zoarkra/routingadaptorsessioninterface.h"
+#include "zoarkra/arkroutingadaptorsession.h"
 
 namespace zoroco {
 
 // A handle is the address of the interface part of a session or an iterator, which the client owns.
-// Handles that are destroyed, or that nobody was given, are not followed.
+// Destroyed and foreign handles are not dereferenced; the storage of a destroyed object is quarantined,
+// so that its address does not soon become another handle.
 
-// Throw std::bad_alloc; what the handle was to be of is destroyed then.
+// Transfer ownership to the client. Throw std::bad_alloc, and then destroy the object.
 [[nodiscard]] zoroco_RoutingAdaptorSession* handleOf(
-    std::unique_ptr<RoutingAdaptorSessionInterface> session);
+    std::unique_ptr<zoark::ARKRoutingAdaptorSession> session);
 [[nodiscard]] zoroco_TerminalIterator* handleOf(std::unique_ptr<TerminalIteratorInterface> iterator,
                                                 const zoroco_RoutingAdaptorSession* session);
 
-// What is behind a handle, which ends; null behind one that is none.
+// Invalidate the handle and return ownership of its object; null if invalid. A session's handle stays
+// valid inside the session's callback, which its destruction would wait for: the result is null.
 [[nodiscard]] std::unique_ptr<RoutingAdaptorSessionInterface> takeBack(
     zoroco_RoutingAdaptorSession* handle) noexcept;
 [[nodiscard]] std::unique_ptr<TerminalIteratorInterface> takeBack(
     zoroco_TerminalIterator* handle) noexcept;
 
-// What is behind a handle; one that is none throws zoerr::Exception with kInvalidParameter.
+// The object of a handle. An invalid handle throws zoerr::Exception with kInvalidParameter.
 [[nodiscard]] RoutingAdaptorSessionInterface& requireSession(zoroco_RoutingAdaptorSession* handle);
 [[nodiscard]] TerminalIteratorInterface& requireIterator(zoroco_TerminalIterator* handle);
-// The same, of an iterator whose session is there as well: to ask the driver.
+// The same for an operation that needs the driver: the iterator's session must be live as well.
 [[nodiscard]] TerminalIteratorInterface& requireIteratorOfSession(zoroco_TerminalIterator* handle);
 
 }  // namespace zoroco

@@ -22,16 +22,18 @@ void tLiveHandles::add(const void* handle, tHandleKind kind, const void* owner) 
   ++lastNumber_;
 }
 
-bool tLiveHandles::remove(const void* handle, tHandleKind kind) noexcept {
+bool tLiveHandles::remove(const void* handle, tHandleKind kind, tCondition condition) noexcept {
   const tSlimGuard guard(lock_);
-  const bool wasLive = std::erase_if(entries_, [=](const tEntry& entry) {
-                         return entry.handle == handle && entry.kind == kind;
-                       }) != 0;
+  const tEntry* const entry = find(handle, kind);
+  if (entry == nullptr || (condition != nullptr && !condition(handle))) {
+    return false;
+  }
+  entries_.erase(entries_.begin() + (entry - entries_.data()));
   if (entries_.empty()) {
     // The table is never destroyed: the last handle takes the memory with it.
     std::vector<tEntry>().swap(entries_);
   }
-  return wasLive;
+  return true;
 }
 
 bool tLiveHandles::isLive(const void* handle, tHandleKind kind) noexcept {

@@ -13,8 +13,8 @@ enum class tHandleKind : uint8_t {
   iterator
 };
 
-// The handles that clients have, so that one that is destroyed, or was never given, is not followed.
-// A handle that is given again after its end is told from the one before. Any thread.
+// The handles that clients own, so that a destroyed or foreign handle is not dereferenced. A handle
+// whose value was used before is distinguished from the earlier one. Any thread.
 class tLiveHandles {
  public:
   constexpr tLiveHandles() noexcept = default;
@@ -23,11 +23,14 @@ class tLiveHandles {
 
   // `owner` is a live session, or null. Throws std::bad_alloc.
   void add(const void* handle, tHandleKind kind, const void* owner = nullptr);
-  // False when there is no such handle.
-  bool remove(const void* handle, tHandleKind kind) noexcept;
+  // A condition on a live handle. Runs with the lock held, so that no thread destroys the object.
+  using tCondition = bool (*)(const void* handle) noexcept;
+
+  // False, with nothing removed, if the handle is not live or does not fulfil the condition.
+  bool remove(const void* handle, tHandleKind kind, tCondition condition = nullptr) noexcept;
 
   [[nodiscard]] bool isLive(const void* handle, tHandleKind kind) noexcept;
-  // Whether the handle and its owner are.
+  // True if the handle and its owner are live.
   [[nodiscard]] bool isOwnerLive(const void* handle) noexcept;
 
  private:
@@ -38,7 +41,7 @@ class tLiveHandles {
     uint64_t owner;  // its number
   };
 
-  // With the lock held; null when there is none.
+  // With the lock held. Null if the handle is not live.
   [[nodiscard]] const tEntry* find(const void* handle, tHandleKind kind) const noexcept;
 
   nQUENRA1400::nZOAPAL000::tSlimLock lock_;

@@ -29,8 +29,11 @@ class ARKRoutingAdaptorSession final : public zoroco::RoutingAdaptorSessionInter
   // zoerr::Exception, and then leaves nothing open.
   ARKRoutingAdaptorSession(std::unique_ptr<iRoutingDevice> device, const char* deviceInterfaceName,
                            const tClientFunctions& client, zoerr::Status& status);
-  // Waits for a callback that is running.
+  // Waits for a callback that is running; must not run inside one.
   ~ARKRoutingAdaptorSession() override;
+
+  // True inside the session's callback.
+  [[nodiscard]] bool isInCallback() const noexcept { return device_->isListenerThread(); }
 
   void getHandledConstraints(char** output, zoerr::Status& status) override;
   uint32_t calculateRoute(const tRequestTexts& texts, char** output,

@@ -36,6 +36,9 @@ class iRoutingDevice {
   // without a start.
   virtual void stopNotifications() noexcept = 0;
 
+  // True inside a call of the listener.
+  [[nodiscard]] virtual bool isListenerThread() const noexcept = 0;
+
   [[nodiscard]] virtual nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept = 0;
 };
 

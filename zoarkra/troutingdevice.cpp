@@ -36,6 +36,10 @@ void tRoutingDevice::stopNotifications() noexcept {
   reader_.reset();
 }
 
+bool tRoutingDevice::isListenerThread() const noexcept {
+  return reader_ != nullptr && reader_->isCurrentThread();
+}
+
 std::unique_ptr<iRoutingDevice> makeRoutingDevice() {
   return std::make_unique<tRoutingDevice>();
 }

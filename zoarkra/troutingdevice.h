@@ -19,6 +19,7 @@ class tRoutingDevice final : public iRoutingDevice {
   void open(const char* name, nZOAPALS100::tStatus& status) noexcept override;
   void startNotifications(iDemotionListener& listener, nZOAPALS100::tStatus& status) override;
   void stopNotifications() noexcept override;
+  [[nodiscard]] bool isListenerThread() const noexcept override;
   [[nodiscard]] nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept override {
     return routing_;
   }

@@ -318,6 +318,46 @@ TEST_F(Routing, DestructionWhileTheCallbackRuns_WaitsForIt) {
   EXPECT_EQ(callback.calls, 1);
 }
 
+// A callback that destroys its own session.
+struct tDestroyingCallback {
+  static void run(void* context, int32_t, zoerr_Status*, void*) {
+    auto& self = *static_cast<tDestroyingCallback*>(context);
+    zoroco_ra_quenra_destroySession(self.session);
+    ++self.calls;
+  }
+
+  std::atomic<zoroco_RoutingAdaptorSession*> session = nullptr;
+  std::atomic<int> calls = 0;
+};
+
+TEST_F(Routing, SessionDestroyedInItsOwnCallback_StaysOpen) {
+  tDestroyingCallback callback;
+  tRoutingClient client(&tDestroyingCallback::run, &callback);
+  callback.session = client.session;
+  tSimulatorNotice notice{};
+  notice.mask = ROUTING_NOTIFICATION_DEMOTED;
+  for (int round = 1; round <= 2; ++round) {
+    machine().notify(notice);
+    ASSERT_TRUE(tSlowCallback::becomesTrue([&] { return callback.calls == round; }));
+  }
+  zoroco_ra_quenra_getHandledConstraints(client.session, &client.output, &client.status);
+  EXPECT_EQ(client.status.code, QUENRA_STATUS_SUCCESS);
+  EXPECT_EQ(client.answer(), R"(["inversionNeeded"])");
+}
+
+TEST_F(Routing, SessionDestroyedInTheCallbackOfAnother_IsClosed) {
+  auto victim = std::make_unique<tRoutingClient>();
+  tDestroyingCallback callback;
+  callback.session = victim->session;
+  tRoutingClient client(&tDestroyingCallback::run, &callback);
+  tSimulatorNotice notice{};
+  notice.mask = ROUTING_NOTIFICATION_DEMOTED;
+  machine().notify(notice);
+  ASSERT_TRUE(tSlowCallback::becomesTrue([&] { return callback.calls == 1; }));
+  zoroco_ra_quenra_programRoute(victim->session, 1, &victim->status);
+  EXPECT_EQ(victim->status.code, QUENRA_STATUS_INVALID_PARAMETER);
+}
+
 TEST_F(Routing, HandleOfADestroyedSession_StaysInvalidWhileOthersAreCreated) {
   zoroco_RoutingAdaptorSession* const stale = tRoutingClient().session;
   for (int round = 0; round < 20; ++round) {

@@ -25,6 +25,9 @@ class tBusyDevice final : public zoark::iRoutingDevice {
     });
   }
   void stopNotifications() noexcept override { notifier_ = {}; }
+  bool isListenerThread() const noexcept override {
+    return std::this_thread::get_id() == notifier_.get_id();
+  }
   nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept override { return router_; }
 
  private:

@@ -2,6 +2,7 @@
 #define TESTS_COMPONENT_ZOARKRA_TSCRIPTEDROUTINGDEVICE_H
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/component/zoarkra/tscriptedrouter.h"
@@ -17,6 +18,7 @@ struct tRoutingDeviceScript {
   int32_t startCode = 0;            // the same with line 2
   zoark::iDemotionListener* listener = nullptr;
   bool demotesAtStart = false;  // one demotion arrives during the creation of the session
+  std::thread::id listenerThread;  // the thread that counts as the listener's
 };
 
 class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
@@ -45,6 +47,9 @@ class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
   void stopNotifications() noexcept override {
     record("stop");
     script_.listener = nullptr;
+  }
+  bool isListenerThread() const noexcept override {
+    return std::this_thread::get_id() == script_.listenerThread;
   }
   nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept override {
     return script_.router;

@@ -21,6 +21,8 @@ class tThreadedIONotificationReader : public tIONotificationReader {
   // At most once. Fails as tThread does, when the thread cannot be started or its priority set.
   void start(tCallback callback, nZOAPALS100::tStatus& status) noexcept;
   [[nodiscard]] bool isRunning() const noexcept { return running_; }
+  // True inside the callback.
+  [[nodiscard]] bool isCurrentThread() const noexcept { return thread_.isCurrent(); }
 
  private:
   static void runLoop(void* reader) noexcept;

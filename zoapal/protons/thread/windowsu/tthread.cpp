@@ -33,7 +33,7 @@ void tThread::setPriority(int priority, tStatus& status) noexcept {
 }
 
 void tThread::join() noexcept {
-  if (isStarted() && GetCurrentThreadId() != id_) {
+  if (isStarted() && !isCurrent()) {
     waitFor(handle_.get());
   }
   handle_.reset();

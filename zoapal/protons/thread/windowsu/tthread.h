@@ -22,6 +22,10 @@ class tThread {
   }
   [[nodiscard]] bool isStarted() const noexcept { return static_cast<bool>(handle_); }
   [[nodiscard]] DWORD id() const noexcept { return id_; }
+  // True on the thread itself.
+  [[nodiscard]] bool isCurrent() const noexcept {
+    return isStarted() && GetCurrentThreadId() == id_;
+  }
 
   // As SetThreadPriority; makes no call when the thread has that priority. kNotReady when the thread
   // is not started, kInternalError when Windows refuses.
