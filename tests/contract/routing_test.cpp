@@ -370,6 +370,19 @@ TEST_F(Routing, HandleOfADestroyedSession_StaysInvalidWhileOthersAreCreated) {
   }
 }
 
+TEST_F(Routing, MoreSessionsThanTheDriverRegisters_FailWithMemoryFull) {
+  std::vector<std::unique_ptr<tRoutingClient>> clients;
+  for (int i = 0; i < SIMULATOR_NOTIFICATION_CAPACITY; ++i) {
+    clients.push_back(std::make_unique<tRoutingClient>());
+    ASSERT_NE(clients.back()->session, nullptr) << i;
+  }
+  const tRoutingClient refused;
+  EXPECT_EQ(refused.session, nullptr);
+  EXPECT_EQ(refused.status.code, QUENRA_STATUS_MEMORY_FULL);
+  clients.pop_back();
+  EXPECT_NE(tRoutingClient().session, nullptr);
+}
+
 TEST_F(Routing, HandleOfADestroyedIterator_StaysInvalidWhileOthersAreCreated) {
   tRoutingClient client;
   zoroco_TerminalIterator* const stale =

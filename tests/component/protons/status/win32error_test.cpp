@@ -2,7 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+#include <map>
 #include <ostream>
+#include <string>
+#include <vector>
+
+#include "tests/component/commandline/repositoryfile.h"
 
 namespace nTests {
 namespace {
@@ -46,16 +53,15 @@ TEST_P(Win32ErrorTable, MergedIntoAnError_ChangesNothing) {
   EXPECT_STREQ(status.file, "first file");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Win32ErrorTable,
-    testing::Values(tTranslation{0, 0}, tTranslation{997, 52011}, tTranslation{8, -52000},
-                    tTranslation{1450, -52000}, tTranslation{50, -52002}, tTranslation{1, -52002},
-                    tTranslation{31, -52003}, tTranslation{1117, -52003}, tTranslation{87, -52005},
-                    tTranslation{2, -52006}, tTranslation{121, -52007}, tTranslation{1359, -52008},
-                    tTranslation{5, -52009}, tTranslation{21, -52010}, tTranslation{1617, -52020},
-                    tTranslation{38, -52012}, tTranslation{122, -52019}, tTranslation{639, -52021},
-                    tTranslation{183, -52013}, tTranslation{0xE0000204, -52006},
-                    tTranslation{258, -52007}, tTranslation{170, -52031}));
+constexpr tTranslation kRows[] = {
+    {0, 0},        {997, 52011},   {8, -52000},    {1450, -52000}, {50, -52002},
+    {1, -52002},   {31, -52003},   {1117, -52003}, {87, -52005},   {2, -52006},
+    {121, -52007}, {1359, -52008}, {5, -52009},    {21, -52010},   {1617, -52020},
+    {38, -52012},  {122, -52019},  {639, -52021},  {183, -52013},  {0xE0000204, -52006},
+    {258, -52007}, {170, -52031},
+};
+
+INSTANTIATE_TEST_SUITE_P(Rows, Win32ErrorTable, testing::ValuesIn(kRows));
 
 INSTANTIATE_TEST_SUITE_P(Unlisted, Win32ErrorTable,
                          testing::Values(tTranslation{3, -52003}, tTranslation{6, -52003},
@@ -63,6 +69,22 @@ INSTANTIATE_TEST_SUITE_P(Unlisted, Win32ErrorTable,
                                          tTranslation{0xE0000205, -52003},
                                          tTranslation{0x204, -52003},
                                          tTranslation{0xFFFFFFFF, -52003}));
+
+TEST(Win32Error, Documentation_HasEveryRowOfTheTable) {
+  const std::map<std::string, int64_t> codes =
+      enumeratorsOf("include/quenra_status.h", "QUENRA_STATUS_");
+  const auto rows = tableUnder("docs/status-codes.md", "## Errors of Windows");
+  // The page leaves out success.
+  EXPECT_EQ(rows.size() + 1, std::size(kRows));
+  for (const std::vector<std::string>& row : rows) {
+    const auto error = static_cast<uint32_t>(std::stoul(row[0], nullptr, 0));
+    EXPECT_EQ(row[2], std::to_string(statusOfWin32Error(error))) << row[0];
+    EXPECT_NE(std::ranges::find(kRows, error, &tTranslation::win32Error), std::end(kRows))
+        << row[0];
+    ASSERT_TRUE(codes.contains(row[3])) << row[3];
+    EXPECT_EQ(row[2], std::to_string(codes.at(row[3]))) << row[0];
+  }
+}
 
 TEST(Win32Error, PendingOnAWarning_KeepsTheFirstWarning) {
   tStatus status;
