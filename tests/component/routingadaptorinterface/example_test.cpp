@@ -1,4 +1,4 @@
-// The program of docs/routing.md, compiled from that page, on a scripted device.
+// The program of docs/routing.md, compiled from that page as C and as C++, on a scripted device.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -8,6 +8,7 @@
 #include "tests/component/routingadaptorinterface/scripteddevice.h"
 
 extern "C" int routingExample(int argc, char** argv);
+int routingExampleInCpp(int argc, char** argv);
 
 namespace nTests {
 namespace {
@@ -26,22 +27,24 @@ struct tRun {
   std::string output;
 };
 
-tRun run(tStrings words) {
+using tProgram = int (*)(int argc, char** argv);
+
+tRun run(tProgram program, tStrings words) {
   std::vector<char*> arguments;
   for (std::string& word : words) {
     arguments.push_back(word.data());
   }
   EXPECT_NE(std::freopen(kEmptyInput, "r", stdin), nullptr);
   testing::internal::CaptureStdout();
-  const int exitCode = routingExample(static_cast<int>(arguments.size()), arguments.data());
+  const int exitCode = program(static_cast<int>(arguments.size()), arguments.data());
   return {exitCode, testing::internal::GetCapturedStdout()};
 }
 
-class RoutingExample : public testing::Test {
+class RoutingExample : public testing::TestWithParam<tProgram> {
  protected:
   RoutingExample() { useDevice(script_); }
 
-  tRun connect() { return run({"routing", "device", "TRIG_SMB", "PXI_Trig0"}); }
+  tRun connect() { return run(GetParam(), {"routing", "device", "TRIG_SMB", "PXI_Trig0"}); }
   // The requests after the one for the topography name.
   [[nodiscard]] tStrings calls() const {
     return {script_.router.calls.begin() + 1, script_.router.calls.end()};
@@ -57,7 +60,7 @@ constexpr const char* kTerminals =
 constexpr const char* kCalculation =
     "calculateRoute([2/0/0] -> [4], required 0, optional 0, options 0, capacity 2)";
 
-TEST_F(RoutingExample, Route_IsConnectedAndTornDown) {
+TEST_P(RoutingExample, Route_IsConnectedAndTornDown) {
   script_.router.routes = {{7, 4, 1, 0, 0, {}}};
   script_.router.path = {2, 4};
   const tRun result = connect();
@@ -69,14 +72,14 @@ TEST_F(RoutingExample, Route_IsConnectedAndTornDown) {
   EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
 }
 
-TEST_F(RoutingExample, MissingRoute_IsPrinted) {
+TEST_P(RoutingExample, MissingRoute_IsPrinted) {
   const tRun result = connect();
   EXPECT_EQ(result.output, std::string(kTerminals) + "no such route\n");
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(calls(), tStrings{kCalculation});
 }
 
-TEST_F(RoutingExample, Conflict_IsPrintedAndTheRouteTornDown) {
+TEST_P(RoutingExample, Conflict_IsPrintedAndTheRouteTornDown) {
   script_.router.routes = {{7, 4, 1, 0, 0, {}}};
   script_.router.conflicts = {{3, 4, 0}};
   script_.router.codes = {0, 0, -89137};
@@ -90,7 +93,7 @@ TEST_F(RoutingExample, Conflict_IsPrintedAndTheRouteTornDown) {
                                "unreserveRoute(7)", "destroyRoute(7)"}));
 }
 
-TEST_F(RoutingExample, MissingDevice_IsPrinted) {
+TEST_P(RoutingExample, MissingDevice_IsPrinted) {
   script_.openCode = -52006;
   const tRun result = connect();
   EXPECT_EQ(result.output,
@@ -98,11 +101,16 @@ TEST_F(RoutingExample, MissingDevice_IsPrinted) {
   EXPECT_EQ(result.exitCode, 1);
 }
 
-TEST_F(RoutingExample, ProgramWithoutArguments_PrintsItsUsage) {
-  const tRun result = run({"routing"});
+TEST_P(RoutingExample, ProgramWithoutArguments_PrintsItsUsage) {
+  const tRun result = run(GetParam(), {"routing"});
   EXPECT_EQ(result.output, "usage: routing DEVICE FROM TO\n");
   EXPECT_EQ(result.exitCode, 1);
 }
+
+INSTANTIATE_TEST_SUITE_P(, RoutingExample, testing::Values(&routingExample, &routingExampleInCpp),
+                         [](const testing::TestParamInfo<tProgram>& info) {
+                           return info.param == &routingExample ? "InC" : "InCpp";
+                         });
 
 }  // namespace
 }  // namespace nTests
