@@ -4,16 +4,18 @@
  *
  *  1. Every function but QUENRA_closeController returns a code of quenra_status.h: 0 success,
  *     negative failure, positive warning. No function throws.
- *  2. There is one controller per machine and one session per process. All successful opens share
- *     it, and all get the same handle value, QUENRA_HANDLE. Each open is to be matched by a close.
- *  3. Any thread may call any function at any time, with one exception: the close that drops the
- *     last open must not overlap another call on the handle.
- *  4. Memory is the caller's. The library keeps no pointer after a call.
- *  5. Pointers are never followed when null: where one is needed, the function returns
- *     QUENRA_STATUS_INVALID_PARAMETER. They need not be aligned.
- *  6. On failure, what an out-argument holds is unchanged unless a function says otherwise.
- *  7. A negative code from the driver is passed on unchanged, so codes beyond those listed can
- *     appear.
+ *  2. A machine has one controller, and a process has one session with it. All successful opens share
+ *     the session and receive the same handle value, QUENRA_HANDLE. Match each open by a close.
+ *  3. Any thread may call any function at any time, also during an update, with one exception: the
+ *     close that drops the last open must not overlap another call on the handle, which would use
+ *     freed memory. A call that begins after that close returns QUENRA_STATUS_INVALID_HANDLE.
+ *  4. Memory belongs to the caller. The library keeps no pointer after a call.
+ *  5. A null pointer is never dereferenced: a function that needs the argument returns
+ *     QUENRA_STATUS_INVALID_PARAMETER. Pointers need not be aligned.
+ *  6. A failure leaves out-arguments unchanged unless a function documents otherwise.
+ *  7. The library returns codes of the driver unchanged, so that codes other than those listed can
+ *     appear. A positive code of the driver is a warning: the operation succeeded, and its
+ *     out-arguments hold its results.
  *  8. If the library could not initialise when it was loaded, every function that needs it reports
  *     the reason. A static destructor of another module may still call functions while the process
  *     ends, after the library was unloaded: they return QUENRA_STATUS_NOT_READY.
@@ -24,11 +26,31 @@
 
 #include <stdint.h>
 
+#include "quenra_annotations.h"
 #include "quenra_attributes.h"
 #include "quenra_status.h"
+#include "quenra_version.h"
+
+QUENRA_STATIC_ASSERT(sizeof(void*) == 8, "the library is for 64-bit processes");
 
 /* The value of every valid handle: "QNRA" read as a number. */
 #define QUENRA_HANDLE UINT64_C(0x514E5241)
+
+/* The longest text that QUENRA_setAttributeUTF8 accepts, in bytes without its NUL. */
+#define QUENRA_MAX_TEXT_SETTING_LENGTH 255
+/* A buffer of that many bytes receives every device path. */
+#define QUENRA_MAX_DEVICE_PATH_SIZE 256
+/* A buffer of that many bytes receives every text that comes from the machine's SMBIOS table. */
+#define QUENRA_MAX_TABLE_TEXT_SIZE 256
+
+/* The options of QUENRA_updateFirmware2. */
+enum QUENRA_UpdateOption {
+  /* Skips the BIOS if its installed version is not older than that of one of the BIOS sections, and
+   * the Marten likewise. */
+  QUENRA_UPDATE_NEWER = 0,
+  /* Skips nothing. */
+  QUENRA_UPDATE_ALL = 1
+};
 
 #ifdef __cplusplus
 extern "C" {
@@ -39,21 +61,20 @@ extern "C" {
  * handle: out, 8 bytes; receives QUENRA_HANDLE unless the code is negative.
  *
  * The first open finds the driver's device interfaces, fetches the SMBIOS table from the driver and
- * checks the machine; a failed one leaves nothing behind and may be repeated. While the controller
- * is open, further opens cannot fail.
+ * checks the machine; after a failure nothing remains open, and the call may be repeated. While the
+ * controller is open, further opens cannot fail.
  *
  * Returns
  *   0                                   done
- *   positive                            done; the driver gave a warning
+ *   positive                            done; the driver reported a warning
  *   QUENRA_STATUS_INVALID_PARAMETER     handle is null
- *   QUENRA_STATUS_NO_CONTROLLER         no controller interface is present, or the machine is not
- *                                       one that the library serves
+ *   QUENRA_STATUS_NO_CONTROLLER         no controller interface is present, or the library does not
+ *                                       support the machine
  *   QUENRA_STATUS_GENERIC_FAILURE       more than one controller or Marten interface is present
  *   QUENRA_STATUS_NOT_SUPPORTED         the machine's memory devices cannot be read from its table
  *   QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL
- *   QUENRA_STATUS_ACCESS_DENIED, ...    what the system or the driver reported
- */
-int32_t QUENRA_openController(uint64_t* handle);
+ *   QUENRA_STATUS_ACCESS_DENIED, ...    a code of the system or the driver */
+QUENRA_RETURNS_STATUS int32_t QUENRA_openController(QUENRA_OUT uint64_t* handle);
 
 /* Drops one open; the last one closes the controller. Other handle values, and closing more often
  * than opening, are ignored. */
@@ -62,123 +83,163 @@ void QUENRA_closeController(uint64_t handle);
 /* Reads a text attribute.
  *
  * attribute: an id of QUENRA_TextAttribute, with instance and selector where they apply.
- * buffer:    out; receives the text as UTF-8, and a NUL.
+ * buffer:    out; receives the text as UTF-8, and a NUL. The library does not check that a text of
+ *            the machine or the driver is valid UTF-8. After a failure the content is unspecified.
  * size:      in: the buffer's size in bytes; 0 to query the size needed. Out: with
  *            QUENRA_STATUS_BUFFER_TOO_SMALL the size needed, NUL included; with success or a warning
  *            from the Marten interface the bytes that the driver filled; else unchanged.
+ *
+ * A query with size 0 does not show that there is a text: a text that means that there is none ("Not
+ * Applicable", a version that repeats the BIOS version) has a size, and the read that follows returns
+ * QUENRA_STATUS_NOT_SUPPORTED and leaves an empty text in the buffer. A field that is malformed in the
+ * machine's table returns 0, to the query and to the read, with size and buffer unchanged: store a NUL
+ * in the buffer before the call.
  *
  * The library terminates a text of the Marten interface that the driver returns without a NUL. When
  * such a text fills the buffer, the code is QUENRA_STATUS_BUFFER_TOO_SMALL, *size is one byte larger,
  * and the buffer holds an empty text. To read a text of any length, repeat the call with a buffer of
  * *size bytes for as long as it returns QUENRA_STATUS_BUFFER_TOO_SMALL.
  *
- * QUENRA_ATTRIBUTE_DEVICE_PATH needs no open controller and accepts any handle.
- *
- * A field that is malformed in the machine's table reads as success with the buffer unchanged: store
- * a NUL in the buffer before the call if that matters. A text that means that there is none ("Not
- * Applicable", a version that repeats the BIOS version) is not supported, and leaves an empty text in
- * the buffer.
+ * QUENRA_ATTRIBUTE_DEVICE_PATH needs no open controller and accepts any handle. With a selector or an
+ * instance it is an unknown id.
  *
  * Returns
  *   0                                 done; without a size pointer: nothing was read
- *   positive                          done; the driver gave a warning
- *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
+ *   positive                          done; the driver reported a warning
+ *   QUENRA_STATUS_INVALID_HANDLE      invalid handle, or no controller open
  *   QUENRA_STATUS_BUFFER_TOO_SMALL    *size holds the size needed (also for a null size pointer when
  *                                     the text is the device path or a location)
- *   QUENRA_STATUS_NOT_SUPPORTED       unknown id, or not on this machine
- *   QUENRA_STATUS_NO_CONTROLLER       the selected interface is not open; for the device path, no
- *                                     device is present
- *   QUENRA_STATUS_PATH_TOO_LONG       the device path needs more than 256 bytes
- *   QUENRA_STATUS_INVALID_PARAMETER   buffer is null although size is not too small
- *   others                            codes of the system or the driver
- */
-int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer, uint64_t* size);
+ *   QUENRA_STATUS_NOT_SUPPORTED       unknown id, or not available on this machine
+ *   QUENRA_STATUS_NO_CONTROLLER       the Marten interface is selected and not open; for the device
+ *                                     path, no device is present
+ *   QUENRA_STATUS_PATH_TOO_LONG       the device path needs more than QUENRA_MAX_DEVICE_PATH_SIZE bytes
+ *   QUENRA_STATUS_INVALID_PARAMETER   buffer is null and *size is not too small; for a text of the
+ *                                     Marten interface, buffer is null and *size is not 0
+ *   others                            codes of the system or the driver */
+QUENRA_RETURNS_STATUS int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute,
+                                                      QUENRA_OUT_TEXT_OPT(*size) char* buffer,
+                                                      QUENRA_INOUT_OPT uint64_t* size);
 
 /* Reads an unsigned attribute.
  *
  * attribute: an id of QUENRA_UnsignedAttribute, with instance and selector where they apply.
- * value:     out, 4 bytes; 0 on most failures (see the ids for exceptions), untouched when the
- *            handle is bad or no controller is open.
+ * value:     out, 4 bytes; unchanged when the handle is invalid or no controller is open. Every other
+ *            failure stores 0, with two exceptions: QUENRA_ATTRIBUTE_CONTROLLER_KIND and
+ *            QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT store the value of instance 0 when they refuse
+ *            another instance, and a driver that fails may have stored a value.
  *
  * A field that is malformed in the machine's table reads as 0 with success.
  *
  * Returns
  *   0                                 done
- *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
+ *   positive                          done; the driver reported a warning
+ *   QUENRA_STATUS_INVALID_HANDLE      invalid handle, or no controller open
  *   QUENRA_STATUS_INVALID_PARAMETER   value is null
- *   QUENRA_STATUS_NOT_SUPPORTED       unknown id, or not on this machine
- *   QUENRA_STATUS_NO_CONTROLLER       the interface selected is not open, or a field that decides
- *                                     the answer cannot be read
- *   others                            what the driver reported
- */
-int32_t QUENRA_getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* value);
+ *   QUENRA_STATUS_NOT_SUPPORTED       unknown id, or not available on this machine
+ *   QUENRA_STATUS_NO_CONTROLLER       the Marten interface is selected, and it is not open or the
+ *                                     instance is not 0; or a field that decides the value cannot be
+ *                                     read
+ *   others                            codes of the driver */
+QUENRA_RETURNS_STATUS int32_t QUENRA_getAttributeU32(uint64_t handle, uint32_t attribute,
+                                                     QUENRA_OUT uint32_t* value);
 
-/* There is no signed attribute. value is untouched.
+/* No attribute is signed; value is unchanged.
  *
- * Returns QUENRA_STATUS_INVALID_HANDLE for a bad handle or when no controller is open, else
+ * Returns QUENRA_STATUS_INVALID_HANDLE for an invalid handle or when no controller is open, else
  * QUENRA_STATUS_NOT_SUPPORTED. */
-int32_t QUENRA_getAttributeI32(uint64_t handle, uint32_t attribute, int32_t* value);
+QUENRA_RETURNS_STATUS int32_t QUENRA_getAttributeI32(uint64_t handle, uint32_t attribute,
+                                                     QUENRA_INOUT_OPT int32_t* value);
 
-/* There is no floating-point attribute. Returns as QUENRA_getAttributeI32. */
-int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t attribute, double* value);
+/* No attribute is a floating-point number. Returns as QUENRA_getAttributeI32. */
+QUENRA_RETURNS_STATUS int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t attribute,
+                                                     QUENRA_INOUT_OPT double* value);
 
-/* Writes a text attribute. The driver decides which attributes it takes.
+/* Writes a text attribute. The driver decides which attributes it accepts.
  *
- * attribute: an ordinary id is offered to the controller interface, whatever its selector, and what
- *            that does not take to the Marten interface. QUENRA_TEXT_SETTING_OF_BOTH goes to both, or
- *            with QUENRA_SELECTOR_MARTEN to the Marten interface alone; that the Marten interface is
- *            not there or does not take it is then no failure.
- * text:      at most 255 bytes of UTF-8 and a NUL.
+ * attribute: the library offers an ordinary id, with any selector, to the controller interface, if the
+ *            machine's table permits text settings. If the controller interface does not support it, or
+ *            the table permits none, the library offers it to the Marten interface.
+ *            QUENRA_TEXT_SETTING_OF_BOTH is written to both interfaces, or with QUENRA_SELECTOR_MARTEN to
+ *            the Marten interface alone; a Marten interface that is not present or does not support it
+ *            is no failure, a controller interface is, and the Marten interface then receives nothing.
+ * text:      at most QUENRA_MAX_TEXT_SETTING_LENGTH bytes and a NUL, sent to the driver as they are: the
+ *            library does not check that they are valid UTF-8.
  *
  * Returns
  *   0                                 done
- *   QUENRA_STATUS_INVALID_HANDLE      bad handle
- *   QUENRA_STATUS_NO_CONTROLLER       no controller open, or the machine's table does not say whether
- *                                     texts can be written
+ *   positive                          done; the driver reported a warning
+ *   QUENRA_STATUS_INVALID_HANDLE      invalid handle
+ *   QUENRA_STATUS_NO_CONTROLLER       no controller open, or the machine's table does not state whether
+ *                                     it permits text settings
  *   QUENRA_STATUS_INVALID_PARAMETER   text is null
  *   QUENRA_STATUS_INVALID_VALUE       text is longer than 255 bytes; nothing was written
- *   QUENRA_STATUS_NOT_SUPPORTED       neither interface takes the attribute
- *   others                            what the driver reported */
-int32_t QUENRA_setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text);
+ *   QUENRA_STATUS_NOT_SUPPORTED       neither interface supports the attribute
+ *   others                            codes of the driver */
+QUENRA_RETURNS_STATUS int32_t QUENRA_setAttributeUTF8(uint64_t handle, uint32_t attribute,
+                                                      QUENRA_IN_TEXT const char* text);
 
-/* Writes an unsigned attribute: with QUENRA_SELECTOR_MARTEN to the Marten interface, else to the
- * controller interface. The driver decides which attributes it takes.
+/* Writes an unsigned attribute: with QUENRA_SELECTOR_MARTEN to the Marten interface, with any other
+ * selector to the controller interface. The driver decides which attributes it accepts.
  *
  * Returns
  *   0                                 done
- *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
- *   QUENRA_STATUS_NO_CONTROLLER       the interface selected is not open
- *   others                            what the driver reported */
-int32_t QUENRA_setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t value);
+ *   positive                          done; the driver reported a warning
+ *   QUENRA_STATUS_INVALID_HANDLE      invalid handle, or no controller open
+ *   QUENRA_STATUS_NO_CONTROLLER       the Marten interface is selected and not open
+ *   others                            codes of the driver */
+QUENRA_RETURNS_STATUS int32_t QUENRA_setAttributeU32(uint64_t handle, uint32_t attribute,
+                                                     uint32_t value);
 
-/* The self-test: that a controller is open is all there is to test.
+/* The self-test succeeds if a controller is open; it sends no request.
  *
- * Returns 0, or QUENRA_STATUS_INVALID_HANDLE for a bad handle or when no controller is open. */
-int32_t QUENRA_performSelfTest(uint64_t handle);
+ * Returns 0, or QUENRA_STATUS_INVALID_HANDLE for an invalid handle or when no controller is open. */
+QUENRA_RETURNS_STATUS int32_t QUENRA_performSelfTest(uint64_t handle);
 
-/* Applies a firmware image, whatever versions are installed. Same as QUENRA_updateFirmware2 with option 1. */
-int32_t QUENRA_updateFirmware(uint64_t handle, const void* image, uint64_t size);
+/* Applies a firmware image regardless of the installed versions: QUENRA_updateFirmware2 with
+ * QUENRA_UPDATE_ALL. */
+QUENRA_RETURNS_STATUS int32_t QUENRA_updateFirmware(uint64_t handle,
+                                                    QUENRA_IN_BYTES_OPT(size) const void* image,
+                                                    uint64_t size);
 
 /* Applies a firmware image. The call can take minutes. The calling thread must not use COM in a
- * single-threaded apartment.
+ * single-threaded apartment. The library does not serialise updates: two that overlap, in one process
+ * or in several, mix their effects.
  *
  * A failure restores the Marten's version marker; the driver keeps the firmware that it has accepted by
  * then. The files of an image stay in a folder of their own in the temporary directory, unless one of
  * them cannot be opened or a driver package cannot be installed.
  *
+ * On a machine with a Marten, every update that returns 0 or a warning leaves the marker
+ * QUENRA_ATTRIBUTE_FIRMWARE_VERSION of the Marten at "0.0.0f0", which is older than any other version,
+ * also when the image has no section or the bytes are not an image. The exception is an update with
+ * QUENRA_UPDATE_NEWER that finds both devices current: it changes nothing.
+ *
+ * QUENRA_UPDATE_NEWER compares a version of the form 1.4.2f7: major.minor.update, a phase letter (d, a, b,
+ * f, in this order) and a build number; at most 255.15.15 and 16383. Any other text counts as the oldest
+ * version, in the image and on the machine. All sections of a device take part, also those that are
+ * files: one section that is not newer marks its device as current, and the library sends none of that
+ * device's sections. It writes all files and installs all driver packages regardless.
+ *
+ * The library starts the system's driver-store tool for a driver package and waits for its end, at most
+ * five minutes. It does not evaluate the result: an update that returns 0 does not show that the package
+ * was installed.
+ *
+ * The update refuses a machine whose system drive is encrypted. If the management service knows no such
+ * drive or does not return its state, the drive counts as not encrypted.
+ *
  * image:   `size` bytes, which the library only reads, and only during the call. Null or 0 bytes: an
  *          image without sections.
- * options: 0 skips BIOS firmware if the installed version is not older than one of the BIOS sections,
- *          and Marten firmware likewise; 1 skips nothing.
+ * options: one of QUENRA_UpdateOption.
  *
  * Returns
  *   0                                 done, or nothing to do
- *   QUENRA_STATUS_INVALID_HANDLE      bad handle, or no controller open
+ *   positive                          done; the driver reported a warning
+ *   QUENRA_STATUS_INVALID_HANDLE      invalid handle, or no controller open
  *   QUENRA_STATUS_DRIVE_PROTECTED     the system drive is encrypted
- *   QUENRA_STATUS_UPDATE_ENVIRONMENT  the state of disk encryption cannot be read; the system has no
- *                                     random bytes or no temporary directory; a folder or file cannot
- *                                     be created, or its name not converted; the tool for driver
- *                                     packages is missing
+ *   QUENRA_STATUS_UPDATE_ENVIRONMENT  the management service cannot be queried, or the calling thread
+ *                                     is in a single-threaded apartment; the system has no random bytes
+ *                                     or no temporary directory; a folder or file cannot be created, or
+ *                                     its name not converted; the tool for driver packages is missing
  *   QUENRA_STATUS_NO_CONTROLLER       the machine's table does not state whether it accepts updates
  *   QUENRA_STATUS_NOT_SUPPORTED       the machine does not accept updates
  *   QUENRA_STATUS_INVALID_VALUE       options is neither 0 nor 1; the image was not read
@@ -189,7 +250,9 @@ int32_t QUENRA_updateFirmware(uint64_t handle, const void* image, uint64_t size)
  *   QUENRA_STATUS_OUT_OF_MEMORY       memory is short; a header lacks a number, the end of its line or
  *                                     its empty line
  *   others                            codes of the driver */
-int32_t QUENRA_updateFirmware2(uint64_t handle, const void* image, uint64_t size, uint32_t options);
+QUENRA_RETURNS_STATUS int32_t QUENRA_updateFirmware2(uint64_t handle,
+                                                     QUENRA_IN_BYTES_OPT(size) const void* image,
+                                                     uint64_t size, uint32_t options);
 
 #ifdef __cplusplus
 }

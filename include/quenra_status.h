@@ -1,6 +1,7 @@
-/* Status codes of the library. Every function returns one: 0 is success, a negative code is a
- * failure, a positive code is a warning with which the function has done its work all the same.
- * A driver may report codes of its own; they are passed on as they are. */
+/* Status codes of the library: 0 is success, a negative code is a failure, a positive code is a warning
+ * with which the operation succeeded. The QUENRA_ functions return them, except for
+ * QUENRA_closeController; the zoroco_ra_quenra_ functions report them in a status record. The library
+ * passes codes of the driver on unchanged, so that other codes can appear. */
 #ifndef QUENRA_STATUS_H
 #define QUENRA_STATUS_H
 
@@ -10,21 +11,20 @@ enum QUENRA_Status {
 
   /* ---- The controller ---- */
 
-  /* The caller's buffer is smaller than the text plus its NUL. The needed size in bytes has been
-   * written to the caller's size; call again with a buffer of that size. */
+  /* The caller's buffer is smaller than the text plus its NUL. The caller's size holds the size needed
+   * in bytes; call again with a buffer of that size. */
   QUENRA_STATUS_BUFFER_TOO_SMALL = -26930,
-  /* The handle is not one of QUENRA_openController, or no controller is open any more. */
+  /* The handle is not QUENRA_HANDLE, or no controller is open. */
   QUENRA_STATUS_INVALID_HANDLE = -26931,
-  /* No controller could be reached: no such device is present, the machine is not one that the
-   * library serves, the interface asked for is not open, or a field that decides the answer cannot
-   * be read. */
+  /* No controller could be reached: no such device is present, the library does not support the
+   * machine, the selected interface is not open, or a field that decides the result cannot be read. */
   QUENRA_STATUS_NO_CONTROLLER = -26932,
   /* Memory for the session, a value or a firmware image could not be allocated. */
   QUENRA_STATUS_OUT_OF_MEMORY = -26933,
   /* The attribute or operation is not supported on this machine: unknown id, field absent, value
    * not usable, instance out of range. */
   QUENRA_STATUS_NOT_SUPPORTED = -26934,
-  /* A value cannot be taken: a text of more than 255 bytes, an unknown update option. */
+  /* A value is not accepted: a text of more than 255 bytes, an unknown update option. */
   QUENRA_STATUS_INVALID_VALUE = -26935,
   /* A firmware update lacks something of the system: the state of disk encryption cannot be read,
    * there are no random bytes or no temporary directory, a folder or file cannot be created, a file
@@ -46,14 +46,13 @@ enum QUENRA_Status {
   QUENRA_STATUS_MEMORY_FULL = -52000,
   /* The driver does not know the request. */
   QUENRA_STATUS_REQUEST_NOT_SUPPORTED = -52002,
-  /* A device or system failure without a code of its own; also: more than one controller present.
-   */
+  /* A device or system failure without a code of its own, or more than one controller. */
   QUENRA_STATUS_GENERIC_FAILURE = -52003,
-  /* A bad argument, such as a null pointer. */
+  /* An invalid argument, such as a null pointer. */
   QUENRA_STATUS_INVALID_PARAMETER = -52005,
   /* The device or file does not exist. */
   QUENRA_STATUS_NOT_FOUND = -52006,
-  /* The device did not answer in time. */
+  /* The device did not reply in time. */
   QUENRA_STATUS_TIME_OUT = -52007,
   /* An internal error of the library or the system. */
   QUENRA_STATUS_INTERNAL_ERROR = -52008,
@@ -63,9 +62,9 @@ enum QUENRA_Status {
   QUENRA_STATUS_NOT_READY = -52010,
   /* The end of the data was reached. */
   QUENRA_STATUS_END_OF_FILE = -52012,
-  /* It exists already. */
+  /* The object exists already. */
   QUENRA_STATUS_ALREADY_EXISTS = -52013,
-  /* A device interface path or a system buffer is too long for the room there is. */
+  /* A device interface path does not fit its buffer, or a buffer is too small for the system. */
   QUENRA_STATUS_PATH_TOO_LONG = -52019,
   /* The device was removed. */
   QUENRA_STATUS_DEVICE_REMOVED = -52020,
@@ -78,12 +77,21 @@ enum QUENRA_Status {
   /* Warning: the request is still pending. */
   QUENRA_STATUS_IO_PENDING = 52011,
 
-  /* ---- The driver's own ---- */
+  /* ---- Codes of the driver ---- */
 
   /* A trigger route cannot be reserved: other routes hold its lines. */
   QUENRA_STATUS_ROUTE_CONFLICT = -89137,
-  /* The driver found a caller's buffer too small while it handed over the SMBIOS table. */
+  /* A buffer is too small for the SMBIOS table that the driver returns. */
   QUENRA_STATUS_DRIVER_BUFFER_TOO_SMALL = -240563,
+  /* Codes of the simulated machine's driver; another driver can report others. */
+  /* The router has no terminal of that name. */
+  QUENRA_STATUS_NO_SUCH_TERMINAL = -240601,
+  /* No route of the session has the ticket. */
+  QUENRA_STATUS_NO_SUCH_TICKET = -240602,
+  /* The step does not follow from the state of the route. */
+  QUENRA_STATUS_WRONG_ORDER = -240603,
+  /* The router cannot hold more routes. */
+  QUENRA_STATUS_TOO_MANY_ROUTES = -240604,
 
   /* ---- The SMBIOS table ---- */
 
@@ -94,7 +102,7 @@ enum QUENRA_Status {
   /* The table is malformed: a structure or string runs outside it, or a string has more than 128
    * characters. */
   QUENRA_STATUS_SMBIOS_MALFORMED = -240053,
-  /* The system's firmware-table service gave no table, or one of an unexpected size. */
+  /* The system's firmware-table service returns no table, or one of an unexpected size. */
   QUENRA_STATUS_SMBIOS_NO_TABLE = -240060,
   /* Warning: the structure has no such string. */
   QUENRA_STATUS_SMBIOS_NO_STRING = 240050

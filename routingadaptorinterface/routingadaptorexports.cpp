@@ -17,8 +17,6 @@ using zoroco::takeBack;
 using tSession = zoroco::RoutingAdaptorSessionInterface;
 using tIterator = zoroco::TerminalIteratorInterface;
 
-constexpr uint32_t kApiVersion = 3;
-
 // An export that gives nothing, or whose result is thrown away.
 constexpr bool kNothing = false;
 
@@ -59,7 +57,7 @@ void takeDown(zoroco_RoutingAdaptorSession* session, Step step) noexcept {
 }  // namespace
 
 uint32_t zoroco_ra_quenra_getAPIVersion() {
-  return kApiVersion;
+  return ZOROCO_API_VERSION;
 }
 
 zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSession(const char* deviceInterfaceName,

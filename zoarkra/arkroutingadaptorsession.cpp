@@ -30,13 +30,14 @@ constexpr auto kCountImplausible = adaptorLocation(288, kMemoryFullConstant);
 static_assert(kBadSelector == QUENRA_STATUS_BAD_SELECTOR);
 static_assert(DRIVER_STATUS_ROUTE_CONFLICT == QUENRA_STATUS_ROUTE_CONFLICT);
 static_assert(DRIVER_STATUS_PATH_TOO_LONG == QUENRA_STATUS_PATH_TOO_LONG);
+static_assert(nQUENRA1400::nZOAPAL000::tArray<char>::kMaxSize == ZOROCO_MAX_DEVICE_NAME_LENGTH);
 
-constexpr int32_t kReasonDemoted = 101;
 constexpr uint32_t kFirstConflicts = 8;
 constexpr uint32_t kRoutesPerDestination = 2;
 // The conflicts or terminals that a driver may report: far more than a router has, and so few that one
 // wrong reply costs little, now or later.
-constexpr uint32_t kMaxCount = 1024;
+constexpr uint32_t kMaxCount = ZOROCO_MAX_CONFLICTS;
+static_assert(kMaxCount == ZOROCO_MAX_PATH_TERMINALS);
 
 // Memory for the records of a request of 4 KiB.
 using tRequestMemory = tStackMemory<size_t{32} * 1024>;
@@ -138,7 +139,7 @@ void ARKRoutingAdaptorSession::routeDemoted(void* notification) noexcept {
     return;
   }
   zoerr_Status status = zoerr_Status_initial();
-  callClient([&] { callback(context_, kReasonDemoted, &status, notification); });
+  callClient([&] { callback(context_, ZOROCO_REASON_DEMOTED, &status, notification); });
   callClient([&] { zoerr_Status_release(&status); });
 }
 

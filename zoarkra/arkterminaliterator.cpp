@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "quenra_routing.h"
 #include "zoarkra/driverstatus.h"
 #include "zoarkra/failure.h"
 #include "zoarkra/resetmode.h"
@@ -21,23 +22,23 @@ struct tAttribute {
 };
 
 constexpr tAttribute<const char*> kStringAttributes[] = {
-    {"name", &tTerminal::name},
-    {"visibility", &tTerminal::visibility},
-    {"busType", &tTerminal::busType},
-    {"busName", &tTerminal::busName},
-    {"canonicalName", &tTerminal::canonicalName},
+    {ZOROCO_TERMINAL_NAME, &tTerminal::name},
+    {ZOROCO_TERMINAL_VISIBILITY, &tTerminal::visibility},
+    {ZOROCO_TERMINAL_BUS_TYPE, &tTerminal::busType},
+    {ZOROCO_TERMINAL_BUS_NAME, &tTerminal::busName},
+    {ZOROCO_TERMINAL_CANONICAL_NAME, &tTerminal::canonicalName},
 };
 
 constexpr tAttribute<bool> kBoolAttributes[] = {
-    {"isExternal", &tTerminal::isExternal},
-    {"isOwned", &tTerminal::isOwned},
-    {"isAlias", &tTerminal::isAlias},
-    {"isMaskedOut", &tTerminal::isMaskedOut},
+    {ZOROCO_TERMINAL_IS_EXTERNAL, &tTerminal::isExternal},
+    {ZOROCO_TERMINAL_IS_OWNED, &tTerminal::isOwned},
+    {ZOROCO_TERMINAL_IS_ALIAS, &tTerminal::isAlias},
+    {ZOROCO_TERMINAL_IS_MASKED_OUT, &tTerminal::isMaskedOut},
 };
 
 constexpr tAttribute<uint32_t> kU32Attributes[] = {
-    {"busLine", &tTerminal::busLine},
-    {"id", &tTerminal::id},
+    {ZOROCO_TERMINAL_BUS_LINE, &tTerminal::busLine},
+    {ZOROCO_TERMINAL_ID, &tTerminal::id},
 };
 
 template <class Value, size_t kCount>

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "quenra_routing.h"
+
 namespace zoark {
 
 enum class tJsonType : uint8_t {
@@ -44,10 +46,10 @@ class iJsonHandler {
 };
 
 // The depth of nesting that the reader accepts.
-inline constexpr size_t kMaxJsonDepth = 64;
+inline constexpr size_t kMaxJsonDepth = ZOROCO_MAX_DOCUMENT_DEPTH;
 
 // The bytes of a document that the reader accepts. No route request comes near.
-inline constexpr size_t kMaxJsonSize = size_t{4} * 1024 * 1024;
+inline constexpr size_t kMaxJsonSize = ZOROCO_MAX_DOCUMENT_SIZE;
 
 enum class tJsonOutcome : uint8_t {
   read,       // to its end

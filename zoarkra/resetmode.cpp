@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "quenra_routing.h"
 #include "zoarkra/failure.h"
 
 namespace zoark {
@@ -15,8 +16,8 @@ struct tMode {
 };
 
 constexpr tMode kModes[] = {
-    {"default", 0},
-    {"floating", 1},
+    {ZOROCO_RESET_DEFAULT, 0},
+    {ZOROCO_RESET_FLOATING, 1},
 };
 
 }  // namespace

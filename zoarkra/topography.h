@@ -7,9 +7,6 @@
 
 namespace zoark {
 
-// The line of a terminal that is on no bus.
-inline constexpr uint32_t kNoBusLine = 0xFFFFFFFF;
-
 // A trigger terminal. Texts are constants; a null one is absent.
 struct tTerminal {
   const char* name;

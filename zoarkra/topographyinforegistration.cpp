@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "protocol/routingrequests.h"
+#include "quenra_routing.h"
 #include "zoapal/protons/trace/debugprintf.h"
 #include "zoarkra/failure.h"
 
@@ -15,11 +16,11 @@ namespace {
 constexpr auto kTopographyNotFound = registrationLocation(52, kBadSelectorConstant);
 constexpr const char* kDebugComponent = "zoark_debug";
 
-constexpr const char* kPublic = "public";
-constexpr const char* kPrivate = "private";
-constexpr const char* kPxiTrig = "PXI_Trig";
+constexpr const char* kPublic = ZOROCO_VISIBILITY_PUBLIC;
+constexpr const char* kPrivate = ZOROCO_VISIBILITY_PRIVATE;
+constexpr const char* kPxiTrig = ZOROCO_BUS_TYPE_PXI_TRIGGER;
 constexpr const char* kNone = nullptr;
-constexpr uint32_t kNoLine = kNoBusLine;
+constexpr uint32_t kNoLine = ZOROCO_NO_BUS_LINE;
 
 // The order is that of the iterator.
 // clang-format off

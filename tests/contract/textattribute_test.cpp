@@ -204,6 +204,35 @@ TEST_F(TextAttribute, SerialNumberNotApplicable_IsNotSupportedAndLeavesNoText) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SERIAL_NUMBER, 14).code, QUENRA_STATUS_BUFFER_TOO_SMALL);
 }
 
+TEST_F(TextAttribute, SerialNumberNotApplicable_HasASizeWhenQueried) {
+  tReferenceTable table;
+  table.structure(0x01).text(0x07, "Not Applicable");
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SERIAL_NUMBER, 0),
+            (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", sizeof "Not Applicable"}));
+}
+
+TEST_F(TextAttribute, MalformedText_SucceedsWhenQueriedAndLeavesTheSize) {
+  tReferenceTable table;
+  table.structure(0x01).byte(0x07, 99);
+  openOn(table);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SERIAL_NUMBER, 0), (tTextRead{QUENRA_STATUS_SUCCESS, "", 0}));
+}
+
+TEST_F(TextAttribute, LongestMembersOfABridge_FitTheLargestTableText) {
+  std::string members;
+  while (members.size() + 3 <= 128) {
+    members += "1:,";
+  }
+  tReferenceTable table;
+  table.structure(0xA3).text(0x08, members);
+  openOn(table);
+  const tTextRead query = readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS, 0);
+  EXPECT_EQ(query.code, QUENRA_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(query.size, members.size() / 3 * 4 + 1);
+  EXPECT_LE(query.size, QUENRA_MAX_TABLE_TEXT_SIZE);
+}
+
 TEST_F(TextAttribute, SerialNumberThatBeginsWithNotApplicable_IsRead) {
   tReferenceTable table;
   table.structure(0x01).text(0x07, "Not Applicable 2");

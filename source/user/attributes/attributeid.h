@@ -15,27 +15,31 @@ class tAttributeId {
   [[nodiscard]] constexpr uint32_t value() const noexcept { return id_; }
   // The id without selector and instance, by which the tables are searched.
   [[nodiscard]] constexpr uint32_t base() const noexcept {
-    return id_ & ~(kSelectorMask | kInstanceMask);
+    return id_ & ~(QUENRA_ATTRIBUTE_SELECTOR_MASK | QUENRA_ATTRIBUTE_INSTANCE_MASK);
   }
-  [[nodiscard]] constexpr uint32_t withoutSelector() const noexcept { return id_ & ~kSelectorMask; }
+  [[nodiscard]] constexpr uint32_t withoutSelector() const noexcept {
+    return id_ & ~QUENRA_ATTRIBUTE_SELECTOR_MASK;
+  }
   [[nodiscard]] constexpr tAttributeId onMarten() const noexcept {
     return tAttributeId(withoutSelector() | QUENRA_SELECTOR_MARTEN);
   }
-  [[nodiscard]] constexpr bool isPrivate() const noexcept { return (id_ & kPrivateBit) != 0; }
-  [[nodiscard]] constexpr uint32_t number() const noexcept { return id_ >> 8 & 0xFFF; }
-  [[nodiscard]] constexpr uint32_t instance() const noexcept { return id_ & kInstanceMask; }
+  [[nodiscard]] constexpr bool isPrivate() const noexcept {
+    return (id_ & QUENRA_ATTRIBUTE_PRIVATE_MASK) != 0;
+  }
+  [[nodiscard]] constexpr uint32_t number() const noexcept {
+    return (id_ & QUENRA_ATTRIBUTE_NUMBER_MASK) >> 8;
+  }
+  [[nodiscard]] constexpr uint32_t instance() const noexcept {
+    return id_ & QUENRA_ATTRIBUTE_INSTANCE_MASK;
+  }
   [[nodiscard]] constexpr bool selectsController() const noexcept {
-    return (id_ & kSelectorMask) == QUENRA_SELECTOR_CONTROLLER;
+    return (id_ & QUENRA_ATTRIBUTE_SELECTOR_MASK) == QUENRA_SELECTOR_CONTROLLER;
   }
   [[nodiscard]] constexpr bool selectsMarten() const noexcept {
-    return (id_ & kSelectorMask) == QUENRA_SELECTOR_MARTEN;
+    return (id_ & QUENRA_ATTRIBUTE_SELECTOR_MASK) == QUENRA_SELECTOR_MARTEN;
   }
 
  private:
-  static constexpr uint32_t kPrivateBit = 0x08000000;
-  static constexpr uint32_t kSelectorMask = 0x00F00000;
-  static constexpr uint32_t kInstanceMask = 0x000000FF;
-
   uint32_t id_;
 };
 

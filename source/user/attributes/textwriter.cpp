@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "quenra.h"
 #include "source/user/attributes/attributeid.h"
 #include "source/user/attributes/drivercalls.h"
 #include "source/user/location.h"
@@ -22,7 +23,7 @@ constexpr auto kWritable = byteField(0x9D, 0x04);
 constexpr auto kWriteProtection = byteField(0x9D, 0x05);
 
 // A text and the size that the driver receives, its NUL included.
-constexpr size_t kLargestText = 256;
+constexpr size_t kLargestText = QUENRA_MAX_TEXT_SETTING_LENGTH + 1;
 struct tText {
   const char* characters;
   int32_t size;

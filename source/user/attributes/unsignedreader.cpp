@@ -41,8 +41,10 @@ struct tNamedKind {
   std::string_view name;
   uint32_t kind;
 };
-constexpr tNamedKind kLinkKinds[] = {{"ExpressCard", 1}, {"GPIB", 2}, {"Thunderbolt", 3}};
-constexpr tNamedKind kExpansionKinds[] = {{"PCI", 1}};
+constexpr tNamedKind kLinkKinds[] = {{"ExpressCard", QUENRA_LINK_EXPRESSCARD},
+                                     {"GPIB", QUENRA_LINK_GPIB},
+                                     {"Thunderbolt", QUENRA_LINK_THUNDERBOLT}};
+constexpr tNamedKind kExpansionKinds[] = {{"PCI", QUENRA_EXPANSION_PCI}};
 
 template <size_t N>
 uint32_t kindOf(const tNamedKind (&kinds)[N], std::string_view name) noexcept {

@@ -20,6 +20,17 @@ TEST(AttributeCatalogue, HoldsExactlyTheAttributesOfTheHeader) {
   EXPECT_EQ(catalogue, enumeratorsOf("include/quenra_attributes.h", "QUENRA_ATTRIBUTE_"));
 }
 
+TEST(AttributeCatalogue, NamesAreThoseOfTheHeadersInventory) {
+#define EXPECT_SAME_NAME(id, itsName) EXPECT_EQ(attributeNamed(id), itsName);
+  const auto attributeNamed = [](uint32_t id) {
+    const tAttributeRow* const row = findAttribute(id);
+    return row == nullptr ? "(none)" : row->name;
+  };
+  QUENRA_FOR_EACH_TEXT_ATTRIBUTE(EXPECT_SAME_NAME)
+  QUENRA_FOR_EACH_UNSIGNED_ATTRIBUTE(EXPECT_SAME_NAME)
+#undef EXPECT_SAME_NAME
+}
+
 TEST(AttributeCatalogue, KeepsSubjectsTogetherInTheirOrder) {
   std::vector<const tSubjectRow*> order;
   for (const tAttributeRow& row : kAttributes) {

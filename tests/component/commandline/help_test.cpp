@@ -1,3 +1,4 @@
+#include "quenra_version.h"
 #include "tests/component/commandline/commandlinetest.h"
 #include "tools/quenra/exitcode.h"
 #include "tools/quenra/grammar/verbtable.h"

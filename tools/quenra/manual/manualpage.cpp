@@ -1,5 +1,6 @@
 #include "tools/quenra/manual/manualpage.h"
 
+#include "quenra_version.h"
 #include "tools/quenra/grammar/synopsis.h"
 #include "tools/quenra/grammar/verbtable.h"
 #include "tools/quenra/manual/roff.h"

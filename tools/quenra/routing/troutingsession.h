@@ -13,7 +13,7 @@
 namespace nCommandLine {
 
 struct tTerminal {
-  static constexpr uint32_t kNoBusLine = 0xFFFFFFFF;
+  static constexpr uint32_t kNoBusLine = ZOROCO_NO_BUS_LINE;
 
   std::string name;
   std::string canonicalName;

@@ -1,5 +1,6 @@
 #include "tools/quenra/verbs/version.h"
 
+#include "quenra_version.h"
 #include "tools/quenra/output/tjsondocument.h"
 
 namespace nCommandLine {
