@@ -97,6 +97,12 @@ tExpectation ofDevice(const tPlace& place, int32_t code) {
   return reports(isRouter ? QUENRA_STATUS_INVALID_PARAMETER : QUENRA_STATUS_GENERIC_FAILURE);
 }
 
+// The surroundings of an update that fail.
+tExpectation ofEnvironment(int32_t code) {
+  return reports(code == QUENRA_STATUS_MEMORY_FULL ? QUENRA_STATUS_OUT_OF_MEMORY
+                                                   : QUENRA_STATUS_UPDATE_ENVIRONMENT);
+}
+
 tExpectation ofRequest(const tPlace& place, int32_t code) {
   if (code > 0) {
     // Waiting that is itself to be waited for: the driver's reply is there by then.
@@ -172,11 +178,17 @@ tExpectation expectationOf(const tPlace& place, const tErrorRow& reason) {
     case tCall::getModuleHandleEx:
     case tCall::beginThread:
       return reports(QUENRA_STATUS_INTERNAL_ERROR);
+    case tCall::createDiskFile:
+      // A file of the update that cannot be held is not reported.
+      return place.argument == "file" ? kNothing : ofEnvironment(reason.code);
     case tCall::multiByteToWideChar:
     case tCall::wideCharToMultiByte:
+    case tCall::getTokenInformation:
+    case tCall::convertSecurityDescriptor:
+    case tCall::createDirectory:
+    case tCall::getFileInformation:
     case tCall::getRandom:
-      return reports(reason.code == QUENRA_STATUS_MEMORY_FULL ? QUENRA_STATUS_OUT_OF_MEMORY
-                                                              : QUENRA_STATUS_UPDATE_ENVIRONMENT);
+      return ofEnvironment(reason.code);
     case tCall::coInitializeEx:
     case tCall::coInitializeSecurity:
     case tCall::coCreateInstance:

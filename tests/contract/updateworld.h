@@ -3,6 +3,8 @@
 #define TESTS_CONTRACT_UPDATEWORLD_H
 
 #include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,8 +19,29 @@ void breakEncryptionTest();
 // The command lines with which driver packages were installed, in order.
 [[nodiscard]] std::vector<std::string> packageCommandLines();
 
+// Runs the hook right before the library looks for the driver-store tool, and then makes the tool missing.
+void loseTool(std::function<void()> hook);
+// Runs the hook right before the library starts the driver-store tool.
+void beforeToolStart(std::function<void()> hook);
+
 // Sets the system's temporary directory for this process.
-void useTemporaryDirectory(const std::string& path);
+void useTemporaryDirectory(const std::filesystem::path& path);
+
+// Renames a file or folder although the library holds it, as no process of the system can.
+void moveAside(const std::filesystem::path& from, const std::filesystem::path& to);
+// Creates a link to a file or folder, and removes it whatever the library has left of it.
+void plantLink(const std::filesystem::path& link, const std::filesystem::path& target);
+void removeLink(const std::filesystem::path& link);
+// The system has a call that removes a link and not its target. Wine has none.
+[[nodiscard]] bool removesLinks();
+
+// The ways in which another process can open an existing file or folder.
+enum class tOpening : uint8_t {
+  reading,  // sharing the file for reading only, as the driver-store tool may do
+  writing,
+  removing,
+};
+[[nodiscard]] bool canOpen(const std::filesystem::path& path, tOpening opening);
 
 // A call of the generator of random bytes, and errors with which it can fail.
 struct tRandomFault {

@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <cstdlib>
 #include <optional>
 
@@ -5,6 +7,7 @@
 #include "tests/fakewindows/com.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/processes.h"
+#include "tests/fakewindows/unusual.h"
 
 namespace nTests {
 namespace {
@@ -36,8 +39,50 @@ std::vector<std::string> packageCommandLines() {
   return lines;
 }
 
-void useTemporaryDirectory(const std::string& path) {
+void loseTool(std::function<void()> hook) {
+  nFakeWindows::faultPlan().beforeCall(nFakeWindows::tCall::getFileAttributes, 1, std::move(hook));
+  nFakeWindows::faultPlan().failEveryCall(nFakeWindows::tCall::getFileAttributes,
+                                          ERROR_FILE_NOT_FOUND);
+}
+
+void beforeToolStart(std::function<void()> hook) {
+  nFakeWindows::faultPlan().beforeCall(nFakeWindows::tCall::createProcess, 1, std::move(hook));
+}
+
+void useTemporaryDirectory(const std::filesystem::path& path) {
   setenv("TMPDIR", path.c_str(), 1);
+}
+
+void moveAside(const std::filesystem::path& from, const std::filesystem::path& to) {
+  std::filesystem::rename(from, to);
+}
+
+void plantLink(const std::filesystem::path& link, const std::filesystem::path& target) {
+  std::filesystem::create_symlink(target, link);
+}
+
+void removeLink(const std::filesystem::path& link) {
+  std::filesystem::remove(link);
+}
+
+bool removesLinks() {
+  return true;
+}
+
+bool canOpen(const std::filesystem::path& path, tOpening opening) {
+  constexpr DWORD kAccess[] = {GENERIC_READ, GENERIC_WRITE, DELETE};
+  constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const nFakeWindows::tOffTheRecord offTheRecord;
+  const std::u16string name = path.u16string();
+  const HANDLE file =
+      CreateFileW(reinterpret_cast<LPCWSTR>(name.c_str()), kAccess[static_cast<size_t>(opening)],
+                  opening == tOpening::reading ? DWORD{FILE_SHARE_READ} : kAll, nullptr,
+                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    return false;
+  }
+  CloseHandle(file);
+  return true;
 }
 
 // The generator reads another source natively than on Windows, where it makes two calls.

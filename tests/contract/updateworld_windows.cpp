@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <functional>
 #include <utility>
 
 #include "simulator/environment/driverstore.h"
@@ -74,6 +75,58 @@ LONG WINAPI refuseToGenerate(void*, UCHAR*, ULONG, ULONG) {
   return randomError;
 }
 
+std::function<void()> toolHook;
+
+DWORD WINAPI loseToolAfterHook(LPCSTR) {
+  toolHook();
+  SetLastError(ERROR_FILE_NOT_FOUND);
+  return INVALID_FILE_ATTRIBUTES;
+}
+BOOL WINAPI startToolAfterHook(LPCSTR path, LPSTR commandLine, LPSECURITY_ATTRIBUTES process,
+                               LPSECURITY_ATTRIBUTES thread, BOOL inherit, DWORD flags,
+                               LPVOID environment, LPCSTR folder, LPSTARTUPINFOA startup,
+                               LPPROCESS_INFORMATION started) {
+  toolHook();
+  return CreateProcessA(path, commandLine, process, thread, inherit, flags, environment, folder,
+                        startup, started);
+}
+
+// The name that a file has for Wine's host.
+std::string hostName(const std::filesystem::path& path) {
+  using tUnixName = char*(CDECL*)(LPCWSTR);
+  const auto unixName = reinterpret_cast<tUnixName>(reinterpret_cast<void*>(
+      GetProcAddress(GetModuleHandleA("kernel32.dll"), "wine_get_unix_file_name")));
+  char* const name = unixName == nullptr ? nullptr : unixName(path.c_str());
+  EXPECT_NE(name, nullptr) << "links are planted with Wine only";
+  std::string copy = name == nullptr ? "" : name;
+  HeapFree(GetProcessHeap(), 0, name);
+  return copy;
+}
+
+// Runs a program of Wine's host. Wine does not wait for its end.
+void runOnHost(std::string commandLine) {
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION started{};
+  ASSERT_TRUE(CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                             nullptr, &startup, &started));
+  CloseHandle(started.hThread);
+  CloseHandle(started.hProcess);
+}
+
+bool isPresent(const std::filesystem::path& path) {
+  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// Waits for a program of the host that creates or removes the path.
+void expectExistence(const std::filesystem::path& path, bool isExpected) {
+  constexpr int kTries = 500;
+  for (int tries = 0; tries < kTries && isPresent(path) != isExpected; ++tries) {
+    Sleep(10);
+  }
+  EXPECT_EQ(isPresent(path), isExpected) << path;
+}
+
 }  // namespace
 
 void resetUpdateWorld() {
@@ -102,9 +155,51 @@ std::vector<std::string> packageCommandLines() {
   return lines;
 }
 
-void useTemporaryDirectory(const std::string& path) {
-  SetEnvironmentVariableA("TMP", path.c_str());
-  SetEnvironmentVariableA("TEMP", path.c_str());
+void loseTool(std::function<void()> hook) {
+  toolHook = std::move(hook);
+  replace("GetFileAttributesA", reinterpret_cast<ULONGLONG>(&loseToolAfterHook));
+}
+
+void beforeToolStart(std::function<void()> hook) {
+  toolHook = std::move(hook);
+  replace("CreateProcessA", reinterpret_cast<ULONGLONG>(&startToolAfterHook));
+}
+
+void useTemporaryDirectory(const std::filesystem::path& path) {
+  SetEnvironmentVariableW(L"TMP", path.c_str());
+  SetEnvironmentVariableW(L"TEMP", path.c_str());
+}
+
+void moveAside(const std::filesystem::path& from, const std::filesystem::path& to) {
+  runOnHost("Z:\\bin\\mv \"" + hostName(from) + "\" \"" + hostName(to) + "\"");
+  expectExistence(from, false);
+}
+
+void plantLink(const std::filesystem::path& link, const std::filesystem::path& target) {
+  runOnHost("Z:\\bin\\ln -s \"" + hostName(target) + "\" \"" + hostName(link) + "\"");
+  expectExistence(link, true);
+}
+
+void removeLink(const std::filesystem::path& link) {
+  runOnHost("Z:\\bin\\rm -f \"" + hostName(link) + "\"");
+  expectExistence(link, false);
+}
+
+bool removesLinks() {
+  return false;
+}
+
+bool canOpen(const std::filesystem::path& path, tOpening opening) {
+  constexpr DWORD kAccess[] = {GENERIC_READ, GENERIC_WRITE, DELETE};
+  constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const HANDLE file = CreateFileW(path.c_str(), kAccess[static_cast<size_t>(opening)],
+                                  opening == tOpening::reading ? DWORD{FILE_SHARE_READ} : kAll,
+                                  nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    return false;
+  }
+  CloseHandle(file);
+  return true;
 }
 
 std::vector<tRandomFault> randomFaults() {

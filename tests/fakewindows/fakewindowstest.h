@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/fakewindows/com.h"
+#include "tests/fakewindows/disk.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/machine.h"
 #include "tests/fakewindows/objects.h"
@@ -21,6 +22,7 @@ class FakeWindowsTest : public testing::Test {
     machine().reset();
     com()->reset();
     programs().reset();
+    disk().reset();
     objects().repeatCompletions(1);
     objects().useFinalStatus(finalStatusOfThisRun());
     static_cast<void>(objects().takeLostPackets());

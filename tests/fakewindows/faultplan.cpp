@@ -55,6 +55,16 @@ constexpr const char* kNames[kCalls] = {
     "IWbemClassObject::Get",
     "GetFileAttributesA",
     "CreateProcessA",
+    "GetTokenInformation",
+    "ConvertStringSecurityDescriptorToSecurityDescriptorW",
+    "SetKernelObjectSecurity",
+    "CreateDirectoryW",
+    "CreateFileW",
+    "GetFileInformationByHandle",
+    "GetFileInformationByHandleEx",
+    "SetFileInformationByHandle",
+    "GetFinalPathNameByHandleW",
+    "CompareStringOrdinal",
     "getrandom",
 };
 

@@ -52,6 +52,16 @@ enum class tCall : uint8_t {
   get,
   getFileAttributes,
   createProcess,
+  getTokenInformation,
+  convertSecurityDescriptor,
+  setKernelObjectSecurity,
+  createDirectory,
+  createDiskFile,  // its argument is "folder" or "file"
+  getFileInformation,
+  getFileInformationEx,
+  setFileInformation,
+  getFinalPathName,
+  compareStringOrdinal,
   getRandom,  // of the native system; Windows builds call BCrypt
 };
 inline constexpr size_t kCalls = static_cast<size_t>(tCall::getRandom) + 1;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
+#include <system_error>
 
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/unusual.h"
@@ -249,6 +251,11 @@ const char* closeObject(HANDLE handle) {
   const char* const kind = objects().kindOf(handle);
   expectUsual(kind != nullptr && objects().find<tDeviceInformationSet>(handle) == nullptr,
               tCall::closeHandle, "nothing that can be closed, or closed already");
+  const tDiskFile* const onDisk = objects().find<tDiskFile>(handle);
+  if (onDisk != nullptr && onDisk->isRemovedOnClose) {
+    std::error_code ignored;
+    std::filesystem::remove(onDisk->path, ignored);
+  }
   static_cast<void>(objects().remove(handle));
   return kind;
 }

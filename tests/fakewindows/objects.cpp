@@ -10,7 +10,8 @@ namespace {
 
 // As tObjects::tObject has them.
 constexpr const char* kKinds[] = {
-    "event", "thread", "file", "completion port", "device information set", "process", "thread"};
+    "event",   "thread", "file",     "completion port", "device information set",
+    "process", "thread", "disk file"};
 
 constexpr DWORD kStatusCancelled = 0xC0000120;
 // The status of a request that failed with a Windows error: the error, marked as one.
@@ -84,6 +85,14 @@ std::vector<std::string> tObjects::open() {
     lines.push_back(std::string(kKinds[object.index()]) + " " + std::to_string(handle));
   }
   return lines;
+}
+
+bool tObjects::mayOpen(const std::filesystem::path& path, DWORD uses, DWORD sharing) const {
+  return std::none_of(objects_.begin(), objects_.end(), [&](const auto& entry) {
+    const tDiskFile* const open = std::get_if<tDiskFile>(&entry.second);
+    return open != nullptr && open->path == path &&
+           ((uses & ~open->sharing) != 0 || (open->uses & ~sharing) != 0);
+  });
 }
 
 std::optional<bool> tObjects::isSignalled(HANDLE handle) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <deque>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -62,6 +63,16 @@ struct tProcess {
   DWORD milliseconds;  // how long it runs
 };
 struct tProgramThread {};
+// A file or folder of the disk.
+struct tDiskFile {
+  std::filesystem::path path;  // without links, but for the entry itself
+  DWORD access = 0;
+  DWORD uses = 0;  // the access that it needs to be shared for, in the bits of FILE_SHARE_
+  DWORD sharing = 0;
+  bool isRemovedOnClose = false;
+  bool isListed = false;
+  std::vector<std::u16string> names;  // of a listing, still to come
+};
 
 // What an OVERLAPPED says of its request.
 inline constexpr DWORD kStatusPending = 0x103;
@@ -80,8 +91,8 @@ enum class tFinalStatus : uint8_t {
 // used after its end is noticed.
 class tObjects {
  public:
-  using tObject =
-      std::variant<tEvent, tThread, tFile, tPort, tDeviceInformationSet, tProcess, tProgramThread>;
+  using tObject = std::variant<tEvent, tThread, tFile, tPort, tDeviceInformationSet, tProcess,
+                               tProgramThread, tDiskFile>;
 
   // Guards all members below, and what they give access to.
   std::mutex mutex;
@@ -110,6 +121,9 @@ class tObjects {
   [[nodiscard]] bool signal(HANDLE handle);
 
   // The rest with the lock held.
+
+  // Whether the handles that are open on a file or folder, and the new one, share it with each other.
+  [[nodiscard]] bool mayOpen(const std::filesystem::path& path, DWORD uses, DWORD sharing) const;
 
   // Copies a reply to where the request behind an OVERLAPPED wants it.
   void handOver(const OVERLAPPED& overlapped, const void* reply, size_t size);
