@@ -80,12 +80,12 @@ class Update : public ContractTest {
     resetUpdateWorld();
     machine().clearFirmware();
     makeUpdatable(1, 0);
-    useTemporaryDirectory(temporary_.path().string());
+    useTemporaryDirectory(temporary_.path());
     open();
     machine().clearLog();
   }
   void TearDown() override {
-    useTemporaryDirectory(temporary_.path().parent_path().string());
+    useTemporaryDirectory(temporary_.path().parent_path());
     resetUpdateWorld();
     ContractTest::TearDown();
   }
@@ -370,7 +370,7 @@ TEST_F(Update, WithoutRandomBytes_FailsBeforeAnyEffect) {
 }
 
 TEST_F(Update, WithoutATemporaryDirectory_FailsBeforeAnyEffect) {
-  useTemporaryDirectory((temporary_.path() / "missing").string());
+  useTemporaryDirectory(temporary_.path() / "missing");
   EXPECT_EQ(update({bios(), driverPackage()}), QUENRA_STATUS_UPDATE_ENVIRONMENT);
   EXPECT_THAT(received(), IsEmpty());
   EXPECT_THAT(markers(), IsEmpty());
@@ -504,6 +504,18 @@ TEST_F(Update, WarningOfTheDriver_IsKeptAndTheUpdateGoesOn) {
   EXPECT_EQ(update({bios(), marten()}), 5);
   EXPECT_THAT(received(), SizeIs(2));
   EXPECT_EQ(installedMarker(), "0.0.0f0");
+}
+
+TEST_F(Update, TemporaryDirectoryOutsideTheCodePage_FailsAndWritesIntoNoOther) {
+  // The best fit of the first name in the code page, and a name that leads there.
+  const fs::path outside = temporary_.path() / fs::path(u"\u0141");
+  const fs::path bestFit = temporary_.path() / "L";
+  fs::create_directory(outside);
+  fs::create_directory(bestFit);
+  useTemporaryDirectory(outside);
+  EXPECT_EQ(update({tFirmwareSection::capsule("../x.cap")}), QUENRA_STATUS_UPDATE_ENVIRONMENT);
+  EXPECT_THAT(files(), IsEmpty());
+  EXPECT_EQ(installedMarker(), "1.4.0f7");
 }
 
 TEST_F(Update, SavedMarker_IsReadWithTwoCalls) {

@@ -137,16 +137,29 @@ TEST_F(FirmwareUpdate, FolderThatCannotBeCreated_FailsAtItsLineAndRestoresTheMar
 }
 
 TEST_F(FirmwareUpdate, NameThatCannotBeConverted_FailsAtItsLineAndLeavesNoFile) {
-  // Converted for its file and for the tool, each time in two calls.
-  for (unsigned nth = 1; nth <= 4; ++nth) {
-    for (const tCall call : {tCall::multiByteToWideChar, tCall::wideCharToMultiByte}) {
-      afterOpening = [=] { faultPlan().failCall(call, nth, ERROR_NO_UNICODE_TRANSLATION); };
+  // Converted for its file and for the tool, each time in two calls, and back to compare.
+  for (const auto& [call, calls] : {std::pair<tCall, unsigned>{tCall::multiByteToWideChar, 8},
+                                    {tCall::wideCharToMultiByte, 4}}) {
+    for (unsigned nth = 1; nth <= calls; ++nth) {
+      SCOPED_TRACE(nth);
+      afterOpening = [nth, refused = call] {
+        faultPlan().failCall(refused, nth, ERROR_NO_UNICODE_TRANSLATION);
+      };
       EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})),
                 sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2980));
       faultPlan().reset();
       expectNoEffect();
     }
   }
+}
+
+TEST_F(FirmwareUpdate, TemporaryDirectoryOutsideTheCodePage_FailsAtTheLineOfTheConversion) {
+  const std::filesystem::path outside = temporary / std::filesystem::path(u"\u0141");
+  std::filesystem::create_directory(outside);
+  setenv("TMPDIR", outside.c_str(), 1);
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})),
+            sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2980));
+  expectNoEffect();
 }
 
 TEST_F(FirmwareUpdate, SystemThatIsShortOfMemory_FailsWithOutOfMemoryAtTheSameLines) {

@@ -20,7 +20,7 @@ using nFakeWindows::tCall;
 using nQUENRA1400::nZOAPAL000::codePageFromUtf16;
 using nQUENRA1400::nZOAPAL000::utf16FromCodePage;
 
-constexpr uint32_t kNoUnicodeTranslation = 1113;
+constexpr int kNoUnicodeTranslation = 1113;
 
 class CodePage : public nFakeWindows::FakeWindowsTest {
  protected:
@@ -47,9 +47,11 @@ TEST_F(CodePage, EveryByte_ComesBackAsItWas) {
   EXPECT_EQ(codePageFromUtf16(wide), bytes);
 }
 
-TEST_F(CodePage, CharacterWithoutCounterpart_BecomesTheReplacement) {
-  EXPECT_EQ(codePageFromUtf16(u"a\u20AC\u00E9"), "a?\xE9");
-  EXPECT_EQ(codePageFromUtf16(u"\xD800"), "?") << "half a surrogate pair";
+TEST_F(CodePage, CharacterWithoutCounterpart_FailsInsteadOfBeingReplaced) {
+  for (const std::u16string_view text : {u"a\u20AC\u00E9", u"\u0141", u"\xD800", u"\uFF3C"}) {
+    EXPECT_EQ(errorOf([&] { static_cast<void>(codePageFromUtf16(text)); }), kNoUnicodeTranslation);
+  }
+  EXPECT_EQ(codePageFromUtf16(u"?"), "?") << "the replacement itself";
 }
 
 TEST_F(CodePage, EmptyText_StaysEmptyWithoutAskingTheSystem) {

@@ -6,20 +6,12 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "zoapal/protons/text/windowsu/widetext.h"
+
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
 
-// The same 16 bits under the system's name.
-static_assert(sizeof(WCHAR) == sizeof(char16_t));
-
-LPWSTR wide(char16_t* text) noexcept {
-  return reinterpret_cast<LPWSTR>(text);
-}
-LPCWSTR wide(const char16_t* text) noexcept {
-  return reinterpret_cast<LPCWSTR>(text);
-}
-
-// As the system takes it; nothing it could convert is longer.
+// The system's calls have a length of type int.
 template <class Text>
 int lengthOf(const Text& text) {
   if (text.size() > std::numeric_limits<int>::max()) {
@@ -28,11 +20,13 @@ int lengthOf(const Text& text) {
   return static_cast<int>(text.size());
 }
 
-// What is not converted whole is no name of anything: better none than another.
+[[noreturn]] void fail(DWORD error, std::string_view call) {
+  throw std::system_error(static_cast<int>(error), std::system_category(), std::string(call));
+}
+
 size_t converted(int characters, std::string_view call) {
   if (characters <= 0) {
-    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
-                            std::string(call));
+    fail(GetLastError(), call);
   }
   return static_cast<size_t>(characters);
 }
@@ -41,15 +35,17 @@ size_t converted(int characters, std::string_view call) {
 
 std::u16string utf16FromCodePage(std::string_view text) {
   constexpr std::string_view kCall = "MultiByteToWideChar";
+  constexpr DWORD kFlags = MB_ERR_INVALID_CHARS;
   const int length = lengthOf(text);
   std::u16string result;
-  // For an empty text the system gives 0, as for a failure.
+  // The call returns 0 for an empty text, as for a failure.
   if (length != 0) {
     result.resize(
-        converted(MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0), kCall));
-    result.resize(converted(MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide(result.data()),
-                                                static_cast<int>(result.size())),
-                            kCall));
+        converted(MultiByteToWideChar(CP_ACP, kFlags, text.data(), length, nullptr, 0), kCall));
+    result.resize(
+        converted(MultiByteToWideChar(CP_ACP, kFlags, text.data(), length, wideText(result.data()),
+                                      static_cast<int>(result.size())),
+                  kCall));
   }
   return result;
 }
@@ -60,11 +56,17 @@ std::string codePageFromUtf16(std::u16string_view text) {
   std::string result;
   if (length != 0) {
     result.resize(converted(
-        WideCharToMultiByte(CP_ACP, 0, wide(text.data()), length, nullptr, 0, nullptr, nullptr),
+        WideCharToMultiByte(CP_ACP, 0, wideText(text.data()), length, nullptr, 0, nullptr, nullptr),
         kCall));
-    result.resize(converted(WideCharToMultiByte(CP_ACP, 0, wide(text.data()), length, result.data(),
-                                                static_cast<int>(result.size()), nullptr, nullptr),
-                            kCall));
+    result.resize(
+        converted(WideCharToMultiByte(CP_ACP, 0, wideText(text.data()), length, result.data(),
+                                      static_cast<int>(result.size()), nullptr, nullptr),
+                  kCall));
+    // The system replaces a character that the code page lacks, often by a similar letter or a separator.
+    // Its flag against that is refused for some code pages, UTF-8 among them.
+    if (utf16FromCodePage(result) != text) {
+      fail(ERROR_NO_UNICODE_TRANSLATION, kCall);
+    }
   }
   return result;
 }
