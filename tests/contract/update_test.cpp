@@ -506,6 +506,70 @@ TEST_F(Update, WarningOfTheDriver_IsKeptAndTheUpdateGoesOn) {
   EXPECT_EQ(installedMarker(), "0.0.0f0");
 }
 
+// ---- The folder and other processes ----
+
+TEST_F(Update, CleanUp_LeavesTheTargetsOfLinksInTheFolder) {
+  const fs::path target = temporary_.path() / "target";
+  const fs::path file = target / "of others.txt";
+  fs::create_directory(target);
+  std::ofstream(file) << "kept";
+  const fs::path root = temporary_.path() / "updates";
+  fs::create_directory(root);
+  useTemporaryDirectory(root);
+  std::vector<fs::path> links;
+  loseTool([&] {
+    const fs::path folder = fs::directory_iterator(root)->path();
+    fs::create_directory(folder / "nested");
+    links = {folder / "to folder", folder / "to file", folder / "nested" / "to folder"};
+    plantLink(links[0], target);
+    plantLink(links[1], file);
+    plantLink(links[2], target);
+  });
+  EXPECT_EQ(update({driverPackage()}), QUENRA_STATUS_UPDATE_ENVIRONMENT);
+  EXPECT_THAT(links, SizeIs(3));
+  EXPECT_THAT(contentsOf(file), ElementsAre('k', 'e', 'p', 't'));
+  if (removesLinks()) {
+    EXPECT_TRUE(fs::is_empty(root));
+  }
+  for (const fs::path& link : removesLinks() ? std::vector<fs::path>{} : links) {
+    removeLink(link);
+  }
+}
+
+TEST_F(Update, CleanUpOfAFolderThatWasReplacedByALink_LeavesItsTarget) {
+  const fs::path target = temporary_.path() / "target";
+  const fs::path file = target / "of others.txt";
+  fs::create_directory(target);
+  std::ofstream(file) << "kept";
+  const fs::path root = temporary_.path() / "updates";
+  fs::create_directory(root);
+  useTemporaryDirectory(root);
+  fs::path folder;
+  loseTool([&] {
+    folder = fs::directory_iterator(root)->path();
+    moveAside(folder, temporary_.path() / "moved");
+    plantLink(folder, target);
+  });
+  EXPECT_EQ(update({driverPackage()}), QUENRA_STATUS_UPDATE_ENVIRONMENT);
+  EXPECT_THAT(contentsOf(file), ElementsAre('k', 'e', 'p', 't'));
+  if (removesLinks()) {
+    EXPECT_TRUE(fs::is_empty(root));
+  } else {
+    removeLink(folder);
+  }
+}
+
+TEST_F(Update, CleanUp_RemovesReadOnlyFiles) {
+  loseTool([this] {
+    const fs::path file = folders().at(0) / "read-only";
+    std::ofstream(file) << "a file";
+    fs::permissions(file, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                    fs::perm_options::remove);
+  });
+  EXPECT_EQ(update({driverPackage()}), QUENRA_STATUS_UPDATE_ENVIRONMENT);
+  EXPECT_THAT(folders(), IsEmpty());
+}
+
 TEST_F(Update, TemporaryDirectoryOutsideTheCodePage_FailsAndWritesIntoNoOther) {
   // The best fit of the first name in the code page, and a name that leads there.
   const fs::path outside = temporary_.path() / fs::path(u"\u0141");

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "zoapal/protons/files/windowsu/removetree.h"
+
 namespace nQUENRA1400 {
 namespace {
 
@@ -57,11 +59,7 @@ void tUpdateFolder::create() const {
 }
 
 void tUpdateFolder::remove() const noexcept {
-  try {
-    std::error_code ignored;
-    fs::remove_all(fs::path(path_), ignored);
-  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the folder stays
-  }
+  nZOAPAL000::removeTree(path_);
 }
 
 }  // namespace nQUENRA1400

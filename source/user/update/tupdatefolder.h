@@ -24,7 +24,7 @@ class tUpdateFolder {
   // Creates the folder, with any missing parents, unless it exists. Throws
   // std::filesystem::filesystem_error ("create_directories").
   void create() const;
-  // Removes the folder with all its contents, as far as the system allows.
+  // Removes the folder with all its contents, as far as the system allows. Never follows a link.
   void remove() const noexcept;
 
  private:
