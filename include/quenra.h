@@ -206,8 +206,11 @@ QUENRA_RETURNS_STATUS int32_t QUENRA_updateFirmware(uint64_t handle,
  * or in several, mix their effects.
  *
  * A failure restores the Marten's version marker; the driver keeps the firmware that it has accepted by
- * then. The files of an image stay in a folder of their own in the temporary directory, unless one of
- * them cannot be opened or a driver package cannot be installed.
+ * then. The files of an image stay in a folder of their own in the temporary directory, after a failure
+ * too; only if one of them cannot be opened, or a driver package cannot be installed, the library removes
+ * the folder with its contents. Its owner, the system and administrators alone have access to the folder,
+ * and until the call returns, other processes can read the files but not change them. A folder that cannot
+ * be protected like that counts as one that cannot be created.
  *
  * On a machine with a Marten, every update that returns 0 or a warning leaves the marker
  * QUENRA_ATTRIBUTE_FIRMWARE_VERSION of the Marten at "0.0.0f0", which is older than any other version,

@@ -13,7 +13,8 @@ import subprocess
 import sys
 
 WINDOWS_LIBRARIES = {
-    "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "setupapi.dll",
+    "advapi32.dll", "bcrypt.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll",
+    "setupapi.dll",
 }
 
 

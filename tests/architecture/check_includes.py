@@ -16,7 +16,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 WINDOWS_HEADERS = {
     "windows.h", "setupapi.h", "winioctl.h", "initguid.h", "cfgmgr32.h", "newdev.h", "process.h",
     "winternl.h", "ntddk.h", "wdm.h", "psapi.h", "tlhelp32.h", "devguid.h", "winsvc.h", "objbase.h",
-    "oleauto.h", "wbemcli.h",
+    "oleauto.h", "sddl.h", "wbemcli.h",
 }
 MAY_CALL_WINDOWS = (
     "zoapal/protons/", "zosmbios/czosmbioswindowsprovider.cpp", "source/user/preconditions/",

@@ -570,6 +570,36 @@ TEST_F(Update, CleanUp_RemovesReadOnlyFiles) {
   EXPECT_THAT(folders(), IsEmpty());
 }
 
+TEST_F(Update, FilesAndFolder_AreHeldUntilTheToolHasEnded) {
+  unsigned starts = 0;
+  fs::path folder;
+  beforeToolStart([&] {
+    ++starts;
+    folder = folders().at(0);
+    for (const char* name : {"driver.inf", "bios.cap"}) {
+      EXPECT_TRUE(canOpen(folder / name, tOpening::reading)) << name;
+      EXPECT_FALSE(canOpen(folder / name, tOpening::writing)) << name;
+      EXPECT_FALSE(canOpen(folder / name, tOpening::removing)) << name;
+    }
+    EXPECT_TRUE(canOpen(folder, tOpening::reading));
+    EXPECT_FALSE(canOpen(folder, tOpening::removing));
+  });
+  EXPECT_EQ(update({driverPackage(), tFirmwareSection::capsule("bios.cap")}), 0);
+  EXPECT_EQ(starts, 1u);
+  for (const fs::path& path : {folder, folder / "driver.inf", folder / "bios.cap"}) {
+    EXPECT_TRUE(canOpen(path, tOpening::removing)) << path;
+  }
+}
+
+TEST_F(Update, TwoSectionsOfOneFileName_LeaveTheLaterPayload) {
+  const tFirmwareSection later = tFirmwareSection::capsule("bios.cap");
+  EXPECT_EQ(update({tFirmwareSection::capsule("bios.cap").payload(firmwareBytes(9000, 7)),
+                    tFirmwareSection::capsule("other.cap"), later}),
+            0);
+  EXPECT_THAT(files(), ElementsAre("bios.cap", "other.cap"));
+  EXPECT_EQ(contentsOf(folders().at(0) / "bios.cap"), later.data());
+}
+
 TEST_F(Update, TemporaryDirectoryOutsideTheCodePage_FailsAndWritesIntoNoOther) {
   // The best fit of the first name in the code page, and a name that leads there.
   const fs::path outside = temporary_.path() / fs::path(u"\u0141");

@@ -13,6 +13,7 @@
 #include "source/user/update/driverpackage.h"
 #include "source/user/update/environmentstep.h"
 #include "source/user/update/firmwareversion.h"
+#include "source/user/update/foldername.h"
 #include "source/user/update/martentext.h"
 #include "source/user/update/payloadfiles.h"
 #include "source/user/update/tmartenmarker.h"
@@ -125,7 +126,7 @@ void send(Interface& device, const tFirmwarePayload& payload, zoerr::Status& sta
   status.mergeFrom(record);
 }
 
-void install(const tFirmwarePayload& payload, const tUpdateFolder& folder, zoerr::Status& status) {
+void install(const tFirmwarePayload& payload, tUpdateFolder& folder, zoerr::Status& status) {
   installDriverPackage(payloadFilePath(payload, folder, status), status);
   if (status.isError()) {
     folder.remove();
@@ -144,7 +145,7 @@ std::optional<tUpdateFolder> chooseFolder(zoerr::Status& status) {
 
 // Sends firmware to its device and installs driver packages. Other payloads are only written to their files.
 void apply(const tAttributeAccess& access, const tFirmwarePayload& payload, const tCurrent& current,
-           const tUpdateFolder& folder, zoerr::Status& status) {
+           tUpdateFolder& folder, zoerr::Status& status) {
   if (payload.targetDevice == kBios && !current.bios && payload.targetFileName.empty()) {
     send(access.controller, payload, status);
   } else if (payload.targetFileName.view().find(kDriverPackage) != std::string_view::npos) {
@@ -155,7 +156,7 @@ void apply(const tAttributeAccess& access, const tFirmwarePayload& payload, cons
 }
 
 void applyAll(const tAttributeAccess& access, const tFirmwarePayloads& payloads,
-              const tCurrent& current, const tUpdateFolder& folder, zoerr::Status& status) {
+              const tCurrent& current, tUpdateFolder& folder, zoerr::Status& status) {
   tMartenMarker marker(access.martenIsOpen ? &access.marten : nullptr);
   marker.overwrite(status);
   writePayloadFiles(payloads, folder, status);
@@ -181,7 +182,7 @@ void updateFirmware(const tAttributeAccess& access, const void* image, size_t im
   if (status.isError()) {
     return;
   }
-  const std::optional<tUpdateFolder> folder = chooseFolder(status);
+  std::optional<tUpdateFolder> folder = chooseFolder(status);
   if (!folder) {
     return;
   }

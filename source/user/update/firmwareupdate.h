@@ -14,7 +14,8 @@ namespace nQUENRA1400 {
 //
 // A failure restores the Marten's version marker; the driver keeps the firmware that it has accepted.
 // Files stay in the folder of the update, unless one cannot be opened or a driver package cannot be
-// installed. Failures of the system, such as missing random bytes, are reported as kUpdateEnvironment.
+// installed. Until the update returns, other processes cannot change them. Failures of the system, such as
+// missing random bytes, are reported as kUpdateEnvironment.
 // Throws std::bad_alloc.
 void updateFirmware(const tAttributeAccess& access, const void* image, size_t imageSize,
                     uint32_t flags, zoerr::Status& status);

@@ -41,12 +41,24 @@ bool writeFile(const tFirmwarePayload& payload, const std::string& path) {
   return true;
 }
 
-void writePayloadFile(const tFirmwarePayload& payload, const tUpdateFolder& folder,
+// Returns false when the file cannot be opened, or another process writes to it too.
+bool writeAndHold(const tFirmwarePayload& payload, const std::u16string& path,
+                  const std::string& narrow, tUpdateFolder& folder) {
+  bool isWritten = writeFile(payload, narrow);
+  if (!isWritten) {
+    // Two sections may name the same file, which is held since the first of them.
+    folder.releaseFiles();
+    isWritten = writeFile(payload, narrow);
+  }
+  return isWritten && folder.hold(path);
+}
+
+void writePayloadFile(const tFirmwarePayload& payload, tUpdateFolder& folder,
                       zoerr::Status& status) {
   const std::u16string path = widePath(payload, folder, status);
   runEnvironmentStep(kFolderNotCreated, status, [&] { folder.create(); });
   const std::string narrow = narrowPath(path, status);
-  if (!status.isError() && !writeFile(payload, narrow)) {
+  if (!status.isError() && !writeAndHold(payload, path, narrow, folder)) {
     folder.remove();
     status.set(kUpdateEnvironment, kCannotBeOpened);
   }
@@ -59,7 +71,7 @@ std::string payloadFilePath(const tFirmwarePayload& payload, const tUpdateFolder
   return narrowPath(widePath(payload, folder, status), status);
 }
 
-void writePayloadFiles(const tFirmwarePayloads& payloads, const tUpdateFolder& folder,
+void writePayloadFiles(const tFirmwarePayloads& payloads, tUpdateFolder& folder,
                        zoerr::Status& status) {
   for (const tFirmwarePayload& payload : payloads) {
     if (status.isError()) {

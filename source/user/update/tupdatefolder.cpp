@@ -1,10 +1,9 @@
 #include "source/user/update/tupdatefolder.h"
 
-#include <boost/uuid/random_generator.hpp>
-#include <boost/uuid/uuid_io.hpp>
 #include <filesystem>
 #include <system_error>
 
+#include "zoapal/protons/files/windowsu/protectedfolder.h"
 #include "zoapal/protons/files/windowsu/removetree.h"
 
 namespace nQUENRA1400 {
@@ -22,18 +21,17 @@ constexpr bool isSeparator(char16_t character) noexcept {
   return character == u'\\' || character == u'/';
 }
 
-// Windows takes either separator for the other, also in the two that begin the name of another machine.
+// The name of another machine or of a device. Windows accepts both kinds of separator.
+constexpr bool isRemoteOrDevice(std::u16string_view name) noexcept {
+  return name.size() >= 2 && isSeparator(name[0]) && isSeparator(name[1]);
+}
+
 constexpr bool isAbsolute(std::u16string_view name) noexcept {
   const bool hasDriveLetter = name.size() >= 2 && isLetter(name[0]) && name[1] == u':';
-  return hasDriveLetter || (name.size() >= 2 && isSeparator(name[0]) && isSeparator(name[1]));
+  return hasDriveLetter || isRemoteOrDevice(name);
 }
 
 }  // namespace
-
-std::string randomFolderName() {
-  boost::uuids::random_generator_pure generator;
-  return boost::uuids::to_string(generator());
-}
 
 tUpdateFolder::tUpdateFolder(const std::string& name)
     : path_((fs::temp_directory_path() / name).u16string()) {}
@@ -49,16 +47,46 @@ std::u16string tUpdateFolder::pathOf(std::u16string_view fileName) const {
   return joined;
 }
 
-void tUpdateFolder::create() const {
+void tUpdateFolder::create() {
+  if (folder_) {
+    return;
+  }
   const fs::path path(path_);
-  std::error_code error;
-  fs::create_directories(path, error);
-  if (error) {
-    throw fs::filesystem_error("create_directories", path, error);
+  try {
+    fs::create_directories(path.parent_path());
+    folder_ = nZOAPAL000::createProtectedFolder(path_);
+  } catch (const std::system_error& error) {
+    throw fs::filesystem_error("create_directories", path, error.code());
   }
 }
 
-void tUpdateFolder::remove() const noexcept {
+bool tUpdateFolder::hold(const std::u16string& path) {
+  // Opening a device or a pipe a second time would have effects there. The temporary directory may well be
+  // on another machine.
+  if (isRemoteOrDevice(path) && !path.starts_with(path_)) {
+    return true;
+  }
+  files_.push_back({path, {}});
+  bool isWritten = false;
+  for (tHeldFile& file : files_) {
+    if (!file.handle) {
+      file.handle = nZOAPAL000::holdFile(file.path);
+      isWritten = isWritten || (!file.handle && GetLastError() == ERROR_SHARING_VIOLATION);
+    }
+  }
+  return !isWritten;
+}
+
+void tUpdateFolder::releaseFiles() noexcept {
+  for (tHeldFile& file : files_) {
+    file.handle.reset();
+  }
+}
+
+void tUpdateFolder::remove() noexcept {
+  // The system removes no file that is held.
+  files_.clear();
+  folder_.reset();
   nZOAPAL000::removeTree(path_);
 }
 

@@ -3,14 +3,15 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 
 namespace nQUENRA1400 {
 
-// Returns the text of a random UUID. Throws boost::uuids::entropy_error when the system has no random
-// bytes.
-[[nodiscard]] std::string randomFolderName();
-
-// The folder of one update in the system's temporary directory. Constructing it creates nothing.
+// The folder of one update in the system's temporary directory, and the guard of its files: other processes
+// cannot replace the folder, nor change the files, until the object ends or the folder is removed.
+// Constructing it creates nothing.
 class tUpdateFolder {
  public:
   // Throws std::filesystem::filesystem_error ("temp_directory_path") when the system has no temporary
@@ -21,14 +22,29 @@ class tUpdateFolder {
   // path of its own.
   [[nodiscard]] std::u16string pathOf(std::u16string_view fileName) const;
 
-  // Creates the folder, with any missing parents, unless it exists. Throws
-  // std::filesystem::filesystem_error ("create_directories").
-  void create() const;
-  // Removes the folder with all its contents, as far as the system allows. Never follows a link.
-  void remove() const noexcept;
+  // Creates the folder, with any missing parents, for its owner, the system and administrators only.
+  // Does nothing when this object has created it. Throws std::filesystem::filesystem_error
+  // ("create_directories"), std::bad_alloc.
+  void create();
+  // Keeps other processes from writing, renaming and removing a file of the update. Returns false if
+  // another process has the file open for writing. A file that cannot be opened for another reason, and the
+  // name of an image for another machine or a device, stay unguarded. Throws std::bad_alloc.
+  [[nodiscard]] bool hold(const std::u16string& path);
+  // Lets other processes change the files until the next file is held.
+  void releaseFiles() noexcept;
+  // Releases the folder and its files, and removes the folder with all its contents, as far as the system
+  // allows. Never follows a link.
+  void remove() noexcept;
 
  private:
+  struct tHeldFile {
+    std::u16string path;
+    nZOAPAL000::tUniqueFile handle;
+  };
+
   std::u16string path_;
+  nZOAPAL000::tUniqueFile folder_;
+  std::vector<tHeldFile> files_;
 };
 
 }  // namespace nQUENRA1400

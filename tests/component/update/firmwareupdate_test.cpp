@@ -176,6 +176,61 @@ TEST_F(FirmwareUpdate, SystemThatIsShortOfMemory_FailsWithOutOfMemoryAtTheSameLi
   }
 }
 
+// ---- The folder and other processes ----
+
+TEST_F(FirmwareUpdate, Folder_IsCreatedOnceAndProtected) {
+  EXPECT_EQ(
+      run(firmwareImage({tFirmwareSection::capsule("a.cap"), tFirmwareSection::capsule("b.cap"),
+                         tFirmwareSection::capsule("driver.inf")})),
+      success());
+  EXPECT_EQ(faultPlan().callCount(tCall::createDirectory), 1u);
+  ASSERT_THAT(nFakeWindows::disk().protections(), testing::SizeIs(1));
+  const nFakeWindows::tProtection protection = nFakeWindows::disk().protections()[0];
+  EXPECT_TRUE(protection.isNew);
+  EXPECT_EQ(protection.path, std::filesystem::directory_iterator(temporary)->path());
+  EXPECT_THAT(protection.descriptor, testing::StartsWith("D:P("));
+}
+
+TEST_F(FirmwareUpdate, FolderThatCannotBeProtected_FailsAtTheLineOfTheFolder) {
+  const std::pair<uint32_t, int32_t> kErrors[] = {
+      {ERROR_ACCESS_DENIED, QUENRA_STATUS_UPDATE_ENVIRONMENT},
+      {ERROR_NOT_ENOUGH_MEMORY, QUENRA_STATUS_OUT_OF_MEMORY}};
+  for (const tCall call :
+       {tCall::getTokenInformation, tCall::convertSecurityDescriptor, tCall::createDirectory,
+        tCall::createDiskFile, tCall::getFileInformation}) {
+    for (const auto& [error, code] : kErrors) {
+      SCOPED_TRACE(nameOf(call));
+      afterOpening = [call, refusal = error] { faultPlan().failCall(call, 1, refusal); };
+      EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})),
+                sessionFailure(code, 2979));
+      faultPlan().reset();
+      EXPECT_TRUE(std::filesystem::is_empty(temporary));
+      expectNoEffect();
+    }
+  }
+}
+
+// Calls that open a file: the folder, then the payload.
+TEST_F(FirmwareUpdate, FileThatAnotherProcessWrites_FailsLikeOneThatCannotBeOpened) {
+  afterOpening = [] { faultPlan().failCall(tCall::createDiskFile, 2, ERROR_SHARING_VIOLATION); };
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})),
+            sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2978));
+  faultPlan().reset();
+  EXPECT_TRUE(std::filesystem::is_empty(temporary));
+  expectNoEffect();
+}
+
+TEST_F(FirmwareUpdate, FileThatCannotBeHeldForAnotherReason_IsNotReported) {
+  afterOpening = [] { faultPlan().failCall(tCall::createDiskFile, 2, ERROR_ACCESS_DENIED); };
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})), success());
+  EXPECT_EQ(programs().started().size(), 1u);
+}
+
+TEST_F(FirmwareUpdate, NameOfADevice_IsOpenedForWritingOnly) {
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("//dev/null")})), success());
+  EXPECT_EQ(faultPlan().callCount(tCall::createDiskFile), 1u) << "the folder";
+}
+
 // ---- File names ----
 
 TEST_F(FirmwareUpdate, NameInTheCodePage_IsOpenedInTheCodePage) {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "source/user/update/foldername.h"
 #include "tests/builders/ttemporaryfolder.h"
 #include "tests/fakewindows/fakewindowstest.h"
 
@@ -74,7 +75,7 @@ TEST_F(UpdateFolder, WithoutATemporaryDirectory_ThrowsAFilesystemErrorOfThatName
 TEST_F(UpdateFolder, FolderThatCannotBeCreated_ThrowsAFilesystemErrorOfThatName) {
   const tTemporaryFolder parent;
   setenv("TMPDIR", parent.path().c_str(), 1);
-  const tUpdateFolder folder("name");
+  tUpdateFolder folder("name");
   unsetenv("TMPDIR");
   std::ofstream(parent.path() / "name") << "a file";
   try {

@@ -1,4 +1,5 @@
 // Each allocation of a complete update fails in turn.
+#include "source/user/update/foldername.h"
 #include "source/user/update/tupdatefolder.h"
 #include "tests/component/update/updatetest.h"
 #include "tests/fakewindows/allocationplan.h"
@@ -52,7 +53,7 @@ TEST_F(UpdateMemory, EachAllocationThatFails_IsReportedAndLeavesNothingHalfDone)
 }
 
 TEST_F(UpdateMemory, ShortWhileTheFolderIsRemoved_LeavesTheFolder) {
-  const nQUENRA1400::tUpdateFolder folder(nQUENRA1400::randomFolderName());
+  nQUENRA1400::tUpdateFolder folder(nQUENRA1400::randomFolderName());
   folder.create();
   const std::filesystem::path path(folder.pathOf(u"x"));
   {

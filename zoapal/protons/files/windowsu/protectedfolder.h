@@ -1,0 +1,25 @@
+#ifndef ZOAPAL_PROTONS_FILES_WINDOWSU_PROTECTEDFOLDER_H
+#define ZOAPAL_PROTONS_FILES_WINDOWSU_PROTECTEDFOLDER_H
+
+#include <string>
+
+#include "zoapal/protons/handles/windowsu/tuniquehandle.h"
+
+namespace nQUENRA1400::nZOAPAL000 {
+
+// Creates a folder that only its owner, the system and administrators can use, and whose entries inherit
+// that. If the caller's integrity level is above medium, processes of lower levels cannot write there. While
+// the handle is open, no process renames, removes or replaces the folder or one above it.
+//
+// A folder that exists is protected likewise; a link or a file in its place is a failure. Throws
+// std::system_error, and leaves no folder that it has created; std::bad_alloc.
+[[nodiscard]] tUniqueFile createProtectedFolder(const std::u16string& path);
+
+// Opens a file for reading. While the handle is open, other processes can read the file, but not write,
+// rename or remove it. Returns an invalid handle, and GetLastError the reason: ERROR_SHARING_VIOLATION if
+// another process has the file open for writing.
+[[nodiscard]] tUniqueFile holdFile(const std::u16string& path) noexcept;
+
+}  // namespace nQUENRA1400::nZOAPAL000
+
+#endif
