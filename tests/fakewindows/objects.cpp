@@ -90,7 +90,8 @@ std::vector<std::string> tObjects::open() {
 bool tObjects::mayOpen(const std::filesystem::path& path, DWORD uses, DWORD sharing) const {
   return std::none_of(objects_.begin(), objects_.end(), [&](const auto& entry) {
     const tDiskFile* const open = std::get_if<tDiskFile>(&entry.second);
-    return open != nullptr && open->path == path &&
+    // A handle for attributes alone has no part in the sharing.
+    return open != nullptr && open->path == path && uses != 0 && open->uses != 0 &&
            ((uses & ~open->sharing) != 0 || (open->uses & ~sharing) != 0);
   });
 }
