@@ -25,6 +25,7 @@
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/builders/referencetable.h"
 #include "tests/fakewindows/com.h"
+#include "tests/fakewindows/disk.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/machine.h"
 #include "tests/fakewindows/objects.h"
@@ -95,6 +96,7 @@ void make(const tMachine& wanted) {
   faultPlan().reset();
   nFakeWindows::com()->reset();
   nFakeWindows::com()->useVolumes({{VT_I4, wanted.encrypted}});
+  nFakeWindows::disk().reset();
   nFakeWindows::programs().reset();
   if (wanted.hasTool) {
     nFakeWindows::programs().install(kTool);
@@ -137,6 +139,23 @@ std::optional<tCall> planFailure(tProvider& input) {
   }
   faultPlan().failCall(kFailingCalls[call], input.ConsumeIntegralInRange<unsigned>(1, 4), kRefused);
   return kFailingCalls[call];
+}
+
+// Calls that guard or remove the folder of the update.
+constexpr std::array kDiskCalls = {
+    tCall::getTokenInformation, tCall::convertSecurityDescriptor, tCall::createDirectory,
+    tCall::createDiskFile,      tCall::getFileInformation,        tCall::getFileInformationEx,
+    tCall::setFileInformation,  tCall::getFinalPathName,          tCall::compareStringOrdinal,
+};
+
+// Consumes what the rest of the test leaves: an input without such bytes fails none of these calls.
+void planDiskFailure(tProvider& input) {
+  constexpr uint32_t kSharingViolation = 32;
+  const auto call = input.ConsumeIntegralInRange<size_t>(0, kDiskCalls.size());
+  if (call != 0) {
+    faultPlan().failCall(kDiskCalls[call - 1], input.ConsumeIntegralInRange<unsigned>(1, 8),
+                         kSharingViolation);
+  }
 }
 
 // The marker is written back by a request that always arrives; everything else the driver may refuse.
@@ -334,6 +353,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   planRefusal(input);
   const std::string image = anyImage(input);
+  planDiskFailure(input);
   const int32_t code = updateInItsFolder(handle, image, options);
   nFakeWindows::machine().useDriver(nullptr);
   faultPlan().reset();
