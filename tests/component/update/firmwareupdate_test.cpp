@@ -231,6 +231,12 @@ TEST_F(FirmwareUpdate, NameOfADevice_IsOpenedForWritingOnly) {
   EXPECT_EQ(faultPlan().callCount(tCall::createDiskFile), 1u) << "the folder";
 }
 
+TEST_F(FirmwareUpdate, FileInATemporaryDirectoryOnAnotherMachine_IsHeld) {
+  setenv("TMPDIR", ("/" + temporary.string()).c_str(), 1);
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})), success());
+  EXPECT_EQ(faultPlan().callCount(tCall::createDiskFile), 2u) << "the folder and its file";
+}
+
 // ---- File names ----
 
 TEST_F(FirmwareUpdate, NameInTheCodePage_IsOpenedInTheCodePage) {
