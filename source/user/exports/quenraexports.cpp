@@ -148,8 +148,7 @@ int32_t QUENRA_setAttributeU32(uint64_t handle, uint32_t attribute, uint32_t val
 }
 
 int32_t QUENRA_updateFirmware(uint64_t handle, const void* image, uint64_t size) {
-  constexpr uint32_t kWhateverIsInstalled = 1;
-  return QUENRA_updateFirmware2(handle, image, size, kWhateverIsInstalled);
+  return QUENRA_updateFirmware2(handle, image, size, QUENRA_UPDATE_ALL);
 }
 
 int32_t QUENRA_updateFirmware2(uint64_t handle, const void* image, uint64_t size,

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "quenra.h"
 #include "source/user/attributes/drivercalls.h"
 #include "source/user/attributes/providertext.h"
 #include "source/user/firmware/tfirmwareimageparser.h"
@@ -37,10 +38,7 @@ constexpr auto kUpdatable = byteField(0x9E, 0x04);
 constexpr auto kUpdateProtection = byteField(0x9E, 0x05);
 constexpr uint8_t kFirstProtected = 2;
 constexpr auto kBiosVersion = textField(0x00, 0x05);
-constexpr uint32_t kMartenVersion = 0x10200400;
-
-constexpr uint32_t kCompareVersions = 0;
-constexpr uint32_t kUpdateEverything = 1;
+constexpr uint32_t kMartenVersion = QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN;
 
 constexpr std::string_view kBios = "BIOS";
 constexpr std::string_view kMarten = "MARTEN";
@@ -81,7 +79,7 @@ void checkMachine(const tAttributeAccess& access, zoerr::Status& status) noexcep
 }
 
 void checkFlags(uint32_t flags, zoerr::Status& status) noexcept {
-  if (!status.isError() && flags != kCompareVersions && flags != kUpdateEverything) {
+  if (!status.isError() && flags != QUENRA_UPDATE_NEWER && flags != QUENRA_UPDATE_ALL) {
     status.set(kInvalidValue, kBadFlags);
   }
 }
@@ -112,7 +110,7 @@ tCurrent decide(const tAttributeAccess& access, const tFirmwarePayloads& payload
     }
     if (payload.targetDevice == kMarten && !access.martenIsOpen) {
       status.set(kInvalidImage, kNoMarten);
-    } else if (flags == kCompareVersions) {
+    } else if (flags == QUENRA_UPDATE_NEWER) {
       compareVersions(access, payload, current, status);
     }
   }

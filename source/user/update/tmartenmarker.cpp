@@ -2,13 +2,14 @@
 
 #include <string_view>
 
+#include "quenra_attributes.h"
 #include "source/user/attributes/drivercalls.h"
 #include "source/user/update/martentext.h"
 
 namespace nQUENRA1400 {
 namespace {
 
-constexpr uint32_t kMarker = 0x10000400;
+constexpr uint32_t kMarker = QUENRA_ATTRIBUTE_FIRMWARE_VERSION;
 constexpr std::string_view kIncomplete = "0.0.0f0";
 
 // Writes the text without a NUL.
