@@ -12,21 +12,39 @@
 
 namespace nCommandLine {
 
-// Ends a verb without an answer. Whoever runs the command line reports it, as text and as JSON.
+// The remedy of a failure with a status, instead of the general advice on that status.
+struct tRemedy {
+  std::string text;
+};
+
+// Another client's route that blocks a reservation.
+struct tRouteHolder {
+  uint64_t session;
+  uint32_t ticket;
+  bool operator==(const tRouteHolder&) const = default;
+};
+
+// Ends a verb without an answer. The command line reports it, as text and as JSON.
 class tCommandError : public std::runtime_error {
  public:
   // `what()` says in one sentence what could not be done. `status` is the library's code where it
   // was the library that failed; then its explanation is the advice.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status)
       : std::runtime_error(what), exitCode_(exitCode), status_(status) {}
-  // ... with advice of the program's own behind that of the status.
+  // ... with advice of the program's own after that of the status.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status,
                 std::string advice)
       : std::runtime_error(what),
         exitCode_(exitCode),
         status_(status),
         advice_(std::move(advice)) {}
-  // Wrong usage: `suggestions` are what may have been meant instead.
+  // ... with a remedy in the place of the status's advice.
+  tCommandError(tExitCode exitCode, const std::string& what, int32_t status, tRemedy remedy)
+      : std::runtime_error(what),
+        exitCode_(exitCode),
+        status_(status),
+        remedy_(std::move(remedy.text)) {}
+  // Wrong usage: `suggestions` are words that may have been meant instead.
   tCommandError(const std::string& what, std::string advice, std::vector<std::string> suggestions)
       : std::runtime_error(what),
         exitCode_(tExitCode::wrongUsage),
@@ -35,6 +53,10 @@ class tCommandError : public std::runtime_error {
 
   [[nodiscard]] tExitCode exitCode() const noexcept { return exitCode_; }
   [[nodiscard]] std::optional<int32_t> status() const noexcept { return status_; }
+  // Replaces the advice on the status; empty where that advice holds.
+  [[nodiscard]] const std::string& remedy() const noexcept { return remedy_; }
+  [[nodiscard]] const std::vector<tRouteHolder>& holders() const noexcept { return holders_; }
+  void setHolders(std::vector<tRouteHolder> holders) { holders_ = std::move(holders); }
   [[nodiscard]] const std::string& advice() const noexcept { return advice_; }
   [[nodiscard]] const std::vector<std::string>& suggestions() const noexcept {
     return suggestions_;
@@ -44,6 +66,8 @@ class tCommandError : public std::runtime_error {
   tExitCode exitCode_;
   std::optional<int32_t> status_;
   std::string advice_;
+  std::string remedy_;
+  std::vector<tRouteHolder> holders_;
   std::vector<std::string> suggestions_;
 };
 

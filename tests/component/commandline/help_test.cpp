@@ -68,6 +68,21 @@ TEST_F(Help, OfAGroup_TellsEachOfItsVerbs) {
   }
 }
 
+TEST_F(Help, ExampleLongerThanItsColumn_HasItsDescriptionBelow) {
+  const std::string text = run({"help", "route", "connect"}).out;
+  EXPECT_THAT(text, HasSubstr("\n  quenra route connect --from TRIG_SMB --to PXI_Trig0\n" +
+                              std::string(44, ' ') + "until Ctrl-C\n"));
+  EXPECT_THAT(run({"help", "get"}).out,
+              HasSubstr("\n  quenra get 0x10000100                     ... and by its id\n"));
+}
+
+TEST_F(Help, Option_WinsOverOtherWords) {
+  const std::string text = run({"get", "--help"}).out;
+  EXPECT_EQ(run({"get", "--unknown", "--help"}).out, text);
+  EXPECT_EQ(run({"--help", "get"}).out, text);
+  EXPECT_EQ(run({"set", "product-name", "--", "--help"}).exitCode, 0);
+}
+
 TEST_F(Help, WithJson_IsADocument) {
   const auto document = run({"help", "get", "--json"}).document();
   EXPECT_STREQ(document["kind"].GetString(), "help");

@@ -17,6 +17,11 @@ const tWords kWrong[] = {{},
                          {"info", "extra"},
                          {"info", "--unknown"},
                          {"info", "--json=maybe"},
+                         {"info", "--json=true"},
+                         {"--version=1"},
+                         {"get", "product-name", "--instance", "1", "--instance", "2"},
+                         {"get", "product-name", "--controller", "--marten"},
+                         {"route", "plan", "--from", "TRIG_SMB"},
                          {"info", "/json"},
                          {"get", "product-name", "serial-number"},
                          {"get", "product-name", "--instance"},
@@ -32,13 +37,15 @@ const tWords kWrong[] = {{},
                          {"firmware inspect"},
                          {"firmware", "build", "x"}};
 
-TEST_F(Usage, WrongUsage_HasItsExitCodeAndNothingOnTheOutput) {
+TEST_F(Usage, WrongUsage_HasItsExitCodeAndARemedyAndNothingOnTheOutput) {
   for (const tWords& words : kWrong) {
     const tRun result = run(words);
     EXPECT_EQ(result.exitCode, 2) << testing::PrintToString(words);
     EXPECT_THAT(result.out, IsEmpty()) << testing::PrintToString(words);
     EXPECT_THAT(result.error, testing::StartsWith("quenra: ")) << testing::PrintToString(words);
-    EXPECT_THAT(result.error, HasSubstr("--help' tells how.")) << testing::PrintToString(words);
+    EXPECT_THAT(result.error,
+                testing::AnyOf(HasSubstr("\n  Usage: quenra "), HasSubstr("\n  Run ")))
+        << testing::PrintToString(words);
   }
   EXPECT_TRUE(library_.reads.empty());
 }
@@ -60,8 +67,9 @@ TEST_F(Usage, ErrorDocument_HasThePromisedMembers) {
   const auto document = run({"get", "nothing-like-it", "--json"}).document();
   EXPECT_THAT(memberNames(document),
               ElementsAre("format", "kind", "exitCode", "warnings", "command", "error"));
-  EXPECT_THAT(memberNames(document["error"]), ElementsAre("cause", "message", "code", "constant",
-                                                          "meaning", "advice", "suggestions"));
+  EXPECT_THAT(memberNames(document["error"]),
+              ElementsAre("cause", "message", "code", "constant", "meaning", "advice",
+                          "suggestions", "holders"));
   EXPECT_STREQ(document["command"].GetString(), "get");
 }
 
@@ -77,16 +85,71 @@ TEST_F(Usage, Json_IsTakenBeforeAndAfterTheVerb) {
 }
 
 TEST_F(Usage, MisspeltVerb_IsMetWithASuggestion) {
-  EXPECT_THAT(run({"inof"}).error, HasSubstr("Did you mean info?"));
+  EXPECT_THAT(run({"inof"}).error, HasSubstr("unknown verb 'inof'\n  Did you mean info?\n"));
   EXPECT_THAT(run({"attribute"}).error, HasSubstr("Did you mean attributes?"));
+  EXPECT_THAT(run({"firmware", "verfy"}).error, HasSubstr("Did you mean firmware verify?"));
+}
+
+TEST_F(Usage, MisspeltOption_IsMetWithASuggestion) {
+  EXPECT_EQ(run({"info", "--jsn"}).error,
+            "quenra: unknown option '--jsn'\n"
+            "  Did you mean --json?\n"
+            "  Run 'quenra info --help' to list the options.\n");
+  EXPECT_THAT(run({"get", "product-name", "--martn=1"}).error,
+              HasSubstr("unknown option '--martn'\n  Did you mean --marten?\n"));
+  EXPECT_THAT(run({"--versoin"}).error, HasSubstr("Did you mean --version?"));
+  const auto document = run({"get", "x", "--contoller", "--json"}).document();
+  EXPECT_STREQ(document["error"]["suggestions"][0].GetString(), "--controller");
+}
+
+TEST_F(Usage, MissingWord_IsNamedWithTheUsage) {
+  const std::string usage =
+      "\n  Usage: quenra get NAME|ID [--instance N] [--controller|--marten]\n";
+  EXPECT_EQ(run({"get"}).error, "quenra: NAME or ID is missing" + usage);
+  EXPECT_EQ(run({"get", "product-name", "--instance"}).error,
+            "quenra: the value of --instance is missing" + usage);
+  EXPECT_EQ(run({"get", "product-name", "--instance", "--marten"}).error,
+            "quenra: the value of --instance is missing" + usage);
+  EXPECT_THAT(run({"completion"}).error, HasSubstr("quenra: bash or powershell is missing\n"));
+  EXPECT_THAT(run({"set", "driver-setting-1"}).error, HasSubstr("quenra: VALUE is missing\n"));
+  EXPECT_THAT(run({"route", "plan", "--from", "TRIG_SMB"}).error,
+              HasSubstr("quenra: --to is missing\n"));
+  EXPECT_THAT(run({}).error, HasSubstr("quenra: VERB is missing: use info, get, "));
+}
+
+TEST_F(Usage, WordThatCannotStandThere_IsNamed) {
+  EXPECT_THAT(run({"get", "product-name", "--instance", "1", "--instance", "2"}).error,
+              HasSubstr("quenra: --instance is given twice\n"));
+  EXPECT_THAT(run({"get", "firmware-version", "--controller", "--marten"}).error,
+              HasSubstr("quenra: --controller and --marten cannot be used together\n"));
+  EXPECT_THAT(run({"info", "extra"}).error, HasSubstr("quenra: unexpected argument 'extra'\n"));
+  EXPECT_THAT(run({"--version=x"}).error, HasSubstr("quenra: --version takes no value\n"));
+}
+
+TEST_F(Usage, JsonWithAValue_IsWrongUsage) {
+  for (const tWords& words : {tWords{"info", "--json=true"}, tWords{"--json=", "info"}}) {
+    const tRun result = run(words);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_THAT(result.error, HasSubstr("quenra: --json takes no value\n"));
+  }
+  EXPECT_EQ(library_.opens, 0);
+}
+
+TEST_F(Usage, ValueOfAnOption_FollowsItOrItsEqualsSign) {
+  for (const tWords& words : {tWords{"get", "memory-size", "--instance", "1"},
+                              tWords{"get", "--instance=1", "memory-size"}}) {
+    library_.reads.clear();
+    EXPECT_EQ(run(words).exitCode, 3);
+    ASSERT_FALSE(library_.reads.empty());
+    EXPECT_EQ(library_.reads.front(), 0x2000D001u);
+  }
 }
 
 TEST_F(Usage, GroupWithoutAnAction_IsMetWithItsActions) {
-  EXPECT_THAT(run({"firmware"}).error,
-              HasSubstr("'firmware' needs to be told what to do\n  Did you "
-                        "mean firmware inspect, firmware verify or "
-                        "firmware build?\n"));
-  EXPECT_THAT(run({"firmware", "verfy"}).error, HasSubstr("Did you mean firmware verify?"));
+  EXPECT_THAT(run({"route"}).error,
+              HasSubstr("incomplete command: use 'route plan' or 'route connect'\n"
+                        "  Run 'quenra route --help' to list the verbs.\n"));
   EXPECT_STREQ(run({"firmware", "inspect", "--json"}).document()["command"].GetString(),
                "firmware inspect");
 }
@@ -94,7 +157,7 @@ TEST_F(Usage, GroupWithoutAnAction_IsMetWithItsActions) {
 TEST_F(Usage, WordsOfAnyBytes_AreReportedPrintably) {
   EXPECT_THAT(run({"get", "\x1B[31m\xFF"}).error, HasSubstr("'\\x1B[31m\xEF\xBF\xBD'"));
   EXPECT_STREQ(run({"get", "\xFF", "--json"}).document()["error"]["message"].GetString(),
-               "there is no attribute '\xEF\xBF\xBD'");
+               "unknown attribute '\xEF\xBF\xBD'");
 }
 
 }  // namespace

@@ -20,6 +20,15 @@ bool hasHexadecimalPrefix(std::string_view text) noexcept {
   return text.starts_with("0x") || text.starts_with("0X");
 }
 
+// Of any length.
+bool isInteger(std::string_view text) noexcept {
+  const bool isHexadecimal = hasHexadecimalPrefix(text);
+  text.remove_prefix(isHexadecimal ? 2 : text.starts_with('-') ? 1 : 0);
+  return !text.empty() &&
+         text.find_first_not_of(isHexadecimal ? "0123456789abcdefABCDEF" : "0123456789") ==
+             std::string_view::npos;
+}
+
 }  // namespace
 
 bool looksLikeNumber(std::string_view text) noexcept {
@@ -40,6 +49,15 @@ std::optional<int32_t> parseStatusCode(std::string_view text) noexcept {
   }
   const auto bits = parseUnsigned(text);
   return bits ? std::optional(std::bit_cast<int32_t>(*bits)) : std::nullopt;
+}
+
+std::string numberFault(std::string_view text, std::string_view expected, int64_t least,
+                        int64_t most) {
+  if (isInteger(text)) {
+    return std::string(text) + " is out of range (" + std::to_string(least) + " to " +
+           std::to_string(most) + ")";
+  }
+  return "'" + std::string(text) + "' is not " + std::string(expected);
 }
 
 std::string hexadecimalText(uint32_t value, int digits) {

@@ -21,6 +21,11 @@ namespace nCommandLine {
 // With 0x and at least as many digits as given.
 [[nodiscard]] std::string hexadecimalText(uint32_t value, int digits = 1);
 
+// The fault of a text that is not accepted: "4294967296 is out of range (0 to 4294967295)" of an
+// integer, "'x' is not a number" of any other text, for `expected` "a number".
+[[nodiscard]] std::string numberFault(std::string_view text, std::string_view expected,
+                                      int64_t least = 0, int64_t most = UINT32_MAX);
+
 }  // namespace nCommandLine
 
 #endif

@@ -82,4 +82,15 @@ std::vector<std::string> suggest(std::string_view name,
   return names;
 }
 
+std::string alternatives(const std::vector<std::string>& names) {
+  std::string text;
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (i > 0) {
+      text += i + 1 == names.size() ? " or " : ", ";
+    }
+    text += names[i];
+  }
+  return text;
+}
+
 }  // namespace nCommandLine

@@ -15,6 +15,9 @@ namespace nCommandLine {
 [[nodiscard]] std::vector<std::string> suggest(std::string_view name,
                                                const std::vector<std::string_view>& candidates);
 
+// "a, b or c"
+[[nodiscard]] std::string alternatives(const std::vector<std::string>& names);
+
 }  // namespace nCommandLine
 
 #endif

@@ -11,10 +11,15 @@ namespace {
 constexpr size_t kCommandWidth = 42;
 
 std::string exampleLine(const tExampleRow& example) {
+  constexpr std::string_view kGap = "  ";
   std::string line = "  quenra ";
   line.append(example.command);
-  line.resize(std::max(kCommandWidth, line.size()), ' ');
-  return line.append("  ").append(example.effect).append("\n");
+  if (line.size() > kCommandWidth) {
+    line.append("\n").append(kCommandWidth, ' ');
+  } else {
+    line.resize(kCommandWidth, ' ');
+  }
+  return line.append(kGap).append(example.effect).append("\n");
 }
 
 std::string exitCodes() {

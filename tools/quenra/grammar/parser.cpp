@@ -1,16 +1,11 @@
 #include "tools/quenra/grammar/parser.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
-#include <memory>
 #include <vector>
 
 #include "tools/quenra/catalogue/suggestion.h"
-#include "tools/quenra/grammar/helpfooter.h"
-#include "tools/quenra/grammar/parsername.h"
 #include "tools/quenra/grammar/synopsis.h"
-#include "tools/quenra/grammar/thelpformatter.h"
 #include "tools/quenra/grammar/verbtable.h"
 #include "tools/quenra/grammar/words.h"
 #include "tools/quenra/tcommanderror.h"
@@ -18,24 +13,211 @@
 namespace nCommandLine {
 namespace {
 
-[[noreturn]] void refuse(const std::string& what, std::string_view verb,
-                         std::vector<std::string> suggestions = {}) {
-  std::string advice = "'quenra ";
-  advice.append(verb).append(verb.empty() ? "--help' tells how." : " --help' tells how.");
-  throw tCommandError(what, std::move(advice), std::move(suggestions));
+constexpr std::string_view kShortHelp = "-h";
+
+std::string quoted(std::string_view text) {
+  return "'" + std::string(text) + "'";
 }
 
-// What is to be done with "firmware": the group and each of its actions.
+std::string helpAdvice(std::string_view verb, std::string_view listed) {
+  std::string advice = "Run 'quenra ";
+  advice.append(verb).append(verb.empty() ? "" : " ").append("--help' to list ");
+  return advice.append(listed) + ".";
+}
+
 [[noreturn]] void refuseGroup(const tVerbGroupRow& group) {
   std::vector<std::string> verbs;
   for (const tVerbRow& verb : kVerbs) {
     if (!actionIn(group.name, verb).empty()) {
-      verbs.emplace_back(verb.name);
+      verbs.push_back(quoted(verb.name));
     }
   }
-  refuse("'" + std::string(group.name) + "' needs to be told what to do", group.name,
-         std::move(verbs));
+  throw tCommandError("incomplete command: use " + alternatives(verbs),
+                      helpAdvice(group.name, "the verbs"), {});
 }
+
+[[noreturn]] void refuseWithoutVerb() {
+  std::vector<std::string> verbs;
+  std::ranges::transform(kVerbs, std::back_inserter(verbs),
+                         [](const tVerbRow& verb) { return std::string(verb.name); });
+  throw tCommandError("VERB is missing: use " + alternatives(verbs), helpAdvice("", "the verbs"),
+                      {});
+}
+
+// The words of a command line, apart at its verb.
+struct tSpokenWords {
+  bool hasVerb = false;  // it may be an empty word
+  std::string verb;      // as the table has it, if it does
+  std::vector<std::string> before;
+  std::vector<std::string> after;
+};
+
+tSpokenWords spokenWords(std::span<const char* const> words) {
+  tSpokenWords spoken;
+  bool isComplete = false;
+  for (const std::string_view word : words) {
+    if (isComplete) {
+      spoken.after.emplace_back(word);
+    } else if (word.starts_with('-')) {
+      spoken.before.emplace_back(word);
+    } else {
+      spoken.verb.append(spoken.hasVerb ? " " : "").append(word);
+      spoken.hasVerb = true;
+      isComplete = findVerbGroup(spoken.verb) == nullptr;
+    }
+  }
+  return spoken;
+}
+
+// A negative number is a value.
+bool isOption(std::string_view word) noexcept {
+  const bool isNumber = word.size() > 1 && word[1] >= '0' && word[1] <= '9';
+  return word.size() > 1 && word.front() == '-' && !isNumber;
+}
+
+bool hasOption(std::span<const std::string> words, std::string_view name) {
+  const auto end = std::ranges::find(words, kEndOfOptions);
+  return std::find(words.begin(), end, name) != end;
+}
+
+bool wantsHelp(std::span<const std::string> words) {
+  return hasOption(words, nWords::kHelp) || hasOption(words, kShortHelp);
+}
+
+// Reads words against rows of options and positionals. The messages are the program's own: those of a
+// library of parsers change with its version.
+class tWordReader {
+ public:
+  // `verb` is null for the words before the verb.
+  tWordReader(const tVerbRow* verb, std::span<const tOptionRow> always, tArguments& arguments)
+      : verb_(verb), always_(always), arguments_(arguments) {}
+
+  void read(std::span<const std::string> words) {
+    bool optionsEnded = false;
+    while (!words.empty()) {
+      const std::string& word = words.front();
+      words = words.subspan(1);
+      if (!optionsEnded && word == kEndOfOptions) {
+        optionsEnded = true;
+      } else if (!optionsEnded && isOption(word)) {
+        readOption(word, words);
+      } else {
+        readPositional(word);
+      }
+    }
+    judgeMissing();
+  }
+
+ private:
+  [[nodiscard]] std::span<const tOptionRow> options() const noexcept {
+    return verb_ == nullptr ? std::span<const tOptionRow>{} : verb_->options;
+  }
+  [[nodiscard]] std::span<const tPositionalRow> positionals() const noexcept {
+    return verb_ == nullptr ? std::span<const tPositionalRow>{} : verb_->positionals;
+  }
+
+  [[noreturn]] void refuse(const std::string& what) const {
+    throw tCommandError(
+        what, verb_ == nullptr ? helpAdvice("", "the verbs") : "Usage: " + synopsis(*verb_), {});
+  }
+
+  [[nodiscard]] const tOptionRow& knownOption(std::string_view name) const {
+    std::vector<std::string_view> names;
+    for (const auto& rows : {always_, options()}) {
+      for (const tOptionRow& row : rows) {
+        if (row.name == name) {
+          return row;
+        }
+        names.push_back(row.name);
+      }
+    }
+    throw tCommandError("unknown option " + quoted(name),
+                        helpAdvice(verb_ == nullptr ? "" : verb_->name, "the options"),
+                        suggest(name, names));
+  }
+
+  // `following` loses the option's value.
+  void readOption(const std::string& word, std::span<const std::string>& following) {
+    const size_t equals = word.find('=');
+    const tOptionRow& row = knownOption(std::string_view(word).substr(0, equals));
+    const std::string name(row.name);
+    if (row.valueName.empty()) {
+      if (equals != std::string::npos) {
+        refuse(name + " takes no value");
+      }
+      judgeChoice(row);
+      arguments_.give(name, "true");
+      return;
+    }
+    if (arguments_.has(name)) {
+      refuse(name + " is given twice");
+    }
+    if (equals != std::string::npos) {
+      arguments_.give(name, word.substr(equals + 1));
+      return;
+    }
+    if (following.empty() || isOption(following.front())) {
+      refuse("the value of " + name + " is missing");
+    }
+    arguments_.give(name, following.front());
+    following = following.subspan(1);
+  }
+
+  void judgeChoice(const tOptionRow& row) const {
+    for (const tOptionRow& other : options()) {
+      if (&other != &row && !row.choice.empty() && other.choice == row.choice &&
+          arguments_.has(other.name)) {
+        refuse(std::string(other.name).append(" and ").append(row.name) +
+               " cannot be used together");
+      }
+    }
+  }
+
+  void readPositional(const std::string& word) {
+    if (positionalCount_ == positionals().size()) {
+      refuse("unexpected argument " + quoted(word));
+    }
+    arguments_.give(positionals()[positionalCount_].name, word);
+    ++positionalCount_;
+  }
+
+  void judgeMissing() const {
+    for (const tPositionalRow& row : positionals()) {
+      if (row.required && !arguments_.has(row.name)) {
+        refuse(spokenValueName(row.valueName) + " is missing");
+      }
+    }
+    for (const tOptionRow& row : options()) {
+      if (row.required && !arguments_.has(row.name)) {
+        refuse(std::string(row.name) + " is missing");
+      }
+    }
+  }
+
+  // "NAME or ID" of "NAME|ID"
+  static std::string spokenValueName(std::string_view valueName) {
+    std::string text;
+    for (const char character : valueName) {
+      text += character == '|' ? std::string(" or ") : std::string(1, character);
+    }
+    return text;
+  }
+
+  const tVerbRow* verb_;
+  std::span<const tOptionRow> always_;
+  tArguments& arguments_;
+  size_t positionalCount_ = 0;
+};
+
+tArguments helpOn(const tSpokenWords& spoken) {
+  tArguments arguments(kHelpAnswer);
+  if (spoken.hasVerb) {
+    arguments.give(nWords::kVerb, spoken.verb);
+  }
+  return arguments;
+}
+
+}  // namespace
 
 const tVerbRow& knownVerb(std::string_view name) {
   if (const tVerbGroupRow* const group = findVerbGroup(name)) {
@@ -45,207 +227,32 @@ const tVerbRow& knownVerb(std::string_view name) {
   if (verb == nullptr) {
     std::vector<std::string_view> names;
     std::ranges::transform(kVerbs, std::back_inserter(names), &tVerbRow::name);
-    refuse("there is no verb '" + std::string(name) + "'", "", suggest(name, names));
+    throw tCommandError("unknown verb " + quoted(name), helpAdvice("", "the verbs"),
+                        suggest(name, names));
   }
   return *verb;
 }
 
-// "info, get or help"
-std::string verbAlternatives() {
-  std::string text;
-  for (const tVerbRow& verb : kVerbs) {
-    text.append(&verb == &kVerbs.front() ? "" : &verb == &kVerbs.back() ? " or " : ", ");
-    text += verb.name;
-  }
-  return text;
-}
-
-std::string programDescription() {
-  return "quenra - " + std::string(kProgramPurpose);
-}
-
-// The rows as CLI11 knows them.
-class tGrammar {
- public:
-  tGrammar() : program_(programDescription(), "quenra") {
-    const auto formatter = std::make_shared<tHelpFormatter>();
-    formatter->label("SUBCOMMAND", "VERB");
-    program_.formatter(formatter);
-    prepare(program_, helpFooter());
-    program_.set_version_flag(std::string(kVersionOption.name), "",
-                              std::string(kVersionOption.description));
-    program_.require_subcommand(0, 1);
-    for (const tVerbRow& verb : kVerbs) {
-      addVerb(verb);
-    }
-  }
-
-  tArguments parse(std::span<const std::string> words) {
-    try {
-      // CLI11 takes the words from the end of a vector.
-      program_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
-    } catch (const CLI::CallForHelp&) {
-      return helpOnWhatWasParsed();
-    } catch (const CLI::CallForVersion&) {
-      return tArguments(kVersionAnswer);
-    }
-    return chosen();
-  }
-
-  std::string help(const tVerbRow& verb) {
-    return program_.get_subcommand(parserName(verb))->help("quenra");
-  }
-  std::string help() { return program_.help(); }
-
- private:
-  static void prepare(CLI::App& app, std::string footer) {
-    // The same words mean the same on every system.
-    app.allow_windows_style_options(false);
-    app.set_help_flag("-h," + std::string(kHelpOption.name), std::string(kHelpOption.description));
-    addOption(app, kJsonOption);
-    app.footer(std::move(footer));
-  }
-
-  void addVerb(const tVerbRow& verb) {
-    CLI::App& app = *program_.add_subcommand(parserName(verb), std::string(verb.summary));
-    app.group("Verbs");
-    prepare(app, helpFooter(verb));
-    for (const tPositionalRow& row : verb.positionals) {
-      app.add_option(std::string(row.name))
-          ->description(std::string(row.description))
-          ->type_name(std::string(row.valueName))
-          ->required(row.required);
-    }
-    for (const tOptionRow& row : verb.options) {
-      addOption(app, row);
-    }
-    excludeWithinChoices(app, verb.options);
-  }
-
-  static void addOption(CLI::App& app, const tOptionRow& row) {
-    if (row.valueName.empty()) {
-      app.add_flag(std::string(row.name))
-          ->description(std::string(row.description))
-          ->disable_flag_override();
-    } else {
-      app.add_option(std::string(row.name))
-          ->description(std::string(row.description))
-          ->type_name(std::string(row.valueName))
-          ->required(row.required);
-    }
-  }
-
-  static void excludeWithinChoices(CLI::App& app, std::span<const tOptionRow> options) {
-    for (const tOptionRow& row : options) {
-      for (const tOptionRow& other : options) {
-        if (&row != &other && !row.choice.empty() && row.choice == other.choice) {
-          app.get_option(std::string(row.name))->excludes(app.get_option(std::string(other.name)));
-        }
-      }
-    }
-  }
-
-  tArguments helpOnWhatWasParsed() {
-    tArguments arguments(kHelpAnswer);
-    const auto parsed = program_.get_subcommands();
-    if (!parsed.empty()) {
-      arguments.give(nWords::kVerb,
-                     std::string(verbOfParserName(parsed.front()->get_name())->name));
-    }
-    return arguments;
-  }
-
-  tArguments chosen() {
-    const auto parsed = program_.get_subcommands();
-    if (parsed.empty()) {
-      refuse("say what to do: " + verbAlternatives(), "");
-    }
-    const CLI::App& app = *parsed.front();
-    const tVerbRow& verb = *verbOfParserName(app.get_name());
-    tArguments arguments(verb);
-    for (const tPositionalRow& row : verb.positionals) {
-      take(app, row.name, arguments);
-    }
-    for (const tOptionRow& row : verb.options) {
-      take(app, row.name, arguments);
-    }
-    return arguments;
-  }
-
-  static void take(const CLI::App& app, std::string_view name, tArguments& arguments) {
-    const CLI::Option& option = *app.get_option(std::string(name));
-    if (option.count() > 0) {
-      arguments.give(name, option.results().front());
-    }
-  }
-
-  CLI::App program_;
-};
-
-// The verb among the words, and the words with the verb in one piece, as the parser takes them.
-struct tSpokenWords {
-  std::string verb;  // as the table has it, if it does; empty when there is none
-  std::vector<std::string> words;
-};
-
-tSpokenWords spokenWords(std::span<const char* const> words) {
-  tSpokenWords spoken;
-  bool isComplete = false;
-  for (const std::string_view word : words) {
-    if (isComplete || word.starts_with('-')) {
-      spoken.words.emplace_back(word);
-      continue;
-    }
-    spoken.verb.append(spoken.verb.empty() ? "" : " ").append(word);
-    isComplete = findVerbGroup(spoken.verb) == nullptr;
-    if (isComplete) {
-      const tVerbRow* const verb = findVerb(spoken.verb);
-      spoken.words.push_back(verb == nullptr ? spoken.verb : parserName(*verb));
-    }
-  }
-  return spoken;
-}
-
-bool wantsHelp(std::span<const std::string> words) {
-  return std::ranges::any_of(
-      words, [](const std::string& word) { return word == nWords::kHelp || word == "-h"; });
-}
-
-// The verbs of a group, each with its synopsis.
-std::string groupHelp(const tVerbGroupRow& group) {
-  std::string text = std::string(group.summary) + "\n";
-  for (const tVerbRow& verb : kVerbs) {
-    if (!actionIn(group.name, verb).empty()) {
-      text += "\n  " + synopsis(verb) + "\n      " + std::string(verb.summary) + "\n";
-    }
-  }
-  return text;
-}
-
-}  // namespace
-
 tArguments parseArguments(std::span<const char* const> words) {
   const tSpokenWords spoken = spokenWords(words);
-  if (findVerbGroup(spoken.verb) != nullptr && wantsHelp(spoken.words)) {
-    tArguments arguments(kHelpAnswer);
-    arguments.give(nWords::kVerb, spoken.verb);
-    return arguments;
+  const bool isHelp = wantsHelp(spoken.before) || wantsHelp(spoken.after);
+  if (isHelp && (!spoken.hasVerb || findVerbGroup(spoken.verb) != nullptr)) {
+    return helpOn(spoken);
   }
-  if (!spoken.verb.empty()) {
-    static_cast<void>(knownVerb(spoken.verb));
+  const tVerbRow* const verb = spoken.hasVerb ? &knownVerb(spoken.verb) : nullptr;
+  if (isHelp) {
+    return helpOn(spoken);
   }
-  try {
-    return tGrammar().parse(spoken.words);
-  } catch (const CLI::Error& error) {
-    refuse(error.what(), spoken.verb);
+  if (hasOption(spoken.before, nWords::kVersion)) {
+    return tArguments(kVersionAnswer);
   }
-}
-
-std::string helpText(std::string_view verb) {
-  if (const tVerbGroupRow* const group = findVerbGroup(verb)) {
-    return groupHelp(*group);
+  tArguments arguments(verb == nullptr ? kHelpAnswer : *verb);
+  tWordReader(nullptr, kOptionsOfTheProgram, arguments).read(spoken.before);
+  if (verb == nullptr) {
+    refuseWithoutVerb();
   }
-  return verb.empty() ? tGrammar().help() : tGrammar().help(knownVerb(verb));
+  tWordReader(verb, kOptionsOfEveryVerb, arguments).read(spoken.after);
+  return arguments;
 }
 
 bool wantsJson(std::span<const char* const> words) noexcept {

@@ -1,23 +1,25 @@
 #include "tools/quenra/output/diagnostics.h"
 
 #include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/catalogue/suggestion.h"
 #include "tools/quenra/output/utf8text.h"
 
 namespace nCommandLine {
 namespace {
 
-void printStatus(std::ostream& stream, int32_t code) {
+void printStatus(std::ostream& stream, int32_t code, std::string_view remedy = {}) {
   const tStatusExplanation status = explainStatus(code);
   stream << "  " << codeAndConstant(code) << '\n'
          << "  " << status.meaning << '\n'
-         << "  Advice: " << status.advice << '\n';
+         << "  Advice: " << (remedy.empty() ? status.advice : remedy) << '\n';
 }
 
 std::string adviceOf(const tCommandError& error) {
   if (!error.status()) {
     return error.advice();
   }
-  const std::string advice(explainStatus(*error.status()).advice);
+  const std::string advice =
+      error.remedy().empty() ? std::string(explainStatus(*error.status()).advice) : error.remedy();
   return error.advice().empty() ? advice : advice + " " + error.advice();
 }
 
@@ -26,18 +28,6 @@ std::string_view causeOf(const tCommandError& error) {
     return "status";
   }
   return error.exitCode() == tExitCode::wrongUsage ? "usage" : "program";
-}
-
-// "a, b or c"
-std::string alternatives(const std::vector<std::string>& names) {
-  std::string text;
-  for (size_t i = 0; i < names.size(); ++i) {
-    if (i > 0) {
-      text += i + 1 == names.size() ? " or " : ", ";
-    }
-    text += names[i];
-  }
-  return text;
 }
 
 void writeCause(tJsonDocument& document, const tCommandError& error) {
@@ -55,12 +45,23 @@ void writeCause(tJsonDocument& document, const tCommandError& error) {
   document.optionalText("advice", adviceOf(error));
 }
 
+void writeHolders(tJsonDocument& document, std::span<const tRouteHolder> holders) {
+  document.beginArray("holders");
+  for (const tRouteHolder& holder : holders) {
+    document.beginObject();
+    document.unsignedNumber("session", holder.session);
+    document.number("ticket", holder.ticket);
+    document.endObject();
+  }
+  document.endArray();
+}
+
 }  // namespace
 
 void printError(std::ostream& stream, const tCommandError& error) {
   stream << "quenra: " << printableText(error.what()) << '\n';
   if (error.status()) {
-    printStatus(stream, *error.status());
+    printStatus(stream, *error.status(), error.remedy());
   }
   if (!error.suggestions().empty()) {
     stream << "  Did you mean " << alternatives(error.suggestions()) << "?\n";
@@ -88,6 +89,7 @@ void writeErrorDocument(std::ostream& stream, const tCommandError& error,
     document.textItem(suggestion);
   }
   document.endArray();
+  writeHolders(document, error.holders());
   document.endObject();
   document.writeTo(stream);
 }

@@ -69,6 +69,11 @@ void tJsonDocument::number(std::string_view name, int64_t value) {
   writer_.Int64(value);
 }
 
+void tJsonDocument::unsignedNumber(std::string_view name, uint64_t value) {
+  key(name);
+  writer_.Uint64(value);
+}
+
 void tJsonDocument::truth(std::string_view name, bool value) {
   key(name);
   writer_.Bool(value);

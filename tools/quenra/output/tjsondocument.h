@@ -31,6 +31,7 @@ class tJsonDocument {
   // Null when the text is empty.
   void optionalText(std::string_view key, std::string_view value);
   void number(std::string_view key, int64_t value);
+  void unsignedNumber(std::string_view key, uint64_t value);
   void truth(std::string_view key, bool value);
   void null(std::string_view key);
   // Code and constant of a status.

@@ -1,6 +1,6 @@
 #include "tools/quenra/verbs/help.h"
 
-#include "tools/quenra/grammar/parser.h"
+#include "tools/quenra/grammar/helptext.h"
 #include "tools/quenra/grammar/words.h"
 #include "tools/quenra/manual/manualpage.h"
 #include "tools/quenra/output/tjsondocument.h"
