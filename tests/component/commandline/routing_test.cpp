@@ -78,7 +78,7 @@ TEST_F(Routing, WithoutADevice_NoVerbHasAController) {
     const tRun result = run(words);
     EXPECT_EQ(result.exitCode, 4);
     EXPECT_THAT(result.out, IsEmpty());
-    EXPECT_THAT(result.error, HasSubstr("the device of the trigger routes cannot be found\n"
+    EXPECT_THAT(result.error, HasSubstr("cannot find the trigger routing device\n"
                                         "  -26932 QUENRA_STATUS_NO_CONTROLLER\n"));
   }
   EXPECT_THAT(routing_.calls, IsEmpty());
@@ -99,17 +99,20 @@ TEST_F(Routing, UnknownTerminals_AreNotSupported) {
   const tRun result = run({"terminals"});
   EXPECT_EQ(result.exitCode, 3);
   EXPECT_THAT(result.error,
-              HasSubstr("trigger terminals that the library does not know\n  -50003"));
+              HasSubstr("this version does not support the trigger router of this machine\n"
+                        "  -50003 "));
+  EXPECT_THAT(result.error, HasSubstr("  Advice: Update quenra."));
+  EXPECT_THAT(result.error, testing::Not(HasSubstr("Correct the calling program")));
 }
 
 TEST_F(Routing, EveryFailingStep_IsToldAndClosesTheSession) {
   const std::pair<const char*, const char*> steps[] = {
-      {"open", "a routing session cannot be opened"},
-      {"terminals", "the terminals cannot be listed"},
-      {"calculate", "the route cannot be calculated"},
-      {"reserve", "the route cannot be reserved"},
-      {"program", "the route cannot be programmed"},
-      {"path", "the terminals of the route cannot be told"}};
+      {"open", "cannot open a routing session"},
+      {"terminals", "cannot list the terminals"},
+      {"calculate", "cannot calculate the route"},
+      {"reserve", "cannot reserve the route"},
+      {"program", "cannot program the route"},
+      {"path", "cannot read the terminals of the route"}};
   for (const auto& [step, message] : steps) {
     routing_.codes = {{step, QUENRA_STATUS_DEVICE_REMOVED}};
     const auto document = run(routeWords("connect", {"--json"})).document();
@@ -125,9 +128,8 @@ TEST_F(Routing, EveryFailingStep_IsToldAndClosesTheSession) {
 TEST_F(Routing, MisspeltTerminal_IsMetWithASuggestion) {
   const tRun result = run({"route", "plan", "--from", "TRIG_SMB", "--to", "PXI_Trg0"});
   EXPECT_EQ(result.exitCode, 2);
-  EXPECT_THAT(result.error,
-              HasSubstr("there is no terminal 'PXI_Trg0'\n  Did you mean PXI_Trig0?"));
-  EXPECT_THAT(result.error, HasSubstr("'quenra terminals' lists them."));
+  EXPECT_THAT(result.error, HasSubstr("unknown terminal 'PXI_Trg0'\n  Did you mean PXI_Trig0?"));
+  EXPECT_THAT(result.error, HasSubstr("Run 'quenra terminals' to list the terminals."));
   EXPECT_EQ(run({"route", "connect", "--from", "", "--to", "FLOAT"}).exitCode, 2);
 }
 
@@ -223,8 +225,10 @@ TEST_F(RouteConnect, Demotions_AreToldAndMakeItAFailure) {
   const tRun result = run(routeWords("connect", {"--for", "1"}));
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after "));
-  EXPECT_THAT(result.error, HasSubstr(" s, reason 101: it carries no signal any more\n"));
-  EXPECT_THAT(result.error, HasSubstr("reason 102"));
+  EXPECT_THAT(result.error,
+              HasSubstr(" s: the line was taken by a route of higher priority (101); it "
+                        "carries no signal any more\n"));
+  EXPECT_THAT(result.error, HasSubstr("the library reports the reason 102;"));
   EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
   const std::vector<std::string> calls = callsBehindCalculation();
   EXPECT_THAT(std::vector(calls.begin() + 3, calls.end()),
@@ -254,10 +258,31 @@ TEST_F(RouteConnect, Conflict_NamesTheHolders) {
   const tRun result = run(routeWords("connect"));
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.out, IsEmpty());
-  EXPECT_THAT(result.error, HasSubstr("the route cannot be reserved: in the way is ticket 9 of "
-                                      "session 4, ticket 3 of session 2\n"
+  EXPECT_THAT(result.error, HasSubstr("cannot reserve the route: held by ticket 9 (session 4), "
+                                      "ticket 3 (session 2)\n"
                                       "  -89137 QUENRA_STATUS_ROUTE_CONFLICT\n"));
+  EXPECT_THAT(result.error,
+              HasSubstr("  Advice: End the programs that hold these routes, or choose "
+                        "another trigger line. The driver does not reveal which "
+                        "program a session belongs to.\n"));
   EXPECT_THAT(callsBehindCalculation(), ElementsAre("reserve 7", "failed 7", "destroy 7"));
+}
+
+TEST_F(RouteConnect, ConflictWithJson_HasTheHoldersAsNumbers) {
+  routing_.codes["reserve"] = QUENRA_STATUS_ROUTE_CONFLICT;
+  routing_.conflicts = R"([{"sessionId":18446744073709551615,"ticket":9}])";
+  const auto document = run(routeWords("connect", {"--json"})).document();
+  const rapidjson::Value& holders = document["error"]["holders"];
+  ASSERT_EQ(holders.Size(), 1u);
+  EXPECT_EQ(holders[0]["session"].GetUint64(), 18446744073709551615u);
+  EXPECT_EQ(holders[0]["ticket"].GetUint(), 9u);
+}
+
+TEST_F(RouteConnect, TimeOutOfRange_IsNamedWithTheRange) {
+  EXPECT_THAT(run(routeWords("connect", {"--for", "4294967296"})).error,
+              HasSubstr("quenra: 4294967296 is out of range (0 to 4294967295)\n"));
+  EXPECT_THAT(run(routeWords("connect", {"--for", "1.5"})).error,
+              HasSubstr("quenra: '1.5' is not a number of seconds\n"));
 }
 
 TEST_F(RouteConnect, FailingStep_UndoesTheStepsBefore) {
@@ -276,7 +301,7 @@ TEST_F(RouteConnect, RouteOfTheOtherPolarity_IsNotTaken) {
   routing_.calls.clear();
   const tRun result = run(routeWords("connect", {"--for", "0"}));
   EXPECT_EQ(result.exitCode, 3);
-  EXPECT_THAT(result.error, HasSubstr("inverts the signal; --invert takes it\n"));
+  EXPECT_THAT(result.error, HasSubstr("inverts the signal; add --invert to connect it\n"));
   EXPECT_THAT(callsBehindCalculation(), ElementsAre("destroy 8"));
 }
 
@@ -297,9 +322,10 @@ TEST(Answers, WhatIsNotAsTold_IsLeftOut) {
   }
 }
 
-TEST(Answers, HoldersOfLargeSessions_AreWhole) {
-  EXPECT_EQ(nCommandLine::holdersIn(R"([{"sessionId":18446744073709551615,"ticket":4294967295}])"),
-            "ticket 4294967295 of session 18446744073709551615");
+TEST(Answers, HoldersOfLargeSessions_AreComplete) {
+  EXPECT_THAT(
+      nCommandLine::holdersIn(R"([{"sessionId":18446744073709551615,"ticket":4294967295}])"),
+      ElementsAre(nCommandLine::tRouteHolder{18446744073709551615u, 4294967295u}));
 }
 
 TEST(Demotions, ComeInTheirOrder) {

@@ -104,15 +104,13 @@ std::vector<std::string> terminalsIn(std::string_view answer) {
   return names;
 }
 
-std::string holdersIn(std::string_view answer) {
-  std::string holders;
+std::vector<tRouteHolder> holdersIn(std::string_view answer) {
+  std::vector<tRouteHolder> holders;
   const rapidjson::Document array = arrayIn(answer);
   for (const rapidjson::Value& holder : array.GetArray()) {
     if (hasNumber(holder, "ticket") && holder.HasMember("sessionId") &&
         holder["sessionId"].IsUint64()) {
-      holders += (holders.empty() ? "ticket " : ", ticket ") +
-                 std::to_string(holder["ticket"].GetUint()) + " of session " +
-                 std::to_string(holder["sessionId"].GetUint64());
+      holders.push_back({holder["sessionId"].GetUint64(), holder["ticket"].GetUint()});
     }
   }
   return holders;

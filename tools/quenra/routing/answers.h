@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/quenra/routing/troutingsession.h"
+#include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
 
@@ -14,11 +15,10 @@ namespace nCommandLine {
 [[nodiscard]] std::string destinationsText(const tWantedRoute& wanted);
 [[nodiscard]] std::string modifiersText(const tWantedRoute& wanted);
 
-// What is not as the contract tells is left out.
+// Items that do not follow the contract are left out.
 [[nodiscard]] std::vector<tRoute> routesIn(std::string_view answer);
 [[nodiscard]] std::vector<std::string> terminalsIn(std::string_view answer);
-// "ticket 7 of session 4, ticket 9 of session 2"
-[[nodiscard]] std::string holdersIn(std::string_view answer);
+[[nodiscard]] std::vector<tRouteHolder> holdersIn(std::string_view answer);
 
 }  // namespace nCommandLine
 

@@ -7,7 +7,7 @@ namespace nCommandLine {
 namespace {
 
 tExitCode exitCodeOf(const tReading& reading) noexcept {
-  return reading.state() == tReadingState::unavailable    ? tExitCode::noController
+  return reading.state() == tReadingState::notAvailable   ? tExitCode::noController
          : reading.state() == tReadingState::notSupported ? tExitCode::notSupported
                                                           : tExitCode::failure;
 }
@@ -17,7 +17,7 @@ tExitCode exitCodeOf(const tReading& reading) noexcept {
 std::string routingDevice(iQuenra& library) {
   const tReading reading = readAttribute(library, 0, {QUENRA_ATTRIBUTE_DEVICE_PATH});
   if (reading.state() != tReadingState::value) {
-    throw tCommandError(exitCodeOf(reading), "the device of the trigger routes cannot be found",
+    throw tCommandError(exitCodeOf(reading), "cannot find the trigger routing device",
                         reading.code);
   }
   return std::get<std::string>(reading.value);

@@ -64,6 +64,25 @@ const std::string& judgedDevice(const std::string& device) {
   return device;
 }
 
+// "ticket 9 (session 4), ticket 3 (session 2)"
+std::string holdersText(const std::vector<tRouteHolder>& holders) {
+  std::string text;
+  for (const tRouteHolder& holder : holders) {
+    text += (text.empty() ? "ticket " : ", ticket ") + std::to_string(holder.ticket) +
+            " (session " + std::to_string(holder.session) + ")";
+  }
+  return text;
+}
+
+[[noreturn]] void refuseHeldRoute(const std::vector<tRouteHolder>& holders, int32_t code) {
+  tCommandError error(
+      tExitCode::failure, "cannot reserve the route: held by " + holdersText(holders), code,
+      tRemedy{"End the programs that hold these routes, or choose another trigger line. The driver "
+              "does not reveal which program a session belongs to."});
+  error.setHolders(holders);
+  throw error;
+}
+
 // A walk over the terminals, ended when the object is.
 class tWalk {
  public:
@@ -88,11 +107,14 @@ tRoutingSession::tRoutingSession(iRouting& library, const std::string& device,
   session_ = library_.createSession(judgedDevice(device).c_str(), tAnswer::giveRoom, tellDemotion,
                                     &demotions, status.get());
   if (status.code() == QUENRA_STATUS_BAD_SELECTOR) {
-    throw tCommandError(tExitCode::notSupported,
-                        "this machine has trigger terminals that the library does not know",
-                        status.code());
+    throw tCommandError(
+        tExitCode::notSupported, "this version does not support the trigger router of this machine",
+        status.code(),
+        tRemedy{
+            "Update quenra. The debugger output of the process names the router: 'Topography not "
+            "found: NAME'."});
   }
-  judge(status.record(), "a routing session cannot be opened");
+  judge(status.record(), "cannot open a routing session");
 }
 
 tRoutingSession::~tRoutingSession() {
@@ -107,7 +129,7 @@ std::vector<tTerminal> tRoutingSession::terminals() {
     terminals.push_back(readTerminal(walk.at(), status.record()));
     library_.next(walk.at(), status.get());
   }
-  judge(status.record(), "the terminals cannot be listed");
+  judge(status.record(), "cannot list the terminals");
   return terminals;
 }
 
@@ -138,7 +160,7 @@ std::vector<tRoute> tRoutingSession::calculate(const tWantedRoute& wanted) {
   tAnswer answer;
   library_.calculateRoute(session_, seedsText(wanted).c_str(), destinationsText(wanted).c_str(),
                           modifiersText(wanted).c_str(), answer.output(), status.get());
-  judge(status.record(), "the route cannot be calculated");
+  judge(status.record(), "cannot calculate the route");
   return routesIn(answer.text());
 }
 
@@ -146,22 +168,24 @@ void tRoutingSession::reserve(uint32_t ticket) {
   tRoutingStatus status;
   tAnswer answer;
   library_.reserveRoute(session_, ticket, answer.output(), status.get());
-  const std::string holders = holdersIn(answer.text());
-  judge(status.record(),
-        "the route cannot be reserved" + (holders.empty() ? "" : ": in the way is " + holders));
+  const std::vector<tRouteHolder> holders = holdersIn(answer.text());
+  if (status.code() < 0 && !holders.empty()) {
+    refuseHeldRoute(holders, status.code());
+  }
+  judge(status.record(), "cannot reserve the route");
 }
 
 void tRoutingSession::program(uint32_t ticket) {
   tRoutingStatus status;
   library_.programRoute(session_, ticket, status.get());
-  judge(status.record(), "the route cannot be programmed");
+  judge(status.record(), "cannot program the route");
 }
 
 std::vector<std::string> tRoutingSession::path(uint32_t ticket) {
   tRoutingStatus status;
   tAnswer answer;
   library_.getRouteTerminalPath(session_, ticket, answer.output(), status.get());
-  judge(status.record(), "the terminals of the route cannot be told");
+  judge(status.record(), "cannot read the terminals of the route");
   return terminalsIn(answer.text());
 }
 

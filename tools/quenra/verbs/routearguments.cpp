@@ -14,8 +14,8 @@ void judgeTerminal(const std::string& name, const std::vector<tTerminal>& termin
   if (std::ranges::find(terminals, name, &tTerminal::name) == terminals.end()) {
     std::vector<std::string_view> names;
     std::ranges::transform(terminals, std::back_inserter(names), &tTerminal::name);
-    throw tCommandError("there is no terminal '" + name + "'", "'quenra terminals' lists them.",
-                        suggest(name, names));
+    throw tCommandError("unknown terminal '" + name + "'",
+                        "Run 'quenra terminals' to list the terminals.", suggest(name, names));
   }
 }
 

@@ -21,7 +21,7 @@ using std::chrono::milliseconds;
 // How soon an interruption is noticed.
 constexpr milliseconds kAttention{100};
 
-// How long the route is to be held, for ever unless told.
+// How long to hold the route; without the option until an interruption.
 milliseconds wantedTime(const tArguments& arguments) {
   const auto given = arguments.optional(nWords::kFor);
   if (!given) {
@@ -29,13 +29,13 @@ milliseconds wantedTime(const tArguments& arguments) {
   }
   const auto seconds = parseUnsigned(*given);
   if (!seconds) {
-    throw tCommandError("'" + *given + "' is no number of seconds",
-                        "Give a whole number, or leave it out to hold the route until Ctrl-C.", {});
+    throw tCommandError(numberFault(*given, "a number of seconds"),
+                        "Give an integer, or leave out --for to hold the route until Ctrl-C.", {});
   }
   return std::chrono::seconds(*seconds);
 }
 
-// An inverted signal is not what was asked for unless it was.
+// The first route with the requested polarity.
 tRoute chosenRoute(tRoutingSession& session, const tWantedRoute& wanted) {
   const std::vector<tRoute> routes = session.calculate(wanted);
   const auto chosen = std::ranges::find(routes, wanted.inverted, &tRoute::inverted);
@@ -47,7 +47,7 @@ tRoute chosenRoute(tRoutingSession& session, const tWantedRoute& wanted) {
   if (chosen == routes.end() && !routes.empty()) {
     throw tCommandError(tExitCode::notSupported,
                         "the route from " + wanted.from + " to " + wanted.to +
-                            " inverts the signal; --invert takes it",
+                            " inverts the signal; add --invert to connect it",
                         std::nullopt);
   }
   if (chosen == routes.end()) {
@@ -61,7 +61,14 @@ struct tDemotion {
   milliseconds after;
 };
 
-// What became of a route that was connected.
+// Reason 101 is the only one that the library reports.
+std::string reasonText(int32_t reason) {
+  constexpr int32_t kHigherPriority = 101;
+  return reason == kHigherPriority ? "the line was taken by a route of higher priority (101)"
+                                   : "the library reports the reason " + std::to_string(reason);
+}
+
+// The life of a route that was connected.
 struct tHolding {
   tRoute route;
   std::vector<std::string> path;
@@ -75,7 +82,8 @@ struct tHolding {
   }
 };
 
-// What happens while the route is held is told as it happens, also beside a document to come.
+// Reports events while the route is held as they happen; with --json on the error stream, since the
+// document follows at the end.
 class tReporter {
  public:
   explicit tReporter(const tVerbContext& context)
@@ -90,8 +98,8 @@ class tReporter {
             << std::endl;
   }
   void demoted(const tDemotion& demotion) {
-    error_ << "quenra: the route was demoted after " << elapsedText(demotion.after) << ", reason "
-           << demotion.reason << ": it carries no signal any more" << std::endl;
+    error_ << "quenra: the route was demoted after " << elapsedText(demotion.after) << ": "
+           << reasonText(demotion.reason) << "; it carries no signal any more" << std::endl;
   }
   void takenDown(const tHolding& holding) {
     stream_ << prefix_ << "taken down after " << elapsedText(holding.held) << std::endl;
@@ -103,7 +111,7 @@ class tReporter {
   std::string_view prefix_;
 };
 
-// Holds what is connected until its time is over or the user does not want it any more.
+// Holds the route until its time is over or an interruption comes.
 class tHolder {
  public:
   tHolder(tDemotions& demotions, iInterruption& interruption, tReporter& reporter)
@@ -179,7 +187,7 @@ tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& conte
   tDemotions demotions;
   tRoutingSession session(context.ports.routing, routingDevice(context.ports.library), demotions);
   const tWantedRoute wanted = wantedRoute(arguments, session);
-  // Before anything is held: whatever comes, it is taken down in order.
+  // Before anything is held, so that an interruption releases it in order.
   context.ports.interruption.await();
   tReporter reporter(context);
   tHolder holder(demotions, context.ports.interruption, reporter);
