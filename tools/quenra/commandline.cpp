@@ -34,15 +34,22 @@ tExitCode runWords(const tVerbContext& context, tWords words) {
   }
 }
 
-// The reader of a closed pipe has all that it needs, as `head` does: no message.
-void reportOutputFailure(const tStreams& streams) {
+// The reader of a closed pipe has all that it needs, as `head` does: no message, unless the verb has
+// changed the machine.
+tExitCode reportOutputFailure(const tStreams& streams) {
   const std::error_code failure =
       streams.outBuffer == nullptr ? std::error_code() : streams.outBuffer->failure();
-  if (!isClosedPipe(failure)) {
-    const std::string reason = failure ? ": " + reasonOf(failure) : "";
-    printError(streams.error,
-               {tExitCode::failure, "cannot write the output" + reason, std::nullopt});
+  const std::string message =
+      "cannot write the output" + (failure ? ": " + reasonOf(failure) : std::string());
+  if (!streams.appliedChange.empty()) {
+    printError(streams.error, {tExitCode::outputFailedAfterChange, message, std::nullopt,
+                               "The change was applied: " + streams.appliedChange + "."});
+    return tExitCode::outputFailedAfterChange;
   }
+  if (!isClosedPipe(failure)) {
+    printError(streams.error, {tExitCode::failure, message, std::nullopt});
+  }
+  return tExitCode::failure;
 }
 
 }  // namespace
@@ -51,9 +58,8 @@ int runCommandLine(int argc, const char* const* argv, tStreams& streams, const t
   const tWords words = tWords(argv, static_cast<size_t>(argc)).subspan(argc > 0 ? 1 : 0);
   tExitCode exitCode = runWords({ports, streams, wantsJson(words)}, words);
   if (!streams.out.flush()) {
-    reportOutputFailure(streams);
     // The caller must not mistake a truncated answer for a complete one.
-    exitCode = tExitCode::failure;
+    exitCode = reportOutputFailure(streams);
   }
   return exitNumber(exitCode);
 }

@@ -12,6 +12,7 @@ enum class tExitCode : uint8_t {
   wrongUsage = 2,
   notSupported = 3,
   noController = 4,
+  outputFailedAfterChange = 5,
 };
 
 struct tExitCodeRow {
@@ -28,6 +29,8 @@ inline constexpr tExitCodeRow kExitCodes[] = {
     {tExitCode::wrongUsage, "wrong usage"},
     {tExitCode::notSupported, "not supported on this machine"},
     {tExitCode::noController, "no controller could be reached"},
+    {tExitCode::outputFailedAfterChange,
+     "the change was applied, but its output cannot be written"},
 };
 
 [[nodiscard]] constexpr int exitNumber(tExitCode code) noexcept {

@@ -5,11 +5,11 @@
 #include <windows.h>
 #endif
 
-#include <array>
 #include <functional>
 #include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tests/component/commandline/tscriptedfacts.h"
 #include "tests/component/commandline/tscriptedinterruption.h"
@@ -82,16 +82,19 @@ struct tFailedRun {
   std::string error;
 };
 
-tFailedRun runOn(std::ostream& out, const tOutputBuffer* buffer) {
+tFailedRun runOn(std::ostream& out, const tOutputBuffer* buffer,
+                 const std::vector<const char*>& words = {"quenra", "attributes"},
+                 int32_t writeCode = QUENRA_STATUS_SUCCESS) {
   std::ostringstream error;
   nCommandLine::tStreams streams{out, error, false, false, buffer};
   tScriptedLibrary library;
+  library.writeCode = writeCode;
   tScriptedRouting routing;
   tScriptedFacts facts;
   tScriptedInterruption interruption;
-  const std::array words{"quenra", "attributes"};
-  const int exitCode = nCommandLine::runCommandLine(2, words.data(), streams,
-                                                    {library, routing, facts, interruption});
+  const int exitCode =
+      nCommandLine::runCommandLine(static_cast<int>(words.size()), words.data(), streams,
+                                   {library, routing, facts, interruption});
   return {exitCode, error.str()};
 }
 
@@ -120,6 +123,37 @@ TEST(Output, FailureWithoutAKnownReason_IsReportedWithoutOne) {
   EXPECT_EQ(run.error, "quenra: cannot write the output\n");
 }
 
+// ---- After a change ----
+
+tFailedRun setWithOutputThatFails(std::errc reason, int32_t writeCode = 0) {
+  tOutputBuffer buffer([reason](std::string_view) { return std::make_error_code(reason); });
+  std::ostream out(&buffer);
+  return runOn(out, &buffer, {"quenra", "set", "driver-setting-1", "7", "--json"}, writeCode);
+}
+
+TEST(Output, FullDiskAfterSet_HasAnExitCodeOfItsOwnAndReportsTheChange) {
+  const tFailedRun run = setWithOutputThatFails(std::errc::no_space_on_device);
+  EXPECT_EQ(run.exitCode, 5);
+  EXPECT_EQ(run.error,
+            "quenra: cannot write the output: no space left on the disk\n"
+            "  The change was applied: driver-setting-1 is set to 7.\n");
+}
+
+TEST(Output, ClosedPipeAfterSet_ReportsTheChange) {
+  const tFailedRun run = setWithOutputThatFails(std::errc::broken_pipe);
+  EXPECT_EQ(run.exitCode, 5);
+  EXPECT_EQ(run.error,
+            "quenra: cannot write the output: the pipe is closed\n"
+            "  The change was applied: driver-setting-1 is set to 7.\n");
+}
+
+TEST(Output, FullDiskAfterAFailedSet_IsAPlainFailure) {
+  const tFailedRun run =
+      setWithOutputThatFails(std::errc::no_space_on_device, QUENRA_STATUS_TIME_OUT);
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.error.find("The change was applied"), std::string::npos);
+}
+
 // ---- Reasons ----
 
 TEST(SystemReason, EveryCommonFailure_HasItsPhrase) {
@@ -136,6 +170,7 @@ TEST(SystemReason, EveryCommonFailure_HasItsPhrase) {
       {std::errc::invalid_argument, "the path is invalid"},
       {std::errc::io_error, "the device reports an input/output error"},
       {std::errc::not_enough_memory, "not enough memory"},
+      {std::errc::broken_pipe, "the pipe is closed"},
   };
   for (const auto& [condition, phrase] : phrases) {
     EXPECT_EQ(reasonOf(std::make_error_code(condition)), phrase);

@@ -25,6 +25,7 @@ constexpr tReasonRow kReasons[] = {
     {std::errc::invalid_argument, "the path is invalid"},
     {std::errc::io_error, "the device reports an input/output error"},
     {std::errc::not_enough_memory, "not enough memory"},
+    {std::errc::broken_pipe, "the pipe is closed"},
 };
 
 // The errors of Windows that the C++ library maps to no condition, or to one with another meaning.
@@ -41,8 +42,11 @@ constexpr tWindowsReasonRow kWindowsReasons[] = {
     {33, "in use by another program"},  // ERROR_LOCK_VIOLATION
     {53, "no such network path"},       // ERROR_BAD_NETPATH
     {67, "no such network path"},       // ERROR_BAD_NET_NAME
+    {109, "the pipe is closed"},        // ERROR_BROKEN_PIPE
     {123, "the path is invalid"},       // ERROR_INVALID_NAME
     {161, "the path is invalid"},       // ERROR_BAD_PATHNAME
+    {232, "the pipe is closed"},        // ERROR_NO_DATA
+    {233, "the pipe is closed"},        // ERROR_PIPE_NOT_CONNECTED
 };
 
 // ERROR_BROKEN_PIPE, ERROR_NO_DATA, ERROR_PIPE_NOT_CONNECTED

@@ -37,8 +37,7 @@ void judgeSettingOfBoth(tWantedAttribute& wanted) {
   }
 }
 
-// The library follows a selector for some attributes only. Where it would write elsewhere than it is
-// told, nothing is to be written.
+// The library follows a selector for some attributes only. A selector that it would ignore is refused.
 void judgeInterface(tWantedAttribute& wanted) {
   const tAttributeAddress& address = wanted.address;
   if (isSettingOfBoth(address)) {
@@ -48,46 +47,91 @@ void judgeInterface(tWantedAttribute& wanted) {
            "Only text-setting-of-both can.");
   } else if (address.type() == tAttributeType::text && address.which != tInterface::byDefault) {
     refuse(
-        "for " + wanted.name() + " there is no choice of the interface",
-        "A text is offered to the controller interface, and what that does not take to the Marten "
-        "interface.");
+        "the interface of " + wanted.name() + " cannot be chosen",
+        "A text goes to the controller interface, or to the Marten interface where the controller "
+        "does not accept it.");
+  }
+}
+
+void judgeText(const std::string& text) {
+  // The limit of QUENRA_setAttributeUTF8.
+  constexpr size_t kMaxTextSize = 255;
+  if (!isUtf8(text)) {
+    refuse("the value is not a Unicode text", "Texts are written as UTF-8.");
+  }
+  if (text.size() > kMaxTextSize) {
+    refuse("the text has " + std::to_string(text.size()) + " bytes; at most " +
+               std::to_string(kMaxTextSize) + " are accepted",
+           "Shorten the text; a character outside ASCII has 2 to 4 bytes.");
   }
 }
 
 tAttributeValue parsedValue(tAttributeType type, const std::string& text) {
   if (type == tAttributeType::text) {
-    if (!isUtf8(text)) {
-      refuse("the value is no Unicode text", "Texts are written as UTF-8.");
-    }
+    judgeText(text);
     return text;
   }
   const auto number = parseUnsigned(text);
   if (!number) {
-    refuse("'" + text + "' is no unsigned 32-bit number",
+    refuse(numberFault(text, "an unsigned 32-bit number"),
            "Give it in decimal, or in hexadecimal after 0x, without its unit.");
   }
   return *number;
+}
+
+// Part of a sentence: "product-name is read-only on this machine".
+std::string placeOf(tInterface which) {
+  switch (which) {
+    case tInterface::controller:
+      return "the controller interface";
+    case tInterface::marten:
+      return "the Marten interface";
+    default:
+      return "this machine";
+  }
+}
+
+tCommandError refusalOf(const tWantedAttribute& wanted, int32_t code) {
+  const tInterface which = wanted.address.which;
+  const bool isReadable = wanted.row != nullptr && wanted.row->isReadable();
+  return {tExitCode::notSupported,
+          isReadable ? wanted.name() + " is read-only on " + placeOf(which)
+                     : placeOf(which == tInterface::both ? tInterface::byDefault : which) +
+                           " does not accept " + wanted.name(),
+          code, tRemedy{"Run 'quenra attributes' to list the attributes that can be written."}};
+}
+
+// The controller is open: an interface is missing, or a field of this machine.
+tCommandError absenceOf(const tWantedAttribute& wanted, int32_t code) {
+  const bool isMarten = wanted.address.which == tInterface::marten;
+  return {tExitCode::notSupported,
+          wanted.label() + " is not available: " +
+              (isMarten ? "the machine has no Marten interface"
+                        : "the SMBIOS table lacks the fields that allow text settings"),
+          code,
+          tRemedy{isMarten ? "Leave out the Marten interface."
+                           : "Update the machine's firmware, which makes the table."}};
 }
 
 void judgeWriting(const tWantedAttribute& wanted, int32_t code, std::vector<tWarning>& warnings) {
   if (code > 0) {
     warnings.push_back({"writing " + wanted.label(), code});
   }
-  if (code >= 0) {
-    return;
+  if (code == QUENRA_STATUS_NOT_SUPPORTED) {
+    throw refusalOf(wanted, code);
   }
-  // The controller is open: what is missing is an interface, or a field of this machine.
-  const bool absent = code == QUENRA_STATUS_NOT_SUPPORTED || code == QUENRA_STATUS_NO_CONTROLLER;
-  throw tCommandError(
-      absent ? tExitCode::notSupported : tExitCode::failure,
-      wanted.label() + (absent ? " cannot be written on this machine" : " cannot be written"),
-      code);
+  if (code == QUENRA_STATUS_NO_CONTROLLER) {
+    throw absenceOf(wanted, code);
+  }
+  if (code < 0) {
+    throw tCommandError(tExitCode::failure, "cannot write " + wanted.label(), code);
+  }
 }
 
 int32_t write(iQuenra& library, const tWantedAttribute& wanted, const tAttributeValue& value,
               std::vector<tWarning>& warnings) {
   const tController controller(library);
-  judgeOpening(controller.code(), warnings);
+  judgeOpening(controller, warnings);
   const int32_t code = controller.write(wanted.address, value);
   judgeWriting(wanted, code, warnings);
   return code;
@@ -114,6 +158,7 @@ tExitCode runSet(const tArguments& arguments, const tVerbContext& context) {
 
   std::vector<tWarning> warnings;
   const int32_t code = write(context.ports.library, wanted, value, warnings);
+  context.streams.appliedChange = wanted.label() + " is set to " + shownValue(wanted.row, value);
   printWarnings(context.streams.error, warnings);
   if (context.json) {
     printDocument(context.streams.out, wanted, value, code, warnings);
