@@ -82,10 +82,9 @@ class Bash(CommandLineTest):
         self.assertEqual(self.offered("--v"), ["--version"])
 
     def test_every_attribute_is_offered(self):
-        attributes = [attribute["name"]
-                      for attribute in self.document("attributes", kind="attributes")["attributes"]]
-        self.assertEqual(self.offered("get", ""), attributes)
-        self.assertEqual(self.offered("set", ""), attributes + ["text-setting-of-both"])
+        attributes = self.document("attributes", kind="attributes")["attributes"]
+        self.assertEqual(self.offered("get", ""), [a["name"] for a in attributes if a["readable"]])
+        self.assertEqual(self.offered("set", ""), [a["name"] for a in attributes if a["writable"]])
         self.assertEqual(self.offered("get", "product-"), ["product-name"])
 
     def test_every_status_is_offered(self):
@@ -101,7 +100,7 @@ class Bash(CommandLineTest):
         self.assertEqual(self.offered("get", "--json", "product-"), ["product-name"])
         self.assertEqual(self.offered("get", "--instance", "1", "product-"), ["product-name"])
         self.assertEqual(self.offered("get", "--instance", "=", "1", "product-"), ["product-name"])
-        self.assertEqual(self.offered("set", "--", "product-"), ["product-name"])
+        self.assertEqual(self.offered("set", "--", "driver-setting-1"), ["driver-setting-1"])
 
     def test_ends_of_a_route_offer_the_terminals(self):
         terminals = [terminal["name"]
@@ -118,6 +117,9 @@ class Bash(CommandLineTest):
                          ["PXI_Trig7"])
         self.assertEqual(self.offered("route", "connect", "--for", ""), [])
         self.assertEqual(self.offered("get", "--from", ""), self.offered("get", ""))
+
+    def test_devices_are_offered(self):
+        self.assertEqual(self.offered("firmware", "build", "--device", ""), ["BIOS", "MARTEN", "SAFEMODE"])
 
     def test_nothing_is_offered_for_a_value(self):
         self.assertEqual(self.offered("set", "driver-setting-1", ""), [])
@@ -145,6 +147,8 @@ class Bash(CommandLineTest):
                  "quenra sel\t--js\t\n"
                  "quenra get --instance=1 memory-si\t--mar\t\n"
                  "quenra route plan --from TRIG\t--to=WD\t\n"
+                 "quenra firmware inspect comple\t\n"
+                 "quenra firmware build comple\t--device MA\t--output=comple\t\n"
                  "exit\n")
         controller, terminal = pty.openpty()
         with os.fdopen(controller, "wb", buffering=0) as keyboard:
@@ -160,11 +164,14 @@ class Bash(CommandLineTest):
         self.assertEqual(out.split(), ["<get><product-name>",
                                        "<self-test><--json>",
                                        "<get><--instance=1><memory-size><--marten>",
-                                       "<route><plan><--from><TRIG_SMB><--to=WD_Terminal>"])
+                                       "<route><plan><--from><TRIG_SMB><--to=WD_Terminal>",
+                                       "<firmware><inspect><completion>",
+                                       "<firmware><build><completion><--device><MARTEN><--output=completion>"])
 
     def test_program_is_known_by_both_names(self):
         result = bash(["-c", 'source "$1"; complete -p quenra quenra.exe', "bash", str(self.script.path)])
-        self.assertEqual(result.stdout, "complete -F _quenra quenra\ncomplete -F _quenra quenra.exe\n")
+        self.assertEqual(result.stdout, "complete -o default -F _quenra quenra\n"
+                                        "complete -o default -F _quenra quenra.exe\n")
 
 
 class PowerShell(CommandLineTest):

@@ -65,6 +65,30 @@ TEST_F(Completion, RouteEnds_OfferTheTerminals) {
                         "Words = 'terminals'; Choice = ''"));
 }
 
+TEST_F(Completion, Set_OffersTheWritableAttributesOnly) {
+  const auto words = kWritableWords.words();
+  std::vector<std::string_view> names;
+  std::ranges::transform(words, std::back_inserter(names), &tOfferedWord::word);
+  EXPECT_THAT(names, ElementsAre("driver-setting-1", "driver-setting-2", "text-setting-of-both"));
+  EXPECT_EQ(findVerb("set")->positionals[0].words, &kWritableWords);
+}
+
+TEST_F(Completion, DeviceOfASection_OffersTheDevices) {
+  const auto& options = findVerb("firmware build")->options;
+  const auto device = std::ranges::find(options, std::string_view("--device"), &tOptionRow::name);
+  ASSERT_NE(device, options.end());
+  ASSERT_NE(device->words, nullptr);
+  std::vector<std::string_view> names;
+  for (const tOfferedWord& offered : device->words->words()) {
+    names.push_back(offered.word);
+  }
+  EXPECT_THAT(names, ElementsAre("BIOS", "MARTEN", "SAFEMODE"));
+}
+
+TEST_F(Completion, Bash_FallsBackToFileNames) {
+  EXPECT_THAT(scriptFor("bash"), HasSubstr("\ncomplete -o default -F _quenra quenra quenra.exe\n"));
+}
+
 TEST_F(Completion, OfferedWords_NeedNoQuotingInAShell) {
   for (const tWordSet* const set : kWordSets) {
     EXPECT_FALSE(set->words().empty()) << set->name;
@@ -86,7 +110,7 @@ TEST_F(Completion, UnknownShell_IsWrongUsageWithASuggestion) {
   const tRun result = run({"completion", "powershel"});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.out, IsEmpty());
-  EXPECT_THAT(result.error, HasSubstr("there is no completion for 'powershel'"));
+  EXPECT_THAT(result.error, HasSubstr("unknown shell 'powershel'"));
   EXPECT_THAT(result.error, HasSubstr("Did you mean powershell?"));
   EXPECT_EQ(run({"completion"}).exitCode, 2);
 }

@@ -68,7 +68,8 @@ _quenra() {
   mapfile -t COMPREPLY < <(compgen -W "$offered" -- "$word")
 }
 
-complete -F _quenra quenra quenra.exe
+# Without completions of ours, such as for an image, file names are completed.
+complete -o default -F _quenra quenra quenra.exe
 )sh";
 
 void appendWord(std::string& words, std::string_view word) {

@@ -26,12 +26,12 @@ namespace {
 constexpr std::string_view kInterface = "interface";
 
 constexpr tOptionRow kInstance{nWords::kInstance, "N",
-                               "Which memory module, processor or list position, from 0"};
+                               "Memory module, processor or list position, from 0"};
 
 // ---- info ----
 
 constexpr tExampleRow kInfoExamples[] = {
-    {"info", "everything that this machine tells"},
+    {"info", "all that this machine reports"},
     {"info --json", "the same for a program"},
 };
 
@@ -43,8 +43,8 @@ constexpr tPositionalRow kGetPositionals[] = {
 };
 constexpr tOptionRow kGetOptions[] = {
     kInstance,
-    {nWords::kController, "", "Ask the controller interface", kInterface},
-    {nWords::kMarten, "", "Ask the Marten interface", kInterface},
+    {nWords::kController, "", "Read from the controller interface", kInterface},
+    {nWords::kMarten, "", "Read from the Marten interface", kInterface},
 };
 constexpr tExampleRow kGetExamples[] = {
     {"get product-name", "one attribute by its name"},
@@ -63,10 +63,10 @@ constexpr tPositionalRow kSetPositionals[] = {
 };
 constexpr tOptionRow kSetOptions[] = {
     kInstance,
-    {nWords::kController, "", "Write to the controller interface, which numbers go to anyway",
+    {nWords::kController, "", "Write to the controller interface, the default of numbers",
      kInterface},
     {nWords::kMarten, "", "Write to the Marten interface", kInterface},
-    {nWords::kBoth, "", "Write to both, where text-setting-of-both goes anyway", kInterface},
+    {nWords::kBoth, "", "Write to both, the default of text-setting-of-both", kInterface},
 };
 constexpr tExampleRow kSetExamples[] = {
     {"set driver-setting-1 7", "a number"},
@@ -78,7 +78,7 @@ constexpr tExampleRow kSetExamples[] = {
 // ---- self-test ----
 
 constexpr tExampleRow kSelfTestExamples[] = {
-    {"self-test", "whether the controller can be opened and used"},
+    {"self-test", "check that the controller can be opened and used"},
 };
 
 // ---- terminals, route ----
@@ -88,18 +88,17 @@ constexpr tOptionRow kTo{nWords::kTo, "B", "Destination terminal", {}, true, &kT
 constexpr tOptionRow kInvert{nWords::kInvert, "", "Invert the signal"};
 
 constexpr tExampleRow kTerminalsExamples[] = {
-    {"terminals", "what a route can begin and end at"},
+    {"terminals", "the ends that a route can have"},
 };
 constexpr tOptionRow kRoutePlanOptions[] = {kFrom, kTo, kInvert};
 constexpr tExampleRow kRoutePlanExamples[] = {
-    {"route plan --from TRIG_SMB --to PXI_Trig0",
-     "whether there is a route, and which way it goes"},
+    {"route plan --from TRIG_SMB --to PXI_Trig0", "the routes, with their paths and costs"},
 };
 constexpr tOptionRow kRouteConnectOptions[] = {
     kFrom,
     kTo,
     kInvert,
-    {nWords::kFor, "SECONDS", "Hold the route so long and not until Ctrl-C"},
+    {nWords::kFor, "SECONDS", "Hold the route for SECONDS instead of until Ctrl-C"},
 };
 constexpr tExampleRow kRouteConnectExamples[] = {
     {"route connect --from TRIG_SMB --to PXI_Trig0", "until Ctrl-C"},
@@ -116,7 +115,12 @@ constexpr tPositionalRow kPayloadPositionals[] = {
 };
 constexpr tOptionRow kFirmwareBuildOptions[] = {
     {nWords::kOutput, "IMAGE", "File of the firmware image; replaced if it is there", {}, true},
-    {nWords::kDevice, "BIOS|MARTEN|SAFEMODE", "The device that the section is for", {}, true},
+    {nWords::kDevice,
+     "BIOS|MARTEN|SAFEMODE",
+     "The device that the section is for",
+     {},
+     true,
+     &kDeviceWords},
     {nWords::kFirmwareVersion, "VERSION", "The version of the payload", {}, true},
     {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that name"},
     {nWords::kLineLength, "N", "Characters in a line of the payload, 76 without; 0 for one line"},
@@ -150,7 +154,7 @@ constexpr tExampleRow kUpdateExamples[] = {
 // ---- attributes ----
 
 constexpr tExampleRow kAttributesExamples[] = {
-    {"attributes", "what can be asked for"},
+    {"attributes", "names, ids and types"},
 };
 
 // ---- explain ----
@@ -196,22 +200,22 @@ constexpr tVerbGroupRow kGroups[] = {
 // clang-format off
 constexpr tVerbRow kRows[] = {
     {"info", "Show all attributes of this machine, by subject",
-     "What the machine does not have is shown as such and is no error. When other reads fail, they "
-     "are shown with their code and the rest is shown as always.",
+     "An attribute that the machine does not have is shown as such and is not an error. Other reads that "
+     "fail are shown with their code, and the rest is shown as always.",
      {}, {}, kInfoExamples, runInfo},
 
     {"get", "Show one attribute",
-     "On a terminal a number comes with its unit and with what it stands for; anywhere else the bare "
-     "value is printed. Without an interface option the library chooses the interface.",
+     "On a terminal a number comes with its unit and its meaning; elsewhere the bare value is printed. "
+     "Without an interface option the library chooses the interface.",
      kGetPositionals, kGetOptions, kGetExamples, runGet},
 
     {"set", "Write one attribute",
-     "The driver decides which attributes it takes. Numbers go to the controller interface, or with "
-     "--marten to the Marten interface. A text is offered to the controller interface, and what that "
-     "does not take to the Marten interface; there is nothing to choose, but for "
-     "text-setting-of-both, which goes to both, or with --marten to the Marten interface alone. On a "
-     "terminal a line confirms what was written; anywhere else success is silent. A value that "
-     "begins with a dash stands behind --, after all options.",
+     "The driver decides which attributes it accepts. Numbers go to the controller interface, or with "
+     "--marten to the Marten interface. A text goes to the controller interface, or to the Marten "
+     "interface where the controller does not accept it; text-setting-of-both goes to both, or with "
+     "--marten to the Marten interface alone. On a terminal a line confirms the value that was "
+     "written; elsewhere success is silent. A value that begins with a dash follows --, after all "
+     "options.",
      kSetPositionals, kSetOptions, kSetExamples, runSet},
 
     {"self-test", "Test the controller",
@@ -220,20 +224,20 @@ constexpr tVerbRow kRows[] = {
      {}, {}, kSelfTestExamples, runSelfTest},
 
     {"terminals", "List the trigger terminals",
-     "What trigger routes can begin and end at: the trigger lines of the chassis, the trigger "
+     "A trigger route begins and ends at one of them: the trigger lines of the chassis, the trigger "
      "connector, the watchdog.",
      {}, {}, kTerminalsExamples, runTerminals},
 
     {"route plan", "Show the routes between two terminals",
-     "The driver calculates them; nothing is reserved, and they are forgotten again. A cost far above "
-     "the others is that of a line that another route holds. Without a route the exit code is 3.",
+     "The driver calculates them; nothing is reserved. A cost far above the others is that of a line "
+     "that another route holds. Without a route the exit code is 3.",
      {}, kRoutePlanOptions, kRoutePlanExamples, runRoutePlan},
 
     {"route connect", "Connect two terminals",
-     "Calculates a route, reserves it, programs it, and holds it until Ctrl-C or for the time given; "
-     "then takes it down in order. When others hold a line it needs, it is told who they are. When "
-     "the route is demoted, which takes its line away, that is told at once on the standard error "
-     "stream; the exit code is 1 then.",
+     "Calculates a route, reserves it, programs it, and holds it until Ctrl-C or for the given time; "
+     "then releases it in order. When other routes hold a line that it needs, their tickets and "
+     "sessions are reported. When the driver demotes the route and takes its line away, the standard "
+     "error stream reports it at once, and the exit code is 1.",
      {}, kRouteConnectOptions, kRouteConnectExamples, runRouteConnect},
 
     {"firmware inspect", "Show the sections of a firmware image",
@@ -262,7 +266,7 @@ constexpr tVerbRow kRows[] = {
      "all at once, with a remedy; the exit code is that of the update.",
      kImagePositionals, kUpdateOptions, kUpdateExamples, runUpdate},
 
-    {"attributes", "List every attribute with its id, type and unit",
+    {"attributes", "List every attribute with its id, type, access and unit",
      "Needs no controller.",
      {}, {}, kAttributesExamples, runAttributes},
 
@@ -272,8 +276,8 @@ constexpr tVerbRow kRows[] = {
      kExplainPositionals, {}, kExplainExamples, runExplain},
 
     {"completion", "Print the script that completes command lines in a shell",
-     "Shells then complete verbs, options, names of attributes and terminals, and constants of status "
-     "codes. Needs no controller.",
+     "Shells then complete verbs, options, names of attributes, terminals and devices, constants of "
+     "status codes, and file names. Needs no controller.",
      kCompletionPositionals, {}, kCompletionExamples, runCompletion},
 
     {"help", "Show the help of the program or of a verb",

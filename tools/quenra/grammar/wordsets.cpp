@@ -26,8 +26,14 @@ tWords readable() {
 }
 
 tWords writable() {
-  tWords words = readable();
-  append(words, kSettings, &tAttributeRow::name, &tAttributeRow::description);
+  tWords words;
+  for (const auto rows : {kAttributes, std::span<const tAttributeRow>(kSettings)}) {
+    for (const tAttributeRow& row : rows) {
+      if (row.isWritable()) {
+        words.push_back({row.name, row.description});
+      }
+    }
+  }
   return words;
 }
 
@@ -74,6 +80,12 @@ tWords shells() {
   return words;
 }
 
+tWords devices() {
+  return {{"BIOS", "The BIOS of the controller"},
+          {"MARTEN", "The Marten"},
+          {"SAFEMODE", "The safe mode"}};
+}
+
 tWords terminals() {
   tWords words;
   append(words, kTerminals, &tTerminalRow::name, &tTerminalRow::meaning);
@@ -89,6 +101,7 @@ constinit const tWordSet kVerbWords{"verbs", verbs};
 constinit const tWordSet kFirmwareWords{"firmware", firmwareActions};
 constinit const tWordSet kRouteWords{"route", routeActions};
 constinit const tWordSet kShellWords{"shells", shells};
+constinit const tWordSet kDeviceWords{"devices", devices};
 constinit const tWordSet kTerminalWords{"terminals", terminals};
 
 }  // namespace nCommandLine
