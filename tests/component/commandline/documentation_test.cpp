@@ -20,10 +20,12 @@ std::string cell(std::string_view text) {
 
 TEST(Documentation, AttributeTable_IsTheCatalogue) {
   tRows expected;
-  for (const tAttributeRow& row : kAttributes) {
+  std::vector<tAttributeRow> rows(kAttributes.begin(), kAttributes.end());
+  rows.insert(rows.end(), std::begin(kSettings), std::end(kSettings));
+  for (const tAttributeRow& row : rows) {
     expected.push_back({hexadecimalText(row.id, 8), cell(row.name), cell(typeName(row.type())),
-                        cell(row.instances->meaning), cell(row.unit), cell(row.description),
-                        cell(row.source)});
+                        cell(accessName(row.access)), cell(instancesText(row)), cell(row.unit),
+                        cell(row.description), cell(row.source)});
   }
   EXPECT_THAT(tableUnder("docs/attributes.md", "## All attributes"),
               testing::ElementsAreArray(expected));

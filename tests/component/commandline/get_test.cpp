@@ -14,7 +14,7 @@ class Get : public CommandLineTest {
   uint32_t idReadBy(const std::vector<std::string>& words) {
     library_.reads.clear();
     const tRun result = run(words);
-    EXPECT_EQ(library_.reads.size(), 1u) << result.error;
+    EXPECT_FALSE(library_.reads.empty()) << result.error;
     return library_.reads.empty() ? 0 : library_.reads.front();
   }
 };
@@ -122,7 +122,9 @@ TEST_F(Get, InterfaceThatThisMachineLacks_IsNotSupported) {
   library_.code(0x10200400, QUENRA_STATUS_NO_CONTROLLER);
   const tRun result = run({"get", "firmware-version", "--marten", "--json"});
   EXPECT_EQ(result.exitCode, 3);
-  EXPECT_STREQ(result.document()["attribute"]["state"].GetString(), "unavailable");
+  EXPECT_STREQ(result.document()["attribute"]["state"].GetString(), "notAvailable");
+  EXPECT_THAT(result.error, HasSubstr("firmware-version, interface marten is not available: "
+                                      "the machine has no Marten interface\n"));
 }
 
 TEST_F(Get, FailedRead_GivesCodeConstantAndAdvice) {
@@ -130,7 +132,7 @@ TEST_F(Get, FailedRead_GivesCodeConstantAndAdvice) {
   const tRun result = run({"get", "driver-setting-1"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.out, IsEmpty());
-  EXPECT_THAT(result.error, HasSubstr("driver-setting-1 cannot be read"));
+  EXPECT_THAT(result.error, HasSubstr("cannot read driver-setting-1\n"));
   EXPECT_THAT(result.error, HasSubstr("-52007 QUENRA_STATUS_TIME_OUT"));
   EXPECT_THAT(result.error, HasSubstr("Advice: Try again"));
 }
@@ -154,9 +156,78 @@ TEST_F(Get, NoController_HasAnExitCodeOfItsOwn) {
   EXPECT_EQ(document["error"]["code"].GetInt(), -26932);
 }
 
-TEST_F(Get, TwoControllers_AreAFailure) {
+TEST_F(Get, InstanceThatTheMachineLacks_IsReportedWithTheirNumber) {
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT, 3);
+  const tRun result = run({"get", "memory-size", "--instance", "3"});
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_THAT(result.error, HasSubstr("quenra: memory-size has 3 instances (0 to 2)\n"
+                                      "  -26934 QUENRA_STATUS_NOT_SUPPORTED\n"));
+  EXPECT_THAT(result.error, HasSubstr("  Advice: Run 'quenra info' to list"));
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT, 1);
+  EXPECT_THAT(run({"get", "memory-size", "--instance", "1"}).error,
+              HasSubstr("quenra: memory-size has 1 instance (0)\n"));
+  library_.number(QUENRA_ATTRIBUTE_SLOT_COUNT, 0);
+  EXPECT_THAT(run({"get", "slot-number"}).error,
+              HasSubstr("quenra: slot-number has no instances on this machine\n"));
+  EXPECT_THAT(run({"get", "product-name", "--instance", "1"}).error,
+              HasSubstr("quenra: product-name has no instances\n"));
+}
+
+TEST_F(Get, InstanceThatTheMachineHas_IsNotBlamed) {
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT, 3);
+  EXPECT_THAT(run({"get", "memory-part-number", "--instance", "2"}).error,
+              HasSubstr("memory-part-number, instance 2 is not supported on this machine\n"));
+}
+
+TEST_F(Get, InstanceOnTheMarten_IsNotAvailable) {
+  library_.code(0x2020D001, QUENRA_STATUS_NO_CONTROLLER);
+  EXPECT_THAT(run({"get", "memory-size", "--instance", "1", "--marten"}).error,
+              HasSubstr("is not available: the Marten interface has instance 0 only\n"));
+}
+
+TEST_F(Get, NumberOutOfRange_IsNamedWithTheRange) {
+  EXPECT_THAT(run({"get", "4294967296"}).error,
+              HasSubstr("quenra: 4294967296 is out of range (0 to 4294967295)\n"));
+  EXPECT_THAT(run({"get", "memory-size", "--instance", "256"}).error,
+              HasSubstr("quenra: 256 is out of range (0 to 255)\n"));
+  EXPECT_THAT(run({"get", "memory-size", "--instance", "one"}).error,
+              HasSubstr("quenra: 'one' is not an instance\n"));
+  EXPECT_THAT(run({"get", "12x"}).error, HasSubstr("quenra: '12x' is not a name or an id\n"));
+}
+
+// ---- Opening ----
+
+TEST_F(Get, TwoInterfacesOfAKind_AreAFailureWithTheirNumber) {
   library_.openCode = QUENRA_STATUS_GENERIC_FAILURE;
-  EXPECT_EQ(run({"get", "product-name"}).exitCode, 1);
+  library_.controllers = 1;
+  library_.martens = 2;
+  const tRun result = run({"get", "product-name"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, HasSubstr("quenra: cannot open the controller: 2 Marten interfaces are "
+                                      "present; at most 1 is supported\n"));
+  library_.controllers = 2;
+  EXPECT_THAT(run({"info"}).error,
+              HasSubstr("2 controller interfaces are present; exactly 1 is supported\n"));
+}
+
+TEST_F(Get, UnusableTable_IsDistinguishedFromAMissingController) {
+  library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
+  EXPECT_THAT(run({"self-test"}).error, HasSubstr("quenra: cannot open the controller\n"));
+  library_.controllers = 1;
+  const tRun result = run({"self-test"});
+  EXPECT_EQ(result.exitCode, 4);
+  EXPECT_THAT(result.error,
+              HasSubstr("quenra: cannot open the controller: the driver replied, but its SMBIOS "
+                        "table is unusable or is not that of a supported machine\n"));
+  EXPECT_THAT(result.error, testing::Not(HasSubstr("device manager")));
+}
+
+TEST_F(Get, FailureOfADevice_HasNoOtherCause) {
+  library_.openCode = QUENRA_STATUS_GENERIC_FAILURE;
+  library_.controllers = 1;
+  library_.martens = 1;
+  EXPECT_THAT(run({"get", "product-name"}).error,
+              HasSubstr("quenra: cannot open the controller\n  -52003 "));
 }
 
 TEST_F(Get, DevicePath_NeedsNoController) {
@@ -171,7 +242,8 @@ TEST_F(Get, DevicePathWithoutADevice_IsNoController) {
   library_.code(QUENRA_ATTRIBUTE_DEVICE_PATH, QUENRA_STATUS_NO_CONTROLLER);
   const tRun result = run({"get", "device-path"});
   EXPECT_EQ(result.exitCode, 4);
-  EXPECT_THAT(result.error, HasSubstr("device-path cannot be read"));
+  EXPECT_THAT(result.error,
+              HasSubstr("device-path is not available: no controller interface is present\n"));
 }
 
 TEST_F(Get, Warnings_GoToTheErrorStreamAndTheDocument) {

@@ -72,6 +72,24 @@ TEST_F(Info, ListWithAnAbsurdCount_EndsWhereTheLibraryDoes) {
   EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_MEMORY_SIZE), 256);
 }
 
+TEST_F(Info, FirmwareVersions_AreARowForTheBiosAndARowForTheMarten) {
+  library_.text(0x10100400, "2.1.0f3");
+  library_.code(0x10200400, QUENRA_STATUS_NO_CONTROLLER);
+  EXPECT_THAT(run({"info"}).out,
+              testing::ContainsRegex("\n  firmware-version.BIOS. +2.1.0f3\n"
+                                     "  firmware-version.Marten. +not available\n"));
+  library_.text(0x10200400, "1.4.0f7");
+  const auto document = run({"info", "--json"}).document();
+  std::vector<std::string> versions;
+  for (const auto& reading : document["subjects"][0]["attributes"].GetArray()) {
+    if (std::string_view(reading["name"].GetString()) == "firmware-version") {
+      versions.push_back(std::string(reading["interface"].GetString()) + " " +
+                         reading["value"].GetString());
+    }
+  }
+  EXPECT_THAT(versions, ElementsAre("controller 2.1.0f3", "marten 1.4.0f7"));
+}
+
 TEST_F(Info, EmptyList_IsShownOnceAsNotSupported) {
   library_.number(QUENRA_ATTRIBUTE_BRIDGE_COUNT, 0);
   EXPECT_THAT(run({"info"}).out, testing::ContainsRegex("\n  bridge-location.0. +not supported\n"));
@@ -125,7 +143,7 @@ TEST_F(Info, NoController_IsReported) {
   const tRun result = run({"info"});
   EXPECT_EQ(result.exitCode, 4);
   EXPECT_THAT(result.out, IsEmpty());
-  EXPECT_THAT(result.error, HasSubstr("the controller cannot be opened"));
+  EXPECT_THAT(result.error, HasSubstr("cannot open the controller"));
 }
 
 TEST_F(Info, Document_HoldsEverySubjectAndAttribute) {

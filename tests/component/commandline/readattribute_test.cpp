@@ -71,7 +71,7 @@ TEST_F(ReadAttribute, StateFollowsTheCode) {
       {QUENRA_STATUS_SUCCESS, tReadingState::value},
       {QUENRA_STATUS_IO_PENDING, tReadingState::value},
       {QUENRA_STATUS_NOT_SUPPORTED, tReadingState::notSupported},
-      {QUENRA_STATUS_NO_CONTROLLER, tReadingState::unavailable},
+      {QUENRA_STATUS_NO_CONTROLLER, tReadingState::notAvailable},
       {QUENRA_STATUS_TIME_OUT, tReadingState::failed},
       {-1, tReadingState::failed}};
   for (const auto& [code, state] : kExpectations) {

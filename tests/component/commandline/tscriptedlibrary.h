@@ -40,7 +40,13 @@ class tScriptedLibrary final : public nCommandLine::iQuenra {
     bool operator==(const tWrite&) const = default;
   };
 
+  [[nodiscard]] uint32_t presentInterfaces(nCommandLine::tInterface which) const noexcept override {
+    return which == nCommandLine::tInterface::marten ? martens : controllers;
+  }
+
   int32_t openCode = QUENRA_STATUS_SUCCESS;
+  uint32_t controllers = 0;
+  uint32_t martens = 0;
   int opens = 0;
   int closes = 0;
   std::vector<uint32_t> reads;  // ids, in order

@@ -65,7 +65,7 @@ inline constexpr tAttributeRow kRows[] = {
     {QUENRA_ATTRIBUTE_SYSTEM_VERSION, "system-version", &kIdentity, kOne, "",
      "Hardware version; not supported where it repeats the BIOS version", "SMBIOS type 1, text at 0x06"},
     {QUENRA_ATTRIBUTE_FIRMWARE_VERSION, "firmware-version", &kIdentity, kOne, "",
-     "Firmware version: of the Marten where there is one, else (and with --controller) of the BIOS", "Marten interface, or SMBIOS type 0, text at 0x05"},
+     "Firmware version: of the Marten where there is one, else (and with --controller) of the BIOS", "Marten interface, or SMBIOS type 0, text at 0x05", plain, {}, tAccess::read, true},
     {QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER, "platform-identifier", &kIdentity, kOne, "",
      "Platform identifier, from platform generation 7 on", "SMBIOS type 0x96, text at 0x0D"},
     {QUENRA_ATTRIBUTE_CONTROLLER_KIND, "controller-kind", &kIdentity, kOne, "",
@@ -158,20 +158,27 @@ inline constexpr tAttributeRow kRows[] = {
     {QUENRA_ATTRIBUTE_DEVICE_PATH, "device-path", &kDriver, kOne, "",
      "Path of the controller's device interface; needs no open controller", "the system's device interfaces"},
     {QUENRA_ATTRIBUTE_DRIVER_SETTING_1, "driver-setting-1", &kDriver, kOne, "",
-     "First setting of the driver", "controller interface"},
+     "First setting of the driver", "controller interface", plain, {}, tAccess::readAndWrite},
     {QUENRA_ATTRIBUTE_DRIVER_SETTING_2, "driver-setting-2", &kDriver, kOne, "",
-     "Second setting of the driver", "controller interface"},
+     "Second setting of the driver", "controller interface", plain, {}, tAccess::readAndWrite},
 };
 // clang-format on
 }  // namespace nAttributeRows
 
 inline constexpr std::span<const tAttributeRow> kAttributes{nAttributeRows::kRows};
 
-// What can only be written.
+// Attributes that can only be written.
 inline constexpr tAttributeRow kSettings[] = {
-    {QUENRA_TEXT_SETTING_OF_BOTH, "text-setting-of-both", &nSubjects::kDriver, &nInstances::kNone,
-     "", "Text that the controller and the Marten interface take at once; it is only written",
-     "controller and Marten interface"},
+    {QUENRA_TEXT_SETTING_OF_BOTH,
+     "text-setting-of-both",
+     &nSubjects::kDriver,
+     &nInstances::kNone,
+     "",
+     "Text that the controller and the Marten interface accept at once; write-only",
+     "controller and Marten interface",
+     tValueForm::plain,
+     {},
+     tAccess::write},
 };
 
 }  // namespace nCommandLine

@@ -66,8 +66,21 @@ std::vector<std::string> suggestWritable(std::string_view name) {
   return suggest(withoutPrefix(wanted, kSettingPrefix), names);
 }
 
+const tAttributeRow* countingAttribute(const tInstanceRow& instances) noexcept {
+  return instances.countAttribute == 0 ? nullptr : findAttribute(instances.countAttribute);
+}
+
+std::string instancesText(const tAttributeRow& row) {
+  if (row.instances->meaning.empty()) {
+    return "";
+  }
+  std::string text = "1 per " + std::string(row.instances->meaning);
+  const tAttributeRow* const counter = countingAttribute(*row.instances);
+  return counter == nullptr ? text : text.append(", counted by ").append(counter->name);
+}
+
 std::string constantOf(const tAttributeRow& row) {
-  std::string constant(kConstantPrefix);
+  std::string constant(row.isReadable() ? kConstantPrefix : kSettingPrefix);
   for (const char character : row.name) {
     const bool lower = character >= 'a' && character <= 'z';
     constant +=

@@ -16,7 +16,7 @@ namespace nCommandLine {
 // catalogue has no such attribute.
 [[nodiscard]] const tAttributeRow* findAttribute(std::string_view name);
 
-// The same for what can only be written.
+// The same for attributes that can only be written.
 [[nodiscard]] const tAttributeRow* findSetting(uint32_t id) noexcept;
 [[nodiscard]] const tAttributeRow* findSetting(std::string_view name);
 
@@ -24,7 +24,13 @@ namespace nCommandLine {
 // With the settings.
 [[nodiscard]] std::vector<std::string> suggestWritable(std::string_view name);
 
-// What the header calls an attribute: QUENRA_ATTRIBUTE_PRODUCT_NAME.
+// The attribute that counts the instances; null where none does.
+[[nodiscard]] const tAttributeRow* countingAttribute(const tInstanceRow& instances) noexcept;
+
+// "1 per slot, at most 4, counted by slot-count"; empty for an attribute without instances.
+[[nodiscard]] std::string instancesText(const tAttributeRow& row);
+
+// Its constant in the header: QUENRA_ATTRIBUTE_PRODUCT_NAME, QUENRA_TEXT_SETTING_OF_BOTH.
 [[nodiscard]] std::string constantOf(const tAttributeRow& row);
 
 }  // namespace nCommandLine

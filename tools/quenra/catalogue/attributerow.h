@@ -24,12 +24,12 @@ struct tSubjectRow {
   std::string_view title;
 };
 
-// What the instances of an attribute are.
+// The instances of an attribute.
 struct tInstanceRow {
   std::string_view meaning;
-  // How many there are: the value of this attribute; 0 where none says so.
+  // Its value is the number of instances; 0 where no attribute counts them.
   uint32_t countAttribute = 0;
-  // The library answers for no more than these, whatever the count says.
+  // The library answers for no more than these, whatever the count is.
   uint32_t most = 1;
 };
 
@@ -45,6 +45,12 @@ enum class tValueForm : uint8_t {
   interfaceSet,  // selector bits
 };
 
+enum class tAccess : uint8_t {
+  read,
+  readAndWrite,
+  write,
+};
+
 struct tAttributeRow {
   uint32_t id;
   std::string_view name;
@@ -55,7 +61,11 @@ struct tAttributeRow {
   std::string_view source;
   tValueForm form = tValueForm::plain;
   std::span<const tNamedValue> names = {};
+  tAccess access = tAccess::read;  // of the drivers that are known; each driver decides
+  bool perInterface = false;       // the controller and the Marten each have a value of their own
 
+  [[nodiscard]] constexpr bool isReadable() const noexcept { return access != tAccess::write; }
+  [[nodiscard]] constexpr bool isWritable() const noexcept { return access != tAccess::read; }
   [[nodiscard]] constexpr tAttributeType type() const noexcept {
     return static_cast<tAttributeType>(typeBits(id));
   }
@@ -63,6 +73,11 @@ struct tAttributeRow {
 
 [[nodiscard]] constexpr std::string_view typeName(tAttributeType type) noexcept {
   return type == tAttributeType::text ? "text" : "unsigned";
+}
+
+// "read", "read, write", "write"
+[[nodiscard]] constexpr std::string_view accessName(tAccess access) noexcept {
+  return access == tAccess::read ? "read" : access == tAccess::write ? "write" : "read, write";
 }
 
 }  // namespace nCommandLine

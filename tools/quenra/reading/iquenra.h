@@ -3,9 +3,12 @@
 
 #include <cstdint>
 
+#include "tools/quenra/reading/attributeaddress.h"
+
 namespace nCommandLine {
 
-// The functions of quenra.h that the command line calls, with the contracts given there.
+// The functions of quenra.h that the command line calls, with the contracts given there, and the
+// device interfaces behind them.
 class iQuenra {
  public:
   iQuenra() = default;
@@ -25,6 +28,9 @@ class iQuenra {
   virtual int32_t updateFirmware2(uint64_t handle, const void* image, uint64_t size,
                                   uint32_t options) noexcept = 0;
   virtual int32_t performSelfTest(uint64_t handle) noexcept = 0;
+
+  // The number of device interfaces of the controller or the Marten that the system shows as present.
+  [[nodiscard]] virtual uint32_t presentInterfaces(tInterface which) const noexcept = 0;
 };
 
 }  // namespace nCommandLine

@@ -13,7 +13,23 @@ bool hasText(const tReading& reading) {
   return reading.state() == tReadingState::value && text != nullptr && !text->empty();
 }
 
-// How many instances each kind has on this machine, found out once.
+// No attribute counts the processors. In a malformed table every further instance reads as an empty
+// text, so a processor without maker and name ends the row.
+bool isNamedProcessor(const tController& controller, uint8_t processor) {
+  return hasText(controller.read({QUENRA_ATTRIBUTE_PROCESSOR_VERSION, processor})) ||
+         hasText(controller.read({QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER, processor}));
+}
+
+uint32_t countNamedProcessors(const tController& controller) {
+  uint32_t count = 0;
+  while (count < nInstances::kInstanceLimit &&
+         isNamedProcessor(controller, static_cast<uint8_t>(count))) {
+    ++count;
+  }
+  return count;
+}
+
+// The number of instances of each kind on this machine, read once.
 class tInstanceCounter {
  public:
   explicit tInstanceCounter(const tController& controller) : controller_(controller) {}
@@ -23,48 +39,50 @@ class tInstanceCounter {
     if (known != counts_.end()) {
       return known->second;
     }
-    const uint32_t count = instances.most == 1 ? 1 : readCount(instances);
-    return counts_[&instances] = std::clamp(count, uint32_t{1}, instances.most);
+    return counts_[&instances] = countInstances(controller_, instances);
   }
 
  private:
-  [[nodiscard]] uint32_t readCount(const tInstanceRow& instances) const {
-    if (instances.countAttribute == 0) {
-      return namedProcessors();
-    }
-    const tReading reading = controller_.read({instances.countAttribute});
-    return reading.state() == tReadingState::value ? std::get<uint32_t>(reading.value) : 0;
-  }
-  // No attribute counts the processors. In a malformed table every further instance reads as an
-  // empty text, so a processor without maker and name ends the row.
-  [[nodiscard]] uint32_t namedProcessors() const {
-    uint32_t count = 0;
-    while (count < nInstances::kInstanceLimit && isNamed(static_cast<uint8_t>(count))) {
-      ++count;
-    }
-    return count;
-  }
-  [[nodiscard]] bool isNamed(uint8_t processor) const {
-    return hasText(controller_.read({QUENRA_ATTRIBUTE_PROCESSOR_VERSION, processor})) ||
-           hasText(controller_.read({QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER, processor}));
-  }
-
   const tController& controller_;
   std::map<const tInstanceRow*, uint32_t> counts_;
 };
 
+tAttributeReadings readAll(const tController& controller, const tAttributeRow& row,
+                           uint32_t count) {
+  tAttributeReadings attribute{&row, {}};
+  for (uint32_t instance = 0; instance < std::max(count, uint32_t{1}); ++instance) {
+    attribute.readings.push_back(controller.read({row.id, static_cast<uint8_t>(instance)}));
+  }
+  return attribute;
+}
+
+tAttributeReadings readPerInterface(const tController& controller, const tAttributeRow& row) {
+  return {&row,
+          {controller.read({row.id, 0, tInterface::controller}),
+           controller.read({row.id, 0, tInterface::marten})}};
+}
+
 }  // namespace
+
+uint32_t countInstances(const tController& controller, const tInstanceRow& instances) {
+  if (instances.most == 1) {
+    return 1;
+  }
+  if (instances.countAttribute == 0) {
+    return countNamedProcessors(controller);
+  }
+  const tReading reading = controller.read({instances.countAttribute});
+  return reading.state() == tReadingState::value
+             ? std::min(std::get<uint32_t>(reading.value), instances.most)
+             : 0;
+}
 
 std::vector<tAttributeReadings> readMachine(const tController& controller) {
   tInstanceCounter counter(controller);
   std::vector<tAttributeReadings> machine;
   for (const tAttributeRow& row : kAttributes) {
-    tAttributeReadings attribute{&row, {}};
-    const uint32_t count = counter.countOf(*row.instances);
-    for (uint32_t instance = 0; instance < count; ++instance) {
-      attribute.readings.push_back(controller.read({row.id, static_cast<uint8_t>(instance)}));
-    }
-    machine.push_back(std::move(attribute));
+    machine.push_back(row.perInterface ? readPerInterface(controller, row)
+                                       : readAll(controller, row, counter.countOf(*row.instances)));
   }
   return machine;
 }

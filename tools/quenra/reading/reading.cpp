@@ -8,8 +8,8 @@ std::string_view stateName(tReadingState state) noexcept {
       return "value";
     case tReadingState::notSupported:
       return "notSupported";
-    case tReadingState::unavailable:
-      return "unavailable";
+    case tReadingState::notAvailable:
+      return "notAvailable";
     case tReadingState::failed:
       break;
   }
@@ -24,7 +24,7 @@ tReadingState tReading::state() const noexcept {
     case QUENRA_STATUS_NOT_SUPPORTED:
       return tReadingState::notSupported;
     case QUENRA_STATUS_NO_CONTROLLER:
-      return tReadingState::unavailable;
+      return tReadingState::notAvailable;
     default:
       return tReadingState::failed;
   }

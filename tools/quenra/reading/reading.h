@@ -17,7 +17,7 @@ using tAttributeValue = std::variant<std::string, uint32_t>;
 enum class tReadingState : uint8_t {
   value,
   notSupported,  // the machine does not have the attribute
-  unavailable,   // what would answer is not there: an interface, a device, a deciding field
+  notAvailable,  // an interface, a device or a field that decides the answer is missing
   failed,
 };
 

@@ -28,6 +28,10 @@ int32_t tController::selfTest() const noexcept {
   return library_.performSelfTest(handle_);
 }
 
+uint32_t tController::presentInterfaces(tInterface which) const noexcept {
+  return library_.presentInterfaces(which);
+}
+
 int32_t tController::update(std::string_view image, bool onlyNewer) const noexcept {
   constexpr uint32_t kOnlyNewer = 0;
   constexpr uint32_t kEverything = 1;

@@ -18,12 +18,14 @@ class tController {
   tController& operator=(const tController&) = delete;
   ~tController();
 
-  // What opening answered; positive is a warning.
+  // The result of opening; positive is a warning.
   [[nodiscard]] int32_t code() const noexcept { return code_; }
   [[nodiscard]] tReading read(const tAttributeAddress& address) const;
   // The value is of the attribute's type.
   [[nodiscard]] int32_t write(const tAttributeAddress& address, const tAttributeValue& value) const;
   [[nodiscard]] int32_t selfTest() const noexcept;
+  // Also known where the controller could not be opened.
+  [[nodiscard]] uint32_t presentInterfaces(tInterface which) const noexcept;
   // Applies a firmware image, or with `onlyNewer` what of it is newer than what is installed.
   [[nodiscard]] int32_t update(std::string_view image, bool onlyNewer) const noexcept;
 

@@ -1,8 +1,35 @@
 #include "tools/quenra/reading/tquenralibrary.h"
 
+#include <windows.h>
+// setupapi.h needs windows.h first.
+#include <setupapi.h>
+
+#include <bit>
+
+#include "protocol/interfaceclasses.h"
 #include "quenra.h"
 
 namespace nCommandLine {
+namespace {
+
+uint32_t countPresent(const tInterfaceClass& interfaceClass) noexcept {
+  const auto guid = std::bit_cast<GUID>(interfaceClass);
+  const HDEVINFO set =
+      SetupDiGetClassDevsA(&guid, nullptr, nullptr, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
+  if (set == INVALID_HANDLE_VALUE) {
+    return 0;
+  }
+  SP_DEVICE_INTERFACE_DATA data{};
+  data.cbSize = sizeof data;
+  uint32_t count = 0;
+  while (SetupDiEnumDeviceInterfaces(set, nullptr, &guid, count, &data)) {
+    ++count;
+  }
+  SetupDiDestroyDeviceInfoList(set);
+  return count;
+}
+
+}  // namespace
 
 int32_t tQuenraLibrary::openController(uint64_t* handle) noexcept {
   return QUENRA_openController(handle);
@@ -39,6 +66,11 @@ int32_t tQuenraLibrary::updateFirmware2(uint64_t handle, const void* image, uint
 
 int32_t tQuenraLibrary::performSelfTest(uint64_t handle) noexcept {
   return QUENRA_performSelfTest(handle);
+}
+
+uint32_t tQuenraLibrary::presentInterfaces(tInterface which) const noexcept {
+  return countPresent(which == tInterface::marten ? kMartenInterfaceClass
+                                                  : kControllerInterfaceClass);
 }
 
 }  // namespace nCommandLine

@@ -18,6 +18,7 @@ class tQuenraLibrary final : public iQuenra {
   int32_t updateFirmware2(uint64_t handle, const void* image, uint64_t size,
                           uint32_t options) noexcept override;
   int32_t performSelfTest(uint64_t handle) noexcept override;
+  [[nodiscard]] uint32_t presentInterfaces(tInterface which) const noexcept override;
 };
 
 }  // namespace nCommandLine

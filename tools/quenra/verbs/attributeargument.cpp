@@ -13,7 +13,8 @@ namespace {
 constexpr int kIdDigits = 8;
 
 [[noreturn]] void refuse(const std::string& what, std::vector<std::string> suggestions = {}) {
-  throw tCommandError(what, "'quenra attributes' lists all attributes.", std::move(suggestions));
+  throw tCommandError(what, "Run 'quenra attributes' to list all attributes.",
+                      std::move(suggestions));
 }
 
 enum class tPurpose : uint8_t {
@@ -30,12 +31,12 @@ const tAttributeRow* findRow(uint32_t attribute, tPurpose purpose) noexcept {
 tWantedAttribute attributeById(const std::string& text, tPurpose purpose) {
   const auto id = parseUnsigned(text);
   if (!id) {
-    refuse("'" + text + "' is neither a name nor a 32-bit id");
+    refuse(numberFault(text, "a name or an id"));
   }
   const uint32_t type = typeBits(*id);
   if (type != static_cast<uint32_t>(tAttributeType::text) &&
       type != static_cast<uint32_t>(tAttributeType::unsigned32)) {
-    refuse("'" + text + "' is no attribute id: ids begin with 0x1 (text) or 0x2 (unsigned)");
+    refuse("'" + text + "' is not an attribute id: ids begin with 0x1 (text) or 0x2 (unsigned)");
   }
   const uint32_t selector =
       (*id & tAttributeAddress::kSelectorMask) >> tAttributeAddress::kSelectorShift;
@@ -52,11 +53,12 @@ tWantedAttribute attributeById(const std::string& text, tPurpose purpose) {
 const tAttributeRow& settingByName(const std::string& text, tPurpose purpose) {
   const tAttributeRow* const row = findSetting(text);
   if (row == nullptr) {
-    refuse("there is no attribute '" + text + "'",
+    refuse("unknown attribute '" + text + "'",
            purpose == tPurpose::reading ? suggestAttributes(text) : suggestWritable(text));
   }
   if (purpose == tPurpose::reading) {
-    throw tCommandError(std::string(row->name) + " can only be written", "'quenra set' does.", {});
+    throw tCommandError(std::string(row->name) + " can only be written",
+                        "Run 'quenra set " + std::string(row->name) + " VALUE' to write it.", {});
   }
   return *row;
 }
@@ -70,8 +72,9 @@ tWantedAttribute attributeByName(const std::string& text, tPurpose purpose) {
 void applyInstance(const std::string& text, tAttributeAddress& address) {
   const auto instance = parseUnsigned(text);
   if (!instance || *instance > tAttributeAddress::kInstanceMask) {
-    throw tCommandError("'" + text + "' is no instance", "Instances are numbered from 0 to 255.",
-                        {});
+    throw tCommandError(
+        numberFault(text, "an instance", 0, tAttributeAddress::kInstanceMask),
+        "Instances are numbered from 0; run 'quenra info' to list those of this machine.", {});
   }
   if (address.instance != 0 && address.instance != *instance) {
     throw tCommandError("the id holds another instance than --instance",

@@ -1,5 +1,7 @@
 #include "tools/quenra/verbs/attributes.h"
 
+#include <algorithm>
+
 #include "tools/quenra/catalogue/attributelookup.h"
 #include "tools/quenra/catalogue/numbertext.h"
 #include "tools/quenra/output/table.h"
@@ -10,19 +12,40 @@ namespace {
 
 constexpr int kIdDigits = 8;
 
+// Settings are last, as their subject is.
+template <class Visitor>
+void forEachAttribute(Visitor visit) {
+  std::ranges::for_each(kAttributes, visit);
+  std::ranges::for_each(kSettings, visit);
+}
+
+std::string descriptionOf(const tAttributeRow& row) {
+  const std::string instances = instancesText(row);
+  return std::string(row.description) + (instances.empty() ? "" : "; " + instances);
+}
+
 void printTable(const tStreams& streams) {
   tTable table;
+  table.addRow({"Name", "Id", "Type", "Access", "Unit", "Meaning"});
   const tSubjectRow* subject = nullptr;
-  for (const tAttributeRow& row : kAttributes) {
+  forEachAttribute([&](const tAttributeRow& row) {
     if (row.subject != subject) {
       subject = row.subject;
       table.addHeading(subject->title);
     }
     table.addRow({"  " + std::string(row.name), hexadecimalText(row.id, kIdDigits),
-                  std::string(typeName(row.type())), std::string(row.unit),
-                  std::string(row.description)});
-  }
+                  std::string(typeName(row.type())), std::string(accessName(row.access)),
+                  std::string(row.unit), descriptionOf(row)});
+  });
   table.write(streams.out, tStyle(streams.outTakesStyles));
+}
+
+void writeInstanceCount(tJsonDocument& document, const tInstanceRow& instances) {
+  const tAttributeRow* const counter = countingAttribute(instances);
+  document.beginObject("instanceCount");
+  document.number("maximum", instances.most);
+  document.optionalText("attribute", counter == nullptr ? "" : counter->name);
+  document.endObject();
 }
 
 void writeAttribute(tJsonDocument& document, const tAttributeRow& row) {
@@ -36,15 +59,16 @@ void writeAttribute(tJsonDocument& document, const tAttributeRow& row) {
   document.optionalText("unit", row.unit);
   document.text("description", row.description);
   document.text("source", row.source);
+  document.truth("readable", row.isReadable());
+  document.truth("writable", row.isWritable());
+  writeInstanceCount(document, *row.instances);
   document.endObject();
 }
 
 void printDocument(std::ostream& stream) {
   tJsonDocument document("attributes", tExitCode::done);
   document.beginArray("attributes");
-  for (const tAttributeRow& row : kAttributes) {
-    writeAttribute(document, row);
-  }
+  forEachAttribute([&document](const tAttributeRow& row) { writeAttribute(document, row); });
   document.endArray();
   document.writeTo(stream);
 }

@@ -20,8 +20,8 @@ const tShellRow& knownShell(std::string_view name) {
   if (shell == std::ranges::end(kShells)) {
     std::vector<std::string_view> names;
     std::ranges::transform(kShells, std::back_inserter(names), &tShellRow::name);
-    throw tCommandError("there is no completion for '" + std::string(name) + "'",
-                        "There is one for bash and one for PowerShell.", suggest(name, names));
+    throw tCommandError("unknown shell '" + std::string(name) + "'", "Use bash or powershell.",
+                        suggest(name, names));
   }
   return *shell;
 }

@@ -13,7 +13,7 @@ namespace {
 int32_t codeByNumber(const std::string& text) {
   const auto code = parseStatusCode(text);
   if (!code) {
-    throw tCommandError("'" + text + "' is no status code",
+    throw tCommandError(numberFault(text, "a status code", INT32_MIN),
                         "Codes are 32-bit numbers, decimal or hexadecimal after 0x.", {});
   }
   return *code;
@@ -22,7 +22,7 @@ int32_t codeByNumber(const std::string& text) {
 int32_t codeByConstant(const std::string& text) {
   const tStatusRow* const row = findStatus(text);
   if (row == nullptr) {
-    throw tCommandError("there is no status '" + text + "'",
+    throw tCommandError("unknown status '" + text + "'",
                         "Give a code, such as -26934, or a constant of quenra_status.h.",
                         suggestStatuses(text));
   }

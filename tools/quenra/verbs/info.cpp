@@ -22,9 +22,13 @@ bool hasInstances(const tAttributeRow& row) noexcept {
   return row.instances->most > 1;
 }
 
-// "memory-size[1]" where there are instances.
+// "memory-size[1]" where there are instances, "firmware-version[BIOS]" where each interface has a
+// value.
 std::string labelOf(const tAttributeRow& row, const tReading& reading) {
   std::string label(row.name);
+  if (row.perInterface) {
+    return label + (reading.address.which == tInterface::marten ? "[Marten]" : "[BIOS]");
+  }
   return hasInstances(row) ? label + "[" + std::to_string(reading.address.instance) + "]" : label;
 }
 
@@ -68,7 +72,7 @@ std::string cellOf(const tAttributeRow& row, const tReading& reading) {
       return shownValue(&row, reading.value);
     case tReadingState::notSupported:
       return "not supported";
-    case tReadingState::unavailable:
+    case tReadingState::notAvailable:
       return "not available";
     case tReadingState::failed:
       break;
@@ -122,7 +126,7 @@ void printDocument(std::ostream& stream, const tMachine& machine, tExitCode exit
 tExitCode runInfo(const tArguments& /*arguments*/, const tVerbContext& context) {
   std::vector<tWarning> warnings;
   const tController controller(context.ports.library);
-  judgeOpening(controller.code(), warnings);
+  judgeOpening(controller, warnings);
   const tMachine machine = readMachine(controller);
   addWarnings(machine, warnings);
   printWarnings(context.streams.error, warnings);

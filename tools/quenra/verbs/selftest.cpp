@@ -13,7 +13,7 @@ namespace {
 
 int32_t test(iQuenra& library, std::vector<tWarning>& warnings) {
   const tController controller(library);
-  judgeOpening(controller.code(), warnings);
+  judgeOpening(controller, warnings);
   const int32_t code = controller.selfTest();
   if (code < 0) {
     throw tCommandError(tExitCode::failure, "the self-test failed", code);
