@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <iterator>
 
 #include "protocol/routingrequests.h"
@@ -47,12 +48,24 @@ constexpr tTopography kTopographies[] = {
      {0xD0, 0x0A}},
 };
 
+// The driver chooses the name: a line end in it must not begin another line of the debugger output.
+template <size_t Size>
+void printLine(std::array<char, Size> message) {
+  std::ranges::replace_if(
+      message.data(), message.data() + std::strlen(message.data()),
+      [](char character) {
+        return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
+      },
+      '?');
+  nQUENRA1400::nZOAPAL000::debugPrintf("[%s] %s\n", kDebugComponent, message.data());
+}
+
 [[noreturn]] void raiseNotFound(std::string_view name) {
   constexpr std::string_view kBeginning = "Topography not found: ";
   std::array<char, kBeginning.size() + ROUTING_TOPOGRAPHY_NAME_SIZE + 1> message{};
   std::snprintf(message.data(), message.size(), "%.*s%.*s", static_cast<int>(kBeginning.size()),
                 kBeginning.data(), static_cast<int>(name.size()), name.data());
-  nQUENRA1400::nZOAPAL000::debugPrintf("[%s] %s\n", kDebugComponent, message.data());
+  printLine(message);
   zoerr::tOwnedStatus status;
   status.setWithConstant(kBadSelector, kTopographyNotFound);
   appendMember(status, kDebugComponent, message.data());

@@ -112,5 +112,16 @@ TEST(FindTopography, Failure_IsTraced) {
             std::vector<std::string>{"[zoark_debug] Topography not found: other\n"});
 }
 
+TEST(FindTopography, NameWithLineEnds_IsTracedAsOneLine) {
+  tDebuggerListener listener;
+  const tFailure failure =
+      failureOf([] { static_cast<void>(findTopography("x\r\n[quenra] forged\x1B\x7F")); });
+  EXPECT_EQ(listener.take(),
+            std::vector<std::string>{"[zoark_debug] Topography not found: x??[quenra] forged??\n"});
+  EXPECT_NE(failure.description.find(R"(Topography not found: x\r\n[quenra] forged\u001b\u007f"})"),
+            std::string::npos)
+      << failure.description;
+}
+
 }  // namespace
 }  // namespace nTests
