@@ -288,6 +288,17 @@ TEST_F(Get, TextOfAnyBytes_LeavesAValidDocument) {
   EXPECT_STREQ(document["attribute"]["shown"].GetString(), "a\xEF\xBF\xBD\"\\\\x1B[0m");
 }
 
+TEST_F(Get, TextThatRearrangesALine_IsEscapedInTextAndDocument) {
+  const std::string text =
+      "qctl\xE2\x80\xAE"
+      "0488\xC2\x9B";
+  library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, text);
+  EXPECT_EQ(run({"get", "product-name"}).out, "qctl\\u202E0488\\x9B\n");
+  const tRun result = run({"get", "product-name", "--json"});
+  EXPECT_EQ(result.document()["attribute"]["value"].GetString(), text);
+  EXPECT_THAT(result.out, HasSubstr("\"value\": \"qctl\\u202E0488\\u009B\""));
+}
+
 TEST_F(Get, TextWithEscapeCodes_NeverReachesTheOutputAsSuch) {
   library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "a\x1B[31m\r\n");
   EXPECT_EQ(runOnTerminal({"get", "product-name"}).out, "a\\x1B[31m\\x0D\\x0A\n");

@@ -96,12 +96,13 @@ TEST_F(Routing, DeviceThatCannotBeNamed_IsNotOpened) {
 
 TEST_F(Routing, UnknownTerminals_AreNotSupported) {
   routing_.codes["open"] = QUENRA_STATUS_BAD_SELECTOR;
+  routing_.description = R"({"code":1,"zoark_debug":"Topography not found: other\n"})";
   const tRun result = run({"terminals"});
   EXPECT_EQ(result.exitCode, 3);
-  EXPECT_THAT(result.error,
-              HasSubstr("this version does not support the trigger router of this machine\n"
-                        "  -50003 "));
-  EXPECT_THAT(result.error, HasSubstr("  Advice: Update quenra."));
+  EXPECT_THAT(result.error, HasSubstr("this version does not support the router of this machine "
+                                      "(other\\x0A)\n"
+                                      "  -50003 "));
+  EXPECT_THAT(result.error, HasSubstr("  Advice: Install a version of quenra"));
   EXPECT_THAT(result.error, testing::Not(HasSubstr("Correct the calling program")));
 }
 

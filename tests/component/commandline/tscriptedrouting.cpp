@@ -37,6 +37,11 @@ bool tScriptedRouting::take(const std::string& call, zoerr_Status* status) {
   calls.push_back(call);
   const auto code = codes.find(firstWord(call));
   status->code = code == codes.end() ? 0 : code->second;
+  if (status->code != 0 && !description.empty() &&
+      status->reallocate(status, static_cast<uint32_t>(description.size() + 1))) {
+    description.copy(status->description, description.size());
+    status->description[description.size()] = '\0';
+  }
   return status->code >= 0;
 }
 

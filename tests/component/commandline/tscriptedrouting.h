@@ -49,6 +49,8 @@ class tScriptedRouting final : public nCommandLine::iRouting {
   std::vector<std::string> calls;
   // What a call answers, by its first word: "reserve".
   std::map<std::string, int32_t, std::less<>> codes;
+  // The description of a status with a code; empty for none.
+  std::string description;
   std::string routes = R"([{"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,)"
                        R"("constraints":{}}])";
   std::string conflicts = "[]";

@@ -52,8 +52,8 @@ void tJsonDocument::text(std::string_view name, std::string_view value) {
 }
 
 void tJsonDocument::textItem(std::string_view value) {
-  const std::string valid = validUtf8(value);
-  writer_.String(valid.data(), lengthOf(valid));
+  const std::string text = jsonText(value);
+  writer_.RawValue(text.data(), text.size(), rapidjson::kStringType);
 }
 
 void tJsonDocument::optionalText(std::string_view name, std::string_view value) {

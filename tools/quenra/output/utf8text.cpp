@@ -57,27 +57,54 @@ tCodePoint firstCodePoint(std::string_view bytes) {
   return isForbidden(value, length) ? tCodePoint{kInvalid, 1} : tCodePoint{value, length};
 }
 
-bool isControl(char32_t value) noexcept {
-  return value < 0x20 || (value >= 0x7F && value < 0xA0);
+struct tRange {
+  char32_t first;
+  char32_t last;
+};
+
+// Control characters, and characters that end or rearrange a line although they are no controls.
+constexpr tRange kUnsafe[] = {
+    {0x00, 0x1F},     {0x7F, 0x9F}, {0x061C, 0x061C},  // Arabic letter mark
+    {0x200E, 0x200F},                                  // left-to-right and right-to-left mark
+    {0x2028, 0x2029},                                  // line and paragraph separator
+    {0x202A, 0x202E},                                  // embeddings and overrides of the direction
+    {0x2066, 0x2069},                                  // isolates
+    {0xFEFF, 0xFEFF},                                  // byte order mark
+};
+
+bool isUnsafe(char32_t value) noexcept {
+  return std::ranges::any_of(kUnsafe, [value](const tRange& range) {
+    return value >= range.first && value <= range.last;
+  });
 }
 
-std::string escaped(char32_t control) {
+std::string hexadecimal(const char* format, char32_t value) {
   std::array<char, 8> text{};
-  std::snprintf(text.data(), text.size(), "\\x%02X", static_cast<unsigned>(control));
+  std::snprintf(text.data(), text.size(), format, static_cast<unsigned>(value));
   return text.data();
 }
 
-std::string rewritten(std::string_view bytes, bool escapeControls) {
+std::string escaped(char32_t value) {
+  return hexadecimal(value < 0x100 ? "\\x%02X" : "\\u%04X", value);
+}
+
+std::string escapedForJson(char32_t value) {
+  constexpr std::string_view kWithLetter = "\b\t\n\f\r";
+  constexpr std::string_view kLetters = "btnfr";
+  const size_t letter =
+      value < 0x20 ? kWithLetter.find(static_cast<char>(value)) : std::string::npos;
+  return letter == std::string::npos ? hexadecimal("\\u%04X", value)
+                                     : std::string("\\") + kLetters[letter];
+}
+
+// `rewrite` receives each code point and its bytes.
+template <class Rewrite>
+std::string rewritten(std::string_view bytes, Rewrite rewrite) {
   std::string result;
   while (!bytes.empty()) {
     const tCodePoint next = firstCodePoint(bytes);
-    if (next.value == kInvalid) {
-      result += kReplacement;
-    } else if (escapeControls && isControl(next.value)) {
-      result += escaped(next.value);
-    } else {
-      result += bytes.substr(0, next.length);
-    }
+    result += next.value == kInvalid ? std::string(kReplacement)
+                                     : rewrite(next.value, bytes.substr(0, next.length));
     bytes.remove_prefix(next.length);
   }
   return result;
@@ -86,11 +113,25 @@ std::string rewritten(std::string_view bytes, bool escapeControls) {
 }  // namespace
 
 std::string validUtf8(std::string_view bytes) {
-  return rewritten(bytes, false);
+  return rewritten(bytes, [](char32_t, std::string_view same) { return std::string(same); });
 }
 
 std::string printableText(std::string_view bytes) {
-  return rewritten(bytes, true);
+  return rewritten(bytes, [](char32_t value, std::string_view same) {
+    return isUnsafe(value) ? escaped(value) : std::string(same);
+  });
+}
+
+std::string jsonText(std::string_view bytes) {
+  return '"' +
+         rewritten(bytes,
+                   [](char32_t value, std::string_view same) {
+                     if (value == '"' || value == '\\') {
+                       return "\\" + std::string(same);
+                     }
+                     return isUnsafe(value) ? escapedForJson(value) : std::string(same);
+                   }) +
+         '"';
 }
 
 bool isUtf8(std::string_view bytes) {

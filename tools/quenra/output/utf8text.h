@@ -9,11 +9,16 @@ namespace nCommandLine {
 
 // Firmware texts and arguments may hold any bytes.
 
-// The same text with a replacement character for what is not UTF-8.
+// The same text with a replacement character for each byte that is not UTF-8.
 [[nodiscard]] std::string validUtf8(std::string_view bytes);
 
-// As above, and control characters as \x1B: a text never moves a terminal's cursor or ends a line.
+// As above, with escapes (\x1B, \u202E) for control characters, line separators, byte order marks and
+// marks that change the direction of writing: a text never moves a terminal's cursor, ends a line or
+// rearranges one.
 [[nodiscard]] std::string printableText(std::string_view bytes);
+
+// The text as a string of JSON with its quotes, with the same characters escaped.
+[[nodiscard]] std::string jsonText(std::string_view bytes);
 
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 

@@ -116,4 +116,17 @@ std::vector<tRouteHolder> holdersIn(std::string_view answer) {
   return holders;
 }
 
+std::string unknownRouterIn(std::string_view description) {
+  constexpr const char* kMember = "zoark_debug";
+  constexpr std::string_view kBeginning = "Topography not found: ";
+  rapidjson::Document document;
+  document.Parse(description.data(), description.size());
+  if (document.HasParseError() || !document.IsObject() || !document.HasMember(kMember) ||
+      !document[kMember].IsString()) {
+    return "";
+  }
+  const std::string message(document[kMember].GetString(), document[kMember].GetStringLength());
+  return message.starts_with(kBeginning) ? message.substr(kBeginning.size()) : "";
+}
+
 }  // namespace nCommandLine

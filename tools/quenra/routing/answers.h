@@ -20,6 +20,10 @@ namespace nCommandLine {
 [[nodiscard]] std::vector<std::string> terminalsIn(std::string_view answer);
 [[nodiscard]] std::vector<tRouteHolder> holdersIn(std::string_view answer);
 
+// The name of the trigger router that the library does not know, from the description of the status;
+// empty where it is missing.
+[[nodiscard]] std::string unknownRouterIn(std::string_view description);
+
 }  // namespace nCommandLine
 
 #endif

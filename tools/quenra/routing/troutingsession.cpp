@@ -64,6 +64,14 @@ const std::string& judgedDevice(const std::string& device) {
   return device;
 }
 
+[[noreturn]] void refuseUnknownRouter(const zoerr_Status& status) {
+  const std::string name = unknownRouterIn(textOf(status.description));
+  throw tCommandError(tExitCode::notSupported,
+                      "this version does not support the router of this machine" +
+                          (name.empty() ? "" : " (" + name + ")"),
+                      status.code, tRemedy{"Install a version of quenra that knows the router."});
+}
+
 // "ticket 9 (session 4), ticket 3 (session 2)"
 std::string holdersText(const std::vector<tRouteHolder>& holders) {
   std::string text;
@@ -107,12 +115,7 @@ tRoutingSession::tRoutingSession(iRouting& library, const std::string& device,
   session_ = library_.createSession(judgedDevice(device).c_str(), tAnswer::giveRoom, tellDemotion,
                                     &demotions, status.get());
   if (status.code() == QUENRA_STATUS_BAD_SELECTOR) {
-    throw tCommandError(
-        tExitCode::notSupported, "this version does not support the trigger router of this machine",
-        status.code(),
-        tRemedy{
-            "Update quenra. The debugger output of the process names the router: 'Topography not "
-            "found: NAME'."});
+    refuseUnknownRouter(status.record());
   }
   judge(status.record(), "cannot open a routing session");
 }
