@@ -13,7 +13,7 @@ namespace nSimulator {
 namespace {
 
 constexpr const char* kNotInstalled =
-    "the simulated machine is not there; install it with 'quenra-sim install'";
+    "the simulated machine is not installed; run 'quenra-sim install'";
 
 template <class Record>
 std::span<const uint8_t> bytesOf(const Record& record) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "simulator/environment/driverstore.h"
+#include "simulator/environment/wine.h"
 #include "simulator/model/sha256.h"
 
 namespace nSimulator {
@@ -73,6 +74,9 @@ int run() {
 }  // namespace nSimulator
 
 int main() {
+  if (!nSimulator::runsUnderWine()) {
+    return ERROR_NOT_SUPPORTED;
+  }
   try {
     return nSimulator::run();
   } catch (const std::exception&) {

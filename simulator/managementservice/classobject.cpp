@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "simulator/environment/encryption.h"
+#include "simulator/environment/wine.h"
 #include "simulator/managementservice/managementobjects.h"
 #include "simulator/managementservice/tcomobject.h"
 
@@ -91,7 +92,9 @@ class tClassFactory final : public tComObject<IClassFactory> {
 STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, LPVOID* object) {
   *object = nullptr;
   nSimulator::stayLoaded();
-  if (!nSimulator::areEqual(classId, nSimulator::kManagementLocatorClass)) {
+  // On Windows this server must not answer for the system's own.
+  if (!nSimulator::runsUnderWine() ||
+      !nSimulator::areEqual(classId, nSimulator::kManagementLocatorClass)) {
     return CLASS_E_CLASSNOTAVAILABLE;
   }
   try {

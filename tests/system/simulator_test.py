@@ -175,6 +175,12 @@ class Simulator(CommandLineTest):
         result = self.sim("attribute", "allow-writes", "controller", "0x70000000", exit_code=1)
         self.assertIn(b"refused request 0x80A02430 with Windows error 87", result.stderr)
 
+    def test_absent_route_and_request_are_named(self):
+        self.assertEqual(self.sim("demote", "999", exit_code=1).stderr,
+                         b"quenra-sim: no programmed route has ticket 999\n")
+        self.assertEqual(self.sim("pending", "complete", "77", exit_code=1).stderr,
+                         b"quenra-sim: no pending request has handle 77\n")
+
     def test_every_verb_has_help(self):
         for verb in ("install", "uninstall", "wait", "status", "reset", "scenario", "attribute",
                      "answer", "pending", "log", "counters"):

@@ -60,7 +60,8 @@ void add(tArguments arguments) {
     script.action = kSimulatorActionAddCode;
     script.driverStatus = *arguments.addCode;
   } else {
-    throw tUsageError("answer: say how with --code, --windows-error, --truncate or --add-code");
+    throw tUsageError(
+        "the answer is missing: use --code, --windows-error, --truncate or --add-code");
   }
   tSimulatedMachine().addScript(script);
 }
@@ -71,9 +72,9 @@ void addHow(CLI::App* verb, tArguments& arguments) {
                   "Do not carry it out; the driver answers with this status code");
   how->add_option("--windows-error", arguments.windowsError,
                   "The request itself fails with this Windows error")
-      ->check(CLI::Range(1, 65535));
+      ->check(between(1, 65535));
   how->add_option("--truncate", arguments.truncate, "Carry it out; cut the reply to so many bytes")
-      ->check(CLI::Range(0, static_cast<int>(SIMULATOR_OUTPUT_CAPACITY)));
+      ->check(between(0, SIMULATOR_OUTPUT_CAPACITY));
   how->add_option("--add-code", arguments.addCode,
                   "Carry it out; the driver reports this status code, as a warning would be");
   how->require_option(0, 1);
@@ -96,8 +97,9 @@ void addAnswer(CLI::App& app, tAction& action) {
       ->add_option("request", arguments.request,
                    "get-attribute, set-attribute, exchange-values, send-command, pending-request, "
                    "pending-request-wide, end-pending or any")
-      ->check(CLI::IsMember({"get-attribute", "set-attribute", "exchange-values", "send-command",
-                             "pending-request", "pending-request-wide", "end-pending", "any"}))
+      ->check(
+          wordsOf("a request", {"get-attribute", "set-attribute", "exchange-values", "send-command",
+                                "pending-request", "pending-request-wide", "end-pending", "any"}))
       ->capture_default_str();
   addVerb->add_option("--skip", arguments.script.skip, "Let so many requests through first")
       ->capture_default_str();

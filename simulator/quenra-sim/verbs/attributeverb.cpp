@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <charconv>
-#include <map>
 #include <optional>
 #include <vector>
 
@@ -8,11 +7,6 @@
 #include "simulator/quenra-sim/verbs/verb.h"
 
 namespace nSimulator {
-
-CLI::CheckedTransformer interfaceNames() {
-  return CLI::CheckedTransformer(std::map<std::string, uint32_t>{
-      {"controller", kSimulatorInterfaceController}, {"marten", kSimulatorInterfaceMarten}});
-}
 
 namespace {
 
@@ -45,7 +39,7 @@ std::vector<uint8_t> bytesOf(std::string text) {
 
 void set(const tArguments& arguments) {
   if (!arguments.number && !arguments.text && !arguments.bytes) {
-    throw tUsageError("attribute set: give a value with --number, --text or --bytes");
+    throw tUsageError("the value is missing: use --number, --text or --bytes");
   }
   const auto kind = static_cast<tSimulatorInterface>(arguments.interfaceKind);
   const std::vector<uint8_t> bytes =

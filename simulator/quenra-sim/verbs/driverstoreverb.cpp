@@ -6,6 +6,7 @@
 #include "simulator/quenra-sim/installation/driverstoretool.h"
 #include "simulator/quenra-sim/verbs/json.h"
 #include "simulator/quenra-sim/verbs/verb.h"
+#include "tools/quenra/output/utf8text.h"
 
 namespace nSimulator {
 namespace {
@@ -64,11 +65,12 @@ void show(const tArguments& arguments) {
   } else {
     std::cout << "the tool is " << nameOf(driverStoreTool()) << '\n';
     for (const tDriverStoreRun& run : runs) {
-      std::cout << utf8(run.file) << ": ";
+      std::cout << nCommandLine::printableText(utf8(run.file)) << ": ";
       if (run.isReadable) {
         std::cout << run.size << " bytes, sha256 " << run.sha256 << '\n';
       } else {
-        std::cout << "not readable; the command line was '" << utf8(run.commandLine) << "'\n";
+        std::cout << "not readable; the command line was '"
+                  << nCommandLine::printableText(utf8(run.commandLine)) << "'\n";
       }
     }
   }
@@ -87,7 +89,7 @@ void addState(CLI::App* verb, tAction& action, tDriverStoreTool state, const cha
 
 void addDriverStore(CLI::App& app, tAction& action) {
   CLI::App* const verb = app.add_subcommand(
-      "driver-store", "Show what the driver-store tool was asked, or change how it behaves");
+      "driver-store", "Show the runs of the driver-store tool, or change its behaviour");
   verb->require_subcommand(0, 1);
   verb->add_flag("--json", theArguments.asJson, "Print one JSON document");
   verb->add_flag("--clear", theArguments.clear, "Forget what it was asked afterwards");
@@ -101,7 +103,7 @@ void addDriverStore(CLI::App& app, tAction& action) {
            "From now on the tool is a file that is no program");
   CLI::App* const working = verb->add_subcommand("working", "From now on the tool can be started");
   working->add_option("--seconds", theArguments.behaviour.seconds, "How long it takes")
-      ->check(CLI::Range(0, 3600))
+      ->check(between(0, 3600))
       ->capture_default_str();
   working
       ->add_option("--exit-code", theArguments.behaviour.exitCode, "How it ends; 0: as it should")

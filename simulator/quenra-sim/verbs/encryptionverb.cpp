@@ -54,7 +54,7 @@ void addEncryption(CLI::App& app, tAction& action) {
   CLI::App* const fail = verb->add_subcommand("fail", "Make a step of asking fail from now on");
   fail->add_option("step", theArguments.failingStep)
       ->required()
-      ->check(CLI::IsMember(textsOf(kEncryptionSteps)));
+      ->check(wordsOf("a step", textsOf(kEncryptionSteps)));
   fail->callback([&action] {
     action = [] { setEncryption({tEncryption().protection, theArguments.failingStep}); };
   });

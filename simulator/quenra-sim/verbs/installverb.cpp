@@ -6,20 +6,20 @@
 #include "simulator/quenra-sim/installation/managementservice.h"
 #include "simulator/quenra-sim/installation/readiness.h"
 #include "simulator/quenra-sim/installation/rootdevices.h"
+#include "simulator/quenra-sim/installation/steps.h"
 #include "simulator/quenra-sim/verbs/verb.h"
 
 namespace nSimulator {
 namespace {
 
+// The system's own locator comes back first: other programs depend on it.
 void uninstall() {
-  removeRootDevices();
-  removeDriverService();
-  removeManagementService();
-  putDriverStoreTool(tDriverStoreTool::missing);
+  runEveryStep({removeManagementService, [] { putDriverStoreTool(tDriverStoreTool::missing); },
+                removeRootDevices, removeDriverService});
 }
 
 void install() {
-  // What is there may be another version.
+  // Another version may be installed.
   uninstall();
   createRootDevices();
   installDriver();

@@ -7,6 +7,8 @@
 #include <iostream>
 #include <string>
 
+#include "tools/quenra/output/utf8text.h"
+
 namespace nSimulator {
 
 // Writes one JSON document on standard output when it ends.
@@ -30,7 +32,8 @@ class tJsonDocument {
   }
   void member(const char* key, const std::string& value) {
     writer_.Key(key);
-    writer_.String(value.c_str(), static_cast<rapidjson::SizeType>(value.size()));
+    const std::string text = nCommandLine::jsonText(value);
+    writer_.RawValue(text.data(), text.size(), rapidjson::kStringType);
   }
 
  private:

@@ -1,5 +1,4 @@
 #include <iostream>
-#include <map>
 
 #include "simulator/control/requestlogtext.h"
 #include "simulator/control/tsimulatedmachine.h"
@@ -53,6 +52,16 @@ void list(bool asJson) {
   document.end();
 }
 
+void completeRequests(const tArguments& arguments) {
+  try {
+    tSimulatedMachine().completePending(arguments.handle, arguments.windowsError);
+  } catch (const tControlError& error) {
+    throwRefusal(error, arguments.handle == 0
+                            ? "no request waits to be accepted"
+                            : "no pending request has handle " + std::to_string(arguments.handle));
+  }
+}
+
 void addComplete(CLI::App* verb, tArguments& arguments, tAction& action) {
   CLI::App* const complete = verb->add_subcommand(
       "complete", "Complete requests from the machine's side, before their caller ends them");
@@ -63,13 +72,10 @@ void addComplete(CLI::App* verb, tArguments& arguments, tAction& action) {
   complete
       ->add_option("--windows-error", arguments.windowsError,
                    "They fail with this Windows error; 0: they succeed")
-      ->check(CLI::Range(0, 65535))
+      ->check(between(0, 65535))
       ->capture_default_str();
-  complete->callback([&action, &arguments] {
-    action = [&arguments] {
-      tSimulatedMachine().completePending(arguments.handle, arguments.windowsError);
-    };
-  });
+  complete->callback(
+      [&action, &arguments] { action = [&arguments] { completeRequests(arguments); }; });
 }
 
 }  // namespace
@@ -89,10 +95,9 @@ void addPending(CLI::App& app, tAction& action) {
       ->add_option("when", arguments.acceptance,
                    "at-once; later: with 'pending accept'; never: they complete without a handle")
       ->required()
-      ->transform(CLI::CheckedTransformer(
-          std::map<std::string, uint32_t>{{"at-once", kSimulatorAcceptAtOnce},
-                                          {"later", kSimulatorAcceptLater},
-                                          {"never", kSimulatorAcceptNever}}));
+      ->transform(namesOf("a time of acceptance", {{"at-once", kSimulatorAcceptAtOnce},
+                                                   {"later", kSimulatorAcceptLater},
+                                                   {"never", kSimulatorAcceptNever}}));
   acceptance->callback([&action] {
     action = [] {
       tSimulatedMachine().setAcceptance(static_cast<tSimulatorAcceptance>(arguments.acceptance));

@@ -50,6 +50,14 @@ void list(bool asJson) {
   document.end();
 }
 
+void demoteRoute(uint32_t ticket) {
+  try {
+    tSimulatedMachine().demoteRoute(ticket);
+  } catch (const tControlError& error) {
+    throwRefusal(error, "no programmed route has ticket " + std::to_string(ticket));
+  }
+}
+
 }  // namespace
 
 void addRoutes(CLI::App& app, tAction& action) {
@@ -62,8 +70,7 @@ void addRoutes(CLI::App& app, tAction& action) {
   CLI::App* const demote = app.add_subcommand(
       "demote", "Take its line away from a trigger route, and tell the program that made it");
   demote->add_option("ticket", arguments.ticket, "As 'routes' shows it")->required();
-  demote->callback(
-      [&action] { action = [] { tSimulatedMachine().demoteRoute(arguments.ticket); }; });
+  demote->callback([&action] { action = [] { demoteRoute(arguments.ticket); }; });
 }
 
 }  // namespace nSimulator

@@ -1,6 +1,8 @@
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <system_error>
 
 #include "simulator/control/tableedit.h"
 #include "simulator/control/tsimulatedmachine.h"
@@ -40,9 +42,9 @@ uint8_t byteOf(const std::string& text, const std::string& whole) {
       return static_cast<uint8_t>(number);
     }
   } catch (const std::exception&) {
-    // Told below.
+    // Reported below.
   }
-  throw tUsageError("'" + whole + "' is no TYPE/OFFSET=VALUE of bytes, such as 0x9D/4=1");
+  throw tUsageError("'" + whole + "' is not TYPE/OFFSET=VALUE of bytes, such as 0x9D/4=1");
 }
 
 tStructureByte parseStructureByte(const std::string& text) {
@@ -59,13 +61,14 @@ tStructureByte parseStructureByte(const std::string& text) {
 std::vector<uint8_t> readFile(const std::string& name) {
   std::ifstream file(name, std::ios::binary);
   if (!file) {
-    throw tUsageError("file '" + name + "' cannot be read");
+    const std::error_code reason(errno, std::generic_category());
+    throw tUsageError("cannot read '" + name + "': " + reason.message());
   }
   std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file),
                              std::istreambuf_iterator<char>()};
   if (bytes.size() > SIMULATOR_TABLE_CAPACITY) {
-    throw tUsageError("file '" + name + "' has more than " +
-                      std::to_string(SIMULATOR_TABLE_CAPACITY) + " bytes");
+    throw tUsageError("'" + name + "' has more than " + std::to_string(SIMULATOR_TABLE_CAPACITY) +
+                      " bytes");
   }
   return bytes;
 }
@@ -88,7 +91,8 @@ void apply(const tScenario& scenario) {
   if (!scenario.controllers && !scenario.martens && !scenario.devicePaths &&
       !scenario.changesTable() && !scenario.versionText && !scenario.pathLength &&
       !scenario.topographyName) {
-    throw tUsageError("scenario: say what is to change, or use 'quenra-sim reset'");
+    throw tUsageError(
+        "the change is missing; run 'quenra-sim scenario --help' to list the options");
   }
   // Everything that can be wrong is found before anything is changed.
   tSimulatedMachine machine;
@@ -113,17 +117,28 @@ void apply(const tScenario& scenario) {
   machine.setPresence(presence);
 }
 
+CLI::Validator shorterThan(size_t capacity) {
+  return CLI::Validator(
+      [capacity](std::string& text) {
+        return text.size() < capacity
+                   ? std::string()
+                   : "the text has " + std::to_string(text.size()) + " bytes; at most " +
+                         std::to_string(capacity - 1) + " are accepted";
+      },
+      "");
+}
+
 }  // namespace
 
 void addScenario(CLI::App& app, tAction& action) {
   static tScenario scenario;
   CLI::App* const verb = app.add_subcommand("scenario", "Change what the next program finds");
   verb->add_option("--controllers", scenario.controllers, "Controller interfaces present")
-      ->check(CLI::Range(0, 2));
+      ->check(between(0, 2));
   verb->add_option("--martens", scenario.martens, "Marten interfaces present")
-      ->check(CLI::Range(0, 2));
+      ->check(between(0, 2));
   verb->add_option("--device-paths", scenario.devicePaths, "Device path interfaces present")
-      ->check(CLI::Range(0, 1));
+      ->check(between(0, 1));
   verb->add_option("--table", scenario.tableFile,
                    "SMBIOS structure table that the driver hands over, from a file as it is");
   verb->add_option("--structure-byte", scenario.structureBytes,
@@ -131,21 +146,16 @@ void addScenario(CLI::App& app, tAction& action) {
       ->type_name("TYPE/OFFSET=VALUE");
   verb->add_option("--without-structure", scenario.removedStructures,
                    "Take the structures of a type out of that table")
-      ->check(CLI::Range(0, 255))
+      ->check(between(0, 255))
       ->type_name("TYPE");
   verb->add_option("--version-text", scenario.versionText, "SMBIOS version text")
-      ->check([](const std::string& text) {
-        return text.size() < SIMULATOR_TEXT_CAPACITY ? std::string() : std::string("is too long");
-      });
+      ->check(shorterThan(SIMULATOR_TEXT_CAPACITY));
   verb->add_option(
       "--path-length", scenario.pathLength,
       "Terminals in the path of every trigger route, at least 2; 0: as many as it has");
   verb->add_option("--topography", scenario.topographyName,
                    "The name by which the trigger router tells what it can connect")
-      ->check([](const std::string& text) {
-        return text.size() < SIMULATOR_TOPOGRAPHY_NAME_CAPACITY ? std::string()
-                                                                : std::string("is too long");
-      });
+      ->check(shorterThan(SIMULATOR_TOPOGRAPHY_NAME_CAPACITY));
   verb->callback([&action] { action = [] { apply(scenario); }; });
 }
 

@@ -5,23 +5,25 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "simulator/control/controlprotocol.h"
+#include "simulator/control/tsimulatedmachine.h"
 
 namespace nSimulator {
 
-// How the program ends. The values are documented: docs/simulator.md.
+// The exit codes, which docs/simulator.md lists.
 enum tExitCode : int {
   kDone = 0,
   kFailed = 1,        // the machine or the system refused
-  kWrongUsage = 2,    // the command line makes no sense
-  kNotInstalled = 4,  // there is no simulated machine
+  kWrongUsage = 2,    // the command line is invalid
+  kNotInstalled = 4,  // no simulated machine is installed
 };
 
-// What a command line asks for, as one action; a verb sets it when it is chosen.
+// The action of a command line; a verb sets it when it is chosen.
 using tAction = std::function<void()>;
 
-// A command line that is well-formed but makes no sense.
+// A command line that is well-formed but contradicts itself or the machine.
 class tUsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -43,8 +45,21 @@ void addFirmware(CLI::App& app, tAction& action);
 void addEncryption(CLI::App& app, tAction& action);
 void addDriverStore(CLI::App& app, tAction& action);
 
-// "controller" or "marten" on the command line.
-[[nodiscard]] CLI::CheckedTransformer interfaceNames();
+// A check of an option's value: a word of the list, each standing for a number. The message of any other
+// word ends in the list: "'foo' is not an interface: use controller or marten".
+struct tNamedNumber {
+  std::string name;
+  uint32_t number;
+};
+[[nodiscard]] CLI::Validator namesOf(std::string kind, std::vector<tNamedNumber> names);
+[[nodiscard]] CLI::Validator wordsOf(std::string kind, std::vector<std::string> words);
+// "5 is out of range (0 to 2)"
+[[nodiscard]] CLI::Validator between(int64_t least, int64_t most);
+
+[[nodiscard]] CLI::Validator interfaceNames();
+
+// Throws the refusal of a request again, with `message` where the machine did not find its object.
+[[noreturn]] void throwRefusal(const tControlError& error, const std::string& message);
 
 }  // namespace nSimulator
 

@@ -1,0 +1,14 @@
+#include "simulator/environment/wine.h"
+
+#include <windows.h>
+
+namespace nSimulator {
+
+bool runsUnderWine() noexcept {
+  return isWine([](const char* library, const char* function) noexcept {
+    const HMODULE module = GetModuleHandleA(library);
+    return module == nullptr ? nullptr : GetProcAddress(module, function);
+  });
+}
+
+}  // namespace nSimulator

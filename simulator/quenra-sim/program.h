@@ -1,0 +1,12 @@
+#ifndef SIMULATOR_QUENRA_SIM_PROGRAM_H
+#define SIMULATOR_QUENRA_SIM_PROGRAM_H
+
+namespace nSimulator {
+
+// Runs quenra-sim with the words of `main` and returns its exit code. Unless `isWine`, every verb is
+// refused.
+[[nodiscard]] int runProgram(int argumentCount, char** arguments, bool isWine);
+
+}  // namespace nSimulator
+
+#endif

@@ -1,0 +1,86 @@
+#include "simulator/quenra-sim/verbs/usagefault.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace nSimulator {
+namespace {
+
+// The innermost verb that was recognised, and the number of words up to it.
+struct tRecognised {
+  const CLI::App* app;
+  std::string name;
+  size_t words;
+};
+
+tRecognised recognised(const CLI::App& app, const std::vector<std::string>& words) {
+  tRecognised result{&app, "quenra-sim", 0};
+  for (auto inner = result.app->get_subcommands(); !inner.empty();
+       inner = result.app->get_subcommands()) {
+    result.app = inner.front();
+    const auto word = std::find(words.begin() + static_cast<std::ptrdiff_t>(result.words),
+                                words.end(), result.app->get_name());
+    result.words = static_cast<size_t>(word - words.begin()) + (word == words.end() ? 0 : 1);
+    result.name += " " + result.app->get_name();
+  }
+  return result;
+}
+
+std::string helpAdvice(const tRecognised& verb) {
+  return "; run '" + verb.name + " --help' for help";
+}
+
+std::string subcommandFault(const tRecognised& verb, const std::vector<std::string>& words) {
+  const auto first = words.begin() + static_cast<std::ptrdiff_t>(verb.words);
+  const auto word = std::find_if(
+      first, words.end(), [](const std::string& candidate) { return !candidate.starts_with('-'); });
+  return (word == words.end() ? "a subcommand is missing" : "unknown subcommand '" + *word + "'") +
+         helpAdvice(verb);
+}
+
+std::string extraWordFault(const CLI::App& app, const tRecognised& verb) {
+  const std::vector<std::string> extra = app.remaining(true);
+  const std::string word = extra.empty() ? "" : extra.front();
+  return (word.starts_with('-') ? "unknown option '" : "unexpected argument '") + word + "'" +
+         helpAdvice(verb);
+}
+
+// "interface is required" becomes "interface is missing".
+std::string missingWordFault(std::string message, const tRecognised& verb) {
+  constexpr std::string_view kEnd = " is required";
+  if (message.ends_with(kEnd)) {
+    message.resize(message.size() - kEnd.size());
+    message += " is missing";
+  }
+  return message + helpAdvice(verb);
+}
+
+// The checks name the value themselves; the parser puts the option before it.
+std::string valueFault(const std::string& message) {
+  const size_t colon = message.find(": ");
+  return colon == std::string::npos ? message : message.substr(colon + 2);
+}
+
+}  // namespace
+
+std::string usageFault(const CLI::App& app, const CLI::ParseError& error, int argumentCount,
+                       const char* const* arguments) {
+  const std::vector<std::string> words(arguments + std::min(argumentCount, 1),
+                                       arguments + argumentCount);
+  const tRecognised verb = recognised(app, words);
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+    return extraWordFault(app, verb);
+  }
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+    return std::string_view(error.what()).find("subcommand") == std::string_view::npos
+               ? missingWordFault(error.what(), verb)
+               : subcommandFault(verb, words);
+  }
+  if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) {
+    return valueFault(error.what()) + helpAdvice(verb);
+  }
+  return error.what() + helpAdvice(verb);
+}
+
+}  // namespace nSimulator
