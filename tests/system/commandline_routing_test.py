@@ -67,7 +67,8 @@ class Routing(CommandLineTest):
         connection = Started(self, "route", "connect", *LINE)
         connection.told()
         self.machine("demote", str(self.routes()[0]["ticket"]))
-        self.assertRegex(connection.warned(), r"^quenra: the route was demoted after .*, reason 101: ")
+        self.assertRegex(connection.warned(), r"^quenra: the route was demoted after .*: the line was taken by a route of "
+                         r"higher priority \(101\); ")
         self.assertIsNone(connection.process.poll(), "the route is held to its end")
         connection.interrupt()
         out, _ = connection.end(1)
@@ -88,9 +89,11 @@ class Routing(CommandLineTest):
         words = ("route", "connect", "--from", "PXI_Trig0", "--to", "PXI_Trig3")
         run = self.quenra(*words, exit_code=1)
         self.assert_failure(run, -89137, "QUENRA_STATUS_ROUTE_CONFLICT")
-        self.assertIn(f"in the way is ticket {holder['ticket']} of session {holder['session']}\n",
-                      run.error)
-        self.assertEqual(self.document(*words, kind="error", exit_code=1)["error"]["code"], -89137)
+        self.assertIn(f"held by ticket {holder['ticket']} (session {holder['session']})\n", run.error)
+        error = self.document(*words, kind="error", exit_code=1)["error"]
+        self.assertEqual(error["code"], -89137)
+        self.assertEqual(error["holders"],
+                         [{"session": holder["session"], "ticket": holder["ticket"]}])
         connection.interrupt()
         connection.end(0)
         self.quenra(*words, "--for", "0")
@@ -113,8 +116,9 @@ class Routing(CommandLineTest):
 
     def test_unknown_router_is_not_supported(self):
         self.machine("scenario", "--topography", "other")
-        self.assert_failure(self.quenra("terminals", exit_code=3), -50003,
-                            "QUENRA_STATUS_BAD_SELECTOR")
+        run = self.quenra("terminals", exit_code=3)
+        self.assert_failure(run, -50003, "QUENRA_STATUS_BAD_SELECTOR")
+        self.assertIn("does not support the router of this machine (other)\n", run.error)
 
 
 if __name__ == "__main__":
