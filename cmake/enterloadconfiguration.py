@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
-"""Enters an image's load configuration into its directory.
+"""Enters an image's load configuration into its directory, and makes its tables read-only.
 
 Usage: enterloadconfiguration.py IMAGE
 
 GNU ld 2.40 leaves that entry empty. The configuration is the constant _load_config_used of the image;
-its place is taken from the image's symbols. Entering it again changes nothing.
+its place is taken from the image's symbols. GNU ld also marks the sections of the imports, of the
+start-up tables and of the resources as writable. The program never writes to them; the loader does, and
+changes their protection for that time. Running the script again changes nothing.
 """
 
 import pathlib
@@ -15,6 +17,8 @@ SYMBOL = b"_load_config_used"
 SYMBOL_SIZE = 18
 SECTION_HEADER_SIZE = 40
 LOAD_CONFIGURATION = 10
+SECTION_IS_WRITABLE = 0x80000000
+READ_ONLY_SECTIONS = (b".idata", b".CRT", b".rsrc")
 
 
 def unpack(layout, image, offset):
@@ -37,6 +41,7 @@ class Headers:
         self.load_configuration = self.optional_header + 112 + 8 * LOAD_CONFIGURATION
         (size,) = unpack("H", image, self.file_header + 16)
         self.sections = self.optional_header + size
+        (self.section_count,) = unpack("H", image, self.file_header + 2)
 
 
 def symbol_place(image, headers):
@@ -71,13 +76,28 @@ def enter(image):
     (raw_place,) = unpack("I", image, section_header + 20)
     (size,) = unpack("I", image, raw_place + value)
     struct.pack_into("<II", image, headers.load_configuration, virtual_address + value, size)
-    struct.pack_into("<I", image, headers.checksum, checksum(image, headers.checksum))
+
+
+def protect(image):
+    headers = Headers(image)
+    for index in range(headers.section_count):
+        section = headers.sections + index * SECTION_HEADER_SIZE
+        if bytes(image[section:section + 8]).rstrip(b"\0") in READ_ONLY_SECTIONS:
+            (flags,) = unpack("I", image, section + 36)
+            struct.pack_into("<I", image, section + 36, flags & ~SECTION_IS_WRITABLE)
+
+
+def update_checksum(image):
+    place = Headers(image).checksum
+    struct.pack_into("<I", image, place, checksum(image, place))
 
 
 def main():
     path = pathlib.Path(sys.argv[1])
     image = bytearray(path.read_bytes())
     enter(image)
+    protect(image)
+    update_checksum(image)
     path.write_bytes(image)
 
 

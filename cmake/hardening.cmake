@@ -1,5 +1,5 @@
-# What an image for Windows carries against being abused. Which of it holds is asserted on the built
-# files by tests/architecture/check_hardening.py and told in SECURITY.md.
+# Protections of the images for Windows. tests/architecture/check_hardening.py asserts them on the built
+# files; SECURITY.md lists them.
 
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 enable_language(RC)
@@ -23,7 +23,8 @@ target_link_libraries(house_rules INTERFACE $<${in_user_mode}:stack_guard>)
 # quenra_hardened(NAME DESCRIPTION text [DEPENDENT_LOAD_FLAGS flags])
 #
 # Gives a library or a program a version resource and a load configuration, by which the loader makes
-# the stack's guard random, and looks for the libraries imported as the flags of LoadLibraryEx say.
+# the stack's guard random, and searches the imported libraries by the given flags of LoadLibraryEx.
+# The imports, start-up tables and resources become read-only.
 function(quenra_hardened name)
   cmake_parse_arguments(arg "" "DESCRIPTION;DEPENDENT_LOAD_FLAGS" "" ${ARGN})
   if(NOT arg_DEPENDENT_LOAD_FLAGS)

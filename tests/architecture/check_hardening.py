@@ -16,6 +16,8 @@ import peimage
 # Fewer calls to the guard's failure than this mean that the library's own code has no guards.
 FEWEST_GUARDED_FUNCTIONS = 50
 LOADER_REPLACES_THIS = 0x00002B992DDFA232
+# Only the loader writes to them, and it changes their protection for that.
+READ_ONLY_SECTIONS = (".idata", ".CRT", ".rsrc")
 
 
 def address_space(image):
@@ -37,6 +39,19 @@ def memory(image):
     for section in image.sections:
         if section.flags & both == both:
             yield f"section {section.name} is written and executed"
+    found = sections(image)
+    for name in READ_ONLY_SECTIONS:
+        if name not in found:
+            yield f"it has no section {name}"
+        elif found[name].flags & peimage.SECTION_IS_WRITTEN:
+            yield f"section {name} is writable"
+    # From this entry the loader knows the addresses that it has to make writable.
+    address, size = image.directories[peimage.IMPORT_ADDRESSES]
+    imports_section = found.get(".idata")
+    if imports_section and not (
+            imports_section.address <= address
+            and address + size <= imports_section.address + imports_section.virtual_size and size):
+        yield "its directory does not have the import addresses"
 
 
 def imports(image, allowed):

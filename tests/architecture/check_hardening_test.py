@@ -46,6 +46,19 @@ class Hardening(unittest.TestCase):
         image = self.image_with(first + 36, "I", self.image.sections[0].flags | 0x80000000)
         self.assertEqual(["section .text is written and executed"], list(check_hardening.memory(image)))
 
+    def test_a_writable_table_is_reported(self):
+        first = self.header + 24 + struct.unpack_from("<H", self.image.bytes, self.header + 20)[0]
+        for name in check_hardening.READ_ONLY_SECTIONS:
+            index = [section.name for section in self.image.sections].index(name)
+            image = self.image_with(first + 40 * index + 36, "I",
+                                    self.image.sections[index].flags | 0x80000000)
+            self.assertEqual([f"section {name} is writable"], list(check_hardening.memory(image)))
+
+    def test_import_addresses_missing_from_the_directory_are_reported(self):
+        image = self.image_with(self.directory_place(peimage.IMPORT_ADDRESSES), "I", 0)
+        self.assertEqual(["its directory does not have the import addresses"],
+                         list(check_hardening.memory(image)))
+
     def test_an_import_that_is_not_listed_is_told(self):
         self.assertEqual([f"it imports {LIBRARIES[0]}"],
                          list(check_hardening.imports(self.image, LIBRARIES[1:])))
