@@ -23,7 +23,8 @@ MAY_CALL_WINDOWS = (
     "source/user/update/driverpackage.cpp", "simulator/driver/", "simulator/managementservice/",
     "simulator/driverstore/", "simulator/environment/",
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
-    "tools/quenra/interruption/", "tools/quenra/update/tupdatefacts.cpp",
+    "tools/quenra/interruption/", "tools/quenra/reading/tquenralibrary.cpp",
+    "tools/quenra/update/tupdatefacts.cpp",
     "tests/",
 )
 SKIPPED = {"build", ".git"}

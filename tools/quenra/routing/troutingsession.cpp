@@ -82,13 +82,13 @@ std::string holdersText(const std::vector<tRouteHolder>& holders) {
   return text;
 }
 
-[[noreturn]] void refuseHeldRoute(const std::vector<tRouteHolder>& holders, int32_t code) {
+tCommandError heldRouteError(const std::vector<tRouteHolder>& holders, int32_t code) {
   tCommandError error(
       tExitCode::failure, "cannot reserve the route: held by " + holdersText(holders), code,
       tRemedy{"End the programs that hold these routes, or choose another trigger line. The driver "
               "does not reveal which program a session belongs to."});
   error.setHolders(holders);
-  throw error;
+  return error;
 }
 
 // A walk over the terminals, ended when the object is.
@@ -173,7 +173,7 @@ void tRoutingSession::reserve(uint32_t ticket) {
   library_.reserveRoute(session_, ticket, answer.output(), status.get());
   const std::vector<tRouteHolder> holders = holdersIn(answer.text());
   if (status.code() < 0 && !holders.empty()) {
-    refuseHeldRoute(holders, status.code());
+    throw heldRouteError(holders, status.code());
   }
   judge(status.record(), "cannot reserve the route");
 }
