@@ -591,12 +591,22 @@ TEST_F(Update, FilesAndFolder_AreHeldUntilTheToolHasEnded) {
   }
 }
 
-TEST_F(Update, TwoSectionsOfOneFileName_LeaveTheLaterPayload) {
+TEST_F(Update, TwoSectionsOfOneFileName_LeaveTheLaterPayloadAndHoldEveryFile) {
   const tFirmwareSection later = tFirmwareSection::capsule("bios.cap");
-  EXPECT_EQ(update({tFirmwareSection::capsule("bios.cap").payload(firmwareBytes(9000, 7)),
-                    tFirmwareSection::capsule("other.cap"), later}),
-            0);
-  EXPECT_THAT(files(), ElementsAre("bios.cap", "other.cap"));
+  unsigned starts = 0;
+  beforeToolStart([&] {
+    ++starts;
+    for (const char* name : {"driver.inf", "bios.cap", "other.cap", "last.cap"}) {
+      EXPECT_FALSE(canOpen(folders().at(0) / name, tOpening::writing)) << name;
+    }
+  });
+  EXPECT_EQ(
+      update(
+          {driverPackage(), tFirmwareSection::capsule("bios.cap").payload(firmwareBytes(9000, 7)),
+           tFirmwareSection::capsule("other.cap"), later, tFirmwareSection::capsule("last.cap")}),
+      0);
+  EXPECT_EQ(starts, 1u);
+  EXPECT_THAT(files(), ElementsAre("bios.cap", "driver.inf", "last.cap", "other.cap"));
   EXPECT_EQ(contentsOf(folders().at(0) / "bios.cap"), later.data());
 }
 

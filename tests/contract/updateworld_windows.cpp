@@ -181,6 +181,9 @@ void plantLink(const std::filesystem::path& link, const std::filesystem::path& t
 }
 
 void removeLink(const std::filesystem::path& link) {
+  if (!isPresent(link)) {
+    return;
+  }
   runOnHost("Z:\\bin\\rm -f \"" + hostName(link) + "\"");
   expectExistence(link, false);
 }

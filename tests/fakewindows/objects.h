@@ -122,7 +122,7 @@ class tObjects {
 
   // The rest with the lock held.
 
-  // Whether the handles that are open on a file or folder, and the new one, share it with each other.
+  // True if a new handle on a file or folder and those that are open share it with each other.
   [[nodiscard]] bool mayOpen(const std::filesystem::path& path, DWORD uses, DWORD sharing) const;
 
   // Copies a reply to where the request behind an OVERLAPPED wants it.

@@ -44,13 +44,16 @@ bool writeFile(const tFirmwarePayload& payload, const std::string& path) {
 // Returns false when the file cannot be opened, or another process writes to it too.
 bool writeAndHold(const tFirmwarePayload& payload, const std::u16string& path,
                   const std::string& narrow, tUpdateFolder& folder) {
-  bool isWritten = writeFile(payload, narrow);
-  if (!isWritten) {
-    // Two sections may name the same file, which is held since the first of them.
-    folder.releaseFiles();
-    isWritten = writeFile(payload, narrow);
-  }
+  // Two sections may name the same file, which is held since the first of them. Names of many forms are
+  // the same for the system: the attempt shows it.
+  const bool isWritten =
+      writeFile(payload, narrow) || (folder.deferHolding() && writeFile(payload, narrow));
   return isWritten && folder.hold(path);
+}
+
+void reportFile(tUpdateFolder& folder, zoerr::Status& status) noexcept {
+  folder.remove();
+  status.set(kUpdateEnvironment, kCannotBeOpened);
 }
 
 void writePayloadFile(const tFirmwarePayload& payload, tUpdateFolder& folder,
@@ -59,8 +62,7 @@ void writePayloadFile(const tFirmwarePayload& payload, tUpdateFolder& folder,
   runEnvironmentStep(kFolderNotCreated, status, [&] { folder.create(); });
   const std::string narrow = narrowPath(path, status);
   if (!status.isError() && !writeAndHold(payload, path, narrow, folder)) {
-    folder.remove();
-    status.set(kUpdateEnvironment, kCannotBeOpened);
+    reportFile(folder, status);
   }
 }
 
@@ -80,6 +82,9 @@ void writePayloadFiles(const tFirmwarePayloads& payloads, tUpdateFolder& folder,
     if (!payload.targetFileName.empty()) {
       writePayloadFile(payload, folder, status);
     }
+  }
+  if (!status.isError() && !folder.holdDeferred()) {
+    reportFile(folder, status);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "source/user/update/tupdatefolder.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -67,20 +68,31 @@ bool tUpdateFolder::hold(const std::u16string& path) {
     return true;
   }
   files_.push_back({path, {}});
-  bool isWritten = false;
-  for (tHeldFile& file : files_) {
-    if (!file.handle) {
-      file.handle = nZOAPAL000::holdFile(file.path);
-      isWritten = isWritten || (!file.handle && GetLastError() == ERROR_SHARING_VIOLATION);
-    }
-  }
-  return !isWritten;
+  return isDeferred_ || open(files_.back());
 }
 
-void tUpdateFolder::releaseFiles() noexcept {
+bool tUpdateFolder::open(tHeldFile& file) noexcept {
+  file.handle = nZOAPAL000::holdFile(file.path);
+  return file.handle || GetLastError() != ERROR_SHARING_VIOLATION;
+}
+
+bool tUpdateFolder::deferHolding() noexcept {
+  if (isDeferred_ || files_.empty()) {
+    return false;
+  }
   for (tHeldFile& file : files_) {
     file.handle.reset();
   }
+  isDeferred_ = true;
+  return true;
+}
+
+bool tUpdateFolder::holdDeferred() noexcept {
+  if (!isDeferred_) {
+    return true;
+  }
+  isDeferred_ = false;
+  return std::all_of(files_.begin(), files_.end(), open);
 }
 
 void tUpdateFolder::remove() noexcept {

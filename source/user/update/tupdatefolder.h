@@ -30,8 +30,11 @@ class tUpdateFolder {
   // another process has the file open for writing. A file that cannot be opened for another reason, and the
   // name of an image for another machine or a device, stay unguarded. Throws std::bad_alloc.
   [[nodiscard]] bool hold(const std::u16string& path);
-  // Lets other processes change the files until the next file is held.
-  void releaseFiles() noexcept;
+  // Releases the files, and defers their holding and that of further files until holdDeferred(). Returns
+  // false if it is deferred already, or no file is held.
+  [[nodiscard]] bool deferHolding() noexcept;
+  // Holds the files that wait for it; returns as hold() does.
+  [[nodiscard]] bool holdDeferred() noexcept;
   // Releases the folder and its files, and removes the folder with all its contents, as far as the system
   // allows. Never follows a link.
   void remove() noexcept;
@@ -42,9 +45,12 @@ class tUpdateFolder {
     nZOAPAL000::tUniqueFile handle;
   };
 
+  [[nodiscard]] static bool open(tHeldFile& file) noexcept;
+
   std::u16string path_;
   nZOAPAL000::tUniqueFile folder_;
   std::vector<tHeldFile> files_;
+  bool isDeferred_ = false;
 };
 
 }  // namespace nQUENRA1400

@@ -11,6 +11,7 @@
 #include "source/user/update/foldername.h"
 #include "tests/builders/ttemporaryfolder.h"
 #include "tests/fakewindows/fakewindowstest.h"
+#include "tests/fakewindows/unusual.h"
 
 namespace nTests {
 namespace {
@@ -84,6 +85,74 @@ TEST_F(UpdateFolder, FolderThatCannotBeCreated_ThrowsAFilesystemErrorOfThatName)
   } catch (const std::filesystem::filesystem_error& error) {
     EXPECT_THAT(error.what(), HasSubstr("create_directories"));
   }
+}
+
+// ---- Held files ----
+
+class HeldFiles : public nFakeWindows::FakeWindowsTest {
+ protected:
+  void SetUp() override {
+    FakeWindowsTest::SetUp();
+    for (const std::u16string& file : {first, second}) {
+      std::ofstream(std::filesystem::path(file)) << "content";
+    }
+  }
+  // By another process, sharing all access.
+  static HANDLE openForWriting(const std::u16string& file) {
+    const nFakeWindows::tOffTheRecord offTheRecord;
+    return CreateFileW(reinterpret_cast<LPCWSTR>(file.c_str()), GENERIC_WRITE,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  }
+  static bool isHeld(const std::u16string& file) {
+    const HANDLE handle = openForWriting(file);
+    if (handle != INVALID_HANDLE_VALUE) {
+      CloseHandle(handle);
+    }
+    return handle == INVALID_HANDLE_VALUE;
+  }
+
+  const tTemporaryFolder files_;
+  const std::u16string first = (files_.path() / "first").u16string();
+  const std::u16string second = (files_.path() / "second").u16string();
+  tUpdateFolder folder{"name"};
+};
+
+TEST_F(HeldFiles, HoldingThatIsDeferred_HoldsEveryFileInTheEnd) {
+  EXPECT_FALSE(folder.deferHolding()) << "no file is held";
+  EXPECT_TRUE(folder.holdDeferred());
+  EXPECT_TRUE(folder.hold(first));
+  EXPECT_TRUE(isHeld(first));
+  EXPECT_TRUE(folder.deferHolding());
+  EXPECT_FALSE(folder.deferHolding()) << "deferred already";
+  EXPECT_TRUE(folder.hold(second));
+  EXPECT_FALSE(isHeld(first));
+  EXPECT_FALSE(isHeld(second));
+  EXPECT_TRUE(folder.holdDeferred());
+  EXPECT_TRUE(isHeld(first));
+  EXPECT_TRUE(isHeld(second));
+  EXPECT_TRUE(folder.deferHolding()) << "a second time";
+}
+
+TEST_F(HeldFiles, DeferredFileThatAnotherProcessWrites_IsReported) {
+  EXPECT_TRUE(folder.hold(first));
+  EXPECT_TRUE(folder.deferHolding());
+  const HANDLE writer = openForWriting(first);
+  ASSERT_NE(writer, INVALID_HANDLE_VALUE);
+  EXPECT_FALSE(folder.holdDeferred());
+  CloseHandle(writer);
+}
+
+TEST_F(HeldFiles, FileThatIsMissing_IsNotReported) {
+  EXPECT_TRUE(folder.hold((files_.path() / "missing").u16string()));
+}
+
+TEST_F(HeldFiles, EndOfTheUpdate_ReleasesTheFiles) {
+  {
+    tUpdateFolder ending("name");
+    EXPECT_TRUE(ending.hold(first));
+  }
+  EXPECT_FALSE(isHeld(first));
 }
 
 }  // namespace

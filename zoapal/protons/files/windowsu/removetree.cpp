@@ -123,7 +123,7 @@ std::vector<std::u16string> namesIn(HANDLE folder) {
   return names;
 }
 
-// A folder on the way down: its path, and the name that its entries' handles resolve to.
+// A folder with entries to remove: its path, and the name that its handle resolves to.
 struct tParent {
   std::u16string path;
   std::u16string resolved;
