@@ -211,10 +211,10 @@ QUENRA_RETURNS_STATUS int32_t QUENRA_updateFirmware(uint64_t handle,
  * The library writes the files of an image to a new folder in the temporary directory. Its owner, the
  * system and administrators alone have access to the folder, and until the call returns, other processes
  * can read the files but not change them. A folder that cannot be protected like that counts as one that
- * cannot be created. The files stay, after a failure too; only if one of them cannot be opened, or a driver
- * package cannot be installed, the library removes the folder with its contents. A file name of the image
- * can lead out of the folder, to every file that the caller may write: the library refuses neither
- * absolute paths nor "..".
+ * cannot be created, and a file that another process has open for writing as one that cannot be opened.
+ * The files stay, after a failure too; only if one of them cannot be opened, or a driver package cannot be
+ * installed, the library removes the folder with its contents. A file name of the image can lead out of the
+ * folder, to every file that the caller may write: the library refuses neither absolute paths nor "..".
  *
  * On a machine with a Marten, every update that returns 0 or a warning leaves the marker
  * QUENRA_ATTRIBUTE_FIRMWARE_VERSION of the Marten at "0.0.0f0", which is older than any other version,
