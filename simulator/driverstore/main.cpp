@@ -74,11 +74,9 @@ int run() {
 }  // namespace nSimulator
 
 int main() {
-  if (!nSimulator::runsUnderWine()) {
-    return ERROR_NOT_SUPPORTED;
-  }
   try {
-    return nSimulator::run();
+    return nSimulator::answerUnderWine(nSimulator::runsUnderWine(), int{ERROR_NOT_SUPPORTED},
+                                       nSimulator::run);
   } catch (const std::exception&) {
     return ERROR_GEN_FAILURE;
   }

@@ -17,6 +17,12 @@ template <class Find>
 // Of this process.
 [[nodiscard]] bool runsUnderWine() noexcept;
 
+// The answer of a stand-in for a part of the system; outside Wine it does nothing and answers `refusal`.
+template <class Answer, class Act>
+[[nodiscard]] Answer answerUnderWine(bool isWine, Answer refusal, Act act) {
+  return isWine ? static_cast<Answer>(act()) : refusal;
+}
+
 }  // namespace nSimulator
 
 #endif

@@ -89,14 +89,9 @@ class tClassFactory final : public tComObject<IClassFactory> {
 }  // namespace
 }  // namespace nSimulator
 
-STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, LPVOID* object) {
-  *object = nullptr;
-  nSimulator::stayLoaded();
-  // On Windows this server must not answer for the system's own.
-  if (!nSimulator::runsUnderWine() ||
-      !nSimulator::areEqual(classId, nSimulator::kManagementLocatorClass)) {
-    return CLASS_E_CLASSNOTAVAILABLE;
-  }
+namespace {
+
+HRESULT createFactory(REFIID interfaceId, LPVOID* object) noexcept {
   try {
     auto* const factory = nSimulator::makeComObject<nSimulator::tClassFactory>(
         std::make_shared<nSimulator::tMachineScenario>());
@@ -106,6 +101,18 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, LPVOID* object) {
   } catch (const std::exception&) {
     return E_OUTOFMEMORY;
   }
+}
+
+}  // namespace
+
+STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, LPVOID* object) {
+  *object = nullptr;
+  nSimulator::stayLoaded();
+  if (!nSimulator::areEqual(classId, nSimulator::kManagementLocatorClass)) {
+    return CLASS_E_CLASSNOTAVAILABLE;
+  }
+  return nSimulator::answerUnderWine(nSimulator::runsUnderWine(), CLASS_E_CLASSNOTAVAILABLE,
+                                     [&] { return createFactory(interfaceId, object); });
 }
 
 STDAPI DllCanUnloadNow() {

@@ -207,6 +207,8 @@ TEST(SystemReason, ErrorsOfWindows_HaveTheSamePhrases) {
       {ERROR_HANDLE_DISK_FULL, "no space left on the disk"},
       {ERROR_INVALID_NAME, "the path is invalid"},
       {ERROR_NOT_ENOUGH_MEMORY, "not enough memory"},
+      {ERROR_BROKEN_PIPE, "the pipe is closed"},
+      {ERROR_NO_DATA, "the pipe is closed"},
   };
   for (const auto& [number, phrase] : phrases) {
     EXPECT_EQ(reasonOf({number, std::system_category()}), phrase) << number;

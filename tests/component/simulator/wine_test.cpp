@@ -7,6 +7,7 @@
 namespace nTests {
 namespace {
 
+using nSimulator::answerUnderWine;
 using nSimulator::isWine;
 
 TEST(IsWine, LibraryWithTheExportOfWine_IsRecognised) {
@@ -20,6 +21,21 @@ TEST(IsWine, LibraryWithTheExportOfWine_IsRecognised) {
 
 TEST(IsWine, LibraryWithoutTheExport_IsNotWine) {
   EXPECT_FALSE(isWine([](const char*, const char*) -> const void* { return nullptr; }));
+}
+
+TEST(AnswerUnderWine, OutsideWine_IsTheRefusalAndNothingIsDone) {
+  bool done = false;
+  EXPECT_EQ(answerUnderWine(false, 50,
+                            [&done] {
+                              done = true;
+                              return 0;
+                            }),
+            50);
+  EXPECT_FALSE(done);
+}
+
+TEST(AnswerUnderWine, UnderWine_IsThatOfTheAction) {
+  EXPECT_EQ(answerUnderWine(true, 50, [] { return 7; }), 7);
 }
 
 }  // namespace
