@@ -1,5 +1,6 @@
 #include "tools/quenra/grammar/parser.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
 #include <vector>
@@ -14,8 +15,11 @@ namespace nCommandLine {
 namespace {
 
 constexpr std::string_view kShortHelp = "-h";
+// In place of the value of an option that ends the command line or precedes another option. No word can
+// be equal to it.
+constexpr std::string_view kMissingValue("\0", 1);
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   return "'" + std::string(text) + "'";
 }
 
@@ -29,7 +33,7 @@ std::string helpAdvice(std::string_view verb, std::string_view listed) {
   std::vector<std::string> verbs;
   for (const tVerbRow& verb : kVerbs) {
     if (!actionIn(group.name, verb).empty()) {
-      verbs.push_back(quoted(verb.name));
+      verbs.push_back(inQuotes(verb.name));
     }
   }
   throw tCommandError("incomplete command: use " + alternatives(verbs),
@@ -69,12 +73,6 @@ tSpokenWords spokenWords(std::span<const char* const> words) {
   return spoken;
 }
 
-// A negative number is a value.
-bool isOption(std::string_view word) noexcept {
-  const bool isNumber = word.size() > 1 && word[1] >= '0' && word[1] <= '9';
-  return word.size() > 1 && word.front() == '-' && !isNumber;
-}
-
 bool hasOption(std::span<const std::string> words, std::string_view name) {
   const auto end = std::ranges::find(words, kEndOfOptions);
   return std::find(words.begin(), end, name) != end;
@@ -84,88 +82,125 @@ bool wantsHelp(std::span<const std::string> words) {
   return hasOption(words, nWords::kHelp) || hasOption(words, kShortHelp);
 }
 
-// Reads words against rows of options and positionals. The messages are the program's own: those of a
-// library of parsers change with its version.
+// "NAME or ID" of "NAME|ID"
+std::string spokenValueName(std::string_view valueName) {
+  std::string text;
+  for (const char character : valueName) {
+    text += character == '|' ? std::string(" or ") : std::string(1, character);
+  }
+  return text;
+}
+
+// Reads words against rows of options and positionals. CLI11 tells options, values and positionals apart.
+// It is set up to accept every number of them, since its own messages differ between its versions.
 class tWordReader {
  public:
   // `verb` is null for the words before the verb.
   tWordReader(const tVerbRow* verb, std::span<const tOptionRow> always, tArguments& arguments)
-      : verb_(verb), always_(always), arguments_(arguments) {}
+      : verb_(verb), arguments_(arguments) {
+    app_.set_help_flag();
+    app_.allow_windows_style_options(false);
+    app_.allow_extras();
+    options_.assign(always.begin(), always.end());
+    if (verb != nullptr) {
+      options_.insert(options_.end(), verb->options.begin(), verb->options.end());
+      positionals_ = verb->positionals;
+    }
+    for (const tOptionRow& row : options_) {
+      add(row);
+    }
+    for (const tPositionalRow& row : positionals_) {
+      app_.add_option(std::string(row.name));
+    }
+  }
 
   void read(std::span<const std::string> words) {
-    bool optionsEnded = false;
-    while (!words.empty()) {
-      const std::string& word = words.front();
-      words = words.subspan(1);
-      if (!optionsEnded && word == kEndOfOptions) {
-        optionsEnded = true;
-      } else if (!optionsEnded && isOption(word)) {
-        readOption(word, words);
-      } else {
-        readPositional(word);
-      }
-    }
-    judgeMissing();
+    refuseValuesOfFlags(words);
+    // CLI11 takes the words from the end of a vector.
+    app_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    refuseExtras();
+    std::ranges::for_each(options_, [this](const tOptionRow& row) { read(row); });
+    std::ranges::for_each(positionals_, [this](const tPositionalRow& row) { read(row); });
   }
 
  private:
-  [[nodiscard]] std::span<const tOptionRow> options() const noexcept {
-    return verb_ == nullptr ? std::span<const tOptionRow>{} : verb_->options;
-  }
-  [[nodiscard]] std::span<const tPositionalRow> positionals() const noexcept {
-    return verb_ == nullptr ? std::span<const tPositionalRow>{} : verb_->positionals;
-  }
-
-  [[noreturn]] void refuse(const std::string& what) const {
-    throw tCommandError(
-        what, verb_ == nullptr ? helpAdvice("", "the verbs") : "Usage: " + synopsis(*verb_), {});
-  }
-
-  [[nodiscard]] const tOptionRow& knownOption(std::string_view name) const {
-    std::vector<std::string_view> names;
-    for (const auto& rows : {always_, options()}) {
-      for (const tOptionRow& row : rows) {
-        if (row.name == name) {
-          return row;
-        }
-        names.push_back(row.name);
-      }
+  void add(const tOptionRow& row) {
+    const std::string name(row.name);
+    if (row.valueName.empty()) {
+      app_.add_flag(name);
+    } else {
+      CLI::Option& option = *app_.add_option(name);
+      option.expected(0, 1);
+      option.default_str(std::string(kMissingValue));
+      option.allow_extra_args(false);
+      option.multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     }
-    throw tCommandError("unknown option " + quoted(name),
+  }
+
+  [[noreturn]] void refuse(const std::string& fault) const {
+    throw tCommandError(
+        fault, verb_ == nullptr ? helpAdvice("", "the verbs") : "Usage: " + synopsis(*verb_), {});
+  }
+
+  [[noreturn]] void refuseOption(std::string_view name) const {
+    std::vector<std::string_view> names;
+    std::ranges::transform(options_, std::back_inserter(names), &tOptionRow::name);
+    throw tCommandError("unknown option " + inQuotes(name),
                         helpAdvice(verb_ == nullptr ? "" : verb_->name, "the options"),
                         suggest(name, names));
   }
 
-  // `following` loses the option's value.
-  void readOption(const std::string& word, std::span<const std::string>& following) {
-    const size_t equals = word.find('=');
-    const tOptionRow& row = knownOption(std::string_view(word).substr(0, equals));
-    const std::string name(row.name);
-    if (row.valueName.empty()) {
-      if (equals != std::string::npos) {
-        refuse(name + " takes no value");
+  void refuseValuesOfFlags(std::span<const std::string> words) const {
+    for (const std::string& word : words) {
+      if (word == kEndOfOptions) {
+        return;
       }
-      judgeChoice(row);
-      arguments_.give(name, "true");
-      return;
+      const std::string_view name = std::string_view(word).substr(0, word.find('='));
+      const auto row = std::ranges::find(options_, name, &tOptionRow::name);
+      if (name.size() != word.size() && row != options_.end() && row->valueName.empty()) {
+        refuse(std::string(name) + " takes no value");
+      }
     }
-    if (arguments_.has(name)) {
-      refuse(name + " is given twice");
-    }
-    if (equals != std::string::npos) {
-      arguments_.give(name, word.substr(equals + 1));
-      return;
-    }
-    if (following.empty() || isOption(following.front())) {
-      refuse("the value of " + name + " is missing");
-    }
-    arguments_.give(name, following.front());
-    following = following.subspan(1);
   }
 
-  void judgeChoice(const tOptionRow& row) const {
-    for (const tOptionRow& other : options()) {
-      if (&other != &row && !row.choice.empty() && other.choice == row.choice &&
+  // The words that fit no row. CLI11 keeps the end of options among them.
+  void refuseExtras() const {
+    std::vector<std::string> extras = app_.remaining();
+    if (const auto end = std::ranges::find(extras, kEndOfOptions); end != extras.end()) {
+      extras.erase(end);
+    }
+    for (const std::string& word : extras) {
+      if (word.size() > 1 && word.front() == '-' && word != kEndOfOptions) {
+        refuseOption(std::string_view(word).substr(0, word.find('=')));
+      }
+      refuse("unexpected argument " + inQuotes(word));
+    }
+  }
+
+  void read(const tOptionRow& row) {
+    const CLI::Option& option = *app_.get_option(std::string(row.name));
+    const std::string name(row.name);
+    if (option.count() == 0) {
+      if (row.required) {
+        refuse(name + " is missing");
+      }
+      return;
+    }
+    refuseSecondOfAChoice(row);
+    if (row.valueName.empty()) {
+      arguments_.give(name, "true");
+    } else if (option.count() > 1) {
+      refuse(name + " is given twice");
+    } else if (option.results().front() == kMissingValue) {
+      refuse("the value of " + name + " is missing");
+    } else {
+      arguments_.give(name, option.results().front());
+    }
+  }
+
+  void refuseSecondOfAChoice(const tOptionRow& row) const {
+    for (const tOptionRow& other : options_) {
+      if (other.name != row.name && !row.choice.empty() && other.choice == row.choice &&
           arguments_.has(other.name)) {
         refuse(std::string(other.name).append(" and ").append(row.name) +
                " cannot be used together");
@@ -173,40 +208,20 @@ class tWordReader {
     }
   }
 
-  void readPositional(const std::string& word) {
-    if (positionalCount_ == positionals().size()) {
-      refuse("unexpected argument " + quoted(word));
+  void read(const tPositionalRow& row) {
+    const CLI::Option& option = *app_.get_option(std::string(row.name));
+    if (option.count() != 0) {
+      arguments_.give(row.name, option.results().front());
+    } else if (row.required) {
+      refuse(spokenValueName(row.valueName) + " is missing");
     }
-    arguments_.give(positionals()[positionalCount_].name, word);
-    ++positionalCount_;
-  }
-
-  void judgeMissing() const {
-    for (const tPositionalRow& row : positionals()) {
-      if (row.required && !arguments_.has(row.name)) {
-        refuse(spokenValueName(row.valueName) + " is missing");
-      }
-    }
-    for (const tOptionRow& row : options()) {
-      if (row.required && !arguments_.has(row.name)) {
-        refuse(std::string(row.name) + " is missing");
-      }
-    }
-  }
-
-  // "NAME or ID" of "NAME|ID"
-  static std::string spokenValueName(std::string_view valueName) {
-    std::string text;
-    for (const char character : valueName) {
-      text += character == '|' ? std::string(" or ") : std::string(1, character);
-    }
-    return text;
   }
 
   const tVerbRow* verb_;
-  std::span<const tOptionRow> always_;
   tArguments& arguments_;
-  size_t positionalCount_ = 0;
+  std::vector<tOptionRow> options_;
+  std::span<const tPositionalRow> positionals_;
+  CLI::App app_;
 };
 
 tArguments helpOn(const tSpokenWords& spoken) {
@@ -227,7 +242,7 @@ const tVerbRow& knownVerb(std::string_view name) {
   if (verb == nullptr) {
     std::vector<std::string_view> names;
     std::ranges::transform(kVerbs, std::back_inserter(names), &tVerbRow::name);
-    throw tCommandError("unknown verb " + quoted(name), helpAdvice("", "the verbs"),
+    throw tCommandError("unknown verb " + inQuotes(name), helpAdvice("", "the verbs"),
                         suggest(name, names));
   }
   return *verb;
