@@ -12,6 +12,8 @@ enum class tExitCode : uint8_t {
   wrongUsage = 2,
   notSupported = 3,
   noController = 4,
+  // Not `failure`: a script that repeats a failed command would change the machine a second time.
+  outputFailedAfterChange = 5,
 };
 
 struct tExitCodeRow {
@@ -28,6 +30,8 @@ inline constexpr tExitCodeRow kExitCodes[] = {
     {tExitCode::wrongUsage, "wrong usage"},
     {tExitCode::notSupported, "not supported on this machine"},
     {tExitCode::noController, "no controller could be reached"},
+    {tExitCode::outputFailedAfterChange,
+     "the machine was changed, but the output could not be written"},
 };
 
 [[nodiscard]] constexpr int exitNumber(tExitCode code) noexcept {
