@@ -34,15 +34,25 @@ tExitCode runWords(const tVerbContext& context, tWords words) {
   }
 }
 
-// The reader of a closed pipe has all that it needs, as `head` does: no message.
-void reportOutputFailure(const tStreams& streams) {
+// The reader of a closed pipe has all that it needs, as `head` does: no message, unless the reader
+// must not repeat the command.
+void reportOutputFailure(const tStreams& streams, bool changeIsApplied) {
   const std::error_code failure =
       streams.outBuffer == nullptr ? std::error_code() : streams.outBuffer->failure();
-  if (!isClosedPipe(failure)) {
-    const std::string reason = failure ? ": " + reasonOf(failure) : "";
-    printError(streams.error,
-               {tExitCode::failure, "cannot write the output" + reason, std::nullopt});
+  if (isClosedPipe(failure) && !changeIsApplied) {
+    return;
   }
+  const std::string reason = failure ? ": " + reasonOf(failure) : "";
+  printError(streams.error,
+             {tExitCode::failure, "cannot write the output" + reason, std::nullopt,
+              changeIsApplied ? "The change was applied: do not repeat the command." : ""});
+}
+
+// The caller must not mistake a truncated answer for a complete one.
+tExitCode judgeOutputFailure(const tStreams& streams, tExitCode exitCode) {
+  const bool changeIsApplied = streams.machineChanged && exitCode == tExitCode::done;
+  reportOutputFailure(streams, changeIsApplied);
+  return changeIsApplied ? tExitCode::outputFailedAfterChange : tExitCode::failure;
 }
 
 }  // namespace
@@ -51,9 +61,7 @@ int runCommandLine(int argc, const char* const* argv, tStreams& streams, const t
   const tWords words = tWords(argv, static_cast<size_t>(argc)).subspan(argc > 0 ? 1 : 0);
   tExitCode exitCode = runWords({ports, streams, wantsJson(words)}, words);
   if (!streams.out.flush()) {
-    reportOutputFailure(streams);
-    // The caller must not mistake a truncated answer for a complete one.
-    exitCode = tExitCode::failure;
+    exitCode = judgeOutputFailure(streams, exitCode);
   }
   return exitNumber(exitCode);
 }

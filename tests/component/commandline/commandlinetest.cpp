@@ -29,18 +29,31 @@ tRun CommandLineTest::runOnTerminal(const std::vector<std::string>& words) {
   return runWith(words, true);
 }
 
+tRun CommandLineTest::runOnOutput(const std::vector<std::string>& words,
+                                  std::function<std::error_code()> write) {
+  nCommandLine::tOutputBuffer buffer([&write](std::string_view) { return write(); });
+  std::ostream out(&buffer);
+  std::ostringstream error;
+  nCommandLine::tStreams streams{out, error, false, false, &buffer};
+  const int exitCode = runOn(words, streams);
+  return {exitCode, "", error.str()};
+}
+
 tRun CommandLineTest::runWith(const std::vector<std::string>& words, bool terminal) {
+  std::ostringstream out;
+  std::ostringstream error;
+  nCommandLine::tStreams streams{out, error, terminal, terminal};
+  const int exitCode = runOn(words, streams);
+  return {exitCode, out.str(), error.str()};
+}
+
+int CommandLineTest::runOn(const std::vector<std::string>& words, nCommandLine::tStreams& streams) {
   std::vector<const char*> arguments{"quenra"};
   for (const std::string& word : words) {
     arguments.push_back(word.c_str());
   }
-  std::ostringstream out;
-  std::ostringstream error;
-  nCommandLine::tStreams streams{out, error, terminal, terminal};
-  const int exitCode =
-      nCommandLine::runCommandLine(static_cast<int>(arguments.size()), arguments.data(), streams,
-                                   {library_, routing_, facts_, interruption_});
-  return {exitCode, out.str(), error.str()};
+  return nCommandLine::runCommandLine(static_cast<int>(arguments.size()), arguments.data(), streams,
+                                      {library_, routing_, facts_, interruption_});
 }
 
 std::vector<std::string> wordsOf(std::string_view verb) {

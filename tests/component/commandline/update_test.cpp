@@ -399,6 +399,43 @@ TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
   EXPECT_FALSE(asDocument.document().HasParseError());
 }
 
+// ---- Output that fails ----
+
+TEST_F(UpdateVerb, OutputThatFailsAfterTheUpdate_HasAnExitCodeOfItsOwn) {
+  for (const auto reason : {std::errc::no_space_on_device, std::errc::broken_pipe}) {
+    for (const tWords& more : {tWords{}, tWords{"--json"}}) {
+      library_.updates.clear();
+      tWords words{"update", fileOf({section("BIOS", "4.0.0f0")})};
+      words.insert(words.end(), more.begin(), more.end());
+      const tRun result = runOnOutput(words, [this, reason] {
+        return library_.updates.empty() ? std::error_code() : std::make_error_code(reason);
+      });
+      EXPECT_EQ(result.exitCode, 5);
+      EXPECT_THAT(result.error, StartsWith("quenra: cannot write the output: "));
+      EXPECT_THAT(result.error,
+                  HasSubstr("\n  The change was applied: do not repeat the command.\n"));
+      EXPECT_EQ(library_.updates.size(), 1u);
+    }
+  }
+}
+
+TEST_F(UpdateVerb, OutputThatFailsBeforeTheUpdate_ChangesNothing) {
+  const tRun result = runOnOutput({"update", fileOf({section("BIOS", "4.0.0f0")})},
+                                  [] { return std::make_error_code(std::errc::broken_pipe); });
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.error, "quenra: the update was not started: its output cannot be written\n");
+  EXPECT_THAT(library_.updates, IsEmpty());
+}
+
+TEST_F(UpdateVerb, UpdateThatFailsAndItsOutputToo_HasTheExitCodeOfAFailure) {
+  library_.updateCode = -777;
+  const tRun result = runOnOutput({"update", fileOf({section("BIOS", "4.0.0f0")})}, [this] {
+    return library_.updates.empty() ? std::error_code()
+                                    : std::make_error_code(std::errc::no_space_on_device);
+  });
+  EXPECT_EQ(result.exitCode, 1);
+}
+
 TEST(Progress, ElsewhereThanOnATerminal_IsALineNowAndThen) {
   using std::chrono::milliseconds;
   std::ostringstream out;

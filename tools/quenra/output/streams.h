@@ -15,6 +15,9 @@ struct tStreams {
   bool outTakesStyles = false;  // ... on a terminal that shows bold and faint text
   // The buffer of `out`, which keeps the reason of a failure; null where the reason is unknown.
   const tOutputBuffer* outBuffer = nullptr;
+  // Set by a verb as soon as it has changed the machine: output that fails is then not the failure of
+  // the command.
+  bool machineChanged = false;
 };
 
 }  // namespace nCommandLine

@@ -127,9 +127,15 @@ tExitCode runWanted(const tWantedUpdate& wanted, const tVerbContext& context) {
     printPlan(streams, &machine, sections, "What will be done");
     streams.out << "updating, which can take minutes: leave the machine on" << std::endl;
   }
+  if (!streams.out.flush()) {
+    // Nothing could report its end.
+    streams.error << "quenra: the update was not started: its output cannot be written\n";
+    return tExitCode::failure;
+  }
   tProgress progress("updating", streams, context.ports.interruption, context.json);
   judgeUpdate(progress.run([&] { return controller.update(wanted.bytes, wanted.onlyNewer); }),
               warnings);
+  streams.machineChanged = true;
   printWarnings(streams.error, warnings);
   if (context.json) {
     printDocument(streams.out, wanted, machine, sections, progress.elapsed(), warnings);
