@@ -89,11 +89,27 @@ TEST_F(FirmwareInspect, Document_HasThePromisedMembers) {
   EXPECT_EQ(image["sections"][1]["crc"].GetUint(), 0x05440F15u);
 }
 
-TEST_F(FirmwareInspect, AnyBytes_AreShownAsNoSection) {
-  const tRun result = run({"firmware", "inspect", folder_.file("x", std::string("PK\0\x03", 4))});
-  EXPECT_EQ(result.out, "0 sections, 4 bytes, 0 faults\n");
-  EXPECT_EQ(run({"firmware", "inspect", folder_.file("empty", "")}).out,
-            "0 sections, 0 bytes, 0 faults\n");
+TEST_F(FirmwareInspect, FileWithoutASection_IsAnErrorWithTheReason) {
+  using namespace std::string_view_literals;
+  const std::tuple<std::string_view, const char*, const char*> files[] = {
+      {"PK\0\x03"sv, "0 sections, 4 bytes, 0 faults\n", "the file has no 'HeaderVersion::'"},
+      {"", "0 sections, 0 bytes, 0 faults\n", "the file is empty"},
+      {"\xFF\xFEH\0"sv, "0 sections, 4 bytes, 0 faults\n",
+       "the file appears to be UTF-16; an image is plain ASCII text"},
+      {"H\0e\0a\0d\0e\0r\0"sv, "0 sections, 12 bytes, 0 faults\n",
+       "the file appears to be UTF-16; an image is plain ASCII text"},
+  };
+  for (const auto& [content, out, reason] : files) {
+    const std::string path = folder_.file("x", content);
+    const tRun result = run({"firmware", "inspect", path});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.out, out);
+    EXPECT_THAT(result.error, testing::StartsWith("quenra: '" + path +
+                                                  "' is not a firmware image: " + reason + "\n"));
+    const auto document = run({"firmware", "inspect", path, "--json"}).document();
+    EXPECT_STREQ(document["kind"].GetString(), "firmware-inspect");
+    EXPECT_EQ(document["exitCode"].GetInt(), 1);
+  }
 }
 
 TEST_F(FirmwareInspect, ControlCharacters_DoNotReachTheTerminal) {

@@ -53,7 +53,7 @@ TEST_F(FirmwareVerify, EveryFault_IsToldWithCodeLineAndRemedy) {
 TEST_F(FirmwareVerify, FileWithoutASection_IsNotTakenForAnImage) {
   const tRun result = verify("PK\x03\x04", {"--json"});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.error, HasSubstr("no section is in it"));
+  EXPECT_THAT(result.error, HasSubstr("' is not a firmware image: the file has no "));
   EXPECT_FALSE(result.document()["image"]["valid"].GetBool());
 }
 

@@ -105,6 +105,20 @@ void setOrder(std::vector<tImageSection>& sections) {
   }
 }
 
+constexpr std::string_view kUtf16 = "the file appears to be UTF-16; an image is plain ASCII text";
+
+bool isUtf16(std::string_view bytes) {
+  using namespace std::string_view_literals;
+  return bytes.starts_with("\xFF\xFE"sv) || bytes.starts_with("\xFE\xFF"sv) ||
+         bytes.find("H\0e\0a\0d\0e\0r\0"sv) != std::string_view::npos;
+}
+
+std::string_view reasonOfNoSection(std::string_view bytes) {
+  return bytes.empty()    ? "the file is empty"
+         : isUtf16(bytes) ? kUtf16
+                          : "the file has no 'HeaderVersion::'";
+}
+
 }  // namespace
 
 size_t tFirmwareImage::faults() const noexcept {
@@ -114,7 +128,7 @@ size_t tFirmwareImage::faults() const noexcept {
 
 tFirmwareImage inspectImage(std::string_view bytes) {
   const tImageText text(bytes.data(), bytes.size(), bestKernels());
-  tFirmwareImage image{bytes.size(), readHeaders(text)};
+  tFirmwareImage image{bytes.size(), {}, readHeaders(text)};
   std::vector<tImageSection>& sections = image.sections;
   judge(sections, bytes);
   for (size_t i = 0; i < sections.size(); ++i) {
@@ -123,7 +137,17 @@ tFirmwareImage inspectImage(std::string_view bytes) {
   if (image.faults() == 0) {
     setOrder(sections);
   }
+  if (sections.empty()) {
+    image.emptyReason = reasonOfNoSection(bytes);
+  }
   return image;
+}
+
+tCommandError notAnImage(const std::string& path, const tFirmwareImage& image) {
+  return {tExitCode::failure,
+          "'" + path + "' is not a firmware image: " + std::string(image.emptyReason), std::nullopt,
+          image.emptyReason == kUtf16 ? "Save the image as ASCII, with line ends of CR LF."
+                                      : "Check the name of the file, or fetch the image again."};
 }
 
 }  // namespace nCommandLine

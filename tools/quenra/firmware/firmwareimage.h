@@ -11,6 +11,7 @@
 
 #include "source/user/firmware/tsectionheaders.h"
 #include "tools/quenra/firmware/sectionfault.h"
+#include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
 
@@ -30,6 +31,7 @@ struct tImageSection {
 
 struct tFirmwareImage {
   size_t size = 0;
+  std::string_view emptyReason;         // why there is no section; empty when there is one
   std::vector<tImageSection> sections;  // as they follow each other in the image
 
   [[nodiscard]] size_t faults() const noexcept;
@@ -38,6 +40,10 @@ struct tFirmwareImage {
 };
 
 [[nodiscard]] tFirmwareImage inspectImage(std::string_view bytes);
+
+// Why a file without sections is not an image, and what to do. The library accepts such a file, and an
+// update with it marks the Marten as updated.
+[[nodiscard]] tCommandError notAnImage(const std::string& path, const tFirmwareImage& image);
 
 }  // namespace nCommandLine
 

@@ -85,10 +85,6 @@ void writeLine(tJsonDocument& document, uint32_t line) {
 void printPlan(const tStreams& streams, const tUpdateMachine* machine,
                const std::vector<tPlannedSection>& plan, std::string_view heading) {
   streams.out << "installed: " << installedText(machine) << '\n';
-  if (plan.empty()) {
-    streams.out << "no section is in the image\n";
-    return;
-  }
   tTable table;
   table.addRow({"Section", "Device", "Version", "File", "Bytes", std::string(heading)});
   for (const tPlannedSection& planned : plan) {

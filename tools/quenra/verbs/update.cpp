@@ -23,6 +23,9 @@ tWantedUpdate wantedUpdate(const tArguments& arguments) {
   tWantedUpdate wanted{arguments.text(nWords::kImage), arguments.has(nWords::kOnlyNewer), {}, {}};
   wanted.bytes = readFile(wanted.path);
   wanted.image = inspectImage(wanted.bytes);
+  if (wanted.image.sections.empty()) {
+    throw notAnImage(wanted.path, wanted.image);
+  }
   return wanted;
 }
 
