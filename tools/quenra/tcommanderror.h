@@ -12,14 +12,24 @@
 
 namespace nCommandLine {
 
-// Ends a verb without an answer. Whoever runs the command line reports it, as text and as JSON.
+// The meaning of a status code at the site that reported it, and the advice for it. Replaces those of
+// the catalogue, which cover every site of the code.
+struct tSiteExplanation {
+  std::string meaning;
+  std::string advice;
+};
+
+// Ends a verb without an answer. The command line reports it, as text and as JSON.
 class tCommandError : public std::runtime_error {
  public:
   // `what()` says in one sentence what could not be done. `status` is the library's code where it
   // was the library that failed; then its explanation is the advice.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status)
       : std::runtime_error(what), exitCode_(exitCode), status_(status) {}
-  // ... with advice of the program's own behind that of the status.
+  // ... with the explanation of the site that reported the status.
+  tCommandError(tExitCode exitCode, const std::string& what, int32_t status, tSiteExplanation site)
+      : std::runtime_error(what), exitCode_(exitCode), status_(status), site_(std::move(site)) {}
+  // ... with advice of the program's own after that of the status.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status,
                 std::string advice)
       : std::runtime_error(what),
@@ -35,6 +45,8 @@ class tCommandError : public std::runtime_error {
 
   [[nodiscard]] tExitCode exitCode() const noexcept { return exitCode_; }
   [[nodiscard]] std::optional<int32_t> status() const noexcept { return status_; }
+  // Nothing where the catalogue explains the status.
+  [[nodiscard]] const std::optional<tSiteExplanation>& site() const noexcept { return site_; }
   [[nodiscard]] const std::string& advice() const noexcept { return advice_; }
   [[nodiscard]] const std::vector<std::string>& suggestions() const noexcept {
     return suggestions_;
@@ -43,6 +55,7 @@ class tCommandError : public std::runtime_error {
  private:
   tExitCode exitCode_;
   std::optional<int32_t> status_;
+  std::optional<tSiteExplanation> site_;
   std::string advice_;
   std::vector<std::string> suggestions_;
 };

@@ -96,7 +96,7 @@ TEST_F(UpdatePlan, Sections_AreShownWithWhatWouldBeDone) {
       "2        SAFEMODE  1        -     9      nothing: the library does nothing with "
       "sections for SAFEMODE\n"
       "\n"
-      "nothing stands in the way\n");
+      "no obstacle was found\n");
   EXPECT_THAT(library_.updates, IsEmpty());
 }
 
@@ -156,7 +156,7 @@ TEST_F(UpdatePlan, TextThatIsNoVersion_CountsAsTheOldest) {
 
 TEST_F(UpdatePlan, EveryReason_IsToldAtOnce) {
   facts_.protection = {true, 0, 0};
-  facts_.hasTool = false;
+  facts_.tool.exists = false;
   library_.number(QUENRA_ATTRIBUTE_FIRMWARE_UPDATE_SUPPORT, 0);
   library_.number(QUENRA_ATTRIBUTE_INTERFACES_PRESENT, QUENRA_SELECTOR_CONTROLLER);
   const std::string path = fileOf({section("BIOS", "1").with("CRC", "1"), section("MARTEN", "1"),
@@ -234,11 +234,12 @@ TEST_F(UpdatePlan, WithoutAController_WhatElseIsWrongIsToldAllTheSame) {
               ElementsAre(QUENRA_STATUS_NO_CONTROLLER, QUENRA_STATUS_DRIVE_PROTECTED,
                           QUENRA_STATUS_INVALID_IMAGE));
   EXPECT_TRUE(document["installed"]["bios"].IsNull());
-  EXPECT_THAT(run({"update", "--plan", fileOf(sections)}).out, StartsWith("installed: unknown\n"));
+  EXPECT_THAT(run({"update", "--plan", fileOf(sections)}).out,
+              StartsWith("installed: not available\n"));
 }
 
 TEST_F(UpdatePlan, MissingToolForDriverPackages_IsAReason) {
-  facts_.hasTool = false;
+  facts_.tool.exists = false;
   EXPECT_THAT(codesOf(planOf({section("BIOS", "1"), tFirmwareSection::capsule("a.bin")})),
               IsEmpty());
   const auto document = planOf({section("BIOS", "1"), tFirmwareSection::capsule("a.inf")});
@@ -276,7 +277,7 @@ TEST_F(UpdatePlan, Document_HasThePromisedMembers) {
   EXPECT_THAT(memberNames(document),
               ElementsAre("format", "kind", "exitCode", "warnings", "path", "onlyNewer",
                           "installed", "sections", "obstacles"));
-  EXPECT_THAT(memberNames(document["installed"]), ElementsAre("bios", "marten"));
+  EXPECT_THAT(memberNames(document["installed"]), ElementsAre("bios", "marten", "awaitsRestart"));
   EXPECT_THAT(memberNames(document["sections"][0]),
               ElementsAre("section", "device", "version", "fileName", "byteCount", "action",
                           "reason", "remedy"));
@@ -314,41 +315,271 @@ TEST_F(UpdateVerb, Image_GoesToTheLibraryAsItIs) {
 }
 
 TEST_F(UpdateVerb, OnlyNewer_IsTheLibrarysOption) {
-  const tRun result = run({"update", "--only-newer", fileOf({section("MARTEN", "1.4.0f7")})});
+  const tRun result = run({"update", "--only-newer",
+                           fileOf({section("MARTEN", "1.4.0f7"), section("BIOS", "3.1.0f3")})});
   ASSERT_EQ(library_.updates.size(), 1u);
   EXPECT_EQ(library_.updates[0].options, 0u);
   EXPECT_THAT(result.out, HasSubstr("leave out: it is not newer than the installed 1.4.0f7; "
                                     "without --only-newer it is applied\n"));
-  EXPECT_THAT(result.out, Not(HasSubstr("bytes: ")));
+  EXPECT_THAT(result.out, Not(HasSubstr("section 1, MARTEN 1.4.0f7, 9 bytes: ")));
 }
 
-TEST_F(UpdateVerb, NothingIsRefused_ThatTheLibraryMayAccept) {
-  facts_.protection = {true, 0, 0};
-  facts_.hasTool = false;
-  library_.number(QUENRA_ATTRIBUTE_FIRMWARE_UPDATE_SUPPORT, 0);
-  library_.number(QUENRA_ATTRIBUTE_INTERFACES_PRESENT, 0);
-  EXPECT_EQ(run({"update", fileOf({section("MARTEN", "1").with("CRC", "1")})}).exitCode, 0);
+// ---- No surprise downgrade ----
+
+TEST_F(UpdateVerb, NothingToSend_DoesNotCallTheLibrary) {
+  const std::pair<tSections, tWords> updates[] = {
+      {{section("MARTEN", "1.3.0f0")}, {"--only-newer"}},
+      {{section("BIOS", "3.1.0f2"), section("MARTEN", "1.4.0f7")}, {"--only-newer"}},
+      {{section("SAFEMODE", "1.0.0f0")}, {}},
+  };
+  for (const auto& [sections, options] : updates) {
+    tWords words{"update", fileOf(sections)};
+    words.insert(words.end(), options.begin(), options.end());
+    const tRun result = run(words);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.out, testing::EndsWith("\nnothing to do\n"));
+    words.emplace_back("--json");
+    const auto document = run(words).document();
+    EXPECT_STREQ(document["outcome"].GetString(), "nothing-to-do");
+    EXPECT_STREQ(document["sections"][0]["result"].GetString(), "not-applied");
+    words.emplace_back("--plan");
+    words.erase(std::ranges::find(words, "--json"));
+    EXPECT_THAT(run(words).out, testing::EndsWith("\nnothing to do\n"));
+  }
+  EXPECT_THAT(library_.updates, IsEmpty());
+}
+
+TEST_F(UpdateVerb, OnlyNewerWhileAnUpdateAwaitsARestart_NeedsForce) {
+  library_.text(kMartenVersion, "0.0.0f0");
+  const std::string path = fileOf({section("BIOS", "4.0.0f0")});
+  const tRun refused = run({"update", "--only-newer", path});
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.error,
+            "quenra: an update awaits a restart: the Marten reports version 0.0.0f0, and "
+            "--only-newer cannot compare until the restart\n"
+            "  Advice: Restart the machine and run the update again. With --force the comparison "
+            "counts the Marten as the oldest version.\n"
+            "quenra: the update was not started; nothing was changed\n");
+  EXPECT_THAT(library_.updates, IsEmpty());
+  const auto document = planOf({section("BIOS", "4.0.0f0")}, {"--only-newer"});
+  EXPECT_TRUE(document["installed"]["awaitsRestart"].GetBool());
+  EXPECT_TRUE(document["obstacles"][0]["status"].IsNull());
+  EXPECT_EQ(run({"update", "--only-newer", "--force", path}).exitCode, 0);
+  ASSERT_EQ(library_.updates.size(), 1u);
+  EXPECT_EQ(library_.updates[0].options, 0u);
+}
+
+TEST_F(UpdateVerb, UpdateOfEverythingWhileAnUpdateAwaitsARestart_SaysSoAndIsApplied) {
+  library_.text(kMartenVersion, "0.0.0f0");
+  const tRun result = run({"update", fileOf({section("BIOS", "4.0.0f0")})});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out, HasSubstr("\nan update awaits a restart: until then the Marten reports "
+                                    "version 0.0.0f0\n"));
   EXPECT_EQ(library_.updates.size(), 1u);
 }
 
-TEST_F(UpdateVerb, Failure_IsToldAndPointsToThePlan) {
-  library_.updateCode = QUENRA_STATUS_DRIVE_PROTECTED;
-  const std::string path = fileOf({section("BIOS", "1")});
+TEST_F(UpdateVerb, ForceWithoutOnlyNewer_IsWrongUsage) {
+  const tRun result = run({"update", "--force", fileOf({section("BIOS", "4.0.0f0")})});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(library_.updates, IsEmpty());
+}
+
+// ---- Obstacles ----
+
+TEST_F(UpdateVerb, ObstaclesOfThePlan_StopTheUpdateBeforeItStarts) {
+  facts_.protection = {true, 0, 0};
+  const std::string path = fileOf({section("MARTEN", "1.5.0f0").with("CRC", "1")});
   const tRun result = run({"update", path});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.error, StartsWith("quenra: the update failed\n"
-                                       "  -26942 QUENRA_STATUS_DRIVE_PROTECTED\n"));
-  EXPECT_THAT(result.error, HasSubstr("'quenra update --plan' tells everything"));
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error, StartsWith("quenra: drive C: is encrypted, and the protection is on\n"
+                                       "  -26942 QUENRA_STATUS_DRIVE_PROTECTED, line 1787\n"));
+  EXPECT_THAT(result.error, HasSubstr("\nquenra: section 1: "));
+  EXPECT_THAT(result.error,
+              testing::EndsWith("\nquenra: the update was not started; nothing was changed\n"));
+  const auto document = run({"update", path, "--json"}).document();
+  EXPECT_STREQ(document["kind"].GetString(), "error");
+  EXPECT_STREQ(document["command"].GetString(), "update");
+  EXPECT_EQ(document["exitCode"].GetInt(), 1);
+  EXPECT_EQ(document["error"]["code"].GetInt(), QUENRA_STATUS_DRIVE_PROTECTED);
+  EXPECT_STREQ(document["error"]["message"].GetString(),
+               "drive C: is encrypted, and the protection is on");
+  const auto& update = document["update"];
+  EXPECT_THAT(memberNames(update),
+              ElementsAre("started", "path", "onlyNewer", "installed", "sections", "obstacles"));
+  EXPECT_FALSE(update["started"].GetBool());
+  EXPECT_EQ(update["obstacles"].Size(), 2u);
+  EXPECT_THAT(library_.updates, IsEmpty());
+  EXPECT_FALSE(interruption_.isAwaited);
+}
+
+TEST_F(UpdateVerb, MachineThatAcceptsNoFirmware_IsNotSupported) {
+  library_.number(QUENRA_ATTRIBUTE_FIRMWARE_UPDATE_SUPPORT, 0);
+  EXPECT_EQ(run({"update", fileOf({section("BIOS", "1.0.0f0")})}).exitCode, 3);
+  EXPECT_THAT(library_.updates, IsEmpty());
+}
+
+using tTool = nCommandLine::tDriverStoreTool;
+
+TEST_F(UpdateVerb, DriverStoreToolThatCannotBeTrusted_IsAnObstacle) {
+  const std::tuple<tTool, const char*, int> tools[] = {
+      {{"D:\\Windows", true, true, "", {}},
+       "Windows is installed in 'D:\\Windows', and the library starts "
+       "C:\\Windows\\Sysnative\\pnputil.exe",
+       0},
+      {{"", true, true, "", {}}, "Windows is installed in ''", 0},
+      {{"c:\\windows", false, true, "", {}},
+       "the system has no C:\\Windows\\Sysnative\\pnputil.exe to install a driver package with",
+       2331},
+      {{"C:\\WINDOWS", true, false, "RACK7\\operator", {}},
+       "the owner of C:\\Windows\\Sysnative\\pnputil.exe is 'RACK7\\operator', not SYSTEM, "
+       "Administrators or TrustedInstaller",
+       0},
+      {{"C:\\Windows", true, false, "", {}},
+       "the owner of C:\\Windows\\Sysnative\\pnputil.exe is an unknown account",
+       0},
+      {{"C:\\Windows", true, true, "", std::make_error_code(std::errc::permission_denied)},
+       "the driver-store tool could not be started: access denied",
+       2359},
+  };
+  for (const auto& [tool, fact, line] : tools) {
+    facts_.tool = tool;
+    const auto document =
+        run({"update", "--json",
+             fileOf({section("BIOS", "4.0.0f0"), tFirmwareSection::capsule("a.inf")})})
+            .document();
+    const auto& obstacle = document["update"]["obstacles"][0];
+    EXPECT_THAT(obstacle["fact"].GetString(), StartsWith(fact));
+    EXPECT_EQ(obstacle["section"].GetInt(), 2);
+    EXPECT_EQ(obstacle["line"].IsNull() ? 0 : obstacle["line"].GetInt(), line);
+    EXPECT_EQ(obstacle["status"].IsNull(), line == 0);
+    EXPECT_EQ(document["exitCode"].GetInt(), 1);
+  }
+  EXPECT_THAT(library_.updates, IsEmpty());
+  EXPECT_EQ(run({"update", fileOf({section("BIOS", "4.0.0f0")})}).exitCode, 0)
+      << "without a driver package the tool does not matter";
+}
+
+TEST_F(UpdateVerb, AdviceForAMissingTool_IsALinkAndNeverACopy) {
+  facts_.tool.exists = false;
+  EXPECT_THAT(run({"update", fileOf({tFirmwareSection::capsule("a.inf")})}).error,
+              HasSubstr("\n  Advice: As an administrator, run 'mklink /d C:\\Windows\\Sysnative "
+                        "C:\\Windows\\System32': a link, never a copy of the tool.\n"));
+}
+
+// ---- Failures ----
+
+TEST_F(UpdateVerb, DriverPackage_IsHandedOverWithAnUnknownResult) {
+  const std::string path = fileOf({tFirmwareSection::capsule("a.inf").version("1.0.0f0")});
+  EXPECT_THAT(run({"update", path}).out,
+              testing::EndsWith("  section 1, BIOS 1.0.0f0, 100 bytes: written to a file; package "
+                                "handed to the driver store; its result is not known\n"));
+  const auto document = run({"update", path, "--json"}).document();
+  EXPECT_STREQ(document["sections"][0]["result"].GetString(), "handed-over");
+  EXPECT_STREQ(document["outcome"].GetString(), "done");
+}
+
+TEST_F(UpdateVerb, SectionThatTheDriverRefuses_IsReportedWithItsCode) {
+  library_.updateCode = -777;
+  const std::string path = fileOf({section("MARTEN", "1.5.0f0")});
+  const tRun result = run({"update", path});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, StartsWith("quenra: section 1, MARTEN: the Marten interface does not "
+                                       "accept the section\n  -777\n"));
+  EXPECT_THAT(result.error, testing::EndsWith("\n  section 1, MARTEN 1.5.0f0, 9 bytes: failed\n"));
   EXPECT_THAT(result.out, Not(HasSubstr("done after")));
   const auto document = run({"update", path, "--json"}).document();
-  EXPECT_STREQ(document["command"].GetString(), "update");
-  EXPECT_STREQ(document["error"]["advice"].GetString(),
-               "Suspend the protection, update, and resume it afterwards. 'quenra update --plan' "
-               "tells everything that is in its way.");
+  EXPECT_EQ(document["error"]["code"].GetInt(), -777);
+  const auto& update = document["update"];
+  EXPECT_THAT(memberNames(update),
+              ElementsAre("started", "path", "onlyNewer", "installed", "sections", "failure"));
+  EXPECT_TRUE(update["started"].GetBool());
+  EXPECT_STREQ(update["sections"][0]["result"].GetString(), "failed");
+  EXPECT_THAT(memberNames(update["failure"]),
+              ElementsAre("fact", "section", "device", "status", "line"));
+  EXPECT_EQ(update["failure"]["section"].GetInt(), 1);
+  EXPECT_STREQ(update["failure"]["device"].GetString(), "MARTEN");
+}
+
+TEST_F(UpdateVerb, SeveralSectionsToSend_LeaveOpenWhichOneFailed) {
+  library_.updateCode = -777;
+  const auto document = run({"update", "--json",
+                             fileOf({section("MARTEN", "1.5.0f0"), section("BIOS", "4.0.0f0"),
+                                     section("SAFEMODE", "1.0.0f0")})})
+                            .document();
+  const auto& update = document["update"];
+  EXPECT_TRUE(update["failure"]["section"].IsNull());
+  EXPECT_STREQ(update["sections"][0]["result"].GetString(), "unknown");
+  EXPECT_STREQ(update["sections"][1]["result"].GetString(), "unknown");
+  EXPECT_STREQ(update["sections"][2]["result"].GetString(), "not-applied");
+}
+
+TEST_F(UpdateVerb, ToolThatCannotBeStarted_IsNoMalformedImage) {
+  library_.updateCode = QUENRA_STATUS_INVALID_IMAGE;
+  library_.duringUpdate = [this] {
+    facts_.tool.startFailure = std::make_error_code(std::errc::permission_denied);
+  };
+  const std::string path = fileOf({section("MARTEN", "1.5.0f0"), section("BIOS", "4.0.0f0"),
+                                   tFirmwareSection::capsule("a.inf").version("1.0.0f0"),
+                                   tFirmwareSection::capsule("a.bin").version("1.0.0f0")});
+  const tRun result = run({"update", path});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error,
+              StartsWith("quenra: section 3, BIOS: the driver-store tool could not be started: "
+                         "access denied\n  -26938 QUENRA_STATUS_INVALID_IMAGE\n"));
+  EXPECT_THAT(result.error, Not(HasSubstr("malformed")));
+  EXPECT_THAT(result.error, Not(HasSubstr("Fetch the image")));
+  facts_.tool.startFailure.clear();
+  const auto document = run({"update", path, "--json"}).document();
+  const auto& sections = document["update"]["sections"];
+  std::vector<std::string> results;
+  for (const auto& planned : sections.GetArray()) {
+    results.push_back(std::to_string(planned["section"].GetInt()) + " " +
+                      planned["result"].GetString());
+  }
+  EXPECT_THAT(results, ElementsAre("3 failed", "2 not-applied", "1 not-applied", "4 not-applied"));
+  EXPECT_EQ(document["update"]["failure"]["line"].GetInt(), 2359);
+}
+
+TEST_F(UpdateVerb, SectionsBeforeAPackageThatFails_WereSent) {
+  library_.updateCode = QUENRA_STATUS_UPDATE_ENVIRONMENT;
+  library_.duringUpdate = [this] { facts_.tool.exists = false; };
+  const std::string path =
+      fileOf({tFirmwareSection::capsule("a.inf").version("1.0.0f0"), section("BIOS", "4.0.0f0")});
+  const tRun result = run({"update", path});
+  EXPECT_THAT(result.error, StartsWith("quenra: section 1, BIOS: the system has no "));
+  EXPECT_THAT(result.error,
+              HasSubstr("\n  section 2, BIOS 4.0.0f0, 9 bytes: sent to the controller "
+                        "interface\n  section 1, BIOS 1.0.0f0, 100 bytes: failed\n"));
+}
+
+TEST_F(UpdateVerb, FilesThatCannotBeWritten_AreReportedWithTheReasonOfTheSystem) {
+  library_.updateCode = QUENRA_STATUS_UPDATE_ENVIRONMENT;
+  facts_.temporaryFailure = std::make_error_code(std::errc::no_space_on_device);
+  const std::string path = fileOf({section("BIOS", "4.0.0f0"), tFirmwareSection::capsule("a.bin")});
+  const tRun result = run({"update", path});
+  EXPECT_THAT(result.error, StartsWith("quenra: the files of the image cannot be written below "
+                                       "'C:\\Temp': no space left on the disk\n"
+                                       "  -26937 QUENRA_STATUS_UPDATE_ENVIRONMENT\n"));
+  EXPECT_THAT(result.error, HasSubstr("section 1, BIOS 4.0.0f0, 9 bytes: not applied\n"));
+}
+
+TEST_F(UpdateVerb, AnyOtherCodeOfTheLibrary_LeavesTheResultOpen) {
+  library_.updateCode = QUENRA_STATUS_OUT_OF_MEMORY;
+  const auto document = run({"update", "--json", fileOf({section("BIOS", "4.0.0f0")})}).document();
+  EXPECT_STREQ(document["error"]["message"].GetString(), "the update failed");
+  EXPECT_STREQ(document["update"]["sections"][0]["result"].GetString(), "unknown");
   for (const int32_t code : {QUENRA_STATUS_NOT_SUPPORTED, QUENRA_STATUS_NO_CONTROLLER}) {
     library_.updateCode = code;
-    EXPECT_EQ(run({"update", path}).exitCode, 3);
+    EXPECT_EQ(run({"update", fileOf({section("BIOS", "4.0.0f0")})}).exitCode, 3);
   }
+}
+
+TEST_F(UpdateVerb, MartenThatRefusesItsMarker_IsNamedWhenNothingIsSent) {
+  library_.updateCode = -777;
+  const tRun result = run({"update", fileOf({tFirmwareSection::capsule("a.bin")})});
+  EXPECT_THAT(result.error,
+              StartsWith("quenra: the Marten does not accept its version marker\n  -777\n"));
 }
 
 TEST_F(UpdateVerb, NoController_HasAnExitCodeOfItsOwn) {
@@ -384,7 +615,7 @@ TEST_F(UpdateVerb, Document_HasThePromisedMembers) {
   EXPECT_STREQ(document["kind"].GetString(), "update");
   EXPECT_THAT(memberNames(document),
               ElementsAre("format", "kind", "exitCode", "warnings", "path", "onlyNewer",
-                          "installed", "sections", "elapsedMilliseconds"));
+                          "installed", "sections", "elapsedMilliseconds", "outcome"));
 }
 
 TEST_F(UpdateVerb, CtrlC_StopsNothing) {

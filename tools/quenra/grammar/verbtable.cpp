@@ -138,13 +138,14 @@ constexpr tExampleRow kFirmwareBuildExamples[] = {
 // ---- update ----
 
 constexpr tOptionRow kUpdateOptions[] = {
-    {nWords::kOnlyNewer, "", "Leave out firmware that is not newer than what is installed"},
-    {nWords::kPlan, "", "Change nothing; say what would be done, and all that is in the way"},
+    {nWords::kOnlyNewer, "", "Leave out firmware that is not newer than the installed firmware"},
+    {nWords::kForce, "", "With --only-newer, compare although an update awaits a restart"},
+    {nWords::kPlan, "", "Change nothing; show the plan and every obstacle"},
 };
 constexpr tExampleRow kUpdateExamples[] = {
-    {"update --plan update.fwi", "what an update would do, and what stops it"},
-    {"update update.fwi", "apply the image whatever is installed"},
-    {"update update.fwi --only-newer", "... but for what is as new already"},
+    {"update --plan update.fwi", "the plan of an update, and its obstacles"},
+    {"update update.fwi", "apply the image, whatever versions are installed"},
+    {"update update.fwi --only-newer", "... except firmware that is not newer"},
 };
 
 // ---- attributes ----
@@ -254,12 +255,12 @@ constexpr tVerbRow kRows[] = {
      "image that was there stays. Needs no controller.",
      kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples, runFirmwareBuild},
 
-    {"update", "Apply a firmware image, or say what that would do",
-     "Says what is going to happen, shows the elapsed time while it does, and says what was sent "
-     "where. What the library accepts is not refused, and an update that has begun cannot be "
-     "interrupted by Ctrl-C. With --plan nothing is changed: each section is shown with what would be "
-     "done with it, and every reason that would stop the update is told on the standard error stream, "
-     "all at once, with a remedy; the exit code is that of the update.",
+    {"update", "Apply a firmware image, or show its plan",
+     "Prints the plan, shows the elapsed time of the update, and reports the result of each section. An "
+     "update with an obstacle is not started: every obstacle is printed on the standard error stream "
+     "with a remedy. An update that would send, install and write nothing does not call the library. "
+     "Ctrl-C does not interrupt an update that has started. With --plan nothing is changed, and the "
+     "exit code is that of the update.",
      kImagePositionals, kUpdateOptions, kUpdateExamples, runUpdate},
 
     {"attributes", "List every attribute with its id, type and unit",

@@ -25,6 +25,7 @@ inline constexpr std::string_view kDevice = "--device";
 inline constexpr std::string_view kFileName = "--file-name";
 inline constexpr std::string_view kFirmwareVersion = "--firmware-version";
 inline constexpr std::string_view kFor = "--for";
+inline constexpr std::string_view kForce = "--force";
 inline constexpr std::string_view kFrom = "--from";
 inline constexpr std::string_view kHelp = "--help";
 inline constexpr std::string_view kInstance = "--instance";

@@ -6,18 +6,24 @@
 namespace nCommandLine {
 namespace {
 
-void printStatus(std::ostream& stream, int32_t code) {
+tSiteExplanation explanationOf(int32_t code, const std::optional<tSiteExplanation>& site) {
   const tStatusExplanation status = explainStatus(code);
+  return site.value_or(tSiteExplanation{std::string(status.meaning), std::string(status.advice)});
+}
+
+void printStatus(std::ostream& stream, int32_t code,
+                 const std::optional<tSiteExplanation>& site = std::nullopt) {
+  const tSiteExplanation explanation = explanationOf(code, site);
   stream << "  " << codeAndConstant(code) << '\n'
-         << "  " << status.meaning << '\n'
-         << "  Advice: " << status.advice << '\n';
+         << "  " << printableText(explanation.meaning) << '\n'
+         << "  Advice: " << printableText(explanation.advice) << '\n';
 }
 
 std::string adviceOf(const tCommandError& error) {
   if (!error.status()) {
     return error.advice();
   }
-  const std::string advice(explainStatus(*error.status()).advice);
+  const std::string advice = explanationOf(*error.status(), error.site()).advice;
   return error.advice().empty() ? advice : advice + " " + error.advice();
 }
 
@@ -46,7 +52,7 @@ void writeCause(tJsonDocument& document, const tCommandError& error) {
   if (error.status()) {
     document.number("code", *error.status());
     document.optionalText("constant", explainStatus(*error.status()).constant);
-    document.text("meaning", explainStatus(*error.status()).meaning);
+    document.text("meaning", explanationOf(*error.status(), error.site()).meaning);
   } else {
     document.null("code");
     document.null("constant");
@@ -60,7 +66,7 @@ void writeCause(tJsonDocument& document, const tCommandError& error) {
 void printError(std::ostream& stream, const tCommandError& error) {
   stream << "quenra: " << printableText(error.what()) << '\n';
   if (error.status()) {
-    printStatus(stream, *error.status());
+    printStatus(stream, *error.status(), error.site());
   }
   if (!error.suggestions().empty()) {
     stream << "  Did you mean " << alternatives(error.suggestions()) << "?\n";
@@ -77,9 +83,7 @@ void printWarnings(std::ostream& stream, std::span<const tWarning> warnings) {
   }
 }
 
-void writeErrorDocument(std::ostream& stream, const tCommandError& error,
-                        std::string_view command) {
-  tJsonDocument document("error", error.exitCode());
+void writeError(tJsonDocument& document, const tCommandError& error, std::string_view command) {
   document.optionalText("command", command);
   document.beginObject("error");
   writeCause(document, error);
@@ -89,6 +93,12 @@ void writeErrorDocument(std::ostream& stream, const tCommandError& error,
   }
   document.endArray();
   document.endObject();
+}
+
+void writeErrorDocument(std::ostream& stream, const tCommandError& error,
+                        std::string_view command) {
+  tJsonDocument document("error", error.exitCode());
+  writeError(document, error, command);
   document.writeTo(stream);
 }
 

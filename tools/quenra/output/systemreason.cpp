@@ -43,6 +43,7 @@ constexpr tWindowsReasonRow kWindowsReasons[] = {
     {67, "no such network path"},       // ERROR_BAD_NET_NAME
     {123, "the path is invalid"},       // ERROR_INVALID_NAME
     {161, "the path is invalid"},       // ERROR_BAD_PATHNAME
+    {193, "it is not a program"},       // ERROR_BAD_EXE_FORMAT
 };
 
 // ERROR_BROKEN_PIPE, ERROR_NO_DATA, ERROR_PIPE_NOT_CONNECTED

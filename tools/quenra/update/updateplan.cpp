@@ -123,6 +123,12 @@ std::string_view actionName(tSectionAction action) noexcept {
   return kActionNames[static_cast<size_t>(action)];
 }
 
+bool changesAnything(const std::vector<tPlannedSection>& plan) noexcept {
+  return std::ranges::any_of(plan, [](const tPlannedSection& planned) {
+    return planned.action <= tSectionAction::writeFile;
+  });
+}
+
 std::vector<tPlannedSection> planSections(const tFirmwareImage& image,
                                           const tUpdateMachine* machine, bool onlyNewer) {
   const tPlanner planner(image, machine, onlyNewer);
