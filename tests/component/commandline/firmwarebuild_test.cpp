@@ -7,6 +7,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using tWords = std::vector<std::string>;
 
 class FirmwareBuild : public CommandLineTest {
  protected:
@@ -46,7 +47,7 @@ TEST_F(FirmwareBuild, PayloadOfAnyLength_IsInspectedAsItWas) {
     const std::vector<uint8_t> bytes = firmwareBytes(length);
     const std::string payload(bytes.begin(), bytes.end());
     for (const char* const lineLength : {"0", "1", "76"}) {
-      ASSERT_EQ(build(payload, {"--line-length", lineLength}).exitCode, 0) << length;
+      ASSERT_EQ(build(payload, {"--force", "--line-length", lineLength}).exitCode, 0) << length;
       EXPECT_THAT(image(), HasSubstr("\r\n\r\n" + encodeBase64(bytes, std::stoul(lineLength))))
           << length << " " << lineLength;
       const auto document = run({"firmware", "inspect", path(), "--json"}).document();
@@ -80,7 +81,7 @@ TEST_F(FirmwareBuild, Append_AddsASectionBehindWhatIsThere) {
   EXPECT_STREQ(document["image"]["sections"][1]["device"].GetString(), "BIOS");
   EXPECT_EQ(document["image"]["sections"][1]["order"].GetInt(), 1);
   EXPECT_TRUE(image().starts_with(before));
-  EXPECT_EQ(build("x").exitCode, 0);
+  EXPECT_EQ(build("x", {"--force"}).exitCode, 0);
   EXPECT_THAT(run({"firmware", "verify", path()}).out, HasSubstr("1 section\n")) << "replaced";
 }
 
@@ -93,6 +94,45 @@ TEST_F(FirmwareBuild, AppendToWhatWouldHideOrRefuseIt_IsAFailureAndChangesNothin
     EXPECT_THAT(result.error, testing::StartsWith("quenra: "));
     EXPECT_EQ(image(), there);
   }
+}
+
+TEST_F(FirmwareBuild, ExistingOutput_NeedsForce) {
+  static_cast<void>(folder_.file("update.fwi", "old"));
+  const tRun refused = build("x");
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.error, "quenra: cannot write '" + path() +
+                               "': the file exists\n"
+                               "  --force replaces the file, --append adds a section to it.\n");
+  EXPECT_EQ(image(), "old");
+  EXPECT_EQ(build("x", {"--force"}).exitCode, 0);
+  EXPECT_THAT(image(), testing::StartsWith("HeaderVersion::1"));
+}
+
+TEST_F(FirmwareBuild, PayloadThatIsTheOutput_IsWrongUsage) {
+  for (const tWords& more : {tWords{}, tWords{"--force"}, tWords{"--append"}}) {
+    const std::string payload = folder_.file("payload", "123456789");
+    tWords words{"firmware",
+                 "build",
+                 payload,
+                 "--output",
+                 folder_.path("./payload"),
+                 "--device",
+                 "MARTEN",
+                 "--firmware-version",
+                 "1.4.2f7"};
+    words.insert(words.end(), more.begin(), more.end());
+    const tRun result = run(words);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_THAT(result.error, HasSubstr("' is the payload and the output\n"));
+    EXPECT_EQ(folder_.content("payload"), "123456789");
+  }
+}
+
+TEST_F(FirmwareBuild, EmptyFileName_IsWrongUsage) {
+  const tRun result = build("x", {"--file-name", ""}, "BIOS");
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.error, testing::StartsWith("quenra: the file name is empty\n"));
+  EXPECT_EQ(image(), "(none)");
 }
 
 TEST_F(FirmwareBuild, AppendToNothing_IsAFailure) {

@@ -115,12 +115,13 @@ constexpr tPositionalRow kPayloadPositionals[] = {
     {nWords::kPayload, "PAYLOAD", "File of the bytes that the device is to receive"},
 };
 constexpr tOptionRow kFirmwareBuildOptions[] = {
-    {nWords::kOutput, "IMAGE", "File of the firmware image; replaced if it is there", {}, true},
+    {nWords::kOutput, "IMAGE", "File of the firmware image; must not exist", {}, true},
     {nWords::kDevice, "BIOS|MARTEN|SAFEMODE", "The device that the section is for", {}, true},
     {nWords::kFirmwareVersion, "VERSION", "The version of the payload", {}, true},
     {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that name"},
     {nWords::kLineLength, "N", "Characters in a line of the payload, 76 without; 0 for one line"},
-    {nWords::kAppend, "", "Add the section to the image that is there"},
+    {nWords::kAppend, "", "Add the section to an existing image"},
+    {nWords::kForce, "", "Replace an existing image"},
 };
 constexpr tExampleRow kFirmwareInspectExamples[] = {
     {"firmware inspect update.fwi", "what is in an image"},

@@ -31,6 +31,10 @@ std::string wantedDevice(const tArguments& arguments) {
     refuse("there is no device '" + device + "'", "It is BIOS, MARTEN or SAFEMODE.",
            suggest(device, {std::begin(kDevices), std::end(kDevices)}));
   }
+  if (arguments.optional(nWords::kFileName) == "") {
+    refuse("the file name is empty",
+           "Leave --file-name out for firmware that is sent to the device.");
+  }
   if (arguments.has(nWords::kFileName) && device != "BIOS") {
     refuse("only a section for the BIOS has a file name", "Leave the file name out.");
   }
@@ -44,6 +48,20 @@ size_t wantedLineLength(const tArguments& arguments) {
     refuse("'" + *given + "' is no line length", "Give a number of characters, or 0 for one line.");
   }
   return *length;
+}
+
+// Neither the payload nor an image that the user did not name for a change may be lost.
+void judgeFiles(const std::string& payload, const std::string& output,
+                const tArguments& arguments) {
+  if (isSameFile(payload, output)) {
+    refuse("'" + payload + "' is the payload and the output",
+           "Give the image a path of its own; --force does not replace the payload.");
+  }
+  const bool mayExist = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
+  if (!mayExist && fileExists(output)) {
+    throw tCommandError(tExitCode::failure, "cannot write '" + output + "': the file exists",
+                        std::nullopt, "--force replaces the file, --append adds a section to it.");
+  }
 }
 
 std::string payloadOf(const std::string& path) {
@@ -92,16 +110,18 @@ tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& cont
   section.version = arguments.text(nWords::kFirmwareVersion);
   section.fileName = arguments.text(nWords::kFileName);
   section.lineLength = wantedLineLength(arguments);
+  const std::string path = arguments.text(nWords::kOutput);
+  judgeFiles(arguments.text(nWords::kPayload), path, arguments);
   const std::string payload = payloadOf(arguments.text(nWords::kPayload));
   section.payload = payload;
 
-  const std::string path = arguments.text(nWords::kOutput);
   std::string bytes = arguments.has(nWords::kAppend) ? readFile(path) : "";
   const size_t before = bytes.empty() ? 0 : inspectImage(bytes).sections.size();
   bytes += sectionText(section);
   const tFirmwareImage image = inspectImage(bytes);
   judge(image, before, section);
-  writeFile(path, bytes);
+  const bool replaces = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
+  writeFile(path, bytes, replaces ? tExistingFile::replace : tExistingFile::keep);
   print(context, path, image);
   return tExitCode::done;
 }
