@@ -128,6 +128,18 @@ class Update(CommandLineTest):
         self.document("update", "--plan", self.image, kind="error", exit_code=1)
         self.assertEqual(self.marten(), "1.4.0f7")
 
+    def test_path_in_an_image_needs_allow_any_path(self):
+        name = self.files.typed("written")
+        self.add("BIOS", b"content", file_name="a" * len(name))
+        path = self.files["update.fwi"]
+        path.write_bytes(path.read_bytes().replace(b"a" * len(name), name.encode()))
+        run = self.quenra("update", self.image, exit_code=1)
+        self.assertIn("is not plain: it has a path separator\n", run.error)
+        self.document("update", "--plan", self.image, kind="update-plan", exit_code=1)
+        self.assertFalse(self.files["written"].exists())
+        self.quenra("update", "--allow-any-path", self.image)
+        self.assertEqual(self.files["written"].read_bytes(), b"content")
+
     def test_driver_store_tool_that_is_no_program(self):
         self.add("BIOS", b"package", file_name="a.inf")
         self.machine("driver-store", "broken")

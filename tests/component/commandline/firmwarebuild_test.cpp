@@ -75,7 +75,7 @@ TEST_F(FirmwareBuild, FileName_MakesACapsuleOfTheBios) {
 TEST_F(FirmwareBuild, Append_AddsASectionBehindWhatIsThere) {
   ASSERT_EQ(build("first").exitCode, 0);
   const std::string before = image();
-  const auto document = build("second", {"--append", "--json"}, "BIOS", "2").document();
+  const auto document = build("second", {"--append", "--json"}, "BIOS", "2.0.0f0").document();
   EXPECT_STREQ(document["kind"].GetString(), "firmware-build");
   ASSERT_EQ(document["image"]["sections"].Size(), 2u);
   EXPECT_STREQ(document["image"]["sections"][1]["device"].GetString(), "BIOS");
@@ -86,8 +86,8 @@ TEST_F(FirmwareBuild, Append_AddsASectionBehindWhatIsThere) {
 }
 
 TEST_F(FirmwareBuild, AppendToWhatWouldHideOrRefuseIt_IsAFailureAndChangesNothing) {
-  for (const std::string& there :
-       {std::string("x\0", 2), firmwareImage({tFirmwareSection("BIOS").with("CRC", "0")})}) {
+  for (const std::string& there : {firmwareImage({tFirmwareSection("BIOS")}) + std::string("\0", 1),
+                                   firmwareImage({tFirmwareSection("BIOS").with("CRC", "0")})}) {
     static_cast<void>(folder_.file("update.fwi", there));
     const tRun result = build("x", {"--append"});
     EXPECT_EQ(result.exitCode, 1);
@@ -140,14 +140,34 @@ TEST_F(FirmwareBuild, AppendToNothing_IsAFailure) {
   EXPECT_EQ(image(), "(none)");
 }
 
-TEST_F(FirmwareBuild, VersionThatTheFormatCannotHold_IsRefused) {
-  for (const char* const version : {"", "1\r\n2", "\"1\"", "\"1", "1\r\nTargetDevice::BIOS"}) {
+TEST_F(FirmwareBuild, TextThatIsNoVersion_IsWrongUsage) {
+  for (const char* const version :
+       {"1", "3.0", "1.4.2f7x", "1.4.2f7\r\n2", "\"1.4.2f7\"", "\"1", "1\r\nTargetDevice::BIOS"}) {
     const tRun result = build("x", {}, "MARTEN", version);
-    EXPECT_EQ(result.exitCode, 1) << version;
-    EXPECT_THAT(result.error, HasSubstr("cannot hold")) << version;
+    EXPECT_EQ(result.exitCode, 2) << version;
+    EXPECT_THAT(result.error, HasSubstr("' is not a version of the form 1.4.2f7\n")) << version;
     EXPECT_EQ(image(), "(none)") << version;
   }
-  EXPECT_EQ(build("x", {}, "MARTEN", "1 \"a\" b").exitCode, 0);
+  EXPECT_THAT(build("x", {}, "MARTEN", "").error,
+              testing::StartsWith("quenra: the version is empty\n"));
+}
+
+TEST_F(FirmwareBuild, FileNameThatIsNotPlain_IsWrongUsage) {
+  for (const char* const name : {"C:\\x.cap", "../x.cap", "a b.inf", "nul.cap"}) {
+    const tRun result = build("x", {"--file-name", name}, "BIOS");
+    EXPECT_EQ(result.exitCode, 2) << name;
+    EXPECT_THAT(result.error, HasSubstr("' is not plain: it ")) << name;
+    EXPECT_EQ(image(), "(none)") << name;
+  }
+}
+
+TEST_F(FirmwareBuild, AppendToAFileThatIsNoImage_NamesTheFile) {
+  static_cast<void>(folder_.file("update.fwi", "PK"));
+  const tRun result = build("x", {"--append"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error,
+              testing::StartsWith("quenra: '" + path() + "' is not a firmware image: "));
+  EXPECT_EQ(image(), "PK");
 }
 
 TEST_F(FirmwareBuild, WrongWords_AreWrongUsage) {
@@ -160,11 +180,11 @@ TEST_F(FirmwareBuild, WrongWords_AreWrongUsage) {
 TEST_F(FirmwareBuild, FileThatCannotBeUsed_IsAFailureOfTheProgram) {
   const std::string payload = folder_.file("payload", "x");
   const tRun unread = run({"firmware", "build", folder_.path("none"), "--output", path(),
-                           "--device", "MARTEN", "--firmware-version", "1"});
+                           "--device", "MARTEN", "--firmware-version", "1.4.2f7"});
   EXPECT_EQ(unread.exitCode, 1);
   EXPECT_EQ(unread.error, "quenra: cannot read '" + folder_.path("none") + "': no such file\n");
   const tRun unwritten = run({"firmware", "build", payload, "--output", folder_.path("none/image"),
-                              "--device", "MARTEN", "--firmware-version", "1"});
+                              "--device", "MARTEN", "--firmware-version", "1.4.2f7"});
   EXPECT_EQ(unwritten.exitCode, 1);
   EXPECT_EQ(unwritten.error,
             "quenra: cannot write '" + folder_.path("none/image") + "': no such directory\n");

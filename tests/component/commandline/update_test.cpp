@@ -81,7 +81,7 @@ using UpdatePlan = UpdateVerb;
 
 TEST_F(UpdatePlan, Sections_AreShownWithWhatWouldBeDone) {
   const tRun result = run({"update", "--plan",
-                           fileOf({section("MARTEN", "1.4.2f7"), section("SAFEMODE", "1"),
+                           fileOf({section("MARTEN", "1.4.2f7"), section("SAFEMODE", "1.0.0f0"),
                                    section("BIOS", "3.1.0f2")})});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.error, IsEmpty());
@@ -93,7 +93,7 @@ TEST_F(UpdatePlan, Sections_AreShownWithWhatWouldBeDone) {
       "3        BIOS      3.1.0f2  -     9      send to the controller interface, although it "
       "is not newer than the installed 3.1.0f2\n"
       "1        MARTEN    1.4.2f7  -     9      send to the Marten interface\n"
-      "2        SAFEMODE  1        -     9      nothing: the library does nothing with "
+      "2        SAFEMODE  1.0.0f0  -     9      nothing: the library does nothing with "
       "sections for SAFEMODE\n"
       "\n"
       "no obstacle was found\n");
@@ -154,13 +154,14 @@ TEST_F(UpdatePlan, TextThatIsNoVersion_CountsAsTheOldest) {
               ElementsAre("1 leave-out"));
 }
 
-TEST_F(UpdatePlan, EveryReason_IsToldAtOnce) {
+TEST_F(UpdatePlan, SeveralObstacles_AreReportedAtOnce) {
   facts_.protection = {true, 0, 0};
   facts_.tool.exists = false;
   library_.number(QUENRA_ATTRIBUTE_FIRMWARE_UPDATE_SUPPORT, 0);
   library_.number(QUENRA_ATTRIBUTE_INTERFACES_PRESENT, QUENRA_SELECTOR_CONTROLLER);
-  const std::string path = fileOf({section("BIOS", "1").with("CRC", "1"), section("MARTEN", "1"),
-                                   section("BIOS", "1").with("HeaderVersion", "2")});
+  const std::string path =
+      fileOf({section("BIOS", "1.0.0f0").with("CRC", "1"), section("MARTEN", "1.0.0f0"),
+              section("BIOS", "1.0.0f0").with("HeaderVersion", "2")});
   const tRun result = run({"update", "--plan", path});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.out, HasSubstr("\n5 reasons against it\n"));
@@ -172,7 +173,7 @@ TEST_F(UpdatePlan, EveryReason_IsToldAtOnce) {
                          "quenra: the machine takes no firmware: firmware-update-support is 0\n"
                          "  -26934 QUENRA_STATUS_NOT_SUPPORTED, line 1810\n"));
   for (const char* const reason :
-       {"quenra: section 1: the payload has another CRC than the header says\n"
+       {"quenra: section 1: CRC mismatch: header 0x00000001, payload 0x05440F15\n"
         "  -26938 QUENRA_STATUS_INVALID_IMAGE, line 258\n  Advice: Fetch",
         "quenra: section 2: the section is for a Marten, and this machine has none\n"
         "  -26938 QUENRA_STATUS_INVALID_IMAGE, line 1868\n",
@@ -280,7 +281,7 @@ TEST_F(UpdatePlan, Document_HasThePromisedMembers) {
   EXPECT_THAT(memberNames(document["installed"]), ElementsAre("bios", "marten", "awaitsRestart"));
   EXPECT_THAT(memberNames(document["sections"][0]),
               ElementsAre("section", "device", "version", "fileName", "byteCount", "action",
-                          "reason", "remedy"));
+                          "reason", "remedy", "remarks"));
   EXPECT_THAT(memberNames(document["obstacles"][0]),
               ElementsAre("fact", "remedy", "status", "line", "section"));
 }
@@ -467,6 +468,36 @@ TEST_F(UpdateVerb, AdviceForAMissingTool_IsALinkAndNeverACopy) {
                         "C:\\Windows\\System32': a link, never a copy of the tool.\n"));
 }
 
+TEST_F(UpdateVerb, FileNameThatIsNotPlain_NeedsAllowAnyPath) {
+  const std::string path = fileOf({tFirmwareSection::capsule("C:\\x.cap").version("4.0.0f0")});
+  const tRun refused = run({"update", path});
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.error,
+            "quenra: section 1: the file name 'C:\\x.cap' is not plain: it has a path separator\n"
+            "  Advice: Use an image from a source that you trust; --allow-any-path applies it.\n"
+            "quenra: the update was not started; nothing was changed\n");
+  EXPECT_THAT(library_.updates, IsEmpty());
+  EXPECT_EQ(run({"update", "--plan", path}).exitCode, 1);
+  const tRun allowed = run({"update", "--allow-any-path", path});
+  EXPECT_EQ(allowed.exitCode, 0);
+  EXPECT_EQ(allowed.error,
+            "quenra: warning: section 1: the file name 'C:\\x.cap' is not plain: it has a "
+            "path separator\n");
+  EXPECT_EQ(library_.updates.size(), 1u);
+}
+
+TEST_F(UpdateVerb, TextThatIsNoVersion_IsAWarningAndTheReason) {
+  const std::string path = fileOf({section("MARTEN", "3.0")});
+  const tRun result = run({"update", "--plan", "--only-newer", path});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out,
+              HasSubstr("leave out: '3.0' is not a version of the form 1.4.2f7 and counts "
+                        "as the oldest; without"));
+  EXPECT_EQ(result.error,
+            "quenra: warning: section 1: '3.0' is not a version of the form 1.4.2f7 and "
+            "counts as the oldest\n");
+}
+
 // ---- Failures ----
 
 TEST_F(UpdateVerb, DriverPackage_IsHandedOverWithAnUnknownResult) {
@@ -584,7 +615,7 @@ TEST_F(UpdateVerb, MartenThatRefusesItsMarker_IsNamedWhenNothingIsSent) {
 
 TEST_F(UpdateVerb, NoController_HasAnExitCodeOfItsOwn) {
   library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
-  const tRun result = run({"update", fileOf({section("BIOS", "1")})});
+  const tRun result = run({"update", fileOf({section("BIOS", "1.0.0f0")})});
   EXPECT_EQ(result.exitCode, 4);
   EXPECT_THAT(result.out, IsEmpty());
   EXPECT_THAT(library_.updates, IsEmpty());
@@ -604,14 +635,14 @@ TEST_F(UpdateVerb, MissingFile_IsAFailureAndMissingNameWrongUsage) {
 TEST_F(UpdateVerb, Warnings_AreTold) {
   library_.openCode = 77;
   library_.updateCode = 78;
-  const tRun result = run({"update", "--json", fileOf({section("BIOS", "1")})});
+  const tRun result = run({"update", "--json", fileOf({section("BIOS", "1.0.0f0")})});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.error, HasSubstr("warning: the update\n  78\n"));
   EXPECT_EQ(result.document()["warnings"].Size(), 2u);
 }
 
 TEST_F(UpdateVerb, Document_HasThePromisedMembers) {
-  const auto document = run({"update", "--json", fileOf({section("BIOS", "1")})}).document();
+  const auto document = run({"update", "--json", fileOf({section("BIOS", "1.0.0f0")})}).document();
   EXPECT_STREQ(document["kind"].GetString(), "update");
   EXPECT_THAT(memberNames(document),
               ElementsAre("format", "kind", "exitCode", "warnings", "path", "onlyNewer",
@@ -621,18 +652,18 @@ TEST_F(UpdateVerb, Document_HasThePromisedMembers) {
 TEST_F(UpdateVerb, CtrlC_StopsNothing) {
   interruption_.comes = true;
   library_.duringUpdate = [this] { interruption_.waitUntilAsked(2); };
-  const tRun result = run({"update", fileOf({section("BIOS", "1")})});
+  const tRun result = run({"update", fileOf({section("BIOS", "1.0.0f0")})});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.error, "quenra: this cannot be stopped half-way; wait until it is over\n");
 }
 
 TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
   library_.duringUpdate = [this] { interruption_.waitUntilAsked(interruption_.asked + 2); };
-  const tRun result = runOnTerminal({"update", fileOf({section("BIOS", "1")})});
+  const tRun result = runOnTerminal({"update", fileOf({section("BIOS", "1.0.0f0")})});
   EXPECT_THAT(result.out, HasSubstr("leave the machine on\n\rupdating: "));
   EXPECT_THAT(result.out, HasSubstr(" s\rupdating: "));
   EXPECT_THAT(result.out, HasSubstr(" s\ndone after "));
-  const tRun asDocument = runOnTerminal({"update", "--json", fileOf({section("BIOS", "1")})});
+  const tRun asDocument = runOnTerminal({"update", "--json", fileOf({section("BIOS", "1.0.0f0")})});
   EXPECT_FALSE(asDocument.document().HasParseError());
 }
 

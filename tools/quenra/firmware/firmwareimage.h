@@ -11,6 +11,7 @@
 
 #include "source/user/firmware/tsectionheaders.h"
 #include "tools/quenra/firmware/sectionfault.h"
+#include "tools/quenra/firmware/sectionremark.h"
 #include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
@@ -23,7 +24,8 @@ struct tImageSection {
   // What the payload decodes to; nothing where it has no beginning.
   std::optional<uint64_t> byteCount;
   std::optional<uint32_t> crc;
-  std::optional<tSectionFault> fault;  // why the library refuses it
+  std::optional<tSectionFault> fault;   // why the library refuses it
+  std::vector<tSectionRemark> remarks;  // on a section that the library accepts
   // Its place in the order of application, from 1; 0 while the image has a fault, which keeps all of
   // it from being applied.
   size_t order = 0;
@@ -35,8 +37,8 @@ struct tFirmwareImage {
   std::vector<tImageSection> sections;  // as they follow each other in the image
 
   [[nodiscard]] size_t faults() const noexcept;
-  // Whether an update would apply something.
-  [[nodiscard]] bool isValid() const noexcept { return !sections.empty() && faults() == 0; }
+  // Whether an update would apply the image without further options.
+  [[nodiscard]] bool isValid() const noexcept;
 };
 
 [[nodiscard]] tFirmwareImage inspectImage(std::string_view bytes);

@@ -117,8 +117,8 @@ constexpr tPositionalRow kPayloadPositionals[] = {
 constexpr tOptionRow kFirmwareBuildOptions[] = {
     {nWords::kOutput, "IMAGE", "File of the firmware image; must not exist", {}, true},
     {nWords::kDevice, "BIOS|MARTEN|SAFEMODE", "The device that the section is for", {}, true},
-    {nWords::kFirmwareVersion, "VERSION", "The version of the payload", {}, true},
-    {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that name"},
+    {nWords::kFirmwareVersion, "VERSION", "The version of the payload, such as 1.4.2f7", {}, true},
+    {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that plain name"},
     {nWords::kLineLength, "N", "Characters in a line of the payload, 76 without; 0 for one line"},
     {nWords::kAppend, "", "Add the section to an existing image"},
     {nWords::kForce, "", "Replace an existing image"},
@@ -127,12 +127,12 @@ constexpr tExampleRow kFirmwareInspectExamples[] = {
     {"firmware inspect update.fwi", "what is in an image"},
 };
 constexpr tExampleRow kFirmwareVerifyExamples[] = {
-    {"firmware verify update.fwi", "whether the library would take it"},
+    {"firmware verify update.fwi", "whether an update would apply it"},
 };
 constexpr tExampleRow kFirmwareBuildExamples[] = {
     {"firmware build a.bin --output update.fwi --device MARTEN --firmware-version 1.4.2f7",
      "an image of one section"},
-    {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 2.0",
+    {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 3.1.0f2",
      "... and a second one"},
 };
 
@@ -141,6 +141,7 @@ constexpr tExampleRow kFirmwareBuildExamples[] = {
 constexpr tOptionRow kUpdateOptions[] = {
     {nWords::kOnlyNewer, "", "Leave out firmware that is not newer than the installed firmware"},
     {nWords::kForce, "", "With --only-newer, compare although an update awaits a restart"},
+    {nWords::kAllowAnyPath, "", "Accept file names that are not plain, such as paths"},
     {nWords::kPlan, "", "Change nothing; show the plan and every obstacle"},
 };
 constexpr tExampleRow kUpdateExamples[] = {
@@ -245,15 +246,16 @@ constexpr tVerbRow kRows[] = {
      "an image from being applied. Needs no controller.",
      kImagePositionals, {}, kFirmwareInspectExamples, runFirmwareInspect},
 
-    {"firmware verify", "Say whether the library would take a firmware image",
-     "The exit code is 1 where a section is refused, or where there is none; every fault is told on "
-     "the standard error stream. Whether the machine has the devices is not looked at. Needs no "
-     "controller.",
+    {"firmware verify", "Check whether an update would apply a firmware image",
+     "The exit code is 1 when a section is refused or has a file name that is not plain, or the file has "
+     "no section; every fault is printed on the standard error stream. The devices of the machine and "
+     "their versions are not considered. Needs no controller.",
      kImagePositionals, {}, kFirmwareVerifyExamples, runFirmwareVerify},
 
     {"firmware build", "Make a firmware image, a section at a time",
-     "The image is read back before it is written: what the format cannot hold is refused, and an "
-     "image that was there stays. Needs no controller.",
+     "A version has the form major.minor.update, a phase letter (d, a, b or f) and a build number: "
+     "1.4.2f7. The image is read back before it is written, and an existing file is replaced with "
+     "--force only. Needs no controller.",
      kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples, runFirmwareBuild},
 
     {"update", "Apply a firmware image, or show its plan",

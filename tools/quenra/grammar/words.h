@@ -18,6 +18,7 @@ inline constexpr std::string_view kShell = "shell";
 inline constexpr std::string_view kValue = "value";
 inline constexpr std::string_view kVerb = "verb";
 
+inline constexpr std::string_view kAllowAnyPath = "--allow-any-path";
 inline constexpr std::string_view kAppend = "--append";
 inline constexpr std::string_view kBoth = "--both";
 inline constexpr std::string_view kController = "--controller";

@@ -5,6 +5,7 @@
 
 #include "quenra_status.h"
 #include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/firmware/sectionoutput.h"
 #include "tools/quenra/update/driverstore.h"
 
 namespace nCommandLine {
@@ -71,12 +72,20 @@ void addSection(const tPlannedSection& planned, tObstacles& obstacles) {
     return;
   }
   if (const auto& fault = planned.section->fault) {
-    obstacles.push_back({std::string(fault->reason), std::string(fault->remedy), fault->code,
+    obstacles.push_back({faultText(*planned.section), std::string(fault->remedy), fault->code,
                          fault->line, planned.number});
   } else {
     obstacles.push_back({"the section is for a Marten, and this machine has none",
                          "Use an image without this section, or install the Marten's driver.",
                          QUENRA_STATUS_INVALID_IMAGE, kNoMartenLine, planned.number});
+  }
+}
+
+void addFileName(const tPlannedSection& planned, tObstacles& obstacles) {
+  for (const tSectionRemark& remark : planned.section->remarks) {
+    if (remark.isRefused) {
+      obstacles.push_back({remark.fact, remark.remedy, std::nullopt, 0, planned.number});
+    }
   }
 }
 
@@ -133,6 +142,9 @@ tObstacles findObstacles(const tUpdateSituation& situation, iUpdateFacts& facts)
   }
   for (const tPlannedSection& planned : situation.plan) {
     addSection(planned, obstacles);
+    if (!situation.options.allowAnyPath) {
+      addFileName(planned, obstacles);
+    }
   }
   addPendingRestart(situation, obstacles);
   addVersion(situation, obstacles);

@@ -108,6 +108,7 @@ void writeSection(tJsonDocument& document, const tPlannedSection& planned) {
   document.text("action", actionName(planned.action));
   document.optionalText("reason", planned.reason);
   document.optionalText("remedy", planned.remedy());
+  writeRemarks(document, planned.section->remarks);
 }
 
 }  // namespace
@@ -146,6 +147,18 @@ void printObstacles(std::ostream& stream, const std::vector<tObstacle>& obstacle
       stream << ", line " << obstacle.line;
     }
     stream << "\n  Advice: " << printableText(obstacle.remedy) << '\n';
+  }
+}
+
+void printRemarks(std::ostream& stream, const std::vector<tPlannedSection>& plan,
+                  const tUpdateOptions& options) {
+  for (const tPlannedSection& planned : plan) {
+    for (const tSectionRemark& remark : planned.section->remarks) {
+      if (!remark.isRefused || options.allowAnyPath) {
+        stream << "quenra: warning: section " << planned.number << ": "
+               << printableText(remark.fact) << '\n';
+      }
+    }
   }
 }
 

@@ -20,6 +20,10 @@ void printPlan(const tStreams& streams, const tUpdateMachine* machine,
 // Each with its code and remedy.
 void printObstacles(std::ostream& stream, const std::vector<tObstacle>& obstacles);
 
+// The remarks on sections that are no obstacles.
+void printRemarks(std::ostream& stream, const std::vector<tPlannedSection>& plan,
+                  const tUpdateOptions& options);
+
 // A line for each section that was planned to be applied.
 void printResults(std::ostream& stream, const std::vector<tPlannedSection>& plan,
                   const tUpdateResult& result);

@@ -25,7 +25,8 @@ enum class tSectionAction : uint8_t {
 
 struct tUpdateOptions {
   bool onlyNewer = false;
-  bool force = false;  // compares although an update awaits a restart
+  bool force = false;         // compares although an update awaits a restart
+  bool allowAnyPath = false;  // applies file names that are not plain
 };
 
 // "send-to-marten"

@@ -22,7 +22,8 @@ struct tWantedUpdate {
 };
 
 tUpdateOptions optionsOf(const tArguments& arguments) {
-  const tUpdateOptions options{arguments.has(nWords::kOnlyNewer), arguments.has(nWords::kForce)};
+  const tUpdateOptions options{arguments.has(nWords::kOnlyNewer), arguments.has(nWords::kForce),
+                               arguments.has(nWords::kAllowAnyPath)};
   if (options.force && !options.onlyNewer) {
     throw tCommandError("--force has no meaning without --only-newer", "Leave --force out.", {});
   }
@@ -111,6 +112,7 @@ tExitCode runPlan(const tWantedUpdate& wanted, const tVerbContext& context) {
     context.streams.out << conclusionOf(answer) << std::endl;
   }
   printWarnings(context.streams.error, answer.warnings);
+  printRemarks(context.streams.error, answer.sections, wanted.options);
   printObstacles(context.streams.error, answer.obstacles);
   return answer.exitCode;
 }
@@ -254,6 +256,7 @@ tExitCode runWanted(const tWantedUpdate& wanted, const tVerbContext& context) {
   if (!context.json) {
     printPlan(streams, answer.machineOrNull(), answer.sections, "What will be done");
   }
+  printRemarks(streams.error, answer.sections, wanted.options);
   if (!changesAnything(answer.sections)) {
     return reportNothingToDo(answer, context);
   }
