@@ -225,6 +225,41 @@ class Update(CommandLineTest):
         self.assertIn("package handed to the driver store; its result is not known\n", out)
         self.assertEqual(len(self.packages()), 1)
 
+    def start_slow_update(self):
+        self.add("BIOS", b"package", file_name="a.inf")
+        self.machine("driver-store", "working", "--seconds", "6")
+        update = Started(self, "update", self.image)
+        update.read_until("updating")
+        return update
+
+    def test_second_update_waits_for_the_first(self):
+        first = self.start_slow_update()
+        run = self.quenra("update", "--no-wait", self.image, exit_code=1)
+        self.assertIn("another update is running on this machine", run.error)
+        second = Started(self, "update", self.image)
+        self.assertIn("another update is running; waiting", second.warned())
+        first.end(0)
+        self.machine("driver-store", "working")
+        out, _ = second.end(0)
+        self.assertIn("done after", out)
+        self.assertEqual(len(self.packages()), 2)
+
+    def test_ctrl_c_ends_the_wait(self):
+        first = self.start_slow_update()
+        second = Started(self, "update", self.image)
+        self.assertIn("another update is running; waiting", second.warned())
+        second.interrupt()
+        self.assertIn("interrupted while another update was running", second.warned())
+        second.end(1)
+        first.end(0)
+        self.assertEqual(len(self.packages()), 1)
+
+    def test_update_after_one_that_was_killed(self):
+        first = self.start_slow_update()
+        first.kill()
+        self.machine("reset")
+        self.quenra("update", self.image)
+
     def test_missing_file_and_missing_name(self):
         run = self.quenra("update", self.image, exit_code=1)
         self.assertEqual(run.error, f"quenra: cannot read '{self.image}': no such file\n")

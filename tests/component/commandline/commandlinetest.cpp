@@ -19,6 +19,7 @@ CommandLineTest::~CommandLineTest() {
   EXPECT_FALSE(library_.usedWhileClosed);
   EXPECT_EQ(routing_.sessions, 0) << "a routing session was left open";
   EXPECT_EQ(routing_.iterators, 0);
+  EXPECT_EQ(lock_.held, 0) << "the lock of updates was not released";
 }
 
 tRun CommandLineTest::run(const std::vector<std::string>& words) {
@@ -53,7 +54,7 @@ int CommandLineTest::runOn(const std::vector<std::string>& words, nCommandLine::
     arguments.push_back(word.c_str());
   }
   return nCommandLine::runCommandLine(static_cast<int>(arguments.size()), arguments.data(), streams,
-                                      {library_, routing_, facts_, interruption_});
+                                      {library_, routing_, facts_, interruption_, lock_});
 }
 
 std::vector<std::string> wordsOf(std::string_view verb) {

@@ -14,6 +14,7 @@
 #include "tests/component/commandline/tscriptedfacts.h"
 #include "tests/component/commandline/tscriptedinterruption.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
+#include "tests/component/commandline/tscriptedlock.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/output/streams.h"
 
@@ -43,6 +44,7 @@ class CommandLineTest : public testing::Test {
   tScriptedRouting routing_;
   tScriptedFacts facts_;
   tScriptedInterruption interruption_;
+  tScriptedLock lock_;
 
  private:
   tRun runWith(const std::vector<std::string>& words, bool terminal);

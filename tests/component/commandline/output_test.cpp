@@ -14,6 +14,7 @@
 #include "tests/component/commandline/tscriptedfacts.h"
 #include "tests/component/commandline/tscriptedinterruption.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
+#include "tests/component/commandline/tscriptedlock.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/output/systemreason.h"
@@ -89,9 +90,10 @@ tFailedRun runOn(std::ostream& out, const tOutputBuffer* buffer) {
   tScriptedRouting routing;
   tScriptedFacts facts;
   tScriptedInterruption interruption;
+  tScriptedLock lock;
   const std::array words{"quenra", "attributes"};
   const int exitCode = nCommandLine::runCommandLine(2, words.data(), streams,
-                                                    {library, routing, facts, interruption});
+                                                    {library, routing, facts, interruption, lock});
   return {exitCode, error.str()};
 }
 

@@ -667,6 +667,64 @@ TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
   EXPECT_FALSE(asDocument.document().HasParseError());
 }
 
+// ---- Two updates at once ----
+
+using nCommandLine::tLockState;
+
+TEST_F(UpdateVerb, AnotherUpdate_IsWaitedFor) {
+  lock_.states = {tLockState::busy, tLockState::busy, tLockState::acquired};
+  library_.duringUpdate = [this] { EXPECT_EQ(lock_.held, 1); };
+  const tRun result = run({"update", fileOf({section("BIOS", "4.0.0f0")})});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.error,
+            "quenra: another update is running; waiting for its end (Ctrl-C ends the wait)\n");
+  EXPECT_EQ(library_.updates.size(), 1u);
+}
+
+TEST_F(UpdateVerb, AnotherUpdateWithNoWait_IsAFailure) {
+  lock_.states = {tLockState::busy};
+  const tRun result = run({"update", "--no-wait", fileOf({section("BIOS", "4.0.0f0")})});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.error,
+            "quenra: another update is running on this machine\n"
+            "  Without --no-wait this update waits for its end.\n");
+  EXPECT_EQ(library_.opens, 0);
+}
+
+TEST_F(UpdateVerb, CtrlCDuringTheWait_EndsItAndChangesNothing) {
+  lock_.states = {tLockState::busy, tLockState::busy};
+  interruption_.comes = true;
+  const tRun result = run({"update", fileOf({section("BIOS", "4.0.0f0")})});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(
+      result.error,
+      testing::EndsWith("\nquenra: interrupted while another update was running; nothing was "
+                        "changed\n"));
+  EXPECT_EQ(library_.opens, 0);
+}
+
+TEST_F(UpdateVerb, LockThatCannotBeUsed_IsAFailureWithTheReason) {
+  lock_.states = {tLockState::failed};
+  const tRun result = run({"update", fileOf({section("BIOS", "4.0.0f0")})});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, StartsWith("quenra: cannot use the lock of updates: access denied\n"));
+  EXPECT_EQ(library_.opens, 0);
+}
+
+TEST_F(UpdateVerb, AbandonedLock_IsAcquiredWithAWarning) {
+  lock_.states = {tLockState::abandoned};
+  const tRun result = run({"update", fileOf({section("BIOS", "4.0.0f0")})});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.error,
+            "quenra: warning: the other update ended abnormally and may be incomplete\n");
+}
+
+TEST_F(UpdatePlan, Plan_DoesNotWaitForAnotherUpdate) {
+  lock_.states = {tLockState::busy};
+  EXPECT_EQ(run({"update", "--plan", fileOf({section("BIOS", "4.0.0f0")})}).exitCode, 0);
+  EXPECT_EQ(lock_.states.size(), 1u);
+}
+
 // ---- Output that fails ----
 
 TEST_F(UpdateVerb, OutputThatFailsAfterTheUpdate_HasAnExitCodeOfItsOwn) {

@@ -142,6 +142,7 @@ constexpr tOptionRow kUpdateOptions[] = {
     {nWords::kOnlyNewer, "", "Leave out firmware that is not newer than the installed firmware"},
     {nWords::kForce, "", "With --only-newer, compare although an update awaits a restart"},
     {nWords::kAllowAnyPath, "", "Accept file names that are not plain, such as paths"},
+    {nWords::kNoWait, "", "Fail when another update is running, instead of waiting for its end"},
     {nWords::kPlan, "", "Change nothing; show the plan and every obstacle"},
 };
 constexpr tExampleRow kUpdateExamples[] = {

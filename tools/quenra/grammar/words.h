@@ -35,6 +35,7 @@ inline constexpr std::string_view kJson = "--json";
 inline constexpr std::string_view kLineLength = "--line-length";
 inline constexpr std::string_view kManual = "--manual";
 inline constexpr std::string_view kMarten = "--marten";
+inline constexpr std::string_view kNoWait = "--no-wait";
 inline constexpr std::string_view kOnlyNewer = "--only-newer";
 inline constexpr std::string_view kOutput = "--output";
 inline constexpr std::string_view kPlan = "--plan";

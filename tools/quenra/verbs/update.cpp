@@ -6,6 +6,7 @@
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/elapsedtext.h"
 #include "tools/quenra/update/planoutput.h"
+#include "tools/quenra/update/theldupdatelock.h"
 #include "tools/quenra/update/tprogress.h"
 #include "tools/quenra/verbs/opening.h"
 
@@ -275,7 +276,13 @@ tExitCode runWanted(const tWantedUpdate& wanted, const tVerbContext& context) {
 
 tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context) {
   const tWantedUpdate wanted = wantedUpdate(arguments);
-  return arguments.has(nWords::kPlan) ? runPlan(wanted, context) : runWanted(wanted, context);
+  if (arguments.has(nWords::kPlan)) {
+    return runPlan(wanted, context);
+  }
+  // Held while the machine is read for the plan as well: another update changes it.
+  const tHeldUpdateLock lock(context.ports.updateLock, context.ports.interruption,
+                             context.streams.error, !arguments.has(nWords::kNoWait));
+  return runWanted(wanted, context);
 }
 
 }  // namespace nCommandLine
