@@ -26,7 +26,7 @@ class NotSupported(CommandLineTest):
 
     def test_marten_interface_of_a_machine_without_one(self):
         self.machine("scenario", "--martens", "0")
-        run = self.assert_not_supported("firmware-version", "--marten", state="unavailable", code=-26932)
+        run = self.assert_not_supported("firmware-version", "--marten", state="notAvailable", code=-26932)
         self.assert_failure(run, -26932, "QUENRA_STATUS_NO_CONTROLLER")
 
 

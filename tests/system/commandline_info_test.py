@@ -54,7 +54,7 @@ class Info(CommandLineTest):
 
     def test_machine_without_device_path_is_shown_as_such(self):
         self.machine("scenario", "--device-paths", "0")
-        self.assertEqual(states(self.document("info", kind="info"), "device-path"), ["unavailable"])
+        self.assertEqual(states(self.document("info", kind="info"), "device-path"), ["notAvailable"])
 
     def test_machine_without_marten_tells_the_bios_version(self):
         self.assertEqual(values(self.document("info", kind="info"), "firmware-version"), ["1.4.0f7"])

@@ -105,6 +105,13 @@ class Update(CommandLineTest):
         self.assertEqual(self.received(), [])
         return plan
 
+    def test_file_section_that_is_not_newer_marks_its_device_as_current(self):
+        self.add("BIOS", b"bios", version="9.0.0f0")
+        self.add("BIOS", b"package", version="2.1.0f3", file_name="a.inf")
+        run = self.quenra("update", "--only-newer", self.image)
+        self.assertIn("another section is not newer than what is installed", run.out)
+        self.assertEqual((self.received(), len(self.packages())), ([], 1))
+
     def test_only_newer_with_an_older_image_changes_nothing(self):
         self.add("MARTEN", b"older", version="1.3.0f0")
         for _ in range(2):

@@ -134,6 +134,14 @@ TEST_F(UpdatePlan, OneSectionThatIsAsNew_CountsForAllOfItsDevice) {
                "another section is not newer than what is installed, which counts for all");
 }
 
+TEST_F(UpdatePlan, FileSectionThatIsNotNewer_MarksItsDeviceAsCurrent) {
+  EXPECT_THAT(
+      actionsFor({section("BIOS", "9.0.0f0"), tFirmwareSection::capsule("a.bin").version("3.1.0f2"),
+                  tFirmwareSection::capsule("a.inf").version("3.1.0f2")},
+                 {"--only-newer"}),
+      ElementsAre("3 install-package", "1 leave-out", "2 write-file"));
+}
+
 TEST_F(UpdatePlan, EverythingCurrent_LeavesOutFilesToo) {
   EXPECT_THAT(actionsFor({section("BIOS", "3.1.0f2"), section("MARTEN", "1.0.0f0"),
                           tFirmwareSection::capsule("a.inf").version("9.0.0f0")},

@@ -139,7 +139,7 @@ constexpr tExampleRow kFirmwareBuildExamples[] = {
 // ---- update ----
 
 constexpr tOptionRow kUpdateOptions[] = {
-    {nWords::kOnlyNewer, "", "Leave out firmware that is not newer than the installed firmware"},
+    {nWords::kOnlyNewer, "", "Leave out the firmware of a device for which a section is not newer"},
     {nWords::kForce, "", "With --only-newer, compare although an update awaits a restart"},
     {nWords::kAllowAnyPath, "", "Accept file names that are not plain, such as paths"},
     {nWords::kNoWait, "", "Fail when another update is running, instead of waiting for its end"},

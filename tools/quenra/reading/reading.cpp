@@ -9,7 +9,7 @@ std::string_view stateName(tReadingState state) noexcept {
     case tReadingState::notSupported:
       return "notSupported";
     case tReadingState::unavailable:
-      return "unavailable";
+      return "notAvailable";
     case tReadingState::failed:
       break;
   }

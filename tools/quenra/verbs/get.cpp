@@ -45,6 +45,15 @@ tExitCode exitCodeOf(const tReading& reading) noexcept {
 tCommandError errorOf(const tWantedAttribute& wanted, const tReading& reading) {
   const tExitCode exitCode = exitCodeOf(reading);
   const bool absent = exitCode == tExitCode::notSupported;
+  if (absent && reading.state() == tReadingState::unavailable) {
+    // The controller is open: the catalogue's explanation of the code does not apply.
+    return {exitCode, wanted.label() + " is not available on this machine", reading.code,
+            tSiteExplanation{
+                "The interface is not present, or the field that decides the answer cannot "
+                "be read.",
+                "Look at the interfaces of this machine with 'quenra get "
+                "interfaces-present'."}};
+  }
   return {exitCode,
           wanted.label() + (absent ? " is not supported on this machine" : " cannot be read"),
           reading.code};
