@@ -23,8 +23,9 @@ MAY_CALL_WINDOWS = (
     "source/user/update/driverpackage.cpp", "simulator/driver/", "simulator/managementservice/",
     "simulator/driverstore/", "simulator/environment/",
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
-    "tools/quenra/interruption/", "tools/quenra/reading/tquenralibrary.cpp",
-    "tools/quenra/update/tupdatefacts.cpp",
+    "tools/quenra/interruption/", "tools/quenra/firmware/files.cpp",
+    "tools/quenra/reading/tquenralibrary.cpp", "tools/quenra/update/tupdatefacts.cpp",
+    "tools/quenra/update/tupdatelock.cpp",
     "tests/",
 )
 SKIPPED = {"build", ".git"}

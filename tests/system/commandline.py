@@ -78,6 +78,13 @@ class Started:
         """The next line of its output."""
         return self.process.stdout.readline().decode("utf-8")
 
+    def read_until(self, text):
+        """Reads lines of its output up to one with the text."""
+        line = self.told()
+        while text not in line:
+            self.test.assertNotEqual(line, "", f"it ended without '{text}'")
+            line = self.told()
+
     def warned(self):
         """The next line on its error stream."""
         return self.process.stderr.readline().decode("utf-8")

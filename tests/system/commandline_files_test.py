@@ -24,7 +24,7 @@ class FilesOnDisk(CommandLineTest):
 
     def build_words(self, image, payload="payload"):
         return ("firmware", "build", self.typed(payload), "--output", self.typed(image),
-                "--device", "MARTEN", "--firmware-version", "1")
+                "--device", "MARTEN", "--firmware-version", "1.4.2f7")
 
     def assert_read_fails(self, name, reason):
         message = f"cannot read '{self.typed(name)}': {reason}"
@@ -34,9 +34,9 @@ class FilesOnDisk(CommandLineTest):
         self.assert_fails(message, *self.build_words("image", payload=name))
         self.assertFalse(self.files["image"].exists())
 
-    def assert_write_fails(self, name, reason, named=None):
-        self.assert_fails(f"cannot write '{self.typed(named or name)}': {reason}",
-                          *self.build_words(name))
+    def assert_write_fails(self, name, reason, *options):
+        self.assert_fails(f"cannot write '{self.typed(name)}': {reason}",
+                          *self.build_words(name), *options)
 
     def test_read_of_a_missing_file(self):
         self.assert_read_fails("nofile", "no such file")
@@ -53,22 +53,28 @@ class FilesOnDisk(CommandLineTest):
 
     def test_write_over_a_directory(self):
         self.files["directory"].mkdir()
-        self.assert_write_fails("directory", "is a directory")
-        self.assertEqual([path.name for path in self.files.folder.iterdir()
-                          if path.suffix == ".unfinished"], [])
+        self.assert_write_fails("directory", "is a directory", "--force")
+        self.assertEqual(sorted(path.name for path in self.files.folder.iterdir()),
+                         ["directory", "payload"])
 
-    def test_unfinished_file_that_is_a_directory(self):
-        self.files["image.unfinished"].mkdir()
-        self.assert_write_fails("image", "is a directory", named="image.unfinished")
-
-    def test_write_to_a_full_disk(self):
+    def test_existing_output_stays_without_force(self):
         self.files["image"].write_bytes(b"old")
-        message = f"cannot write '{self.typed('image')}': no space left on the disk"
-        # The link sends the unfinished file to a device that is always full.
-        self.files["image.unfinished"].symlink_to("/dev/full")
         run = self.quenra(*self.build_words("image"), exit_code=1)
-        self.assertEqual(run.error, f"quenra: {message}\n")
+        self.assertIn(f"cannot write '{self.typed('image')}': the file exists\n", run.error)
         self.assertEqual(self.files["image"].read_bytes(), b"old")
+        self.quenra(*self.build_words("image"), "--force")
+        self.assertTrue(self.files["image"].read_bytes().startswith(b"HeaderVersion::1"))
+
+    def test_payload_that_is_the_output_stays(self):
+        self.quenra(*self.build_words("payload"), "--force", exit_code=2)
+        self.assertEqual(self.files["payload"].read_bytes(), b"123456789")
+
+    def test_other_files_of_the_user_stay(self):
+        self.files["image.unfinished"].write_bytes(b"of the user")
+        self.quenra(*self.build_words("image"))
+        self.assertEqual(self.files["image.unfinished"].read_bytes(), b"of the user")
+        self.assertEqual(sorted(path.name for path in self.files.folder.iterdir()),
+                         ["image", "image.unfinished", "payload"])
 
 
 class StandardOutput(CommandLineTest):

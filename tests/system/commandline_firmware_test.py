@@ -35,7 +35,7 @@ class Firmware(CommandLineTest):
         self.build(b"123456789")
         path = self.files["Größe.fwi"]
         path.write_bytes(path.read_bytes().replace(b"MTIz", b"MTI0"))
-        self.assertIn("refused: the payload has another CRC",
+        self.assertIn("refused: CRC mismatch: header 0x05440F15, payload 0x",
                       self.quenra("firmware", "inspect", self.typed("Größe.fwi")).out)
         run = self.quenra("firmware", "verify", self.typed("Größe.fwi"), exit_code=1)
         self.assertIn("\n  -26938 QUENRA_STATUS_INVALID_IMAGE, line 258\n  Advice: ", run.error)
@@ -47,8 +47,23 @@ class Firmware(CommandLineTest):
         self.files["payload"].write_bytes(b"123456789")
         document = self.document("firmware", "build", self.typed("payload"), "--output",
                                  self.typed("x.fwi"), "--device", "SAFEMODE", "--firmware-version",
-                                 "1", kind="firmware-build")
+                                 "1.4.2f7", kind="firmware-build")
         self.assertEqual(document["image"]["sections"][0]["crc"], 0x05440F15)
+
+    def test_file_name_that_is_not_plain_is_unsafe(self):
+        self.build(b"x", "--file-name", "aaaa.cap", device="BIOS")
+        path = self.files["Größe.fwi"]
+        path.write_bytes(path.read_bytes().replace(b"aaaa.cap", b"D:\\x.cap"))
+        self.assertIn("unsafe: the file name 'D:\\x.cap' is not plain: ",
+                      self.quenra("firmware", "inspect", self.typed("Größe.fwi")).out)
+        document = self.document("firmware", "verify", self.typed("Größe.fwi"),
+                                 kind="firmware-verify", exit_code=1)
+        self.assertTrue(document["image"]["sections"][0]["remarks"][0]["refused"])
+        self.build(b"x", "--force", "--file-name", "..\\x.cap", device="BIOS", exit_code=2)
+
+    def test_text_that_is_no_version_is_wrong_usage(self):
+        self.build(b"x", version="3.0", exit_code=2)
+        self.assertFalse(self.files["Größe.fwi"].exists())
 
     def test_needs_no_controller(self):
         self.machine("scenario", "--controllers", "0")

@@ -55,7 +55,8 @@ class Update(CommandLineTest):
     def test_document_of_an_update(self):
         self.add("MARTEN", b"firmware")
         document = self.document("update", self.image, kind="update")
-        self.assertEqual(document["installed"], {"bios": "2.1.0f3", "marten": "1.4.0f7"})
+        self.assertEqual(document["installed"], {"bios": "2.1.0f3", "marten": "1.4.0f7",
+                                                 "awaitsRestart": False})
         self.assertEqual([section["action"] for section in document["sections"]], ["send-to-marten"])
 
     def test_only_newer_leaves_out_what_is_as_new(self):
@@ -64,6 +65,7 @@ class Update(CommandLineTest):
         document = self.document("update", "--only-newer", self.image, kind="update")
         self.assertEqual([section["action"] for section in document["sections"]],
                          ["leave-out", "leave-out"])
+        self.assertEqual(document["outcome"], "nothing-to-do")
         self.assertEqual(self.received(), [])
         self.assertEqual(self.marten(), "1.4.0f7")
         self.quenra("update", self.image)
@@ -82,7 +84,9 @@ class Update(CommandLineTest):
                 self.assertEqual((self.received(), self.packages(), self.marten()),
                                  ([], [], "1.4.0f7"))
                 done = self.document("update", self.image, *options, kind="update")
-                self.assertEqual(done["sections"], plan["sections"])
+                self.assertEqual([{name: member for name, member in section.items()
+                                   if name != "result"} for section in done["sections"]],
+                                 plan["sections"])
                 actions = [section["action"] for section in plan["sections"]]
                 self.assertEqual([interface for interface, _ in self.received()],
                                  [action[len("send-to-"):] for action in actions
@@ -90,14 +94,67 @@ class Update(CommandLineTest):
                 self.assertEqual(len(self.packages()), actions.count("install-package"))
 
     def assert_foreseen(self, code, exit_code=1):
-        """The plan tells the reason for which the update then fails, and both end alike."""
+        """The plan reports the reason, and the update is not started for the same one."""
         plan = self.document("update", "--plan", self.image, kind="update-plan",
                              exit_code=exit_code)
         self.assertEqual(plan["obstacles"][0]["status"]["code"], code)
         document = self.document("update", self.image, kind="error", exit_code=exit_code)
         self.assertEqual(document["error"]["code"], code)
-        self.assertIn("'quenra update --plan' tells everything", document["error"]["advice"])
+        self.assertFalse(document["update"]["started"])
+        self.assertEqual(document["update"]["obstacles"], plan["obstacles"])
+        self.assertEqual(self.received(), [])
         return plan
+
+    def test_file_section_that_is_not_newer_marks_its_device_as_current(self):
+        self.add("BIOS", b"bios", version="9.0.0f0")
+        self.add("BIOS", b"package", version="2.1.0f3", file_name="a.inf")
+        run = self.quenra("update", "--only-newer", self.image)
+        self.assertIn("another section is not newer than what is installed", run.out)
+        self.assertEqual((self.received(), len(self.packages())), ([], 1))
+
+    def test_only_newer_with_an_older_image_changes_nothing(self):
+        self.add("MARTEN", b"older", version="1.3.0f0")
+        for _ in range(2):
+            run = self.quenra("update", "--only-newer", self.image)
+            self.assertTrue(run.out.endswith("\nnothing to do\n"), run)
+        self.assertEqual((self.received(), self.marten()), ([], "1.4.0f7"))
+
+    def test_only_newer_before_the_restart_needs_force(self):
+        self.add("MARTEN", b"newer", version="1.5.0f0")
+        self.quenra("update", self.image)
+        self.assertEqual(self.marten(), MARKER)
+        run = self.quenra("update", "--only-newer", self.image, exit_code=1)
+        self.assertIn("an update awaits a restart", run.error)
+        self.assertEqual(len(self.received()), 1)
+        self.quenra("update", "--only-newer", "--force", self.image)
+        self.assertEqual(len(self.received()), 2)
+
+    def test_file_without_a_section_changes_nothing(self):
+        self.files["update.fwi"].write_bytes(b"")
+        self.document("update", self.image, kind="error", exit_code=1)
+        self.document("update", "--plan", self.image, kind="error", exit_code=1)
+        self.assertEqual(self.marten(), "1.4.0f7")
+
+    def test_path_in_an_image_needs_allow_any_path(self):
+        name = self.files.typed("written")
+        self.add("BIOS", b"content", file_name="a" * len(name))
+        path = self.files["update.fwi"]
+        path.write_bytes(path.read_bytes().replace(b"a" * len(name), name.encode()))
+        run = self.quenra("update", self.image, exit_code=1)
+        self.assertIn("is not plain: it has a path separator\n", run.error)
+        self.document("update", "--plan", self.image, kind="update-plan", exit_code=1)
+        self.assertFalse(self.files["written"].exists())
+        self.quenra("update", "--allow-any-path", self.image)
+        self.assertEqual(self.files["written"].read_bytes(), b"content")
+
+    def test_driver_store_tool_that_is_no_program(self):
+        self.add("BIOS", b"package", file_name="a.inf")
+        self.machine("driver-store", "broken")
+        plan = self.assert_foreseen(-26938)
+        self.assertEqual(plan["obstacles"][0]["line"], 2359)
+        self.assertIn("the driver-store tool could not be started: ",
+                      plan["obstacles"][0]["fact"])
+        self.assertEqual(self.marten(), "1.4.0f7")
 
     def test_drive_that_is_encrypted_or_cannot_be_asked(self):
         self.add("MARTEN", b"marten")
@@ -157,22 +214,58 @@ class Update(CommandLineTest):
     def test_failure_of_the_driver_gives_the_version_back(self):
         self.add("MARTEN", b"marten")
         self.machine("answer", "add", "marten", "send-command", "--code", "-777")
-        self.assertEqual(self.document("update", self.image, kind="error",
-                                       exit_code=1)["error"]["code"], -777)
+        document = self.document("update", self.image, kind="error", exit_code=1)
+        self.assertEqual(document["error"]["code"], -777)
+        self.assertTrue(document["update"]["started"])
+        self.assertEqual(document["update"]["sections"][0]["result"], "failed")
         self.assertEqual(self.marten(), "1.4.0f7")
 
     def test_ctrl_c_stops_nothing(self):
         self.add("BIOS", b"package", file_name="a.inf")
         self.machine("driver-store", "working", "--seconds", "3")
         update = Started(self, "update", self.image)
-        while "updating" not in update.told():
-            self.assertIsNone(update.process.poll())
+        update.read_until("updating")
         update.interrupt()
         self.assertEqual(update.warned(),
                          "quenra: this cannot be stopped half-way; wait until it is over\n")
         out, _ = update.end(0)
-        self.assertIn("written to a file and given to the driver store\n", out)
+        self.assertIn("package handed to the driver store; its result is not known\n", out)
         self.assertEqual(len(self.packages()), 1)
+
+    def start_slow_update(self):
+        self.add("BIOS", b"package", file_name="a.inf")
+        self.machine("driver-store", "working", "--seconds", "6")
+        update = Started(self, "update", self.image)
+        update.read_until("updating")
+        return update
+
+    def test_second_update_waits_for_the_first(self):
+        first = self.start_slow_update()
+        run = self.quenra("update", "--no-wait", self.image, exit_code=1)
+        self.assertIn("another update is running on this machine", run.error)
+        second = Started(self, "update", self.image)
+        self.assertIn("another update is running; waiting", second.warned())
+        first.end(0)
+        self.machine("driver-store", "working")
+        out, _ = second.end(0)
+        self.assertIn("done after", out)
+        self.assertEqual(len(self.packages()), 2)
+
+    def test_ctrl_c_ends_the_wait(self):
+        first = self.start_slow_update()
+        second = Started(self, "update", self.image)
+        self.assertIn("another update is running; waiting", second.warned())
+        second.interrupt()
+        self.assertIn("interrupted while another update was running", second.warned())
+        second.end(1)
+        first.end(0)
+        self.assertEqual(len(self.packages()), 1)
+
+    def test_update_after_one_that_was_killed(self):
+        first = self.start_slow_update()
+        first.kill()
+        self.machine("reset")
+        self.quenra("update", self.image)
 
     def test_missing_file_and_missing_name(self):
         run = self.quenra("update", self.image, exit_code=1)

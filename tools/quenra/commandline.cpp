@@ -43,7 +43,8 @@ tExitCode reportOutputFailure(const tStreams& streams) {
       "cannot write the output" + (failure ? ": " + reasonOf(failure) : std::string());
   if (!streams.appliedChange.empty()) {
     printError(streams.error, {tExitCode::outputFailedAfterChange, message, std::nullopt,
-                               "The change was applied: " + streams.appliedChange + "."});
+                               "The change was applied: " + streams.appliedChange +
+                                   ". Do not repeat the command."});
     return tExitCode::outputFailedAfterChange;
   }
   if (!isClosedPipe(failure)) {

@@ -12,6 +12,7 @@ enum class tExitCode : uint8_t {
   wrongUsage = 2,
   notSupported = 3,
   noController = 4,
+  // Not `failure`: a script that repeats a failed command would change the machine a second time.
   outputFailedAfterChange = 5,
 };
 
@@ -30,7 +31,7 @@ inline constexpr tExitCodeRow kExitCodes[] = {
     {tExitCode::notSupported, "not supported on this machine"},
     {tExitCode::noController, "no controller could be reached"},
     {tExitCode::outputFailedAfterChange,
-     "the change was applied, but its output cannot be written"},
+     "the machine was changed, but the output could not be written"},
 };
 
 [[nodiscard]] constexpr int exitNumber(tExitCode code) noexcept {

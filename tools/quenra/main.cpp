@@ -21,6 +21,7 @@
 #include "tools/quenra/reading/tquenralibrary.h"
 #include "tools/quenra/routing/tquenrarouting.h"
 #include "tools/quenra/update/tupdatefacts.h"
+#include "tools/quenra/update/tupdatelock.h"
 #include "tools/quenra/utf16word.h"
 
 namespace {
@@ -119,6 +120,7 @@ int main() {
   nCommandLine::tQuenraRouting routing;
   nCommandLine::tUpdateFacts updateFacts;
   nCommandLine::tConsoleInterruption interruption;
+  nCommandLine::tUpdateLock updateLock;
   const std::vector<std::string> words = commandLineWords();
   std::vector<const char*> pointers;
   pointers.reserve(words.size());
@@ -126,5 +128,5 @@ int main() {
     pointers.push_back(word.c_str());
   }
   return nCommandLine::runCommandLine(static_cast<int>(pointers.size()), pointers.data(), streams,
-                                      {library, routing, updateFacts, interruption});
+                                      {library, routing, updateFacts, interruption, updateLock});
 }

@@ -5,15 +5,17 @@
 #include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/routing/irouting.h"
 #include "tools/quenra/update/iupdatefacts.h"
+#include "tools/quenra/update/iupdatelock.h"
 
 namespace nCommandLine {
 
-// All that the program asks of the world besides its streams and files.
+// The interfaces of the program to its machine, besides its streams and files.
 struct tPorts {
   iQuenra& library;
   iRouting& routing;
   iUpdateFacts& updateFacts;
   iInterruption& interruption;
+  iUpdateLock& updateLock;
 };
 
 }  // namespace nCommandLine

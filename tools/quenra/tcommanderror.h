@@ -12,9 +12,11 @@
 
 namespace nCommandLine {
 
-// The remedy of a failure with a status, instead of the general advice on that status.
-struct tRemedy {
-  std::string text;
+// The meaning of a status code at the site that reported it, and the remedy there, instead of those of
+// the catalogue, which cover every site of the code. An empty text leaves that of the catalogue.
+struct tSiteExplanation {
+  std::string meaning;
+  std::string advice;
 };
 
 // Another client's route that blocks a reservation.
@@ -31,6 +33,9 @@ class tCommandError : public std::runtime_error {
   // was the library that failed; then its explanation is the advice.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status)
       : std::runtime_error(what), exitCode_(exitCode), status_(status) {}
+  // ... with the explanation of the site that reported the status.
+  tCommandError(tExitCode exitCode, const std::string& what, int32_t status, tSiteExplanation site)
+      : std::runtime_error(what), exitCode_(exitCode), status_(status), site_(std::move(site)) {}
   // ... with advice of the program's own after that of the status.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status,
                 std::string advice)
@@ -38,12 +43,6 @@ class tCommandError : public std::runtime_error {
         exitCode_(exitCode),
         status_(status),
         advice_(std::move(advice)) {}
-  // ... with a remedy in the place of the status's advice.
-  tCommandError(tExitCode exitCode, const std::string& what, int32_t status, tRemedy remedy)
-      : std::runtime_error(what),
-        exitCode_(exitCode),
-        status_(status),
-        remedy_(std::move(remedy.text)) {}
   // Wrong usage: `suggestions` are words that may have been meant instead.
   tCommandError(const std::string& what, std::string advice, std::vector<std::string> suggestions)
       : std::runtime_error(what),
@@ -53,8 +52,8 @@ class tCommandError : public std::runtime_error {
 
   [[nodiscard]] tExitCode exitCode() const noexcept { return exitCode_; }
   [[nodiscard]] std::optional<int32_t> status() const noexcept { return status_; }
-  // Replaces the advice on the status; empty where that advice holds.
-  [[nodiscard]] const std::string& remedy() const noexcept { return remedy_; }
+  // Nothing if the catalogue explains the status.
+  [[nodiscard]] const std::optional<tSiteExplanation>& site() const noexcept { return site_; }
   [[nodiscard]] const std::vector<tRouteHolder>& holders() const noexcept { return holders_; }
   void setHolders(std::vector<tRouteHolder> holders) { holders_ = std::move(holders); }
   [[nodiscard]] const std::string& advice() const noexcept { return advice_; }
@@ -65,8 +64,8 @@ class tCommandError : public std::runtime_error {
  private:
   tExitCode exitCode_;
   std::optional<int32_t> status_;
+  std::optional<tSiteExplanation> site_;
   std::string advice_;
-  std::string remedy_;
   std::vector<tRouteHolder> holders_;
   std::vector<std::string> suggestions_;
 };

@@ -19,6 +19,7 @@ CommandLineTest::~CommandLineTest() {
   EXPECT_FALSE(library_.usedWhileClosed);
   EXPECT_EQ(routing_.sessions, 0) << "a routing session was left open";
   EXPECT_EQ(routing_.iterators, 0);
+  EXPECT_EQ(lock_.held, 0) << "the lock of updates was not released";
 }
 
 tRun CommandLineTest::run(const std::vector<std::string>& words) {
@@ -29,18 +30,31 @@ tRun CommandLineTest::runOnTerminal(const std::vector<std::string>& words) {
   return runWith(words, true);
 }
 
+tRun CommandLineTest::runOnOutput(const std::vector<std::string>& words,
+                                  std::function<std::error_code()> write) {
+  nCommandLine::tOutputBuffer buffer([&write](std::string_view) { return write(); });
+  std::ostream out(&buffer);
+  std::ostringstream error;
+  nCommandLine::tStreams streams{out, error, false, false, &buffer};
+  const int exitCode = runOn(words, streams);
+  return {exitCode, "", error.str()};
+}
+
 tRun CommandLineTest::runWith(const std::vector<std::string>& words, bool terminal) {
+  std::ostringstream out;
+  std::ostringstream error;
+  nCommandLine::tStreams streams{out, error, terminal, terminal};
+  const int exitCode = runOn(words, streams);
+  return {exitCode, out.str(), error.str()};
+}
+
+int CommandLineTest::runOn(const std::vector<std::string>& words, nCommandLine::tStreams& streams) {
   std::vector<const char*> arguments{"quenra"};
   for (const std::string& word : words) {
     arguments.push_back(word.c_str());
   }
-  std::ostringstream out;
-  std::ostringstream error;
-  nCommandLine::tStreams streams{out, error, terminal, terminal};
-  const int exitCode =
-      nCommandLine::runCommandLine(static_cast<int>(arguments.size()), arguments.data(), streams,
-                                   {library_, routing_, facts_, interruption_});
-  return {exitCode, out.str(), error.str()};
+  return nCommandLine::runCommandLine(static_cast<int>(arguments.size()), arguments.data(), streams,
+                                      {library_, routing_, facts_, interruption_, lock_});
 }
 
 std::vector<std::string> wordsOf(std::string_view verb) {

@@ -5,14 +5,18 @@
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "tests/component/commandline/tscriptedfacts.h"
 #include "tests/component/commandline/tscriptedinterruption.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
+#include "tests/component/commandline/tscriptedlock.h"
 #include "tests/component/commandline/tscriptedrouting.h"
+#include "tools/quenra/output/streams.h"
 
 namespace nTests {
 
@@ -33,14 +37,18 @@ class CommandLineTest : public testing::Test {
   // With the words as they stand after the program's name.
   tRun run(const std::vector<std::string>& words);
   tRun runOnTerminal(const std::vector<std::string>& words);
+  // On an output whose every write ends with the result of `write`.
+  tRun runOnOutput(const std::vector<std::string>& words, std::function<std::error_code()> write);
 
   tScriptedLibrary library_;
   tScriptedRouting routing_;
   tScriptedFacts facts_;
   tScriptedInterruption interruption_;
+  tScriptedLock lock_;
 
  private:
   tRun runWith(const std::vector<std::string>& words, bool terminal);
+  int runOn(const std::vector<std::string>& words, nCommandLine::tStreams& streams);
 };
 
 // A verb as the words that are typed for it.

@@ -18,6 +18,7 @@ namespace {
 
 using nCommandLine::readFile;
 using nCommandLine::tCommandError;
+using nCommandLine::tExistingFile;
 using nCommandLine::tExitCode;
 using nCommandLine::writeFile;
 
@@ -44,7 +45,7 @@ std::string readMessage(const std::string& path) {
 }
 
 std::string writeMessage(const std::string& path) {
-  return messageOf([&path] { writeFile(path, "new"); });
+  return messageOf([&path] { writeFile(path, "new", tExistingFile::replace); });
 }
 
 class Files : public testing::Test {
@@ -58,7 +59,7 @@ TEST_F(Files, WrittenBytes_AreRead) {
     for (size_t i = 0; i < size; i += 7) {
       content[i] = static_cast<char>(i % 256);  // with line ends and NULs
     }
-    writeFile(folder_.path("file"), content);
+    writeFile(folder_.path("file"), content, tExistingFile::replace);
     EXPECT_TRUE(folder_.content("file") == content) << size;
     EXPECT_TRUE(readFile(folder_.path("file")) == content) << size;
   }
@@ -67,7 +68,7 @@ TEST_F(Files, WrittenBytes_AreRead) {
 
 TEST_F(Files, NameBeyondAscii_IsReadAndWritten) {
   const std::string path = folder_.path("\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
-  writeFile(path, "content");
+  writeFile(path, "content", tExistingFile::keep);
   EXPECT_EQ(readFile(path), "content");
 }
 
@@ -114,26 +115,78 @@ TEST_F(Files, WriteOverADirectory_ReportsADirectoryAndLeavesNothing) {
   EXPECT_EQ(folder_.files(), 1u);
 }
 
-TEST_F(Files, UnfinishedFileThatIsADirectory_IsNamedAndStays) {
-  std::filesystem::create_directory(folder_.path("file.unfinished"));
-  EXPECT_EQ(writeMessage(folder_.path("file")),
-            "cannot write '" + folder_.path("file.unfinished") + "': is a directory");
-  EXPECT_TRUE(std::filesystem::is_directory(folder_.path("file.unfinished")));
+TEST_F(Files, FilesOfTheUserBesideTheTarget_Stay) {
+  static_cast<void>(folder_.file("file.unfinished", "of the user"));
+  static_cast<void>(folder_.file("file.tmp", "of the user"));
+  writeFile(folder_.path("file"), "new", tExistingFile::keep);
+  EXPECT_EQ(folder_.content("file.unfinished"), "of the user");
+  EXPECT_EQ(folder_.content("file.tmp"), "of the user");
+  EXPECT_EQ(folder_.files(), 3u);
 }
 
-#ifndef _WIN32
-// The device that is always full.
+TEST_F(Files, ExistingFileToKeep_StaysAndIsReported) {
+  const std::string path = folder_.file("file", "old");
+  EXPECT_EQ(messageOf([&path] { writeFile(path, "new", tExistingFile::keep); }),
+            "cannot write '" + path + "': the file exists");
+  EXPECT_EQ(folder_.content("file"), "old");
+  EXPECT_EQ(folder_.files(), 1u);
+}
+
+TEST_F(Files, FileThatAppearsDuringTheWriting_IsKept) {
+  const std::string path = folder_.path("file");
+  EXPECT_EQ(messageOf([&] {
+              writeFile(path, "new", tExistingFile::keep, [this](const auto& name) {
+                static_cast<void>(folder_.file("file", "of another program"));
+                return nCommandLine::createFile(name);
+              });
+            }),
+            "cannot write '" + path + "': the file exists");
+  EXPECT_EQ(folder_.content("file"), "of another program");
+  EXPECT_EQ(folder_.files(), 1u);
+}
+
+TEST_F(Files, TemporaryNameThatExists_IsNeitherWrittenNorRemoved) {
+  std::vector<std::filesystem::path> names;
+  writeFile(folder_.path("file"), "new", tExistingFile::keep, [&names, this](const auto& name) {
+    names.push_back(name);
+    if (names.size() == 1) {
+      static_cast<void>(folder_.file(name.filename().string(), "of the user"));
+    }
+    return nCommandLine::createFile(name);
+  });
+  ASSERT_EQ(names.size(), 2u);
+  EXPECT_NE(names[0], names[1]);
+  EXPECT_EQ(folder_.content(names[0].filename().string()), "of the user");
+  EXPECT_EQ(folder_.content("file"), "new");
+  EXPECT_EQ(folder_.files(), 2u);
+}
+
+// The device that is always full. Wine has the files of its host on drive Z:.
 TEST_F(Files, WriteToAFullDisk_ReportsTheSpaceAndKeepsTheOldFile) {
   const std::string path = folder_.file("file", "old");
-  for (const size_t size : {1u, 100'000u}) {  // fails when the file closes, and before
-    std::filesystem::create_symlink("/dev/full", folder_.path("file.unfinished"));
-    EXPECT_EQ(messageOf([&] { writeFile(path, std::string(size, 'x')); }),
+  for (const size_t size : {1u, 100'000u}) {  // fails when the file is flushed, and before
+    EXPECT_EQ(messageOf([&] {
+                writeFile(path, std::string(size, 'x'), tExistingFile::replace, [](const auto&) {
+                  return std::fopen(kIsWindows ? "Z:\\dev\\full" : "/dev/full", "wb");
+                });
+              }),
               "cannot write '" + path + "': no space left on the disk");
     EXPECT_EQ(folder_.content("file"), "old");
     EXPECT_EQ(folder_.files(), 1u);
   }
 }
 
+TEST_F(Files, PathsOfOneFile_AreTheSameFile) {
+  const std::string path = folder_.file("file", "x");
+  std::filesystem::create_hard_link(path, folder_.path("link"));
+  EXPECT_TRUE(nCommandLine::isSameFile(path, path));
+  EXPECT_TRUE(nCommandLine::isSameFile(path, folder_.path("./file")));
+  EXPECT_TRUE(nCommandLine::isSameFile(path, folder_.path("link")));
+  EXPECT_FALSE(nCommandLine::isSameFile(path, folder_.path("none")));
+  EXPECT_FALSE(nCommandLine::isSameFile(path, folder_.file("other", "x")));
+}
+
+#ifndef _WIN32
 TEST_F(Files, DeviceThatFailsARead_ReportsAnInputOutputError) {
   EXPECT_EQ(readMessage("/proc/self/mem"),
             "cannot read '/proc/self/mem': the device reports an input/output error");

@@ -7,6 +7,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using tWords = std::vector<std::string>;
 
 class FirmwareBuild : public CommandLineTest {
  protected:
@@ -46,7 +47,7 @@ TEST_F(FirmwareBuild, PayloadOfAnyLength_IsInspectedAsItWas) {
     const std::vector<uint8_t> bytes = firmwareBytes(length);
     const std::string payload(bytes.begin(), bytes.end());
     for (const char* const lineLength : {"0", "1", "76"}) {
-      ASSERT_EQ(build(payload, {"--line-length", lineLength}).exitCode, 0) << length;
+      ASSERT_EQ(build(payload, {"--force", "--line-length", lineLength}).exitCode, 0) << length;
       EXPECT_THAT(image(), HasSubstr("\r\n\r\n" + encodeBase64(bytes, std::stoul(lineLength))))
           << length << " " << lineLength;
       const auto document = run({"firmware", "inspect", path(), "--json"}).document();
@@ -74,19 +75,19 @@ TEST_F(FirmwareBuild, FileName_MakesACapsuleOfTheBios) {
 TEST_F(FirmwareBuild, Append_AddsASectionBehindWhatIsThere) {
   ASSERT_EQ(build("first").exitCode, 0);
   const std::string before = image();
-  const auto document = build("second", {"--append", "--json"}, "BIOS", "2").document();
+  const auto document = build("second", {"--append", "--json"}, "BIOS", "2.0.0f0").document();
   EXPECT_STREQ(document["kind"].GetString(), "firmware-build");
   ASSERT_EQ(document["image"]["sections"].Size(), 2u);
   EXPECT_STREQ(document["image"]["sections"][1]["device"].GetString(), "BIOS");
   EXPECT_EQ(document["image"]["sections"][1]["order"].GetInt(), 1);
   EXPECT_TRUE(image().starts_with(before));
-  EXPECT_EQ(build("x").exitCode, 0);
+  EXPECT_EQ(build("x", {"--force"}).exitCode, 0);
   EXPECT_THAT(run({"firmware", "verify", path()}).out, HasSubstr("1 section\n")) << "replaced";
 }
 
 TEST_F(FirmwareBuild, AppendToWhatWouldHideOrRefuseIt_IsAFailureAndChangesNothing) {
-  for (const std::string& there :
-       {std::string("x\0", 2), firmwareImage({tFirmwareSection("BIOS").with("CRC", "0")})}) {
+  for (const std::string& there : {firmwareImage({tFirmwareSection("BIOS")}) + std::string("\0", 1),
+                                   firmwareImage({tFirmwareSection("BIOS").with("CRC", "0")})}) {
     static_cast<void>(folder_.file("update.fwi", there));
     const tRun result = build("x", {"--append"});
     EXPECT_EQ(result.exitCode, 1);
@@ -95,19 +96,78 @@ TEST_F(FirmwareBuild, AppendToWhatWouldHideOrRefuseIt_IsAFailureAndChangesNothin
   }
 }
 
+TEST_F(FirmwareBuild, ExistingOutput_NeedsForce) {
+  static_cast<void>(folder_.file("update.fwi", "old"));
+  const tRun refused = build("x");
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.error, "quenra: cannot write '" + path() +
+                               "': the file exists\n"
+                               "  --force replaces the file, --append adds a section to it.\n");
+  EXPECT_EQ(image(), "old");
+  EXPECT_EQ(build("x", {"--force"}).exitCode, 0);
+  EXPECT_THAT(image(), testing::StartsWith("HeaderVersion::1"));
+}
+
+TEST_F(FirmwareBuild, PayloadThatIsTheOutput_IsWrongUsage) {
+  for (const tWords& more : {tWords{}, tWords{"--force"}, tWords{"--append"}}) {
+    const std::string payload = folder_.file("payload", "123456789");
+    tWords words{"firmware",
+                 "build",
+                 payload,
+                 "--output",
+                 folder_.path("./payload"),
+                 "--device",
+                 "MARTEN",
+                 "--firmware-version",
+                 "1.4.2f7"};
+    words.insert(words.end(), more.begin(), more.end());
+    const tRun result = run(words);
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_THAT(result.error, HasSubstr("' is the payload and the output\n"));
+    EXPECT_EQ(folder_.content("payload"), "123456789");
+  }
+}
+
+TEST_F(FirmwareBuild, EmptyFileName_IsWrongUsage) {
+  const tRun result = build("x", {"--file-name", ""}, "BIOS");
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.error, testing::StartsWith("quenra: the file name is empty\n"));
+  EXPECT_EQ(image(), "(none)");
+}
+
 TEST_F(FirmwareBuild, AppendToNothing_IsAFailure) {
   EXPECT_EQ(build("x", {"--append"}).exitCode, 1);
   EXPECT_EQ(image(), "(none)");
 }
 
-TEST_F(FirmwareBuild, VersionThatTheFormatCannotHold_IsRefused) {
-  for (const char* const version : {"", "1\r\n2", "\"1\"", "\"1", "1\r\nTargetDevice::BIOS"}) {
+TEST_F(FirmwareBuild, TextThatIsNoVersion_IsWrongUsage) {
+  for (const char* const version :
+       {"1", "3.0", "1.4.2f7x", "1.4.2f7\r\n2", "\"1.4.2f7\"", "\"1", "1\r\nTargetDevice::BIOS"}) {
     const tRun result = build("x", {}, "MARTEN", version);
-    EXPECT_EQ(result.exitCode, 1) << version;
-    EXPECT_THAT(result.error, HasSubstr("cannot hold")) << version;
+    EXPECT_EQ(result.exitCode, 2) << version;
+    EXPECT_THAT(result.error, HasSubstr("' is not a version of the form 1.4.2f7\n")) << version;
     EXPECT_EQ(image(), "(none)") << version;
   }
-  EXPECT_EQ(build("x", {}, "MARTEN", "1 \"a\" b").exitCode, 0);
+  EXPECT_THAT(build("x", {}, "MARTEN", "").error,
+              testing::StartsWith("quenra: the version is empty\n"));
+}
+
+TEST_F(FirmwareBuild, FileNameThatIsNotPlain_IsWrongUsage) {
+  for (const char* const name : {"C:\\x.cap", "../x.cap", "a b.inf", "nul.cap"}) {
+    const tRun result = build("x", {"--file-name", name}, "BIOS");
+    EXPECT_EQ(result.exitCode, 2) << name;
+    EXPECT_THAT(result.error, HasSubstr("' is not plain: it ")) << name;
+    EXPECT_EQ(image(), "(none)") << name;
+  }
+}
+
+TEST_F(FirmwareBuild, AppendToAFileThatIsNoImage_NamesTheFile) {
+  static_cast<void>(folder_.file("update.fwi", "PK"));
+  const tRun result = build("x", {"--append"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error,
+              testing::StartsWith("quenra: '" + path() + "' is not a firmware image: "));
+  EXPECT_EQ(image(), "PK");
 }
 
 TEST_F(FirmwareBuild, WrongWords_AreWrongUsage) {
@@ -120,11 +180,11 @@ TEST_F(FirmwareBuild, WrongWords_AreWrongUsage) {
 TEST_F(FirmwareBuild, FileThatCannotBeUsed_IsAFailureOfTheProgram) {
   const std::string payload = folder_.file("payload", "x");
   const tRun unread = run({"firmware", "build", folder_.path("none"), "--output", path(),
-                           "--device", "MARTEN", "--firmware-version", "1"});
+                           "--device", "MARTEN", "--firmware-version", "1.4.2f7"});
   EXPECT_EQ(unread.exitCode, 1);
   EXPECT_EQ(unread.error, "quenra: cannot read '" + folder_.path("none") + "': no such file\n");
   const tRun unwritten = run({"firmware", "build", payload, "--output", folder_.path("none/image"),
-                              "--device", "MARTEN", "--firmware-version", "1"});
+                              "--device", "MARTEN", "--firmware-version", "1.4.2f7"});
   EXPECT_EQ(unwritten.exitCode, 1);
   EXPECT_EQ(unwritten.error,
             "quenra: cannot write '" + folder_.path("none/image") + "': no such directory\n");

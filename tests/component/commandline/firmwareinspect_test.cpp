@@ -34,7 +34,7 @@ tFirmwareSection digits(std::string_view device, std::string_view updateType = "
 TEST_F(FirmwareInspect, Sections_AreATable) {
   const tRun result =
       run({"firmware", "inspect",
-           fileOf({digits("MARTEN").version("1.4.2f7"), digits("BIOS").version("2")})});
+           fileOf({digits("MARTEN").version("1.4.2f7"), digits("BIOS").version("2.0.0f0")})});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.error, IsEmpty());
   EXPECT_THAT(
@@ -42,7 +42,7 @@ TEST_F(FirmwareInspect, Sections_AreATable) {
       HasSubstr(" bytes, 0 faults\n\n"
                 "Section  Order  Device  Type      Version  File  Bytes  CRC         Verdict\n"
                 "1        2      MARTEN  FWUpdate  1.4.2f7  -     9      0x05440F15  good\n"
-                "2        1      BIOS    FWUpdate  2        -     9      0x05440F15  good\n"));
+                "2        1      BIOS    FWUpdate  2.0.0f0  -     9      0x05440F15  good\n"));
   EXPECT_EQ(library_.opens, 0) << "no controller is needed";
 }
 
@@ -55,10 +55,11 @@ TEST_F(FirmwareInspect, RefusedSection_IsShownWithTheReasonAndThoseBehindItToo) 
   EXPECT_THAT(result.out, HasSubstr("5 sections, "));
   EXPECT_THAT(result.out, HasSubstr(", 3 faults\n"));
   EXPECT_THAT(result.out, HasSubstr("\n2        -      BIOS      FWUpdate  1.2.3f4  -     9      "
-                                    "0x05440F15  refused: the payload has another CRC than the "
-                                    "header says: 0x05440F15, not 0x00000001\n"));
-  EXPECT_THAT(result.out, HasSubstr("refused: the payload does not decode to ByteCount bytes: 9, "
-                                    "not 8\n4        -      SAFEMODE"));
+                                    "0x05440F15  refused: CRC mismatch: header 0x00000001, payload "
+                                    "0x05440F15\n"));
+  EXPECT_THAT(result.out,
+              HasSubstr("refused: the payload does not decode to ByteCount bytes: header "
+                        "8, payload 9\n4        -      SAFEMODE"));
   EXPECT_THAT(result.out, HasSubstr("TargetDevice is none of BIOS, MARTEN and SAFEMODE\n"));
 }
 
@@ -75,7 +76,7 @@ TEST_F(FirmwareInspect, Document_HasThePromisedMembers) {
   EXPECT_THAT(memberNames(good),
               ElementsAre("position", "order", "headerVersion", "device", "updateType", "version",
                           "fileName", "declaredByteCount", "declaredCrc", "textSize", "byteCount",
-                          "crc", "fault"));
+                          "crc", "fault", "remarks"));
   EXPECT_STREQ(good["fileName"].GetString(), "a.inf");
   EXPECT_STREQ(good["updateType"].GetString(), "CapsuleUpdate");
   EXPECT_EQ(good["byteCount"].GetUint(), 100u);
@@ -89,11 +90,27 @@ TEST_F(FirmwareInspect, Document_HasThePromisedMembers) {
   EXPECT_EQ(image["sections"][1]["crc"].GetUint(), 0x05440F15u);
 }
 
-TEST_F(FirmwareInspect, AnyBytes_AreShownAsNoSection) {
-  const tRun result = run({"firmware", "inspect", folder_.file("x", std::string("PK\0\x03", 4))});
-  EXPECT_EQ(result.out, "0 sections, 4 bytes, 0 faults\n");
-  EXPECT_EQ(run({"firmware", "inspect", folder_.file("empty", "")}).out,
-            "0 sections, 0 bytes, 0 faults\n");
+TEST_F(FirmwareInspect, FileWithoutASection_IsAnErrorWithTheReason) {
+  using namespace std::string_view_literals;
+  const std::tuple<std::string_view, const char*, const char*> files[] = {
+      {"PK\0\x03"sv, "0 sections, 4 bytes, 0 faults\n", "the file has no 'HeaderVersion::'"},
+      {"", "0 sections, 0 bytes, 0 faults\n", "the file is empty"},
+      {"\xFF\xFEH\0"sv, "0 sections, 4 bytes, 0 faults\n",
+       "the file appears to be UTF-16; an image is plain ASCII text"},
+      {"H\0e\0a\0d\0e\0r\0"sv, "0 sections, 12 bytes, 0 faults\n",
+       "the file appears to be UTF-16; an image is plain ASCII text"},
+  };
+  for (const auto& [content, out, reason] : files) {
+    const std::string path = folder_.file("x", content);
+    const tRun result = run({"firmware", "inspect", path});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.out, out);
+    EXPECT_THAT(result.error, testing::StartsWith("quenra: '" + path +
+                                                  "' is not a firmware image: " + reason + "\n"));
+    const auto document = run({"firmware", "inspect", path, "--json"}).document();
+    EXPECT_STREQ(document["kind"].GetString(), "firmware-inspect");
+    EXPECT_EQ(document["exitCode"].GetInt(), 1);
+  }
 }
 
 TEST_F(FirmwareInspect, ControlCharacters_DoNotReachTheTerminal) {
@@ -134,6 +151,81 @@ TEST_F(FirmwareInspect, Order_IsTheParsersOwn) {
     EXPECT_EQ(records[section.order - 1].version, section.header.version);
   }
   nQUENRA1400::freePayloads(records);
+}
+
+TEST_F(FirmwareInspect, HeaderLinesThatEndInLineFeed_AreNamed) {
+  std::string image = firmwareImage({digits("MARTEN"), digits("BIOS")});
+  std::erase(image, '\r');
+  const tRun result = run({"firmware", "verify", folder_.file("x.fwi", image)});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error,
+              HasSubstr("section 1: header lines end in LF; CR LF is required\n  -26933 "));
+  EXPECT_THAT(result.error,
+              HasSubstr("\n  Advice: Convert the line ends of the image to CR LF.\n"));
+}
+
+TEST_F(FirmwareInspect, RemarksOnASection_AreShownAndInTheDocument) {
+  const std::string path = fileOf({digits("MARTEN").version("3.0"),
+                                   tFirmwareSection::capsule("..\\x.inf").version("1.2.3f4x")});
+  const tRun result = run({"firmware", "inspect", path});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out,
+              HasSubstr("  good, but '3.0' is not a version of the form 1.4.2f7 and counts as the "
+                        "oldest\n"));
+  EXPECT_THAT(
+      result.out,
+      HasSubstr("  unsafe: the file name '..\\x.inf' is not plain: it has a path separator; "
+                "good, but '1.2.3f4x' is not a version of the form 1.4.2f7\n"));
+  const auto document = run({"firmware", "inspect", path, "--json"}).document();
+  EXPECT_FALSE(document["image"]["valid"].GetBool());
+  const auto& remarks = document["image"]["sections"][1]["remarks"];
+  ASSERT_EQ(remarks.Size(), 2u);
+  EXPECT_THAT(memberNames(remarks[0]), ElementsAre("fact", "remedy", "refused"));
+  EXPECT_TRUE(remarks[0]["refused"].GetBool());
+  EXPECT_FALSE(remarks[1]["refused"].GetBool());
+}
+
+TEST(SectionRemark, FileNamesThatAreNotOnePlainComponent_AreFaults) {
+  for (const char* const name : {"a/b",          "\\\\server\\share\\x.cap",
+                                 "C:\\x.cap",    "D:x.cap",
+                                 "x.cap:stream", ".",
+                                 "..",           "a\nb",
+                                 "a\x7F",        "a\tb",
+                                 "a<",           "a|b",
+                                 "a\"",          "a?",
+                                 "a*",           "x.cap.",
+                                 "x.cap ",       "CON",
+                                 "nul",          "Nul.txt",
+                                 "com1",         "LPT9.inf",
+                                 "COM\xB9",      "com\xC2\xB2.x",
+                                 "aux .cap",     "PRN.a.b",
+                                 "conin$",       "CONOUT$.x",
+                                 "clock$",       "a driver.inf",
+                                 " x.inf"}) {
+    EXPECT_TRUE(nCommandLine::faultOfFileName(name)) << name;
+  }
+}
+
+TEST(SectionRemark, PlainFileNames_AreNone) {
+  for (const char* const name : {"", "a.inf",
+                                 "Gr\xC3\xB6\xC3\x9F"
+                                 "e.inf",
+                                 "a..b", ".cap", "a b.cap", " a.cap", "console.cap", "com.cap",
+                                 "com10", "lpt", "nulls", "x-1_2(3).CAT", "CO", "c"}) {
+    EXPECT_EQ(nCommandLine::faultOfFileName(name), std::nullopt) << name;
+  }
+}
+
+TEST(SectionRemark, Versions_HaveMajorMinorUpdatePhaseAndBuild) {
+  for (const char* const version :
+       {"1.4.2f7", "0.0.0f0", "0.0.0d1", "255.15.15f16383", "3.1.0b2", "3.1.0a2"}) {
+    EXPECT_TRUE(nCommandLine::isFirmwareVersion(version)) << version;
+  }
+  for (const char* const version :
+       {"", "1", "3.0", "1.4.2", "1.4.2f", "1.4.2x7", "01.4.2f7", "1.16.0f0", "256.0.0f0",
+        "1.4.2f16384", "1.4.2f7 ", "1.4.2f7x", "v1.4.2f7", " 1.4.2f7", "1.4.2F7", "1.4.2f7f7"}) {
+    EXPECT_FALSE(nCommandLine::isFirmwareVersion(version)) << version;
+  }
 }
 
 // Every row of the format's table of failures, in its order.

@@ -39,7 +39,8 @@ TEST_F(FirmwareVerify, EveryFault_IsToldWithCodeLineAndRemedy) {
   const tRun result = verify(image);
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.out, IsEmpty());
-  EXPECT_THAT(result.error, HasSubstr("update.fwi, section 1: the payload has another CRC"));
+  EXPECT_THAT(result.error,
+              HasSubstr("update.fwi, section 1: CRC mismatch: header 0x00000000, payload 0x"));
   EXPECT_THAT(result.error,
               HasSubstr("\n  -26938 QUENRA_STATUS_INVALID_IMAGE, line 258\n  Advice: "));
   EXPECT_THAT(result.error, HasSubstr("update.fwi, section 3: HeaderVersion is not 1\n  -26941 "
@@ -50,10 +51,28 @@ TEST_F(FirmwareVerify, EveryFault_IsToldWithCodeLineAndRemedy) {
   EXPECT_FALSE(document["image"]["valid"].GetBool());
 }
 
+TEST_F(FirmwareVerify, FileNameThatIsNotPlain_IsAFailureWithARemedy) {
+  const tRun result = verify(firmwareImage({tFirmwareSection::capsule("C:\\x.cap")}));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.out, IsEmpty());
+  EXPECT_THAT(result.error,
+              HasSubstr("update.fwi, section 1: the file name 'C:\\x.cap' is not plain: "
+                        "it has a path separator\n  Advice: "));
+}
+
+TEST_F(FirmwareVerify, TextThatIsNoVersion_IsAWarning) {
+  const tRun result = verify(firmwareImage({tFirmwareSection("BIOS").version("3.0")}));
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "good: 1 section\n");
+  EXPECT_THAT(result.error, testing::StartsWith("quenra: warning: "));
+  EXPECT_THAT(result.error, HasSubstr("section 1: '3.0' is not a version of the form 1.4.2f7 and "
+                                      "counts as the oldest\n"));
+}
+
 TEST_F(FirmwareVerify, FileWithoutASection_IsNotTakenForAnImage) {
   const tRun result = verify("PK\x03\x04", {"--json"});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.error, HasSubstr("no section is in it"));
+  EXPECT_THAT(result.error, HasSubstr("' is not a firmware image: the file has no "));
   EXPECT_FALSE(result.document()["image"]["valid"].GetBool());
 }
 

@@ -118,8 +118,14 @@ TEST_F(Get, NotSupportedWithJson_IsAnAnswer) {
   EXPECT_EQ(document["attribute"]["status"]["code"].GetInt(), -26934);
 }
 
-TEST_F(Get, InterfaceThatThisMachineLacks_IsNotSupported) {
+TEST_F(Get, InterfaceThatThisMachineLacks_IsNotAvailable) {
   library_.code(0x10200400, QUENRA_STATUS_NO_CONTROLLER);
+  const tRun text = run({"get", "firmware-version", "--marten"});
+  EXPECT_EQ(text.exitCode, 3);
+  EXPECT_THAT(text.error, HasSubstr(" is not available on this machine\n"
+                                    "  -26932 QUENRA_STATUS_NO_CONTROLLER\n"
+                                    "  The interface is not present, or "));
+  EXPECT_THAT(text.error, testing::Not(HasSubstr("No controller could be reached")));
   const tRun result = run({"get", "firmware-version", "--marten", "--json"});
   EXPECT_EQ(result.exitCode, 3);
   EXPECT_STREQ(result.document()["attribute"]["state"].GetString(), "notAvailable");

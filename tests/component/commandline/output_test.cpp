@@ -14,6 +14,7 @@
 #include "tests/component/commandline/tscriptedfacts.h"
 #include "tests/component/commandline/tscriptedinterruption.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
+#include "tests/component/commandline/tscriptedlock.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/output/systemreason.h"
@@ -92,9 +93,10 @@ tFailedRun runOn(std::ostream& out, const tOutputBuffer* buffer,
   tScriptedRouting routing;
   tScriptedFacts facts;
   tScriptedInterruption interruption;
+  tScriptedLock lock;
   const int exitCode =
       nCommandLine::runCommandLine(static_cast<int>(words.size()), words.data(), streams,
-                                   {library, routing, facts, interruption});
+                                   {library, routing, facts, interruption, lock});
   return {exitCode, error.str()};
 }
 
@@ -136,7 +138,7 @@ TEST(Output, FullDiskAfterSet_HasAnExitCodeOfItsOwnAndReportsTheChange) {
   EXPECT_EQ(run.exitCode, 5);
   EXPECT_EQ(run.error,
             "quenra: cannot write the output: no space left on the disk\n"
-            "  The change was applied: driver-setting-1 is set to 7.\n");
+            "  The change was applied: driver-setting-1 is set to 7. Do not repeat the command.\n");
 }
 
 TEST(Output, ClosedPipeAfterSet_ReportsTheChange) {
@@ -144,7 +146,7 @@ TEST(Output, ClosedPipeAfterSet_ReportsTheChange) {
   EXPECT_EQ(run.exitCode, 5);
   EXPECT_EQ(run.error,
             "quenra: cannot write the output: the pipe is closed\n"
-            "  The change was applied: driver-setting-1 is set to 7.\n");
+            "  The change was applied: driver-setting-1 is set to 7. Do not repeat the command.\n");
 }
 
 TEST(Output, FullDiskAfterAFailedSet_IsAPlainFailure) {

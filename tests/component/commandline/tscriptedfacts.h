@@ -5,16 +5,20 @@
 
 namespace nTests {
 
-// A machine that may be updated, unless told otherwise.
+// A machine that accepts updates, unless a test changes it.
 class tScriptedFacts final : public nCommandLine::iUpdateFacts {
  public:
   [[nodiscard]] nCommandLine::tDriveProtection driveProtection() noexcept override {
     return protection;
   }
-  [[nodiscard]] bool hasDriverStoreTool() noexcept override { return hasTool; }
+  [[nodiscard]] nCommandLine::tDriverStoreTool driverStoreTool() override { return tool; }
+  [[nodiscard]] std::string temporaryFolder() override { return temporary; }
+  [[nodiscard]] std::error_code temporaryFolderFailure() override { return temporaryFailure; }
 
   nCommandLine::tDriveProtection protection;
-  bool hasTool = true;
+  nCommandLine::tDriverStoreTool tool;
+  std::string temporary = "C:\\Temp";
+  std::error_code temporaryFailure;
 };
 
 }  // namespace nTests

@@ -6,8 +6,19 @@
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <random>
 #include <system_error>
 
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#include <windows.h>
+#else
+#include <fcntl.h>
+#endif
+
+#include "tools/quenra/catalogue/numbertext.h"
 #include "tools/quenra/output/systemreason.h"
 #include "tools/quenra/output/utf8text.h"
 #include "tools/quenra/tcommanderror.h"
@@ -28,11 +39,6 @@ tPath nativePath(const char* verb, const std::string& path) {
     fail(verb, path, "the path is not valid Unicode");
   }
   return {std::u8string(path.begin(), path.end())};
-}
-
-std::string pathText(const tPath& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
 }
 
 // ---- The C library's files, which unlike the streams of C++ report a reason ----
@@ -59,12 +65,12 @@ std::error_code lastReason() noexcept {
   return {errno == 0 ? EIO : errno, std::generic_category()};
 }
 
-tFile open(const tPath& path, bool forWriting) noexcept {
+tFile openToRead(const tPath& path) noexcept {
   clearReason();
 #ifdef _WIN32
-  return tFile(_wfopen(path.c_str(), forWriting ? L"wb" : L"rb"));
+  return tFile(_wfopen(path.c_str(), L"rb"));
 #else
-  return tFile(std::fopen(path.c_str(), forWriting ? "wb" : "rb"));
+  return tFile(std::fopen(path.c_str(), "rb"));
 #endif
 }
 
@@ -93,44 +99,81 @@ std::error_code readRest(std::FILE* file, std::string& content) {
   }
 }
 
-std::error_code writeAll(const tPath& path, std::string_view content) noexcept {
-  const tFile file = open(path, true);
-  if (!file) {
-    return lastReason();
-  }
+std::error_code writeAll(std::FILE* file, std::string_view content) noexcept {
   clearReason();
   // Flushed before it closes: not every C library keeps the reason when closing fails.
-  const bool isWritten =
-      std::fwrite(content.data(), 1, content.size(), file.get()) == content.size() &&
-      std::fflush(file.get()) == 0;
+  const bool isWritten = std::fwrite(content.data(), 1, content.size(), file) == content.size() &&
+                         std::fflush(file) == 0;
   return isWritten ? std::error_code() : lastReason();
 }
 
-class tTemporaryFile {
+// Fails if the target exists and must be kept, also if it was created a moment ago.
+std::error_code renameFile(const tPath& from, const tPath& to, tExistingFile existing) noexcept {
+  const bool replaces = existing == tExistingFile::replace;
+#ifdef _WIN32
+  if (MoveFileExW(from.c_str(), to.c_str(), replaces ? MOVEFILE_REPLACE_EXISTING : 0)) {
+    return {};
+  }
+  return {static_cast<int>(GetLastError()), std::system_category()};
+#else
+  const unsigned flags = replaces ? 0 : RENAME_NOREPLACE;
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), flags) == 0) {
+    return {};
+  }
+  return {errno, std::generic_category()};
+#endif
+}
+
+// A new file beside the target, which goes unless it is renamed. Its name is random, so that it is no
+// file of the user.
+class tNewFile {
  public:
-  explicit tTemporaryFile(tPath path) : path_(std::move(path)) {}
-  tTemporaryFile(const tTemporaryFile&) = delete;
-  tTemporaryFile& operator=(const tTemporaryFile&) = delete;
-  ~tTemporaryFile() {
-    std::error_code ignored;  // after a success there is no such file
-    if (isWritten_) {
+  tNewFile(const tPath& target, const tCreateFile& create) {
+    constexpr int kTries = 10;
+    for (int i = 0; i < kTries && !file_; ++i) {
+      path_ = target;
+      path_ += randomSuffix();
+      clearReason();
+      file_.reset(create(path_));
+      reason_ = file_ ? std::error_code() : lastReason();
+      if (reason_ != std::errc::file_exists) {
+        return;
+      }
+    }
+  }
+  tNewFile(const tNewFile&) = delete;
+  tNewFile& operator=(const tNewFile&) = delete;
+  ~tNewFile() {
+    if (isCreated_) {
+      file_.reset();
+      std::error_code ignored;  // after a success there is no such file
       std::filesystem::remove(path_, ignored);
     }
   }
 
   [[nodiscard]] std::error_code write(std::string_view content) {
-    isWritten_ = !isDirectory(path_);
-    return isWritten_ ? writeAll(path_, content) : std::make_error_code(std::errc::is_a_directory);
+    isCreated_ = file_ != nullptr;
+    if (isCreated_) {
+      reason_ = writeAll(file_.get(), content);
+      file_.reset();
+    }
+    return reason_;
   }
-  [[nodiscard]] std::error_code renameTo(const tPath& path) const {
-    std::error_code error;
-    std::filesystem::rename(path_, path, error);
-    return error;
+  [[nodiscard]] std::error_code renameTo(const tPath& path, tExistingFile existing) const noexcept {
+    return renameFile(path_, path, existing);
   }
 
  private:
+  static std::string randomSuffix() {
+    std::random_device random;
+    constexpr int kDigits = 8;
+    return "." + hexadecimalText(random(), kDigits).substr(2) + ".tmp";
+  }
+
   tPath path_;
-  bool isWritten_ = false;
+  tFile file_;
+  std::error_code reason_;
+  bool isCreated_ = false;
 };
 
 std::string reasonOfWriting(const std::error_code& reason) {
@@ -142,7 +185,7 @@ std::string reasonOfWriting(const std::error_code& reason) {
 std::string readFile(const std::string& path) {
   constexpr const char* kVerb = "read";
   const tPath native = nativePath(kVerb, path);
-  const tFile file = open(native, false);
+  const tFile file = openToRead(native);
   std::error_code reason = file ? std::error_code() : lastReason();
   std::string content;
   try {
@@ -158,20 +201,39 @@ std::string readFile(const std::string& path) {
   return content;
 }
 
-void writeFile(const std::string& path, std::string_view content) {
+std::FILE* createFile(const tPath& path) noexcept {
+#ifdef _WIN32
+  const int descriptor =
+      _wopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY, _S_IREAD | _S_IWRITE);
+  return descriptor < 0 ? nullptr : _fdopen(descriptor, "wb");
+#else
+  constexpr mode_t kReadAndWrite = 0666;  // less the bits of the user's mask
+  const int descriptor = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kReadAndWrite);
+  return descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
+#endif
+}
+
+void writeFile(const std::string& path, std::string_view content, tExistingFile existing,
+               const tCreateFile& create) {
   constexpr const char* kVerb = "write";
   const tPath target = nativePath(kVerb, path);
-  tPath unfinished = target;
-  unfinished += ".unfinished";
-  tTemporaryFile file(unfinished);
+  tNewFile file(target, create);
   if (const std::error_code reason = file.write(content)) {
-    // The path that the user typed, unless the other one is the obstacle.
-    fail(kVerb, reason == std::errc::is_a_directory ? pathText(unfinished) : path,
-         reasonOfWriting(reason));
+    fail(kVerb, path, reasonOfWriting(reason));
   }
-  if (const std::error_code reason = file.renameTo(target)) {
+  if (const std::error_code reason = file.renameTo(target, existing)) {
     fail(kVerb, path, reasonOf(reasonAt(target, reason)));
   }
+}
+
+bool fileExists(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::exists(nativePath("write", path), ignored);
+}
+
+bool isSameFile(const std::string& path, const std::string& other) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(nativePath("read", path), nativePath("write", other), ignored);
 }
 
 }  // namespace nCommandLine

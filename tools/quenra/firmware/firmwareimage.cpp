@@ -36,7 +36,26 @@ class tParserRun {
   zoerr::tOwnedStatus status_;
 };
 
-std::vector<tImageSection> readHeaders(const tImageText& text) {
+constexpr tSectionFault kLineFeeds{0, 0, "header lines end in LF; CR LF is required",
+                                   "Convert the line ends of the image to CR LF."};
+
+// Whether the first line of a section ends in LF alone. The parser then reports a missing number, or
+// whatever it finds in place of the value.
+bool endsInLineFeed(std::string_view section) {
+  const size_t end = section.find('\n');
+  return end != std::string_view::npos && end > 0 && section[end - 1] != '\r';
+}
+
+tSectionFault faultIn(std::string_view section, const zoerr::Status& status) {
+  tSectionFault fault = faultOf(status);
+  if (endsInLineFeed(section)) {
+    fault.reason = kLineFeeds.reason;
+    fault.remedy = kLineFeeds.remedy;
+  }
+  return fault;
+}
+
+std::vector<tImageSection> readHeaders(const tImageText& text, std::string_view bytes) {
   std::vector<tImageSection> sections;
   tSectionHeaders headers(text);
   for (size_t position = headers.findSection(0); position != tImageText::kNotFound;
@@ -46,15 +65,15 @@ std::vector<tImageSection> readHeaders(const tImageText& text) {
     section.position = position;
     section.header = headers.read(position, unreadable);
     if (unreadable.isError()) {
-      section.fault = faultOf(unreadable);
+      section.fault = faultIn(bytes.substr(position), unreadable);
     }
     sections.push_back(std::move(section));
   }
   return sections;
 }
 
-// The parser stops at the first fault. What it makes of the sections behind is asked by giving it an
-// image that begins with them: it only ever looks ahead.
+// The parser stops at the first fault. For the sections after it, the parser runs on the rest of the
+// image, which it would read in the same way: it only looks ahead.
 void judge(std::vector<tImageSection>& sections, std::string_view bytes) {
   size_t next = 0;
   while (next < sections.size()) {
@@ -67,7 +86,7 @@ void judge(std::vector<tImageSection>& sections, std::string_view bytes) {
     if (!run.status().isError()) {
       return;
     }
-    sections[next].fault = faultOf(run.status());
+    sections[next].fault = faultIn(bytes.substr(sections[next].position), run.status());
     ++next;
   }
 }
@@ -105,6 +124,20 @@ void setOrder(std::vector<tImageSection>& sections) {
   }
 }
 
+constexpr std::string_view kUtf16 = "the file appears to be UTF-16; an image is plain ASCII text";
+
+bool isUtf16(std::string_view bytes) {
+  using namespace std::string_view_literals;
+  return bytes.starts_with("\xFF\xFE"sv) || bytes.starts_with("\xFE\xFF"sv) ||
+         bytes.find("H\0e\0a\0d\0e\0r\0"sv) != std::string_view::npos;
+}
+
+std::string_view reasonOfNoSection(std::string_view bytes) {
+  return bytes.empty()    ? "the file is empty"
+         : isUtf16(bytes) ? kUtf16
+                          : "the file has no 'HeaderVersion::'";
+}
+
 }  // namespace
 
 size_t tFirmwareImage::faults() const noexcept {
@@ -112,18 +145,38 @@ size_t tFirmwareImage::faults() const noexcept {
       sections, [](const tImageSection& section) { return section.fault.has_value(); }));
 }
 
+bool tFirmwareImage::isValid() const noexcept {
+  const auto isRefused = [](const tImageSection& section) {
+    return section.fault || std::ranges::any_of(section.remarks, &tSectionRemark::isRefused);
+  };
+  return !sections.empty() && std::ranges::none_of(sections, isRefused);
+}
+
 tFirmwareImage inspectImage(std::string_view bytes) {
   const tImageText text(bytes.data(), bytes.size(), bestKernels());
-  tFirmwareImage image{bytes.size(), readHeaders(text)};
+  tFirmwareImage image{bytes.size(), {}, readHeaders(text, bytes)};
   std::vector<tImageSection>& sections = image.sections;
   judge(sections, bytes);
   for (size_t i = 0; i < sections.size(); ++i) {
     decode(sections[i], text, i + 1 < sections.size() ? sections[i + 1].position : bytes.size());
   }
+  for (tImageSection& section : sections) {
+    section.remarks = remarksOn(section.header.version, section.header.targetFileName);
+  }
   if (image.faults() == 0) {
     setOrder(sections);
   }
+  if (sections.empty()) {
+    image.emptyReason = reasonOfNoSection(bytes);
+  }
   return image;
+}
+
+tCommandError notAnImage(const std::string& path, const tFirmwareImage& image) {
+  return {tExitCode::failure,
+          "'" + path + "' is not a firmware image: " + std::string(image.emptyReason), std::nullopt,
+          image.emptyReason == kUtf16 ? "Save the image as ASCII, with line ends of CR LF."
+                                      : "Check the name of the file, or fetch the image again."};
 }
 
 }  // namespace nCommandLine

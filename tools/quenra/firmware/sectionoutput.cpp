@@ -18,35 +18,43 @@ std::string crcText(uint32_t crc) {
   return hexadecimalText(crc, kCrcDigits);
 }
 
-// What the header says and what the payload is, where they differ.
+// The value of the header and that of the payload, where they differ.
 std::string difference(const tImageSection& section) {
   if (!section.byteCount || !section.crc) {
     return "";
   }
   if (*section.byteCount != section.header.byteCount) {
-    return ": " + std::to_string(*section.byteCount) + ", not " +
-           std::to_string(section.header.byteCount);
+    return ": header " + std::to_string(section.header.byteCount) + ", payload " +
+           std::to_string(*section.byteCount);
   }
   if (*section.crc != section.header.crc) {
-    return ": " + crcText(*section.crc) + ", not " + crcText(section.header.crc);
+    return ": header " + crcText(section.header.crc) + ", payload " + crcText(*section.crc);
   }
   return "";
 }
 
+// Of faults that are not the missing line ends of the section.
 bool isAboutThePayload(const tSectionFault& fault) noexcept {
   constexpr uint32_t kByteCountDiffers = 241;
   constexpr uint32_t kCrcDiffers = 258;
   return fault.line == kByteCountDiffers || fault.line == kCrcDiffers;
 }
 
-std::string reasonOf(const tImageSection& section) {
-  std::string reason(section.fault->reason);
-  return isAboutThePayload(*section.fault) ? reason + difference(section) : reason;
-}
-
 std::string codeAndLine(const tSectionFault& fault) {
   const std::string code = codeAndConstant(fault.code);
   return fault.line == 0 ? code : code + ", line " + std::to_string(fault.line);
+}
+
+std::string verdictOn(const tImageSection& section) {
+  if (section.fault) {
+    return "refused: " + faultText(section);
+  }
+  std::string verdict;
+  for (const tSectionRemark& remark : section.remarks) {
+    verdict += verdict.empty() ? "" : "; ";
+    verdict += (remark.isRefused ? "unsafe: " : "good, but ") + printableText(remark.fact);
+  }
+  return verdict.empty() ? "good" : verdict;
 }
 
 std::vector<std::string> cellsOf(const tImageSection& section, size_t number) {
@@ -59,7 +67,7 @@ std::vector<std::string> cellsOf(const tImageSection& section, size_t number) {
       orDash(section.header.targetFileName),
       section.byteCount ? std::to_string(*section.byteCount) : "-",
       section.crc ? crcText(*section.crc) : "-",
-      section.fault ? "refused: " + reasonOf(section) : "good",
+      verdictOn(section),
   };
 }
 
@@ -69,7 +77,7 @@ void writeFault(tJsonDocument& document, const tImageSection& section) {
     return;
   }
   document.beginObject("fault");
-  document.text("reason", reasonOf(section));
+  document.text("reason", faultText(section));
   document.text("remedy", section.fault->remedy);
   document.status("status", section.fault->code);
   document.number("line", section.fault->line);
@@ -104,10 +112,16 @@ void writeSection(tJsonDocument& document, const tImageSection& section) {
   writeOptional(document, "byteCount", section.byteCount);
   writeOptional(document, "crc", section.crc);
   writeFault(document, section);
+  writeRemarks(document, section.remarks);
   document.endObject();
 }
 
 }  // namespace
+
+std::string faultText(const tImageSection& section) {
+  std::string reason(section.fault->reason);
+  return isAboutThePayload(*section.fault) ? reason + difference(section) : reason;
+}
 
 std::string countOf(size_t count, std::string_view one) {
   return std::to_string(count) + " " + std::string(one) + (count == 1 ? "" : "s");
@@ -128,10 +142,27 @@ void printFaults(std::ostream& stream, const std::string& path, const tFirmwareI
     const tImageSection& section = image.sections[i];
     if (section.fault) {
       stream << "quenra: " << printableText(path) << ", section " << i + 1 << ": "
-             << reasonOf(section) << "\n  " << codeAndLine(*section.fault)
+             << faultText(section) << "\n  " << codeAndLine(*section.fault)
              << "\n  Advice: " << section.fault->remedy << '\n';
     }
+    for (const tSectionRemark& remark : section.remarks) {
+      stream << "quenra: " << (remark.isRefused ? "" : "warning: ") << printableText(path)
+             << ", section " << i + 1 << ": " << printableText(remark.fact)
+             << "\n  Advice: " << remark.remedy << '\n';
+    }
   }
+}
+
+void writeRemarks(tJsonDocument& document, const std::vector<tSectionRemark>& remarks) {
+  document.beginArray("remarks");
+  for (const tSectionRemark& remark : remarks) {
+    document.beginObject();
+    document.text("fact", remark.fact);
+    document.text("remedy", remark.remedy);
+    document.truth("refused", remark.isRefused);
+    document.endObject();
+  }
+  document.endArray();
 }
 
 void writeImage(tJsonDocument& document, const std::string& path, const tFirmwareImage& image) {

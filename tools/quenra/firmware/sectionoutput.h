@@ -1,4 +1,4 @@
-// How sections of firmware images are shown.
+// Sections of firmware images as text and as JSON.
 #ifndef TOOLS_QUENRA_FIRMWARE_SECTIONOUTPUT_H
 #define TOOLS_QUENRA_FIRMWARE_SECTIONOUTPUT_H
 
@@ -16,8 +16,14 @@ namespace nCommandLine {
 
 void printSections(const tStreams& streams, const tFirmwareImage& image);
 
-// A message for every section that is refused.
+// Why the library refuses a section, with the values that differ.
+[[nodiscard]] std::string faultText(const tImageSection& section);
+
+// A message for every section that is refused, and for every remark.
 void printFaults(std::ostream& stream, const std::string& path, const tFirmwareImage& image);
+
+// The member "remarks" of a section.
+void writeRemarks(tJsonDocument& document, const std::vector<tSectionRemark>& remarks);
 
 // The member "image".
 void writeImage(tJsonDocument& document, const std::string& path, const tFirmwareImage& image);

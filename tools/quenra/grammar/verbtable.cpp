@@ -114,41 +114,45 @@ constexpr tPositionalRow kPayloadPositionals[] = {
     {nWords::kPayload, "PAYLOAD", "File of the bytes that the device is to receive"},
 };
 constexpr tOptionRow kFirmwareBuildOptions[] = {
-    {nWords::kOutput, "IMAGE", "File of the firmware image; replaced if it is there", {}, true},
+    {nWords::kOutput, "IMAGE", "File of the firmware image; must not exist", {}, true},
     {nWords::kDevice,
      "BIOS|MARTEN|SAFEMODE",
      "The device that the section is for",
      {},
      true,
      &kDeviceWords},
-    {nWords::kFirmwareVersion, "VERSION", "The version of the payload", {}, true},
-    {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that name"},
+    {nWords::kFirmwareVersion, "VERSION", "The version of the payload, such as 1.4.2f7", {}, true},
+    {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that plain name"},
     {nWords::kLineLength, "N", "Characters in a line of the payload, 76 without; 0 for one line"},
-    {nWords::kAppend, "", "Add the section to the image that is there"},
+    {nWords::kAppend, "", "Add the section to an existing image"},
+    {nWords::kForce, "", "Replace an existing image"},
 };
 constexpr tExampleRow kFirmwareInspectExamples[] = {
     {"firmware inspect update.fwi", "what is in an image"},
 };
 constexpr tExampleRow kFirmwareVerifyExamples[] = {
-    {"firmware verify update.fwi", "whether the library would take it"},
+    {"firmware verify update.fwi", "whether an update would apply it"},
 };
 constexpr tExampleRow kFirmwareBuildExamples[] = {
     {"firmware build a.bin --output update.fwi --device MARTEN --firmware-version 1.4.2f7",
      "an image of one section"},
-    {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 2.0",
+    {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 3.1.0f2",
      "... and a second one"},
 };
 
 // ---- update ----
 
 constexpr tOptionRow kUpdateOptions[] = {
-    {nWords::kOnlyNewer, "", "Leave out firmware that is not newer than what is installed"},
-    {nWords::kPlan, "", "Change nothing; say what would be done, and all that is in the way"},
+    {nWords::kOnlyNewer, "", "Leave out the firmware of a device for which a section is not newer"},
+    {nWords::kForce, "", "With --only-newer, compare although an update awaits a restart"},
+    {nWords::kAllowAnyPath, "", "Accept file names that are not plain, such as paths"},
+    {nWords::kNoWait, "", "Fail when another update is running, instead of waiting for its end"},
+    {nWords::kPlan, "", "Change nothing; show the plan and every obstacle"},
 };
 constexpr tExampleRow kUpdateExamples[] = {
-    {"update --plan update.fwi", "what an update would do, and what stops it"},
-    {"update update.fwi", "apply the image whatever is installed"},
-    {"update update.fwi --only-newer", "... but for what is as new already"},
+    {"update --plan update.fwi", "the plan of an update, and its obstacles"},
+    {"update update.fwi", "apply the image, whatever versions are installed"},
+    {"update update.fwi --only-newer", "... except firmware that is not newer"},
 };
 
 // ---- attributes ----
@@ -247,23 +251,24 @@ constexpr tVerbRow kRows[] = {
      "an image from being applied. Needs no controller.",
      kImagePositionals, {}, kFirmwareInspectExamples, runFirmwareInspect},
 
-    {"firmware verify", "Say whether the library would take a firmware image",
-     "The exit code is 1 where a section is refused, or where there is none; every fault is told on "
-     "the standard error stream. Whether the machine has the devices is not looked at. Needs no "
-     "controller.",
+    {"firmware verify", "Check whether an update would apply a firmware image",
+     "The exit code is 1 when a section is refused or has a file name that is not plain, or the file has "
+     "no section; every fault is printed on the standard error stream. The devices of the machine and "
+     "their versions are not considered. Needs no controller.",
      kImagePositionals, {}, kFirmwareVerifyExamples, runFirmwareVerify},
 
     {"firmware build", "Make a firmware image, a section at a time",
-     "The image is read back before it is written: what the format cannot hold is refused, and an "
-     "image that was there stays. Needs no controller.",
+     "A version has the form major.minor.update, a phase letter (d, a, b or f) and a build number: "
+     "1.4.2f7. The image is read back before it is written, and an existing file is replaced with "
+     "--force only. Needs no controller.",
      kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples, runFirmwareBuild},
 
-    {"update", "Apply a firmware image, or say what that would do",
-     "Says what is going to happen, shows the elapsed time while it does, and says what was sent "
-     "where. What the library accepts is not refused, and an update that has begun cannot be "
-     "interrupted by Ctrl-C. With --plan nothing is changed: each section is shown with what would be "
-     "done with it, and every reason that would stop the update is told on the standard error stream, "
-     "all at once, with a remedy; the exit code is that of the update.",
+    {"update", "Apply a firmware image, or show its plan",
+     "Prints the plan, shows the elapsed time of the update, and reports the result of each section. An "
+     "update with an obstacle is not started: every obstacle is printed on the standard error stream "
+     "with a remedy. An update that would send, install and write nothing does not call the library. "
+     "Ctrl-C does not interrupt an update that has started. With --plan nothing is changed, and the "
+     "exit code is that of the update.",
      kImagePositionals, kUpdateOptions, kUpdateExamples, runUpdate},
 
     {"attributes", "List every attribute with its id, type, access and unit",

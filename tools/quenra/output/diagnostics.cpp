@@ -7,19 +7,31 @@
 namespace nCommandLine {
 namespace {
 
-void printStatus(std::ostream& stream, int32_t code, std::string_view remedy = {}) {
+tSiteExplanation explanationOf(int32_t code, const std::optional<tSiteExplanation>& site) {
   const tStatusExplanation status = explainStatus(code);
+  tSiteExplanation explanation = site.value_or(tSiteExplanation());
+  if (explanation.meaning.empty()) {
+    explanation.meaning = status.meaning;
+  }
+  if (explanation.advice.empty()) {
+    explanation.advice = status.advice;
+  }
+  return explanation;
+}
+
+void printStatus(std::ostream& stream, int32_t code,
+                 const std::optional<tSiteExplanation>& site = std::nullopt) {
+  const tSiteExplanation explanation = explanationOf(code, site);
   stream << "  " << codeAndConstant(code) << '\n'
-         << "  " << status.meaning << '\n'
-         << "  Advice: " << (remedy.empty() ? status.advice : remedy) << '\n';
+         << "  " << printableText(explanation.meaning) << '\n'
+         << "  Advice: " << printableText(explanation.advice) << '\n';
 }
 
 std::string adviceOf(const tCommandError& error) {
   if (!error.status()) {
     return error.advice();
   }
-  const std::string advice =
-      error.remedy().empty() ? std::string(explainStatus(*error.status()).advice) : error.remedy();
+  const std::string advice = explanationOf(*error.status(), error.site()).advice;
   return error.advice().empty() ? advice : advice + " " + error.advice();
 }
 
@@ -36,7 +48,7 @@ void writeCause(tJsonDocument& document, const tCommandError& error) {
   if (error.status()) {
     document.number("code", *error.status());
     document.optionalText("constant", explainStatus(*error.status()).constant);
-    document.text("meaning", explainStatus(*error.status()).meaning);
+    document.text("meaning", explanationOf(*error.status(), error.site()).meaning);
   } else {
     document.null("code");
     document.null("constant");
@@ -61,7 +73,7 @@ void writeHolders(tJsonDocument& document, std::span<const tRouteHolder> holders
 void printError(std::ostream& stream, const tCommandError& error) {
   stream << "quenra: " << printableText(error.what()) << '\n';
   if (error.status()) {
-    printStatus(stream, *error.status(), error.remedy());
+    printStatus(stream, *error.status(), error.site());
   }
   if (!error.suggestions().empty()) {
     stream << "  Did you mean " << alternatives(error.suggestions()) << "?\n";
@@ -78,9 +90,7 @@ void printWarnings(std::ostream& stream, std::span<const tWarning> warnings) {
   }
 }
 
-void writeErrorDocument(std::ostream& stream, const tCommandError& error,
-                        std::string_view command) {
-  tJsonDocument document("error", error.exitCode());
+void writeError(tJsonDocument& document, const tCommandError& error, std::string_view command) {
   document.optionalText("command", command);
   document.beginObject("error");
   writeCause(document, error);
@@ -91,6 +101,12 @@ void writeErrorDocument(std::ostream& stream, const tCommandError& error,
   document.endArray();
   writeHolders(document, error.holders());
   document.endObject();
+}
+
+void writeErrorDocument(std::ostream& stream, const tCommandError& error,
+                        std::string_view command) {
+  tJsonDocument document("error", error.exitCode());
+  writeError(document, error, command);
   document.writeTo(stream);
 }
 

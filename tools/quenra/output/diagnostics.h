@@ -15,7 +15,9 @@ namespace nCommandLine {
 void printError(std::ostream& stream, const tCommandError& error);
 void printWarnings(std::ostream& stream, std::span<const tWarning> warnings);
 
-// `command` is the verb, empty where none was recognised.
+// The members of an error document. `command` is the verb, empty where none was recognised.
+void writeError(tJsonDocument& document, const tCommandError& error, std::string_view command);
+// ... as the only members of the document.
 void writeErrorDocument(std::ostream& stream, const tCommandError& error, std::string_view command);
 
 }  // namespace nCommandLine

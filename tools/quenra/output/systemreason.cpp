@@ -14,6 +14,7 @@ struct tReasonRow {
 constexpr tReasonRow kReasons[] = {
     {std::errc::no_such_file_or_directory, "no such file"},
     {std::errc::is_a_directory, "is a directory"},
+    {std::errc::file_exists, "the file exists"},
     {std::errc::not_a_directory, "a part of the path is not a directory"},
     {std::errc::permission_denied, "access denied"},
     {std::errc::operation_not_permitted, "access denied"},
@@ -42,9 +43,12 @@ constexpr tWindowsReasonRow kWindowsReasons[] = {
     {33, "in use by another program"},  // ERROR_LOCK_VIOLATION
     {53, "no such network path"},       // ERROR_BAD_NETPATH
     {67, "no such network path"},       // ERROR_BAD_NET_NAME
+    {80, "the file exists"},            // ERROR_FILE_EXISTS
     {109, "the pipe is closed"},        // ERROR_BROKEN_PIPE
     {123, "the path is invalid"},       // ERROR_INVALID_NAME
     {161, "the path is invalid"},       // ERROR_BAD_PATHNAME
+    {183, "the file exists"},           // ERROR_ALREADY_EXISTS
+    {193, "it is not a program"},       // ERROR_BAD_EXE_FORMAT
     {232, "the pipe is closed"},        // ERROR_NO_DATA
     {233, "the pipe is closed"},        // ERROR_PIPE_NOT_CONNECTED
 };

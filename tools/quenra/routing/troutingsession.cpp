@@ -69,7 +69,8 @@ const std::string& judgedDevice(const std::string& device) {
   throw tCommandError(tExitCode::notSupported,
                       "this version does not support the router of this machine" +
                           (name.empty() ? "" : " (" + name + ")"),
-                      status.code, tRemedy{"Install a version of quenra that knows the router."});
+                      status.code,
+                      tSiteExplanation{{}, "Install a version of quenra that knows the router."});
 }
 
 // "ticket 9 (session 4), ticket 3 (session 2)"
@@ -85,8 +86,10 @@ std::string holdersText(const std::vector<tRouteHolder>& holders) {
 tCommandError heldRouteError(const std::vector<tRouteHolder>& holders, int32_t code) {
   tCommandError error(
       tExitCode::failure, "cannot reserve the route: held by " + holdersText(holders), code,
-      tRemedy{"End the programs that hold these routes, or choose another trigger line. The driver "
-              "does not reveal which program a session belongs to."});
+      tSiteExplanation{
+          {},
+          "End the programs that hold these routes, or choose another trigger line. The driver "
+          "does not reveal which program a session belongs to."});
   error.setHolders(holders);
   return error;
 }

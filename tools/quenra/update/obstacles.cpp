@@ -5,6 +5,8 @@
 
 #include "quenra_status.h"
 #include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/update/driverstore.h"
 
 namespace nCommandLine {
 namespace {
@@ -13,7 +15,6 @@ constexpr uint32_t kNoMartenLine = 1868;
 constexpr uint32_t kEligibilityUnknownLine = 1798;
 constexpr uint32_t kNotEligibleLine = 1810;
 constexpr uint32_t kProtectedLine = 1787;
-constexpr uint32_t kToolMissingLine = 2331;
 
 // What each step of asking for the encryption of drive C: needs.
 struct tProtectionStep {
@@ -71,7 +72,7 @@ void addSection(const tPlannedSection& planned, tObstacles& obstacles) {
     return;
   }
   if (const auto& fault = planned.section->fault) {
-    obstacles.push_back({std::string(fault->reason), std::string(fault->remedy), fault->code,
+    obstacles.push_back({faultText(*planned.section), std::string(fault->remedy), fault->code,
                          fault->line, planned.number});
   } else {
     obstacles.push_back({"the section is for a Marten, and this machine has none",
@@ -80,12 +81,35 @@ void addSection(const tPlannedSection& planned, tObstacles& obstacles) {
   }
 }
 
+void addFileName(const tPlannedSection& planned, tObstacles& obstacles) {
+  for (const tSectionRemark& remark : planned.section->remarks) {
+    if (remark.isRefused) {
+      obstacles.push_back({remark.fact, remark.remedy, std::nullopt, 0, planned.number});
+    }
+  }
+}
+
+// Until the restart the machine reports the versions of the old firmware, or none: a comparison with
+// them could replace newer firmware by an older one.
+void addPendingRestart(const tUpdateSituation& situation, tObstacles& obstacles) {
+  const tUpdateOptions& options = situation.options;
+  if (options.onlyNewer && !options.force && situation.machine != nullptr &&
+      situation.machine->awaitsRestart()) {
+    obstacles.push_back({"an update awaits a restart: the Marten reports version " +
+                             std::string(kRestartMarker) +
+                             ", and --only-newer cannot compare until the restart",
+                         "Restart the machine and run the update again. With --force the "
+                         "comparison counts the Marten as the oldest version.",
+                         std::nullopt});
+  }
+}
+
 // Only a comparison needs the Marten's version.
 void addVersion(const tUpdateSituation& situation, tObstacles& obstacles) {
   const auto goesToMarten = [](const tPlannedSection& planned) {
     return planned.intended == tSectionAction::sendToMarten;
   };
-  if (situation.onlyNewer && situation.machine != nullptr && situation.machine->hasMarten &&
+  if (situation.options.onlyNewer && situation.machine != nullptr && situation.machine->hasMarten &&
       !situation.machine->martenVersion() && std::ranges::any_of(situation.plan, goesToMarten)) {
     const int32_t code = situation.machine->marten.code;
     obstacles.push_back({"the installed version of the Marten cannot be read",
@@ -96,13 +120,11 @@ void addVersion(const tUpdateSituation& situation, tObstacles& obstacles) {
 void addTool(const tUpdateSituation& situation, iUpdateFacts& facts, tObstacles& obstacles) {
   const auto package =
       std::ranges::find(situation.plan, tSectionAction::installPackage, &tPlannedSection::intended);
-  if (package != situation.plan.end() && !facts.hasDriverStoreTool()) {
-    obstacles.push_back(
-        {"the section is a driver package, and the system has no "
-         "C:\\Windows\\Sysnative\\pnputil.exe to install it with",
-         "Make that tool available under this name, or use an image without driver "
-         "packages.",
-         QUENRA_STATUS_UPDATE_ENVIRONMENT, kToolMissingLine, package->number});
+  if (package == situation.plan.end()) {
+    return;
+  }
+  if (const auto fault = faultOf(facts.driverStoreTool())) {
+    obstacles.push_back({fault->fact, fault->remedy, fault->code, fault->line, package->number});
   }
 }
 
@@ -110,17 +132,17 @@ void addTool(const tUpdateSituation& situation, iUpdateFacts& facts, tObstacles&
 
 tObstacles findObstacles(const tUpdateSituation& situation, iUpdateFacts& facts) {
   tObstacles obstacles;
-  if (situation.openingCode < 0) {
-    obstacles.push_back({"the controller cannot be opened", adviceFor(situation.openingCode),
-                         situation.openingCode});
-  }
   addDrive(facts.driveProtection(), obstacles);
   if (situation.machine != nullptr) {
     addEligibility(situation.machine->takesUpdates, obstacles);
   }
   for (const tPlannedSection& planned : situation.plan) {
     addSection(planned, obstacles);
+    if (!situation.options.allowAnyPath) {
+      addFileName(planned, obstacles);
+    }
   }
+  addPendingRestart(situation, obstacles);
   addVersion(situation, obstacles);
   addTool(situation, facts, obstacles);
   return obstacles;

@@ -1,4 +1,4 @@
-// What would stop an update, all of it at once, where the library stops at the first.
+// Everything that stops an update, where the library stops at the first.
 #ifndef TOOLS_QUENRA_UPDATE_OBSTACLES_H
 #define TOOLS_QUENRA_UPDATE_OBSTACLES_H
 
@@ -13,26 +13,25 @@
 namespace nCommandLine {
 
 struct tObstacle {
-  std::string fact;                              // what was seen
-  std::string remedy;                            // a sentence
-  int32_t code;                                  // with which the library fails
-  uint32_t line = 0;                             // 0 where it is not told
+  std::string fact;
+  std::string remedy;           // a sentence
+  std::optional<int32_t> code;  // with which the library fails; none if it does not
+  uint32_t line = 0;            // 0 where it is not known
   std::optional<size_t> section = std::nullopt;  // its place in the image, from 1
 };
 
 // `plan` is the one that was made of the machine, which is null where none could be opened.
 struct tUpdateSituation {
-  int32_t openingCode;
   const tUpdateMachine* machine;
   const std::vector<tPlannedSection>& plan;
-  bool onlyNewer;
+  tUpdateOptions options;
 };
 
 // In the order in which the library would come across them.
 [[nodiscard]] std::vector<tObstacle> findObstacles(const tUpdateSituation& situation,
                                                    iUpdateFacts& facts);
 
-// With which the program ends when an update fails with a code, the controller being open.
+// The exit code for an update that fails with a code, the controller being open.
 [[nodiscard]] tExitCode exitCodeOfUpdate(int32_t code) noexcept;
 
 }  // namespace nCommandLine

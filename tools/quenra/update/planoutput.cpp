@@ -10,7 +10,7 @@ namespace {
 
 struct tActionWords {
   std::string_view planned;
-  std::string_view done;  // empty where nothing is done
+  std::string_view done;  // empty where the machine is not changed
 };
 
 // In the order of tSectionAction.
@@ -18,7 +18,7 @@ constexpr tActionWords kWords[] = {
     {"send to the controller interface", "sent to the controller interface"},
     {"send to the Marten interface", "sent to the Marten interface"},
     {"write to a file and install as a driver package",
-     "written to a file and given to the driver store"},
+     "written to a file; package handed to the driver store; its result is not known"},
     {"write to a file", "written to a file"},
     {"nothing", ""},
     {"leave out", ""},
@@ -30,13 +30,15 @@ const tActionWords& wordsOf(tSectionAction action) noexcept {
   return kWords[static_cast<size_t>(action)];
 }
 
+constexpr const char* kNotAvailable = "not available";
+
 std::string versionText(const std::optional<std::string>& version) {
-  return version ? printableText(*version) : "unknown";
+  return version ? printableText(*version) : kNotAvailable;
 }
 
 std::string installedText(const tUpdateMachine* machine) {
   if (machine == nullptr) {
-    return "unknown";
+    return kNotAvailable;
   }
   return "BIOS " + versionText(machine->biosVersion()) +
          (machine->hasMarten ? ", Marten " + versionText(machine->martenVersion()) : "");
@@ -72,12 +74,41 @@ void writeVersion(tJsonDocument& document, std::string_view name,
   }
 }
 
-void writeLine(tJsonDocument& document, uint32_t line) {
-  if (line == 0) {
-    document.null("line");
-  } else {
-    document.number("line", line);
+std::string_view resultText(const tPlannedSection& planned, tSectionResult result) {
+  switch (result) {
+    case tSectionResult::applied:
+    case tSectionResult::handedOver:
+      return wordsOf(planned.action).done;
+    case tSectionResult::failed:
+      return "failed";
+    case tSectionResult::notApplied:
+      return "not applied";
+    case tSectionResult::unknown:
+      return "it is not known whether it was applied";
   }
+  return "";
+}
+
+// Null for 0.
+void writePositive(tJsonDocument& document, std::string_view name, int64_t number) {
+  if (number == 0) {
+    document.null(name);
+  } else {
+    document.number(name, number);
+  }
+}
+
+void writeSection(tJsonDocument& document, const tPlannedSection& planned) {
+  const auto& header = planned.section->header;
+  document.number("section", static_cast<int64_t>(planned.number));
+  document.optionalText("device", header.targetDevice);
+  document.optionalText("version", header.version);
+  document.optionalText("fileName", header.targetFileName);
+  document.number("byteCount", static_cast<int64_t>(planned.section->byteCount.value_or(0)));
+  document.text("action", actionName(planned.action));
+  document.optionalText("reason", planned.reason);
+  document.optionalText("remedy", planned.remedy());
+  writeRemarks(document, planned.section->remarks);
 }
 
 }  // namespace
@@ -85,9 +116,9 @@ void writeLine(tJsonDocument& document, uint32_t line) {
 void printPlan(const tStreams& streams, const tUpdateMachine* machine,
                const std::vector<tPlannedSection>& plan, std::string_view heading) {
   streams.out << "installed: " << installedText(machine) << '\n';
-  if (plan.empty()) {
-    streams.out << "no section is in the image\n";
-    return;
+  if (machine != nullptr && machine->awaitsRestart()) {
+    streams.out << "an update awaits a restart: until then the Marten reports version "
+                << kRestartMarker << '\n';
   }
   tTable table;
   table.addRow({"Section", "Device", "Version", "File", "Bytes", std::string(heading)});
@@ -108,23 +139,39 @@ void printObstacles(std::ostream& stream, const std::vector<tObstacle>& obstacle
     if (obstacle.section) {
       stream << "section " << *obstacle.section << ": ";
     }
-    stream << printableText(obstacle.fact) << "\n  " << codeAndConstant(obstacle.code);
+    stream << printableText(obstacle.fact);
+    if (obstacle.code) {
+      stream << "\n  " << codeAndConstant(*obstacle.code);
+    }
     if (obstacle.line != 0) {
       stream << ", line " << obstacle.line;
     }
-    stream << "\n  Advice: " << obstacle.remedy << '\n';
+    stream << "\n  Advice: " << printableText(obstacle.remedy) << '\n';
   }
 }
 
-void printApplied(std::ostream& stream, const std::vector<tPlannedSection>& plan) {
+void printRemarks(std::ostream& stream, const std::vector<tPlannedSection>& plan,
+                  const tUpdateOptions& options) {
   for (const tPlannedSection& planned : plan) {
-    const tActionWords& words = wordsOf(planned.action);
-    if (!words.done.empty()) {
+    for (const tSectionRemark& remark : planned.section->remarks) {
+      if (!remark.isRefused || options.allowAnyPath) {
+        stream << "quenra: warning: section " << planned.number << ": "
+               << printableText(remark.fact) << '\n';
+      }
+    }
+  }
+}
+
+void printResults(std::ostream& stream, const std::vector<tPlannedSection>& plan,
+                  const tUpdateResult& result) {
+  for (size_t i = 0; i < plan.size(); ++i) {
+    const tPlannedSection& planned = plan[i];
+    if (!wordsOf(planned.action).done.empty()) {
       const auto& header = planned.section->header;
       stream << "  section " << planned.number << ", " << printableText(header.targetDevice) << ' '
              << printableText(header.version) << ", "
              << countOf(static_cast<size_t>(planned.section->byteCount.value_or(0)), "byte") << ": "
-             << words.done << '\n';
+             << resultText(planned, result.sections[i]) << '\n';
     }
   }
 }
@@ -133,22 +180,27 @@ void writeInstalled(tJsonDocument& document, const tUpdateMachine* machine) {
   document.beginObject("installed");
   writeVersion(document, "bios", machine == nullptr ? std::nullopt : machine->biosVersion());
   writeVersion(document, "marten", machine == nullptr ? std::nullopt : machine->martenVersion());
+  document.truth("awaitsRestart", machine != nullptr && machine->awaitsRestart());
   document.endObject();
 }
 
 void writePlan(tJsonDocument& document, const std::vector<tPlannedSection>& plan) {
   document.beginArray("sections");
   for (const tPlannedSection& planned : plan) {
-    const auto& header = planned.section->header;
     document.beginObject();
-    document.number("section", static_cast<int64_t>(planned.number));
-    document.optionalText("device", header.targetDevice);
-    document.optionalText("version", header.version);
-    document.optionalText("fileName", header.targetFileName);
-    document.number("byteCount", static_cast<int64_t>(planned.section->byteCount.value_or(0)));
-    document.text("action", actionName(planned.action));
-    document.optionalText("reason", planned.reason);
-    document.optionalText("remedy", planned.remedy());
+    writeSection(document, planned);
+    document.endObject();
+  }
+  document.endArray();
+}
+
+void writePlan(tJsonDocument& document, const std::vector<tPlannedSection>& plan,
+               const tUpdateResult& result) {
+  document.beginArray("sections");
+  for (size_t i = 0; i < plan.size(); ++i) {
+    document.beginObject();
+    writeSection(document, plan[i]);
+    document.text("result", resultName(result.sections[i]));
     document.endObject();
   }
   document.endArray();
@@ -160,13 +212,13 @@ void writeObstacles(tJsonDocument& document, const std::vector<tObstacle>& obsta
     document.beginObject();
     document.text("fact", obstacle.fact);
     document.text("remedy", obstacle.remedy);
-    document.status("status", obstacle.code);
-    writeLine(document, obstacle.line);
-    if (obstacle.section) {
-      document.number("section", static_cast<int64_t>(*obstacle.section));
+    if (obstacle.code) {
+      document.status("status", *obstacle.code);
     } else {
-      document.null("section");
+      document.null("status");
     }
+    writePositive(document, "line", obstacle.line);
+    writePositive(document, "section", static_cast<int64_t>(obstacle.section.value_or(0)));
     document.endObject();
   }
   document.endArray();

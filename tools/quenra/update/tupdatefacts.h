@@ -5,11 +5,13 @@
 
 namespace nCommandLine {
 
-// The machine that the program runs on, asked as the library asks it.
+// The machine that the program runs on, examined with the calls that the library makes.
 class tUpdateFacts final : public iUpdateFacts {
  public:
   [[nodiscard]] tDriveProtection driveProtection() noexcept override;
-  [[nodiscard]] bool hasDriverStoreTool() noexcept override;
+  [[nodiscard]] tDriverStoreTool driverStoreTool() override;
+  [[nodiscard]] std::string temporaryFolder() override;
+  [[nodiscard]] std::error_code temporaryFolderFailure() override;
 };
 
 }  // namespace nCommandLine

@@ -7,8 +7,8 @@ namespace {
 
 std::optional<std::string> textOf(const tReading& reading) {
   const auto* const text = std::get_if<std::string>(&reading.value);
-  const bool isThere = reading.state() == tReadingState::value && text != nullptr;
-  return isThere ? std::optional(*text) : std::nullopt;
+  const bool isPresent = reading.state() == tReadingState::value && text != nullptr;
+  return isPresent ? std::optional(*text) : std::nullopt;
 }
 
 bool hasMarten(const tReading& interfaces) {
@@ -23,6 +23,10 @@ std::optional<std::string> tUpdateMachine::biosVersion() const {
 }
 std::optional<std::string> tUpdateMachine::martenVersion() const {
   return hasMarten ? textOf(marten) : std::nullopt;
+}
+
+bool tUpdateMachine::awaitsRestart() const {
+  return martenVersion() == kRestartMarker;
 }
 
 tUpdateMachine readUpdateMachine(const tController& controller) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "source/user/update/firmwareversion.h"
+#include "tools/quenra/firmware/sectionoutput.h"
 
 namespace nCommandLine {
 namespace {
@@ -82,7 +83,9 @@ class tPlanner {
     }
     const auto installed = installedFor(section, machine_);
     if (installed && isAsNew(section, *machine_)) {
-      return "it is not newer than the installed " + *installed;
+      const std::string_view version = section.header.version;
+      return packedVersion(version) == 0 ? notAVersion(version) + " and counts as the oldest"
+                                         : "it is not newer than the installed " + *installed;
     }
     if (action != tSectionAction::leaveOut) {
       return "";
@@ -100,8 +103,7 @@ class tPlanner {
 
 tPlannedSection planFor(const tImageSection& section, size_t number, const tPlanner& planner) {
   if (section.fault) {
-    return {number, &section, tSectionAction::refuse, tSectionAction::refuse,
-            std::string(section.fault->reason)};
+    return {number, &section, tSectionAction::refuse, tSectionAction::refuse, faultText(section)};
   }
   const tSectionAction action = planner.actionFor(section);
   return {number, &section, action, action, planner.reasonFor(section, action)};
@@ -121,6 +123,12 @@ void keepOthersBack(std::vector<tPlannedSection>& plan) {
 
 std::string_view actionName(tSectionAction action) noexcept {
   return kActionNames[static_cast<size_t>(action)];
+}
+
+bool changesAnything(const std::vector<tPlannedSection>& plan) noexcept {
+  return std::ranges::any_of(plan, [](const tPlannedSection& planned) {
+    return planned.action <= tSectionAction::writeFile;
+  });
 }
 
 std::vector<tPlannedSection> planSections(const tFirmwareImage& image,

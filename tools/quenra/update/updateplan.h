@@ -1,5 +1,5 @@
-// What an update would do with each section of an image. As the library decides it, which has no
-// function to ask.
+// The effect of an update on each section of an image, by the rules of the library, which exports no
+// function for it.
 #ifndef TOOLS_QUENRA_UPDATE_UPDATEPLAN_H
 #define TOOLS_QUENRA_UPDATE_UPDATEPLAN_H
 
@@ -16,11 +16,17 @@ enum class tSectionAction : uint8_t {
   sendToController,
   sendToMarten,
   installPackage,
-  writeFile,
-  nothing,   // the library does nothing with such a section
-  leaveOut,  // what is installed is as new
-  refuse,    // it keeps the whole image from being applied
-  keepBack,  // another section does
+  writeFile,  // the last action that changes something
+  nothing,    // the library does nothing with such a section
+  leaveOut,   // what is installed is as new
+  refuse,     // it keeps the whole image from being applied
+  keepBack,   // another section does
+};
+
+struct tUpdateOptions {
+  bool onlyNewer = false;
+  bool force = false;         // compares although an update awaits a restart
+  bool allowAnyPath = false;  // applies file names that are not plain
 };
 
 // "send-to-marten"
@@ -39,11 +45,14 @@ struct tPlannedSection {
   }
 };
 
-// In the order of application; as they stand in the image where one is refused. `machine` is null
-// where no controller can be asked. The sections are those of `image`.
+// In the order of application; in the order of the image where one is refused. `machine` is null where
+// no controller is open. The sections are those of `image`.
 [[nodiscard]] std::vector<tPlannedSection> planSections(const tFirmwareImage& image,
                                                         const tUpdateMachine* machine,
                                                         bool onlyNewer);
+
+// Whether the library would send, install or write anything.
+[[nodiscard]] bool changesAnything(const std::vector<tPlannedSection>& plan) noexcept;
 
 }  // namespace nCommandLine
 

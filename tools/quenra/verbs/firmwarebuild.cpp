@@ -31,10 +31,36 @@ std::string wantedDevice(const tArguments& arguments) {
     refuse("there is no device '" + device + "'", "It is BIOS, MARTEN or SAFEMODE.",
            suggest(device, {std::begin(kDevices), std::end(kDevices)}));
   }
+  if (arguments.optional(nWords::kFileName) == "") {
+    refuse("the file name is empty",
+           "Leave --file-name out for firmware that is sent to the device.");
+  }
   if (arguments.has(nWords::kFileName) && device != "BIOS") {
     refuse("only a section for the BIOS has a file name", "Leave the file name out.");
   }
   return device;
+}
+
+std::string wantedVersion(const tArguments& arguments) {
+  std::string version = arguments.text(nWords::kFirmwareVersion);
+  if (version.empty()) {
+    refuse("the version is empty", "Give a version such as 1.4.2f7.");
+  }
+  if (!isFirmwareVersion(version)) {
+    refuse(notAVersion(version),
+           "Give major.minor.update, a phase letter (d, a, b or f) and a build number. The library "
+           "counts any other text as the oldest version.");
+  }
+  return version;
+}
+
+std::string wantedFileName(const tArguments& arguments) {
+  std::string name = arguments.text(nWords::kFileName);
+  if (const auto fault = faultOfFileName(name)) {
+    refuse("the file name '" + name + "' is not plain: " + *fault,
+           "Give a name without a folder. The update writes the file into a folder of its own.");
+  }
+  return name;
 }
 
 size_t wantedLineLength(const tArguments& arguments) {
@@ -46,6 +72,20 @@ size_t wantedLineLength(const tArguments& arguments) {
   return *length;
 }
 
+// Neither the payload nor an image that the user did not name for a change may be lost.
+void judgeFiles(const std::string& payload, const std::string& output,
+                const tArguments& arguments) {
+  if (isSameFile(payload, output)) {
+    refuse("'" + payload + "' is the payload and the output",
+           "Give the image a path of its own; --force does not replace the payload.");
+  }
+  const bool mayExist = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
+  if (!mayExist && fileExists(output)) {
+    throw tCommandError(tExitCode::failure, "cannot write '" + output + "': the file exists",
+                        std::nullopt, "--force replaces the file, --append adds a section to it.");
+  }
+}
+
 std::string payloadOf(const std::string& path) {
   std::string payload = readFile(path);
   if (payload.size() > kLargestPayload) {
@@ -55,22 +95,35 @@ std::string payloadOf(const std::string& path) {
   return payload;
 }
 
+// Of the image to which the section is added.
+size_t sectionsIn(const std::string& path, std::string_view bytes, const tArguments& arguments) {
+  if (!arguments.has(nWords::kAppend)) {
+    return 0;
+  }
+  const tFirmwareImage image = inspectImage(bytes);
+  if (image.sections.empty()) {
+    throw notAnImage(path, image);
+  }
+  return image.sections.size();
+}
+
 bool isAsWanted(const tImageSection& section, const tNewSection& wanted) {
   return section.header.version == wanted.version && section.header.targetDevice == wanted.device &&
          section.header.targetFileName == wanted.fileName &&
          section.header.byteCount == wanted.payload.size();
 }
 
-// A version with a line end, an image that ends in a NUL: what the format cannot hold shows when the
-// image is read back.
+// An image that ends in a NUL, or a name in quotes: values that the format cannot hold show when the image
+// is read back.
 void judge(const tFirmwareImage& image, size_t before, const tNewSection& wanted) {
   if (image.sections.size() != before + 1 || !isAsWanted(image.sections.back(), wanted)) {
-    throw tCommandError(
-        tExitCode::failure,
-        "a firmware image cannot hold this section: it would be read as another one", std::nullopt);
+    throw tCommandError(tExitCode::failure,
+                        "the section would be read back from the image with other values",
+                        std::nullopt, "Check the existing image with 'quenra firmware inspect'.");
   }
   if (image.faults() > 0) {
-    throw tCommandError(tExitCode::failure, "the image would have a fault", std::nullopt);
+    throw tCommandError(tExitCode::failure, "the existing image has a fault", std::nullopt,
+                        "Check it with 'quenra firmware verify'.");
   }
 }
 
@@ -89,19 +142,21 @@ void print(const tVerbContext& context, const std::string& path, const tFirmware
 tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& context) {
   tNewSection section;
   section.device = wantedDevice(arguments);
-  section.version = arguments.text(nWords::kFirmwareVersion);
-  section.fileName = arguments.text(nWords::kFileName);
+  section.version = wantedVersion(arguments);
+  section.fileName = wantedFileName(arguments);
   section.lineLength = wantedLineLength(arguments);
+  const std::string path = arguments.text(nWords::kOutput);
+  judgeFiles(arguments.text(nWords::kPayload), path, arguments);
   const std::string payload = payloadOf(arguments.text(nWords::kPayload));
   section.payload = payload;
 
-  const std::string path = arguments.text(nWords::kOutput);
   std::string bytes = arguments.has(nWords::kAppend) ? readFile(path) : "";
-  const size_t before = bytes.empty() ? 0 : inspectImage(bytes).sections.size();
+  const size_t before = sectionsIn(path, bytes, arguments);
   bytes += sectionText(section);
   const tFirmwareImage image = inspectImage(bytes);
   judge(image, before, section);
-  writeFile(path, bytes);
+  const bool replaces = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
+  writeFile(path, bytes, replaces ? tExistingFile::replace : tExistingFile::keep);
   print(context, path, image);
   return tExitCode::done;
 }

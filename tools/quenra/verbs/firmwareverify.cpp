@@ -8,12 +8,10 @@
 namespace nCommandLine {
 namespace {
 
-void printWhatIsWrong(std::ostream& stream, const std::string& path, const tFirmwareImage& image) {
+void printProblems(std::ostream& stream, const std::string& path, const tFirmwareImage& image) {
   printFaults(stream, path, image);
   if (image.sections.empty()) {
-    printError(stream,
-               {tExitCode::failure, path + ": no section is in it, an update would change nothing",
-                std::nullopt});
+    printError(stream, notAnImage(path, image));
   }
 }
 
@@ -23,7 +21,7 @@ tExitCode runFirmwareVerify(const tArguments& arguments, const tVerbContext& con
   const std::string path = arguments.text(nWords::kImage);
   const tFirmwareImage image = inspectImage(readFile(path));
   const tExitCode exitCode = image.isValid() ? tExitCode::done : tExitCode::failure;
-  printWhatIsWrong(context.streams.error, path, image);
+  printProblems(context.streams.error, path, image);
   if (context.json) {
     tJsonDocument document("firmware-verify", exitCode);
     writeImage(document, path, image);

@@ -105,10 +105,10 @@ tCommandError errorOf(const tWantedAttribute& wanted, const tAnswer& answer) {
       return {exitCode,
               answer.instanceFault.empty() ? wanted.label() + " is not supported on this machine"
                                            : answer.instanceFault,
-              reading.code, tRemedy{remedyFor(wanted, answer)}};
+              reading.code, tSiteExplanation{{}, remedyFor(wanted, answer)}};
     case tReadingState::notAvailable:
       return {exitCode, wanted.label() + " is not available: " + absenceOf(wanted.address),
-              reading.code, tRemedy{remedyFor(wanted, answer)}};
+              reading.code, tSiteExplanation{{}, remedyFor(wanted, answer)}};
     default:
       return {exitCode, "cannot read " + wanted.label(), reading.code};
   }

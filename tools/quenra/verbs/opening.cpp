@@ -1,7 +1,6 @@
 #include "tools/quenra/verbs/opening.h"
 
 #include "quenra_status.h"
-#include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
 namespace {
@@ -12,31 +11,9 @@ std::string failureOf(const std::string& cause) {
   return std::string(kFailure) + ": " + cause;
 }
 
-// Two interfaces of a kind, which the library refuses.
-void judgeCount(const tController& controller, tInterface which, const char* kind,
-                const char* supported) {
-  const uint32_t count = controller.presentInterfaces(which);
-  if (controller.code() == QUENRA_STATUS_GENERIC_FAILURE && count > 1) {
-    throw tCommandError(
-        exitCodeOfOpening(controller.code()),
-        failureOf(std::to_string(count) + " " + kind + " interfaces are present; " + supported),
-        controller.code(), tRemedy{"Disable the others in the system's device manager."});
-  }
-}
-
-// The codes of a machine whose table cannot be read, or names a machine that the library does not
-// serve. Without a controller interface the same code means that there is none.
-void judgeTable(const tController& controller) {
-  const int32_t code = controller.code();
-  const bool isCodeOfTable =
-      code == QUENRA_STATUS_NO_CONTROLLER || code == QUENRA_STATUS_NOT_SUPPORTED;
-  if (isCodeOfTable && controller.presentInterfaces(tInterface::controller) > 0) {
-    throw tCommandError(
-        exitCodeOfOpening(code),
-        failureOf("the driver replied, but its SMBIOS table is unusable or is not that of a "
-                  "supported machine"),
-        code, tRemedy{"Update the machine's firmware, which makes the table, and the driver."});
-  }
+tOpeningFault tooMany(uint32_t count, const std::string& kind, const std::string& supported) {
+  return {failureOf(std::to_string(count) + " " + kind + " interfaces are present; " + supported),
+          {{}, "Disable the others in the system's device manager."}};
 }
 
 }  // namespace
@@ -61,13 +38,36 @@ void judgeOpening(int32_t code, std::vector<tWarning>& warnings) {
   }
 }
 
-void judgeOpening(const tController& controller, std::vector<tWarning>& warnings) {
-  if (controller.code() < 0) {
-    judgeCount(controller, tInterface::controller, "controller", "exactly 1 is supported");
-    judgeCount(controller, tInterface::marten, "Marten", "at most 1 is supported");
-    judgeTable(controller);
+tOpeningFault faultOfOpening(const tController& controller) {
+  const int32_t code = controller.code();
+  const uint32_t controllers = controller.presentInterfaces(tInterface::controller);
+  const uint32_t martens = controller.presentInterfaces(tInterface::marten);
+  const bool isRefusedForTheirNumber = code == QUENRA_STATUS_GENERIC_FAILURE;
+  if (isRefusedForTheirNumber && controllers > 1) {
+    return tooMany(controllers, "controller", "exactly 1 is supported");
   }
-  judgeOpening(controller.code(), warnings);
+  if (isRefusedForTheirNumber && martens > 1) {
+    return tooMany(martens, "Marten", "at most 1 is supported");
+  }
+  // The codes of a machine whose table cannot be read, or names a machine that the library does not
+  // support. Without a controller interface the same code means that none is present.
+  const bool isCodeOfTable =
+      code == QUENRA_STATUS_NO_CONTROLLER || code == QUENRA_STATUS_NOT_SUPPORTED;
+  if (isCodeOfTable && controllers > 0) {
+    return {failureOf("the driver replied, but its SMBIOS table is unusable or is not that of a "
+                      "supported machine"),
+            {{}, "Update the machine's firmware, which makes the table, and the driver."}};
+  }
+  return {kFailure, {}};
+}
+
+void judgeOpening(const tController& controller, std::vector<tWarning>& warnings) {
+  const int32_t code = controller.code();
+  if (code < 0) {
+    const tOpeningFault fault = faultOfOpening(controller);
+    throw tCommandError(exitCodeOfOpening(code), fault.fact, code, fault.explanation);
+  }
+  judgeOpening(code, warnings);
 }
 
 }  // namespace nCommandLine

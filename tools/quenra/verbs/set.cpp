@@ -94,11 +94,13 @@ std::string placeOf(tInterface which) {
 tCommandError refusalOf(const tWantedAttribute& wanted, int32_t code) {
   const tInterface which = wanted.address.which;
   const bool isReadable = wanted.row != nullptr && wanted.row->isReadable();
-  return {tExitCode::notSupported,
-          isReadable ? wanted.name() + " is read-only on " + placeOf(which)
-                     : placeOf(which == tInterface::both ? tInterface::byDefault : which) +
-                           " does not accept " + wanted.name(),
-          code, tRemedy{"Run 'quenra attributes' to list the attributes that can be written."}};
+  return {
+      tExitCode::notSupported,
+      isReadable ? wanted.name() + " is read-only on " + placeOf(which)
+                 : placeOf(which == tInterface::both ? tInterface::byDefault : which) +
+                       " does not accept " + wanted.name(),
+      code,
+      tSiteExplanation{{}, "Run 'quenra attributes' to list the attributes that can be written."}};
 }
 
 // The controller is open: an interface is missing, or a field of this machine.
@@ -109,8 +111,9 @@ tCommandError absenceOf(const tWantedAttribute& wanted, int32_t code) {
               (isMarten ? "the machine has no Marten interface"
                         : "the SMBIOS table lacks the fields that allow text settings"),
           code,
-          tRemedy{isMarten ? "Leave out the Marten interface."
-                           : "Update the machine's firmware, which makes the table."}};
+          tSiteExplanation{{},
+                           isMarten ? "Leave out the Marten interface."
+                                    : "Update the machine's firmware, which makes the table."}};
 }
 
 void judgeWriting(const tWantedAttribute& wanted, int32_t code, std::vector<tWarning>& warnings) {

@@ -1,39 +1,51 @@
 #include "tools/quenra/verbs/update.h"
 
+#include "tools/quenra/catalogue/statuslookup.h"
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/sectionoutput.h"
 #include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/elapsedtext.h"
 #include "tools/quenra/update/planoutput.h"
+#include "tools/quenra/update/theldupdatelock.h"
 #include "tools/quenra/update/tprogress.h"
 #include "tools/quenra/verbs/opening.h"
 
 namespace nCommandLine {
 namespace {
 
+constexpr std::string_view kVerb = "update";
+
 struct tWantedUpdate {
   std::string path;
-  bool onlyNewer;
+  tUpdateOptions options;
   std::string bytes;
   tFirmwareImage image;
 };
 
+tUpdateOptions optionsOf(const tArguments& arguments) {
+  const tUpdateOptions options{arguments.has(nWords::kOnlyNewer), arguments.has(nWords::kForce),
+                               arguments.has(nWords::kAllowAnyPath)};
+  if (options.force && !options.onlyNewer) {
+    throw tCommandError("--force has no meaning without --only-newer", "Leave --force out.", {});
+  }
+  return options;
+}
+
 tWantedUpdate wantedUpdate(const tArguments& arguments) {
-  tWantedUpdate wanted{arguments.text(nWords::kImage), arguments.has(nWords::kOnlyNewer), {}, {}};
+  tWantedUpdate wanted{arguments.text(nWords::kImage), optionsOf(arguments), {}, {}};
   wanted.bytes = readFile(wanted.path);
   wanted.image = inspectImage(wanted.bytes);
+  if (wanted.image.sections.empty()) {
+    throw notAnImage(wanted.path, wanted.image);
+  }
   return wanted;
 }
 
-void writeWanted(tJsonDocument& document, const tWantedUpdate& wanted) {
-  document.text("path", wanted.path);
-  document.truth("onlyNewer", wanted.onlyNewer);
-}
-
-// ---- What would be done ----
+// ---- The plan ----
 
 struct tPlanAnswer {
+  const tWantedUpdate& wanted;
   std::vector<tWarning> warnings;
   std::optional<tUpdateMachine> machine;
   std::vector<tPlannedSection> sections;
@@ -49,102 +61,240 @@ tExitCode exitCodeOf(int32_t openingCode, const std::vector<tObstacle>& obstacle
   if (openingCode < 0) {
     return exitCodeOfOpening(openingCode);
   }
-  return obstacles.empty() ? tExitCode::done : exitCodeOfUpdate(obstacles.front().code);
+  if (obstacles.empty()) {
+    return tExitCode::done;
+  }
+  const auto& code = obstacles.front().code;
+  return code ? exitCodeOfUpdate(*code) : tExitCode::failure;
 }
 
-tPlanAnswer plan(const tPorts& ports, const tWantedUpdate& wanted) {
-  tPlanAnswer answer;
-  const tController controller(ports.library);
+// A controller that cannot be opened.
+tObstacle obstacleOf(const tController& controller) {
+  const tOpeningFault fault = faultOfOpening(controller);
+  const std::string& remedy = fault.explanation.advice;
+  return {fault.fact,
+          remedy.empty() ? std::string(explainStatus(controller.code()).advice) : remedy,
+          controller.code()};
+}
+
+tPlanAnswer plan(const tController& controller, const tPorts& ports, const tWantedUpdate& wanted) {
+  tPlanAnswer answer{wanted, {}, {}, {}, {}};
   if (controller.code() >= 0) {
     judgeOpening(controller.code(), answer.warnings);
     answer.machine = readUpdateMachine(controller);
   }
-  answer.sections = planSections(wanted.image, answer.machineOrNull(), wanted.onlyNewer);
+  answer.sections = planSections(wanted.image, answer.machineOrNull(), wanted.options.onlyNewer);
   answer.obstacles =
-      findObstacles({controller.code(), answer.machineOrNull(), answer.sections, wanted.onlyNewer},
-                    ports.updateFacts);
+      findObstacles({answer.machineOrNull(), answer.sections, wanted.options}, ports.updateFacts);
+  if (controller.code() < 0) {
+    answer.obstacles.insert(answer.obstacles.begin(), obstacleOf(controller));
+  }
   answer.exitCode = exitCodeOf(controller.code(), answer.obstacles);
   return answer;
 }
 
-void printPlanDocument(std::ostream& stream, const tWantedUpdate& wanted,
-                       const tPlanAnswer& answer) {
-  tJsonDocument document("update-plan", answer.exitCode, answer.warnings);
-  writeWanted(document, wanted);
+// The members that the documents of plans and updates begin with.
+void writeWanted(tJsonDocument& document, const tPlanAnswer& answer) {
+  document.text("path", answer.wanted.path);
+  document.truth("onlyNewer", answer.wanted.options.onlyNewer);
   writeInstalled(document, answer.machineOrNull());
+}
+
+void printPlanDocument(std::ostream& stream, const tPlanAnswer& answer) {
+  tJsonDocument document("update-plan", answer.exitCode, answer.warnings);
+  writeWanted(document, answer);
   writePlan(document, answer.sections);
   writeObstacles(document, answer.obstacles);
   document.writeTo(stream);
 }
 
+std::string conclusionOf(const tPlanAnswer& answer) {
+  if (!answer.obstacles.empty()) {
+    return countOf(answer.obstacles.size(), "reason") + " against it";
+  }
+  return changesAnything(answer.sections) ? "no obstacle was found" : "nothing to do";
+}
+
 tExitCode runPlan(const tWantedUpdate& wanted, const tVerbContext& context) {
-  const tPlanAnswer answer = plan(context.ports, wanted);
+  const tController controller(context.ports.library);
+  const tPlanAnswer answer = plan(controller, context.ports, wanted);
   if (context.json) {
-    printPlanDocument(context.streams.out, wanted, answer);
+    printPlanDocument(context.streams.out, answer);
   } else {
     printPlan(context.streams, answer.machineOrNull(), answer.sections, "What would be done");
-    context.streams.out << (answer.obstacles.empty()
-                                ? "nothing stands in the way"
-                                : countOf(answer.obstacles.size(), "reason") + " against it")
-                        << std::endl;
+    context.streams.out << conclusionOf(answer) << std::endl;
   }
   printWarnings(context.streams.error, answer.warnings);
+  printRemarks(context.streams.error, answer.sections, wanted.options);
   printObstacles(context.streams.error, answer.obstacles);
   return answer.exitCode;
 }
 
-// ---- The update ----
+// ---- An update that is not started ----
 
-void judgeUpdate(int32_t code, std::vector<tWarning>& warnings) {
-  if (code < 0) {
-    throw tCommandError(exitCodeOfUpdate(code), "the update failed", code,
-                        "'quenra update --plan' tells everything that is in its way.");
+// The first obstacle is the error of the document.
+tCommandError errorOf(const tPlanAnswer& answer) {
+  const tObstacle& first = answer.obstacles.front();
+  if (!first.code) {
+    return {answer.exitCode, first.fact, std::nullopt, first.remedy};
   }
-  if (code > 0) {
-    warnings.push_back({"the update", code});
-  }
+  return {answer.exitCode, first.fact, *first.code,
+          tSiteExplanation{first.fact + ".", first.remedy}};
 }
 
-void printDocument(std::ostream& stream, const tWantedUpdate& wanted, const tUpdateMachine& machine,
-                   const std::vector<tPlannedSection>& sections, std::chrono::milliseconds elapsed,
-                   const std::vector<tWarning>& warnings) {
-  tJsonDocument document("update", tExitCode::done, warnings);
-  writeWanted(document, wanted);
-  writeInstalled(document, &machine);
-  writePlan(document, sections);
+tExitCode refuse(const tPlanAnswer& answer, const tVerbContext& context) {
+  printWarnings(context.streams.error, answer.warnings);
+  printObstacles(context.streams.error, answer.obstacles);
+  context.streams.error << "quenra: the update was not started; nothing was changed\n";
+  if (context.json) {
+    tJsonDocument document("error", answer.exitCode, answer.warnings);
+    writeError(document, errorOf(answer), kVerb);
+    document.beginObject(kVerb);
+    document.truth("started", false);
+    writeWanted(document, answer);
+    writePlan(document, answer.sections);
+    writeObstacles(document, answer.obstacles);
+    document.endObject();
+    document.writeTo(context.streams.out);
+  }
+  return answer.exitCode;
+}
+
+// ---- An update that fails ----
+
+std::string factOf(const tPlanAnswer& answer, const tUpdateFailure& failure) {
+  if (!failure.section) {
+    return failure.fact;
+  }
+  const auto& section = answer.wanted.image.sections[*failure.section - 1];
+  return "section " + std::to_string(*failure.section) + ", " +
+         std::string(section.header.targetDevice) + ": " + failure.fact;
+}
+
+void writeFailure(tJsonDocument& document, const tPlanAnswer& answer,
+                  const tUpdateFailure& failure) {
+  document.beginObject("failure");
+  document.text("fact", failure.fact);
+  if (failure.section) {
+    document.number("section", static_cast<int64_t>(*failure.section));
+    document.text("device", answer.wanted.image.sections[*failure.section - 1].header.targetDevice);
+  } else {
+    document.null("section");
+    document.null("device");
+  }
+  document.status("status", failure.code);
+  if (failure.line == 0) {
+    document.null("line");
+  } else {
+    document.number("line", failure.line);
+  }
+  document.endObject();
+}
+
+tExitCode fail(int32_t code, const tPlanAnswer& answer, const tVerbContext& context) {
+  const tUpdateResult result =
+      failureOf(code, answer.sections, *answer.machine, context.ports.updateFacts);
+  const tUpdateFailure& failure = *result.failure;
+  const tCommandError error(exitCodeOfUpdate(code), factOf(answer, failure), code,
+                            failure.explanation);
+  printError(context.streams.error, error);
+  printResults(context.streams.error, answer.sections, result);
+  if (context.json) {
+    tJsonDocument document("error", error.exitCode(), answer.warnings);
+    writeError(document, error, kVerb);
+    document.beginObject(kVerb);
+    document.truth("started", true);
+    writeWanted(document, answer);
+    writePlan(document, answer.sections, result);
+    writeFailure(document, answer, failure);
+    document.endObject();
+    document.writeTo(context.streams.out);
+  }
+  return error.exitCode();
+}
+
+// ---- An update that succeeds, or has nothing to do ----
+
+void printDocument(std::ostream& stream, const tPlanAnswer& answer, std::string_view outcome,
+                   std::chrono::milliseconds elapsed) {
+  tJsonDocument document(kVerb, tExitCode::done, answer.warnings);
+  writeWanted(document, answer);
+  writePlan(document, answer.sections, successOf(answer.sections));
   document.number("elapsedMilliseconds", elapsed.count());
+  document.text("outcome", outcome);
   document.writeTo(stream);
+}
+
+// The library would mark the Marten as updated although it sends nothing.
+tExitCode reportNothingToDo(const tPlanAnswer& answer, const tVerbContext& context) {
+  printWarnings(context.streams.error, answer.warnings);
+  if (context.json) {
+    printDocument(context.streams.out, answer, "nothing-to-do", std::chrono::milliseconds(0));
+  } else {
+    context.streams.out << "nothing to do\n";
+  }
+  return tExitCode::done;
+}
+
+tExitCode apply(const tController& controller, tPlanAnswer& answer, const tVerbContext& context) {
+  tStreams& streams = context.streams;
+  const tWantedUpdate& wanted = answer.wanted;
+  tProgress progress("updating", streams, context.ports.interruption, context.json);
+  const int32_t code =
+      progress.run([&] { return controller.update(wanted.bytes, wanted.options.onlyNewer); });
+  if (code < 0) {
+    return fail(code, answer, context);
+  }
+  streams.appliedChange = "the firmware is updated";
+  if (code > 0) {
+    answer.warnings.push_back({"the update", code});
+  }
+  printWarnings(streams.error, answer.warnings);
+  if (context.json) {
+    printDocument(streams.out, answer, "done", progress.elapsed());
+  } else {
+    streams.out << "done after " << elapsedText(progress.elapsed()) << '\n';
+    printResults(streams.out, answer.sections, successOf(answer.sections));
+  }
+  return tExitCode::done;
 }
 
 tExitCode runWanted(const tWantedUpdate& wanted, const tVerbContext& context) {
   tStreams& streams = context.streams;
-  std::vector<tWarning> warnings;
   const tController controller(context.ports.library);
-  judgeOpening(controller.code(), warnings);
-  const tUpdateMachine machine = readUpdateMachine(controller);
-  const auto sections = planSections(wanted.image, &machine, wanted.onlyNewer);
+  tPlanAnswer answer = plan(controller, context.ports, wanted);
+  if (!answer.obstacles.empty()) {
+    return refuse(answer, context);
+  }
   if (!context.json) {
-    printPlan(streams, &machine, sections, "What will be done");
+    printPlan(streams, answer.machineOrNull(), answer.sections, "What will be done");
+  }
+  printRemarks(streams.error, answer.sections, wanted.options);
+  if (!changesAnything(answer.sections)) {
+    return reportNothingToDo(answer, context);
+  }
+  if (!context.json) {
     streams.out << "updating, which can take minutes: leave the machine on" << std::endl;
   }
-  tProgress progress("updating", streams, context.ports.interruption, context.json);
-  judgeUpdate(progress.run([&] { return controller.update(wanted.bytes, wanted.onlyNewer); }),
-              warnings);
-  printWarnings(streams.error, warnings);
-  if (context.json) {
-    printDocument(streams.out, wanted, machine, sections, progress.elapsed(), warnings);
-  } else {
-    streams.out << "done after " << elapsedText(progress.elapsed()) << '\n';
-    printApplied(streams.out, sections);
+  if (!streams.out.flush()) {
+    // Nothing could report its end.
+    streams.error << "quenra: the update was not started: its output cannot be written\n";
+    return tExitCode::failure;
   }
-  return tExitCode::done;
+  return apply(controller, answer, context);
 }
 
 }  // namespace
 
 tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context) {
   const tWantedUpdate wanted = wantedUpdate(arguments);
-  return arguments.has(nWords::kPlan) ? runPlan(wanted, context) : runWanted(wanted, context);
+  if (arguments.has(nWords::kPlan)) {
+    return runPlan(wanted, context);
+  }
+  // Held while the machine is read for the plan as well: another update changes it.
+  const tHeldUpdateLock lock(context.ports.updateLock, context.ports.interruption,
+                             context.streams.error, !arguments.has(nWords::kNoWait));
+  return runWanted(wanted, context);
 }
 
 }  // namespace nCommandLine

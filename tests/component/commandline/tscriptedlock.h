@@ -1,0 +1,35 @@
+#ifndef TESTS_COMPONENT_COMMANDLINE_TSCRIPTEDLOCK_H
+#define TESTS_COMPONENT_COMMANDLINE_TSCRIPTEDLOCK_H
+
+#include <deque>
+
+#include "tools/quenra/update/iupdatelock.h"
+
+namespace nTests {
+
+// A lock that no other update holds, unless a test scripts its states.
+class tScriptedLock final : public nCommandLine::iUpdateLock {
+ public:
+  [[nodiscard]] nCommandLine::tLockState acquire(
+      std::chrono::milliseconds /*timeout*/) noexcept override {
+    using nCommandLine::tLockState;
+    tLockState state = tLockState::acquired;
+    if (!states.empty()) {
+      state = states.front();
+      states.pop_front();
+    }
+    held += state == tLockState::acquired || state == tLockState::abandoned ? 1 : 0;
+    return state;
+  }
+  [[nodiscard]] std::error_code failure() const noexcept override {
+    return std::make_error_code(std::errc::permission_denied);
+  }
+  void release() noexcept override { --held; }
+
+  std::deque<nCommandLine::tLockState> states;  // of the next calls; acquired after them
+  int held = 0;
+};
+
+}  // namespace nTests
+
+#endif

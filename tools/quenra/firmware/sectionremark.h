@@ -1,0 +1,34 @@
+// Properties of a section that the library accepts and that harm the machine of the user all the same.
+#ifndef TOOLS_QUENRA_FIRMWARE_SECTIONREMARK_H
+#define TOOLS_QUENRA_FIRMWARE_SECTIONREMARK_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nCommandLine {
+
+struct tSectionRemark {
+  std::string fact;        // a sentence without its full stop
+  std::string remedy;      // a sentence
+  bool isRefused = false;  // an update needs --allow-any-path
+};
+
+// Why a file name of an image is not one plain component of a path; nothing if it is one. The library
+// joins the name to its folder, so any other name writes elsewhere, with the rights of the update.
+[[nodiscard]] std::optional<std::string> faultOfFileName(std::string_view name);
+
+// Whether a text is a version that the library can compare: major.minor.update, a phase letter d, a, b
+// or f, and a build number, as in 1.4.2f7.
+[[nodiscard]] bool isFirmwareVersion(std::string_view text) noexcept;
+
+// "'3.0' is not a version of the form 1.4.2f7"
+[[nodiscard]] std::string notAVersion(std::string_view text);
+
+[[nodiscard]] std::vector<tSectionRemark> remarksOn(std::string_view version,
+                                                    std::string_view fileName);
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,148 @@
+#include "tools/quenra/update/updateresult.h"
+
+#include <algorithm>
+
+#include "quenra_status.h"
+#include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/output/systemreason.h"
+#include "tools/quenra/update/driverstore.h"
+
+namespace nCommandLine {
+namespace {
+
+using tPlan = std::vector<tPlannedSection>;
+using tIterator = tPlan::const_iterator;
+
+constexpr std::string_view kResultNames[] = {"applied", "handed-over", "failed", "not-applied",
+                                             "unknown"};
+
+bool isSent(const tPlannedSection& planned) noexcept {
+  return planned.action == tSectionAction::sendToController ||
+         planned.action == tSectionAction::sendToMarten;
+}
+
+tSectionResult resultOfSuccess(const tPlannedSection& planned) noexcept {
+  switch (planned.action) {
+    case tSectionAction::sendToController:
+    case tSectionAction::sendToMarten:
+    case tSectionAction::writeFile:
+      return tSectionResult::applied;
+    case tSectionAction::installPackage:
+      return tSectionResult::handedOver;
+    default:
+      return tSectionResult::notApplied;
+  }
+}
+
+std::vector<tSectionResult> allOf(const tPlan& plan, tSectionResult result) {
+  std::vector<tSectionResult> results;
+  for (const tPlannedSection& planned : plan) {
+    const bool isPlanned = resultOfSuccess(planned) != tSectionResult::notApplied;
+    results.push_back(isPlanned ? result : tSectionResult::notApplied);
+  }
+  return results;
+}
+
+tSiteExplanation explanationOf(int32_t code) {
+  const tStatusExplanation explanation = explainStatus(code);
+  return {std::string(explanation.meaning), std::string(explanation.advice)};
+}
+
+// The library removes all files of the image when a package cannot be installed.
+tUpdateResult failureOfTool(int32_t code, const tPlan& plan, tIterator package,
+                            const tDriverStoreTool& tool) {
+  tUpdateResult result = successOf(plan);
+  const auto failed = static_cast<size_t>(package - plan.begin());
+  for (size_t i = 0; i < plan.size(); ++i) {
+    const bool isRemoved = plan[i].action == tSectionAction::writeFile;
+    if (i > failed || isRemoved) {
+      result.sections[i] = tSectionResult::notApplied;
+    }
+  }
+  result.sections[failed] = tSectionResult::failed;
+  const tDriverStoreFault fault = faultOf(tool).value_or(toolNotStarted({}));
+  result.failure = tUpdateFailure{
+      fault.fact, {fault.fact + ".", fault.remedy}, code, fault.line, package->number};
+  return result;
+}
+
+// Everything that this code means precedes the first section that is sent.
+tUpdateResult failureOfFiles(int32_t code, const tPlan& plan, iUpdateFacts& facts) {
+  const std::string folder = facts.temporaryFolder();
+  const std::error_code reason = facts.temporaryFolderFailure();
+  tUpdateFailure failure;
+  failure.fact = "the files of the image cannot be written below '" + folder + "'";
+  if (reason) {
+    failure.fact += ": " + reasonOf(reason);
+  }
+  failure.explanation = {"The update writes files into a new folder of the temporary directory.",
+                         "Make room in the temporary directory, and give this user access to it."};
+  failure.code = code;
+  return {allOf(plan, tSectionResult::notApplied), failure};
+}
+
+// The step cannot be concluded from the code.
+tUpdateResult failureAnywhere(int32_t code, const tPlan& plan) {
+  return {allOf(plan, tSectionResult::unknown),
+          tUpdateFailure{"the update failed", explanationOf(code), code}};
+}
+
+// A code of the driver belongs to a section that is sent, or to the Marten's version marker, which the
+// library writes before.
+tUpdateResult failureOfDriver(int32_t code, const tPlan& plan, const tUpdateMachine& machine) {
+  tUpdateFailure failure;
+  failure.explanation = explanationOf(code);
+  failure.code = code;
+  const auto sent = std::ranges::count_if(plan, isSent);
+  if (sent != 1) {
+    failure.fact = sent == 0 ? "the Marten does not accept its version marker"
+                             : "one of the sections to be sent failed; the library does not report "
+                               "which";
+    return {allOf(plan, tSectionResult::unknown), failure};
+  }
+  const auto section = std::ranges::find_if(plan, isSent);
+  failure.fact = section->action == tSectionAction::sendToMarten
+                     ? "the Marten interface does not accept the section"
+                 : machine.hasMarten
+                     ? "the controller interface does not accept the section, or the Marten its "
+                       "version marker"
+                     : "the controller interface does not accept the section";
+  failure.section = section->number;
+  tUpdateResult result{allOf(plan, tSectionResult::unknown), failure};
+  result.sections[static_cast<size_t>(section - plan.begin())] = tSectionResult::failed;
+  return result;
+}
+
+}  // namespace
+
+std::string_view resultName(tSectionResult result) noexcept {
+  return kResultNames[static_cast<size_t>(result)];
+}
+
+tUpdateResult successOf(const tPlan& plan) {
+  tUpdateResult result;
+  std::ranges::transform(plan, std::back_inserter(result.sections), resultOfSuccess);
+  return result;
+}
+
+tUpdateResult failureOf(int32_t code, const tPlan& plan, const tUpdateMachine& machine,
+                        iUpdateFacts& facts) {
+  const auto package =
+      std::ranges::find(plan, tSectionAction::installPackage, &tPlannedSection::action);
+  const tDriverStoreTool tool =
+      package == plan.end() ? tDriverStoreTool{} : facts.driverStoreTool();
+  const bool isTool =
+      package != plan.end() && (code == QUENRA_STATUS_INVALID_IMAGE ||
+                                (code == QUENRA_STATUS_UPDATE_ENVIRONMENT && !tool.exists));
+  if (isTool) {
+    return failureOfTool(code, plan, package, tool);
+  }
+  if (code == QUENRA_STATUS_UPDATE_ENVIRONMENT) {
+    return failureOfFiles(code, plan, facts);
+  }
+  const bool isOfLibrary =
+      code <= QUENRA_STATUS_BUFFER_TOO_SMALL && code >= QUENRA_STATUS_DRIVE_PROTECTED;
+  return isOfLibrary ? failureAnywhere(code, plan) : failureOfDriver(code, plan, machine);
+}
+
+}  // namespace nCommandLine
