@@ -122,7 +122,7 @@ TEST_F(Get, InterfaceThatThisMachineLacks_IsNotAvailable) {
   library_.code(0x10200400, QUENRA_STATUS_NO_CONTROLLER);
   const tRun text = run({"get", "firmware-version", "--marten"});
   EXPECT_EQ(text.exitCode, 3);
-  EXPECT_THAT(text.error, HasSubstr(" is not available on this machine\n"
+  EXPECT_THAT(text.error, HasSubstr(" is not available: the machine has no Marten interface\n"
                                     "  -26932 QUENRA_STATUS_NO_CONTROLLER\n"
                                     "  The interface is not present, or "));
   EXPECT_THAT(text.error, testing::Not(HasSubstr("No controller could be reached")));

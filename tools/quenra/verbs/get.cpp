@@ -108,7 +108,10 @@ tCommandError errorOf(const tWantedAttribute& wanted, const tAnswer& answer) {
               reading.code, tSiteExplanation{{}, remedyFor(wanted, answer)}};
     case tReadingState::notAvailable:
       return {exitCode, wanted.label() + " is not available: " + absenceOf(wanted.address),
-              reading.code, tSiteExplanation{{}, remedyFor(wanted, answer)}};
+              reading.code,
+              tSiteExplanation{"The interface is not present, or the field that decides the value "
+                               "cannot be read.",
+                               remedyFor(wanted, answer)}};
     default:
       return {exitCode, "cannot read " + wanted.label(), reading.code};
   }
