@@ -194,14 +194,14 @@ class Update(CommandLineTest):
         self.assertEqual(self.assert_foreseen(-26937)["obstacles"][0]["line"], 2331)
         self.assertEqual(self.marten(), "1.4.0f7")
 
-    def test_every_reason_is_told_at_once(self):
+    def test_every_obstacle_is_reported_at_once(self):
         self.add("MARTEN", b"marten")
         self.add("BIOS", b"package", file_name="a.inf")
         self.machine("scenario", "--martens", "0", "--structure-byte", "0x9E/4=0")
         self.machine("encryption", "on")
         self.machine("driver-store", "missing")
         run = self.quenra("update", "--plan", self.image, exit_code=1)
-        self.assertIn("\n4 reasons against it\n", run.out)
+        self.assertIn("\n4 obstacles\n", run.out)
         self.assertEqual(run.error.count("\n  Advice: "), 4)
 
     def test_without_a_controller_the_exit_code_says_so(self):

@@ -172,7 +172,7 @@ TEST_F(UpdatePlan, SeveralObstacles_AreReportedAtOnce) {
               section("BIOS", "1.0.0f0").with("HeaderVersion", "2")});
   const tRun result = run({"update", "--plan", path});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_THAT(result.out, HasSubstr("\n5 reasons against it\n"));
+  EXPECT_THAT(result.out, HasSubstr("\n5 obstacles\n"));
   EXPECT_THAT(result.out, HasSubstr("installed: BIOS 3.1.0f2\n"));
   EXPECT_THAT(result.error,
               StartsWith("quenra: drive C: is encrypted, and the protection is on\n"
@@ -467,6 +467,17 @@ TEST_F(UpdateVerb, DriverStoreToolThatCannotBeTrusted_IsAnObstacle) {
   EXPECT_THAT(library_.updates, IsEmpty());
   EXPECT_EQ(run({"update", fileOf({section("BIOS", "4.0.0f0")})}).exitCode, 0)
       << "without a driver package the tool does not matter";
+}
+
+TEST_F(UpdateVerb, TemporaryDirectoryWithABlank_IsAnObstacleForDriverPackages) {
+  facts_.temporary = "C:\\Users\\Rack 7\\Temp\\";
+  const tRun result = run({"update", fileOf({tFirmwareSection::capsule("a.inf")})});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error,
+              StartsWith("quenra: section 1: the temporary directory 'C:\\Users\\Rack "
+                         "7\\Temp\\' has a blank, which splits "));
+  EXPECT_THAT(library_.updates, IsEmpty());
+  EXPECT_EQ(run({"update", fileOf({tFirmwareSection::capsule("a.bin")})}).exitCode, 0);
 }
 
 TEST_F(UpdateVerb, AdviceForAMissingTool_IsALinkAndNeverACopy) {

@@ -13,7 +13,7 @@ constexpr uint32_t kToolMissingLine = 2331;
 constexpr uint32_t kToolNotStartedLine = 2359;
 
 constexpr std::string_view kWindowsFolder = "C:\\Windows";
-const std::string kTool = "C:\\Windows\\Sysnative\\pnputil.exe";
+constexpr std::string_view kTool = "C:\\Windows\\Sysnative\\pnputil.exe";
 
 // A copy would not be replaced by the updates of the system, and its owner could change it.
 constexpr const char* kMakeLink =
@@ -31,24 +31,26 @@ bool isWindowsFolder(std::string_view path) {
 
 tDriverStoreFault toolNotStarted(const std::error_code& reason) {
   return {"the driver-store tool could not be started" + (reason ? ": " + reasonOf(reason) : ""),
-          "Check that " + kTool + " is the system's own tool. " + kMakeLink,
+          "Check that " + std::string(kTool) + " is the system's own tool. " + kMakeLink,
           QUENRA_STATUS_INVALID_IMAGE, kToolNotStartedLine};
 }
 
 std::optional<tDriverStoreFault> faultOf(const tDriverStoreTool& tool) {
   if (!isWindowsFolder(tool.windowsFolder)) {
     return tDriverStoreFault{
-        "Windows is installed in '" + tool.windowsFolder + "', and the library starts " + kTool,
+        "Windows is installed in '" + tool.windowsFolder + "', and the library starts " +
+            std::string(kTool),
         "Install the driver package with the tool of this Windows, and use an image without it."};
   }
   if (!tool.exists) {
-    return tDriverStoreFault{"the system has no " + kTool + " to install a driver package with",
-                             kMakeLink, QUENRA_STATUS_UPDATE_ENVIRONMENT, kToolMissingLine};
+    return tDriverStoreFault{
+        "the system has no " + std::string(kTool) + " to install a driver package with", kMakeLink,
+        QUENRA_STATUS_UPDATE_ENVIRONMENT, kToolMissingLine};
   }
   if (!tool.isSystemOwned) {
     const std::string owner = tool.owner.empty() ? "an unknown account" : "'" + tool.owner + "'";
     return tDriverStoreFault{
-        "the owner of " + kTool + " is " + owner +
+        "the owner of " + std::string(kTool) + " is " + owner +
             ", not SYSTEM, Administrators or TrustedInstaller",
         std::string("Remove the tool: its owner could replace it. ") + kMakeLink};
   }

@@ -126,6 +126,14 @@ void addTool(const tUpdateSituation& situation, iUpdateFacts& facts, tObstacles&
   if (const auto fault = faultOf(facts.driverStoreTool())) {
     obstacles.push_back({fault->fact, fault->remedy, fault->code, fault->line, package->number});
   }
+  const std::string folder = facts.temporaryFolder();
+  if (folder.find(' ') != std::string::npos) {
+    obstacles.push_back(
+        {"the temporary directory '" + folder +
+             "' has a blank, which splits the command line of the driver-store tool",
+         "Set the environment variable TMP to a directory without blanks.", std::nullopt, 0,
+         package->number});
+  }
 }
 
 }  // namespace

@@ -110,7 +110,7 @@ void printPlanDocument(std::ostream& stream, const tPlanAnswer& answer) {
 
 std::string conclusionOf(const tPlanAnswer& answer) {
   if (!answer.obstacles.empty()) {
-    return countOf(answer.obstacles.size(), "reason") + " against it";
+    return countOf(answer.obstacles.size(), "obstacle");
   }
   return changesAnything(answer.sections) ? "no obstacle was found" : "nothing to do";
 }
