@@ -9,7 +9,7 @@
 #include "routingadaptorinterface/clientstatus.h"
 #include "zoapal/protons/startup/tstartup.h"
 #include "zoapal/protons/status/exception.h"
-#include "zoarkra/location.h"
+#include "zoarkra/failure.h"
 #include "zoarkra/tclientoutput.h"
 
 namespace zoroco {

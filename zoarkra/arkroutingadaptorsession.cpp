@@ -9,14 +9,12 @@
 
 #include "protocol/routingrequests.h"
 #include "zoarkra/arkterminaliterator.h"
-#include "zoarkra/driverstatus.h"
 #include "zoarkra/failure.h"
 #include "zoarkra/jsonreader.h"
-#include "zoarkra/resetmode.h"
+#include "zoarkra/memory.h"
 #include "zoarkra/routedescriptions.h"
 #include "zoarkra/tclientoutput.h"
-#include "zoarkra/topographyinforegistration.h"
-#include "zoarkra/tstackmemory.h"
+#include "zoarkra/topography.h"
 
 namespace zoark {
 namespace {

@@ -5,9 +5,8 @@
 #include <iterator>
 
 #include "quenra_routing.h"
-#include "zoarkra/driverstatus.h"
 #include "zoarkra/failure.h"
-#include "zoarkra/resetmode.h"
+#include "zoarkra/topography.h"
 
 namespace zoark {
 namespace {

@@ -2,7 +2,7 @@
 #define ZOARKRA_ARKTERMINALITERATOR_H
 
 #include "codegen/apalcodegen/iinterfaceproxy_routing.h"
-#include "zoarkra/terminaliteratorinterface.h"
+#include "zoarkra/routingadaptorsessioninterface.h"
 #include "zoarkra/topography.h"
 
 namespace zoark {

@@ -1,6 +1,7 @@
 #include "zoarkra/failure.h"
 
 #include "zoapal/protons/status/descriptionwriter.h"
+#include "zoapal/protons/status/exception.h"
 
 namespace zoark {
 namespace {
@@ -45,6 +46,21 @@ void raise(int32_t code, const nZOAPALS100::tSourceLocation& location) {
     status.setWithConstant(code, location);
   }
   throw zoerr::Exception(status);
+}
+
+nZOAPALS100::tStatus statusForDriver(const zoerr::Status& status) noexcept {
+  nZOAPALS100::tStatus driver;
+  driver.code = status.code;
+  return driver;
+}
+
+void takeDriverStatus(const nZOAPALS100::tStatus& driver, zoerr::Status& status) {
+  if (driver.isError()) {
+    zoerr::tOwnedStatus failure;
+    failure.mergeFrom(driver);
+    throw zoerr::Exception(failure);
+  }
+  status.mergeFrom(driver);
 }
 
 }  // namespace zoark

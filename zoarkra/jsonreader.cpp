@@ -6,9 +6,8 @@
 #include <memory_resource>
 #include <string>
 
-#include "zoarkra/jsonmemory.h"
 #include "zoarkra/jsonnumber.h"
-#include "zoarkra/tstackmemory.h"
+#include "zoarkra/memory.h"
 
 namespace zoark {
 namespace {

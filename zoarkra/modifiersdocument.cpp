@@ -1,6 +1,6 @@
 #include "zoarkra/modifiersdocument.h"
 
-#include "zoarkra/handledconstraints.h"
+#include "zoarkra/requestdocument.h"
 
 namespace zoark {
 namespace {

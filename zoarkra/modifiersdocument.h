@@ -6,7 +6,7 @@
 #include <string>
 
 #include "protocol/routingrecords.h"
-#include "zoarkra/heapresource.h"
+#include "zoarkra/memory.h"
 #include "zoarkra/requestdocument.h"
 
 namespace zoark {

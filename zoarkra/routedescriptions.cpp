@@ -2,8 +2,8 @@
 
 #include <rapidjson/writer.h>
 
-#include "zoarkra/handledconstraints.h"
-#include "zoarkra/jsonmemory.h"
+#include "zoarkra/memory.h"
+#include "zoarkra/requestdocument.h"
 
 namespace zoark {
 namespace {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "protocol/routingrecords.h"
-#include "zoarkra/handledconstraints.h"
 #include "zoarkra/requestdocument.h"
 #include "zoarkra/topography.h"
 

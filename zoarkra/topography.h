@@ -40,6 +40,13 @@ struct tTopography {
 // The name of the terminal with this id, or an empty text.
 [[nodiscard]] const char* terminalNameOf(const tTopography& topography, uint32_t id) noexcept;
 
+// The topography with this name. Traces an unknown name and throws zoerr::Exception with kBadSelector.
+[[nodiscard]] const tTopography& findTopography(std::string_view name);
+
+// The driver's flag for a reset mode: 0 for "default", 1 for "floating". Throws zoerr::Exception with
+// kBadSelector for any other mode, also null.
+[[nodiscard]] uint32_t floatingFlagOf(const char* mode);
+
 }  // namespace zoark
 
 #endif

@@ -8,7 +8,7 @@
 
 #include "tests/component/zoarkra/expectfailure.h"
 #include "tests/component/zoarkra/tscriptedrouter.h"
-#include "zoarkra/topographyinforegistration.h"
+#include "zoarkra/topography.h"
 
 namespace nTests {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "tests/component/protons/trace/debuggerlistener.h"
 #include "tests/component/zoarkra/expectfailure.h"
-#include "zoarkra/topographyinforegistration.h"
+#include "zoarkra/topography.h"
 
 namespace nTests {
 namespace {

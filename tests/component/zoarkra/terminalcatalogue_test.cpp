@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tools/quenra/catalogue/terminalcatalogue.h"
-#include "zoarkra/topographyinforegistration.h"
+#include "zoarkra/topography.h"
 
 namespace nTests {
 namespace {

@@ -8,7 +8,6 @@
 
 #include "tests/component/protons/trace/debuggerlistener.h"
 #include "tests/component/zoarkra/expectfailure.h"
-#include "zoarkra/topographyinforegistration.h"
 
 namespace nTests {
 namespace {

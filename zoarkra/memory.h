@@ -1,16 +1,37 @@
-#ifndef ZOARKRA_JSONMEMORY_H
-#define ZOARKRA_JSONMEMORY_H
+#ifndef ZOARKRA_MEMORY_H
+#define ZOARKRA_MEMORY_H
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <memory_resource>
 #include <new>
 #include <utility>
 
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
 
 namespace zoark {
+
+// The C heap, which serves all memory of the library. Throws std::bad_alloc, also for more than the
+// fundamental alignment.
+[[nodiscard]] std::pmr::memory_resource* heapResource() noexcept;
+
+// The memory of one operation: bytes of its own first, then the heap. It frees nothing before its own
+// end.
+template <size_t kBytes>
+class tStackMemory {
+ public:
+  tStackMemory() = default;
+  tStackMemory(const tStackMemory&) = delete;
+  tStackMemory& operator=(const tStackMemory&) = delete;
+
+  [[nodiscard]] std::pmr::memory_resource* resource() noexcept { return &resource_; }
+
+ private:
+  alignas(std::max_align_t) std::array<std::byte, kBytes> bytes_;
+  std::pmr::monotonic_buffer_resource resource_{bytes_.data(), bytes_.size(), heapResource()};
+};
 
 // The memory of the stack of a RapidJSON reader or writer: bytes of its own first, then the heap.
 // RapidJSON does not check for null, so this throws std::bad_alloc. The names are RapidJSON's.

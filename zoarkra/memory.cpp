@@ -1,4 +1,4 @@
-#include "zoarkra/heapresource.h"
+#include "zoarkra/memory.h"
 
 #include <cstddef>
 #include <cstdlib>
