@@ -4,8 +4,8 @@
 
 namespace zoroco {
 
-using nQUENRA1400::nZOAPAL000::tSharedSlimGuard;
-using nQUENRA1400::nZOAPAL000::tSlimGuard;
+using nQUENRA1400::nZOAPAL000::tSharedGuard;
+using nQUENRA1400::nZOAPAL000::tGuard;
 
 const tLiveHandles::tEntry* tLiveHandles::find(const void* handle,
                                                tHandleKind kind) const noexcept {
@@ -16,14 +16,14 @@ const tLiveHandles::tEntry* tLiveHandles::find(const void* handle,
 }
 
 void tLiveHandles::add(const void* handle, tHandleKind kind, const void* owner) {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   const tEntry* const session = find(owner, tHandleKind::session);
   entries_.push_back({handle, kind, lastNumber_ + 1, session == nullptr ? 0 : session->number});
   ++lastNumber_;
 }
 
 bool tLiveHandles::remove(const void* handle, tHandleKind kind, tCondition condition) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   const tEntry* const entry = find(handle, kind);
   if (entry == nullptr || (condition != nullptr && !condition(handle))) {
     return false;
@@ -37,12 +37,12 @@ bool tLiveHandles::remove(const void* handle, tHandleKind kind, tCondition condi
 }
 
 bool tLiveHandles::isLive(const void* handle, tHandleKind kind) noexcept {
-  const tSharedSlimGuard guard(lock_);
+  const tSharedGuard guard(lock_);
   return find(handle, kind) != nullptr;
 }
 
 bool tLiveHandles::isOwnerLive(const void* handle) noexcept {
-  const tSharedSlimGuard guard(lock_);
+  const tSharedGuard guard(lock_);
   const tEntry* const iterator = find(handle, tHandleKind::iterator);
   return iterator != nullptr &&
          std::any_of(entries_.begin(), entries_.end(),

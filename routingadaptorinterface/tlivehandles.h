@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "zoapal/protons/synchronization/windowsu/tslimlock.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 
 namespace zoroco {
 

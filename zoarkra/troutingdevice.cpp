@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "protocol/routingrequests.h"
-#include "zoapal/protons/io_notification/windowsu/completionport.h"
+#include "zoapal/protons/io_notification/windowsu/tionotificationreader.h"
 
 namespace zoark {
 

@@ -46,7 +46,7 @@ void tProcessState::unload() noexcept {
 }
 
 void tProcessState::open(zoerr::Status& status) noexcept {
-  const nZOAPAL000::tLock lock(lock_);
+  const nZOAPAL000::tGuard lock(lock_);
   if (session_ != nullptr) {
     session_->addReference();
     return;
@@ -61,14 +61,14 @@ void tProcessState::open(zoerr::Status& status) noexcept {
 }
 
 void tProcessState::close() noexcept {
-  const nZOAPAL000::tLock lock(lock_);
+  const nZOAPAL000::tGuard lock(lock_);
   if (session_ != nullptr && session_->dropReference()) {
     const std::unique_ptr<tControllerUserSession> last(std::exchange(session_, nullptr));
   }
 }
 
 tControllerUserSession* tProcessState::session(zoerr::Status& status) noexcept {
-  const nZOAPAL000::tLock lock(lock_);
+  const nZOAPAL000::tGuard lock(lock_);
   if (session_ == nullptr) {
     status.set(kInvalidHandle, kNoSession);
   }

@@ -4,7 +4,7 @@
 #include "source/user/session/tcontrollerusersession.h"
 #include "zoapal/protons/startup/tstartup.h"
 #include "zoapal/protons/status/zoerrstatus.h"
-#include "zoapal/protons/synchronization/windowsu/tcriticalsection.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 #include "zosmbios/czosmbioswindowsprovider.h"
 
 namespace nQUENRA1400 {

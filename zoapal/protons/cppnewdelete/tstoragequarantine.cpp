@@ -23,7 +23,7 @@ void tStorageQuarantine::add(void* storage) noexcept {
   }
   void* released = nullptr;
   {
-    const tSlimGuard guard(lock_);
+    const tGuard guard(lock_);
     released = std::exchange(kept_[oldest_], storage);
     oldest_ = (oldest_ + 1) % kCapacity;
   }

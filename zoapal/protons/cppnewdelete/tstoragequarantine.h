@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "zoapal/protons/synchronization/windowsu/tslimlock.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 

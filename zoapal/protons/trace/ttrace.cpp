@@ -17,7 +17,7 @@ void tTrace::forward(Write write) noexcept {
   if (!lock_.isInitialised()) {
     return;
   }
-  const tLock lock(lock_);
+  const tGuard lock(lock_);
   if (destination_->isAvailable()) {
     write(*destination_);
   }

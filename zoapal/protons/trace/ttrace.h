@@ -1,7 +1,7 @@
 #ifndef ZOAPAL_PROTONS_TRACE_TTRACE_H
 #define ZOAPAL_PROTONS_TRACE_TTRACE_H
 
-#include "zoapal/protons/synchronization/windowsu/tcriticalsection.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 #include "zoapal/protons/trace/itracedestination.h"
 
 namespace nQUENRA1400::nZOAPAL000 {

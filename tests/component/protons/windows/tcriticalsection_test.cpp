@@ -1,4 +1,4 @@
-#include "zoapal/protons/synchronization/windowsu/tcriticalsection.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 
 #include <thread>
 
@@ -10,7 +10,7 @@ namespace {
 using nFakeWindows::faultPlan;
 using nFakeWindows::tCall;
 using nQUENRA1400::nZOAPAL000::tCriticalSection;
-using nQUENRA1400::nZOAPAL000::tLock;
+using nQUENRA1400::nZOAPAL000::tGuard;
 
 class CriticalSection : public nFakeWindows::FakeWindowsTest {};
 
@@ -22,7 +22,7 @@ TEST_F(CriticalSection, KeepsThreadsApart) {
   int count = 0;
   const auto work = [&section, &count] {
     for (int i = 0; i < 1000; ++i) {
-      const tLock lock(section);
+      const tGuard lock(section);
       ++count;
     }
   };

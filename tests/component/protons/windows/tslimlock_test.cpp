@@ -1,4 +1,4 @@
-#include "zoapal/protons/synchronization/windowsu/tslimlock.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 namespace nTests {
 namespace {
 
-using nQUENRA1400::nZOAPAL000::tSharedSlimGuard;
-using nQUENRA1400::nZOAPAL000::tSlimGuard;
+using nQUENRA1400::nZOAPAL000::tSharedGuard;
+using nQUENRA1400::nZOAPAL000::tGuard;
 using nQUENRA1400::nZOAPAL000::tSlimLock;
 
 constexpr auto kTimeout = std::chrono::seconds(10);
@@ -22,9 +22,9 @@ TEST(SlimLock, TwoReaders_HoldItAtTheSameTime) {
   std::future<void> hasEntered = entered.get_future();
   std::thread reader;
   {
-    const tSharedSlimGuard guard(lock);
+    const tSharedGuard guard(lock);
     reader = std::thread([&] {
-      const tSharedSlimGuard second(lock);
+      const tSharedGuard second(lock);
       entered.set_value();
     });
     EXPECT_EQ(hasEntered.wait_for(kTimeout), std::future_status::ready);
@@ -40,7 +40,7 @@ TEST(SlimLock, Writer_ExcludesReadersAndWriters) {
   int written = 0;
   const auto write = [&] {
     for (int i = 0; i < kRounds; ++i) {
-      const tSlimGuard guard(lock);
+      const tGuard guard(lock);
       overlapped = overlapped || writing.exchange(true);
       ++written;
       std::this_thread::yield();
@@ -49,7 +49,7 @@ TEST(SlimLock, Writer_ExcludesReadersAndWriters) {
   };
   const auto read = [&] {
     for (int i = 0; i < kRounds; ++i) {
-      const tSharedSlimGuard guard(lock);
+      const tSharedGuard guard(lock);
       overlapped = overlapped || writing;
     }
   };

@@ -5,7 +5,6 @@
 #include "protocol/requestcodes.h"
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
-#include "zoapal/protons/driver/windowsu/ttransferevent.h"
 #include "zoapal/protons/status/win32error.h"
 #include "zoapal/protons/synchronization/windowsu/wait.h"
 
@@ -174,7 +173,7 @@ bool tDeviceInterfaceProxy::associate(const std::shared_ptr<tPortRegistry>& regi
     return false;
   }
   // Serialises concurrent callers: the second one finds the association complete.
-  const tSlimGuard guard(associating_);
+  const tGuard guard(associating_);
   const bool isAssociated = completionPort_ == port && registry_ == registry;
   if (!isAssociated && !createAssociation(registry, port, status)) {
     return false;

@@ -13,7 +13,7 @@
 #include "zoapal/protons/driver/windowsu/tportregistry.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
-#include "zoapal/protons/synchronization/windowsu/tslimlock.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 

@@ -22,7 +22,7 @@ tPortRegistry::tEntries::iterator tPortRegistry::find(const tPortRequest& reques
 }
 
 bool tPortRegistry::add(std::shared_ptr<tPortRequest> request) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   try {
     entries_.push_back({std::move(request)});
     return true;
@@ -32,7 +32,7 @@ bool tPortRegistry::add(std::shared_ptr<tPortRequest> request) noexcept {
 }
 
 bool tPortRegistry::markSent(const tPortRequest& request) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   const auto found = find(request);
   if (found == entries_.end() || found->state != tState::idle) {
     return false;
@@ -42,7 +42,7 @@ bool tPortRegistry::markSent(const tPortRequest& request) noexcept {
 }
 
 void tPortRegistry::markIdle(const tPortRequest& request) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   if (const auto found = find(request); found != entries_.end()) {
     found->state = tState::idle;
     if (found->isRemoved) {
@@ -52,7 +52,7 @@ void tPortRegistry::markIdle(const tPortRequest& request) noexcept {
 }
 
 void tPortRegistry::remove(const tPortRequest& request) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   if (const auto found = find(request); found != entries_.end()) {
     found->isRemoved = true;
     if (found->state == tState::idle) {
@@ -62,7 +62,7 @@ void tPortRegistry::remove(const tPortRequest& request) noexcept {
 }
 
 tDequeued tPortRegistry::resolve(const OVERLAPPED* overlapped) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   const auto found = std::find_if(entries_.begin(), entries_.end(), [=](const tEntry& entry) {
     return &entry.request->overlapped == overlapped && entry.state == tState::sent;
   });
@@ -80,14 +80,14 @@ void tPortRegistry::cancelEntry(const tEntry& entry) noexcept {
 }
 
 void tPortRegistry::cancel(const tPortRequest& request) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   if (const auto found = find(request); found != entries_.end()) {
     cancelEntry(*found);
   }
 }
 
 bool tPortRegistry::cancelAll() noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   bool isAnySent = false;
   for (const tEntry& entry : entries_) {
     cancelEntry(entry);
@@ -97,7 +97,7 @@ bool tPortRegistry::cancelAll() noexcept {
 }
 
 void tPortRegistry::detach(HANDLE file) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   for (tEntry& entry : entries_) {
     if (entry.request->file == file) {
       cancelEntry(entry);
@@ -111,12 +111,12 @@ void tPortRegistry::detach(HANDLE file) noexcept {
 
 void tPortRegistry::abandon(std::shared_ptr<tPortRegistry> registry) noexcept {
   tPortRegistry& abandoned = *registry;
-  const tSlimGuard guard(abandoned.lock_);
+  const tGuard guard(abandoned.lock_);
   abandoned.self_ = std::move(registry);
 }
 
 bool tPortRegistry::add(tIONotification& notification) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   try {
     if (std::find(notifications_.begin(), notifications_.end(), &notification) ==
         notifications_.end()) {
@@ -129,7 +129,7 @@ bool tPortRegistry::add(tIONotification& notification) noexcept {
 }
 
 void tPortRegistry::remove(const tIONotification& notification) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   std::erase(notifications_, &notification);
   for (const tEntry& entry : entries_) {
     if (entry.request->notification == &notification) {
@@ -139,7 +139,7 @@ void tPortRegistry::remove(const tIONotification& notification) noexcept {
 }
 
 tIONotification* tPortRegistry::find(uint64_t address) noexcept {
-  const tSlimGuard guard(lock_);
+  const tGuard guard(lock_);
   const auto found = std::find_if(
       notifications_.begin(), notifications_.end(),
       [address](const tIONotification* candidate) { return addressOf(candidate) == address; });

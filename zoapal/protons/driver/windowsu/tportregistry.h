@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "protocol/notificationrequests.h"
-#include "zoapal/protons/synchronization/windowsu/tslimlock.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 

@@ -3,6 +3,9 @@
 
 #include <windows.h>
 
+#include <atomic>
+
+#include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 #include "zoapal/protons/status/win32error.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
@@ -57,6 +60,37 @@ uint32_t carryOutTransfer(HANDLE file, HANDLE event, tTransferLines lines,
 // A device control request as such a transfer. Sizes in bytes.
 uint32_t controlDevice(HANDLE file, HANDLE event, uint32_t code, const void* in, uint32_t inSize,
                        void* out, uint32_t outSize, nZOAPALS100::tStatus& status) noexcept;
+
+// The event of one transfer. A proxy keeps one event for its transfers; a transfer that overlaps
+// another creates its own, since an event that two transfers share shows the end of neither.
+class tTransferEvent {
+ public:
+  tTransferEvent(HANDLE shared, std::atomic_flag& sharedInUse) noexcept
+      : sharedInUse_(sharedInUse), borrowed_(!sharedInUse.test_and_set(std::memory_order_acquire)) {
+    if (borrowed_) {
+      handle_ = shared;
+    } else {
+      own_.reset(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+      handle_ = own_.get();
+    }
+  }
+  tTransferEvent(const tTransferEvent&) = delete;
+  tTransferEvent& operator=(const tTransferEvent&) = delete;
+  ~tTransferEvent() {
+    if (borrowed_) {
+      sharedInUse_.clear(std::memory_order_release);
+    }
+  }
+
+  // Null if no event could be created; the last error has the reason.
+  [[nodiscard]] HANDLE get() const noexcept { return handle_; }
+
+ private:
+  std::atomic_flag& sharedInUse_;
+  bool borrowed_;
+  tUniqueEvent own_;
+  HANDLE handle_ = nullptr;
+};
 
 }  // namespace nQUENRA1400::nZOAPAL000
 

@@ -1,5 +1,7 @@
 #include "zoapal/protons/io_notification/windowsu/tionotificationreader.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <new>
 #include <utility>
@@ -15,6 +17,7 @@ using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
 constexpr const char* kFile = "tionotification";
+constexpr uint32_t kCreateLine = 31;
 constexpr uint32_t kWaitLine = 59;
 constexpr tSourceLocation kTooLarge{kFile, 76};
 constexpr uint32_t kWakeLine = 101;
@@ -72,6 +75,18 @@ uint64_t readNotice(tPortRegistry& registry, const tDelivery& delivery, uint8_t*
 }
 
 }  // namespace
+
+tUniquePort createCompletionPort(nZOAPALS100::tStatus& status) noexcept {
+  constexpr DWORD kThreads = 1;
+  if (status.isError()) {
+    return {};
+  }
+  tUniquePort port(CreateIoCompletionPort(INVALID_HANDLE_VALUE, nullptr, 0, kThreads));
+  if (!port) {
+    mergeWin32Failure(GetLastError(), status, kFile, kCreateLine);
+  }
+  return port;
+}
 
 tIONotificationReader::tIONotificationReader(tUniquePort port) noexcept
     : port_(std::move(port)), registry_(makeRegistry()) {}

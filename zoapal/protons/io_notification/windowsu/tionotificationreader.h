@@ -13,6 +13,10 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
+// A port for a notification reader, which one thread reads. None when the status holds an error or
+// the system refuses, which is located at "tionotification" line 31.
+[[nodiscard]] tUniquePort createCompletionPort(nZOAPALS100::tStatus& status) noexcept;
+
 // The result kinds of a wait.
 inline constexpr uint32_t kNotificationDelivered = 0;
 inline constexpr uint32_t kNotificationRegistrationEnded = 1;

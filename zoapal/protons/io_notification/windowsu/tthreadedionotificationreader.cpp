@@ -1,7 +1,7 @@
 #include "zoapal/protons/io_notification/windowsu/tthreadedionotificationreader.h"
 
 #include "zoapal/protons/synchronization/windowsu/wait.h"
-#include "zoapal/protons/thread/windowsu/threadname.h"
+#include "zoapal/protons/thread/windowsu/tthread.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {

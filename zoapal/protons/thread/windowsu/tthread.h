@@ -5,9 +5,34 @@
 
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 #include "zoapal/protons/status/tstatus.h"
-#include "zoapal/protons/thread/windowsu/startthread.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
+
+using tThreadRoutine = void (*)(void* argument) noexcept;
+using tThreadMain = unsigned(__stdcall*)(void* argument);
+
+// Releases the reference to the module and ends the calling thread, in one call: the code after a
+// plain FreeLibrary might no longer be mapped. Not noexcept, so that an implementation which unwinds
+// the stack can pass through the thread's main function.
+[[noreturn]] void releaseModuleAndEndThread();
+
+// Takes a reference to the module that contains the library and starts a thread, which releases it.
+// On failure the handle is empty, and the last error may give the reason.
+[[nodiscard]] tUniqueThread startThreadInModule(tThreadMain main, void* argument,
+                                                DWORD& id) noexcept;
+
+template <tThreadRoutine kRoutine>
+unsigned __stdcall runInModule(void* argument) {
+  kRoutine(argument);
+  releaseModuleAndEndThread();
+}
+
+// Starts a thread that holds a reference to the library's module until it ends: unloading the library
+// while the thread runs does not unmap the thread's code.
+template <tThreadRoutine kRoutine>
+[[nodiscard]] tUniqueThread startThread(void* argument, DWORD& id) noexcept {
+  return startThreadInModule(&runInModule<kRoutine>, argument, id);
+}
 
 // A thread of the library. Failures are located at "thread". Its owner serialises the calls.
 class tThread {
@@ -41,6 +66,9 @@ class tThread {
   tUniqueThread handle_;
   DWORD id_ = 0;
 };
+
+// Names a thread of this process "quenra" in a debugger, if one is present. Has no other effect.
+void nameThreadForDebuggers(DWORD threadId) noexcept;
 
 }  // namespace nQUENRA1400::nZOAPAL000
 

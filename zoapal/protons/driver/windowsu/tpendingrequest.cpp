@@ -1,4 +1,4 @@
-#include "zoapal/protons/driver/windowsu/pendingwork.h"
+#include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 
 #include <limits>
 #include <new>
@@ -7,7 +7,7 @@
 #include "protocol/requestcodes.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/status/win32error.h"
-#include "zoapal/protons/thread/windowsu/startthread.h"
+#include "zoapal/protons/thread/windowsu/tthread.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {

@@ -1,4 +1,4 @@
-#include "zoapal/protons/synchronization/windowsu/tcriticalsection.h"
+#include "zoapal/protons/synchronization/windowsu/locks.h"
 
 #include "zoapal/protons/status/win32error.h"
 
