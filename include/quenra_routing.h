@@ -74,7 +74,7 @@
 
 /* ---- Constants ---- */
 
-/* What zoroco_ra_quenra_getAPIVersion returns. */
+/* The result of zoroco_ra_quenra_getAPIVersion. */
 #define ZOROCO_API_VERSION 3
 
 /* The longest device name of a session, in bytes without its NUL. */

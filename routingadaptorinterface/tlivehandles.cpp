@@ -4,8 +4,8 @@
 
 namespace zoroco {
 
-using nQUENRA1400::nZOAPAL000::tSharedGuard;
 using nQUENRA1400::nZOAPAL000::tGuard;
+using nQUENRA1400::nZOAPAL000::tSharedGuard;
 
 const tLiveHandles::tEntry* tLiveHandles::find(const void* handle,
                                                tHandleKind kind) const noexcept {

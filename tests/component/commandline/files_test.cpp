@@ -192,7 +192,7 @@ TEST_F(Files, DeviceThatFailsARead_ReportsAnInputOutputError) {
             "cannot read '/proc/self/mem': the device reports an input/output error");
 }
 
-// Runs without the rights of the superuser, to whom the system denies no access.
+// Runs without the rights of the superuser, who has access to everything.
 class tUnprivilegedUser {
  public:
   tUnprivilegedUser() { static_cast<void>(seteuid(kNobody)); }

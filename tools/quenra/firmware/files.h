@@ -28,7 +28,7 @@ void writeFile(const std::string& path, std::string_view content, tExistingFile 
                const tCreateFile& create = createFile);
 
 [[nodiscard]] bool fileExists(const std::string& path);
-// Whether both paths name one existing file.
+// True if both paths name one existing file.
 [[nodiscard]] bool isSameFile(const std::string& path, const std::string& other);
 
 }  // namespace nCommandLine

@@ -39,7 +39,7 @@ class tParserRun {
 constexpr tSectionFault kLineFeeds{0, 0, "header lines end in LF; CR LF is required",
                                    "Convert the line ends of the image to CR LF."};
 
-// Whether the first line of a section ends in LF alone. The parser then reports a missing number, or
+// True if the first line of a section ends in LF alone. The parser then reports a missing number, or
 // whatever it finds in place of the value.
 bool endsInLineFeed(std::string_view section) {
   const size_t end = section.find('\n');

@@ -37,7 +37,7 @@ struct tFirmwareImage {
   std::vector<tImageSection> sections;  // as they follow each other in the image
 
   [[nodiscard]] size_t faults() const noexcept;
-  // Whether an update would apply the image without further options.
+  // True if an update applies the image without further options.
   [[nodiscard]] bool isValid() const noexcept;
 };
 

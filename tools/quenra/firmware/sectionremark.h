@@ -19,7 +19,7 @@ struct tSectionRemark {
 // joins the name to its folder, so any other name writes elsewhere, with the rights of the update.
 [[nodiscard]] std::optional<std::string> faultOfFileName(std::string_view name);
 
-// Whether a text is a version that the library can compare: major.minor.update, a phase letter d, a, b
+// True if a text is a version that the library can compare: major.minor.update, a phase letter d, a, b
 // or f, and a build number, as in 1.4.2f7.
 [[nodiscard]] bool isFirmwareVersion(std::string_view text) noexcept;
 

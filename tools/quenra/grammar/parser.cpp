@@ -91,8 +91,8 @@ std::string spokenValueName(std::string_view valueName) {
   return text;
 }
 
-// Reads words against rows of options and positionals. CLI11 tells options, values and positionals apart.
-// It is set up to accept every number of them, since its own messages differ between its versions.
+// Reads words against rows of options and positionals. CLI11 splits the words into options, values and
+// positionals. It accepts every number of them, since its own messages differ between its versions.
 class tWordReader {
  public:
   // `verb` is null for the words before the verb.

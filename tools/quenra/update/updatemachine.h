@@ -23,7 +23,7 @@ struct tUpdateMachine {
   // Nothing where it cannot be read.
   [[nodiscard]] std::optional<std::string> biosVersion() const;
   [[nodiscard]] std::optional<std::string> martenVersion() const;
-  // Whether the Marten has not started the firmware of an earlier update yet.
+  // True if the Marten has not started the firmware of an earlier update yet.
   [[nodiscard]] bool awaitsRestart() const;
 };
 

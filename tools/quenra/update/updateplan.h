@@ -51,7 +51,7 @@ struct tPlannedSection {
                                                         const tUpdateMachine* machine,
                                                         bool onlyNewer);
 
-// Whether the library would send, install or write anything.
+// True if the library would send, install or write anything.
 [[nodiscard]] bool changesAnything(const std::vector<tPlannedSection>& plan) noexcept;
 
 }  // namespace nCommandLine

@@ -10,8 +10,8 @@
 namespace nTests {
 namespace {
 
-using nQUENRA1400::nZOAPAL000::tSharedGuard;
 using nQUENRA1400::nZOAPAL000::tGuard;
+using nQUENRA1400::nZOAPAL000::tSharedGuard;
 using nQUENRA1400::nZOAPAL000::tSlimLock;
 
 constexpr auto kTimeout = std::chrono::seconds(10);
