@@ -17,7 +17,7 @@ struct tRoutingDeviceScript {
   int32_t openCode = 0;             // located at component "driver", file "device", line 1
   int32_t startCode = 0;            // the same with line 2
   zoark::iDemotionListener* listener = nullptr;
-  bool demotesAtStart = false;  // one demotion arrives during the creation of the session
+  bool demotesAtStart = false;     // one demotion arrives during the creation of the session
   std::thread::id listenerThread;  // the thread that counts as the listener's
 };
 
