@@ -1,4 +1,12 @@
-/* Compiled as by a compiler with annotations: this file only has to compile. */
+/* The headers as a compiler with annotations reads them: this file only has to compile. The system's own
+ * headers come first, since they do not expect that compiler. */
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+#include <stdlib.h>
+#include <string.h>
+
+#define _MSC_VER 1930
 #include "quenra.h"
 #include "quenra_routing.h"
 
