@@ -7,6 +7,7 @@
 #include <string.h>
 
 #define _MSC_VER 1930
+#define _NATIVE_WCHAR_T_DEFINED 1
 #include "quenra.h"
 #include "quenra_routing.h"
 
