@@ -19,7 +19,7 @@ constexpr char closerOf(char opener) noexcept {
   return opener == '{' ? '}' : ']';
 }
 
-// Where the container at the start of the text closes; none when it does not.
+// The position at which the container at the start of the text closes; none if it does not.
 std::optional<size_t> findCloser(std::string_view text) noexcept {
   size_t depth = 0;
   bool inString = false;
@@ -47,7 +47,7 @@ bool isEmptyContainer(std::string_view text) noexcept {
   return next != text.end() && *next == closerOf(text.front());
 }
 
-// The text of a buffer; none when the marker or the NUL is missing or the text is no container.
+// The text of a buffer; none if the marker or the NUL is missing or the text is not a container.
 std::optional<std::string_view> textOf(const char* buffer, uint32_t capacity) noexcept {
   if (buffer == nullptr || capacity < kSmallestDescription ||
       buffer[capacity - 1] != kDescriptionMarker) {
@@ -60,7 +60,7 @@ std::optional<std::string_view> textOf(const char* buffer, uint32_t capacity) no
   return std::string_view(buffer, static_cast<size_t>(static_cast<const char*>(end) - buffer));
 }
 
-// How a byte stands in a JSON string: itself, or an escape of at most six characters.
+// The form of a byte in a JSON string: itself, or an escape of at most six characters.
 struct tEscape {
   std::array<char, 6> characters;
   size_t length;
@@ -104,7 +104,7 @@ char* writeQuoted(char* to, std::string_view text) noexcept {
   return to;
 }
 
-// Room for a value of a known length, and for its key where the container is an object.
+// Space for a value of a known length, and for its key if the container is an object.
 struct tRoom {
   tAppendResult result;
   char* position;
@@ -134,7 +134,7 @@ tRoom makeRoom(char* buffer, uint32_t capacity, std::string_view key, size_t val
   return {tAppendResult::appended, position, keyed};
 }
 
-// Returns where the value goes.
+// Returns the position of the value.
 char* writeKey(const tRoom& room, std::string_view key) noexcept {
   if (!room.keyed) {
     return room.position;

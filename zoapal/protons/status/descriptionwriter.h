@@ -8,7 +8,7 @@
 namespace zoerr {
 
 // The description of a status is one JSON text in a buffer: the NUL-terminated text, zero bytes as
-// free room, and the marker as the very last byte. The functions here edit it in place and never
+// free space, and the marker as the very last byte. The functions here edit it in place and never
 // build a tree.
 inline constexpr char kDescriptionMarker = 'J';
 inline constexpr std::string_view kEmptyDescription = "{}";
@@ -18,22 +18,22 @@ inline constexpr uint32_t kSmallestDescription = 4;
 enum class tAppendResult {
   appended,
   noRoom,    // the buffer is unchanged; grow it and try again
-  unusable,  // the buffer holds no such text; nothing can be appended
+  unusable,  // the buffer holds no such text; it is unchanged
 };
 
-// The text that a buffer holds; empty when it has no NUL before its last byte. Never looks beyond the
-// capacity. The text need not be sound: it is copied as it is.
+// The text that a buffer holds; empty when it has no NUL before its last byte. Never reads past the
+// capacity. The text need not be valid JSON.
 [[nodiscard]] std::string_view descriptionText(const char* buffer, uint32_t capacity) noexcept;
 
-// Makes the buffer hold this text, which leaves room for its NUL and the marker.
+// Replaces the buffer's text. `text` leaves at least two bytes for its NUL and the marker.
 void replaceDescription(char* buffer, uint32_t capacity, std::string_view text) noexcept;
 
-// Makes the buffer hold "{}". `capacity` is at least kSmallestDescription bytes.
+// Replaces the buffer's text by "{}". `capacity` is at least kSmallestDescription bytes.
 void resetDescription(char* buffer, uint32_t capacity) noexcept;
 
 // Append a member to the object, or an element to the array, at the top level of the text. Texts are
-// escaped; their bytes from 128 on are copied as they are. A real number has one decimal, whatever the
-// process's locale; one that is not finite is null.
+// escaped; their bytes from 128 on are copied unchanged. A real number has one decimal in every locale;
+// one that is not finite becomes null.
 [[nodiscard]] tAppendResult appendText(char* buffer, uint32_t capacity, std::string_view key,
                                        std::string_view value) noexcept;
 [[nodiscard]] tAppendResult appendInteger(char* buffer, uint32_t capacity, std::string_view key,

@@ -7,15 +7,16 @@
 
 namespace zoerr {
 
-// Carries a status from where it arose to an exported function. No member throws; where memory for a
-// copy of the description is short, the code travels alone.
+// Carries a status from the failing operation to an exported function. No member throws; if memory for
+// a copy of the description is short, only the code is copied.
 class ExceptionBase {
  public:
   ExceptionBase() noexcept = default;
-  // Takes over the code, and the description where both sides keep theirs in the same way: the
-  // status then has none. Else the text is copied. A status of success leaves the exception empty.
+  // Copies the code. Takes ownership of the description if both statuses use the default reallocation
+  // function, and leaves the source without one; otherwise copies its text. A status of success leaves
+  // the exception empty.
   explicit ExceptionBase(Status& status) noexcept;
-  // Copies code and text; what is copied stays as it is.
+  // Copies code and text.
   explicit ExceptionBase(const Status& status) noexcept;
   ExceptionBase(const ExceptionBase& other) noexcept;
   ExceptionBase& operator=(const ExceptionBase& other) noexcept;
@@ -27,7 +28,7 @@ class ExceptionBase {
   Status status_;
 };
 
-// What is thrown. Catch it by reference, std::bad_alloc before it.
+// The exception that the library throws. Catch it by reference, after std::bad_alloc.
 class Exception : public virtual ExceptionBase, public virtual std::exception {
  public:
   Exception() noexcept = default;
@@ -37,7 +38,7 @@ class Exception : public virtual ExceptionBase, public virtual std::exception {
   Exception& operator=(const Exception&) noexcept = default;
   ~Exception() override;
 
-  // The description, JSON text; empty when there is none.
+  // The description as JSON text; empty if there is none.
   [[nodiscard]] const char* what() const noexcept override;
 };
 

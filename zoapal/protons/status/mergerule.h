@@ -5,7 +5,7 @@
 
 namespace nZOAPALS100 {
 
-// The rule by which every status record takes a new code: the first error wins, an error replaces a
+// The rule by which every status record accepts a new code: the first error wins, an error replaces a
 // warning, a warning never replaces a warning, and success replaces nothing.
 [[nodiscard]] constexpr bool replacesCode(int32_t current, int32_t next) noexcept {
   return current == 0 ? next != 0 : current > 0 && next < 0;

@@ -7,13 +7,13 @@ namespace nZOAPALS100 {
 
 inline constexpr const char* kComponent = "quenra";
 
-// Names a site that raises an error. Line numbers are part of what users see and search for: they
-// are constants that stay when the source moves.
+// Identifies a site that raises an error. Users see line numbers and search for them: they are constants
+// that stay when the source moves.
 struct tSourceLocation {
   const char* file;
   uint32_t line;
   const char* component = kComponent;
-  const char* errorConstant = nullptr;  // symbolic name of the code, where the site tells it
+  const char* errorConstant = nullptr;  // symbolic name of the code, if the site reports it
 };
 
 }  // namespace nZOAPALS100

@@ -27,12 +27,12 @@ inline constexpr int32_t kSystemRefused = -52021;
 inline constexpr int32_t kNotificationTooLarge = -52024;
 inline constexpr int32_t kBusy = -52031;
 
-// The status record of the driver-access layer: a code, and in its full form where it was first
-// raised. Its layout is fixed. A record whose structSize is below kFullSize is a short form, of
-// which nothing but structSize and code exists in memory.
+// The status record of the driver-access layer: a code, and in its full form the place that raised it.
+// Its layout is fixed. A record whose structSize is below kFullSize is a short form: only structSize and
+// code exist in memory.
 //
-// Every operation takes one last, does nothing when it already holds an error, and reports failure
-// by merging into it. A record belongs to one chain of calls and is never shared between threads.
+// Every operation has one as its last argument, does nothing when it already holds an error, and reports
+// failure by merging into it. A record belongs to one chain of calls and is never shared between threads.
 struct tStatus {
   static constexpr uint32_t kFullSize = 208;
 
@@ -54,10 +54,10 @@ static_assert(offsetof(tStatus, file) == 18);
 static_assert(offsetof(tStatus, line) == 120);
 static_assert(offsetof(tStatus, extension) == 128);
 
-// Stores `code` under the merge rule, in a full record together with its source: at most 9
-// characters of the component; at most 100 of the file, a longer one shortened in its middle, so
-// that both its beginning and its file name stay. Clears the extension. Null texts count as empty;
-// the texts may lie in the record itself. True when the code was stored.
+// Stores `code` under the merge rule, in a full record together with its source: at most 9 characters
+// of the component, and at most 100 of the file. A longer file is shortened in its middle and keeps its
+// beginning and its file name. Clears the extension. Null texts count as empty; the texts may point into
+// the record itself. True when the code was stored.
 bool mergeStatus(tStatus& status, int32_t code, const char* component, const char* file,
                  uint32_t line) noexcept;
 
