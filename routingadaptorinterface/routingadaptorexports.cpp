@@ -28,7 +28,7 @@ struct tDestroySession {
 };
 using tOwnedSession = std::unique_ptr<zoroco_RoutingAdaptorSession, tDestroySession>;
 
-// What exports on a session have in common: the status, and the session. The operation is
+// The common part of exports on a session: the status, and the session. The operation is
 // (session, status) -> result.
 template <class Result, class Operation>
 Result runOnSession(zoroco_RoutingAdaptorSession* session, zoerr_Status* status, Result neutral,

@@ -87,7 +87,7 @@ template <class Call>
 void callClient(Call call) noexcept {
   try {
     call();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): there is no status to report to
+  } catch (...) {  // NOLINT(bugprone-empty-catch): no status to report to
   }
 }
 

@@ -7,8 +7,8 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// The requests that the controller and the Marten interface have in common; they differ in the site
-// at which the driver's code is merged.
+// The requests that the controller and the Marten interface share; only the site at which the driver's
+// code is merged differs.
 
 inline void requestGetAttribute(iInterfaceProxy& device, uint32_t attribute, uint64_t buffer,
                                 uint32_t& size, const nZOAPALS100::tSourceLocation& site,

@@ -5,17 +5,17 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// The controller's main interface. Every method sends one request and waits for the answer; it does
-// nothing when the status holds an error. Buffers are addresses in this process as 64-bit numbers,
-// sizes are in bytes. Out-values are taken over whenever the driver answered, also with an error.
+// The controller's main interface. Every method sends one request and waits for the reply; it does
+// nothing if the status holds an error. Buffers are addresses in this process as 64-bit numbers, sizes
+// are in bytes. A reply sets the out-values, also one that reports an error.
 class iInterfaceProxy_hostControllerBase : public virtual iInterfaceProxy {
  public:
-  // Fetches the SMBIOS version text and structure table. With addresses and sizes of 0 it asks for
-  // the sizes, which come back with the driver's buffer-too-small code.
+  // Fetches the SMBIOS version text and structure table. With addresses and sizes of 0 it queries the
+  // sizes, which the driver returns with its buffer-too-small code.
   virtual void exchangeValues(uint64_t textBuffer, uint32_t& textSize, uint64_t tableBuffer,
                               int32_t& tableSize, nZOAPALS100::tStatus& status) noexcept = 0;
 
-  // Hands over a firmware payload.
+  // Sends a firmware payload.
   virtual void sendCommand(uint64_t payload, uint32_t payloadSize,
                            nZOAPALS100::tStatus& status) noexcept = 0;
 

@@ -8,7 +8,7 @@ namespace nQUENRA1400::nZOAPAL000 {
 // The controller's second device. The rules are those of iInterfaceProxy_hostControllerBase.
 class iInterfaceProxy_hostMarten : public virtual iInterfaceProxy {
  public:
-  // Hands over a firmware payload.
+  // Sends a firmware payload.
   virtual void sendCommand(uint64_t payload, uint32_t payloadSize,
                            nZOAPALS100::tStatus& status) noexcept = 0;
 

@@ -9,7 +9,7 @@ namespace nQUENRA1400::nZOAPAL000 {
 // method that returns a value returns 0 when nothing was sent or the request itself failed.
 class iInterfaceProxy_routing : public virtual iInterfaceProxy {
  public:
-  // Keeps the place of an operation that the library does not use.
+  // Reserves the slot of an operation that the library does not use.
   virtual void method0(uint32_t& result, nZOAPALS100::tStatus& status) noexcept = 0;
 
   // Records and options: protocol/routingrecords.h. `routeCount`: in the capacity of `routes` in
@@ -20,7 +20,7 @@ class iInterfaceProxy_routing : public virtual iInterfaceProxy {
                                   nZOAPALS100::tStatus& status) noexcept = 0;
   virtual void destroyRoute(uint32_t ticket, nZOAPALS100::tStatus& status) noexcept = 0;
 
-  // `count`: in the capacity of `conflicts` in records, out the number of conflicts there are.
+  // `count`: in the capacity of `conflicts` in records, out the number of conflicts.
   virtual void reserveRoute(uint32_t ticket, uint64_t conflicts, uint32_t& count,
                             nZOAPALS100::tStatus& status) noexcept = 0;
   virtual void programRoute(uint32_t ticket, nZOAPALS100::tStatus& status) noexcept = 0;

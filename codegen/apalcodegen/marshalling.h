@@ -11,16 +11,16 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// Sends a request and waits for the reply. A reply shorter than `reply` leaves zeros behind what
-// came. False when the status holds an error, when nothing is sent, or when the request itself
-// failed, which is then merged into the status with the place where it failed.
+// Sends a request and waits for the reply. Bytes of `reply` that the driver does not fill are zero.
+// Returns false if the status holds an error, in which case nothing is sent, or if the request itself
+// fails, which is merged into the status with its location.
 [[nodiscard]] bool sendRequest(iInterfaceProxy& device, uint32_t code,
                                std::span<const std::byte> request, std::span<std::byte> reply,
                                nZOAPALS100::tStatus& status) noexcept;
 
-// One typed call: the request takes along the caller's status code. When the driver has answered,
-// `takeReply` copies the out-values, also when the driver reports an error; then the driver's own
-// code is merged at `site`.
+// One typed call. The request contains the caller's status code. After a reply, also one that reports an
+// error, `takeReply` copies the out-values; then the driver's own code is merged at `site`.
+// A request that fails leaves the out-values unchanged.
 template <class Reply, class Request, class TakeReply>
 void call(iInterfaceProxy& device, uint32_t code, Request request,
           const nZOAPALS100::tSourceLocation& site, nZOAPALS100::tStatus& status,
@@ -37,7 +37,7 @@ void call(iInterfaceProxy& device, uint32_t code, Request request,
   }
 }
 
-// The same for a request that returns nothing but the driver's code.
+// The same for a request that returns the driver's code only.
 template <class Reply, class Request>
 void call(iInterfaceProxy& device, uint32_t code, const Request& request,
           const nZOAPALS100::tSourceLocation& site, nZOAPALS100::tStatus& status) noexcept {

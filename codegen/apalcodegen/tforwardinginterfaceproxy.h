@@ -5,8 +5,8 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// What the typed interfaces share: each is itself a channel, namely that of the device it was made
-// on. Refers to the device and owns nothing.
+// The base of the typed interfaces: each is a channel itself and forwards to that of its device. Refers
+// to the device and owns nothing.
 class tForwardingInterfaceProxy : public virtual iInterfaceProxy {
  public:
   explicit tForwardingInterfaceProxy(tDeviceInterfaceProxy& device) noexcept : device_(device) {}

@@ -92,8 +92,8 @@ void tTextReading::readFromMarten() const noexcept {
   }
 }
 
-// Ends the text in the first `filled` bytes of the buffer, which a driver may leave without a NUL. A
-// text that has no room for it is too long: to cut it would turn it into another one.
+// Terminates the text in the first `filled` bytes of the buffer, which a driver may leave without a NUL.
+// A text that leaves no space for the NUL is too long: a truncated text would be a different one.
 void tTextReading::terminate(uint32_t filled) const noexcept {
   const bool isTerminated = std::string_view(buffer_, filled).find('\0') != std::string_view::npos;
   if (isTerminated || filled < *size_) {

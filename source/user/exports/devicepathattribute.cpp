@@ -20,7 +20,7 @@ void readDevicePath(char* buffer, uint64_t* size, zoerr::Status& status) noexcep
   nZOAPALS100::tStatus search;
   nZOAPAL000::tDeviceInterfaceIterator first(kDevicePathInterfaceClass, search);
   if (first.isEnd()) {
-    // Interfaces that cannot be listed are as good as none.
+    // Interfaces that cannot be listed count as absent.
     status.set(kNoController, kNoInterface);
     return;
   }

@@ -10,8 +10,8 @@
 
 namespace nQUENRA1400 {
 
-// Runs what an export does. Nothing that is thrown inside leaves it: short memory becomes
-// kOutOfMemory, an exception that carries a status that status, anything else kInternalError.
+// Runs the operation of an export. Exceptions end here: short memory becomes kOutOfMemory, an
+// exception that carries a status becomes that status, any other kInternalError.
 template <class Operation>
 void runWithoutThrowing(zoerr::Status& status, Operation operation) noexcept {
   constexpr auto kMemoryShort = sessionLocation(1701);

@@ -26,8 +26,8 @@ tControllerUserSession* findSession(zoerr::Status& status) noexcept {
   return status.isError() ? nullptr : processState().session(status);
 }
 
-// A number of the caller's, which may lie anywhere: where no number can be, a copy takes its place and
-// is written back in the end.
+// Access to a possibly misaligned variable of the caller, through a copy that the destructor writes
+// back.
 template <class Number>
 class tCallersNumber {
  public:
@@ -45,13 +45,13 @@ class tCallersNumber {
     }
   }
 
-  // Null when the caller has none.
+  // Null if the caller passes none.
   [[nodiscard]] Number* get() noexcept {
     return isAligned_ ? static_cast<Number*>(callers_) : &copy_;
   }
 
  private:
-  // Of no type: what has one is taken for aligned.
+  // Untyped: compilers assume that a typed pointer is aligned.
   void* const callers_;
   const bool isAligned_;
   Number copy_{};

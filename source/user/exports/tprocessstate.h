@@ -26,11 +26,11 @@ class tProcessState {
 
   [[nodiscard]] const nZOAPAL000::tStartUp& startUp() const noexcept { return startUp_; }
 
-  // The rest only while the start-up state is ready.
+  // The following functions require a start-up state that is ready.
 
   // Opens the session or counts one more user.
   void open(zoerr::Status& status) noexcept;
-  // Drops one user, if there is any.
+  // Drops one user of an open session.
   void close() noexcept;
   // Null, with kInvalidHandle in the status, when none is open.
   [[nodiscard]] tControllerUserSession* session(zoerr::Status& status) noexcept;

@@ -8,8 +8,8 @@
 
 namespace nQUENRA1400 {
 
-// COM as the calling thread uses it while the object lives. Declared before every pointer, so that
-// it ends after them. A thread that is in another model already keeps that one, untouched.
+// Initialises COM for the calling thread for the lifetime of the object. Declare it before every pointer,
+// so that it ends after them. Does not change a thread that is initialised for another model.
 class tComUse {
  public:
   explicit tComUse(COINIT model) noexcept : result_(CoInitializeEx(nullptr, model)) {}
@@ -21,7 +21,7 @@ class tComUse {
     }
   }
 
-  // A thread that had COM before is served as well, and has to be balanced as well.
+  // A thread that used COM before succeeds as well, and needs CoUninitialize as well.
   [[nodiscard]] bool isThere() const noexcept { return SUCCEEDED(result_); }
 
  private:
@@ -45,14 +45,14 @@ class tComPointer {
   [[nodiscard]] Interface* get() const noexcept { return object_; }
   explicit operator bool() const noexcept { return object_ != nullptr; }
 
-  // Where a function puts the reference that it hands over. Once only.
+  // For a function that stores a reference. Call it once.
   [[nodiscard]] Interface** receive() noexcept { return &object_; }
 
  private:
   Interface* object_ = nullptr;
 };
 
-// A text in the form that automation interfaces take. None when memory is short.
+// A text for automation interfaces. Empty if memory is short.
 class tAutomationText {
  public:
   explicit tAutomationText(const OLECHAR* text) noexcept : text_(SysAllocString(text)) {}
@@ -67,7 +67,7 @@ class tAutomationText {
   BSTR text_;
 };
 
-// A value of any type, with what it holds.
+// Owns a value of any type, with its content.
 class tAutomationValue {
  public:
   tAutomationValue() noexcept { VariantInit(&value_); }
@@ -75,10 +75,10 @@ class tAutomationValue {
   tAutomationValue& operator=(const tAutomationValue&) = delete;
   ~tAutomationValue() { VariantClear(&value_); }
 
-  // Where a function puts the value.
+  // For a function that stores a value.
   [[nodiscard]] VARIANT* receive() noexcept { return &value_; }
 
-  // True when it is a 32-bit number, of either sign, and that one.
+  // True if the value is that number, as a signed or unsigned 32-bit number.
   [[nodiscard]] bool isNumber(LONG number) const noexcept {
     return (V_VT(&value_) == VT_I4 && V_I4(&value_) == number) ||
            (V_VT(&value_) == VT_UI4 && V_UI4(&value_) == static_cast<ULONG>(number));

@@ -29,7 +29,7 @@ constexpr const OLECHAR* kQuery =
 constexpr const OLECHAR* kProperty = L"ProtectionStatus";
 constexpr LONG kProtectionOn = 1;
 
-// Once for a process: whoever was first is as good as we are.
+// Once per process: the security that the process has set before is sufficient.
 bool isSecurityThere() noexcept {
   const HRESULT result =
       CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
@@ -37,7 +37,7 @@ bool isSecurityThere() noexcept {
   return SUCCEEDED(result) || result == RPC_E_TOO_LATE;
 }
 
-// What each step makes is none when the step has failed.
+// Each of these steps returns an empty result on failure.
 tComPointer<IWbemLocator> createLocator() noexcept {
   void* locator = nullptr;
   tComPointer<IWbemLocator> owner;
@@ -58,7 +58,7 @@ tComPointer<IWbemServices> connect(IWbemLocator& locator) noexcept {
   return services;
 }
 
-// A server in the same process has no proxy and refuses; the query shows what that is worth.
+// A server in the same process has no proxy and refuses; the query then fails if it needs the settings.
 void allowImpersonation(IWbemServices& services) noexcept {
   static_cast<void>(CoSetProxyBlanket(&services, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
                                       RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr,

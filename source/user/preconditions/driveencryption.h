@@ -5,10 +5,10 @@
 
 namespace nQUENRA1400 {
 
-// True when the operating system says that the volume encryption of drive C: is on. False when it is
-// off, unknown, or not there; and, with kUpdateEnvironment in the status, when the system cannot be
-// asked: among others on a thread that uses COM in a single-threaded apartment. What the thread has
-// of COM is afterwards as it was. Nothing is asked when the status already holds an error.
+// True if the operating system reports that the volume encryption of drive C: is on. False if it is
+// off, unknown or not available. If the system cannot be queried, for example on a thread in a
+// single-threaded apartment, returns false and reports kUpdateEnvironment. Leaves COM on the calling
+// thread as it was. Makes no query if the status holds an error.
 [[nodiscard]] bool IsSystemDriveEncrypted(zoerr::Status& status) noexcept;
 
 }  // namespace nQUENRA1400

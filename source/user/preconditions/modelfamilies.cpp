@@ -31,7 +31,7 @@ bool IsOutsideModelFamilies(nZOSMBIOS_1_1::cZoSmBiosProvider& provider) noexcept
   try {
     return !isInAFamily(name.view());
   } catch (const std::exception&) {
-    // No memory for the patterns: a machine that cannot be told apart is not served.
+    // No memory for the patterns: a machine that cannot be identified is not supported.
     return false;
   }
 }

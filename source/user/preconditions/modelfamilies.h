@@ -5,9 +5,9 @@
 
 namespace nQUENRA1400 {
 
-// True when the machine's product name is known and matches neither of the two model families that
-// the library does not serve. False when the name matches, cannot be read, is absent, or when
-// memory for the test is short.
+// True if the machine's product name is known and matches neither of the two model families that
+// the library does not support. False if the name matches, cannot be read or is absent, or if memory
+// for the test is short.
 [[nodiscard]] bool IsOutsideModelFamilies(nZOSMBIOS_1_1::cZoSmBiosProvider& provider) noexcept;
 
 }  // namespace nQUENRA1400

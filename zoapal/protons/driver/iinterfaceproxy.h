@@ -9,8 +9,8 @@ namespace nQUENRA1400::nZOAPAL000 {
 
 class tPendingRequest;
 
-// A channel to a driver: what a typed interface needs of it. Operations that take a status do
-// nothing and return 0 when it holds an error.
+// A channel to a driver for the typed interfaces. Operations with a status do nothing and return 0 if
+// the status holds an error.
 class iInterfaceProxy {
  public:
   iInterfaceProxy() = default;
@@ -30,16 +30,16 @@ class iInterfaceProxy {
   virtual uint32_t write(const void* buffer, uint32_t size,
                          nZOAPALS100::tStatus& status) noexcept = 0;
 
-  // Starts a request that the driver keeps pending until it is ended, and returns, when the driver
-  // has accepted it, the handle that the driver gave it. a, b and c are the driver's to understand.
-  // `request` is the caller's and stands for it from then on.
+  // Starts a request that the driver keeps pending until it is ended. Returns the driver's handle of it
+  // when the driver has accepted it. The library does not interpret a, b and c. `request` belongs to the
+  // caller and represents the pending request.
   //
-  // 0 when the request has failed: the status tells why. Also 0, without an error, for a request
+  // Returns 0 if the request fails, with the reason in the status. Also 0, without an error, for a request
   // that the driver completes without accepting it. Nothing is pending then.
   virtual uint64_t beginPendingRequest(uint16_t a, uint64_t b, uint8_t c, tPendingRequest& request,
                                        nZOAPALS100::tStatus& status) noexcept = 0;
-  // Ends it, and waits until it has ended; when the driver refuses to end it, the caller is free of
-  // it all the same. Does nothing for a request without a handle.
+  // Ends the request and waits for its completion; if the driver refuses, only `request` is released.
+  // Does nothing for a request without a handle.
   virtual void endPendingRequest(tPendingRequest& request) noexcept = 0;
 };
 

@@ -83,8 +83,8 @@ const tDevicePath& tDeviceInterfaceIterator::getDevicePath(tStatus& status) noex
     return path_;
   }
   if (isEnd()) {
-    // What the system says about an interface that it did not hand out. Asked with what is left of
-    // the last one, it would give that one's path again.
+    // The error that Windows reports for an interface that it has not enumerated. A query with the data of
+    // the last interface would return that interface's path again.
     mergeWin32Failure(ERROR_INVALID_PARAMETER, status, kFile, kGetDetailLine);
     return path_;
   }

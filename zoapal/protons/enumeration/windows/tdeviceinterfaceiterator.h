@@ -35,7 +35,7 @@ class tDeviceInterfaceIterator {
   void next() noexcept;
 
   // The path of the current interface, at most 251 characters; fetched once. Empty on failure:
-  // kPathTooLong when it needs more, kInvalidParameter at the end, else what the system reported.
+  // kPathTooLong for a longer path, kInvalidParameter at the end, otherwise the mapped Windows error.
   [[nodiscard]] const tDevicePath& getDevicePath(nZOAPALS100::tStatus& status) noexcept;
 
   // Opens the proxy on the current interface.

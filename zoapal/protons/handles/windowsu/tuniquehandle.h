@@ -7,8 +7,8 @@
 
 namespace nQUENRA1400::nZOAPAL000 {
 
-// Owns a handle. Policy gives the handle's type, the value that stands for none, and how to close.
-// Closing keeps the thread's last error, so that a failure can still be told after the clean-up.
+// Owns a handle. Policy defines the handle's type, its invalid value and the function that closes it.
+// Closing preserves the thread's last error, so that a failure can be reported after the clean-up.
 template <class Policy>
 class tUniqueHandle {
  public:
