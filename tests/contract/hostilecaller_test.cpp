@@ -310,7 +310,7 @@ TEST_F(HostileClient, NullSession_IsRefusedByEveryFunction) {
   expectAllRefused(callsOnSession(nullptr));
 }
 
-TEST_F(HostileClient, SessionThatIsNone_IsRefusedByEveryFunction) {
+TEST_F(HostileClient, InvalidSession_IsRefusedByEveryFunction) {
   expectAllRefused(callsOnSession(strangeSession()));
   expectAllRefused(callsOnSession(reinterpret_cast<zoroco_RoutingAdaptorSession*>(terminals)));
   expectAllRefused(callsOnSession(reinterpret_cast<zoroco_RoutingAdaptorSession*>(uintptr_t{1})));
@@ -340,7 +340,7 @@ TEST_F(HostileClient, NullIterator_IsRefusedByEveryFunction) {
   EXPECT_TRUE(zoroco_ra_quenra_TerminalIterator_isEnd(nullptr));
 }
 
-TEST_F(HostileClient, IteratorThatIsNone_IsRefusedByEveryFunction) {
+TEST_F(HostileClient, InvalidIterator_IsRefusedByEveryFunction) {
   expectAllRefused(callsOnIterator(strangeIterator()));
   expectAllRefused(callsOnIterator(reinterpret_cast<zoroco_TerminalIterator*>(session)));
   EXPECT_TRUE(zoroco_ra_quenra_TerminalIterator_isEnd(strangeIterator()));

@@ -149,7 +149,7 @@ TEST_F(Opening, AfterAFailure_TriesEverythingAgain) {
   EXPECT_EQ(openOnce(), 0);
 }
 
-TEST_F(Opening, AfterAClose_InstallsTheTableAnew) {
+TEST_F(Opening, AfterAClose_InstallsTheTableAgain) {
   ASSERT_EQ(openOnce(), 0);
   tReferenceTable other;
   other.structure(0x01) = tSmbiosStructure(0x01, 0x1B).text(0x05, "BW-9999");

@@ -122,7 +122,7 @@ TEST(SoakTable, OneStepUp_IsNotGrowth) {
   }
 }
 
-TEST(SoakTable, Handles_AreToldByKind) {
+TEST(SoakTable, Handles_AreReportedByKind) {
   EXPECT_EQ(handleText(handlesOf({{"Key", 14}, {"File", 5}, {"Odd", 1}})),
             "File 5, Key 14, another kind 1");
   EXPECT_EQ(handleText(handlesOf({})), "");

@@ -38,7 +38,7 @@ TEST(SendRequest, StatusWithAnError_SendsNothingAndLeavesTheReply) {
   EXPECT_EQ(reply, (tReply{kOld, kOld, kOld, kOld}));
 }
 
-TEST(SendRequest, TransportFailure_IsToldAndMerged) {
+TEST(SendRequest, TransportFailure_IsReportedAndMerged) {
   tRecordingDevice device;
   device.transportWill([](tStatus& transport) { mergeStatus(transport, -52009, {"device", 110}); });
   tReply reply{};

@@ -59,7 +59,7 @@ TEST_F(FirmwareBuild, PayloadOfAnyLength_IsInspectedAsItWas) {
   }
 }
 
-TEST_F(FirmwareBuild, Lines_Have76CharactersUnlessToldOtherwise) {
+TEST_F(FirmwareBuild, Lines_Have76CharactersByDefault) {
   ASSERT_EQ(build(std::string(100, 'x')).exitCode, 0);
   EXPECT_THAT(image(), HasSubstr("\r\n\r\n" + encodeBase64(std::vector<uint8_t>(100, 'x'), 76)));
 }

@@ -32,7 +32,7 @@ TEST_F(FirmwareVerify, GoodImage_IsSaidInALineAndADocument) {
   EXPECT_EQ(document["image"]["sections"][1]["order"].GetInt(), 2);
 }
 
-TEST_F(FirmwareVerify, EveryFault_IsToldWithCodeLineAndRemedy) {
+TEST_F(FirmwareVerify, EveryFault_IsReportedWithCodeLineAndRemedy) {
   const std::string image =
       firmwareImage({tFirmwareSection("BIOS").with("CRC", "0"), tFirmwareSection("MARTEN"),
                      tFirmwareSection("MARTEN").with("HeaderVersion", "2")});

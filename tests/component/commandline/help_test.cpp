@@ -50,7 +50,7 @@ TEST_F(Help, VerbAndOption_SayTheSame) {
   EXPECT_EQ(run({"get", "-h"}).out, run({"get", "--help"}).out);
 }
 
-TEST_F(Help, OfAVerbOfTwoWords_IsToldInEveryWay) {
+TEST_F(Help, OfAVerbOfTwoWords_IsPrintedForEverySpelling) {
   const std::string text = run({"firmware", "inspect", "--help"}).out;
   EXPECT_THAT(text, HasSubstr("\nUsage: quenra firmware inspect IMAGE\n"));
   EXPECT_EQ(run({"help", "firmware", "inspect"}).out, text);

@@ -17,7 +17,7 @@ TEST(NumberText, UnsignedIsDecimalOrHexadecimal) {
   EXPECT_EQ(parseUnsigned("010"), 10u) << "a leading zero does not mean octal";
 }
 
-TEST(NumberText, WhatIsNoUnsigned_IsRefused) {
+TEST(NumberText, TextThatIsNoUnsigned_IsRefused) {
   for (const char* text : {"", "0x", "-1", "+1", "1 ", " 1", "12x", "0x100000000", "4294967296",
                            "1.5", "x", "0x-1", "0x0x1"}) {
     EXPECT_EQ(parseUnsigned(text), std::nullopt) << "'" << text << "'";
@@ -33,7 +33,7 @@ TEST(NumberText, StatusCode_IsTakenInEveryFormProgramsShow) {
   EXPECT_EQ(parseStatusCode("-2147483648"), std::numeric_limits<int32_t>::min());
 }
 
-TEST(NumberText, WhatIsNoStatusCode_IsRefused) {
+TEST(NumberText, TextThatIsNoStatusCode_IsRefused) {
   for (const char* text :
        {"", "-", "+", "--1", "+-1", "-0x1", "-2147483649", "4294967296", "1e3"}) {
     EXPECT_EQ(parseStatusCode(text), std::nullopt) << "'" << text << "'";

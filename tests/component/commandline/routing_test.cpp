@@ -106,7 +106,7 @@ TEST_F(Routing, UnknownTerminals_AreNotSupported) {
   EXPECT_THAT(result.error, testing::Not(HasSubstr("Correct the calling program")));
 }
 
-TEST_F(Routing, EveryFailingStep_IsToldAndClosesTheSession) {
+TEST_F(Routing, EveryFailingStep_IsReportedAndClosesTheSession) {
   const std::pair<const char*, const char*> steps[] = {
       {"open", "cannot open a routing session"},
       {"terminals", "cannot list the terminals"},
@@ -221,7 +221,7 @@ TEST_F(RouteConnect, Time_IsKept) {
   EXPECT_FALSE(document["interrupted"].GetBool());
 }
 
-TEST_F(RouteConnect, Demotions_AreToldAndMakeItAFailure) {
+TEST_F(RouteConnect, Demotions_AreReportedAndMakeItAFailure) {
   routing_.afterProgramming = [this] { routing_.demoteOnItsThread({101, 102}); };
   const tRun result = run(routeWords("connect", {"--for", "1"}));
   EXPECT_EQ(result.exitCode, 1);
@@ -306,14 +306,14 @@ TEST_F(RouteConnect, RouteOfTheOtherPolarity_IsNotTaken) {
   EXPECT_THAT(callsBehindCalculation(), ElementsAre("destroy 8"));
 }
 
-TEST_F(RouteConnect, TimeThatIsNone_IsRefusedBeforeAnythingIsOpened) {
+TEST_F(RouteConnect, InvalidTime_IsRefusedBeforeAnythingIsOpened) {
   for (const char* const time : {"", "x", "1.5", "-1", "4294967296"}) {
     EXPECT_EQ(run(routeWords("connect", {"--for", time})).exitCode, 2) << time;
   }
   EXPECT_THAT(routing_.calls, IsEmpty());
 }
 
-TEST(Answers, WhatIsNotAsTold_IsLeftOut) {
+TEST(Answers, MembersOfUnexpectedTypes_AreIgnored) {
   using namespace nCommandLine;
   for (const char* const text : {"", "{", "{}", "null", "[1]", R"([{"ticket":-1,"cost":1}])",
                                  R"([{"sessionId":-1,"ticket":1}])"}) {

@@ -106,7 +106,7 @@ TEST_F(Set, TextSettingOfBoth_GoesToBothOrToTheMarten) {
   }
 }
 
-TEST_F(Set, WhatTheLibraryCannotMean_IsRefused) {
+TEST_F(Set, IdThatTheLibraryCannotWrite_IsRefused) {
   EXPECT_THAT(
       refusalOf({"set", "text-setting-of-both", "a", "--controller"}),
       HasSubstr("text-setting-of-both cannot be written to the controller interface alone\n"));

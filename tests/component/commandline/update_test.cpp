@@ -200,7 +200,7 @@ TEST_F(UpdatePlan, RefusedSection_KeepsTheOthersBack) {
               ElementsAre("2 keep-back", "1 refuse"));
 }
 
-TEST_F(UpdatePlan, DriveThatCannotBeAsked_IsToldWithTheStep) {
+TEST_F(UpdatePlan, DriveThatCannotBeQueried_IsReportedWithTheStep) {
   const std::pair<uint32_t, const char*> steps[] = {
       {2831, "COM cannot be started"},
       {2847, "the security of COM cannot be set up"},
@@ -233,7 +233,7 @@ TEST_F(UpdatePlan, MachineThatTakesNoFirmware_IsNotSupported) {
   EXPECT_EQ(document["exitCode"].GetInt(), 3);
 }
 
-TEST_F(UpdatePlan, WithoutAController_WhatElseIsWrongIsToldAllTheSame) {
+TEST_F(UpdatePlan, WithoutAController_OtherObstaclesAreReportedToo) {
   library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
   facts_.protection = {true, 0, 0};
   const tSections sections{section("MARTEN", "1"), section("BIOS", "1").with("CRC", "1")};
@@ -651,7 +651,7 @@ TEST_F(UpdateVerb, MissingFile_IsAFailureAndMissingNameWrongUsage) {
   EXPECT_EQ(library_.opens, 0);
 }
 
-TEST_F(UpdateVerb, Warnings_AreTold) {
+TEST_F(UpdateVerb, Warnings_AreReported) {
   library_.openCode = 77;
   library_.updateCode = 78;
   const tRun result = run({"update", "--json", fileOf({section("BIOS", "1.0.0f0")})});

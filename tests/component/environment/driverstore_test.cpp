@@ -91,7 +91,7 @@ TEST_F(DriverStore, Tools_LeaveNoHandleOpen) {
   EXPECT_EQ(handleCount(), before);
 }
 
-TEST_F(DriverStore, MissingTool_IsTold) {
+TEST_F(DriverStore, MissingTool_IsReported) {
   putToolAside();
   EXPECT_EQ(install(package_), (tFailure{-26937, 2331}));
 }

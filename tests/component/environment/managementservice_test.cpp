@@ -57,7 +57,7 @@ TEST_F(ManagementService, Protection_IsWhatTheScenarioSays) {
   EXPECT_EQ(ask(), kNotEncrypted);
 }
 
-TEST_F(ManagementService, StepThatFails_IsTold) {
+TEST_F(ManagementService, StepThatFails_IsReported) {
   setEncryption({"on", "locator"});
   EXPECT_EQ(ask(), (tAnswer{false, -26937, 2863}));
   setEncryption({"on", "connect"});

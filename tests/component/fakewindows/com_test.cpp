@@ -90,7 +90,7 @@ TEST_F(FakeComDeathTest, TextOrValueThatIsNotThere_Stops) {
   EXPECT_DEATH(static_cast<void>(VariantClear(&value)), "VariantClear");
 }
 
-TEST_F(FakeComDeathTest, WhatTheLibraryDoesNotAsk_Stops) {
+TEST_F(FakeComDeathTest, UnsupportedCall_StopsTheProgram) {
   void* object = nullptr;
   EXPECT_DEATH(static_cast<void>(
                    CoCreateInstance(kUnknown, nullptr, CLSCTX_INPROC_SERVER, kUnknown, &object)),

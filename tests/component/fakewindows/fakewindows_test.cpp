@@ -227,7 +227,7 @@ TEST_F(FakeWindows, Record_TellsTheCallsInOrder) {
   EXPECT_EQ(calls[1].call, tCall::closeHandle);
 }
 
-TEST_F(FakeWindows, WhatIsOpen_IsNamed) {
+TEST_F(FakeWindows, OpenObjects_AreListed) {
   const HANDLE file = open();
   const HDEVINFO set = list();
   EXPECT_EQ(nFakeWindows::objects().open().size(), 2u);

@@ -229,7 +229,7 @@ TEST_F(LyingDriver, PathOfMoreTerminalsThanThereAre_IsShortMemory) {
 
 // ---- Notices ----
 
-TEST_F(LyingDriver, NoticeForAnObjectThatIsNotThere_IsNobodys) {
+TEST_F(LyingDriver, NoticeForAnUnknownObject_IsDropped) {
   openSession();
   for (const uint64_t address : {uint64_t{1}, uint64_t{0x10000}, ~uint64_t{0},
                                  uint64_t{reinterpret_cast<uintptr_t>(this)}}) {
@@ -262,7 +262,7 @@ TEST_F(LyingDriver, CompletionThatComesTwice_IsTakenOnce) {
   EXPECT_EQ(demotions, 1);
 }
 
-TEST_F(LyingDriver, DeliveryShorterThanANotice_IsNobodys) {
+TEST_F(LyingDriver, DeliveryShorterThanANotice_IsDropped) {
   openSession();
   notify(0);
   EXPECT_TRUE(isTold());

@@ -186,7 +186,7 @@ void PrintTo(const tFailingCall& failing, std::ostream* out) {
 class DriveEncryptionFailures : public DriveEncryption,
                                 public testing::WithParamInterface<tFailingCall> {};
 
-TEST_P(DriveEncryptionFailures, EachIsToldAndLeavesNothingBehind) {
+TEST_P(DriveEncryptionFailures, EachIsReportedAndLeavesNothingOpen) {
   com()->useVolumes({{VT_I4, 1}});
   expectUses(GetParam().usesCom ? 1 : 0);
   faultPlan().failCall(GetParam().call, GetParam().nth, GetParam().result);

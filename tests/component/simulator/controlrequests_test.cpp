@@ -12,7 +12,7 @@ TEST_F(ModelControl, Start_TellsTheHostThePresence) {
   EXPECT_EQ(presences[0].devicePaths, 1u);
 }
 
-TEST_F(ModelControl, PresenceThatChanges_IsToldToTheHostOnce) {
+TEST_F(ModelControl, PresenceThatChanges_IsReportedToTheHostOnce) {
   const tSimulatorPresence wanted = {2, 0, 1};
   ASSERT_EQ(control(SIMULATOR_SET_PRESENCE, wanted).windowsError, 0u);
   ASSERT_EQ(control(SIMULATOR_SET_PRESENCE, wanted).windowsError, 0u);

@@ -115,7 +115,7 @@ TEST_F(ModelCounters, Demotion_EndsReservationAndProgramming) {
   EXPECT_EQ(counters().programmingsEnded, 1u);
 }
 
-TEST_F(ModelCounters, WhatASessionLeavesBehind_IsReleased) {
+TEST_F(ModelCounters, RoutesOfAnEndedSession_AreReleased) {
   calculateAndProgram();
   calculateAndReserve();
   cleanUp(1);
@@ -177,7 +177,7 @@ TEST_F(ModelCounters, Files_AreCountedUnlessTheyAreForControl) {
   EXPECT_EQ(counters().filesClosed, 3u);
 }
 
-TEST_F(ModelCounters, AskedForWronglyOrWithoutRoom_AreNotTold) {
+TEST_F(ModelCounters, RequestedWronglyOrWithoutSpace_AreNotReturned) {
   EXPECT_EQ(control(SIMULATOR_READ_COUNTERS, uint32_t{1}).windowsError, 87u);
   EXPECT_EQ(control(SIMULATOR_READ_COUNTERS, {}, sizeof(tSimulatorCounters) - 1).windowsError,
             122u);

@@ -154,7 +154,7 @@ TEST_F(ModelPending, RequestThatIsNeverAccepted_CompletesAtOnce) {
   EXPECT_THAT(pending(), IsEmpty());
 }
 
-TEST_F(ModelPending, CallerWhoCannotBeTold_FailsTheRequest) {
+TEST_F(ModelPending, CallerWhoseMemoryCannotBeWritten_FailsTheRequest) {
   EXPECT_EQ(request(kController, REQUEST_PENDING_NARROW, narrow(0), 0, 11).windowsError, kPending);
   eventsAreGood = false;
   EXPECT_EQ(begin(12), kPending);

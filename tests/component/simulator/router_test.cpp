@@ -323,7 +323,7 @@ TEST_F(ModelRouter, ResetTerminal_DemotesTheRoutesThatDroveIt) {
   EXPECT_EQ(reset(0), SIMULATOR_STATUS_NO_SUCH_TERMINAL);
 }
 
-TEST_F(ModelRouter, RestingSource_IsToldForBothStates) {
+TEST_F(ModelRouter, RestingSource_IsReturnedForBothStates) {
   const auto source = [this](uint32_t terminal, int32_t floating) {
     return call<tRoutingValueReply>(
         REQUEST_CALCULATE_RESET_TERMINAL,
@@ -335,7 +335,7 @@ TEST_F(ModelRouter, RestingSource_IsToldForBothStates) {
   EXPECT_EQ(source(12, 0).driverStatus, SIMULATOR_STATUS_NO_SUCH_TERMINAL);
 }
 
-TEST_F(ModelRouter, DemotedRoute_LosesItsLineAndItsSessionIsTold) {
+TEST_F(ModelRouter, DemotedRoute_LosesItsLineAndItsSessionIsNotified) {
   const tRegisterNotificationRequest asked{0xABCD, ROUTING_NOTIFICATION_DEMOTED, 0};
   EXPECT_EQ(request(kRouting, REQUEST_REGISTER_NOTIFICATION, bytes(asked), 0, 50, 7).windowsError,
             kPending);

@@ -60,7 +60,7 @@ TEST_F(StringSize, MoreThanNeeded_KeepsSizeAndRest) {
   EXPECT_EQ(readWith(9), (tOutcome{0, 0, 9, std::string("hello\0###", 9)}));
 }
 
-TEST_F(StringSize, SizeTold_IsEnoughForTheSecondCall) {
+TEST_F(StringSize, ReportedSize_SufficesForTheSecondCall) {
   tStatus first;
   uint32_t size = 0;
   provider_.getString(kField, 0, nullptr, &size, first);

@@ -63,7 +63,7 @@ TEST_F(PendingRequest, OnAWarning_IsBegunAndKeepsIt) {
   proxy.endPendingRequest(request);
 }
 
-TEST_F(PendingRequest, OnAClosedProxy_IsToldAtLine115) {
+TEST_F(PendingRequest, OnAClosedProxy_IsLocatedAtLine115) {
   proxy.close();
   EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
   expectFailure(-52003, 115);
@@ -229,7 +229,7 @@ TEST_F(PendingRequest, ThatTheDriverRefusesToEnd_LeavesTheCallerFree) {
   EXPECT_TRUE(becomesTrue([&] { return pendingCount() == 0; })) << "until the device is closed";
 }
 
-TEST_F(PendingRequest, WithAnEventThatIsNone_IsRefusedByTheDriver) {
+TEST_F(PendingRequest, WithAnInvalidEvent_IsRefusedByTheDriver) {
   tPendingNarrowRequest form{};
   uint64_t handle = 0;
   form.handleAddress = reinterpret_cast<uintptr_t>(&handle);

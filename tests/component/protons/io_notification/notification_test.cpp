@@ -63,7 +63,7 @@ TEST_F(NotificationReader, OnAStatusInError_WaitsAndWakesNot) {
   EXPECT_EQ(status.code, -1);
 }
 
-TEST_F(NotificationReader, Enabled_IsToldWithThePayload) {
+TEST_F(NotificationReader, Enabled_ReceivesThePayload) {
   EXPECT_TRUE(notification.enable(*reader, proxy, kMask, status));
   EXPECT_EQ(status.code, 0);
   EXPECT_TRUE(notification.isEnabled());
@@ -146,7 +146,7 @@ TEST_F(NotificationReader, PayloadThatIsTooLarge_IsRefusedAndNothingMoreDelivere
   }
 }
 
-TEST_F(NotificationReader, NoticeForAnAddressThatNobodyHas_IsForNobody) {
+TEST_F(NotificationReader, NoticeForAnUnknownAddress_HasNoNotification) {
   notification.enable(*reader, proxy, kMask, status);
   notify("lie", kMask, 0xDEADBEEF0);
   tNotice notice = waitOn(*reader);
@@ -159,7 +159,7 @@ TEST_F(NotificationReader, NoticeForAnAddressThatNobodyHas_IsForNobody) {
   EXPECT_EQ(notice.payload, "truth");
 }
 
-TEST_F(NotificationReader, NoticeForOneThatIsGone_IsForNobody) {
+TEST_F(NotificationReader, NoticeForADestroyedNotification_HasNoNotification) {
   auto gone = std::make_unique<tIONotification>();
   gone->enable(*reader, proxy, 1, status);
   notification.enable(*reader, proxy, kMask, status);
@@ -287,7 +287,7 @@ TEST_F(NotificationReader, OrdinaryRequests_NeverReachThePort) {
   EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
 }
 
-TEST_F(NotificationReader, RegistrationThatIsRefused_IsToldAtLine134) {
+TEST_F(NotificationReader, RefusedRegistration_IsLocatedAtLine134) {
   script(5, REQUEST_REGISTER_NOTIFICATION);
   const bool enabled = notification.enable(*reader, proxy, kMask, status);
   // A driver's refusal arrives with the call, or as a failed completion that nobody waits for.

@@ -65,7 +65,7 @@ TEST_F(CodePage, EmbeddedNul_IsACharacterLikeOthers) {
   EXPECT_EQ(codePageFromUtf16(std::u16string_view(u"a\0b", 3)), std::string_view("a\0b", 3));
 }
 
-TEST_F(CodePage, BytesThatTheCodePageRefuses_AreToldAndNotTakenForAnEmptyName) {
+TEST_F(CodePage, BytesThatTheCodePageRefuses_FailInsteadOfAnEmptyName) {
   for (unsigned nth = 1; nth <= 2; ++nth) {
     faultPlan().reset();
     faultPlan().failCall(tCall::multiByteToWideChar, nth, kNoUnicodeTranslation);
@@ -74,7 +74,7 @@ TEST_F(CodePage, BytesThatTheCodePageRefuses_AreToldAndNotTakenForAnEmptyName) {
   }
 }
 
-TEST_F(CodePage, CharactersThatTheSystemRefuses_AreToldAndNotTakenForAnEmptyName) {
+TEST_F(CodePage, CharactersThatTheSystemRefuses_FailInsteadOfAnEmptyName) {
   for (unsigned nth = 1; nth <= 2; ++nth) {
     faultPlan().reset();
     faultPlan().failCall(tCall::wideCharToMultiByte, nth, kNoUnicodeTranslation);

@@ -68,7 +68,7 @@ class NotificationFailures : public NotificationTest {
   tIONotification notification;
 };
 
-TEST_F(NotificationFailures, PortThatTakesNoDevice_IsToldAtLine315AndTriedAgainNextTime) {
+TEST_F(NotificationFailures, PortThatRefusesTheDevice_IsLocatedAtLine315AndTriedAgainNextTime) {
   faultPlan().failCall(tCall::createIoCompletionPort, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
   expectFailureOf("tdeviceinterfaceproxy", -52009, 315);
@@ -76,7 +76,7 @@ TEST_F(NotificationFailures, PortThatTakesNoDevice_IsToldAtLine315AndTriedAgainN
   expectTheNextWorks();
 }
 
-TEST_F(NotificationFailures, PortThatTakesNoDevice_ToldWithAWarning_LeavesNobodyWaiting) {
+TEST_F(NotificationFailures, PortThatRefusesTheDeviceWithAWarning_LeavesNoThreadWaiting) {
   faultPlan().failCall(tCall::createIoCompletionPort, 1, ERROR_IO_PENDING);
   EXPECT_FALSE(enable());
   expectFailureOf("tdeviceinterfaceproxy", 52011, 315);
@@ -108,7 +108,7 @@ TEST_F(NotificationFailures, RegistrationThatCannotBeSent_WithoutALastError_IsAF
   expectTheNextWorks();
 }
 
-TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsToldAtLine333) {
+TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsLocatedAtLine333) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
   expectFailureOf("tdeviceinterfaceproxy", -52009, 333);
@@ -165,7 +165,7 @@ TEST_F(NotificationFailures, RefusedRegistration_ReaderDestroyed_WaitsForNoPacke
   EXPECT_EQ(faultPlan().callCount(tCall::getQueuedCompletionStatus), 0u);
 }
 
-TEST_F(NotificationFailures, RegistrationThatCannotBeSent_IsToldAtLine134) {
+TEST_F(NotificationFailures, RegistrationThatCannotBeSent_IsLocatedAtLine134) {
   faultPlan().failCall(tCall::deviceIoControl, 2, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
   expectFailureOf("tionotification", -52009, 134);
@@ -192,7 +192,7 @@ TEST_F(NotificationFailures, UnregisteringThatFails_CancelsTheRegistration) {
   EXPECT_THROW(notify("nobody"), nSimulator::tControlError);
 }
 
-TEST_F(NotificationFailures, WakeUpThatCannotBePosted_IsToldAtLine101) {
+TEST_F(NotificationFailures, WakeUpThatCannotBePosted_IsLocatedAtLine101) {
   faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, ERROR_INVALID_HANDLE);
   reader->wake(status);
   expectFailureOf("tionotification", -52003, 101);
@@ -207,7 +207,7 @@ TEST_F(NotificationFailures, ThreadOnAStatusInError_IsNotStarted) {
   EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
 }
 
-TEST_F(NotificationFailures, WaitThatFails_IsToldAtLine59) {
+TEST_F(NotificationFailures, WaitThatFails_IsLocatedAtLine59) {
   faultPlan().failCall(tCall::getQueuedCompletionStatus, 1, ERROR_ACCESS_DENIED);
   const tNotice notice = waitOn(*reader);
   EXPECT_EQ(notice.code, -52009);
@@ -223,7 +223,7 @@ TEST_F(NotificationFailures, WaitThatFailsOnTheThread_IsHandedToTheCallbackAndTh
       becomesTrue([] { return faultPlan().callCount(tCall::getQueuedCompletionStatus) == 2; }));
 }
 
-TEST_F(NotificationFailures, ThreadThatCannotBeHad_IsToldAtLine471) {
+TEST_F(NotificationFailures, ThreadThatCannotBeStarted_IsLocatedAtLine471) {
   faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
   reader->start(countFailures, status);
   expectFailureOf("thread", -52008, 471);
@@ -265,7 +265,7 @@ TEST_F(NotificationFailures,
   EXPECT_EQ(faultPlan().callCount(tCall::waitForSingleObject), 1u) << "it is waited for";
 }
 
-TEST_F(NotificationFailures, PriorityOfAThreadThatIsNotStarted_IsToldAtLine859) {
+TEST_F(NotificationFailures, PriorityOfAThreadThatIsNotStarted_IsLocatedAtLine859) {
   tThread thread;
   thread.setPriority(THREAD_PRIORITY_NORMAL, status);
   expectFailureOf("thread", -52010, 859);

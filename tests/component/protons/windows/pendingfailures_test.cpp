@@ -38,7 +38,7 @@ class PendingFailures : public PendingRequest {
   }
 };
 
-TEST_F(PendingFailures, WithoutAnEventToBeAcceptedBy_IsToldAtLine238) {
+TEST_F(PendingFailures, WithoutAnEventForTheAcceptance_IsLocatedAtLine238) {
   faultPlan().failCall(tCall::createEvent, 1, ERROR_NO_SYSTEM_RESOURCES);
   EXPECT_EQ(begin(), 0u);
   expectFailure(-52000, 238);
@@ -46,7 +46,7 @@ TEST_F(PendingFailures, WithoutAnEventToBeAcceptedBy_IsToldAtLine238) {
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, WithoutAThread_IsToldAtLine264) {
+TEST_F(PendingFailures, WithoutAThread_IsLocatedAtLine264) {
   faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
   expectFailure(-52009, 264);
@@ -77,7 +77,7 @@ TEST_F(PendingFailures, WithoutAThreadAndWithoutALastError_IsAGenericFailure) {
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, WorkerWithoutAnEvent_IsToldAtLine115) {
+TEST_F(PendingFailures, WorkerWithoutAnEvent_IsLocatedAtLine115) {
   faultPlan().failCall(tCall::createEvent, 2, ERROR_NO_SYSTEM_RESOURCES);
   EXPECT_EQ(begin(), 0u);
   expectFailure(-52000, 115);
@@ -85,14 +85,14 @@ TEST_F(PendingFailures, WorkerWithoutAnEvent_IsToldAtLine115) {
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, WorkerWhoseRequestFailsAtOnce_IsToldAtLine115) {
+TEST_F(PendingFailures, WorkerWhoseRequestFailsImmediately_IsLocatedAtLine115) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
   expectFailure(-52009, 115);
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, WorkerWhoseRequestFailsLater_IsToldAtLine110) {
+TEST_F(PendingFailures, WorkerWhoseRequestFailsLater_IsLocatedAtLine110) {
   faultPlan().complete(nFakeWindows::tCompletion::later, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
   expectFailure(-52009, 110);

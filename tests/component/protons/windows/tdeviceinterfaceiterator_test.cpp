@@ -63,7 +63,7 @@ TEST_F(DeviceInterfaceIterator, OnAStatusInError_CallsNothing) {
   EXPECT_EQ(status.code, -1);
 }
 
-TEST_F(DeviceInterfaceIterator, SetThatCannotBeMade_IsToldAtLine45) {
+TEST_F(DeviceInterfaceIterator, SetThatCannotBeCreated_IsLocatedAtLine45) {
   faultPlan().failCall(tCall::setupDiGetClassDevs, 1, ERROR_INVALID_PARAMETER);
   {
     tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
@@ -99,7 +99,7 @@ TEST_F(DeviceInterfaceIterator, PathThatJustFits_IsFetched) {
   EXPECT_EQ(status.code, 0);
 }
 
-TEST_F(DeviceInterfaceIterator, PathOneCharacterTooLong_IsToldAtLine224) {
+TEST_F(DeviceInterfaceIterator, PathOneCharacterTooLong_IsLocatedAtLine224) {
   machine().usePath({kSimulatorInterfaceController, 0}, std::string(252, 'p'));
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_TRUE(i.getDevicePath(status).isEmpty());
@@ -118,7 +118,7 @@ TEST_F(DeviceInterfaceIterator, PathAtTheEnd_IsEmptyAndAnError) {
   EXPECT_EQ(status.line, 232u);
 }
 
-TEST_F(DeviceInterfaceIterator, DetailThatCannotBeRead_IsToldAtLine232) {
+TEST_F(DeviceInterfaceIterator, DetailThatCannotBeRead_IsLocatedAtLine232) {
   faultPlan().failCall(tCall::setupDiGetDeviceInterfaceDetail, 1, ERROR_DEVICE_REMOVED);
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_TRUE(i.getDevicePath(status).isEmpty());

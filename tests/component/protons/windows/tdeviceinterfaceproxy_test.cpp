@@ -87,13 +87,13 @@ TEST_F(DeviceInterfaceProxy, OpenOnAStatusInError_CallsNothing) {
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 
-TEST_F(DeviceInterfaceProxy, FileThatIsNotThere_IsToldAtLine43) {
+TEST_F(DeviceInterfaceProxy, MissingFile_IsLocatedAtLine43) {
   proxy.open("\\\\?\\nothing", status);
   expectFailure(-52006, 43);
   EXPECT_FALSE(proxy.isOpen());
 }
 
-TEST_F(DeviceInterfaceProxy, EventThatCannotBeMade_IsToldAtLine51AndClosesTheFile) {
+TEST_F(DeviceInterfaceProxy, EventThatCannotBeCreated_IsLocatedAtLine51AndClosesTheFile) {
   faultPlan().failCall(tCall::createEvent, 1, ERROR_NO_SYSTEM_RESOURCES);
   proxy.open(controllerPath().c_str(), status);
   expectFailure(-52000, 51);
@@ -130,7 +130,7 @@ TEST_F(DeviceInterfaceProxy, RequestThatIsPendingFirst_IsWaitedFor) {
   EXPECT_EQ(faultPlan().callCount(tCall::getOverlappedResult), 1u);
 }
 
-TEST_F(DeviceInterfaceProxy, RequestRefusedAtOnce_IsToldAtLine115) {
+TEST_F(DeviceInterfaceProxy, RequestRefusedImmediately_IsLocatedAtLine115) {
   open();
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_NOT_READY);
   EXPECT_EQ(exchange(), 0u);
@@ -138,7 +138,7 @@ TEST_F(DeviceInterfaceProxy, RequestRefusedAtOnce_IsToldAtLine115) {
   EXPECT_EQ(reply.driverStatus, 7) << "the reply is left alone";
 }
 
-TEST_F(DeviceInterfaceProxy, RequestThatFailsWhilePending_IsToldAtLine110) {
+TEST_F(DeviceInterfaceProxy, RequestThatFailsWhilePending_IsLocatedAtLine110) {
   open();
   faultPlan().complete(tCompletion::later, ERROR_SEM_TIMEOUT);
   EXPECT_EQ(exchange(), 0u);
@@ -183,7 +183,7 @@ TEST_F(DeviceInterfaceProxy, RequestOnAWarning_IsSent) {
   EXPECT_EQ(status.code, 5);
 }
 
-TEST_F(DeviceInterfaceProxy, RequestOnAClosedProxy_IsToldAtLine115WithoutACall) {
+TEST_F(DeviceInterfaceProxy, RequestOnAClosedProxy_IsLocatedAtLine115WithoutACall) {
   EXPECT_EQ(exchange(), 0u);
   expectFailure(-52003, 115);
   EXPECT_EQ(faultPlan().callCount(), 0u);
@@ -191,7 +191,7 @@ TEST_F(DeviceInterfaceProxy, RequestOnAClosedProxy_IsToldAtLine115WithoutACall) 
 
 // ---- Reading and writing ----
 
-TEST_F(DeviceInterfaceProxy, ReadFailing_IsToldAtLine153OrAfterWaitingAtLine148) {
+TEST_F(DeviceInterfaceProxy, FailedRead_IsLocatedAtLine153OrAfterWaitingAtLine148) {
   open();
   char buffer[8] = {};
   EXPECT_EQ(proxy.read(buffer, sizeof buffer, status), 0u);
@@ -202,7 +202,7 @@ TEST_F(DeviceInterfaceProxy, ReadFailing_IsToldAtLine153OrAfterWaitingAtLine148)
   expectFailure(-52002, 148);
 }
 
-TEST_F(DeviceInterfaceProxy, WriteFailing_IsToldAtLine194OrAfterWaitingAtLine189) {
+TEST_F(DeviceInterfaceProxy, FailedWrite_IsLocatedAtLine194OrAfterWaitingAtLine189) {
   open();
   const char buffer[8] = {};
   EXPECT_EQ(proxy.write(buffer, sizeof buffer, status), 0u);
@@ -213,7 +213,7 @@ TEST_F(DeviceInterfaceProxy, WriteFailing_IsToldAtLine194OrAfterWaitingAtLine189
   expectFailure(-52002, 189);
 }
 
-TEST_F(DeviceInterfaceProxy, ReadAndWriteOnAClosedProxy_AreToldAfterTheCall) {
+TEST_F(DeviceInterfaceProxy, ReadAndWriteOnAClosedProxy_AreLocatedAfterTheCall) {
   char buffer[8] = {};
   proxy.read(buffer, sizeof buffer, status);
   expectFailure(-52003, 153);
@@ -246,7 +246,7 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequests_EachGetTheirOwnReply) {
   }
 }
 
-TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsToldAtLine115) {
+TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsLocatedAtLine115) {
   open();
   faultPlan().failEveryCall(tCall::createEvent, ERROR_NO_SYSTEM_RESOURCES);
   // While the first request is under way, the second needs an event.
@@ -265,7 +265,7 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsToldAtLi
 
 // ---- Deliveries ----
 
-TEST_F(DeviceInterfaceProxy, DeliveryWithoutAPort_IsToldAtLine333) {
+TEST_F(DeviceInterfaceProxy, DeliveryWithoutAPort_IsLocatedAtLine333) {
   open();
   proxy.armDelivery(status);
   expectFailure(-52003, 333);
