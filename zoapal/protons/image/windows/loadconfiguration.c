@@ -1,4 +1,4 @@
-/* What the loader is told about an image. GNU ld does not enter it into the image's directory;
+/* The load configuration of an image, for the loader. GNU ld does not enter it into the image's directory;
  * cmake/enterloadconfiguration.py does after linking. */
 #include <stddef.h>
 #include <windows.h>
