@@ -34,8 +34,8 @@ tExitCode runWords(const tVerbContext& context, tWords words) {
   }
 }
 
-// The reader of a closed pipe has all that it needs, as `head` does: no message, unless the verb has
-// changed the machine.
+// Reports a closed pipe only if the verb has changed the machine: a reader such as `head` closes
+// the pipe once it has enough output.
 tExitCode reportOutputFailure(const tStreams& streams) {
   const std::error_code failure =
       streams.outBuffer == nullptr ? std::error_code() : streams.outBuffer->failure();

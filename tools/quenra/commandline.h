@@ -6,8 +6,8 @@
 
 namespace nCommandLine {
 
-// The whole program: what `main` is given, and what it is to return (exitcode.h). Throws nothing
-// but what the streams throw.
+// The complete program: accepts the arguments of `main` and returns its exit code (exitcode.h).
+// Throws only exceptions of the streams.
 [[nodiscard]] int runCommandLine(int argc, const char* const* argv, tStreams& streams,
                                  const tPorts& ports);
 

@@ -21,7 +21,7 @@ struct tExitCodeRow {
   std::string_view meaning;
 };
 
-// The table that the help and the guide show; scripts rely on it.
+// The exit codes that the help and the guide document. Scripts rely on them.
 inline constexpr tExitCodeRow kExitCodes[] = {
     {tExitCode::done, "done"},
     {tExitCode::failure,

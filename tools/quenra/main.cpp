@@ -1,5 +1,5 @@
-// The program on Windows: the library itself, the words of the command line, the standard streams and
-// their console.
+// The entry point on Windows: connects the command line to quenra.dll, the arguments, the standard
+// streams and the console.
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
@@ -36,7 +36,7 @@ bool stylesAreUnwanted() noexcept {
   return noColour != nullptr && *noColour != '\0';
 }
 
-// Writes to the standard output with its last error as the reason of a failure.
+// Writes to the standard output. Returns the Windows error on failure.
 std::error_code writeOutput(std::string_view bytes) noexcept {
   while (!bytes.empty()) {
     constexpr size_t kMaxWrite = size_t{1} << 20;
@@ -55,7 +55,7 @@ std::error_code writeOutput(std::string_view bytes) noexcept {
 class tConsole {
  public:
   tConsole() noexcept
-      // Fails for everything but a console: files, pipes, the null device.
+      // Fails unless the output is a console: for files, pipes and the null device.
       : present_(GetConsoleMode(standardOutput(), &modeBefore_) != 0) {
     if (present_) {
       SetConsoleOutputCP(CP_UTF8);
@@ -89,9 +89,9 @@ struct tLocalFree {
   void operator()(LPWSTR* memory) const noexcept { LocalFree(memory); }
 };
 
-// The words of the command line. Those that `main` receives have been converted to the process code
-// page, which lacks most characters, and may have had their wildcards expanded. Empty where memory is
-// short.
+// The words of the command line as UTF-8. The arguments of `main` are unsuitable: the C runtime
+// converts them to the process code page, which lacks most characters, and may expand wildcards.
+// Empty if memory is short.
 std::vector<std::string> commandLineWords() {
   int count = 0;
   const std::unique_ptr<LPWSTR, tLocalFree> words(CommandLineToArgvW(GetCommandLineW(), &count));
@@ -112,7 +112,7 @@ int main() {
   nCommandLine::tOutputBuffer buffer(&writeOutput);
   std::ostream out(&buffer);
   if (console.present()) {
-    // A person sees each text at once, in order with those of the error stream.
+    // Unbuffered on a console: output appears immediately and in order with the error stream.
     out << std::unitbuf;
   }
   nCommandLine::tStreams streams{out, std::cerr, console.present(), console.takesStyles(), &buffer};

@@ -12,8 +12,8 @@
 
 namespace nCommandLine {
 
-// The meaning of a status code at the site that reported it, and the remedy there, instead of those of
-// the catalogue, which cover every site of the code. An empty text leaves that of the catalogue.
+// Meaning and remedy of a status code at the site that reported it. They replace the texts of the
+// catalogue, which cover every site of the code; an empty text keeps that of the catalogue.
 struct tSiteExplanation {
   std::string meaning;
   std::string advice;
@@ -29,21 +29,21 @@ struct tRouteHolder {
 // Ends a verb without an answer. The command line reports it, as text and as JSON.
 class tCommandError : public std::runtime_error {
  public:
-  // `what()` says in one sentence what could not be done. `status` is the library's code where it
-  // was the library that failed; then its explanation is the advice.
+  // `what()` is one sentence about the operation that failed. `status` is the library's code if the
+  // library failed; the advice is then the explanation of the code.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status)
       : std::runtime_error(what), exitCode_(exitCode), status_(status) {}
-  // ... with the explanation of the site that reported the status.
+  // As above, with the explanation of the site that reported the status.
   tCommandError(tExitCode exitCode, const std::string& what, int32_t status, tSiteExplanation site)
       : std::runtime_error(what), exitCode_(exitCode), status_(status), site_(std::move(site)) {}
-  // ... with advice of the program's own after that of the status.
+  // As above, with additional advice of the program after that of the status.
   tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status,
                 std::string advice)
       : std::runtime_error(what),
         exitCode_(exitCode),
         status_(status),
         advice_(std::move(advice)) {}
-  // Wrong usage: `suggestions` are words that may have been meant instead.
+  // Wrong usage. `suggestions` are words that the user may have meant.
   tCommandError(const std::string& what, std::string advice, std::vector<std::string> suggestions)
       : std::runtime_error(what),
         exitCode_(tExitCode::wrongUsage),
@@ -52,7 +52,7 @@ class tCommandError : public std::runtime_error {
 
   [[nodiscard]] tExitCode exitCode() const noexcept { return exitCode_; }
   [[nodiscard]] std::optional<int32_t> status() const noexcept { return status_; }
-  // Nothing if the catalogue explains the status.
+  // Empty if the catalogue explains the status.
   [[nodiscard]] const std::optional<tSiteExplanation>& site() const noexcept { return site_; }
   [[nodiscard]] const std::vector<tRouteHolder>& holders() const noexcept { return holders_; }
   void setHolders(std::vector<tRouteHolder> holders) { holders_ = std::move(holders); }

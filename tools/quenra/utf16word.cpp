@@ -10,7 +10,7 @@ constexpr bool isLowSurrogate(char32_t unit) noexcept {
   return unit >= 0xDC00 && unit < 0xE000;
 }
 
-// The code point, or half of a surrogate pair, at the beginning of `word`, which is not empty.
+// The code point, or unpaired surrogate, at the beginning of `word`, which must not be empty.
 char32_t takeFirst(std::u16string_view& word) noexcept {
   const char32_t first = word.front();
   word.remove_prefix(1);

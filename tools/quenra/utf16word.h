@@ -6,8 +6,8 @@
 
 namespace nCommandLine {
 
-// A word of the system's command line as UTF-8. Half of a surrogate pair, which stands for no
-// character, becomes three bytes that are not UTF-8: the word is never taken for another one.
+// Converts a word of the system's command line to UTF-8. An unpaired surrogate becomes three bytes
+// that are not valid UTF-8, so that distinct words stay distinct.
 [[nodiscard]] std::string utf8Word(std::u16string_view word);
 
 }  // namespace nCommandLine

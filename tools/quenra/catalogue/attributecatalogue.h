@@ -1,4 +1,4 @@
-// Every attribute that include/quenra_attributes.h names, in the order in which it is shown.
+// Every attribute that include/quenra_attributes.h defines, in the order of the listings.
 #ifndef TOOLS_QUENRA_CATALOGUE_ATTRIBUTECATALOGUE_H
 #define TOOLS_QUENRA_CATALOGUE_ATTRIBUTECATALOGUE_H
 
@@ -37,7 +37,7 @@ inline constexpr tNamedValue kLinkKinds[] = {
     {1, "ExpressCard"}, {2, "GPIB"}, {3, "Thunderbolt"}, {kOther, "another"}};
 inline constexpr tNamedValue kExpansionKinds[] = {{1, "PCI"}, {kOther, "another"}};
 inline constexpr tNamedValue kNoOrYes[] = {{0, "no"}, {1, "yes"}};
-// The memory types of the SMBIOS standard that are met in machines of this age.
+// The memory types of the SMBIOS standard that current machines report.
 inline constexpr tNamedValue kMemoryTypes[] = {
     {0x01, "other"},  {0x02, "unknown"}, {0x03, "DRAM"}, {0x0F, "SDRAM"}, {0x12, "DDR"},
     {0x13, "DDR2"},   {0x18, "DDR3"},    {0x1A, "DDR4"}, {0x1B, "LPDDR"}, {0x1C, "LPDDR2"},

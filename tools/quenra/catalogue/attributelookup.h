@@ -21,7 +21,7 @@ namespace nCommandLine {
 [[nodiscard]] const tAttributeRow* findSetting(std::string_view name);
 
 [[nodiscard]] std::vector<std::string> suggestAttributes(std::string_view name);
-// With the settings.
+// As above, for every writable attribute including the write-only ones.
 [[nodiscard]] std::vector<std::string> suggestWritable(std::string_view name);
 
 // The attribute that counts the instances; null where none does.

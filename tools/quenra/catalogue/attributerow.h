@@ -27,9 +27,9 @@ struct tSubjectRow {
 // The instances of an attribute.
 struct tInstanceRow {
   std::string_view meaning;
-  // Its value is the number of instances; 0 where no attribute counts them.
+  // Id of the attribute whose value is the number of instances; 0 if no attribute counts them.
   uint32_t countAttribute = 0;
-  // The library answers for no more than these, whatever the count is.
+  // The library serves at most this many instances, even if the count is greater.
   uint32_t most = 1;
 };
 
@@ -61,8 +61,8 @@ struct tAttributeRow {
   std::string_view source;
   tValueForm form = tValueForm::plain;
   std::span<const tNamedValue> names = {};
-  tAccess access = tAccess::read;  // of the drivers that are known; each driver decides
-  bool perInterface = false;       // the controller and the Marten each have a value of their own
+  tAccess access = tAccess::read;  // as known drivers permit; each driver decides for itself
+  bool perInterface = false;       // the controller and the Marten each have their own value
 
   [[nodiscard]] constexpr bool isReadable() const noexcept { return access != tAccess::write; }
   [[nodiscard]] constexpr bool isWritable() const noexcept { return access != tAccess::read; }

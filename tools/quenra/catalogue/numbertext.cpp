@@ -20,7 +20,7 @@ bool hasHexadecimalPrefix(std::string_view text) noexcept {
   return text.starts_with("0x") || text.starts_with("0X");
 }
 
-// Of any length.
+// Accepts any number of digits.
 bool isInteger(std::string_view text) noexcept {
   const bool isHexadecimal = hasHexadecimalPrefix(text);
   text.remove_prefix(isHexadecimal ? 2 : text.starts_with('-') ? 1 : 0);

@@ -1,4 +1,4 @@
-// Every status code that include/quenra_status.h names, with what to do about it.
+// Every status code that include/quenra_status.h defines, with its meaning and remedy.
 #ifndef TOOLS_QUENRA_CATALOGUE_STATUSCATALOGUE_H
 #define TOOLS_QUENRA_CATALOGUE_STATUSCATALOGUE_H
 

@@ -54,7 +54,7 @@ const tStatusRow* findStatus(std::string_view name) {
 }
 
 std::vector<std::string> suggestStatuses(std::string_view name) {
-  // Compared without the prefix, which all of them share and which would make all of them alike.
+  // Compare without the common prefix: it would make every name look similar.
   std::vector<std::string_view> names;
   for (const tStatusRow& row : kStatuses) {
     names.push_back(row.constant.substr(kConstantPrefix.size()));

@@ -30,15 +30,15 @@ struct tStatusExplanation {
 }
 [[nodiscard]] std::string_view severityName(tSeverity severity) noexcept;
 
-// Every code has an explanation: the driver has codes of its own, and they are passed on.
+// Explains any code, also one of the driver, which the library returns unchanged.
 [[nodiscard]] tStatusExplanation explainStatus(int32_t code) noexcept;
 
-// By constant: 'QUENRA_STATUS_BUSY' or 'busy', in any case. Null when there is none.
+// Finds a row by its constant: 'QUENRA_STATUS_BUSY' or 'busy', in any case. Null if none matches.
 [[nodiscard]] const tStatusRow* findStatus(std::string_view name);
 
 [[nodiscard]] std::vector<std::string> suggestStatuses(std::string_view name);
 
-// The code and its constant, where it has one: "-26934 QUENRA_STATUS_NOT_SUPPORTED".
+// The code and its constant, if it has one: "-26934 QUENRA_STATUS_NOT_SUPPORTED".
 [[nodiscard]] std::string codeAndConstant(int32_t code);
 
 }  // namespace nCommandLine

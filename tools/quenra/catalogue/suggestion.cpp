@@ -10,11 +10,11 @@ namespace nCommandLine {
 namespace {
 
 constexpr size_t kMostSuggestions = 3;
-// A shorter name is part of too much to mean anything.
+// A shorter name occurs in too many others to be a useful match.
 constexpr size_t kShortestPart = 3;
 
-// How many characters have to be inserted, removed, replaced, or swapped with their neighbour to make
-// one text of the other. Row i holds the distances of the first i characters of `from`.
+// The minimum number of insertions, removals, replacements and swaps of neighbours that turns
+// `from` into `to`. Row i holds the distances of the first i characters of `from`.
 size_t editDistance(std::string_view from, std::string_view to) {
   std::vector<size_t> beforeLast;
   std::vector<size_t> last(to.size() + 1);
@@ -39,7 +39,7 @@ struct tCandidate {
   size_t distance;
   std::string_view name;
 
-  // A near miss is more likely than a part of a name.
+  // A typing error is more likely than an abbreviated name, so it ranks first.
   [[nodiscard]] auto rank() const { return std::tuple(isPart, distance, name); }
 };
 

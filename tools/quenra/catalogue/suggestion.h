@@ -7,11 +7,11 @@
 
 namespace nCommandLine {
 
-// The form in which names are compared: lower case, '-' for '_'.
+// Normalises a name for comparison: lower case, '-' for '_'.
 [[nodiscard]] std::string comparableName(std::string_view name);
 
-// Those of `candidates` that may have been meant by `name`, most likely first, at most three: a few
-// typing errors away, or with `name` as a part of them.
+// At most three of `candidates` that the user may have meant by `name`, most likely first: a few
+// typing errors away, or containing `name`.
 [[nodiscard]] std::vector<std::string> suggest(std::string_view name,
                                                const std::vector<std::string_view>& candidates);
 

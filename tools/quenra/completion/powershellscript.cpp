@@ -90,7 +90,7 @@ constexpr std::string_view kBody = R"ps(
 }
 )ps";
 
-// Between single quotes only the single quote is special.
+// In a single-quoted PowerShell string only the single quote is special; it is doubled.
 std::string quoted(std::string_view text) {
   std::string result = "'";
   for (const char character : text) {
@@ -139,7 +139,7 @@ std::string positionalSets(const tVerbRow& verb) {
   return text;
 }
 
-// The words that may follow a verb; under the empty name those that may precede it.
+// The words that may follow a verb, by its name; the empty name has the words before any verb.
 std::string grammar() {
   std::string text = "    $grammar = @{\n";
   text += entry("", optionLines(kOptionsOfTheProgram), quoted(kVerbWords.name));

@@ -6,7 +6,7 @@
 namespace nCommandLine {
 
 // A script for PowerShell 5 or later that completes every verb, option and word of the verb table,
-// each with what it means.
+// with a description of each.
 [[nodiscard]] std::string powershellScript();
 
 }  // namespace nCommandLine

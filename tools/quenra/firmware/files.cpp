@@ -33,7 +33,7 @@ using tPath = std::filesystem::path;
                       std::string("cannot ") + verb + " '" + path + "': " + reason, std::nullopt);
 }
 
-// A word of the command line that is not Unicode cannot name a file.
+// Fails for an argument that is not valid Unicode: it cannot name a file.
 tPath nativePath(const char* verb, const std::string& path) {
   if (!isUtf8(path)) {
     fail(verb, path, "the path is not valid Unicode");
@@ -41,7 +41,7 @@ tPath nativePath(const char* verb, const std::string& path) {
   return {std::u8string(path.begin(), path.end())};
 }
 
-// ---- The C library's files, which unlike the streams of C++ report a reason ----
+// ---- Files of the C library, which report the reason of a failure; C++ streams do not ----
 
 struct tCloseFile {
   void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
@@ -55,7 +55,7 @@ void clearReason() noexcept {
 #endif
 }
 
-// The reason of the last failed call. The error of Windows is the finer one, where there is one.
+// The reason of the last failed call. Prefers the Windows error, which is more specific than errno.
 std::error_code lastReason() noexcept {
 #ifdef _WIN32
   if (_doserrno != 0) {
@@ -101,13 +101,13 @@ std::error_code readRest(std::FILE* file, std::string& content) {
 
 std::error_code writeAll(std::FILE* file, std::string_view content) noexcept {
   clearReason();
-  // Flushed before it closes: not every C library keeps the reason when closing fails.
+  // Flush before closing: not every C library keeps the reason when closing fails.
   const bool isWritten = std::fwrite(content.data(), 1, content.size(), file) == content.size() &&
                          std::fflush(file) == 0;
   return isWritten ? std::error_code() : lastReason();
 }
 
-// Fails if the target exists and must be kept, also if it was created a moment ago.
+// With `keep`, fails if the target exists, even if another process created it a moment ago.
 std::error_code renameFile(const tPath& from, const tPath& to, tExistingFile existing) noexcept {
   const bool replaces = existing == tExistingFile::replace;
 #ifdef _WIN32
@@ -124,8 +124,8 @@ std::error_code renameFile(const tPath& from, const tPath& to, tExistingFile exi
 #endif
 }
 
-// A new file beside the target, which goes unless it is renamed. Its name is random, so that it is no
-// file of the user.
+// A new file beside the target, removed by the destructor unless it was renamed. The random name
+// avoids a collision with a file of the user.
 class tNewFile {
  public:
   tNewFile(const tPath& target, const tCreateFile& create) {
@@ -146,7 +146,7 @@ class tNewFile {
   ~tNewFile() {
     if (isCreated_) {
       file_.reset();
-      std::error_code ignored;  // after a success there is no such file
+      std::error_code ignored;  // a successful rename leaves nothing to remove
       std::filesystem::remove(path_, ignored);
     }
   }
@@ -207,7 +207,7 @@ std::FILE* createFile(const tPath& path) noexcept {
       _wopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY, _S_IREAD | _S_IWRITE);
   return descriptor < 0 ? nullptr : _fdopen(descriptor, "wb");
 #else
-  constexpr mode_t kReadAndWrite = 0666;  // less the bits of the user's mask
+  constexpr mode_t kReadAndWrite = 0666;  // the umask clears bits of it
   const int descriptor = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kReadAndWrite);
   return descriptor < 0 ? nullptr : fdopen(descriptor, "wb");
 #endif

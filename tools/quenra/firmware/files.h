@@ -18,7 +18,7 @@ enum class tExistingFile : uint8_t {
   replace
 };
 
-// Creates a file that does not exist yet, for writing. Null, with the reason in errno, if that fails.
+// Creates a new file for writing. Returns null with the reason in errno on failure or if it exists.
 using tCreateFile = std::function<std::FILE*(const std::filesystem::path& path)>;
 [[nodiscard]] std::FILE* createFile(const std::filesystem::path& path) noexcept;
 

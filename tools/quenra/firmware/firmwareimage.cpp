@@ -18,7 +18,7 @@ using nQUENRA1400::nFirmwareDecoding::bestKernels;
 
 constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 
-// The records of a run of the parser, which are freed here.
+// Runs the parser and owns its records.
 class tParserRun {
  public:
   explicit tParserRun(std::string_view bytes) {
@@ -39,8 +39,8 @@ class tParserRun {
 constexpr tSectionFault kLineFeeds{0, 0, "header lines end in LF; CR LF is required",
                                    "Convert the line ends of the image to CR LF."};
 
-// True if the first line of a section ends in LF alone. The parser then reports a missing number, or
-// whatever it finds in place of the value.
+// True if the first line of a section ends in LF alone. The parser then reports a missing number or
+// a wrong value, which would mislead the user.
 bool endsInLineFeed(std::string_view section) {
   const size_t end = section.find('\n');
   return end != std::string_view::npos && end > 0 && section[end - 1] != '\r';
@@ -72,8 +72,8 @@ std::vector<tImageSection> readHeaders(const tImageText& text, std::string_view 
   return sections;
 }
 
-// The parser stops at the first fault. For the sections after it, the parser runs on the rest of the
-// image, which it would read in the same way: it only looks ahead.
+// The parser stops at the first fault; run it again on the rest of the image. It only looks ahead,
+// so it reads a section in the same way without the sections before it.
 void judge(std::vector<tImageSection>& sections, std::string_view bytes) {
   size_t next = 0;
   while (next < sections.size()) {
@@ -103,7 +103,7 @@ void decode(tImageSection& section, const tImageText& text, size_t end) {
     section.crc = section.header.crc;
     return;
   }
-  // The decoder fills whole registers.
+  // The decoder may write as many bytes as the text has characters.
   const auto data = std::make_unique_for_overwrite<uint8_t[]>(section.textSize + 1);
   const auto decoded = bestKernels().decode(text.bytes() + start, section.textSize, data.get());
   section.byteCount = decoded.byteCount;

@@ -1,4 +1,4 @@
-// What the library makes of a firmware image, section by section, those behind a refused one too.
+// The library's verdict on each section of a firmware image, including those after a refused one.
 #ifndef TOOLS_QUENRA_FIRMWARE_FIRMWAREIMAGE_H
 #define TOOLS_QUENRA_FIRMWARE_FIRMWAREIMAGE_H
 
@@ -18,23 +18,23 @@ namespace nCommandLine {
 
 struct tImageSection {
   size_t position = 0;  // where it starts in the image, in bytes
-  // What cannot be read, and what follows it, is 0 or empty.
+  // A field that cannot be read, and all fields after it, are 0 or empty.
   nQUENRA1400::tSectionHeader header;
-  size_t textSize = 0;  // of the payload as it stands in the image; 0 where it has no beginning
-  // What the payload decodes to; nothing where it has no beginning.
+  size_t textSize = 0;  // of the encoded payload; 0 if no empty line ends the header
+  // Size and CRC of the decoded payload; unset if no empty line ends the header.
   std::optional<uint64_t> byteCount;
   std::optional<uint32_t> crc;
   std::optional<tSectionFault> fault;   // why the library refuses it
   std::vector<tSectionRemark> remarks;  // on a section that the library accepts
-  // Its place in the order of application, from 1; 0 while the image has a fault, which keeps all of
-  // it from being applied.
+  // Position in the order of application, from 1; 0 if any section has a fault, since the library
+  // then applies no section.
   size_t order = 0;
 };
 
 struct tFirmwareImage {
   size_t size = 0;
-  std::string_view emptyReason;         // why there is no section; empty when there is one
-  std::vector<tImageSection> sections;  // as they follow each other in the image
+  std::string_view emptyReason;         // why the image has no section; empty if it has one
+  std::vector<tImageSection> sections;  // in the order of the image
 
   [[nodiscard]] size_t faults() const noexcept;
   // True if an update applies the image without further options.
@@ -43,8 +43,8 @@ struct tFirmwareImage {
 
 [[nodiscard]] tFirmwareImage inspectImage(std::string_view bytes);
 
-// Why a file without sections is not an image, and what to do. The library accepts such a file, and an
-// update with it marks the Marten as updated.
+// The error for a file without sections, with its remedy. The library accepts such a file and marks
+// the Marten as updated, so the command line has to refuse it.
 [[nodiscard]] tCommandError notAnImage(const std::string& path, const tFirmwareImage& image);
 
 }  // namespace nCommandLine

@@ -46,7 +46,7 @@ std::string wrapped(std::string_view text, size_t lineLength) {
   return lines;
 }
 
-// As the library's own decoder computes it.
+// The CRC of the decoded payload, computed by the library's own decoder.
 uint32_t crcOf(std::string_view encoded) {
   const auto data = std::make_unique_for_overwrite<uint8_t[]>(encoded.size() + 1);
   const auto* const text = reinterpret_cast<const uint8_t*>(encoded.data());

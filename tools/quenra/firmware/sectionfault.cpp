@@ -11,7 +11,7 @@
 namespace nCommandLine {
 namespace {
 
-// One row for each of docs/firmware-image.md.
+// One row for each error that docs/firmware-image.md lists.
 // clang-format off
 constexpr tSectionFault kFaults[] = {
     {QUENRA_STATUS_IMAGE_VERSION, 164, "HeaderVersion is not 1",

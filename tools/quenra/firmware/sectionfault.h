@@ -11,12 +11,12 @@ namespace nCommandLine {
 // Why the library refuses a section of a firmware image.
 struct tSectionFault {
   int32_t code = 0;
-  uint32_t line = 0;        // of the site that refused, 0 where it is not told
+  uint32_t line = 0;        // of the site that reported the fault; 0 if unknown
   std::string_view reason;  // a sentence without its full stop
   std::string_view remedy;  // a sentence
 };
 
-// The line that the description of a status tells, 0 where it does not.
+// The line in the description of a status; 0 if the description has none.
 [[nodiscard]] uint32_t lineOf(const zoerr::Status& status);
 
 // `status` holds an error.

@@ -18,7 +18,7 @@ std::string crcText(uint32_t crc) {
   return hexadecimalText(crc, kCrcDigits);
 }
 
-// The value of the header and that of the payload, where they differ.
+// The values of the header and of the payload if they differ, else empty.
 std::string difference(const tImageSection& section) {
   if (!section.byteCount || !section.crc) {
     return "";
@@ -33,7 +33,7 @@ std::string difference(const tImageSection& section) {
   return "";
 }
 
-// Of faults that are not the missing line ends of the section.
+// True if the payload does not match the size or the CRC of the header.
 bool isAboutThePayload(const tSectionFault& fault) noexcept {
   constexpr uint32_t kByteCountDiffers = 241;
   constexpr uint32_t kCrcDiffers = 258;

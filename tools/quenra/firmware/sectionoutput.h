@@ -19,7 +19,7 @@ void printSections(const tStreams& streams, const tFirmwareImage& image);
 // Why the library refuses a section, with the values that differ.
 [[nodiscard]] std::string faultText(const tImageSection& section);
 
-// A message for every section that is refused, and for every remark.
+// Prints a message for every section that the library refuses, and for every remark.
 void printFaults(std::ostream& stream, const std::string& path, const tFirmwareImage& image);
 
 // The member "remarks" of a section.

@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view kDriverPackage = ".inf";
 constexpr std::string_view kDevices[] = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$", "CLOCK$"};
 constexpr std::string_view kNumberedDevices[] = {"COM", "LPT"};
-// Windows counts the superscript digits as digits here; in UTF-8 and in the code page of the system.
+// Windows also accepts the superscript digits 1 to 3: here in the system code page and in UTF-8.
 constexpr std::string_view kDeviceNumbers[] = {
     "0", "1", "2",    "3",    "4",    "5",        "6",        "7",
     "8", "9", "\xB9", "\xB2", "\xB3", "\xC2\xB9", "\xC2\xB2", "\xC2\xB3"};
@@ -21,7 +21,7 @@ bool isControl(char character) noexcept {
   return byte < 0x20 || byte == 0x7F;
 }
 
-// The part that decides: "nul.txt" and "NUL .x" name the device as well.
+// The part that Windows compares with device names: "nul.txt" and "NUL .x" also open the device.
 std::string stemOf(std::string_view name) {
   std::string stem(name.substr(0, name.find('.')));
   stem.erase(stem.find_last_not_of(' ') + 1);

@@ -1,4 +1,4 @@
-// Properties of a section that the library accepts and that harm the machine of the user all the same.
+// Properties of a section that the library accepts although they can harm the user's machine.
 #ifndef TOOLS_QUENRA_FIRMWARE_SECTIONREMARK_H
 #define TOOLS_QUENRA_FIRMWARE_SECTIONREMARK_H
 

@@ -10,7 +10,7 @@
 
 namespace nCommandLine {
 
-// What a command line asks for: a verb, and the words it was given under the names of its rows.
+// A parsed command line: a verb and the values of its options and positionals, by row name.
 class tArguments {
  public:
   explicit tArguments(const tVerbRow& verb) : verb_(&verb) {}
@@ -21,12 +21,12 @@ class tArguments {
 
   [[nodiscard]] const tVerbRow& verb() const noexcept { return *verb_; }
   [[nodiscard]] bool has(std::string_view name) const { return given_.contains(name); }
-  // Nothing for an option or positional that was left out.
+  // Empty if the command line omits the option or positional.
   [[nodiscard]] std::optional<std::string> optional(std::string_view name) const {
     const auto found = given_.find(name);
     return found == given_.end() ? std::nullopt : std::optional(found->second);
   }
-  // Of a positional that is required.
+  // The value of a required positional.
   [[nodiscard]] std::string text(std::string_view name) const {
     return optional(name).value_or("");
   }

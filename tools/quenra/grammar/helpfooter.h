@@ -1,4 +1,4 @@
-// What stands below the options in the help: examples and the exit codes.
+// The end of a help text, after the options: examples and the exit codes.
 #ifndef TOOLS_QUENRA_GRAMMAR_HELPFOOTER_H
 #define TOOLS_QUENRA_GRAMMAR_HELPFOOTER_H
 
@@ -9,7 +9,7 @@
 namespace nCommandLine {
 
 [[nodiscard]] std::string helpFooter(const tVerbRow& verb);
-// Of the program: the first example of every verb.
+// The footer of the program's help: the first example of every verb.
 [[nodiscard]] std::string helpFooter();
 
 }  // namespace nCommandLine

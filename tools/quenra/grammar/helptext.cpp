@@ -18,7 +18,7 @@ std::string programDescription() {
   return "quenra - " + std::string(kProgramPurpose);
 }
 
-// The rows as CLI11 knows them, which lays out the help.
+// Builds a CLI11 application from the rows; CLI11 lays out the help.
 class tGrammar {
  public:
   tGrammar() : program_(programDescription(), "quenra") {

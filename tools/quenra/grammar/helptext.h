@@ -6,8 +6,8 @@
 
 namespace nCommandLine {
 
-// The help of a verb, of a group of verbs, or of the program for an empty name. Throws tCommandError
-// where there is no such verb.
+// The help of a verb, of a group of verbs, or of the program for an empty name. Throws
+// tCommandError for an unknown verb.
 [[nodiscard]] std::string helpText(std::string_view verb);
 
 }  // namespace nCommandLine

@@ -15,8 +15,8 @@ namespace nCommandLine {
 namespace {
 
 constexpr std::string_view kShortHelp = "-h";
-// In place of the value of an option that ends the command line or precedes another option. No word can
-// be equal to it.
+// Replaces a missing value: the option ends the command line or precedes another option. No
+// argument can be equal to it.
 constexpr std::string_view kMissingValue("\0", 1);
 
 std::string inQuotes(std::string_view text) {
@@ -48,10 +48,10 @@ std::string helpAdvice(std::string_view verb, std::string_view listed) {
                       {});
 }
 
-// The words of a command line, apart at its verb.
+// The words of a command line, split at its verb.
 struct tSpokenWords {
-  bool hasVerb = false;  // it may be an empty word
-  std::string verb;      // as the table has it, if it does
+  bool hasVerb = false;  // a verb can be an empty word
+  std::string verb;      // one word, or a group and its action
   std::vector<std::string> before;
   std::vector<std::string> after;
 };
@@ -92,7 +92,7 @@ std::string spokenValueName(std::string_view valueName) {
 }
 
 // Reads words against rows of options and positionals. CLI11 splits the words into options, values and
-// positionals. It accepts every number of them, since its own messages differ between its versions.
+// positionals. This class checks their numbers, since the messages of CLI11 vary between versions.
 class tWordReader {
  public:
   // `verb` is null for the words before the verb.
@@ -116,7 +116,7 @@ class tWordReader {
 
   void read(std::span<const std::string> words) {
     refuseValuesOfFlags(words);
-    // CLI11 takes the words from the end of a vector.
+    // CLI11 reads the words from the end of a vector.
     app_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     refuseExtras();
     std::ranges::for_each(options_, [this](const tOptionRow& row) { read(row); });
@@ -163,7 +163,7 @@ class tWordReader {
     }
   }
 
-  // The words that fit no row. CLI11 keeps the end of options among them.
+  // Refuses words that match no row. CLI11 leaves the end-of-options mark among the remaining ones.
   void refuseExtras() const {
     std::vector<std::string> extras = app_.remaining();
     if (const auto end = std::ranges::find(extras, kEndOfOptions); end != extras.end()) {

@@ -8,13 +8,13 @@
 
 namespace nCommandLine {
 
-// The words after the program's name. Throws tCommandError for wrong usage.
+// Parses the words after the program's name. Throws tCommandError for wrong usage.
 [[nodiscard]] tArguments parseArguments(std::span<const char* const> words);
 
-// The verb of that name. Throws tCommandError where there is none.
+// The verb of that name. Throws tCommandError for an unknown name.
 [[nodiscard]] const tVerbRow& knownVerb(std::string_view name);
 
-// --json is among the options: known even where the usage is wrong otherwise.
+// True if --json is among the options, even if the usage is wrong otherwise.
 [[nodiscard]] bool wantsJson(std::span<const char* const> words) noexcept;
 
 // The verb among the words; empty where there is none.

@@ -1,4 +1,4 @@
-// The parser takes one word for a verb, so verbs of two words have a name of their own there.
+// CLI11 requires a verb of one word, so a verb of two words has a separate name for the parser.
 #ifndef TOOLS_QUENRA_GRAMMAR_PARSERNAME_H
 #define TOOLS_QUENRA_GRAMMAR_PARSERNAME_H
 

@@ -16,7 +16,7 @@ std::string positionals(const tVerbRow& verb, const tSynopsisStyle& style) {
   return text;
 }
 
-// Options of one choice stand side by side in the table and share their brackets.
+// Options of one choice are adjacent in the table and share their brackets.
 std::string options(const tVerbRow& verb, const tSynopsisStyle& style) {
   std::string text;
   std::string_view openChoice;

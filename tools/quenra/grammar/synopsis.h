@@ -8,8 +8,8 @@
 
 namespace nCommandLine {
 
-// How the words of a synopsis are written: those that are typed as they are, and those that stand
-// for others.
+// The markup of a synopsis: for literal words, which the user types as they are, and for
+// placeholders.
 struct tSynopsisStyle {
   std::string (*typed)(std::string_view);
   std::string (*placeholder)(std::string_view);

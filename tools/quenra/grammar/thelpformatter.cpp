@@ -25,7 +25,7 @@ std::string tHelpFormatter::make_option_name(const CLI::Option* option, bool isP
   return isPositional ? option->get_type_name() : Formatter::make_option_name(option, false);
 }
 
-// What excludes what, and what can be left out, is in the usage.
+// Omits which options exclude each other or are optional: the usage line shows that.
 std::string tHelpFormatter::make_option_opts(const CLI::Option* option) const {
   const bool takesValue = option->get_type_size() != 0 && !option->get_positional();
   return takesValue ? " " + option->get_type_name() : "";

@@ -6,7 +6,7 @@
 
 namespace nCommandLine {
 
-// Writes words in the help as the manual page and the guide do, whatever they are called inside.
+// Writes placeholders in the help as the manual page and the guide do, not by their internal names.
 class tHelpFormatter final : public CLI::Formatter {
  public:
   std::string make_usage(const CLI::App* app, std::string name) const override;

@@ -19,9 +19,9 @@ struct tOfferedWord {
   std::string_view meaning;
 };
 
-// Words of one kind, which completion offers.
+// Words of one kind that completion offers.
 struct tWordSet {
-  std::string_view name;  // a word of small letters
+  std::string_view name;  // one lower-case word
   std::vector<tOfferedWord> (*words)();
 };
 
@@ -29,7 +29,7 @@ struct tPositionalRow {
   std::string_view name;       // its key in tArguments
   std::string_view valueName;  // as the help shows it: "NAME|ID"
   std::string_view description;
-  const tWordSet* words = nullptr;  // its completions; null where there are none
+  const tWordSet* words = nullptr;  // its completions; null for none
   bool required = true;
 };
 
@@ -37,9 +37,9 @@ struct tOptionRow {
   std::string_view name;       // with its dashes
   std::string_view valueName;  // empty for a flag
   std::string_view description;
-  std::string_view choice = {};  // of the options of one choice, at most one can be given
+  std::string_view choice = {};  // a command accepts at most one option of a choice
   bool required = false;
-  const tWordSet* words = nullptr;  // completions of the value; null where there are none
+  const tWordSet* words = nullptr;  // completions of the value; null for none
 };
 
 struct tExampleRow {
@@ -52,12 +52,12 @@ struct tVerbRow {
   std::string_view summary;  // a line without its full stop
   std::string_view details;  // sentences for the manual page
   std::span<const tPositionalRow> positionals;
-  std::span<const tOptionRow> options;    // those of every verb not among them
-  std::span<const tExampleRow> examples;  // the most telling first
+  std::span<const tOptionRow> options;    // without kOptionsOfEveryVerb
+  std::span<const tExampleRow> examples;  // the most useful first
   tExitCode (*run)(const tArguments& arguments, const tVerbContext& context);
 };
 
-// The first word of several verbs.
+// A first word that several verbs share.
 struct tVerbGroupRow {
   std::string_view name;
   std::string_view summary;  // a line without its full stop

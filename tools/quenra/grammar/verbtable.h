@@ -1,4 +1,4 @@
-// Every verb of the command line. A new one is a row here and its runner.
+// Every verb of the command line. A new verb requires a row here and a run function.
 #ifndef TOOLS_QUENRA_GRAMMAR_VERBTABLE_H
 #define TOOLS_QUENRA_GRAMMAR_VERBTABLE_H
 
@@ -9,12 +9,12 @@
 
 namespace nCommandLine {
 
-// In the order in which they are shown.
+// In the order of the help and the manual page.
 extern const std::span<const tVerbRow> kVerbs;
 
 extern const std::span<const tVerbGroupRow> kVerbGroups;
 
-// What --help and --version ask for.
+// The verbs that --help and --version run.
 extern const tVerbRow kHelpAnswer;
 extern const tVerbRow kVersionAnswer;
 
@@ -27,14 +27,14 @@ inline constexpr tOptionRow kJsonOption{nWords::kJson, "",
 inline constexpr tOptionRow kVersionOption{nWords::kVersion, "", "Print the version and exit"};
 
 inline constexpr tOptionRow kOptionsOfEveryVerb[] = {kHelpOption, kJsonOption};
-// Before any verb.
+// Options that precede the verb.
 inline constexpr tOptionRow kOptionsOfTheProgram[] = {kHelpOption, kJsonOption, kVersionOption};
 
-// Null when there is none.
+// Null for an unknown name.
 [[nodiscard]] const tVerbRow* findVerb(std::string_view name) noexcept;
 [[nodiscard]] const tVerbGroupRow* findVerbGroup(std::string_view name) noexcept;
 
-// "inspect" of "firmware inspect" for the group "firmware"; empty for a verb that is not in it.
+// "inspect" of "firmware inspect" for the group "firmware"; empty for a verb outside the group.
 [[nodiscard]] std::string_view actionIn(std::string_view group, const tVerbRow& verb) noexcept;
 
 }  // namespace nCommandLine

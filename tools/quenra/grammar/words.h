@@ -1,4 +1,4 @@
-// How the positionals and options are called between the rows and the verbs that ask for them.
+// The names of positionals and options, shared by the rows and the verbs that read them.
 #ifndef TOOLS_QUENRA_GRAMMAR_WORDS_H
 #define TOOLS_QUENRA_GRAMMAR_WORDS_H
 

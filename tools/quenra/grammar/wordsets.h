@@ -7,7 +7,7 @@
 namespace nCommandLine {
 
 extern const tWordSet kReadableWords;  // names of attributes
-extern const tWordSet kWritableWords;  // ... that drivers let programs write
+extern const tWordSet kWritableWords;  // ... of writable attributes
 extern const tWordSet kStatusWords;    // constants of the status codes
 extern const tWordSet kVerbWords;      // the first words of verbs
 extern const tWordSet kFirmwareWords;  // the second words of a group

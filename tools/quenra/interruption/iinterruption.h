@@ -3,7 +3,7 @@
 
 namespace nCommandLine {
 
-// The user's wish that the program ends: Ctrl-C, or a console that is closed.
+// A request to end the program: Ctrl-C, or a closed console.
 class iInterruption {
  public:
   iInterruption() = default;
@@ -11,7 +11,7 @@ class iInterruption {
   iInterruption& operator=(const iInterruption&) = delete;
   virtual ~iInterruption() = default;
 
-  // From now on the program is not ended by it, but asks.
+  // From this call on, an interruption no longer ends the program; the program polls hasCome.
   virtual void await() noexcept = 0;
   [[nodiscard]] virtual bool hasCome() noexcept = 0;
 };

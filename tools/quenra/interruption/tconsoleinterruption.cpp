@@ -9,7 +9,7 @@ namespace {
 
 std::atomic<bool> hasComeYet{false};
 
-// Runs on a thread of the system. After the end of a console the process is ended when it returns.
+// Runs on a thread of the system. Windows ends the process when this returns from a close event.
 BOOL WINAPI take(DWORD event) {
   hasComeYet = true;
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {

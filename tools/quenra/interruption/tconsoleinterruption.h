@@ -5,7 +5,7 @@
 
 namespace nCommandLine {
 
-// Ctrl-C, Ctrl-Break, and the end of the console, of the session or of the system.
+// Ctrl-C, Ctrl-Break, a closed console, log-off and shutdown.
 class tConsoleInterruption final : public iInterruption {
  public:
   void await() noexcept override;

@@ -24,7 +24,7 @@ std::string heading(std::string_view text) {
   return ".SH " + std::string(text) + "\n";
 }
 
-// A term, and what there is to say about it further to the right.
+// A tagged paragraph: a term with its indented description.
 std::string item(const std::string& term, std::string_view text) {
   return ".TP\n" + term + "\n" + roffText(text) + "\n";
 }

@@ -25,7 +25,7 @@ std::string escaped(char character) {
 }  // namespace
 
 std::string roffText(std::string_view text) {
-  // At the beginning of a line a full stop would make it a request.
+  // Roff reads a line that begins with a full stop as a request.
   std::string result = text.starts_with('.') ? "\\&" : "";
   for (const char character : text) {
     result += escaped(character);

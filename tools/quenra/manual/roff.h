@@ -1,4 +1,4 @@
-// Text as the man macros of roff take it.
+// Text in the form that the man macros of roff accept.
 #ifndef TOOLS_QUENRA_MANUAL_ROFF_H
 #define TOOLS_QUENRA_MANUAL_ROFF_H
 
@@ -7,14 +7,14 @@
 
 namespace nCommandLine {
 
-// Every character stands for itself. A dash stays the one that can be copied into a command line.
+// Escapes the text so that roff prints it unchanged; a dash stays an ASCII hyphen for copying.
 [[nodiscard]] std::string roffText(std::string_view text);
 
-// The same in bold, and underlined where a terminal has no italics.
+// As above, in bold and in italics (underlined on a terminal without italics).
 [[nodiscard]] std::string roffBold(std::string_view text);
 [[nodiscard]] std::string roffItalic(std::string_view text);
 
-// A line for each sentence, which is how roff knows where sentences end.
+// Puts each sentence on a line of its own: roff recognises the end of a sentence by the line end.
 [[nodiscard]] std::string roffSentences(std::string_view text);
 
 }  // namespace nCommandLine

@@ -1,4 +1,4 @@
-// What goes to the error stream, and the document that stands for it with --json.
+// Messages for the error stream, and the error document that --json prints.
 #ifndef TOOLS_QUENRA_OUTPUT_DIAGNOSTICS_H
 #define TOOLS_QUENRA_OUTPUT_DIAGNOSTICS_H
 
@@ -15,9 +15,9 @@ namespace nCommandLine {
 void printError(std::ostream& stream, const tCommandError& error);
 void printWarnings(std::ostream& stream, std::span<const tWarning> warnings);
 
-// The members of an error document. `command` is the verb, empty where none was recognised.
+// Writes the members of an error document. `command` is the verb, empty if none was recognised.
 void writeError(tJsonDocument& document, const tCommandError& error, std::string_view command);
-// ... as the only members of the document.
+// Writes a complete document that has only these members.
 void writeErrorDocument(std::ostream& stream, const tCommandError& error, std::string_view command);
 
 }  // namespace nCommandLine

@@ -7,8 +7,8 @@
 
 namespace nCommandLine {
 
-// Each writes members into the object that is open. `row` is null for an attribute that the catalogue
-// does not have.
+// Each function writes members into the open object. `row` is null for an attribute that is not in
+// the catalogue.
 
 void writeAddress(tJsonDocument& document, const tAttributeRow* row,
                   const tAttributeAddress& address);

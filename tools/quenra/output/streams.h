@@ -12,12 +12,12 @@ namespace nCommandLine {
 struct tStreams {
   std::ostream& out;
   std::ostream& error;
-  bool outIsTerminal = false;   // a person reads along: values come with their units
-  bool outTakesStyles = false;  // ... on a terminal that shows bold and faint text
-  // The buffer of `out`, which keeps the reason of a failure; null where the reason is unknown.
+  bool outIsTerminal = false;   // for a person: values are printed with their units
+  bool outTakesStyles = false;  // the terminal supports bold and faint text
+  // The buffer of `out`, which keeps the reason of a failure; null if the reason is unavailable.
   const tOutputBuffer* outBuffer = nullptr;
-  // A change of the machine that a verb has made: "driver-setting-1 is set to 7"; empty for none. It is
-  // reported where the output fails, so that the caller does not take the change for a failure.
+  // The change that a verb has made to the machine: "driver-setting-1 is set to 7"; empty for none.
+  // Reported if the output fails, so that the caller does not repeat the change.
   std::string appliedChange = {};
 };
 

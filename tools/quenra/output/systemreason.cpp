@@ -29,7 +29,7 @@ constexpr tReasonRow kReasons[] = {
     {std::errc::broken_pipe, "the pipe is closed"},
 };
 
-// The errors of Windows that the C++ library maps to no condition, or to one with another meaning.
+// Windows errors that the C++ library maps to no condition, or to one with a different meaning.
 struct tWindowsReasonRow {
   int number;
   std::string_view text;

@@ -6,11 +6,11 @@
 
 namespace nCommandLine {
 
-// The system's reason for a failed operation on a file or a stream, as it ends a message:
-// "no such file". One phrase for one reason, on every system and for every verb.
+// The system's reason for a failed operation on a file or a stream, to end a message with:
+// "no such file". The same phrase for the same reason, on every system and for every verb.
 [[nodiscard]] std::string reasonOf(const std::error_code& error);
 
-// The reader of a pipe has closed its end.
+// True if the reader of a pipe has closed its end.
 [[nodiscard]] bool isClosedPipe(const std::error_code& error) noexcept;
 
 }  // namespace nCommandLine

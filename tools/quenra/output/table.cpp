@@ -65,7 +65,7 @@ std::vector<size_t> tTable::columnWidths() const {
 void tTable::writeRow(std::ostream& stream, const tStyle& style, const tRow& row,
                       const std::vector<size_t>& widths) {
   std::string line;
-  size_t end = 0;  // where the text so far ends, without the padding behind it
+  size_t end = 0;  // end of the text so far, without trailing padding
   for (size_t column = 0; column < row.cells.size(); ++column) {
     const std::string& cell = row.cells[column];
     const bool last = column + 1 == row.cells.size();

@@ -9,7 +9,7 @@
 
 namespace nCommandLine {
 
-// Bold and faint text for terminals; without styles every text stays as it is.
+// Bold and faint text for terminals. Returns texts unchanged if styles are disabled.
 class tStyle {
  public:
   explicit tStyle(bool enabled) noexcept : enabled_(enabled) {}
@@ -21,12 +21,12 @@ class tStyle {
   bool enabled_;
 };
 
-// Rows of cells whose columns are aligned when they are written, two spaces apart.
+// Rows of cells. `write` aligns the columns, two spaces apart.
 class tTable {
  public:
   // `faint` shows the last cell as less important.
   void addRow(std::vector<std::string> cells, bool faint = false);
-  // A line of its own in front of the next row, after an empty line unless it is the first.
+  // Prints a heading before the next row, separated by an empty line unless it is the first.
   void addHeading(std::string_view heading);
   void write(std::ostream& stream, const tStyle& style) const;
 

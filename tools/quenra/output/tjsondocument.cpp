@@ -8,7 +8,7 @@
 namespace nCommandLine {
 namespace {
 
-// Raised only if a member ever had to change its meaning.
+// Increment only when a member changes its meaning.
 constexpr int kFormat = 1;
 
 rapidjson::SizeType lengthOf(std::string_view text) {

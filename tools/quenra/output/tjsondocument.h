@@ -14,8 +14,8 @@
 
 namespace nCommandLine {
 
-// The one document that a command prints with --json. It begins with the members that all of them
-// share; docs/schema describes them. Members are only ever added.
+// The document that a command prints with --json. It begins with the members that all documents
+// share; docs/schema describes them. Compatibility: add members, never remove or change one.
 class tJsonDocument {
  public:
   tJsonDocument(std::string_view kind, tExitCode exitCode, std::span<const tWarning> warnings = {});
@@ -28,13 +28,13 @@ class tJsonDocument {
 
   void text(std::string_view key, std::string_view value);
   void textItem(std::string_view value);
-  // Null when the text is empty.
+  // Writes null if the text is empty.
   void optionalText(std::string_view key, std::string_view value);
   void number(std::string_view key, int64_t value);
   void unsignedNumber(std::string_view key, uint64_t value);
   void truth(std::string_view key, bool value);
   void null(std::string_view key);
-  // Code and constant of a status.
+  // Writes the code and the constant of a status.
   void status(std::string_view key, int32_t code);
 
   // Ends the document and writes it with a line end.

@@ -9,16 +9,16 @@
 
 namespace nCommandLine {
 
-// The buffer of the standard output. Unlike those of the C++ library it keeps the system's reason of a
-// failure until the end of the program, when the reason is reported.
+// The buffer of the standard output. Unlike the buffers of the C++ library it keeps the system's
+// reason of a failure, for the message at the end of the program.
 class tOutputBuffer final : public std::streambuf {
  public:
-  // Writes all bytes, or returns the system's reason. Must not throw.
+  // Writes all bytes; returns the system's reason on failure. Must not throw.
   using tWrite = std::function<std::error_code(std::string_view bytes)>;
 
   explicit tOutputBuffer(tWrite write);
 
-  // The first failure; clear while there is none. Nothing is written after it.
+  // The first failure, or clear. The buffer writes nothing after a failure.
   [[nodiscard]] const std::error_code& failure() const noexcept { return failure_; }
 
  protected:

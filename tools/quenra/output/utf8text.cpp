@@ -31,7 +31,7 @@ size_t sequenceLength(uint8_t lead) noexcept {
   return 0;
 }
 
-// Longer than need be, half of a surrogate pair, or beyond the last code point.
+// An overlong encoding, half of a surrogate pair, or a value beyond the last code point.
 bool isForbidden(char32_t value, size_t length) noexcept {
   constexpr std::array<char32_t, 5> kSmallest{0, 0, 0x80, 0x800, 0x10000};
   return value < kSmallest[length] || (value >= 0xD800 && value <= 0xDFFF) || value > 0x10FFFF;
@@ -62,7 +62,7 @@ struct tRange {
   char32_t last;
 };
 
-// Control characters, and characters that end or rearrange a line although they are no controls.
+// Control characters, and other characters that end or rearrange a line.
 constexpr tRange kUnsafe[] = {
     {0x00, 0x1F},     {0x7F, 0x9F}, {0x061C, 0x061C},  // Arabic letter mark
     {0x200E, 0x200F},                                  // left-to-right and right-to-left mark
@@ -97,7 +97,7 @@ std::string escapedForJson(char32_t value) {
                                      : std::string("\\") + kLetters[letter];
 }
 
-// `rewrite` receives each code point and its bytes.
+// Calls `rewrite` with each code point and its bytes.
 template <class Rewrite>
 std::string rewritten(std::string_view bytes, Rewrite rewrite) {
   std::string result;

@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// Firmware texts and arguments may hold any bytes.
+// Handling of firmware texts and arguments, which may contain any bytes.
 
 // The same text with a replacement character for each byte that is not UTF-8.
 [[nodiscard]] std::string validUtf8(std::string_view bytes);
@@ -22,7 +22,7 @@ namespace nCommandLine {
 
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 
-// In code points, which is the width of all but a few scripts.
+// The width in code points, which is right for all but a few scripts.
 [[nodiscard]] size_t widthOf(std::string_view utf8) noexcept;
 
 }  // namespace nCommandLine

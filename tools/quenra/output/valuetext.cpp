@@ -10,7 +10,7 @@ namespace {
 
 // The size word of an SMBIOS Memory Device.
 constexpr uint32_t kSizeInKibibytes = 0x8000;
-constexpr uint32_t kSizeElsewhere = 0x7FFF;  // 32 GiB or more: it does not fit the word
+constexpr uint32_t kSizeElsewhere = 0x7FFF;  // 32 GiB or more, which the word cannot represent
 constexpr uint32_t kSizeUnknown = 0xFFFF;
 
 bool isSizeInMebibytes(uint32_t size) noexcept {

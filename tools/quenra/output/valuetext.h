@@ -9,15 +9,15 @@
 
 namespace nCommandLine {
 
-// `row` is null for an attribute that the catalogue does not have.
+// `row` is null for an attribute that is not in the catalogue.
 
 // The value alone, for scripts: a text, or a decimal number.
 [[nodiscard]] std::string plainValue(const tAttributeValue& value);
 
-// The value as people read it: with its unit, and with the name of what a number stands for.
+// The value for people: with its unit, and with the name that the catalogue has for a number.
 [[nodiscard]] std::string shownValue(const tAttributeRow* row, const tAttributeValue& value);
 
-// The unit of the number itself; empty where it has none.
+// The unit of the number itself; empty if it has none.
 [[nodiscard]] std::string_view unitOf(const tAttributeRow* row, const tAttributeValue& value);
 
 }  // namespace nCommandLine

@@ -6,9 +6,9 @@
 
 namespace nCommandLine {
 
-// The library did its work and answered with a positive code.
+// An operation of the library that succeeded with a positive code.
 struct tWarning {
-  std::string about;  // what it was asked for
+  std::string about;  // the operation: "the update"
   int32_t code;
 };
 

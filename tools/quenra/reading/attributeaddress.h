@@ -12,12 +12,12 @@ enum class tInterface : uint8_t {
   byDefault = 0,
   controller = 1,
   marten = 2,
-  both = 3,  // no selector of its own: some attributes mean it without one
+  both = 3,  // encoded without a selector, which some attributes define as both interfaces
 };
 
 [[nodiscard]] std::string_view interfaceName(tInterface which) noexcept;
 
-// An attribute id taken apart into what it addresses.
+// An attribute id split into attribute, instance and interface.
 struct tAttributeAddress {
   uint32_t attribute;  // the id without selector and instance
   uint8_t instance = 0;

@@ -7,8 +7,8 @@
 
 namespace nCommandLine {
 
-// The functions of quenra.h that the command line calls, with the contracts given there, and the
-// device interfaces behind them.
+// The functions of quenra.h that the command line calls, with the contracts documented there, and
+// the device interfaces of the system.
 class iQuenra {
  public:
   iQuenra() = default;

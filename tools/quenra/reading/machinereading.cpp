@@ -14,7 +14,7 @@ bool hasText(const tReading& reading) {
 }
 
 // No attribute counts the processors. In a malformed table every further instance reads as an empty
-// text, so a processor without maker and name ends the row.
+// text, so a processor without maker and name ends the count.
 bool isNamedProcessor(const tController& controller, uint8_t processor) {
   return hasText(controller.read({QUENRA_ATTRIBUTE_PROCESSOR_VERSION, processor})) ||
          hasText(controller.read({QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER, processor}));

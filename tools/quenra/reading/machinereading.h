@@ -8,15 +8,15 @@
 
 namespace nCommandLine {
 
-// One attribute with all its instances, in order, or with the value of each interface. Where the
-// machine has no instance, or does not report their number, the one reading of instance 0 has the
-// reason.
+// Reads one attribute with all its instances, in order, or with the value of each interface. If the
+// machine has no instance or does not report their number, returns the reading of instance 0, which
+// holds the reason.
 struct tAttributeReadings {
   const tAttributeRow* row;
   std::vector<tReading> readings;
 };
 
-// The number of instances that this machine has, at most those that the library answers for.
+// The number of instances on this machine, limited to those that the library serves.
 [[nodiscard]] uint32_t countInstances(const tController& controller, const tInstanceRow& instances);
 
 // Reads the complete catalogue, in its order.

@@ -6,13 +6,13 @@ namespace nCommandLine {
 namespace {
 
 constexpr uint64_t kFirstBufferSize = 256;
-// Far beyond any text, yet harmless to allocate: a driver that asks for more is not believed.
+// More than any real text needs. A greater size is a misbehaving driver: do not allocate it.
 constexpr uint64_t kLargestBufferSize = uint64_t{1024} * 1024;
-// The text may grow between two calls, but not for ever.
+// The text may grow between two calls; the limit ends the loop under a misbehaving driver.
 constexpr int kMostAttempts = 8;
 
-// The library leaves the buffer as it was where the machine's table is malformed: it has to hold an
-// empty text before the call. The last byte stays NUL whatever the library writes.
+// The library leaves the buffer unchanged if the SMBIOS table is malformed, so it must hold an
+// empty text before the call. The byte beyond `size` stays NUL whatever the library writes.
 int32_t readTextOnce(iQuenra& library, uint64_t handle, uint32_t id, std::string& text,
                      uint64_t& size) {
   text.assign(static_cast<size_t>(size) + 1, '\0');

@@ -8,7 +8,7 @@
 
 namespace nCommandLine {
 
-// Reads a text of any length, or an unsigned value. The handle does not count for the device path.
+// Reads a text of any length, or an unsigned value. The device path ignores the handle.
 [[nodiscard]] tReading readAttribute(iQuenra& library, uint64_t handle,
                                      const tAttributeAddress& address);
 

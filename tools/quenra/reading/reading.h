@@ -11,7 +11,7 @@
 
 namespace nCommandLine {
 
-// The text's bytes are those of the firmware, not necessarily UTF-8.
+// A text holds the bytes of the firmware, which need not be UTF-8.
 using tAttributeValue = std::variant<std::string, uint32_t>;
 
 enum class tReadingState : uint8_t {
@@ -23,11 +23,11 @@ enum class tReadingState : uint8_t {
 
 [[nodiscard]] std::string_view stateName(tReadingState state) noexcept;
 
-// What became of reading one attribute.
+// The result of reading one attribute.
 struct tReading {
   tAttributeAddress address;
   int32_t code = QUENRA_STATUS_SUCCESS;
-  tAttributeValue value;  // counts in state `value` only
+  tAttributeValue value;  // valid in state `value` only
 
   [[nodiscard]] tReadingState state() const noexcept;
 };

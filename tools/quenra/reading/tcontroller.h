@@ -9,8 +9,8 @@
 
 namespace nCommandLine {
 
-// The controller, open for as long as the object lives, unless `code()` is negative: then it could
-// not be opened.
+// Opens the controller and closes it in the destructor. A negative `code()` means that opening
+// failed.
 class tController {
  public:
   explicit tController(iQuenra& library) noexcept;
@@ -18,15 +18,15 @@ class tController {
   tController& operator=(const tController&) = delete;
   ~tController();
 
-  // The result of opening; positive is a warning.
+  // The status of opening; positive for a warning.
   [[nodiscard]] int32_t code() const noexcept { return code_; }
   [[nodiscard]] tReading read(const tAttributeAddress& address) const;
-  // The value is of the attribute's type.
+  // The value must have the type of the attribute.
   [[nodiscard]] int32_t write(const tAttributeAddress& address, const tAttributeValue& value) const;
   [[nodiscard]] int32_t selfTest() const noexcept;
-  // Also known where the controller could not be opened.
+  // Available even if the controller could not be opened.
   [[nodiscard]] uint32_t presentInterfaces(tInterface which) const noexcept;
-  // Applies a firmware image, or with `onlyNewer` what of it is newer than what is installed.
+  // Applies a firmware image; with `onlyNewer`, only sections newer than the installed firmware.
   [[nodiscard]] int32_t update(std::string_view image, bool onlyNewer) const noexcept;
 
  private:

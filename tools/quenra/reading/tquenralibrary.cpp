@@ -1,7 +1,7 @@
 #include "tools/quenra/reading/tquenralibrary.h"
 
 #include <windows.h>
-// setupapi.h needs windows.h first.
+// setupapi.h requires windows.h before it.
 #include <setupapi.h>
 
 #include <bit>

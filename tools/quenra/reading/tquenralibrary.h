@@ -5,7 +5,7 @@
 
 namespace nCommandLine {
 
-// The library itself.
+// Calls quenra.dll.
 class tQuenraLibrary final : public iQuenra {
  public:
   int32_t openController(uint64_t* handle) noexcept override;

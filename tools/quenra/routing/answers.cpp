@@ -23,7 +23,7 @@ void writeText(tWriter& writer, const std::string& text) {
   writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
-// Empty unless the text is an array.
+// Parses a JSON array; returns an empty array for any other text.
 rapidjson::Document arrayIn(std::string_view answer) {
   rapidjson::Document document;
   document.Parse(answer.data(), answer.size());

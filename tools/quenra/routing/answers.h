@@ -1,4 +1,4 @@
-// The JSON texts that the routing functions take and give.
+// The JSON requests and answers of the routing functions.
 #ifndef TOOLS_QUENRA_ROUTING_ANSWERS_H
 #define TOOLS_QUENRA_ROUTING_ANSWERS_H
 
@@ -15,13 +15,13 @@ namespace nCommandLine {
 [[nodiscard]] std::string destinationsText(const tWantedRoute& wanted);
 [[nodiscard]] std::string modifiersText(const tWantedRoute& wanted);
 
-// Items that do not follow the contract are left out.
+// Items that violate the contract are skipped.
 [[nodiscard]] std::vector<tRoute> routesIn(std::string_view answer);
 [[nodiscard]] std::vector<std::string> terminalsIn(std::string_view answer);
 [[nodiscard]] std::vector<tRouteHolder> holdersIn(std::string_view answer);
 
-// The name of the trigger router that the library does not know, from the description of the status;
-// empty where it is missing.
+// The name of a trigger router that the library does not support, from the description of the
+// status; empty if the description has none.
 [[nodiscard]] std::string unknownRouterIn(std::string_view description);
 
 }  // namespace nCommandLine

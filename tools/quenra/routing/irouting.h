@@ -5,7 +5,7 @@
 
 namespace nCommandLine {
 
-// The functions of quenra_routing.h that the command line calls, with the contracts given there.
+// The functions of quenra_routing.h that the command line calls; that header is their contract.
 class iRouting {
  public:
   using tSession = zoroco_RoutingAdaptorSession;

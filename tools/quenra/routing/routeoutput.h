@@ -1,4 +1,4 @@
-// How routes are shown.
+// Routes as text and as JSON.
 #ifndef TOOLS_QUENRA_ROUTING_ROUTEOUTPUT_H
 #define TOOLS_QUENRA_ROUTING_ROUTEOUTPUT_H
 
@@ -10,10 +10,10 @@
 
 namespace nCommandLine {
 
-// "TRIG_SMB -> PXI_Trig0"; a terminal that the library does not know is a question mark.
+// "TRIG_SMB -> PXI_Trig0", with a question mark for a terminal unknown to the library.
 [[nodiscard]] std::string pathText(const std::vector<std::string>& path);
 
-// The members of a route, into the object that is open.
+// Writes the members of a route into the open object.
 void writeRoute(tJsonDocument& document, const tRoute& route, const std::vector<std::string>& path);
 
 }  // namespace nCommandLine

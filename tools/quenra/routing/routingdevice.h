@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// The path of the device that routing sessions are opened with. Throws tCommandError.
+// The path of the device for routing sessions. Throws tCommandError on failure.
 [[nodiscard]] std::string routingDevice(iQuenra& library);
 
 }  // namespace nCommandLine

@@ -11,15 +11,15 @@
 
 namespace nCommandLine {
 
-// What a session's thread is told of demotions, for the thread that shows them.
+// Queue of demotions from the session's callback thread to the thread that prints them.
 class tDemotions {
  public:
-  // A route is demoted once in a while: what does not fit is dropped.
+  // Demotions are rare. A full queue drops further ones.
   static constexpr size_t kCapacity = 64;
 
-  // Needs no memory: whoever tells of a demotion cannot be told of a failure.
+  // Allocates nothing: the callback cannot report a failure to the library.
   void add(int32_t reason) noexcept;
-  // The next one not yet taken; nothing when none comes within the time.
+  // Removes and returns the oldest demotion; empty if none arrives within the time.
   [[nodiscard]] std::optional<int32_t> take(std::chrono::milliseconds time);
 
  private:

@@ -7,8 +7,8 @@
 
 namespace nCommandLine {
 
-// A route from its calculation to its end. When the object ends, the steps that it came to are undone
-// in the opposite order.
+// A calculated route. The destructor undoes the completed steps in reverse order and destroys the
+// route.
 class tHeldRoute {
  public:
   tHeldRoute(tRoutingSession& session, uint32_t ticket) noexcept
@@ -17,12 +17,12 @@ class tHeldRoute {
   tHeldRoute& operator=(const tHeldRoute&) = delete;
   ~tHeldRoute();
 
-  // Each throws tCommandError.
+  // Each throws tCommandError on failure.
   void reserve();
   void program();
   [[nodiscard]] std::vector<std::string> path() const { return session_.path(ticket_); }
 
-  // Something went wrong with it: the driver is told so before it is taken down.
+  // Marks the route as failed: the destructor announces the failure to the driver first.
   void hasFailed() noexcept { failed_ = true; }
 
  private:

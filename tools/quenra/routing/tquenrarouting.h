@@ -5,7 +5,7 @@
 
 namespace nCommandLine {
 
-// The library itself.
+// Calls quenra.dll.
 class tQuenraRouting final : public iRouting {
  public:
   tSession* createSession(const char* device, zoroco_Reallocate reallocate,

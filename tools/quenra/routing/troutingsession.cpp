@@ -23,7 +23,7 @@ class tRoutingStatus {
   zoerr_Status record_ = zoerr_Status_initial();
 };
 
-// An answer in memory that the library asks for.
+// The buffer of an answer, which the library requests through the reallocation function.
 class tAnswer {
  public:
   tAnswer() = default;
@@ -53,7 +53,7 @@ std::string textOf(const char* text) {
   return text == nullptr ? "" : text;
 }
 
-// A longer one would end the process.
+// The maximum of the library; a longer path would end the process.
 constexpr size_t kLongestDevice = 256;
 
 const std::string& judgedDevice(const std::string& device) {
@@ -94,7 +94,7 @@ tCommandError heldRouteError(const std::vector<tRouteHolder>& holders, int32_t c
   return error;
 }
 
-// A walk over the terminals, ended when the object is.
+// Owns an iterator over the terminals.
 class tWalk {
  public:
   tWalk(iRouting& library, iRouting::tIterator* iterator) : library_(library), at_(iterator) {}

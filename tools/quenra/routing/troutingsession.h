@@ -18,7 +18,7 @@ struct tTerminal {
   std::string name;
   std::string canonicalName;
   std::string visibility;
-  std::string busType;  // empty for none, as the next
+  std::string busType;  // empty for none, like busName
   std::string busName;
   uint32_t id = 0;
   uint32_t busLine = kNoBusLine;
@@ -40,11 +40,11 @@ struct tRoute {
   bool inverted = false;
 };
 
-// A session with the routing device, for as long as the object lives. What the library refuses is
-// thrown as tCommandError; its warnings are collected.
+// Owns a session with the routing device. Throws a failure of the library as tCommandError and
+// collects its warnings.
 class tRoutingSession {
  public:
-  // `demotions` is told of demotions until the session ends.
+  // `demotions` receives demotions until the session is destroyed, and must outlive it.
   tRoutingSession(iRouting& library, const std::string& device, tDemotions& demotions);
   tRoutingSession(const tRoutingSession&) = delete;
   tRoutingSession& operator=(const tRoutingSession&) = delete;
@@ -52,13 +52,13 @@ class tRoutingSession {
 
   [[nodiscard]] std::vector<tTerminal> terminals();
 
-  // Empty when there is no such route.
+  // Empty if no such route exists.
   [[nodiscard]] std::vector<tRoute> calculate(const tWantedRoute& wanted);
   void reserve(uint32_t ticket);
   void program(uint32_t ticket);
   [[nodiscard]] std::vector<std::string> path(uint32_t ticket);
 
-  // Nothing is reported when routes are taken down.
+  // Teardown reports no failure.
   void unprogram(uint32_t ticket) noexcept;
   void unreserve(uint32_t ticket) noexcept;
   void destroy(uint32_t ticket) noexcept;

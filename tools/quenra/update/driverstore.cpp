@@ -15,7 +15,7 @@ constexpr uint32_t kToolNotStartedLine = 2359;
 constexpr std::string_view kWindowsFolder = "C:\\Windows";
 constexpr std::string_view kTool = "C:\\Windows\\Sysnative\\pnputil.exe";
 
-// A copy would not be replaced by the updates of the system, and its owner could change it.
+// Not a copy: updates of the system would not replace it, and its owner could change it.
 constexpr const char* kMakeLink =
     "As an administrator, run 'mklink /d C:\\Windows\\Sysnative C:\\Windows\\System32': a link, "
     "never "

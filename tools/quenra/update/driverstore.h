@@ -13,14 +13,14 @@ namespace nCommandLine {
 struct tDriverStoreFault {
   std::string fact;
   std::string remedy;                          // a sentence
-  std::optional<int32_t> code = std::nullopt;  // with which the library fails; none if it does not
+  std::optional<int32_t> code = std::nullopt;  // failure code of the library; none if it continues
   uint32_t line = 0;
 };
 
-// Why the tool must not or cannot be started; nothing if it can.
+// The reason why the tool must not or cannot be started; empty if it can.
 [[nodiscard]] std::optional<tDriverStoreFault> faultOf(const tDriverStoreTool& tool);
 
-// The system refuses to start the tool. `reason` is clear where it is not known.
+// The fault for a system that refuses to start the tool. `reason` is clear if it is unknown.
 [[nodiscard]] tDriverStoreFault toolNotStarted(const std::error_code& reason);
 
 }  // namespace nCommandLine

@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// The library's own reading of the encryption of drive C:.
+// The encryption of drive C:, determined by the library's own test.
 struct tDriveProtection {
   bool isOn = false;
   int32_t code = 0;   // negative when it cannot be read
@@ -18,13 +18,13 @@ struct tDriveProtection {
 struct tDriverStoreTool {
   std::string windowsFolder = "C:\\Windows";  // of the running system
   bool exists = true;
-  // By SYSTEM, Administrators, TrustedInstaller, or the owner of the system's own files.
+  // Owned by SYSTEM, Administrators, TrustedInstaller, or the owner of the system files.
   bool isSystemOwned = true;
-  std::string owner;             // empty where it cannot be read
-  std::error_code startFailure;  // why the system does not start the tool; clear if it does
+  std::string owner;             // empty if it cannot be read
+  std::error_code startFailure;  // why the system cannot start the tool; clear if it can
 };
 
-// Facts of the machine that decide about an update and that no attribute reports.
+// Properties of the machine that affect an update and that no attribute reports.
 class iUpdateFacts {
  public:
   iUpdateFacts() = default;
@@ -33,11 +33,11 @@ class iUpdateFacts {
   virtual ~iUpdateFacts() = default;
 
   [[nodiscard]] virtual tDriveProtection driveProtection() noexcept = 0;
-  // Starts nothing.
+  // Examines the tool without starting it.
   [[nodiscard]] virtual tDriverStoreTool driverStoreTool() = 0;
-  // The directory in which an update makes its folder; UTF-8, empty where it cannot be read.
+  // The directory in which an update creates its folder; UTF-8, empty if it cannot be determined.
   [[nodiscard]] virtual std::string temporaryFolder() = 0;
-  // Makes a folder there and removes it again; clear if that succeeds.
+  // Creates a folder there and removes it again. Clear on success.
   [[nodiscard]] virtual std::error_code temporaryFolderFailure() = 0;
 };
 

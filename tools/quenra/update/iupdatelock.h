@@ -14,8 +14,8 @@ enum class tLockState : uint8_t {
   failed,
 };
 
-// The lock that one update of this machine holds at a time, in all sessions and of all users. Acquired and
-// released on one thread.
+// The machine-wide lock that admits one update at a time, across all sessions and users. Acquire
+// and release it on the same thread.
 class iUpdateLock {
  public:
   iUpdateLock() = default;
@@ -23,7 +23,7 @@ class iUpdateLock {
   iUpdateLock& operator=(const iUpdateLock&) = delete;
   virtual ~iUpdateLock() = default;
 
-  // Waits as long at most.
+  // Waits at most `timeout`.
   [[nodiscard]] virtual tLockState acquire(std::chrono::milliseconds timeout) noexcept = 0;
   // The reason of the last `failed`.
   [[nodiscard]] virtual std::error_code failure() const noexcept = 0;

@@ -16,7 +16,7 @@ constexpr uint32_t kEligibilityUnknownLine = 1798;
 constexpr uint32_t kNotEligibleLine = 1810;
 constexpr uint32_t kProtectedLine = 1787;
 
-// What each step of asking for the encryption of drive C: needs.
+// The fault of each step in determining the encryption of drive C:, by the line that reports it.
 struct tProtectionStep {
   uint32_t line;
   std::string_view fact;
@@ -89,8 +89,8 @@ void addFileName(const tPlannedSection& planned, tObstacles& obstacles) {
   }
 }
 
-// Until the restart the machine reports the versions of the old firmware, or none: a comparison with
-// them could replace newer firmware by an older one.
+// Until the restart the machine reports the versions of the old firmware, or none: comparing with
+// them could replace newer firmware with older.
 void addPendingRestart(const tUpdateSituation& situation, tObstacles& obstacles) {
   const tUpdateOptions& options = situation.options;
   if (options.onlyNewer && !options.force && situation.machine != nullptr &&
@@ -104,7 +104,7 @@ void addPendingRestart(const tUpdateSituation& situation, tObstacles& obstacles)
   }
 }
 
-// Only a comparison needs the Marten's version.
+// The Marten's version is required for a comparison only.
 void addVersion(const tUpdateSituation& situation, tObstacles& obstacles) {
   const auto goesToMarten = [](const tPlannedSection& planned) {
     return planned.intended == tSectionAction::sendToMarten;

@@ -1,4 +1,4 @@
-// Everything that stops an update, where the library stops at the first.
+// Finds every obstacle to an update; the library stops at the first one.
 #ifndef TOOLS_QUENRA_UPDATE_OBSTACLES_H
 #define TOOLS_QUENRA_UPDATE_OBSTACLES_H
 
@@ -15,23 +15,23 @@ namespace nCommandLine {
 struct tObstacle {
   std::string fact;
   std::string remedy;           // a sentence
-  std::optional<int32_t> code;  // with which the library fails; none if it does not
-  uint32_t line = 0;            // 0 where it is not known
-  std::optional<size_t> section = std::nullopt;  // its place in the image, from 1
+  std::optional<int32_t> code;  // failure code of the library; none if it continues
+  uint32_t line = 0;            // 0 if unknown
+  std::optional<size_t> section = std::nullopt;  // its position in the image, from 1
 };
 
-// `plan` is the one that was made of the machine, which is null where none could be opened.
+// `plan` was made for `machine`, which is null if the controller could not be opened.
 struct tUpdateSituation {
   const tUpdateMachine* machine;
   const std::vector<tPlannedSection>& plan;
   tUpdateOptions options;
 };
 
-// In the order in which the library would come across them.
+// Returns the obstacles in the order in which the library would meet them.
 [[nodiscard]] std::vector<tObstacle> findObstacles(const tUpdateSituation& situation,
                                                    iUpdateFacts& facts);
 
-// The exit code for an update that fails with a code, the controller being open.
+// The exit code for an update that fails with `code` while the controller is open.
 [[nodiscard]] tExitCode exitCodeOfUpdate(int32_t code) noexcept;
 
 }  // namespace nCommandLine

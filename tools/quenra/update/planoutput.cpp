@@ -10,7 +10,7 @@ namespace {
 
 struct tActionWords {
   std::string_view planned;
-  std::string_view done;  // empty where the machine is not changed
+  std::string_view done;  // empty if the action does not change the machine
 };
 
 // In the order of tSectionAction.
@@ -89,7 +89,7 @@ std::string_view resultText(const tPlannedSection& planned, tSectionResult resul
   return "";
 }
 
-// Null for 0.
+// Writes null for 0.
 void writePositive(tJsonDocument& document, std::string_view name, int64_t number) {
   if (number == 0) {
     document.null(name);

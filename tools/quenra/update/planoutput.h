@@ -13,25 +13,25 @@
 
 namespace nCommandLine {
 
-// The installed versions, and the action for each section in a column with that heading.
+// Prints the installed versions, and the action for each section in a column headed `heading`.
 void printPlan(const tStreams& streams, const tUpdateMachine* machine,
                const std::vector<tPlannedSection>& plan, std::string_view heading);
 
-// Each with its code and remedy.
+// Prints each obstacle with its code and remedy.
 void printObstacles(std::ostream& stream, const std::vector<tObstacle>& obstacles);
 
-// The remarks on sections that are no obstacles.
+// Prints the remarks that are not obstacles.
 void printRemarks(std::ostream& stream, const std::vector<tPlannedSection>& plan,
                   const tUpdateOptions& options);
 
-// A line for each section that was planned to be applied.
+// Prints a line for each section that the plan applies.
 void printResults(std::ostream& stream, const std::vector<tPlannedSection>& plan,
                   const tUpdateResult& result);
 
-// The members "installed", "sections" and "obstacles".
+// Writes the members "installed", "sections" and "obstacles".
 void writeInstalled(tJsonDocument& document, const tUpdateMachine* machine);
 void writePlan(tJsonDocument& document, const std::vector<tPlannedSection>& plan);
-// ... with the result of each section.
+// As above, with the result of each section.
 void writePlan(tJsonDocument& document, const std::vector<tPlannedSection>& plan,
                const tUpdateResult& result);
 void writeObstacles(tJsonDocument& document, const std::vector<tObstacle>& obstacles);

@@ -8,12 +8,12 @@
 
 namespace nCommandLine {
 
-// Holds the lock of updates. Two updates at once would mix their firmware and restore each other's
+// Holds the lock of updates. Concurrent updates would mix their firmware and restore each other's
 // version marker.
 class tHeldUpdateLock {
  public:
-  // Waits for another update with a message on `error`, until the user interrupts. Throws tCommandError
-  // when interrupted, when the lock cannot be used, and without `waits` when another update runs.
+  // If another update holds the lock, prints a message to `error` and waits; throws tCommandError
+  // instead if `waits` is false. Also throws it on an interruption and on a failure of the lock.
   tHeldUpdateLock(iUpdateLock& lock, iInterruption& interruption, std::ostream& error, bool waits);
   tHeldUpdateLock(const tHeldUpdateLock&) = delete;
   tHeldUpdateLock& operator=(const tHeldUpdateLock&) = delete;

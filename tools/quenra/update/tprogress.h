@@ -10,16 +10,16 @@
 
 namespace nCommandLine {
 
-// How often the elapsed time is told.
+// The interval at which the elapsed time is printed.
 struct tRhythm {
-  std::chrono::milliseconds onTerminal{100};   // in one line that changes
-  std::chrono::milliseconds elsewhere{10000};  // in lines of their own
+  std::chrono::milliseconds onTerminal{100};   // rewrites one line
+  std::chrono::milliseconds elsewhere{10000};  // prints a new line each time
 };
 
-// Shows that something takes its time, on the standard output.
+// Runs a long operation and prints its elapsed time to the standard output.
 class tProgress {
  public:
-  // `name` is what is being done: "updating".
+  // `name` is the operation: "updating".
   tProgress(std::string_view name, tStreams& streams, iInterruption& interruption,
             bool isSilent = false, tRhythm rhythm = {})
       : name_(name),
@@ -28,9 +28,9 @@ class tProgress {
         isSilent_(isSilent),
         rhythm_(rhythm) {}
 
-  // Runs the call on a thread of its own and returns what it returned. An interruption meanwhile is
-  // answered with a message and changes nothing. Throws where there are no more threads, before
-  // anything was called.
+  // Runs `call` on a separate thread and returns its result. An interruption meanwhile only prints
+  // a message; the operation continues. Throws before it starts `call` if the thread cannot be
+  // created.
   int32_t run(const std::function<int32_t()>& call);
 
   [[nodiscard]] std::chrono::milliseconds elapsed() const noexcept { return elapsed_; }

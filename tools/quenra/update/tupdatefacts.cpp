@@ -17,7 +17,7 @@
 namespace nCommandLine {
 namespace {
 
-// Of the service that owns the files of Windows.
+// The account of TrustedInstaller, the service that owns the files of Windows.
 constexpr const wchar_t* kTrustedInstaller =
     L"S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464";
 
@@ -37,12 +37,12 @@ std::string utf8(std::wstring_view text) {
 
 std::string windowsFolder() {
   std::array<wchar_t, MAX_PATH> path{};
-  // The user's own Windows folder, on a terminal server, is another one.
+  // GetWindowsDirectory would return a private folder of the user on a terminal server.
   const UINT length = GetSystemWindowsDirectoryW(path.data(), static_cast<UINT>(path.size()));
   return length < path.size() ? utf8({path.data(), length}) : std::string();
 }
 
-// The security identifier lives as long as the descriptor.
+// The security identifier is valid as long as the descriptor exists.
 struct tOwner {
   tLocal<void> descriptor;
   PSID identifier = nullptr;
@@ -76,14 +76,14 @@ bool isSystemAccount(PSID identifier) noexcept {
   return text && std::wstring_view(text.get()) == kTrustedInstaller;
 }
 
-// The account that owns the files of the system controls the system anyway. On Windows that is
-// TrustedInstaller; Wine has no such accounts.
+// The owner of the system files already controls the system, so it is trusted. On Windows it is
+// TrustedInstaller; Wine has no such account.
 bool ownsTheSystem(PSID identifier) noexcept {
   const tOwner owner = ownerOf(L"C:\\Windows\\System32\\kernel32.dll");
   return owner.identifier != nullptr && EqualSid(owner.identifier, identifier);
 }
 
-// DOMAIN\name, or the identifier of an account that has no name any more.
+// DOMAIN\name, or the security identifier if the account was deleted.
 std::string accountName(PSID identifier) {
   std::array<wchar_t, 256> name{};
   std::array<wchar_t, 256> domain{};
@@ -102,8 +102,8 @@ struct tFreeLibrary {
   void operator()(HMODULE module) const noexcept { FreeLibrary(module); }
 };
 
-// Maps the program without running any of it: a file that is not a program fails as it does when the
-// system starts it.
+// Maps the program without running it: a file that is not a program fails with the same error as
+// when the system starts it.
 std::error_code startFailureOf(const char* path) noexcept {
   const std::unique_ptr<std::remove_pointer_t<HMODULE>, tFreeLibrary> program(
       LoadLibraryExA(path, nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));

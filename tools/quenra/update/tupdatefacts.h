@@ -5,7 +5,7 @@
 
 namespace nCommandLine {
 
-// The machine that the program runs on, examined with the calls that the library makes.
+// Examines the machine with the same system calls as the library.
 class tUpdateFacts final : public iUpdateFacts {
  public:
   [[nodiscard]] tDriveProtection driveProtection() noexcept override;

@@ -6,8 +6,8 @@
 
 namespace nCommandLine {
 
-// A mutex of the global namespace: the machine has one controller for the sessions of all users. It has
-// the default security of its creator, so that other accounts than administrators cannot hold it.
+// A mutex in the global namespace, because the sessions of all users share one controller. It has
+// the default security of its creator, so that accounts other than administrators cannot hold it.
 class tUpdateLock final : public iUpdateLock {
  public:
   [[nodiscard]] tLockState acquire(std::chrono::milliseconds timeout) noexcept override;

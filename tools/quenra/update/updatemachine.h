@@ -13,17 +13,17 @@ namespace nCommandLine {
 // The version that the Marten reports between an update and the restart that completes it.
 inline constexpr std::string_view kRestartMarker = "0.0.0f0";
 
-// The attributes that decide about an update.
+// The attributes that affect an update.
 struct tUpdateMachine {
   tReading takesUpdates;
   bool hasMarten = false;
   tReading bios;    // the installed version
-  tReading marten;  // ... of a machine that has one
+  tReading marten;  // ... if the machine has a Marten
 
-  // Nothing where it cannot be read.
+  // Empty if the version cannot be read.
   [[nodiscard]] std::optional<std::string> biosVersion() const;
   [[nodiscard]] std::optional<std::string> martenVersion() const;
-  // True if the Marten has not started the firmware of an earlier update yet.
+  // True if an earlier update still awaits the restart that completes it.
   [[nodiscard]] bool awaitsRestart() const;
 };
 

@@ -22,7 +22,7 @@ bool isFor(const tImageSection& section, std::string_view device) {
   return section.header.targetDevice == device;
 }
 
-// The installed version that a section competes with; nothing where there is none to be read.
+// The installed version to compare a section with; empty if it cannot be read.
 std::optional<std::string> installedFor(const tImageSection& section,
                                         const tUpdateMachine* machine) {
   if (machine == nullptr) {
@@ -33,15 +33,15 @@ std::optional<std::string> installedFor(const tImageSection& section,
                                    : std::nullopt;
 }
 
-// Text that is no version counts as older than any, and what is unreadable of the BIOS too. Without a
-// Marten, or without its version, there is no update.
+// Text of another form and an unreadable BIOS version count as the oldest version. A missing Marten
+// or an unreadable version of it is an obstacle that stops the update.
 bool isAsNew(const tImageSection& section, const tUpdateMachine& machine) {
   const auto installed = installedFor(section, &machine);
   const bool counts = isFor(section, kBios) || (isFor(section, kMarten) && installed);
   return counts && packedVersion(installed.value_or("")) >= packedVersion(section.header.version);
 }
 
-// Decides about sections without faults.
+// Chooses the action for a section without a fault.
 class tPlanner {
  public:
   tPlanner(const tFirmwareImage& image, const tUpdateMachine* machine, bool onlyNewer)
@@ -109,7 +109,7 @@ tPlannedSection planFor(const tImageSection& section, size_t number, const tPlan
   return {number, &section, action, action, planner.reasonFor(section, action)};
 }
 
-// One section that is refused is enough for nothing to be done.
+// The library applies no section if it refuses one.
 void keepOthersBack(std::vector<tPlannedSection>& plan) {
   for (tPlannedSection& planned : plan) {
     if (planned.action != tSectionAction::refuse) {

@@ -16,37 +16,37 @@ enum class tSectionAction : uint8_t {
   sendToController,
   sendToMarten,
   installPackage,
-  writeFile,  // the last action that changes something
-  nothing,    // the library does nothing with such a section
-  leaveOut,   // what is installed is as new
-  refuse,     // it keeps the whole image from being applied
-  keepBack,   // another section does
+  writeFile,  // the last action that changes the machine; changesAnything relies on the order
+  nothing,    // the library ignores such a section
+  leaveOut,   // the installed version is not older
+  refuse,     // prevents the complete image from being applied
+  keepBack,   // not applied because another section is refused
 };
 
 struct tUpdateOptions {
   bool onlyNewer = false;
-  bool force = false;         // compares although an update awaits a restart
-  bool allowAnyPath = false;  // applies file names that are not plain
+  bool force = false;         // compare versions even if an update awaits a restart
+  bool allowAnyPath = false;  // apply file names that are not one plain component
 };
 
 // "send-to-marten"
 [[nodiscard]] std::string_view actionName(tSectionAction action) noexcept;
 
 struct tPlannedSection {
-  size_t number;  // its place in the image, from 1
+  size_t number;  // its position in the image, from 1
   const tImageSection* section;
   tSectionAction intended;  // the action if no other section is refused
   tSectionAction action;
-  std::string reason;  // why it is not applied, or is although it is not newer; often empty
+  std::string reason;  // why it is not applied, or is applied although not newer; often empty
 
-  // How to have it applied all the same; empty where the option is not what keeps it from being.
+  // How to apply it nevertheless; empty unless an option prevents it.
   [[nodiscard]] std::string_view remedy() const noexcept {
     return action == tSectionAction::leaveOut ? "without --only-newer it is applied" : "";
   }
 };
 
-// In the order of application; in the order of the image where one is refused. `machine` is null where
-// no controller is open. The sections are those of `image`.
+// Returns the sections in the order of application, or of the image if one is refused. `machine` is
+// null if no controller is open. The result points into `image`.
 [[nodiscard]] std::vector<tPlannedSection> planSections(const tFirmwareImage& image,
                                                         const tUpdateMachine* machine,
                                                         bool onlyNewer);

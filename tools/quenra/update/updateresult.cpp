@@ -48,7 +48,7 @@ tSiteExplanation explanationOf(int32_t code) {
   return {std::string(explanation.meaning), std::string(explanation.advice)};
 }
 
-// The library removes all files of the image when a package cannot be installed.
+// When a package cannot be installed, the library removes all files of the image.
 tUpdateResult failureOfTool(int32_t code, const tPlan& plan, tIterator package,
                             const tDriverStoreTool& tool) {
   tUpdateResult result = successOf(plan);
@@ -66,7 +66,7 @@ tUpdateResult failureOfTool(int32_t code, const tPlan& plan, tIterator package,
   return result;
 }
 
-// Everything that this code means precedes the first section that is sent.
+// This code always arises before the first section is sent.
 tUpdateResult failureOfFiles(int32_t code, const tPlan& plan, iUpdateFacts& facts) {
   const std::string folder = facts.temporaryFolder();
   const std::error_code reason = facts.temporaryFolderFailure();
@@ -81,14 +81,14 @@ tUpdateResult failureOfFiles(int32_t code, const tPlan& plan, iUpdateFacts& fact
   return {allOf(plan, tSectionResult::notApplied), failure};
 }
 
-// The step cannot be concluded from the code.
+// For codes that do not identify the step that failed.
 tUpdateResult failureAnywhere(int32_t code, const tPlan& plan) {
   return {allOf(plan, tSectionResult::unknown),
           tUpdateFailure{"the update failed", explanationOf(code), code}};
 }
 
-// A code of the driver belongs to a section that is sent, or to the Marten's version marker, which the
-// library writes before.
+// A code of the driver results from a section that is sent, or from the Marten's version marker,
+// which the library writes first.
 tUpdateResult failureOfDriver(int32_t code, const tPlan& plan, const tUpdateMachine& machine) {
   tUpdateFailure failure;
   failure.explanation = explanationOf(code);

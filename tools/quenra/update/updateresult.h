@@ -1,5 +1,5 @@
-// The outcome of an update, section by section. The library reports one code for all of them; the plan
-// and the facts of the machine show which step a code belongs to.
+// The outcome of an update, section by section. The library reports one code for all sections; the
+// plan and the state of the machine identify the step that failed.
 #ifndef TOOLS_QUENRA_UPDATE_UPDATERESULT_H
 #define TOOLS_QUENRA_UPDATE_UPDATERESULT_H
 
@@ -20,18 +20,18 @@ enum class tSectionResult : uint8_t {
   handedOver,  // to the driver store, whose result the library does not examine
   failed,
   notApplied,
-  unknown,  // a failure leaves open how far the update came
+  unknown,  // the failure does not show how far the update proceeded
 };
 
 // "not-applied"
 [[nodiscard]] std::string_view resultName(tSectionResult result) noexcept;
 
 struct tUpdateFailure {
-  std::string fact;  // the step that failed, with the reason of the system where there is one
+  std::string fact;  // the step that failed, with the reason of the system if known
   tSiteExplanation explanation;
   int32_t code = 0;
-  uint32_t line = 0;                             // 0 where it is not known
-  std::optional<size_t> section = std::nullopt;  // its place in the image, from 1
+  uint32_t line = 0;                             // 0 if unknown
+  std::optional<size_t> section = std::nullopt;  // its position in the image, from 1
 };
 
 struct tUpdateResult {
@@ -41,7 +41,7 @@ struct tUpdateResult {
 
 [[nodiscard]] tUpdateResult successOf(const std::vector<tPlannedSection>& plan);
 
-// `code` is negative. `plan` has no section that is refused.
+// Precondition: `code` is negative, and `plan` has no refused section.
 [[nodiscard]] tUpdateResult failureOf(int32_t code, const std::vector<tPlannedSection>& plan,
                                       const tUpdateMachine& machine, iUpdateFacts& facts);
 

@@ -27,7 +27,7 @@ const tAttributeRow* findRow(uint32_t attribute, tPurpose purpose) noexcept {
   return purpose == tPurpose::writing && setting != nullptr ? setting : findAttribute(attribute);
 }
 
-// An id may hold selector and instance itself.
+// An id may already contain a selector and an instance.
 tWantedAttribute attributeById(const std::string& text, tPurpose purpose) {
   const auto id = parseUnsigned(text);
   if (!id) {

@@ -10,16 +10,16 @@
 namespace nCommandLine {
 
 struct tWantedAttribute {
-  const tAttributeRow* row;  // null: an id that only the driver may know
+  const tAttributeRow* row;  // null for an id outside the catalogue, which the driver may support
   tAttributeAddress address;
 
   // "memory-size", or the id of an attribute without a name.
   [[nodiscard]] std::string name() const;
-  // As messages name it: "memory-size, instance 1".
+  // The name in messages: "memory-size, instance 1".
   [[nodiscard]] std::string label() const;
 };
 
-// Finds out which attribute is meant; throws tCommandError when none can be.
+// Parses the attribute arguments of a verb. Throws tCommandError if they match no attribute.
 [[nodiscard]] tWantedAttribute attributeToRead(const tArguments& arguments);
 [[nodiscard]] tWantedAttribute attributeToWrite(const tArguments& arguments);
 

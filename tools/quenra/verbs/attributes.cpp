@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kIdDigits = 8;
 
-// Settings are last, as their subject is.
+// Appends the settings: their subject is the last one.
 template <class Visitor>
 void forEachAttribute(Visitor visit) {
   std::ranges::for_each(kAttributes, visit);

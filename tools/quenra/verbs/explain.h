@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// `quenra explain`: what a status code means. Needs no controller.
+// `quenra explain`: meaning and remedy of a status code. Needs no controller.
 [[nodiscard]] tExitCode runExplain(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine

@@ -15,9 +15,9 @@ namespace nCommandLine {
 namespace {
 
 constexpr std::string_view kDevices[] = {"BIOS", "MARTEN", "SAFEMODE"};
-// What mail programs and base64(1) do.
+// The line length of mail programs and base64(1).
 constexpr uint32_t kDefaultLineLength = 76;
-// With its text, which is a third longer, it stays where positions have 32 bits.
+// The Base64 text is a third longer and must stay within the 32-bit positions of the format.
 constexpr size_t kLargestPayload = size_t{1} << 31;
 
 [[noreturn]] void refuse(const std::string& what, std::string advice,
@@ -72,7 +72,7 @@ size_t wantedLineLength(const tArguments& arguments) {
   return *length;
 }
 
-// Neither the payload nor an image that the user did not name for a change may be lost.
+// Never overwrites the payload, nor an existing image without --append or --force.
 void judgeFiles(const std::string& payload, const std::string& output,
                 const tArguments& arguments) {
   if (isSameFile(payload, output)) {
@@ -95,7 +95,7 @@ std::string payloadOf(const std::string& path) {
   return payload;
 }
 
-// Of the image to which the section is added.
+// Checks the image to which the section is appended.
 size_t sectionsIn(const std::string& path, std::string_view bytes, const tArguments& arguments) {
   if (!arguments.has(nWords::kAppend)) {
     return 0;
@@ -113,8 +113,8 @@ bool isAsWanted(const tImageSection& section, const tNewSection& wanted) {
          section.header.byteCount == wanted.payload.size();
 }
 
-// An image that ends in a NUL, or a name in quotes: values that the format cannot hold show when the image
-// is read back.
+// Reads the image back: that reveals values which the format cannot represent, such as a name in
+// quotes, and an image to append to that ends in a NUL.
 void judge(const tFirmwareImage& image, size_t before, const tNewSection& wanted) {
   if (image.sections.size() != before + 1 || !isAsWanted(image.sections.back(), wanted)) {
     throw tCommandError(tExitCode::failure,

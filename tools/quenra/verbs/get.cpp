@@ -14,12 +14,12 @@
 namespace nCommandLine {
 namespace {
 
-// The one attribute that is readable even where no controller can be opened.
+// True for the only attribute that is readable without an open controller.
 bool needsNoController(const tAttributeAddress& address) noexcept {
   return address.id() == QUENRA_ATTRIBUTE_DEVICE_PATH;
 }
 
-// The reading, and the fault of an instance that the machine does not have.
+// A reading; `instanceFault` explains an instance that the machine does not have.
 struct tAnswer {
   tReading reading;
   std::string instanceFault = {};

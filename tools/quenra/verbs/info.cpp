@@ -22,8 +22,8 @@ bool hasInstances(const tAttributeRow& row) noexcept {
   return row.instances->most > 1;
 }
 
-// "memory-size[1]" where there are instances, "firmware-version[BIOS]" where each interface has a
-// value.
+// "memory-size[1]" for an attribute with instances, "firmware-version[BIOS]" for one with a value
+// per interface.
 std::string labelOf(const tAttributeRow& row, const tReading& reading) {
   std::string label(row.name);
   if (row.perInterface) {
@@ -49,7 +49,7 @@ void addWarnings(const tMachine& machine, std::vector<tWarning>& warnings) {
   });
 }
 
-// One error for each code that is a failure, naming all attributes that met it.
+// Returns one error per failure code, naming all attributes that failed with it.
 std::vector<tCommandError> errorsOf(const tMachine& machine) {
   std::map<int32_t, std::string> failed;
   forEachReading(machine, [&failed](const tAttributeRow& row, const tReading& reading) {

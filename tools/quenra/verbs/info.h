@@ -7,8 +7,8 @@
 
 namespace nCommandLine {
 
-// `quenra info`: all attributes by subject. What cannot be read is shown as such; only failures
-// other than an attribute's absence make the exit code `failure`, with everything else still shown.
+// `quenra info`: all attributes by subject. Shows an absent attribute as absent. Any other
+// failure to read one sets the exit code to `failure`; the remaining attributes are still shown.
 [[nodiscard]] tExitCode runInfo(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine

@@ -49,8 +49,8 @@ tOpeningFault faultOfOpening(const tController& controller) {
   if (isRefusedForTheirNumber && martens > 1) {
     return tooMany(martens, "Marten", "at most 1 is supported");
   }
-  // The codes of a machine whose table cannot be read, or names a machine that the library does not
-  // support. Without a controller interface the same code means that none is present.
+  // The codes for an SMBIOS table that cannot be read, or that names an unsupported machine.
+  // Without a controller interface the same code means that no controller is present.
   const bool isCodeOfTable =
       code == QUENRA_STATUS_NO_CONTROLLER || code == QUENRA_STATUS_NOT_SUPPORTED;
   if (isCodeOfTable && controllers > 0) {

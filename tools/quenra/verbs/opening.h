@@ -21,12 +21,12 @@ struct tOpeningFault {
   tSiteExplanation explanation;  // of the code
 };
 
-// Of a controller whose code is negative.
+// Precondition: the controller's code is negative.
 [[nodiscard]] tOpeningFault faultOfOpening(const tController& controller);
 
 // Throws tCommandError if opening the controller failed; adds its warning.
 void judgeOpening(int32_t code, std::vector<tWarning>& warnings);
-// ... with the cause, as far as the present device interfaces show it.
+// As above, with the cause as far as the present device interfaces show it.
 void judgeOpening(const tController& controller, std::vector<tWarning>& warnings);
 
 }  // namespace nCommandLine

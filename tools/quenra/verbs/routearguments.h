@@ -6,11 +6,11 @@
 
 namespace nCommandLine {
 
-// The route that a verb is asked for. Throws tCommandError, with what may have been meant, when the
-// session does not know a terminal.
+// Parses the route arguments of a verb. Throws tCommandError, with suggestions, for a terminal that
+// the session does not have.
 [[nodiscard]] tWantedRoute wantedRoute(const tArguments& arguments, tRoutingSession& session);
 
-// Ends a verb that found no route.
+// Throws tCommandError for a verb that found no route.
 [[noreturn]] void refuseRoute(const tWantedRoute& wanted);
 
 }  // namespace nCommandLine

@@ -18,10 +18,10 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// How soon an interruption is noticed.
+// The polling interval for interruptions.
 constexpr milliseconds kAttention{100};
 
-// How long to hold the route; without the option until an interruption.
+// The time to hold the route; unlimited without the option.
 milliseconds wantedTime(const tArguments& arguments) {
   const auto given = arguments.optional(nWords::kFor);
   if (!given) {
@@ -61,14 +61,14 @@ struct tDemotion {
   milliseconds after;
 };
 
-// Reason 101 is the only one that the library reports.
+// The library documents only the reason 101.
 std::string reasonText(int32_t reason) {
   constexpr int32_t kHigherPriority = 101;
   return reason == kHigherPriority ? "the line was taken by a route of higher priority (101)"
                                    : "the library reports the reason " + std::to_string(reason);
 }
 
-// The life of a route that was connected.
+// The history of a connected route.
 struct tHolding {
   tRoute route;
   std::vector<std::string> path;
@@ -76,7 +76,7 @@ struct tHolding {
   milliseconds held{0};
   bool interrupted = false;
 
-  // A route that was demoted carried no signal any more.
+  // A failure if the route was demoted: it carried no signal from then on.
   [[nodiscard]] tExitCode exitCode() const noexcept {
     return demotions.empty() ? tExitCode::done : tExitCode::failure;
   }
@@ -111,7 +111,7 @@ class tReporter {
   std::string_view prefix_;
 };
 
-// Holds the route until its time is over or an interruption comes.
+// Holds the route until its time expires or the user interrupts.
 class tHolder {
  public:
   tHolder(tDemotions& demotions, iInterruption& interruption, tReporter& reporter)
@@ -187,7 +187,7 @@ tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& conte
   tDemotions demotions;
   tRoutingSession session(context.ports.routing, routingDevice(context.ports.library), demotions);
   const tWantedRoute wanted = wantedRoute(arguments, session);
-  // Before anything is held, so that an interruption releases it in order.
+  // Called before the first step, so that an interruption runs the teardown.
   context.ports.interruption.await();
   tReporter reporter(context);
   tHolder holder(demotions, context.ports.interruption, reporter);

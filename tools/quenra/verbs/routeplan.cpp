@@ -15,7 +15,7 @@ struct tPlannedRoute {
   std::vector<std::string> path;
 };
 
-// The driver forgets each route again, whatever becomes of the others.
+// Destroys every calculated route again, also if another one fails.
 std::vector<tPlannedRoute> planned(tRoutingSession& session, const tWantedRoute& wanted) {
   std::vector<tPlannedRoute> routes;
   for (const tRoute& route : session.calculate(wanted)) {

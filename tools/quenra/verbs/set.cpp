@@ -37,7 +37,7 @@ void judgeSettingOfBoth(tWantedAttribute& wanted) {
   }
 }
 
-// The library follows a selector for some attributes only. A selector that it would ignore is refused.
+// The library evaluates the selector for some attributes only. Refuses a selector it would ignore.
 void judgeInterface(tWantedAttribute& wanted) {
   const tAttributeAddress& address = wanted.address;
   if (isSettingOfBoth(address)) {
@@ -103,7 +103,7 @@ tCommandError refusalOf(const tWantedAttribute& wanted, int32_t code) {
       tSiteExplanation{{}, "Run 'quenra attributes' to list the attributes that can be written."}};
 }
 
-// The controller is open: an interface is missing, or a field of this machine.
+// The controller is open, so an interface or a field of the SMBIOS table is missing.
 tCommandError absenceOf(const tWantedAttribute& wanted, int32_t code) {
   const bool isMarten = wanted.address.which == tInterface::marten;
   return {tExitCode::notSupported,

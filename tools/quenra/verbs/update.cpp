@@ -68,7 +68,7 @@ tExitCode exitCodeOf(int32_t openingCode, const std::vector<tObstacle>& obstacle
   return code ? exitCodeOfUpdate(*code) : tExitCode::failure;
 }
 
-// A controller that cannot be opened.
+// The obstacle for a controller that cannot be opened.
 tObstacle obstacleOf(const tController& controller) {
   const tOpeningFault fault = faultOfOpening(controller);
   const std::string& remedy = fault.explanation.advice;
@@ -93,7 +93,7 @@ tPlanAnswer plan(const tController& controller, const tPorts& ports, const tWant
   return answer;
 }
 
-// The members that the documents of plans and updates begin with.
+// Writes the members that begin the documents of plans and of updates.
 void writeWanted(tJsonDocument& document, const tPlanAnswer& answer) {
   document.text("path", answer.wanted.path);
   document.truth("onlyNewer", answer.wanted.options.onlyNewer);
@@ -132,7 +132,7 @@ tExitCode runPlan(const tWantedUpdate& wanted, const tVerbContext& context) {
 
 // ---- An update that is not started ----
 
-// The first obstacle is the error of the document.
+// The document reports the first obstacle as its error.
 tCommandError errorOf(const tPlanAnswer& answer) {
   const tObstacle& first = answer.obstacles.front();
   if (!first.code) {
@@ -225,7 +225,7 @@ void printDocument(std::ostream& stream, const tPlanAnswer& answer, std::string_
   document.writeTo(stream);
 }
 
-// The library would mark the Marten as updated although it sends nothing.
+// Does not call the library, which would mark the Marten as updated without sending anything.
 tExitCode reportNothingToDo(const tPlanAnswer& answer, const tVerbContext& context) {
   printWarnings(context.streams.error, answer.warnings);
   if (context.json) {
@@ -277,7 +277,7 @@ tExitCode runWanted(const tWantedUpdate& wanted, const tVerbContext& context) {
     streams.out << "updating, which can take minutes: leave the machine on" << std::endl;
   }
   if (!streams.out.flush()) {
-    // Nothing could report its end.
+    // Without output the program could not report the result.
     streams.error << "quenra: the update was not started: its output cannot be written\n";
     return tExitCode::failure;
   }
@@ -291,7 +291,7 @@ tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context) {
   if (arguments.has(nWords::kPlan)) {
     return runPlan(wanted, context);
   }
-  // Held while the machine is read for the plan as well: another update changes it.
+  // Held from before the plan is made: another update would change the machine that it describes.
   const tHeldUpdateLock lock(context.ports.updateLock, context.ports.interruption,
                              context.streams.error, !arguments.has(nWords::kNoWait));
   return runWanted(wanted, context);

@@ -6,8 +6,8 @@
 
 namespace nCommandLine {
 
-// What every verb is given. A verb prints its answer and returns the exit code, or throws
-// tCommandError with nothing printed but, for people, what it was doing.
+// The arguments of every verb. A verb prints its answer and returns the exit code, or throws
+// tCommandError; until then it prints nothing but progress messages, and none with --json.
 struct tVerbContext {
   const tPorts& ports;
   tStreams& streams;
