@@ -1,5 +1,5 @@
-// firmware_bench [MEBIBYTES]: measures the decoding of payloads of so many MiB (64), the search for sections
-// and the parsing of images, and how the time grows with images made to be expensive.
+// firmware_bench [MEBIBYTES]: measures decoding (payloads of 64 MiB by default), the search for
+// sections and the parsing of images, and the growth of the parse time for expensive images.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -38,7 +38,7 @@ constexpr const char* kReading = "reading";
   std::exit(1);
 }
 
-// Stores results, so that no compiler drops the work.
+// Stores results, so that the compiler cannot optimise the work away.
 volatile uint64_t seen = 0;
 
 std::vector<const tKernels*> supportedKernels() {
@@ -51,7 +51,7 @@ std::vector<const tKernels*> supportedKernels() {
   return supported;
 }
 
-// The goals apply to this size; a smaller payload may fit a cache and reach others.
+// The goals apply to this size; a smaller payload may fit into a cache and be faster.
 constexpr size_t kMebibytesOfGoals = 64;
 
 // Returns a goal that only the selected kernels have to reach.
@@ -78,7 +78,7 @@ struct tPayload {
       : data(nTests::firmwareBytes(count)), crc(nTests::firmwareCrc(data)) {}
 };
 
-// Inserts a character that is not Base64, on average before every eighth that is.
+// Inserts a character outside the Base64 alphabet, on average before every eighth character.
 std::string withNoise(std::string_view text) {
   std::mt19937 random(5);
   std::string noisy;
@@ -93,7 +93,7 @@ std::string withNoise(std::string_view text) {
 
 using tGoals = std::map<std::string, tGoal>;
 
-// Decodes into memory that is in use already.
+// Decodes into memory that was touched before, so that no page faults are measured.
 void measureDecoding(const std::string& title, const tPayload& payload, const std::string& text,
                      bool isClean, const tGoals& goals) {
   std::vector<uint8_t> buffer(text.size());
@@ -167,10 +167,10 @@ void measureParsing(const tPayload& payload, const std::string& image) {
   nBench::measure(table, kRounds);
 }
 
-// Text that all sections share, and sections that all go to the front of the list.
+// Images whose sections share all text, and images whose sections all move to the front.
 void measureExpensiveImages() {
   constexpr size_t kSections = 4000;
-  constexpr double kLimit = 6;  // 4 is linear growth, 16 that of a square
+  constexpr double kLimit = 6;  // linear growth is 4, quadratic growth is 16
   constexpr int kFewRounds = 5;
   std::vector<nBench::tGrowingWork> works;
   for (const nTests::tExpensiveImage& kind : nTests::expensiveImages()) {

@@ -16,7 +16,7 @@ double secondsOf(const std::function<void()>& run) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Work that takes less time is repeated within a round.
+// The minimum time of a run within a round: shorter work is repeated.
 constexpr double kMinSeconds = 0.002;
 
 size_t repetitions(const std::function<void()>& run) {
@@ -24,7 +24,7 @@ size_t repetitions(const std::function<void()>& run) {
   return 1 + static_cast<size_t>(kMinSeconds / std::max(secondsOf(run), 1e-9));
 }
 
-// Returns the median time of each run. The runs take turns.
+// Returns the median time of each run. Interleaves the runs.
 std::vector<double> medianSeconds(const std::vector<std::function<void()>>& runs, int rounds) {
   std::vector<size_t> repeated;
   for (const auto& run : runs) {

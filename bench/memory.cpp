@@ -1,5 +1,5 @@
-// The cost of memory alone. In a file of its own: a compiler that sees caller and function together drops
-// memory that is never read.
+// The cost of memory alone. In a separate file: a compiler that sees caller and function together
+// removes memory that is never read.
 #include <cstdlib>
 #include <cstring>
 
@@ -13,7 +13,7 @@ void copyIntoFreshMemory(const uint8_t* data, size_t count) {
     std::abort();
   }
   std::memcpy(const_cast<uint8_t*>(memory), data, count);
-  // The volatile read keeps the copy.
+  // The volatile read prevents the compiler from removing the copy.
   (void)memory[count - 1];
   std::free(const_cast<uint8_t*>(memory));
 }

@@ -16,16 +16,16 @@ struct tDecoder {
   bool skipsNoise = true;
 };
 
-// Decodes all of the Base64 and then computes the CRC, a byte at a time through tables: the obvious code.
+// Straightforward code: decodes all Base64, then computes the CRC, a byte at a time with tables.
 [[nodiscard]] tDecoder bytewisePair();
 
-// Other libraries; none in a build without them.
+// Other libraries; empty in a build without them.
 [[nodiscard]] std::vector<tDecoder> otherLibraries();
 
 // Copies bytes into newly allocated memory and frees it.
 void copyIntoFreshMemory(const uint8_t* data, size_t count);
 
-// Reads all bytes and adds them up by words.
+// Reads all bytes and adds them word by word.
 [[nodiscard]] uint64_t readAll(const uint8_t* data, size_t count);
 
 }  // namespace nBench

@@ -1,13 +1,13 @@
-# Libraries of others, all from Debian's packages.
+# Third-party libraries, all from Debian packages.
 
-# GoogleTest is compiled from its sources, so that it has the compiler and the options of the tests.
+# Compile GoogleTest from source with the compiler and the options of the tests.
 set(INSTALL_GTEST OFF)
 set(gtest_disable_pthreads OFF)
 add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 include(GoogleTest)
 
-# Header-only libraries. A cross build must not see the rest of the host's headers, so each is linked
-# into a folder of its own.
+# Header-only libraries. A cross build must not see the other headers of the host, so a separate
+# folder holds links to these libraries only.
 set(host_headers ${CMAKE_BINARY_DIR}/hostheaders)
 file(MAKE_DIRECTORY ${host_headers})
 foreach(name CLI boost rapidjson)

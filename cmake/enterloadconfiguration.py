@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Enters an image's load configuration into its directory, and makes its tables read-only.
+"""Sets the load configuration directory of a PE image and makes its tables read-only.
 
 Usage: enterloadconfiguration.py IMAGE
 
-GNU ld 2.40 leaves that entry empty. The configuration is the constant _load_config_used of the image;
-its place is taken from the image's symbols. GNU ld also marks the sections of the imports, of the
-start-up tables and of the resources as writable. The program never writes to them; the loader does, and
-changes their protection for that time. Running the script again changes nothing.
+GNU ld 2.40 leaves the directory entry empty. The configuration is the constant _load_config_used,
+which the script finds in the image's symbol table. GNU ld also marks the sections of the imports,
+the start-up tables and the resources as writable. Only the loader writes to them, and it changes their
+protection for that time. The script is idempotent.
 """
 
 import pathlib
@@ -26,7 +26,7 @@ def unpack(layout, image, offset):
 
 
 class Headers:
-    """Offsets in the file of what has to be read and changed."""
+    """File offsets of the fields that the script reads and changes."""
 
     def __init__(self, image):
         (self.file_header,) = unpack("I", image, 0x3C)
@@ -45,7 +45,7 @@ class Headers:
 
 
 def symbol_place(image, headers):
-    """Section number, counted from one, and offset in it."""
+    """Section number of the symbol, from 1, and its offset in the section."""
     table, count = unpack("II", image, headers.file_header + 8)
     strings = table + count * SYMBOL_SIZE
     index = 0
@@ -60,7 +60,7 @@ def symbol_place(image, headers):
 
 
 def checksum(image, place):
-    """The sum that the image's header carries: of its 16-bit words, but for the sum itself."""
+    """The checksum of the PE header: the 16-bit words without the checksum field, plus the size."""
     padded = bytes(image[:place]) + bytes(4) + bytes(image[place + 4:]) + bytes(len(image) % 2)
     total = sum(struct.unpack(f"<{len(padded) // 2}H", padded))
     while total >> 16:

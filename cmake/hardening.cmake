@@ -1,11 +1,11 @@
-# Protections of the images for Windows. tests/architecture/check_hardening.py asserts them on the built
-# files; SECURITY.md lists them.
+# Hardening of the Windows images. tests/architecture/check_hardening.py checks the built files;
+# SECURITY.md documents the options.
 
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 enable_language(RC)
 
 add_link_options(-Wl,--dynamicbase,--high-entropy-va,--nxcompat)
-# The same source gives the same bytes, wherever and whenever it is built.
+# Reproducible builds: the output depends neither on the folder nor on the time of the build.
 add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
 add_link_options(-Wl,--no-insert-timestamp)
 
@@ -15,16 +15,16 @@ target_include_directories(stack_guard PRIVATE ${CMAKE_SOURCE_DIR})
 target_compile_options(stack_guard PRIVATE -Wall -Wextra -Wconversion -Wshadow
   ${warnings_as_errors})
 
-# What the kernel loads has no guard that the loader could replace.
+# No stack protector in kernel-side images: no loader sets a random cookie in them.
 set(in_user_mode $<NOT:$<BOOL:$<TARGET_PROPERTY:KERNEL_SIDE>>>)
 target_compile_options(house_rules INTERFACE $<${in_user_mode}:-fstack-protector-strong>)
 target_link_libraries(house_rules INTERFACE $<${in_user_mode}:stack_guard>)
 
 # quenra_hardened(NAME DESCRIPTION text [DEPENDENT_LOAD_FLAGS flags])
 #
-# Gives a library or a program a version resource and a load configuration, by which the loader makes
-# the stack's guard random, and searches the imported libraries by the given flags of LoadLibraryEx.
-# The imports, start-up tables and resources become read-only.
+# Adds a version resource and a load configuration to a library or a program. With the configuration
+# the loader sets a random stack cookie and searches imported libraries by the given flags of
+# LoadLibraryEx. Makes imports, start-up tables and resources read-only.
 function(quenra_hardened name)
   cmake_parse_arguments(arg "" "DESCRIPTION;DEPENDENT_LOAD_FLAGS" "" ${ARGN})
   if(NOT arg_DEPENDENT_LOAD_FLAGS)

@@ -1,5 +1,5 @@
-# Compiler options of every target of the project. Link `house_rules` to get them.
-# A newer compiler warns about more; that must not stop a user's build.
+# Compiler options of every target of the project: link `house_rules`.
+# Off by default: additional warnings of a newer compiler must not break a user's build.
 option(QUENRA_WARNINGS_AS_ERRORS "Fail the build on a compiler warning" OFF)
 if(QUENRA_WARNINGS_AS_ERRORS)
   set(warnings_as_errors -Werror)
@@ -17,9 +17,9 @@ option(QUENRA_COVERAGE "Count, in a native build, which lines and branches run" 
 if(WIN32)
   target_compile_definitions(house_rules INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX)
 else()
-  # The native build compiles the library's own source against the Windows headers that come with
-  # Wine; the functions behind them are those of tests/fakewindows. Windows has 16-bit wide
-  # characters, and everything that meets those headers has to agree on that.
+  # The native build compiles the library's own source against Wine's Windows headers;
+  # tests/fakewindows implements the functions. Windows has 16-bit wide characters, so every source
+  # that includes those headers must be compiled with -fshort-wchar.
   add_compile_options(-fshort-wchar)
   target_compile_definitions(house_rules INTERFACE WINE_UNICODE_NATIVE WIN32_LEAN_AND_MEAN NOMINMAX)
   target_include_directories(house_rules SYSTEM INTERFACE /usr/include/wine/wine/windows

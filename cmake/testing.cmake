@@ -1,16 +1,16 @@
 # quenra_test(NAME SOURCES file... [LIBRARIES target...] [BOTH_FINAL_STATUSES])
 #
-# A GoogleTest program. Natively each of its tests is a test of its own. On Windows the program is
-# one test, because starting a program costs more there than most tests do, and only one at a time
-# has the simulated machine.
+# Adds a GoogleTest program. A native build registers each of its tests with CTest. On Windows the
+# complete program is one CTest test, because starting a program costs more there than most tests;
+# these run one at a time, since they share the simulated machine.
 #
-# With BOTH_FINAL_STATUSES the native tests run a second time under the prefix "dequeue.", with a
-# fake Windows that stores the final status of a request only when its packet is dequeued.
+# With BOTH_FINAL_STATUSES the native tests also run under the prefix "dequeue.", with a fake
+# Windows that stores the final status of a request only when its packet is dequeued.
 function(quenra_test name)
   cmake_parse_arguments(arg "BOTH_FINAL_STATUSES" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE house_rules ${arg_LIBRARIES} gmock gtest_main)
-  # Assertions expand to a great deal of code that runs once: optimizing it takes most of a build.
+  # Assertions expand to much code that runs once: optimizing it would take most of the build time.
   target_compile_options(${name} PRIVATE -O0)
   if(WIN32)
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
