@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Tells how much of the library's own source the native tests run, per folder.
+"""Reports the line and branch coverage of the library's own source by the native tests, per folder.
 
 Usage: report.py ROOT TRACE [--missing]
 
-TRACE is what `llvm-cov export` writes. Exit code 1 when less than the limits is run, when lines are not
-run that unreached.txt does not list, or when it lists something that is run. --missing shows each line
-and branch that is not run, the listed ones too.
+TRACE is the output of `llvm-cov export`. Exits with 1 if the coverage is below the limits, if
+unreached.txt lacks an unexecuted line, or if it lists an executed one. --missing prints each
+unexecuted line and branch, including the listed ones.
 """
 
 import argparse
@@ -27,7 +27,7 @@ class File:
     branches: dict = dataclasses.field(default_factory=dict)  # {(line, ..., outcome): taken}
 
     def missed_runs(self):
-        """[(first line, last line)] of lines that follow each other and are not run."""
+        """[(first line, last line)] of each run of consecutive unexecuted lines."""
         runs, before = [], None
         for line, count in sorted(self.lines.items()):
             if count == 0 and before == 0:
@@ -38,7 +38,7 @@ class File:
         return runs
 
     def missed_branches(self):
-        """The lines that are run, and not with every outcome."""
+        """The executed lines with a branch outcome that did not occur."""
         return sorted({place[0] for place, count in self.branches.items()
                        if count == 0 and self.lines.get(place[0], 1) != 0})
 
@@ -94,7 +94,7 @@ def count_lines(segments):
 
 
 def count_branches(branches):
-    """All instances of a template are one."""
+    """Merges the branches of all instances of a template."""
     counts = collections.Counter()
     for *place, when_true, when_false, _, _, _ in branches:
         counts[*place, True] += when_true
@@ -103,7 +103,7 @@ def count_branches(branches):
 
 
 def read_trace(trace, root):
-    """{path in the project: File} of the library's own source."""
+    """{path in the project: File} for the library's own source."""
     files = {}
     for entry in trace["data"][0]["files"]:
         name = os.path.normpath(entry["filename"]).removeprefix(f"{root}/")
@@ -137,7 +137,7 @@ def find_missed(files, sources):
 
 
 def faults_of(total, missed, unreached):
-    """What is wrong, as texts."""
+    """Violations, as messages."""
     if total.lines == 0:
         return ["nothing of the library was run"]
     faults = []

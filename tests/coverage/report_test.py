@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds the coverage report to what it promises."""
+"""Tests of the coverage report."""
 
 import unittest
 
@@ -10,8 +10,8 @@ def trace_of(name, segments, branches=()):
     return {"data": [{"files": [{"filename": name, "segments": segments, "branches": branches}]}]}
 
 
-# if (a) {  // line 10: run three times
-#   b();    // line 11: never
+# if (a) {  // line 10: executed three times
+#   b();    // line 11: never executed
 #   c();
 # }
 SEGMENTS = [[10, 1, 3, True, True, False], [10, 9, 0, True, True, False],
