@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Tells again, at the end of a long run, which tests failed and how their outputs ended.
+"""Lists, at the end of a long run, the tests that failed and the ends of their outputs.
 
     failures.py REPORT…
 
-Each REPORT is the JUnit file of one run of ctest, named after what was tested: native.xml. Exits
-with 1 when a test failed or a report cannot be read, with 0 otherwise. Thousands of tests pass
-between a failure and the last line of a run, and a log is read from its end.
+Each REPORT is the JUnit file of one run of ctest, named after its preset: native.xml. Exits with 1
+if a test failed or a report cannot be read, with 0 otherwise. A failure is printed thousands of
+lines before the end of a run, and readers start at the end of a log.
 """
 
 import pathlib
@@ -17,7 +17,7 @@ TESTS_IN_FULL = 10
 
 
 def has_failed(test):
-    """Whether it failed, or could not be run without having asked to be skipped."""
+    """True if a test failed, or if it did not run although it did not request to be skipped."""
     if test.get("status") != "notrun":
         return test.get("status") == "fail"
     return not test.find("skipped").get("message").startswith("SKIP_")
@@ -30,7 +30,7 @@ def read_failures(text):
 
 
 def tell(run, failures):
-    """The lines about one run."""
+    """The lines of output for one run."""
     lines = [f"{run}: {len(failures)} failed" if failures else f"{run}: every test passed"]
     for name, output in failures[:TESTS_IN_FULL]:
         lines.append(f"  {name}")

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds the list of failed tests to what it promises."""
+"""Tests of the list of failed tests."""
 
 import contextlib
 import io
