@@ -1,4 +1,4 @@
-"""Reads the list of changes that change no behaviour: equivalent.txt tells its form."""
+"""Reads the list of equivalent mutants; equivalent.txt documents its format."""
 
 import dataclasses
 
@@ -24,7 +24,7 @@ class Equivalents:
         return self._key(mutant) in self._keys
 
     def without(self, mutants):
-        """The entries that fit none of these."""
+        """The entries that match none of the mutants."""
         found = {self._key(mutant) for mutant in mutants}
         return [entry for entry in self.entries
                 if (entry.path, entry.original, entry.mutated) not in found]

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Changes one operator or constant at a time, and reports the changes that no test notices.
+"""Changes one operator or constant at a time, and reports the changes that no test detects.
 
-It works on a copy of the tree in the build folder. What was found out is kept there: a run that is
-interrupted, or limited, goes on where it ended, until a source or a test of the unit changes.
+The tool works on a copy of the tree in the build folder and keeps its results there: the next run
+resumes an interrupted or limited one, unless a source or a test of the unit has changed.
 """
 
 import argparse
@@ -29,7 +29,7 @@ BUILD_SECONDS = 1800
 
 
 def run(command, **options):
-    """The exit code, or None when it took too long; then nothing of it is left running."""
+    """The exit code, or None after a timeout, which kills the complete process group."""
     process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                                stdin=subprocess.DEVNULL, start_new_session=True,
                                **{key: value for key, value in options.items() if key != "timeout"})
@@ -55,7 +55,7 @@ def listed_files():
 
 
 def update_copy():
-    """What has not changed keeps its time, so that it is not built again."""
+    """Unchanged files keep their time stamps, so that the build does not compile them again."""
     for name in listed_files():
         target, content = COPY / name, (ROOT / name).read_bytes()
         if not target.is_file() or target.read_bytes() != content:
@@ -64,8 +64,8 @@ def update_copy():
 
 
 def configure():
-    # A cache of compilations would be asked for hundreds of sources that differ in one character,
-    # written within milliseconds: each change is compiled.
+    # No compiler cache: the sources differ in one character and are written within milliseconds,
+    # so a cache could return the object of another mutant.
     for launcher in ("CMAKE_C_COMPILER_LAUNCHER", "CMAKE_CXX_COMPILER_LAUNCHER"):
         os.environ.pop(launcher, None)
     if (BUILD / "build.ninja").is_file():
@@ -84,14 +84,14 @@ def build(test):
 
 
 def passes(test, seconds):
-    """Whether it does, in that time."""
+    """True if the test passes within the given seconds."""
     environment = {**os.environ, "ASAN_OPTIONS": "hard_rss_limit_mb=3000:detect_leaks=1"}
     return run([BUILD / "bin" / test.target, f"--gtest_filter={test.filter}", "--gtest_fail_fast",
                 "--gtest_brief=1"], timeout=seconds, env=environment, cwd=WORK) == 0
 
 
 def fingerprint(unit):
-    """Of everything that decides whether a change is noticed."""
+    """A hash of all sources and tests that affect whether a change is detected."""
     found, sources = hashlib.sha256(), sources_of(unit)
     for name in listed_files():
         if name.startswith(unit.test_folders) or name in sources:
@@ -142,7 +142,7 @@ def try_mutant(mutant, unit, seconds):
 
 
 def prepare(unit):
-    """{test: seconds that it may take with a change in the unit}"""
+    """{test: its timeout in seconds with a change in the unit}"""
     print(f"== {unit.name}", file=sys.stderr, flush=True)
     allowed = {}
     for test in unit.tests:
@@ -169,7 +169,7 @@ def work_list(unit, arguments, known, results, state):
 
 
 def run_unit(unit, arguments, known, results, deadline):
-    """{result: count}, and what survived."""
+    """{result: count}, and the surviving mutants."""
     state, seconds = fingerprint(unit), None
     counts, survivors = {NOTICED: 0, SURVIVED: 0, REFUSED: 0, "not tried": 0}, []
     for mutant in work_list(unit, arguments, known, results, state):

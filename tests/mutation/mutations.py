@@ -1,7 +1,7 @@
-"""What one change of one operator or constant is, and where a source has room for one.
+"""Generates the mutants of a source, each with one changed operator or constant.
 
-The sources are formatted: a binary operator stands between spaces or at the end of its line, and the
-marks of pointers, references and templates do not.
+The module relies on formatted sources: a binary operator is between spaces or at the end of a line;
+the marks of pointers, references and templates are not.
 """
 
 import dataclasses
@@ -24,7 +24,7 @@ TOKEN = re.compile(r"""
   | (?P<step>\+\+|--)
   | (?P<negation>[!~](?=[A-Za-z_(]))
 """, re.VERBOSE)
-# Not behaviour: what the preprocessor reads, what the compiler proves, names of types.
+# Lines without run-time behaviour: preprocessor directives, static assertions, type declarations.
 SKIPPED_LINE = re.compile(r"\s*(?:\#|//|\*|/\*|template\b|using\b|namespace\b|static_assert\b|extern \")")
 
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds the mutation tool to what it promises about sources and about its list."""
+"""Tests of the mutant generator and of the list of equivalent mutants."""
 
 import pathlib
 import tempfile

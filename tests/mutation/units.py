@@ -1,4 +1,4 @@
-"""The units whose tests have to notice every change, and the tests that have to."""
+"""The units under mutation, and the tests that must detect every change of them."""
 
 import dataclasses
 
@@ -6,18 +6,18 @@ import dataclasses
 @dataclasses.dataclass(frozen=True)
 class Test:
     target: str  # of the build
-    filter: str = "*"  # as --gtest_filter takes it
+    filter: str = "*"  # in the form of --gtest_filter
 
 
 @dataclasses.dataclass(frozen=True)
 class Unit:
     name: str
     sources: tuple  # glob patterns
-    tests: tuple  # one that notices a change spares those behind it
-    test_folders: tuple  # where their sources are
+    tests: tuple  # run in order until one detects the change
+    test_folders: tuple  # with the sources of the tests
 
 
-# A minute of arbitrary tables: for what the others let through.
+# These take a minute, so they run last, on changes that no other test detects.
 ARBITRARY_TABLES = "DamagedTable.*:TruncatedTable.*:Index.OnThousands*:Index.OnLarge*"
 
 UNITS = (
