@@ -108,8 +108,8 @@ TEST_P(RoutingExample, ProgramWithoutArguments_PrintsItsUsage) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, RoutingExample, testing::Values(&routingExample, &routingExampleInCpp),
-                         [](const testing::TestParamInfo<tProgram>& info) {
-                           return info.param == &routingExample ? "InC" : "InCpp";
+                         [](const testing::TestParamInfo<tProgram>& program) {
+                           return program.param == &routingExample ? "InC" : "InCpp";
                          });
 
 }  // namespace
