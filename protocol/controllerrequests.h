@@ -1,15 +1,15 @@
 /* Requests and replies of the controller and the Marten interface, byte for byte, little-endian.
  *
- * A request ends with the caller's status code, so that the driver sees whether the caller already
- * carries a warning. A reply ends with the driver's status code. Members named `padding` are zero.
- * Buffers are the caller's own: their addresses travel as 64-bit numbers. */
+ * A request ends with the caller's status code, which shows the driver a warning that the caller
+ * already has. A reply ends with the driver's status code. Members named `padding` are zero.
+ * The caller owns the buffers and passes their addresses as 64-bit numbers. */
 #ifndef PROTOCOL_CONTROLLERREQUESTS_H
 #define PROTOCOL_CONTROLLERREQUESTS_H
 
 #include "protocol/layout.h"
 
-/* REQUEST_EXCHANGE_VALUES: hands over the SMBIOS version text and the SMBIOS structure table. With
- * both addresses and sizes 0 it only asks for the sizes. */
+/* REQUEST_EXCHANGE_VALUES: returns the SMBIOS version text and the SMBIOS structure table. With
+ * both addresses and sizes 0 it returns only the sizes. */
 typedef struct tExchangeValuesRequest {
   uint64_t textBuffer;
   uint32_t textSize;
@@ -62,7 +62,7 @@ PROTOCOL_OFFSET(tGetAttributeRequest, buffer, 8);
 PROTOCOL_OFFSET(tGetAttributeRequest, size, 16);
 PROTOCOL_OFFSET(tGetAttributeRequest, callerStatus, 20);
 
-/* `size` is the number of bytes that the driver filled, or that it would need. */
+/* `size` is the number of bytes that the driver wrote, or the size that it requires. */
 typedef struct tGetAttributeReply {
   uint32_t size;
   int32_t driverStatus;
@@ -71,7 +71,7 @@ PROTOCOL_SIZE(tGetAttributeReply, 8);
 PROTOCOL_OFFSET(tGetAttributeReply, size, 0);
 PROTOCOL_OFFSET(tGetAttributeReply, driverStatus, 4);
 
-/* REQUEST_SET_ATTRIBUTE: `size` is the size of the value in bytes, a text's NUL included. */
+/* REQUEST_SET_ATTRIBUTE: `size` is the size of the value in bytes, including the NUL of a text. */
 typedef struct tSetAttributeRequest {
   uint32_t attribute;
   uint32_t padding;

@@ -4,7 +4,7 @@
 
 #include "protocol/layout.h"
 
-/* The members of a GUID in the order and widths of the operating system's own record. */
+/* A GUID with the layout of the operating system's record. */
 typedef struct tInterfaceClass {
   uint32_t data1;
   uint16_t data2;
@@ -21,8 +21,8 @@ static const tInterfaceClass kControllerInterfaceClass = {
 static const tInterfaceClass kMartenInterfaceClass = {
     0x86323179, 0x590C, 0x46CB, {0xAF, 0x2C, 0x88, 0xCC, 0x76, 0xAA, 0x8F, 0xE8}};
 
-/* {23C0848A-7CF1-4BE5-8A27-B34818445CC4}: the device whose path the device path attribute tells and
- * on which trigger routes are made. */
+/* {23C0848A-7CF1-4BE5-8A27-B34818445CC4}: the device that serves trigger routes. The device path
+ * attribute returns its path. */
 static const tInterfaceClass kDevicePathInterfaceClass = {
     0x23C0848A, 0x7CF1, 0x4BE5, {0x8A, 0x27, 0xB3, 0x48, 0x18, 0x44, 0x5C, 0xC4}};
 

@@ -1,4 +1,4 @@
-/* Compile-time proof that a structure lies in memory as the driver expects it, in C and in C++. */
+/* Compile-time assertions of the memory layout that the driver expects, for C and C++. */
 #ifndef PROTOCOL_LAYOUT_H
 #define PROTOCOL_LAYOUT_H
 

@@ -1,9 +1,9 @@
-/* How the driver tells of events, on every interface of the driver.
+/* Event notifications, on every interface of the driver.
  *
- * A caller registers for a mask of events and names, by an address of its own, whom they are for. It
- * also keeps one delivery request armed for each open device: the driver completes it with the next
- * event, and holds further ones back until it is armed again. The registration request itself
- * completes when it is unregistered. */
+ * A caller registers for a mask of events and passes an address that identifies the receiver. It
+ * keeps one delivery request armed for each open device. The driver completes that request with the
+ * next event and holds further events until the caller arms it again. The registration request
+ * completes when the caller unregisters. */
 #ifndef PROTOCOL_NOTIFICATIONREQUESTS_H
 #define PROTOCOL_NOTIFICATIONREQUESTS_H
 
@@ -11,7 +11,7 @@
 
 /* REQUEST_REGISTER_NOTIFICATION: no reply. */
 typedef struct tRegisterNotificationRequest {
-  uint64_t notification; /* comes back with every event */
+  uint64_t notification; /* returned with every event */
   uint32_t mask;
   uint32_t padding;
 } tRegisterNotificationRequest;

@@ -1,14 +1,14 @@
-/* Requests that the driver keeps pending until they are ended, on every interface of the driver.
+/* Requests that the driver keeps pending until the caller ends them, on every interface.
  *
- * A pending request has no reply: once the driver has accepted it, it writes the request's handle, a
- * number of its own that is not 0, to an address of the caller and signals the caller's event. The
- * request completes when it is ended by that handle. */
+ * A pending request has no reply. When the driver accepts it, the driver writes the request's
+ * handle, a number other than 0, to an address of the caller and signals the caller's event. The
+ * request completes when the caller ends it by that handle. */
 #ifndef PROTOCOL_PENDINGREQUESTS_H
 #define PROTOCOL_PENDINGREQUESTS_H
 
 #include "protocol/layout.h"
 
-/* REQUEST_PENDING_NARROW: for a `b` that fits 32 bits. */
+/* REQUEST_PENDING_NARROW: for a `b` that fits in 32 bits. */
 typedef struct tPendingNarrowRequest {
   uint64_t handleAddress; /* of the caller's u64 that receives the handle */
   uint64_t event;         /* the caller's event handle */
@@ -25,7 +25,7 @@ PROTOCOL_OFFSET(tPendingNarrowRequest, a, 20);
 PROTOCOL_OFFSET(tPendingNarrowRequest, c, 22);
 PROTOCOL_OFFSET(tPendingNarrowRequest, padding, 23);
 
-/* REQUEST_PENDING_WIDE: for any other. */
+/* REQUEST_PENDING_WIDE: for any other `b`. */
 typedef struct tPendingWideRequest {
   uint64_t handleAddress;
   uint64_t event;

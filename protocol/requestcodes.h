@@ -41,7 +41,7 @@ PROTOCOL_ASSERT(REQUEST_REGISTER_NOTIFICATION == 0x0022FC08u);
 PROTOCOL_ASSERT(REQUEST_UNREGISTER_NOTIFICATION == 0x0022FC10u);
 PROTOCOL_ASSERT(REQUEST_ARM_DELIVERY == 0x0022FC0Cu);
 
-/* The driver's own status code for a caller's buffer that is too small, 0xFFFC564D. */
+/* The driver's status code for a caller's buffer that is too small, 0xFFFC564D. */
 #define DRIVER_STATUS_BUFFER_TOO_SMALL (-240563)
 
 #endif

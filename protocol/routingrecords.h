@@ -4,16 +4,16 @@
 
 #include "protocol/layout.h"
 
-/* Constraints and modifiers are sets of bits; this is the only one there is. */
+/* The only bit defined for constraints and modifiers. */
 #define ROUTE_CONSTRAINT_INVERSION_NEEDED 0x1u
 
-/* Options of a calculation: look at no reservation. */
+/* Options of a calculation: ignore reservations. */
 #define ROUTE_OPTION_IGNORE_RESERVATIONS 0x1u
 
-/* A terminal id that names no terminal. */
+/* The invalid terminal id. */
 #define ROUTE_NO_TERMINAL 0u
 
-/* Where a route may start. */
+/* A possible start of a route. */
 typedef struct tRouteSeed {
   uint32_t terminal;
   uint32_t cost;
@@ -24,7 +24,7 @@ PROTOCOL_OFFSET(tRouteSeed, terminal, 0);
 PROTOCOL_OFFSET(tRouteSeed, cost, 4);
 PROTOCOL_OFFSET(tRouteSeed, constraints, 8);
 
-/* What a route has to do, and what it does if that can be had. */
+/* The required and the optional properties of a route. */
 typedef struct tRouteModifiers {
   uint32_t required;
   uint32_t optional;
@@ -33,7 +33,7 @@ PROTOCOL_SIZE(tRouteModifiers, 8);
 PROTOCOL_OFFSET(tRouteModifiers, required, 0);
 PROTOCOL_OFFSET(tRouteModifiers, optional, 4);
 
-/* A calculated route. `seed` is the index of the seed it starts from; `inverts` is not 0 when it
+/* A calculated route. `seed` is the index of the seed at which it starts; `inverts` is not 0 if it
  * inverts the signal. */
 typedef struct tRouteRecord {
   uint32_t ticket;
@@ -51,7 +51,7 @@ PROTOCOL_OFFSET(tRouteRecord, seed, 12);
 PROTOCOL_OFFSET(tRouteRecord, inverts, 16);
 PROTOCOL_OFFSET(tRouteRecord, padding, 17);
 
-/* A route of a session that holds what another route needs. */
+/* A route that holds a resource needed by the requested route. */
 typedef struct tRouteConflict {
   uint64_t session;
   uint32_t ticket;

@@ -1,8 +1,8 @@
 /* Requests and replies of the trigger-routing interface, byte for byte, little-endian.
  *
- * A request ends with the caller's status code, so that the driver sees whether the caller already
- * carries a warning. A reply ends with the driver's status code. Members named `padding` are zero.
- * Buffers are the caller's own: their addresses travel as 64-bit numbers, 0 with a count of 0. */
+ * A request ends with the caller's status code, which shows the driver a warning that the caller
+ * already has. A reply ends with the driver's status code. Members named `padding` are zero.
+ * The caller owns the buffers and passes their addresses as 64-bit numbers, 0 with a count of 0. */
 #ifndef PROTOCOL_ROUTINGREQUESTS_H
 #define PROTOCOL_ROUTINGREQUESTS_H
 
@@ -11,7 +11,7 @@
 
 #define PROTOCOL_ROUTING_CODE(function) PROTOCOL_REQUEST_CODE(0x8080, 0, function)
 
-/* A request that no part of the library sends; it has no arguments. */
+/* The library does not send this request. It has no arguments. */
 #define REQUEST_ROUTING_METHOD0 PROTOCOL_ROUTING_CODE(0x800)
 #define REQUEST_CALCULATE_ROUTE PROTOCOL_ROUTING_CODE(0x801)
 #define REQUEST_DESTROY_ROUTE PROTOCOL_ROUTING_CODE(0x802)
@@ -36,15 +36,15 @@ PROTOCOL_ASSERT(REQUEST_GET_TOPOGRAPHY_NAME == 0x80802020u);
 PROTOCOL_ASSERT(REQUEST_RESET_TERMINAL == 0x80802028u);
 PROTOCOL_ASSERT(REQUEST_CALCULATE_RESET_TERMINAL == 0x8080202Cu);
 
-/* The driver's own status codes that the routing adaptor acts on: the resources of a route are
- * reserved by others; the caller's buffer is too small for a path. */
+/* Status codes of the driver that the routing adaptor handles: other routes hold the resources of a
+ * route; the caller's buffer is too small for a path. */
 #define DRIVER_STATUS_ROUTE_CONFLICT (-89137)
 #define DRIVER_STATUS_PATH_TOO_LONG (-52019)
 
-/* The event that a route was demoted, in the mask of a notification. */
+/* The event of a demoted route, in the mask of a notification. */
 #define ROUTING_NOTIFICATION_DEMOTED 0x80000000u
 
-/* The name of a driver's topography has at most so many bytes; one that fills them has no NUL. */
+/* The maximum size of the name of a topography in bytes; a name of this size has no NUL. */
 #define ROUTING_TOPOGRAPHY_NAME_SIZE 128
 
 /* REQUEST_ROUTING_METHOD0. */
@@ -64,8 +64,8 @@ PROTOCOL_OFFSET(tRoutingValueReply, value, 0);
 PROTOCOL_OFFSET(tRoutingValueReply, driverStatus, 4);
 
 /* REQUEST_CALCULATE_ROUTE: `modifiers` is a tRouteModifiers record, `seeds` are tRouteSeed records,
- * `destinations` terminal ids, `options` are of ROUTE_OPTION_..., `routes` receives tRouteRecord
- * records; counts and the capacity are in records. */
+ * `destinations` terminal ids, `options` ROUTE_OPTION_... bits, and `routes` receives tRouteRecord
+ * records. Counts and the capacity are in records. */
 typedef struct tCalculateRouteRequest {
   uint64_t modifiers;
   uint64_t seeds;
@@ -90,7 +90,7 @@ PROTOCOL_OFFSET(tCalculateRouteRequest, routes, 40);
 PROTOCOL_OFFSET(tCalculateRouteRequest, routeCapacity, 48);
 PROTOCOL_OFFSET(tCalculateRouteRequest, callerStatus, 52);
 
-/* `value` goes to the client as it is; `routeCount` is the number of routes calculated. */
+/* The client receives `value` unchanged; `routeCount` is the number of routes calculated. */
 typedef struct tCalculateRouteReply {
   uint32_t value;
   uint32_t routeCount;
@@ -110,8 +110,8 @@ PROTOCOL_SIZE(tTicketRequest, 8);
 PROTOCOL_OFFSET(tTicketRequest, ticket, 0);
 PROTOCOL_OFFSET(tTicketRequest, callerStatus, 4);
 
-/* REQUEST_RESERVE_ROUTE: the buffer receives tRouteConflict records; REQUEST_GET_ROUTE_TERMINAL_PATH:
- * terminal ids. `count` is the buffer's capacity in records. */
+/* REQUEST_RESERVE_ROUTE: the buffer receives tRouteConflict records;
+ * REQUEST_GET_ROUTE_TERMINAL_PATH: terminal ids. `count` is the buffer's capacity in records. */
 typedef struct tTicketListRequest {
   uint32_t ticket;
   uint32_t padding;
@@ -126,7 +126,7 @@ PROTOCOL_OFFSET(tTicketListRequest, buffer, 8);
 PROTOCOL_OFFSET(tTicketListRequest, count, 16);
 PROTOCOL_OFFSET(tTicketListRequest, callerStatus, 20);
 
-/* `count` is the number of records there are, filled in as far as the capacity goes. */
+/* `count` is the number of records that exist; the driver writes as many as the capacity allows. */
 typedef struct tTicketListReply {
   uint32_t count;
   int32_t driverStatus;
