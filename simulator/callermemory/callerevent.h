@@ -1,5 +1,5 @@
-/* Signals an event of another process, by the handle that it has there. Returns 1, or 0 when the
- * process is gone or the handle is no event that can be signalled. */
+/* Signals an event of another process. `event` is the handle in that process. Returns 1, or 0 if
+ * the process has exited or the handle is not an event that can be signalled. */
 #ifndef SIMULATOR_CALLERMEMORY_CALLEREVENT_H
 #define SIMULATOR_CALLERMEMORY_CALLEREVENT_H
 

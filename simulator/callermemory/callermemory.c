@@ -2,10 +2,10 @@
 
 #include <stdbool.h>
 #include <windows.h>
-/* winternl.h needs windows.h first. */
+/* winternl.h requires windows.h. */
 #include <winternl.h>
 
-/* Of ntdll, and in no header of it. */
+/* Exported by ntdll; winternl.h does not declare it. */
 NTSYSAPI NTSTATUS NTAPI NtReadVirtualMemory(HANDLE process, const void* address, void* buffer,
                                             SIZE_T size, SIZE_T* copied);
 NTSYSAPI NTSTATUS NTAPI NtWriteVirtualMemory(HANDLE process, void* address, const void* buffer,

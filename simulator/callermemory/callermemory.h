@@ -1,6 +1,6 @@
-/* Copying between the memory of another process and this one. Natural alignment, no ownership; safe
- * for any address and size. Both return 1 when every byte was copied, else 0, with nothing promised
- * about the destination. */
+/* Copies between the memory of another process and this one. Addresses need no alignment; any
+ * address and size is safe. Both return 1 if all bytes were copied; otherwise 0, and the contents
+ * of the destination are unspecified. */
 #ifndef SIMULATOR_CALLERMEMORY_CALLERMEMORY_H
 #define SIMULATOR_CALLERMEMORY_CALLERMEMORY_H
 

@@ -1,4 +1,4 @@
-/* What the library offers. */
+/* Exports the functions of quenrasimmemory.dll. */
 #ifndef SIMULATOR_CALLERMEMORY_VISIBILITY_H
 #define SIMULATOR_CALLERMEMORY_VISIBILITY_H
 

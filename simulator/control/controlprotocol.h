@@ -1,5 +1,5 @@
-/* How `quenra-sim` and the tests talk to the simulated machine: device control requests on an
- * interface of its own, which no real controller has. All requests use the buffered method. */
+/* The protocol between the simulated machine and `quenra-sim` or the tests: device control requests
+ * on an interface that no real controller has. All requests use the buffered method. */
 #ifndef SIMULATOR_CONTROL_CONTROLPROTOCOL_H
 #define SIMULATOR_CONTROL_CONTROLPROTOCOL_H
 
@@ -13,67 +13,67 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 
 #define SIMULATOR_CONTROL_CODE(function) PROTOCOL_REQUEST_CODE(0x80A0, 0, function)
 
-/* No input, no output. Back to the default machine: table, text, attributes, presence; no scripted
- * answers; no firmware received; empty log, counting from 1 again. */
+/* No input, no output. Restores the default machine: table, text, attributes, presence; removes the
+ * scripted answers and received firmware; clears the log, whose numbers start at 1 again. */
 #define SIMULATOR_RESET SIMULATOR_CONTROL_CODE(0x900)
-/* In: tSimulatorPresence. Which device interfaces are present from now on. */
+/* In: tSimulatorPresence. Sets the number of device interfaces of each kind. */
 #define SIMULATOR_SET_PRESENCE SIMULATOR_CONTROL_CODE(0x901)
 /* Out: tSimulatorPresence. */
 #define SIMULATOR_GET_PRESENCE SIMULATOR_CONTROL_CODE(0x902)
-/* In: the SMBIOS structure table that the controller interface hands over, 0 to
- * SIMULATOR_TABLE_CAPACITY bytes, taken as it is. */
+/* In: the SMBIOS structure table that the controller interface returns, 0 to
+ * SIMULATOR_TABLE_CAPACITY bytes, not validated. */
 #define SIMULATOR_SET_TABLE SIMULATOR_CONTROL_CODE(0x903)
 /* Out: the table. */
 #define SIMULATOR_GET_TABLE SIMULATOR_CONTROL_CODE(0x904)
-/* In: the SMBIOS version text as it is to be handed over, 0 to SIMULATOR_TEXT_CAPACITY bytes; a NUL
- * is sent only if it is among them. */
+/* In: the SMBIOS version text that the controller interface returns, 0 to SIMULATOR_TEXT_CAPACITY
+ * bytes; the driver appends no NUL. */
 #define SIMULATOR_SET_VERSION_TEXT SIMULATOR_CONTROL_CODE(0x905)
-/* In: tSimulatorAttribute. Gives an attribute of one of the two interfaces a value. */
+/* In: tSimulatorAttribute. Sets the value of an attribute of one of the two interfaces. */
 #define SIMULATOR_SET_ATTRIBUTE SIMULATOR_CONTROL_CODE(0x906)
-/* In: tSimulatorAttribute, of which only the interface and the id count. From now on the driver
- * refuses the attribute with SIMULATOR_STATUS_NOT_SUPPORTED. */
+/* In: tSimulatorAttribute; only the interface and the id are used. Removes the attribute: the
+ * driver rejects it with SIMULATOR_STATUS_NOT_SUPPORTED. */
 #define SIMULATOR_REMOVE_ATTRIBUTE SIMULATOR_CONTROL_CODE(0x907)
 /* In: tSimulatorScript. Scripts are tried in the order in which they were added. */
 #define SIMULATOR_ADD_SCRIPT SIMULATOR_CONTROL_CODE(0x908)
 /* No input, no output. */
 #define SIMULATOR_CLEAR_SCRIPTS SIMULATOR_CONTROL_CODE(0x909)
-/* In: u64, the sequence number to begin with. Out: as many tSimulatorLogEntry as are kept from there
- * on and fit the output buffer, oldest first. The log keeps the last SIMULATOR_LOG_CAPACITY. */
+/* In: u64, the first sequence number to return. Out: the kept tSimulatorLogEntry records from there
+ * on that fit the output buffer, oldest first. The log keeps the last SIMULATOR_LOG_CAPACITY. */
 #define SIMULATOR_READ_LOG SIMULATOR_CONTROL_CODE(0x90A)
 /* No input, no output. The next entry has sequence number 1 again. */
 #define SIMULATOR_CLEAR_LOG SIMULATOR_CONTROL_CODE(0x90B)
-/* In: tSimulatorAttribute, of which only the interface and the id count. From now on the library can
- * write the attribute, which has a value; or no longer. An attribute that is given its first value is
- * not writable. */
+/* In: tSimulatorAttribute; only the interface and the id are used. Allows or refuses writes by the
+ * library to an attribute that has a value. SIMULATOR_SET_ATTRIBUTE creates attributes that are not
+ * writable. */
 #define SIMULATOR_ALLOW_WRITES SIMULATOR_CONTROL_CODE(0x90C)
 #define SIMULATOR_REFUSE_WRITES SIMULATOR_CONTROL_CODE(0x90D)
 /* Out: tSimulatorCounters. */
 #define SIMULATOR_READ_COUNTERS SIMULATOR_CONTROL_CODE(0x90E)
-/* Out: the latest SIMULATOR_PAYLOAD_CAPACITY firmware payloads of both interfaces as tSimulatorPayload,
- * oldest first. */
+/* Out: the latest SIMULATOR_PAYLOAD_CAPACITY firmware payloads of both interfaces as
+ * tSimulatorPayload, oldest first. */
 #define SIMULATOR_READ_FIRMWARE SIMULATOR_CONTROL_CODE(0x950)
-/* No input, no output. The next payload of each interface is its first again. */
+/* No input, no output. The next payload of each interface has number 1 again. */
 #define SIMULATOR_CLEAR_FIRMWARE SIMULATOR_CONTROL_CODE(0x951)
 
-/* In: tSimulatorAcceptance. How pending requests are accepted from now on. Those that are waiting
- * stay. */
+/* In: tSimulatorAcceptance. Sets when later requests are accepted. Requests that already wait for
+ * acceptance keep waiting. */
 #define SIMULATOR_SET_ACCEPTANCE SIMULATOR_CONTROL_CODE(0x920)
-/* No input, no output. Accepts all that are waiting. */
+/* No input, no output. Accepts all requests that wait for acceptance. */
 #define SIMULATOR_ACCEPT_PENDING SIMULATOR_CONTROL_CODE(0x921)
-/* Out: as many tSimulatorPendingRequest as there are and fit the output buffer, oldest first. */
+/* Out: the tSimulatorPendingRequest records that fit the output buffer, oldest first. */
 #define SIMULATOR_READ_PENDING SIMULATOR_CONTROL_CODE(0x922)
 /* In: tSimulatorCompletion. Completes pending requests from the machine's side. */
 #define SIMULATOR_COMPLETE_PENDING SIMULATOR_CONTROL_CODE(0x923)
-/* In: tSimulatorNotice. Tells everybody who is registered for one of its events. */
+/* In: tSimulatorNotice. Notifies every caller that is registered for one of its events. */
 #define SIMULATOR_NOTIFY SIMULATOR_CONTROL_CODE(0x924)
-/* In: u32, a ticket. Demotes a route that is reserved or programmed, and tells its session. */
+/* In: u32, a ticket. Demotes a reserved or programmed route and notifies its session. */
 #define SIMULATOR_DEMOTE_ROUTE SIMULATOR_CONTROL_CODE(0x940)
-/* Out: as many tSimulatorRoute as there are and fit the output buffer, oldest first. */
+/* Out: the tSimulatorRoute records that fit the output buffer, oldest first. */
 #define SIMULATOR_READ_ROUTES SIMULATOR_CONTROL_CODE(0x941)
-/* In: u32, how many terminals every path has; 0: as many as it has, which are two. */
+/* In: u32, the number of terminals in every path; 0: the real number, two. */
 #define SIMULATOR_SET_PATH_LENGTH SIMULATOR_CONTROL_CODE(0x942)
-/* In: the name of the topography, 0 to SIMULATOR_TOPOGRAPHY_NAME_CAPACITY bytes; a NUL is sent only
- * if it is among them. */
+/* In: the name of the topography, 0 to SIMULATOR_TOPOGRAPHY_NAME_CAPACITY bytes; the driver appends
+ * no NUL. */
 #define SIMULATOR_SET_TOPOGRAPHY_NAME SIMULATOR_CONTROL_CODE(0x943)
 
 enum {
@@ -94,14 +94,14 @@ enum {
   SIMULATOR_HASH_SIZE = 32
 };
 
-/* The code with which the simulated driver refuses an attribute that it does not have. */
+/* The simulated driver's codes: an attribute that it does not have, */
 #define SIMULATOR_STATUS_NOT_SUPPORTED (-26934)
-/* ... a value of a size that the attribute cannot have. */
+/* a value whose size is invalid for the attribute, */
 #define SIMULATOR_STATUS_BAD_VALUE (-26935)
-/* ... and a buffer of the caller that cannot be read or written. */
+/* a buffer of the caller that cannot be read or written. */
 #define SIMULATOR_STATUS_BAD_ADDRESS (-52005)
-/* The simulated trigger router: a terminal id, or a ticket, that it does not know; a step of a route's
- * life out of its order; more routes than it keeps. */
+/* The simulated trigger router's codes: an unknown terminal id; an unknown ticket; a request that
+ * the state of the route does not allow; the capacity for routes exceeded. */
 #define SIMULATOR_STATUS_NO_SUCH_TERMINAL (-240601)
 #define SIMULATOR_STATUS_NO_SUCH_TICKET (-240602)
 #define SIMULATOR_STATUS_WRONG_ORDER (-240603)
@@ -123,34 +123,34 @@ PROTOCOL_SIZE(tSimulatorPresence, 12);
 
 typedef struct tSimulatorAttribute {
   uint32_t interfaceKind; /* tSimulatorInterface: controller or Marten */
-  uint32_t attribute;     /* the id with its instance; the selector does not count */
-  uint32_t size;          /* bytes of `value` that count, at most SIMULATOR_VALUE_CAPACITY */
-  uint8_t value[SIMULATOR_VALUE_CAPACITY]; /* a text holds its NUL itself */
+  uint32_t attribute;     /* the id with its instance; the selector is ignored */
+  uint32_t size;          /* bytes used in `value`, at most SIMULATOR_VALUE_CAPACITY */
+  uint8_t value[SIMULATOR_VALUE_CAPACITY]; /* a text includes its NUL */
 } tSimulatorAttribute;
 PROTOCOL_SIZE(tSimulatorAttribute, 268);
 
-/* A firmware payload that an interface has received whole. */
+/* A firmware payload that an interface has received completely. */
 typedef struct tSimulatorPayload {
   uint64_t process;       /* the caller's process id */
   uint32_t interfaceKind; /* tSimulatorInterface: controller or Marten */
   uint32_t number;        /* 1, 2, 3, ... on its interface */
   uint32_t size;          /* in bytes */
-  int32_t callerStatus;   /* what the caller's status held */
+  int32_t callerStatus;   /* the code in the caller's status */
   uint8_t sha256[SIMULATOR_HASH_SIZE];
   uint8_t start[SIMULATOR_PAYLOAD_START]; /* its first bytes, then zeros */
 } tSimulatorPayload;
 PROTOCOL_SIZE(tSimulatorPayload, 120);
 
 typedef enum tSimulatorAction {
-  /* The request is not carried out; the reply is zeros but for `driverStatus`. */
+  /* The request is not carried out; the reply is zero except for `driverStatus`. */
   kSimulatorActionAnswerCode = 1,
   /* The request itself fails with the Windows error `windowsError`; there is no reply. */
   kSimulatorActionFail = 2,
   /* The request is not carried out; the reply is the first `replySize` bytes of `reply`. */
   kSimulatorActionReply = 3,
-  /* The request is carried out and its reply is cut to `replySize` bytes. */
+  /* The request is carried out and its reply is truncated to `replySize` bytes. */
   kSimulatorActionTruncate = 4,
-  /* The request is carried out and `driverStatus` replaces the reply's own, as a warning would. */
+  /* The request is carried out; `driverStatus` replaces the status of the reply, as a warning. */
   kSimulatorActionAddCode = 5
 } tSimulatorAction;
 
@@ -158,7 +158,7 @@ typedef struct tSimulatorScript {
   uint32_t interfaceKind; /* tSimulatorInterface */
   uint32_t requestCode;   /* 0: any request on the interface */
   uint32_t skip;          /* matching requests to let through first */
-  uint32_t times;         /* matching requests to answer then; 0: all that follow */
+  uint32_t times;         /* matching requests to answer after those; 0: all */
   uint32_t action;        /* tSimulatorAction */
   int32_t driverStatus;
   uint32_t windowsError; /* below 65536 */
@@ -171,14 +171,14 @@ typedef enum tSimulatorEvent {
   kSimulatorEventOpen = 1,
   kSimulatorEventClose = 2,
   kSimulatorEventRequest = 3,  /* a pending one is logged with Windows error 997 */
-  kSimulatorEventAccepted = 4, /* a pending request has its handle: the output */
-  kSimulatorEventCompleted = 5 /* it is over: its handle, 0 before it was accepted, and its error */
+  kSimulatorEventAccepted = 4, /* a pending request received its handle: the output */
+  kSimulatorEventCompleted = 5 /* it completed: its handle, 0 if never accepted, and its error */
 } tSimulatorEvent;
 
 typedef enum tSimulatorAcceptance {
   kSimulatorAcceptAtOnce = 0,
-  kSimulatorAcceptLater = 1, /* when SIMULATOR_ACCEPT_PENDING says so */
-  kSimulatorAcceptNever = 2  /* pending requests complete at once, with success and no handle */
+  kSimulatorAcceptLater = 1, /* on SIMULATOR_ACCEPT_PENDING */
+  kSimulatorAcceptNever = 2  /* requests complete immediately, with success and no handle */
 } tSimulatorAcceptance;
 
 typedef struct tSimulatorPendingRequest {
@@ -195,9 +195,9 @@ PROTOCOL_SIZE(tSimulatorPendingRequest, 40);
 
 typedef struct tSimulatorNotice {
   uint64_t file;         /* as in the log; 0: all */
-  uint64_t notification; /* 0: as registered; else a lie */
+  uint64_t notification; /* 0: as registered; otherwise a wrong value */
   uint32_t mask;
-  uint32_t payloadSize; /* as it is told, which may be more than there is */
+  uint32_t payloadSize; /* as reported to the caller; may exceed the payload */
   uint8_t payload[NOTIFICATION_PAYLOAD_CAPACITY];
 } tSimulatorNotice;
 PROTOCOL_SIZE(tSimulatorNotice, 56);
@@ -220,10 +220,10 @@ typedef struct tSimulatorRoute {
 } tSimulatorRoute;
 PROTOCOL_SIZE(tSimulatorRoute, 40);
 
-/* What began and what ended, of all programs, since the driver was started; resetting the machine ends
- * what is under way and keeps the counts. What has begun and not ended is there now. */
+/* Counts of all programs since the driver was started. Resetting the machine ends everything that
+ * is open and keeps the counts. Begun minus ended is the number that exists now. */
 typedef struct tSimulatorCounters {
-  uint64_t filesOpened; /* of all interfaces but the control interface */
+  uint64_t filesOpened; /* on all interfaces except the control interface */
   uint64_t filesClosed;
   uint64_t registrationsBegun;
   uint64_t registrationsEnded;
@@ -231,14 +231,14 @@ typedef struct tSimulatorCounters {
   uint64_t deliveriesEnded; /* with a notice or without one */
   uint64_t noticesRaised;   /* delivered, dropped or held back */
   uint64_t noticesDelivered;
-  uint64_t noticesDropped; /* too many were held back, or nobody was left to tell */
+  uint64_t noticesDropped; /* too many were held back, or no receiver was left */
   uint64_t pendingBegun;
   uint64_t pendingEnded;
   uint64_t routesCalculated;
   uint64_t routesGone;           /* destroyed, or released when their session was closed */
-  uint64_t reservationsBegun;    /* ended in one of three ways, or held now */
+  uint64_t reservationsBegun;    /* each ends as one of the next three, or is held now */
   uint64_t reservationsEnded;    /* by their client */
-  uint64_t reservationsDemoted;  /* taken away */
+  uint64_t reservationsDemoted;  /* by demotion */
   uint64_t reservationsReleased; /* with their route */
   uint64_t programmingsBegun;
   uint64_t programmingsEnded; /* by their client, by demotion, or with their route */
@@ -246,7 +246,7 @@ typedef struct tSimulatorCounters {
 PROTOCOL_SIZE(tSimulatorCounters, 152);
 
 typedef struct tSimulatorCompletion {
-  uint64_t handle;       /* 0: all that are waiting to be accepted */
+  uint64_t handle;       /* 0: all requests that wait for acceptance */
   uint32_t windowsError; /* 0: they succeed */
   uint32_t padding;
 } tSimulatorCompletion;
@@ -255,12 +255,12 @@ PROTOCOL_SIZE(tSimulatorCompletion, 16);
 typedef struct tSimulatorLogEntry {
   uint64_t sequence; /* 1, 2, 3, ... */
   uint64_t process;  /* the caller's process id */
-  uint64_t file;     /* names one open file on one interface */
-  uint32_t event; /* tSimulatorEvent; opening and closing have no use for what follows the kind */
+  uint64_t file;     /* identifies one open file on one interface */
+  uint32_t event;    /* tSimulatorEvent; opening and closing use no member after interfaceKind */
   uint32_t interfaceKind;
   uint32_t requestCode;
   uint32_t inputSize;    /* bytes sent; the first SIMULATOR_INPUT_CAPACITY are kept */
-  uint32_t outputSize;   /* bytes answered */
+  uint32_t outputSize;   /* bytes of the reply */
   uint32_t windowsError; /* 0, or the error with which the request failed */
   uint8_t input[SIMULATOR_INPUT_CAPACITY];
   uint8_t output[SIMULATOR_OUTPUT_CAPACITY];

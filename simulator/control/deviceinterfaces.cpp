@@ -1,7 +1,7 @@
 #include "simulator/control/deviceinterfaces.h"
 
 #include <windows.h>
-// setupapi.h needs windows.h first.
+// setupapi.h requires windows.h.
 #include <setupapi.h>
 
 #include <array>

@@ -8,7 +8,7 @@
 
 namespace nSimulator {
 
-// The paths of the present device interfaces of a class, in the system's order.
+// Returns the paths of the present device interfaces of a class, in the system's order.
 [[nodiscard]] std::vector<std::string> presentInterfaces(const tInterfaceClass& interfaceClass);
 
 }  // namespace nSimulator

@@ -19,7 +19,7 @@ enum class tFormat {
   hexadecimal
 };
 
-// One member of a request or a reply.
+// A member of a request or a reply.
 struct tMember {
   const char* name;
   size_t offset;
@@ -204,7 +204,7 @@ std::string requestText(const tSimulatorLogEntry& entry) {
                         : bytesText(entry.output, answered));
 }
 
-// What became of a request that was left pending.
+// The acceptance or completion of a pending request.
 std::string pendingText(const char* event, const tSimulatorLogEntry& entry) {
   const std::string text = std::string(event) + " " + requestName(entry.requestCode) +
                            memberText({"handle", 0, 8, tFormat::number}, entry.output,

@@ -7,13 +7,13 @@
 
 namespace nSimulator {
 
-// "controller", "marten", ...; a number for an unknown one.
+// "controller", "marten", ...; the number for an unknown interface.
 [[nodiscard]] std::string interfaceName(uint32_t interfaceKind);
-// "get-attribute", ...; the code in hexadecimal for an unknown one.
+// "get-attribute", ...; the code in hexadecimal for an unknown request.
 [[nodiscard]] std::string requestName(uint32_t requestCode);
 
-// One line for one entry of the log, without a line end: what came on which interface, the members
-// of the request by name, and how it was answered.
+// Formats a log entry as one line without a line end: the interface, the request with its members
+// by name, and the reply.
 [[nodiscard]] std::string requestLogLine(const tSimulatorLogEntry& entry);
 
 }  // namespace nSimulator

@@ -8,14 +8,14 @@ namespace {
 
 constexpr size_t kHeaderSize = 4;
 
-// One structure: its formatted area, and its strings with the two NULs behind them.
+// A structure: its formatted area, then its strings with the two NULs that end them.
 struct tStructure {
   size_t begin;
   size_t formattedSize;
   size_t end;
 };
 
-// The structure that begins at a place; none at the table's end or where the table is malformed.
+// The structure at an offset; none at the end of the table or if the table is malformed.
 std::optional<tStructure> structureAt(const std::vector<uint8_t>& table, size_t begin) {
   if (table.size() - begin < kHeaderSize || table[begin + 1] < kHeaderSize) {
     return std::nullopt;

@@ -6,12 +6,12 @@
 
 namespace nSimulator {
 
-// Changes one byte in the formatted area of the first SMBIOS structure of a type. False, with nothing
-// changed, when there is no such structure or it is too short for the offset.
+// Changes one byte in the formatted area of the first SMBIOS structure of a type. Returns false and
+// changes nothing if the table has no such structure or it is too short for the offset.
 [[nodiscard]] bool changeStructureByte(std::vector<uint8_t>& table, uint8_t type, uint8_t offset,
                                        uint8_t value);
 
-// Takes all structures of a type out of a table. False when there is none.
+// Removes all structures of a type from a table. Returns false if it has none.
 [[nodiscard]] bool removeStructures(std::vector<uint8_t>& table, uint8_t type);
 
 }  // namespace nSimulator

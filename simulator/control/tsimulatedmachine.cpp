@@ -64,7 +64,7 @@ tSimulatedMachine::~tSimulatedMachine() = default;
 uint32_t tSimulatedMachine::request(uint32_t code, std::span<const uint8_t> input,
                                     std::span<uint8_t> output) {
   DWORD bytes = 0;
-  // The parameter is not const although the system only reads from it.
+  // The parameter is not const although DeviceIoControl only reads the buffer.
   if (!DeviceIoControl(channel_->file, code, const_cast<uint8_t*>(input.data()),
                        static_cast<DWORD>(input.size()), output.data(),
                        static_cast<DWORD>(output.size()), &bytes, nullptr)) {

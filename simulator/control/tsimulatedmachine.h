@@ -13,20 +13,20 @@
 
 namespace nSimulator {
 
-// The simulated machine cannot be reached, or refuses what it is asked.
+// The simulated machine cannot be reached, or rejects a request.
 class tControlError : public std::runtime_error {
  public:
   tControlError(const std::string& message, uint32_t windowsError)
       : std::runtime_error(message), windowsError_(windowsError) {}
-  // 0 when the machine is not there at all.
+  // 0 if no simulated machine is present.
   [[nodiscard]] uint32_t windowsError() const noexcept { return windowsError_; }
 
  private:
   uint32_t windowsError_;
 };
 
-// The simulated machine, through the control interface of its driver. Every member throws
-// tControlError on failure. One object serves one thread.
+// A client of the control interface of the simulated machine's driver. Every member throws
+// tControlError on failure. An object is used by one thread.
 class tSimulatedMachine {
  public:
   tSimulatedMachine();
@@ -34,64 +34,64 @@ class tSimulatedMachine {
   tSimulatedMachine(const tSimulatedMachine&) = delete;
   tSimulatedMachine& operator=(const tSimulatedMachine&) = delete;
 
-  // Back to the default machine, with nothing scripted and an empty log.
+  // Restores the default machine, without scripted answers and with an empty log.
   void reset();
 
-  // Returns when the interfaces have come or gone.
+  // Returns after the interfaces have been enabled or disabled.
   void setPresence(const tSimulatorPresence& presence);
   [[nodiscard]] tSimulatorPresence presence();
 
   // At most SIMULATOR_TABLE_CAPACITY bytes.
   void setTable(std::span<const uint8_t> table);
   [[nodiscard]] std::vector<uint8_t> table();
-  // At most SIMULATOR_TEXT_CAPACITY bytes; a NUL is handed over only if it is among them.
+  // At most SIMULATOR_TEXT_CAPACITY bytes; no NUL is appended.
   void setVersionText(std::string_view text);
 
   // At most SIMULATOR_VALUE_CAPACITY bytes.
   void setAttribute(tSimulatorInterface interfaceKind, uint32_t attribute,
                     std::span<const uint8_t> value);
   void setAttributeU32(tSimulatorInterface interfaceKind, uint32_t attribute, uint32_t value);
-  // The text and a NUL.
+  // Sets the text with a NUL.
   void setAttributeText(tSimulatorInterface interfaceKind, uint32_t attribute,
                         std::string_view text);
   void removeAttribute(tSimulatorInterface interfaceKind, uint32_t attribute);
 
-  // Whether the library can write an attribute that has a value.
+  // Allows or refuses writes by the library to an attribute that has a value.
   void allowWrites(tSimulatorInterface interfaceKind, uint32_t attribute);
   void refuseWrites(tSimulatorInterface interfaceKind, uint32_t attribute);
 
   void addScript(const tSimulatorScript& script);
   void clearScripts();
 
-  // How requests that stay pending are accepted from now on.
+  // Sets when later requests that stay pending are accepted.
   void setAcceptance(tSimulatorAcceptance acceptance);
-  // Accepts those that are waiting.
+  // Accepts the requests that wait for acceptance.
   void acceptPending();
   // Oldest first.
   [[nodiscard]] std::vector<tSimulatorPendingRequest> pending();
-  // From the machine's side; handle 0 stands for all that are waiting to be accepted.
+  // Completes requests from the machine's side; handle 0 means all that wait for acceptance.
   void completePending(uint64_t handle, uint32_t windowsError);
 
   // The routes of all sessions, oldest first.
   [[nodiscard]] std::vector<tSimulatorRoute> routes();
-  // Takes its line away from a route and tells its session; throws when it holds none.
+  // Demotes a route and notifies its session; throws if the route holds no line.
   void demoteRoute(uint32_t ticket);
-  // How many terminals every path has, at least 2; 0: as many as it has.
+  // The number of terminals in every path, at least 2; 0: the real number.
   void setPathLength(uint32_t length);
-  // At most SIMULATOR_TOPOGRAPHY_NAME_CAPACITY bytes; a NUL is sent only if it is among them.
+  // At most SIMULATOR_TOPOGRAPHY_NAME_CAPACITY bytes; no NUL is appended.
   void setTopographyName(std::string_view name);
 
-  // Tells everybody who is registered for one of the notice's events; throws when nobody is.
+  // Notifies every caller registered for one of the notice's events; throws if none is.
   void notify(const tSimulatorNotice& notice);
 
-  // The firmware payloads that came in on both interfaces, oldest first.
+  // The latest firmware payloads received on both interfaces, oldest first.
   [[nodiscard]] std::vector<tSimulatorPayload> firmware();
   void clearFirmware();
 
   // The log from a sequence number on, oldest entry first.
   [[nodiscard]] std::vector<tSimulatorLogEntry> log(uint64_t from = 1);
   void clearLog();
-  // What began and what ended since the driver was started.
+  // Counts since the driver was started.
   [[nodiscard]] tSimulatorCounters counters();
 
  private:

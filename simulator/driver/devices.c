@@ -26,7 +26,7 @@ static bool areSame(const WCHAR* left, const WCHAR* right) {
   return lowerCase(*left) == lowerCase(*right);
 }
 
-/* The device's first hardware id says what it is. */
+/* The first hardware id of the device identifies its role. */
 static const tDeviceRole* roleOf(DEVICE_OBJECT* physicalDevice) {
   WCHAR hardwareIds[kMostHardwareIdBytes / sizeof(WCHAR)] = {0};
   ULONG size = 0;
@@ -75,7 +75,7 @@ void showPresentInterfaces(const tSimulatorPresence* presence) {
   }
 }
 
-/* Gives the device the lowest index that is free among those of its role. */
+/* Assigns the lowest free index among the devices of its role. */
 static bool enlist(tDevice* device) {
   tDevice** freeSlot = NULL;
   uint32_t taken = 0;

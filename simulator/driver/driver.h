@@ -1,5 +1,5 @@
-/* What the parts of the driver share. One machine serves all devices; every routine here runs at
- * passive level. */
+/* Declarations shared by the parts of the driver. One machine serves all devices; every routine
+ * here runs at PASSIVE_LEVEL. */
 #ifndef SIMULATOR_DRIVER_DRIVER_H
 #define SIMULATOR_DRIVER_DRIVER_H
 
@@ -8,7 +8,7 @@
 
 #include "simulator/model/model.h"
 
-/* What a device of this driver is. */
+/* The role of a device: the interface that it registers. */
 typedef struct tDeviceRole {
   const WCHAR* hardwareId;
   const tInterfaceClass* interfaceClass;
@@ -26,40 +26,40 @@ typedef struct tDevice {
   bool shown; /* the interface is enabled */
 } tDevice;
 
-/* machine.c: the machine behind the devices. The listener is told of every change of presence, with
- * the machine locked or not yet in use. */
+/* machine.c: the machine that serves the devices. The listener is called on every change of
+ * presence, with the machine locked or not yet in use. */
 typedef void tPresenceListener(const tSimulatorPresence* presence);
 void initialiseMachine(tPresenceListener* listener);
 void lockMachine(void);
 void unlockMachine(void);
-/* With the machine locked. */
+/* The caller holds the machine's lock. */
 tModel* lockedMachine(void);
 const tSimulatorPresence* lockedPresence(void);
 
 /* devices.c: the devices of the driver. */
 DRIVER_ADD_DEVICE addDevice;
 void removeDevice(tDevice* device);
-/* Shows and hides interfaces, so that those are there which are present in the machine. */
+/* Enables the interfaces that are present in the machine and disables the others. */
 tPresenceListener showPresentInterfaces;
 
-/* The routines behind the IRPs: plugandplay.c, files.c, requests.c. */
+/* Dispatch routines: plugandplay.c, files.c, requests.c. */
 DRIVER_DISPATCH dispatchPlugAndPlay;
 DRIVER_DISPATCH dispatchCreate;
 DRIVER_DISPATCH dispatchCleanUp;
 DRIVER_DISPATCH dispatchClose;
 DRIVER_DISPATCH dispatchDeviceControl;
 
-/* What dispatchCreate keeps about an open file. */
+/* The record that dispatchCreate stored in the file object. */
 tModelFile modelFileOf(const FILE_OBJECT* file);
 
-/* Ends an IRP. */
+/* Completes an IRP. */
 NTSTATUS completeIrp(IRP* irp, NTSTATUS status, ULONG_PTR information);
-/* The status that arrives at the caller as the Windows error. */
+/* The status that Windows converts back to this Windows error for the caller. */
 NTSTATUS statusOfWindowsError(uint32_t windowsError);
 
-/* pendingirps.c: IRPs that the machine keeps pending. With the machine locked. */
+/* pendingirps.c: IRPs that the machine keeps pending. The caller holds the machine's lock. */
 uint64_t tokenOf(const IRP* irp);
-/* Returns STATUS_PENDING; the IRP may be over by then. */
+/* Returns STATUS_PENDING; the IRP may already be completed. */
 NTSTATUS keepPending(IRP* irp);
 void completePendingIrp(void* context, uint64_t token, uint32_t windowsError, const void* output,
                         uint32_t size);

@@ -8,11 +8,11 @@ NTSTATUS completeIrp(IRP* irp, NTSTATUS status, ULONG_PTR information) {
 }
 
 NTSTATUS statusOfWindowsError(uint32_t windowsError) {
-  /* 0xC001 in the upper half hands the lower half through unchanged. */
+  /* Windows converts NTSTATUS 0xC001xxxx to the Windows error 0xxxx. */
   return windowsError == 0 ? STATUS_SUCCESS : (NTSTATUS)(0xC0010000u | windowsError);
 }
 
-/* The system says which devices are gone before it unloads the driver. */
+/* Nothing to release: the system removes all devices before it unloads the driver. */
 static void NTAPI unload(DRIVER_OBJECT* driver) {
   (void)driver;
 }

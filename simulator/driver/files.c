@@ -1,6 +1,6 @@
 #include "simulator/driver/driver.h"
 
-/* The number of an open file, counted up, is kept in its file object. */
+/* The number of the next file to be opened. FsContext holds the number of an open file. */
 static uint64_t nextFile = 1;
 
 tModelFile modelFileOf(const FILE_OBJECT* file) {
@@ -22,7 +22,7 @@ NTSTATUS NTAPI dispatchCreate(DEVICE_OBJECT* deviceObject, IRP* irp) {
   return completeIrp(irp, STATUS_SUCCESS, 0);
 }
 
-/* The last handle is closed. What the file still has pending would keep it from being closed. */
+/* The last handle is closed. Completes the pending IRPs, which would delay IRP_MJ_CLOSE. */
 NTSTATUS NTAPI dispatchCleanUp(DEVICE_OBJECT* deviceObject, IRP* irp) {
   (void)deviceObject;
   const tModelFile modelFile = modelFileOf(IoGetCurrentIrpStackLocation(irp)->FileObject);
@@ -36,7 +36,7 @@ NTSTATUS NTAPI dispatchClose(DEVICE_OBJECT* deviceObject, IRP* irp) {
   (void)deviceObject;
   const tModelFile modelFile = modelFileOf(IoGetCurrentIrpStackLocation(irp)->FileObject);
   lockMachine();
-  /* Wine closes a file without cleaning it up first. */
+  /* Wine sends IRP_MJ_CLOSE without IRP_MJ_CLEANUP. */
   modelCleanUp(lockedMachine(), &modelFile);
   modelClose(lockedMachine(), &modelFile);
   unlockMachine();

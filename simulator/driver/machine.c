@@ -2,7 +2,7 @@
 #include "simulator/callermemory/callermemory.h"
 #include "simulator/driver/driver.h"
 
-/* Not on the heap, so that there is a machine whenever there is a driver. */
+/* Static, so that DriverEntry cannot fail for lack of memory. */
 static tModel theMachine;
 static tSimulatorPresence thePresence;
 static tPresenceListener* theListener;

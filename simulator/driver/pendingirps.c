@@ -1,7 +1,7 @@
 #include "simulator/driver/driver.h"
 
-/* Whoever takes the cancel routine away from an IRP completes it: the machine, or the system that
- * cancels it. */
+/* True if the caller must complete the IRP. The side that removes the cancel routine does so: the
+ * machine, or the system when it cancels the IRP. */
 static bool takeOver(IRP* irp) {
   return IoSetCancelRoutine(irp, NULL) != NULL;
 }
@@ -14,7 +14,7 @@ uint64_t tokenOf(const IRP* irp) {
   return (uintptr_t)irp;
 }
 
-/* Called with the system's cancel lock held, by a thread that runs low enough for the machine's. */
+/* Called with the cancel spin lock held. After its release the IRQL permits the machine's lock. */
 static void NTAPI cancel(DEVICE_OBJECT* deviceObject, IRP* irp) {
   (void)deviceObject;
   IoReleaseCancelSpinLock(irp->CancelIrql);

@@ -1,5 +1,5 @@
-// Stands in for the operating system's driver-store tool: notes its command line and the package it
-// was given, and behaves as the machine's scenario says.
+// Replaces the operating system's driver-store tool: records its command line and the package
+// passed to it, and follows the machine's scenario.
 #include <windows.h>
 
 #include <array>
@@ -24,7 +24,7 @@ std::string hexadecimal(const std::array<uint8_t, SHA256_SIZE>& bytes) {
   return text;
 }
 
-// The file between the two options. Blanks do not end it: what the caller meant is of interest.
+// The file between the two options. Blanks do not end it, so that an unquoted path stays complete.
 std::string fileOf(const std::string& commandLine) {
   constexpr std::string_view kBefore = "/add-driver ";
   constexpr std::string_view kAfter = " /install";

@@ -21,14 +21,14 @@ std::string runKey(const std::string& name) {
   return std::string(kRuns) + '\\' + name;
 }
 
-// Names that sort as the numbers do.
+// Zero-padded, so that names sort numerically.
 std::string nameOf(unsigned number) {
   std::array<char, 16> name{};
   std::snprintf(name.data(), name.size(), "%08u", number);
   return name.data();
 }
 
-// Tools that run at the same time get a key each.
+// Tools that run concurrently create one key each.
 tVolatileKey newRun() {
   for (unsigned number = 1;; ++number) {
     tVolatileKey key(runKey(nameOf(number)));

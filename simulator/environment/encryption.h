@@ -7,8 +7,8 @@
 
 namespace nSimulator {
 
-// What the machine's management service says about the encryption of drive C:, by these names. A new
-// machine is "off".
+// The encryption of drive C: that the machine's management service reports, as names of the lists
+// below. The default machine is "off".
 struct tEncryption {
   std::string protection = "off";
   std::string failingStep;  // empty: none
@@ -16,11 +16,11 @@ struct tEncryption {
 
 inline constexpr std::array<std::string_view, 4> kProtections = {"off", "on", "unknown",
                                                                  "no-volume"};
-// In the order in which a program takes them.
+// In the order in which a program performs them.
 inline constexpr std::array<std::string_view, 5> kEncryptionSteps = {"locator", "connect", "query",
                                                                      "result", "property"};
 
-// Both throw std::system_error.
+// Both functions throw std::system_error.
 [[nodiscard]] tEncryption encryption();
 void setEncryption(const tEncryption& encryption);
 

@@ -10,29 +10,29 @@
 
 namespace nSimulator {
 
-// A key of the registry under which the simulated machine keeps what every process has to find. It is
-// volatile: switching the machine off forgets it. Failures are std::system_error.
+// A registry key with state of the simulated machine that all processes share. It is volatile:
+// switching the machine off deletes it. Members throw std::system_error on failure.
 class tVolatileKey {
  public:
-  // Opens the key, or makes it. The path is below the machine's own key, without a backslash at
+  // Opens or creates the key. The path is relative to the machine's own key, without a backslash at
   // either end.
   explicit tVolatileKey(const std::string& path);
   tVolatileKey(tVolatileKey&& other) noexcept;
   tVolatileKey& operator=(tVolatileKey&&) = delete;
   ~tVolatileKey();
 
-  // Removes the key and all below it. Nothing happens where there is none.
+  // Removes the key with its subkeys. Does nothing if it does not exist.
   static void remove(const std::string& path);
 
   void setText(const char* name, const std::string& text);
   void setNumber(const char* name, uint64_t number);
-  // None when there is no such value, or one of another type.
+  // None if the value does not exist or has another type.
   [[nodiscard]] std::optional<std::string> text(const char* name) const;
   [[nodiscard]] std::optional<uint64_t> number(const char* name) const;
 
-  // Whether this object has made the key.
+  // True if this object created the key.
   [[nodiscard]] bool isNew() const noexcept { return isNew_; }
-  // The keys directly below, by name.
+  // The names of the direct subkeys, sorted.
   [[nodiscard]] std::vector<std::string> children() const;
 
  private:

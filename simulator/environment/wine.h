@@ -1,23 +1,23 @@
-// The simulated machine belongs into Wine: on Windows it would replace parts of the system.
+// Restricts the simulated machine to Wine: on Windows it would replace parts of the system.
 #ifndef SIMULATOR_ENVIRONMENT_WINE_H
 #define SIMULATOR_ENVIRONMENT_WINE_H
 
 namespace nSimulator {
 
-// Wine's ntdll has this export, that of Windows does not.
+// An export of Wine's ntdll that Windows' ntdll does not have.
 inline constexpr const char* kWineLibrary = "ntdll.dll";
 inline constexpr const char* kWineExport = "wine_get_version";
 
-// `find` returns the address of an exported function of a loaded library, null where it has none.
+// `find` returns the address of an export of a loaded library, or null.
 template <class Find>
 [[nodiscard]] bool isWine(Find find) noexcept {
   return find(kWineLibrary, kWineExport) != nullptr;
 }
 
-// Of this process.
+// True if this process runs under Wine.
 [[nodiscard]] bool runsUnderWine() noexcept;
 
-// The answer of a stand-in for a part of the system; outside Wine it does nothing and answers `refusal`.
+// Runs `act`, the work of a simulated system component, under Wine; elsewhere returns `refusal`.
 template <class Answer, class Act>
 [[nodiscard]] Answer answerUnderWine(bool isWine, Answer refusal, Act act) {
   return isWine ? static_cast<Answer>(act()) : refusal;

@@ -1,4 +1,4 @@
-// The in-process server: what COM calls to make the service's locator.
+// The in-process server: the exports that COM calls to create the service's locator.
 #include <atomic>
 #include <exception>
 #include <memory>
@@ -15,8 +15,8 @@ constexpr IID kFactoryInterface = {1, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 constinit std::atomic<long> inUse = 0;
 
-// COM unloads its servers with the last thread that uses it, and loads them again with the next. The
-// C++ runtime inside this one keeps memory for exceptions that unloading does not give back.
+// COM unloads its servers with the last thread that uses COM and loads them again with the next.
+// Each load would leak: the C++ runtime in this library does not free its memory for exceptions.
 void stayLoaded() noexcept {
   HMODULE own = nullptr;
   GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
@@ -27,7 +27,7 @@ struct tStep {
   const char* name;
   HRESULT failure;
 };
-// By tManagementStep.
+// Indexed by tManagementStep.
 constexpr tStep kSteps[] = {
     {"locator", static_cast<HRESULT>(WBEM_E_INITIALIZATION_FAILURE)},
     {"connect", static_cast<HRESULT>(WBEM_E_INVALID_NAMESPACE)},
@@ -36,7 +36,7 @@ constexpr tStep kSteps[] = {
     {"property", static_cast<HRESULT>(WBEM_E_NOT_FOUND)},
 };
 
-// What the machine's scenario says at the moment.
+// Reads the machine's scenario on every call.
 class tMachineScenario final : public iManagementScenario {
  public:
   std::optional<HRESULT> failureOf(tManagementStep step) noexcept override {

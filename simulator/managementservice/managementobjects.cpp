@@ -27,12 +27,12 @@ constexpr const OLECHAR* kQuery =
     L"SELECT ProtectionStatus FROM Win32_EncryptableVolume WHERE DriveLetter = 'C:'";
 constexpr const OLECHAR* kProperty = L"ProtectionStatus";
 
-// The service's codes are an enumeration of their own.
+// The service's codes have an enumeration type instead of HRESULT.
 constexpr HRESULT resultOf(WBEMSTATUS status) noexcept {
   return static_cast<HRESULT>(status);
 }
 
-// Makes the object that a method hands over.
+// Creates the object that a method returns.
 template <class Object, class Interface, class... Arguments>
 HRESULT handOver(Interface** place, Arguments&&... arguments) noexcept {
   try {

@@ -14,8 +14,8 @@ namespace nSimulator {
   return std::memcmp(&left, &right, sizeof left) == 0;
 }
 
-// The life of an object of the service: it owns itself as long as somebody has a reference to it.
-// `Base` is the interface, or a class that implements the rest of it.
+// Reference counting of an object of the service: it owns itself while it has references. `Base` is
+// the interface, or a class that implements its other methods.
 template <class Base>
 class tComObject : public Base {
  public:
@@ -36,7 +36,7 @@ class tComObject : public Base {
   ULONG STDMETHODCALLTYPE Release() override {
     const ULONG left = --references_;
     if (left == 0) {
-      // The object ends with this scope.
+      // Destroys the object at the end of this scope.
       const std::shared_ptr<tComObject> self = std::move(self_);
     }
     return left;
@@ -65,7 +65,7 @@ class tComObject : public Base {
   std::shared_ptr<tComObject> self_;
 };
 
-// A new object, with one reference that is the caller's. Throws std::bad_alloc.
+// Creates an object with one reference, owned by the caller. Throws std::bad_alloc.
 template <class Object, class... Arguments>
 [[nodiscard]] Object* makeComObject(Arguments&&... arguments) {
   const auto object = std::make_shared<Object>(std::forward<Arguments>(arguments)...);

@@ -1,9 +1,9 @@
-// The methods of the management interfaces that the simulated machine has no behaviour for.
+// The methods of the management interfaces that the simulated machine does not implement.
 #ifndef SIMULATOR_MANAGEMENTSERVICE_UNUSEDMETHODS_H
 #define SIMULATOR_MANAGEMENTSERVICE_UNUSEDMETHODS_H
 
 #include <windows.h>
-// Needs windows.h first.
+// Requires windows.h.
 #include <wbemcli.h>
 
 namespace nSimulator {
@@ -96,7 +96,7 @@ class tUnusedServices : public IWbemServices {
  protected:
   tUnusedServices() = default;
   ~tUnusedServices() = default;
-  // What a method answers that has no behaviour.
+  // The result of a method that is not implemented.
   [[nodiscard]] virtual HRESULT unused(const char* method) noexcept = 0;
 };
 
@@ -116,7 +116,7 @@ class tUnusedVolumes : public IEnumWbemClassObject {
  protected:
   tUnusedVolumes() = default;
   ~tUnusedVolumes() = default;
-  // What a method answers that has no behaviour.
+  // The result of a method that is not implemented.
   [[nodiscard]] virtual HRESULT unused(const char* method) noexcept = 0;
 };
 
@@ -196,7 +196,7 @@ class tUnusedVolume : public IWbemClassObject {
  protected:
   tUnusedVolume() = default;
   ~tUnusedVolume() = default;
-  // What a method answers that has no behaviour.
+  // The result of a method that is not implemented.
   [[nodiscard]] virtual HRESULT unused(const char* method) noexcept = 0;
 };
 

@@ -7,7 +7,7 @@
 
 namespace nSimulator {
 
-// Wide texts of Windows, without the C library: natively its wide characters have another size.
+// Windows wide texts without the C library, whose wchar_t has another size in native builds.
 
 [[nodiscard]] constexpr size_t lengthOf(const WCHAR* text) noexcept {
   size_t length = 0;
@@ -17,7 +17,7 @@ namespace nSimulator {
   return length;
 }
 
-// Null is no text.
+// False if `text` is null.
 [[nodiscard]] constexpr bool isText(const WCHAR* text, const WCHAR* expected) noexcept {
   if (text == nullptr) {
     return false;

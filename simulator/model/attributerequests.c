@@ -2,7 +2,7 @@
 #include "simulator/model/bytes.h"
 #include "simulator/model/driverrequests.h"
 
-/* The caller's buffer cannot hold the value; the reply tells the size needed. */
+/* The caller's buffer is too small for the value; the reply contains the required size. */
 enum {
   kStatusValueBufferTooSmall = -26930
 };
@@ -33,7 +33,7 @@ void carryOutGetAttribute(tModel* model, const tModelFile* file, const void* inp
   copyBytes(reply, &answer, sizeof(answer));
 }
 
-/* A number keeps its size; a text has whatever its writer gives it. */
+/* A write must not change the size of a number; a text accepts any size. */
 static bool fits(const tSimulatorAttribute* attribute, int32_t size) {
   const bool isNumber = attribute->attribute >> 28 == 2;
   return isNumber ? size == (int32_t)sizeof(uint32_t)

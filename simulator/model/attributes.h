@@ -1,5 +1,5 @@
-/* The values of the attributes that the driver keeps itself, for the controller and the Marten
- * interface. An attribute is named by its interface and its id, whose selector does not count. */
+/* The attributes that the driver stores for the controller and the Marten interface. The interface
+ * and the id identify an attribute; the selector of the id is ignored. */
 #ifndef SIMULATOR_MODEL_ATTRIBUTES_H
 #define SIMULATOR_MODEL_ATTRIBUTES_H
 
@@ -15,17 +15,17 @@ typedef struct tAttributeStore {
 } tAttributeStore;
 
 void attributesClear(tAttributeStore* store);
-/* Null when the interface has no such attribute. */
+/* Null if the interface has no such attribute. */
 const tSimulatorAttribute* attributesFind(const tAttributeStore* store, uint32_t interfaceKind,
                                           uint32_t attribute);
-/* Adds the attribute or replaces its value; a new one is not writable. `size` has been checked. False
- * when the store is full. */
+/* Adds the attribute or replaces its value; a new attribute is not writable. The caller has
+ * validated `size`. False if the store is full. */
 bool attributesPut(tAttributeStore* store, const tSimulatorAttribute* attribute);
-/* False when the interface has no such attribute. */
+/* False if the interface has no such attribute. */
 bool attributesSetWritable(tAttributeStore* store, uint32_t interfaceKind, uint32_t attribute,
                            bool writable);
 bool attributesIsWritable(const tAttributeStore* store, uint32_t interfaceKind, uint32_t attribute);
-/* Nothing happens when the interface has no such attribute. */
+/* Does nothing if the interface has no such attribute. */
 void attributesRemove(tAttributeStore* store, uint32_t interfaceKind, uint32_t attribute);
 
 #endif

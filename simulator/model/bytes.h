@@ -1,10 +1,10 @@
-/* Copying and filling without a C library. */
+/* Copies and fills memory without a C library. */
 #ifndef SIMULATOR_MODEL_BYTES_H
 #define SIMULATOR_MODEL_BYTES_H
 
 #include <stdint.h>
 
-/* The two ranges do not overlap. With a size of 0 the pointers may be null. */
+/* The ranges must not overlap. With a size of 0 the pointers may be null. */
 void copyBytes(void* destination, const void* source, uint32_t size);
 void fillWithZeros(void* destination, uint32_t size);
 

@@ -3,8 +3,8 @@
 #include "simulator/model/driverrequests.h"
 #include "simulator/model/sha256.h"
 
-/* Reads the payload piece by piece: its size is the caller's, the model's memory is not. False when
- * some of it cannot be reached. */
+/* Reads the payload in pieces, because the model's memory is fixed and the caller chooses the size.
+ * False if part of it is not readable. */
 static bool readPayload(tModel* model, const tModelFile* file, const tSendCommandRequest* request,
                         tSimulatorPayload* payload) {
   tSha256 hash;

@@ -1,11 +1,11 @@
-/* The requests of the control interface, through which the simulated machine is set up. */
+/* The requests of the control interface, which configures the simulated machine. */
 #ifndef SIMULATOR_MODEL_CONTROL_H
 #define SIMULATOR_MODEL_CONTROL_H
 
 #include "simulator/model/model.h"
 
-/* Everything about the default machine: table, text, attributes; no scripts, an empty log. Leaves
- * the presence alone. */
+/* Restores the default machine, with no scripts and an empty log, except for the presence of the
+ * interfaces. */
 void resetMachine(tModel* model);
 tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request);
 

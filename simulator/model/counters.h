@@ -1,4 +1,4 @@
-/* The counts of all parts of the model, as the control interface tells them. */
+/* Collects the counts of all parts of the model for the control interface. */
 #ifndef SIMULATOR_MODEL_COUNTERS_H
 #define SIMULATOR_MODEL_COUNTERS_H
 

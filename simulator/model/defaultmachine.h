@@ -1,4 +1,4 @@
-/* The machine that a fresh simulator is: every attribute of the library has a value on it. */
+/* The default machine. Every attribute of the library has a value on it. */
 #ifndef SIMULATOR_MODEL_DEFAULTMACHINE_H
 #define SIMULATOR_MODEL_DEFAULTMACHINE_H
 
@@ -7,7 +7,7 @@
 /* One controller, one Marten device, one device path. */
 extern const tSimulatorPresence kDefaultPresence;
 
-/* Sets table, version text and attributes; scripts, log and presence are left alone. */
+/* Sets table, version text and attributes; does not change scripts, log and presence. */
 void makeDefaultMachine(tModel* model);
 
 #endif

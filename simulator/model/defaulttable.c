@@ -11,7 +11,7 @@ enum {
   kEndOfTable = 127,
 };
 
-/* Every structure has a handle of its own: its type and its number among those of the type. */
+/* A unique handle: the structure's type and its number among the structures of that type. */
 static uint16_t handleOf(uint8_t type, uint8_t instance) {
   return (uint16_t)((type << 8) | instance);
 }
@@ -26,7 +26,7 @@ static void writeBiosInformation(tSmbiosTableWriter* writer) {
   writerText(writer, 0x05, "2.1.0f3");
   writerWord(writer, 0x06, 0xF000); /* starting segment */
   writerText(writer, 0x08, "03/14/2023");
-  writerByte(writer, 0x09, 0xFF);        /* 16 MiB or more: the extended size counts */
+  writerByte(writer, 0x09, 0xFF);        /* 16 MiB or more: see the extended size */
   writerQuadWord(writer, 0x0A, 1u << 7); /* PCI is supported */
   writerByte(writer, 0x13, 1u << 3);     /* UEFI */
   writerByte(writer, 0x14, 2);           /* system firmware release 2.1 */
@@ -121,7 +121,7 @@ static void writeModule(tSmbiosTableWriter* writer, const tMemoryModule* module)
   writerText(writer, 0x1A, module->partNumber);
   writerByte(writer, 0x1B, 1); /* rank */
   writerWord(writer, 0x20, module->configuredSpeed);
-  writerWord(writer, 0x22, 1200); /* least, highest and configured voltage, mV */
+  writerWord(writer, 0x22, 1200); /* minimum, maximum and configured voltage, mV */
   writerWord(writer, 0x24, 1200);
   writerWord(writer, 0x26, 1200);
   writerByte(writer, 0x28, 3); /* DRAM */
@@ -144,17 +144,17 @@ static void writeMemoryDevice(tSmbiosTableWriter* writer, uint8_t socket) {
   writerEnd(writer);
 }
 
-/* Below, the maker's own structures. */
+/* The manufacturer's own structures follow. */
 
 static void writePlatform(tSmbiosTableWriter* writer) {
   begin(writer, 0x96, 0x0E);
-  writerByte(writer, 0x04, 8);      /* generation; from 7 on there is an identifier */
-  writerByte(writer, 0x05, 1);      /* above 2 the library does not serve the machine */
+  writerByte(writer, 0x04, 8);      /* generation; 7 and later have an identifier */
+  writerByte(writer, 0x05, 1);      /* the library rejects machines with a value above 2 */
   writerWord(writer, 0x06, 0x7A44); /* code */
   writerText(writer, 0x09, "QP-8840");
   writerText(writer, 0x0A, "Release 5");
   writerByte(writer, 0x0B, 3); /* option */
-  writerByte(writer, 0x0C, 4); /* kind, for a controller without any bus structure */
+  writerByte(writer, 0x0C, 4); /* kind, used if the table has no bus structure */
   writerText(writer, 0x0D, "VQ8840-REV-C");
   writerEnd(writer);
 
@@ -219,7 +219,7 @@ static void writeCapabilities(tSmbiosTableWriter* writer) {
   writerEnd(writer);
 
   begin(writer, 0x9E, 0x06);
-  writerByte(writer, 0x04, 1); /* firmware updates are taken */
+  writerByte(writer, 0x04, 1); /* firmware updates are accepted */
   writerByte(writer, 0x05, 1);
   writerEnd(writer);
 

@@ -4,7 +4,7 @@
 
 #include <stdint.h>
 
-/* Writes the table to `table`, which has room for `capacity` bytes; returns its size in bytes. */
+/* Writes at most `capacity` bytes to `table`; returns the size of the table in bytes. */
 uint32_t writeDefaultTable(uint8_t* table, uint32_t capacity);
 
 #endif

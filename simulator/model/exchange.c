@@ -1,4 +1,4 @@
-/* REQUEST_EXCHANGE_VALUES: the hand-over of the SMBIOS version text and the structure table. */
+/* REQUEST_EXCHANGE_VALUES: returns the SMBIOS version text and the structure table. */
 #include "simulator/model/bytes.h"
 #include "simulator/model/driverrequests.h"
 

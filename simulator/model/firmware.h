@@ -1,4 +1,4 @@
-/* The firmware sinks of the controller and the Marten interface: what is kept of the payloads. */
+/* A record of the firmware payloads received on the controller and the Marten interface. */
 #ifndef SIMULATOR_MODEL_FIRMWARE_H
 #define SIMULATOR_MODEL_FIRMWARE_H
 
@@ -12,18 +12,18 @@ enum {
 };
 
 typedef struct tFirmwareSink {
-  uint32_t controllerPayloads; /* since the last clearing */
+  uint32_t controllerPayloads; /* since the record was last cleared */
   uint32_t martenPayloads;
   uint64_t count;                                       /* of both */
   tSimulatorPayload latest[SIMULATOR_PAYLOAD_CAPACITY]; /* a ring */
-  uint8_t piece[FIRMWARE_PIECE_SIZE];                   /* of the payload that is being read */
+  uint8_t piece[FIRMWARE_PIECE_SIZE];                   /* of the payload being read */
 } tFirmwareSink;
 
 void firmwareClear(tFirmwareSink* sink);
-/* Keeps the payload and gives it its number. */
+/* Stores the record of a payload and assigns its number. */
 void firmwareKeep(tFirmwareSink* sink, const tSimulatorPayload* payload);
 uint32_t firmwareKept(const tFirmwareSink* sink);
-/* Copies the oldest `count` of those kept to `destination`, which need not be aligned. */
+/* Copies the oldest `count` records to `destination`, which need not be aligned. */
 void firmwareCopy(const tFirmwareSink* sink, uint32_t count, void* destination);
 
 #endif

@@ -25,10 +25,10 @@ static tModelReply answerAndLog(tModel* model, const tModelRequest* request) {
   startLogEntry(&entry, &request->file, kSimulatorEventRequest);
   entry.requestCode = request->code;
   entry.inputSize = request->inputSize;
-  /* Before the answer: it may overwrite the input. */
+  /* Copied first: the reply may overwrite the input, which can share its memory. */
   copyBytes(entry.input, request->input, smallerOf(request->inputSize, sizeof(entry.input)));
 
-  /* Before what it brings about. */
+  /* Logged before the entries that carrying out the request adds. */
   tSimulatorLogEntry* logged = logAppend(&model->log, &entry);
 
   const tModelReply reply = answerDriverRequest(model, request);

@@ -17,22 +17,22 @@
 extern "C" {
 #endif
 
-/* What the model needs of its surroundings. All entries are set. */
+/* Services that the host provides to the model. No function is null. */
 typedef struct tModelHost {
   void* context;
-  /* Copies between the memory of the calling process and the model's. False, with nothing promised
-   * about the destination, when any byte of the caller's range cannot be reached. */
+  /* Copy between the memory of the calling process and the model's. False if any byte of the
+   * caller's range is not accessible; the contents of the destination are then unspecified. */
   bool (*readCaller)(void* context, uint64_t process, uint64_t address, void* destination,
                      uint32_t size);
   bool (*writeCaller)(void* context, uint64_t process, uint64_t address, const void* source,
                       uint32_t size);
-  /* Signals an event of the calling process. False when it is none. */
+  /* Signals an event of the calling process. False if `event` is not an event. */
   bool (*signalEvent)(void* context, uint64_t process, uint64_t event);
-  /* Completes a request that was left pending; `output` fits its buffer. Its token is free from then
-   * on. */
+  /* Completes a pending request; `output` fits its buffer. The host may use the token again
+   * afterwards. */
   void (*completeRequest)(void* context, uint64_t token, uint32_t windowsError, const void* output,
                           uint32_t size);
-  /* The presence of device interfaces has changed and the host is to publish or withdraw them. */
+  /* Enables and disables device interfaces to match the changed presence. */
   void (*presenceChanged)(void* context, const tSimulatorPresence* presence);
 } tModelHost;
 
@@ -44,28 +44,28 @@ typedef struct tModelRequest {
   uint32_t inputSize;
   void* output;
   uint32_t outputSize; /* its capacity in bytes */
-  uint64_t token;      /* names it while it is pending; 0: the host cannot keep it pending */
+  uint64_t token;      /* identifies it while pending; 0: the host cannot keep it pending */
 } tModelRequest;
 
 typedef struct tModelReply {
-  uint32_t windowsError; /* 0: success; 997: the request is pending; else it fails with it */
+  uint32_t windowsError; /* 0: success; 997: pending; otherwise the reason of the failure */
   uint32_t size;         /* bytes written to `output`; 0 on failure */
 } tModelReply;
 
-/* The whole state. Its members are the model's own. */
+/* The complete state. Its members are private to the model. */
 typedef struct tModel tModel;
 #include "simulator/model/modelstate.h"
 
-/* Makes the default machine and tells the host its presence. */
+/* Initialises the default machine and reports its presence to the host. */
 void modelInitialise(tModel* model, const tModelHost* host);
 void modelOpen(tModel* model, const tModelFile* file);
-/* The file's last handle is closed: completes what it has pending. May be told twice. */
+/* Call when the last handle is closed. Completes the file's pending requests. Idempotent. */
 void modelCleanUp(tModel* model, const tModelFile* file);
-/* The file is gone, and no request on it is under way. */
+/* Call when the file is closed and no request on it is pending. */
 void modelClose(tModel* model, const tModelFile* file);
-/* The host is ready to complete a request that it has just been told is pending. */
+/* Call after modelRequest returned pending, when the host is ready to complete the request. */
 void modelPended(tModel* model, uint64_t token);
-/* The host completes a pending request itself, as cancelled. False when it is no longer pending. */
+/* Call when the host completes a pending request as cancelled. False if it is not pending. */
 bool modelCancel(tModel* model, uint64_t token);
 tModelReply modelRequest(tModel* model, const tModelRequest* request);
 

@@ -6,7 +6,7 @@
 
 #include "simulator/control/controlprotocol.h"
 
-/* One open file: on which interface, by which process. `file` is chosen by the host, never 0. */
+/* An open file: its interface and its process. The host chooses `file`, which is not 0. */
 typedef struct tModelFile {
   uint64_t file;
   uint64_t process;

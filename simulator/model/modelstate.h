@@ -1,4 +1,4 @@
-/* The state behind `tModel`. Only the model itself looks into it; the host needs its size. */
+/* The definition of `tModel`. Only the model accesses the members; the host needs the size. */
 #ifndef SIMULATOR_MODEL_MODELSTATE_H
 #define SIMULATOR_MODEL_MODELSTATE_H
 
@@ -12,7 +12,7 @@
 #include "simulator/model/scripts.h"
 #include "simulator/model/smbioshandover.h"
 
-/* About 320 KB: too large for a stack. Needs no clearing before modelInitialise. */
+/* About 320 KB: too large for a stack. modelInitialise does not require zeroed memory. */
 struct tModel {
   tModelHost host;
   uint64_t filesOpened;

@@ -1,4 +1,4 @@
-/* What is registered, armed and waiting to be delivered: lists of fixed capacity, oldest first. */
+/* Registrations, armed deliveries and held notices: lists of fixed capacity, oldest first. */
 #ifndef SIMULATOR_MODEL_NOTIFICATIONLIST_H
 #define SIMULATOR_MODEL_NOTIFICATIONLIST_H
 
@@ -17,7 +17,7 @@ typedef struct tArmedDelivery {
   tModelFile file;
 } tArmedDelivery;
 
-/* A notice that no delivery was armed for. */
+/* A notice held until its file arms a delivery. */
 typedef struct tHeldNotice {
   uint64_t file;
   tNotificationDelivery notice;

@@ -90,7 +90,7 @@ static tModelReply registerFor(tModel* model, const tModelRequest* request) {
   return answered(kWindowsErrorIoPending);
 }
 
-/* The registration itself completes. What was held back for it stays: it has happened. */
+/* Completes the registration request. Notices held for it stay: their events have happened. */
 static tModelReply unregister(tModel* model, const tModelRequest* request) {
   tNotificationList* list = &model->notifications;
   tUnregisterNotificationRequest asked;
@@ -150,7 +150,7 @@ tModelReply carryOutNotificationRequest(tModel* model, const tModelRequest* requ
 
 /* ---- The events ---- */
 
-/* False when the notice is lost: nothing is armed, and too many are held already. */
+/* False if the notice is dropped: no delivery is armed, and the list of held notices is full. */
 static bool deliver(tModel* model, uint64_t file, const tNotificationDelivery* notice) {
   tNotificationList* list = &model->notifications;
   ++list->counts.raised;

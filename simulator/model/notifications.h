@@ -1,5 +1,5 @@
-/* Telling callers of events: REQUEST_REGISTER_NOTIFICATION, REQUEST_UNREGISTER_NOTIFICATION and
- * REQUEST_ARM_DELIVERY, which every interface of the driver takes. */
+/* Event notifications: REQUEST_REGISTER_NOTIFICATION, REQUEST_UNREGISTER_NOTIFICATION and
+ * REQUEST_ARM_DELIVERY, supported on every interface of the driver. */
 #ifndef SIMULATOR_MODEL_NOTIFICATIONS_H
 #define SIMULATOR_MODEL_NOTIFICATIONS_H
 
@@ -8,14 +8,14 @@
 bool isNotificationRequest(uint32_t code);
 tModelReply carryOutNotificationRequest(tModel* model, const tModelRequest* request);
 
-/* Tells everybody who is registered for one of the events of a mask. What cannot be delivered yet is
- * kept until a delivery is armed. Returns how many were told. */
+/* Notifies every registration for one of the events of a mask. A notice that cannot be delivered
+ * yet is held until a delivery is armed. Returns the number of registrations notified. */
 uint32_t notify(tModel* model, const tSimulatorNotice* notice);
 
-/* Completes what a file, or the whole machine, has registered and armed, as aborted. */
+/* Complete the registrations and armed deliveries of a file, or of all files, as aborted. */
 void abortNotificationsOf(tModel* model, const tModelFile* file);
 void abortAllNotifications(tModel* model);
-/* Forgets the request with this token; false when there is none. */
+/* Removes the request with this token; false if there is none. */
 bool forgetNotificationRequest(tModel* model, uint64_t token);
 
 #endif

@@ -1,4 +1,4 @@
-/* The requests that are pending, oldest first: a list of fixed capacity. */
+/* The list of pending requests, oldest first, with a fixed capacity. */
 #ifndef SIMULATOR_MODEL_PENDINGLIST_H
 #define SIMULATOR_MODEL_PENDINGLIST_H
 
@@ -10,8 +10,8 @@ typedef struct tPendingEntry {
   uint64_t token;
   tModelFile file;
   uint64_t handle;        /* 0: waiting to be accepted */
-  uint64_t handleAddress; /* of the caller, to be told the handle */
-  uint64_t event;         /* of the caller, to be signalled then */
+  uint64_t handleAddress; /* of the caller; receives the handle */
+  uint64_t event;         /* of the caller; signalled when the handle is written */
   uint64_t b;
   uint16_t a;
   uint8_t c;
@@ -26,13 +26,13 @@ typedef struct tPendingList {
   tPendingEntry entries[SIMULATOR_PENDING_CAPACITY];
 } tPendingList;
 
-/* Forgets everything but what was counted, and accepts at once from now on. */
+/* Removes all entries, keeps the counts, and sets the acceptance to immediate. */
 void pendingClear(tPendingList* pending);
-/* False when the list is full. */
+/* False if the list is full. */
 bool pendingAdd(tPendingList* pending, const tPendingEntry* entry);
-/* Takes an entry out; the later ones move up. */
+/* Removes an entry; later ones move up. */
 tPendingEntry pendingRemove(tPendingList* pending, uint32_t index);
-/* The index of an entry; `count` when there is none. */
+/* The index of an entry; `count` if not found. */
 uint32_t pendingFindToken(const tPendingList* pending, uint64_t token);
 uint32_t pendingFindHandle(const tPendingList* pending, uint64_t handle);
 

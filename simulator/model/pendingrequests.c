@@ -32,7 +32,7 @@ static void complete(tModel* model, uint32_t index, uint32_t windowsError) {
   model->host.completeRequest(model->host.context, entry.token, windowsError, NULL, 0);
 }
 
-/* Tells the caller the handle. Gives the error with which the request fails instead. */
+/* Writes the handle to the caller and signals its event. Returns the error if the request fails. */
 static uint32_t hand(tModel* model, const tPendingEntry* entry, uint64_t handle) {
   const tModelHost* host = &model->host;
   if (!host->writeCaller(host->context, entry->file.process, entry->handleAddress, &handle,
@@ -44,7 +44,7 @@ static uint32_t hand(tModel* model, const tPendingEntry* entry, uint64_t handle)
              : kWindowsErrorInvalidHandle;
 }
 
-/* False when the request is over instead. */
+/* False if acceptance failed, which completes the request. */
 static bool accept(tModel* model, uint32_t index) {
   tPendingEntry* entry = &model->pending.entries[index];
   const uint32_t windowsError = hand(model, entry, model->pending.nextHandle);
@@ -57,7 +57,7 @@ static bool accept(tModel* model, uint32_t index) {
   return true;
 }
 
-/* The two forms differ in where the arguments stand. */
+/* The two requests have different layouts of the same arguments. */
 static bool readForm(const tModelRequest* request, tPendingEntry* entry) {
   if (request->code == REQUEST_PENDING_NARROW &&
       request->inputSize == sizeof(tPendingNarrowRequest)) {

@@ -1,24 +1,24 @@
-/* The requests that stay pending until they are ended: REQUEST_PENDING_NARROW, REQUEST_PENDING_WIDE
- * and REQUEST_END_PENDING, which every interface of the driver takes. */
+/* Requests that stay pending until the caller ends them: REQUEST_PENDING_NARROW,
+ * REQUEST_PENDING_WIDE and REQUEST_END_PENDING, supported on every interface of the driver. */
 #ifndef SIMULATOR_MODEL_PENDINGREQUESTS_H
 #define SIMULATOR_MODEL_PENDINGREQUESTS_H
 
 #include "simulator/model/model.h"
 
-/* Whether the code is one of the three. */
+/* True for the three codes above. */
 bool isPendingRequest(uint32_t code);
 tModelReply carryOutPendingRequest(tModel* model, const tModelRequest* request);
 
-/* Accepts every request that is waiting: its caller is told its handle. */
+/* Accepts every request that waits for acceptance: writes its handle to its caller. */
 void acceptPending(tModel* model);
-/* Completes the request with this handle; false when there is none. 0 completes every request that
- * waits to be accepted. */
+/* Completes the request with this handle; false if there is none. 0 completes every request that
+ * waits for acceptance. */
 bool completePending(tModel* model, uint64_t handle, uint32_t windowsError);
-/* Accepts the request with this token, if there is one and requests are accepted at once. */
+/* Accepts the request with this token if it exists and acceptance is immediate. */
 void acceptIfAtOnce(tModel* model, uint64_t token);
-/* Forgets the request with this token, which is cancelled; false when there is none. */
+/* Removes the request with this token, which is cancelled; false if there is none. */
 bool forgetPending(tModel* model, uint64_t token);
-/* Completes what a file, or the whole machine, has pending, as aborted. */
+/* Complete the pending requests of a file, or of all files, as aborted. */
 void abortPendingOf(tModel* model, const tModelFile* file);
 void abortAllPending(tModel* model);
 

@@ -7,12 +7,12 @@
 #include "simulator/model/bytes.h"
 #include "simulator/model/terminals.h"
 
-/* What a line that is taken adds to the cost, so that a free one is preferred. */
+/* Extra cost of a line that is reserved, so that a free line is preferred. */
 enum {
   kCostOfATakenLine = 1000
 };
 
-/* One calculation under way: the request, and what was found so far. */
+/* The state of a calculation: the request, and the number of routes found so far. */
 typedef struct tCalculation {
   tModel* model;
   const tModelFile* session;
@@ -77,7 +77,7 @@ static uint32_t fullCost(const tCalculation* calculation, const tRouteSeed* seed
   return cost > UINT32_MAX ? UINT32_MAX : (uint32_t)cost;
 }
 
-/* The cheapest way to a destination; the first seed wins where several cost the same. */
+/* The cheapest route to a destination; of several with the same cost, that of the first seed. */
 static tCandidate cheapest(tCalculation* calculation, uint32_t destination, bool inverts) {
   tCandidate best = {0, 0, 0, false};
   for (uint32_t i = 0; i < calculation->asked.seedCount; ++i) {
@@ -90,7 +90,7 @@ static tCandidate cheapest(tCalculation* calculation, uint32_t destination, bool
       calculation->status = SIMULATOR_STATUS_NO_SUCH_TERMINAL;
       return best;
     }
-    /* A seed that needs inversion is no start for a route that does not invert. */
+    /* A route that does not invert cannot start at a seed that needs inversion. */
     const bool fits = inverts || (seed.constraints & ROUTE_CONSTRAINT_INVERSION_NEEDED) == 0;
     if (fits && canBeRouted(seed.terminal, destination, inverts)) {
       const uint32_t cost = fullCost(calculation, &seed, destination, inverts);
@@ -130,7 +130,7 @@ static void addRoute(tCalculation* calculation, uint32_t destination, bool inver
   ++calculation->found;
 }
 
-/* A plain route unless inversion is required, and an inverting one if it is wanted at all. */
+/* Plain unless inversion is required; inverting if required, optional, or without a plain route. */
 static void addRoutesTo(tCalculation* calculation, uint32_t destination) {
   const bool required = (calculation->modifiers.required & ROUTE_CONSTRAINT_INVERSION_NEEDED) != 0;
   const bool wanted =
@@ -144,7 +144,7 @@ static void addRoutesTo(tCalculation* calculation, uint32_t destination) {
   }
 }
 
-/* What was found before something turned out to be wrong is not left behind. */
+/* Removes the routes that a failed calculation has added. */
 static void takeBack(tCalculation* calculation) {
   tRouter* router = &calculation->model->router;
   for (; calculation->found != 0; --calculation->found) {

@@ -6,8 +6,8 @@
 
 tDriverOperation carryOutCalculateRoute;
 
-/* The routes of others that keep a route from its destination. At most `capacity` are written;
- * returns how many there are. `to` is the address of the caller's records; 0: they are only counted. */
+/* Finds the routes that hold the destination of `wanted`. Writes at most `capacity` records to the
+ * caller's address `to` and returns the number of conflicts. A capacity of 0 only counts them. */
 uint32_t findConflicts(tModel* model, const tRoute* wanted, uint64_t to, uint32_t capacity,
                        bool* reachable);
 

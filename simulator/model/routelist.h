@@ -1,12 +1,12 @@
-/* The routes that the simulated trigger router knows: a list of fixed capacity, oldest first. */
+/* The routes of the simulated trigger router: a list of fixed capacity, oldest first. */
 #ifndef SIMULATOR_MODEL_ROUTELIST_H
 #define SIMULATOR_MODEL_ROUTELIST_H
 
 #include "simulator/model/modelfile.h"
 
 typedef struct tRoute {
-  tModelFile session; /* the open file that made it */
-  uint32_t ticket;    /* counted up, never used twice */
+  tModelFile session; /* the open file that created it */
+  uint32_t ticket;    /* ascending, never reused */
   uint32_t source;
   uint32_t destination;
   tSimulatorRouteState state;
@@ -27,27 +27,27 @@ typedef struct tRouteCounts {
 typedef struct tRouter {
   uint32_t nextTicket;
   uint32_t count;
-  uint32_t pathLength; /* 0: as long as it is; else terminals in every path */
+  uint32_t pathLength; /* the number of terminals in every path; 0: the real number */
   char topographyName[SIMULATOR_TOPOGRAPHY_NAME_CAPACITY];
   uint32_t topographyNameSize;
   tRouteCounts counts;
   tRoute routes[SIMULATOR_ROUTE_CAPACITY];
 } tRouter;
 
-/* No routes, and the names and lengths of the default machine. Tickets and counts go on. */
+/* Removes all routes and restores the default name and path length. Tickets and counts continue. */
 void routerClear(tRouter* router);
-/* Null when the list is full. */
+/* Null if the list is full. */
 tRoute* routerAdd(tRouter* router, const tRoute* route);
-/* Null when the session has no such route. */
+/* Null if the session has no such route. */
 tRoute* routerFind(tRouter* router, uint64_t session, uint32_t ticket);
-/* Whatever session it is of. */
+/* Searches the routes of all sessions. */
 tRoute* routerFindTicket(tRouter* router, uint32_t ticket);
-/* To the next state or the one before. */
+/* Moves to the next or the previous state. */
 void routerMove(tRouter* router, tRoute* route, tSimulatorRouteState to);
-/* Takes its line away from a route that holds one. */
+/* Releases the line of a route that holds one. */
 void routerDemote(tRouter* router, tRoute* route);
 void routerRemove(tRouter* router, const tRoute* route);
-/* Everything that a session has made and holds. */
+/* Removes all routes of a session. */
 void routerRemoveSession(tRouter* router, uint64_t session);
 
 #endif

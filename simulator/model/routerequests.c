@@ -32,9 +32,9 @@ void carryOutCountTerminals(tModel* model, const tModelFile* file, const void* i
   answerValue(reply, kTerminals, 0);
 }
 
-/* ---- The steps of a route's life ---- */
+/* ---- States of a route ---- */
 
-/* One step forth or back; the driver enforces their order. */
+/* Moves a route to an adjacent state; rejects requests out of order. */
 static int32_t step(tModel* model, const tModelFile* file, const void* input,
                     tSimulatorRouteState from, tSimulatorRouteState to) {
   tTicketRequest asked;
@@ -62,7 +62,7 @@ void carryOutUnreserveRoute(tModel* model, const tModelFile* file, const void* i
   answerStatus(reply, step(model, file, input, kSimulatorRouteReserved, kSimulatorRouteCalculated));
 }
 
-/* In whatever state: who destroys a route cannot be told that it was not possible. */
+/* Allowed in any state: destroyRoute cannot report failure. */
 void carryOutDestroyRoute(tModel* model, const tModelFile* file, const void* input, void* reply) {
   tTicketRequest asked;
   copyBytes(&asked, input, sizeof(asked));
@@ -106,7 +106,7 @@ void carryOutReserveRoute(tModel* model, const tModelFile* file, const void* inp
 
 /* ---- Paths ---- */
 
-/* From the source by way of the trigger lines, as many as a scenario wants, to the destination. */
+/* A path of `length` terminals: the source, trigger lines in turn, the destination. */
 static uint32_t terminalOfPath(const tRoute* route, uint32_t index, uint32_t length) {
   if (index == 0) {
     return route->source;
@@ -175,7 +175,7 @@ bool demoteRoute(tModel* model, uint32_t ticket) {
   return true;
 }
 
-/* The routes that drove the terminal lose it. */
+/* Demotes the programmed routes that drive the terminal. */
 void carryOutResetTerminal(tModel* model, const tModelFile* file, const void* input, void* reply) {
   (void)file;
   tResetTerminalRequest asked;

@@ -1,4 +1,4 @@
-/* The requests of the trigger-routing interface, as the simulated router carries them out. */
+/* The simulated router's implementation of the requests of the trigger-routing interface. */
 #ifndef SIMULATOR_MODEL_ROUTEREQUESTS_H
 #define SIMULATOR_MODEL_ROUTEREQUESTS_H
 
@@ -15,8 +15,8 @@ tDriverOperation carryOutGetTopographyName;
 tDriverOperation carryOutResetTerminal;
 tDriverOperation carryOutCalculateReset;
 
-/* Takes its line away from a route that is reserved or programmed, and tells its session. False when
- * there is no such route, or it holds no line. */
+/* Demotes a reserved or programmed route: removes its line and notifies its session. False if the
+ * route does not exist or holds no line. */
 bool demoteRoute(tModel* model, uint32_t ticket);
 
 #endif

@@ -31,7 +31,7 @@ static tModelReply answerAsTheMachineDoes(tModel* model, const tModelRequest* re
   return (tModelReply){kWindowsErrorNone, known->replySize};
 }
 
-/* The driver's status code is the last member of every reply that is not empty. */
+/* The driver's status code is the last member of every non-empty reply. */
 static void putDriverStatus(const tModelRequest* request, uint32_t replySize, int32_t status) {
   uint8_t* output = request->output;
   copyBytes(output + (replySize - sizeof(status)), &status, sizeof(status));

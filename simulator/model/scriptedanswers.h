@@ -1,4 +1,4 @@
-/* How a request of the library is answered: by the machine, or as a script says. */
+/* Answers a request of the library as a matching script specifies, else as the machine does. */
 #ifndef SIMULATOR_MODEL_SCRIPTEDANSWERS_H
 #define SIMULATOR_MODEL_SCRIPTEDANSWERS_H
 

@@ -28,7 +28,7 @@ bool scriptIsValid(const tSimulatorScript* script) {
   if (script->windowsError >= kWindowsErrorLimit || script->replySize > SIMULATOR_OUTPUT_CAPACITY) {
     return false;
   }
-  /* Nothing would ever complete a request that a script leaves pending. */
+  /* A scripted "pending" is rejected: nothing would complete the request. */
   return script->windowsError != kWindowsErrorIoPending &&
          (script->action != kSimulatorActionFail || script->windowsError != kWindowsErrorNone);
 }

@@ -1,4 +1,4 @@
-/* Scripted answers: which request is to be answered otherwise than the machine would. */
+/* Scripted answers, which replace the machine's answer to matching requests. */
 #ifndef SIMULATOR_MODEL_SCRIPTS_H
 #define SIMULATOR_MODEL_SCRIPTS_H
 
@@ -20,11 +20,11 @@ typedef struct tScriptList {
 
 void scriptsClear(tScriptList* scripts);
 bool scriptIsValid(const tSimulatorScript* script);
-/* `script` is valid. False when the list is full. */
+/* `script` must be valid. False if the list is full. */
 bool scriptsAdd(tScriptList* scripts, const tSimulatorScript* script);
-/* The script that answers this request, or null. Counts the request: a script that lets it through
- * has used up one of its `skip`, and the next ones are tried; a script that answers it has used up
- * one of its `times`, and the ones behind it never see the request. */
+/* Returns the script that answers this request, or null. Tries the matching scripts in order: one
+ * that skips the request counts it against its `skip`, and the next is tried; one that answers it
+ * counts it against its `times`, and later ones do not count it. */
 const tSimulatorScript* scriptsTake(tScriptList* scripts, uint32_t interfaceKind,
                                     uint32_t requestCode);
 

@@ -2,7 +2,7 @@
 
 #include "simulator/model/bytes.h"
 
-/* The fractions of the square roots of the first 8 primes, and of the cube roots of the first 64. */
+/* Fractional parts of the square roots of the first 8 primes and the cube roots of the first 64. */
 static const uint32_t kFirstState[8] = {0x6A09E667, 0xBB67AE85, 0x3C6EF372, 0xA54FF53A,
                                         0x510E527F, 0x9B05688C, 0x1F83D9AB, 0x5BE0CD19};
 

@@ -1,4 +1,4 @@
-/* The SHA-256 hash of bytes that arrive in pieces, without operating system or C library. */
+/* An incremental SHA-256 hash without operating system or C library. */
 #ifndef SIMULATOR_MODEL_SHA256_H
 #define SIMULATOR_MODEL_SHA256_H
 
@@ -16,12 +16,12 @@ enum {
 typedef struct tSha256 {
   uint32_t state[8];
   uint64_t size;                    /* bytes so far */
-  uint8_t block[SHA256_BLOCK_SIZE]; /* those that do not make a whole block yet */
+  uint8_t block[SHA256_BLOCK_SIZE]; /* the last bytes, less than a block */
 } tSha256;
 
 void sha256Start(tSha256* hash);
 void sha256Add(tSha256* hash, const void* bytes, uint32_t size);
-/* Ends the computation; the hash has to be started again before its next use. */
+/* Ends the computation. Call sha256Start before the next use. */
 void sha256Finish(tSha256* hash, uint8_t result[SHA256_SIZE]);
 
 #ifdef __cplusplus

@@ -1,4 +1,4 @@
-/* What the controller interface hands over when it is asked to exchange values: the SMBIOS version
+/* The values that the controller interface returns for REQUEST_EXCHANGE_VALUES: the SMBIOS version
  * text and the SMBIOS structure table. */
 #ifndef SIMULATOR_MODEL_SMBIOSHANDOVER_H
 #define SIMULATOR_MODEL_SMBIOSHANDOVER_H
@@ -15,7 +15,7 @@ typedef struct tSmbiosHandover {
   uint8_t table[SIMULATOR_TABLE_CAPACITY];
 } tSmbiosHandover;
 
-/* False, with nothing changed, when `size` exceeds the capacity. */
+/* Returns false and changes nothing if `size` exceeds the capacity. */
 bool handoverSetText(tSmbiosHandover* handover, const void* text, uint32_t size);
 bool handoverSetTable(tSmbiosHandover* handover, const void* table, uint32_t size);
 

@@ -10,7 +10,7 @@ enum {
   kLastLine = 11
 };
 
-/* The watchdog is told in one polarity only; every other terminal has an inverter before it. */
+/* The watchdog accepts one polarity only; every other terminal has an inverter at its input. */
 typedef struct tTerminal {
   bool isSource;
   bool isDestination;

@@ -1,4 +1,4 @@
-/* What the simulated trigger router can connect. */
+/* The terminals of the simulated trigger router and the connections it can make. */
 #ifndef SIMULATOR_MODEL_TERMINALS_H
 #define SIMULATOR_MODEL_TERMINALS_H
 
@@ -7,11 +7,11 @@
 
 /* Terminals are numbered from 1. */
 bool isTerminal(uint32_t terminal);
-/* Nothing is driven by a terminal that floats, and nothing drives it. */
+/* False for the floating terminal, which is neither source nor destination. */
 bool canBeRouted(uint32_t source, uint32_t destination, bool inverts);
-/* What a route adds to the cost of its seed. */
+/* The cost that a route adds to the cost of its seed. */
 uint32_t costOf(uint32_t source, uint32_t destination, bool inverts);
-/* The terminal that drives this one when no route does. */
+/* The terminal that drives this one without a route. */
 uint32_t restingSource(uint32_t terminal, bool floating);
 
 #endif

@@ -4,13 +4,13 @@
 
 enum {
   kWindowsErrorNone = 0,
-  kWindowsErrorInvalidFunction = 1,      /* the interface does not know the request code */
-  kWindowsErrorInvalidHandle = 6,        /* the caller's event is none */
-  kWindowsErrorInvalidParameter = 87,    /* the input has a wrong size or a bad member */
+  kWindowsErrorInvalidFunction = 1,      /* the interface does not support the request code */
+  kWindowsErrorInvalidHandle = 6,        /* the caller's event handle is invalid */
+  kWindowsErrorInvalidParameter = 87,    /* the input has an invalid size or member */
   kWindowsErrorInsufficientBuffer = 122, /* the output buffer is too small for the reply */
   kWindowsErrorOperationAborted = 995,   /* a pending request was cancelled, or its file closed */
-  kWindowsErrorIoPending = 997,          /* the request is not over yet */
-  kWindowsErrorNoAccess = 998,           /* memory of the caller cannot be written */
+  kWindowsErrorIoPending = 997,          /* the request is pending */
+  kWindowsErrorNoAccess = 998,           /* the caller's memory is not writable */
   kWindowsErrorNotFound = 1168,          /* no pending request of the file has this handle */
   kWindowsErrorNoSystemResources = 1450  /* a store of fixed capacity is full */
 };

@@ -3,8 +3,8 @@
 
 namespace nSimulator {
 
-// Runs quenra-sim with the words of `main` and returns its exit code. Unless `isWine`, every verb is
-// refused.
+// Runs quenra-sim with the arguments of `main` and returns its exit code. Unless `isWine`, every
+// verb fails.
 [[nodiscard]] int runProgram(int argumentCount, char** arguments, bool isWine);
 
 }  // namespace nSimulator

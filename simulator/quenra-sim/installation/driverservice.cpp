@@ -1,7 +1,7 @@
 #include "simulator/quenra-sim/installation/driverservice.h"
 
 #include <windows.h>
-// Both need windows.h first.
+// Both require windows.h.
 #include <newdev.h>
 #include <winsvc.h>
 

@@ -3,10 +3,10 @@
 
 namespace nSimulator {
 
-// Gives the devices their driver, from the files beside this program. Throws std::system_error.
+// Installs the driver on the devices from the files beside this program. Throws std::system_error.
 void installDriver();
 
-// Unloads the driver and forgets its service. Nothing happens when there is none.
+// Unloads the driver and deletes its service. Does nothing if it is not installed.
 void removeDriverService();
 
 }  // namespace nSimulator

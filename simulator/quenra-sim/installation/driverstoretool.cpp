@@ -11,7 +11,7 @@
 namespace nSimulator {
 namespace {
 
-// The library names it so, whatever the system's folder is.
+// The library uses this fixed path, whatever the system folder is.
 constexpr const char* kFolder = "C:\\Windows\\Sysnative";
 constexpr const char* kTool = "C:\\Windows\\Sysnative\\pnputil.exe";
 constexpr const char* kNoProgram = "This file is no program.\n";
@@ -24,7 +24,7 @@ bool isInUse(DWORD error) {
   return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
 }
 
-// A tool that runs is waited for; for the system it still runs for a moment after its end.
+// Waits for a running tool. The system still locks the file for a moment after the tool has ended.
 void remove() {
   constexpr ULONGLONG kPatienceMilliseconds = 10000;
   constexpr DWORD kPauseMilliseconds = 20;

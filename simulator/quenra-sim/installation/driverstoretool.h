@@ -5,11 +5,11 @@ namespace nSimulator {
 
 enum class tDriverStoreTool {
   missing,
-  broken,  // a file that is no program
+  broken,  // a file that is not a program
   working,
 };
 
-// Makes the operating system's driver-store tool the machine's own, in this state. Throws
+// Replaces the operating system's driver-store tool with the machine's, in this state. Throws
 // std::system_error.
 void putDriverStoreTool(tDriverStoreTool state);
 [[nodiscard]] tDriverStoreTool driverStoreTool();

@@ -3,7 +3,7 @@
 
 namespace nSimulator {
 
-// A kind of device: its hardware id, as the driver and its INF know it, and how many there are.
+// A kind of device: its hardware id, as in the driver and its INF, and the number of devices.
 struct tRootDevice {
   const char* hardwareId;
   unsigned count;

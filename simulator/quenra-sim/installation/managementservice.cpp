@@ -12,17 +12,17 @@
 namespace nSimulator {
 namespace {
 
-// Where COM finds the server of the service's locator.
+// The key in which COM looks up the server of the service's locator.
 constexpr const char* kServer =
     "Software\\Classes\\CLSID\\{4590F811-1D3A-11D0-891F-00AA004B2E24}\\InprocServer32";
-// The key's default value is the server; beside it we keep the system's own.
+// The key's default value is the server; the second value saves the system's server.
 constexpr const char* kDefault = "";
 constexpr const char* kSystemsOwn = "QuenraSimulatorReplaced";
 
 std::optional<std::string> value(const char* name) {
   std::array<char, MAX_PATH> text{};
   auto size = static_cast<DWORD>(text.size());
-  // Unexpanded, so that it can be put back as it was.
+  // Unexpanded, so that it can be restored unchanged.
   const DWORD types = RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND;
   if (RegGetValueA(HKEY_LOCAL_MACHINE, kServer, name, types, nullptr, text.data(), &size) !=
       ERROR_SUCCESS) {

@@ -3,8 +3,8 @@
 
 namespace nSimulator {
 
-// Puts the machine's management service in the place of the system's, or the system's back. Both
-// throw std::system_error; done twice they change nothing.
+// Replaces the system's management service with the machine's, or restores the system's. Both throw
+// std::system_error; a second call has no effect.
 void installManagementService();
 void removeManagementService();
 

@@ -5,7 +5,7 @@
 
 namespace nSimulator {
 
-// The folder of this program, with a backslash. What is to be installed lies beside it.
+// The folder of this program, with a backslash; it also contains the files to install.
 [[nodiscard]] std::string ownFolder();
 
 }  // namespace nSimulator

@@ -9,7 +9,7 @@
 namespace nSimulator {
 namespace {
 
-// The machine can be reached, and the interfaces that it says are present are there as well.
+// True if the machine can be reached and the interfaces that it reports as present are enabled.
 bool isReady() {
   const tSimulatorPresence presence = tSimulatedMachine().presence();
   return presentInterfaces(kControllerInterfaceClass).size() == presence.controllers &&

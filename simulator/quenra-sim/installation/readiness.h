@@ -5,8 +5,8 @@
 
 namespace nSimulator {
 
-// Returns when the simulated machine can be reached; throws tControlError when it cannot within the
-// time.
+// Waits until the simulated machine can be reached; throws tControlError when the timeout has
+// elapsed.
 void waitUntilReady(std::chrono::milliseconds timeout);
 
 }  // namespace nSimulator

@@ -1,7 +1,7 @@
 #include "simulator/quenra-sim/installation/rootdevices.h"
 
 #include <windows.h>
-// setupapi.h needs windows.h first.
+// setupapi.h requires windows.h.
 #include <setupapi.h>
 
 #include <array>
@@ -14,7 +14,7 @@
 namespace nSimulator {
 namespace {
 
-// The system's own class for system devices.
+// The device setup class "System".
 constexpr GUID kSystemClass = {
     0x4D36E97D, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
 
@@ -39,7 +39,7 @@ void createDevice(HDEVINFO set, const std::string& hardwareId, unsigned index) {
   require(
       SetupDiCreateDeviceInfoA(set, instance.c_str(), &kSystemClass, nullptr, nullptr, 0, &device),
       "device " + instance + " cannot be made");
-  // A list of texts, ended by an empty one.
+  // A list of texts that ends with an empty one.
   const std::string ids = hardwareId + '\0';
   const void* const bytes = ids.c_str();
   require(SetupDiSetDeviceRegistryPropertyA(set, &device, SPDRP_HARDWAREID,

@@ -3,8 +3,8 @@
 
 namespace nSimulator {
 
-// The devices of the simulated machine, which no bus enumerates: they are put under the root of the
-// device tree. Both throw std::system_error.
+// The devices of the simulated machine. No bus enumerates them; they are created under the root of
+// the device tree. Both functions throw std::system_error.
 void createRootDevices();
 void removeRootDevices();
 

@@ -6,8 +6,8 @@
 
 namespace nSimulator {
 
-// Runs every step in order, also after one has thrown. Throws std::runtime_error with the messages of
-// all that failed.
+// Runs all steps in order, even after one has thrown. Throws std::runtime_error with the messages
+// of all failed steps.
 void runEveryStep(const std::vector<std::function<void()>>& steps);
 
 }  // namespace nSimulator

@@ -18,7 +18,7 @@ struct tArguments {
   std::optional<std::string> bytes;
 };
 
-// What the command line says; an action runs when it has been read.
+// The parsed command line. Actions read it after parsing.
 tArguments theArguments;
 
 // "01 02", "0102" or "01,02".
@@ -63,7 +63,7 @@ void addTarget(CLI::App* verb, tArguments& arguments) {
       ->required();
 }
 
-// A verb that needs no more than the attribute.
+// Adds a verb whose only arguments identify the attribute.
 void addSwitch(CLI::App* verb, tAction& action, const char* name, const char* description,
                void (tSimulatedMachine::*change)(tSimulatorInterface, uint32_t)) {
   CLI::App* const switchVerb = verb->add_subcommand(name, description);

@@ -18,7 +18,7 @@ struct tArguments {
 };
 tArguments theArguments;
 
-// Texts of the process code page, for standard output.
+// Converts text of the process code page for standard output.
 std::string utf8(const std::string& text) {
   const auto length = static_cast<int>(text.size());
   std::wstring wide(text.size(), L'\0');

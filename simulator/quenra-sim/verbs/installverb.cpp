@@ -12,7 +12,7 @@
 namespace nSimulator {
 namespace {
 
-// The system's own locator comes back first: other programs depend on it.
+// Restores the system's locator first: other programs depend on it.
 void uninstall() {
   runEveryStep({removeManagementService, [] { putDriverStoreTool(tDriverStoreTool::missing); },
                 removeRootDevices, removeDriverService});

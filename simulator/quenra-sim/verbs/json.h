@@ -11,7 +11,7 @@
 
 namespace nSimulator {
 
-// Writes one JSON document on standard output when it ends.
+// Writes one JSON document to standard output on destruction.
 class tJsonDocument {
  public:
   tJsonDocument() = default;

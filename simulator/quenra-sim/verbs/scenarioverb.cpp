@@ -27,7 +27,7 @@ struct tScenario {
   }
 };
 
-// What `--structure-byte` takes.
+// The value of `--structure-byte`.
 struct tStructureByte {
   uint8_t type;
   uint8_t offset;
@@ -94,7 +94,7 @@ void apply(const tScenario& scenario) {
     throw tUsageError(
         "the change is missing; run 'quenra-sim scenario --help' to list the options");
   }
-  // Everything that can be wrong is found before anything is changed.
+  // All errors are found before the first change.
   tSimulatedMachine machine;
   std::vector<uint8_t> table = scenario.tableFile ? readFile(*scenario.tableFile) : machine.table();
   editTable(table, scenario);

@@ -7,7 +7,7 @@
 namespace nSimulator {
 namespace {
 
-// The innermost verb that was recognised, and the number of words up to it.
+// The innermost verb that was recognised, and the number of words including it.
 struct tRecognised {
   const CLI::App* app;
   std::string name;
@@ -56,7 +56,7 @@ std::string missingWordFault(std::string message, const tRecognised& verb) {
   return message + helpAdvice(verb);
 }
 
-// The checks name the value themselves; the parser puts the option before it.
+// The validators already name the value; removes the option that the parser puts before it.
 std::string valueFault(const std::string& message) {
   const size_t colon = message.find(": ");
   return colon == std::string::npos ? message : message.substr(colon + 2);

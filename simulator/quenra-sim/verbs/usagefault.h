@@ -6,7 +6,7 @@
 
 namespace nSimulator {
 
-// The message on a command line that the parser of `app` has refused with `error`.
+// The message for a command line that the parser of `app` rejected with `error`.
 [[nodiscard]] std::string usageFault(const CLI::App& app, const CLI::ParseError& error,
                                      int argumentCount, const char* const* arguments);
 

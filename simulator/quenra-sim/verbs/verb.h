@@ -12,15 +12,15 @@
 
 namespace nSimulator {
 
-// The exit codes, which docs/simulator.md lists.
+// The exit codes, documented in docs/simulator.md.
 enum tExitCode : int {
   kDone = 0,
-  kFailed = 1,        // the machine or the system refused
+  kFailed = 1,        // the machine or the system rejected a request
   kWrongUsage = 2,    // the command line is invalid
   kNotInstalled = 4,  // no simulated machine is installed
 };
 
-// The action of a command line; a verb sets it when it is chosen.
+// The action of a command line, set by the verb that is parsed.
 using tAction = std::function<void()>;
 
 // A command line that is well-formed but contradicts itself or the machine.
@@ -45,8 +45,8 @@ void addFirmware(CLI::App& app, tAction& action);
 void addEncryption(CLI::App& app, tAction& action);
 void addDriverStore(CLI::App& app, tAction& action);
 
-// A check of an option's value: a word of the list, each standing for a number. The message of any other
-// word ends in the list: "'foo' is not an interface: use controller or marten".
+// Validates an option's value: a word of the list, converted to its number. The message for any
+// other word ends with the list: "'foo' is not an interface: use controller or marten".
 struct tNamedNumber {
   std::string name;
   uint32_t number;
@@ -58,7 +58,7 @@ struct tNamedNumber {
 
 [[nodiscard]] CLI::Validator interfaceNames();
 
-// Throws the refusal of a request again, with `message` where the machine did not find its object.
+// Rethrows the error of a request, with `message` if the machine did not find its object.
 [[noreturn]] void throwRefusal(const tControlError& error, const std::string& message);
 
 }  // namespace nSimulator
