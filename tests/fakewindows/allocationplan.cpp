@@ -38,8 +38,8 @@ bool isToFail() noexcept {
   return isWatched() && ++state.count == state.failing;
 }
 
-// The blocks in use that were allocated while a plan lived. Their addresses are kept as their
-// complements, so that a leaked one is not found here and taken for one in use.
+// The blocks in use that were allocated while a plan existed. Addresses are stored inverted: the
+// leak sanitizer would otherwise find a leaked block through this table and not report it.
 class tBlocks {
  public:
   void add(const void* memory, size_t size) noexcept {
@@ -55,7 +55,7 @@ class tBlocks {
     bytes_ += size;
     ++used_;
   }
-  // Does nothing for a block that is not kept.
+  // Does nothing for an unknown block.
   void remove(const void* memory) noexcept {
     const std::lock_guard lock(mutex_);
     tBlock* const block = used_ == 0 || memory == nullptr ? nullptr : find(keyOf(memory));
@@ -81,7 +81,7 @@ class tBlocks {
   static uintptr_t keyOf(const void* memory) noexcept {
     return ~reinterpret_cast<uintptr_t>(memory);
   }
-  // There are few at a time.
+  // Linear: few blocks are in use at a time.
   tBlock* find(uintptr_t key) noexcept {
     for (size_t i = 0; i < end_; ++i) {
       if (blocks_[i].key == key) {
@@ -95,7 +95,7 @@ class tBlocks {
   std::array<tBlock, 4096> blocks_{};
   size_t bytes_ = 0;
   size_t used_ = 0;
-  size_t end_ = 0;  // blocks behind it have never been used
+  size_t end_ = 0;  // blocks from here on have never been used
 };
 constinit tBlocks blocks;
 
@@ -142,7 +142,7 @@ void* __wrap_realloc(void* memory, size_t size) {
   if (isToFail()) {
     return nullptr;
   }
-  // Before the block is anybody else's. Nobody here looks at memory that could not be made larger.
+  // First: another thread may own the address after realloc. A failed realloc loses the entry.
   blocks.remove(memory);
   return watched(__real_realloc(memory, size), size);
 }

@@ -5,11 +5,11 @@
 
 namespace nFakeWindows {
 
-// While it lives, counts the allocations of its thread - malloc, calloc, realloc and operator new -
-// and lets one of them fail. What the fake Windows itself allocates does not count.
+// During its lifetime, counts the allocations of its thread (malloc, calloc, realloc, operator new)
+// and makes one of them fail. Allocations of the fake Windows itself are not counted.
 class tAllocationPlan {
  public:
-  // Lets the nth allocation fail; 0: none.
+  // Makes the nth allocation fail; 0: none.
   explicit tAllocationPlan(unsigned nth) noexcept;
   tAllocationPlan(const tAllocationPlan&) = delete;
   tAllocationPlan& operator=(const tAllocationPlan&) = delete;
@@ -18,7 +18,7 @@ class tAllocationPlan {
   [[nodiscard]] unsigned count() const noexcept;
 };
 
-// Of the memory that was allocated while a plan lived, what is in use: bytes, on any thread.
+// The bytes still in use, on all threads, of the memory that was allocated while a plan existed.
 [[nodiscard]] size_t bytesInUse() noexcept;
 
 }  // namespace nFakeWindows

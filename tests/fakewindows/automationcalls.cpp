@@ -1,5 +1,5 @@
 #include <windows.h>
-// Needs windows.h first.
+// Requires windows.h.
 #include <oleauto.h>
 
 #include <algorithm>
@@ -13,7 +13,7 @@ using namespace nFakeWindows;
 
 namespace {
 
-// An automation text has its size in bytes before its first character.
+// The size of an automation text in bytes precedes its first character.
 constexpr size_t kPrefix = sizeof(uint32_t) / sizeof(OLECHAR);
 
 }  // namespace

@@ -14,7 +14,7 @@ constexpr WCHAR kLastCharacter = 0xFF;
 INT WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR text, INT length, LPWSTR wide,
                                INT room) {
   const tInside inside;
-  // Every byte is a character of this code page: the flag has nothing to refuse.
+  // Every byte is a character of this code page: the flag never causes a failure.
   expectUsual(codePage == CP_ACP && flags == MB_ERR_INVALID_CHARS && length >= 0,
               tCall::multiByteToWideChar,
               "only texts of a given length in the code page of the process are converted");

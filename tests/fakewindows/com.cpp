@@ -12,7 +12,7 @@ namespace {
 using nSimulator::tManagementStep;
 using nSimulator::tVolume;
 
-// How the calling thread uses COM.
+// The calling thread's use of COM.
 struct tThread {
   DWORD model = 0;
   unsigned uses = 0;

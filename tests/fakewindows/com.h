@@ -12,23 +12,23 @@
 
 namespace nFakeWindows {
 
-// COM under the fake Windows, with the management service as its only class: which threads use it,
-// and what is alive. Any thread.
+// COM of the fake Windows, with the management service as its only class. Tracks the threads that
+// use it and the objects that exist. Any thread.
 class tCom final : public nSimulator::iManagementScenario {
  public:
-  // No security yet, and drive C: with its protection off.
+  // Removes the security; sets the protection of drive C: to off.
   void reset();
 
-  // The volumes that the service has for the next query.
+  // Sets the volumes that the service returns for the next query.
   void useVolumes(std::vector<nSimulator::tVolume> volumes);
 
-  // Another part of the process initialises security first.
+  // Initialises security as another part of the process would.
   void initialiseSecurity();
 
-  // One line for each thing that is alive: objects, texts, values, threads that use COM.
+  // One line for each object, text and value that exists, and for each thread that uses COM.
   [[nodiscard]] std::vector<std::string> open();
 
-  // For the functions of the fake.
+  // Called by the functions of the fake.
   [[nodiscard]] HRESULT enterThread(DWORD model);
   void leaveThread();
   [[nodiscard]] bool isThreadInside() const;

@@ -1,5 +1,5 @@
 #include <windows.h>
-// Both need windows.h first.
+// Both require windows.h.
 #include <objbase.h>
 #include <wbemcli.h>
 

@@ -12,7 +12,7 @@ namespace {
 
 constinit std::atomic<int> alive = 0;
 
-// The lock behind a section; its address is kept in a member that nothing else uses.
+// The lock that implements a section. A member of the section that is otherwise unused stores it.
 std::recursive_mutex* mutexOf(CRITICAL_SECTION* section, const char* function) {
   if (section->LockSemaphore == nullptr) {
     stop(function, "the critical section is not initialised");

@@ -6,14 +6,14 @@
 
 namespace nFakeWindows {
 
-// Exit code of a process that an assertion ended, as a parent process on this system sees it: the low
+// The exit code that a parent process on this system receives after an assertion failed: the low
 // byte of STATUS_BREAKPOINT.
 inline constexpr int kAssertionExitCode = 3;
 
 // Returns and removes the texts written to the debugger output since the last call. Any thread.
 [[nodiscard]] std::vector<std::string> takeDebuggerOutput();
 
-// Copies later texts to the error stream as well: for a process that is about to end.
+// Also copies later texts to the error stream, for a process that is about to end.
 void showDebuggerOutput();
 
 // Makes IsDebuggerPresent report a debugger for the rest of the process.

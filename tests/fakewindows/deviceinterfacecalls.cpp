@@ -1,5 +1,5 @@
 #include <windows.h>
-// setupapi.h needs windows.h first.
+// setupapi.h requires windows.h.
 #include <setupapi.h>
 
 #include <bit>

@@ -1,4 +1,4 @@
-// The folders and files of the fake Windows: those of the system that runs the tests.
+// The file system of the fake Windows: that of the system that runs the tests.
 #ifndef TESTS_FAKEWINDOWS_DISK_H
 #define TESTS_FAKEWINDOWS_DISK_H
 
@@ -10,24 +10,24 @@
 
 namespace nFakeWindows {
 
-// A security descriptor that a folder received.
+// A security descriptor set on a folder.
 struct tProtection {
-  std::string path;        // as the native system has it
+  std::string path;        // on the native system
   std::string descriptor;  // in the security descriptor definition language
-  bool isNew;              // at its creation, or later through a handle
+  bool isNew;              // true: set at creation; false: later, through a handle
   SECURITY_INFORMATION parts;
 };
 
-// The security of the disk. Any thread.
+// The security features of the disk. Any thread.
 class tDisk {
  public:
-  // Forgets the protections. The process has the integrity level of an administrator again, and the disk
-  // knows deletion with POSIX semantics.
+  // Clears the protections. Restores the integrity level of an administrator for the process, and
+  // deletion with POSIX semantics for the disk.
   void reset();
 
   void useIntegrityLevel(DWORD level);
   [[nodiscard]] DWORD integrityLevel();
-  // Makes the disk one that refuses FileDispositionInfoEx, as every file system but NTFS does.
+  // Makes the disk reject FileDispositionInfoEx, as every file system except NTFS does.
   void refuseExtendedDisposition();
   [[nodiscard]] bool knowsExtendedDisposition();
 
@@ -43,7 +43,7 @@ class tDisk {
 
 [[nodiscard]] tDisk& disk();
 
-// The text that a security descriptor was made from.
+// The text from which a security descriptor was converted.
 [[nodiscard]] std::string textOf(PSECURITY_DESCRIPTOR descriptor);
 
 }  // namespace nFakeWindows

@@ -33,7 +33,7 @@ DWORD errorOf(const std::error_code& code, const fs::path& path) {
                                                 : DWORD{ERROR_ACCESS_DENIED};
 }
 
-// A native name is UTF-8, or, after a conversion to the fake's code page, has a byte per character.
+// A native name is UTF-8, or has one byte per character after a conversion to the fake's code page.
 std::u16string wideName(const fs::path& path) {
   const std::string& bytes = path.native();
   std::u16string wide;
@@ -66,7 +66,7 @@ fs::path nativePath(LPCWSTR name) {
   return path;
 }
 
-// The entry that a path leads to. With `keepsLink` the last component is not followed.
+// Resolves a path. With `keepsLink` the last component is not followed.
 fs::path resolved(const fs::path& path, bool keepsLink, std::error_code& error) {
   if (!keepsLink || !path.has_filename()) {
     const fs::path whole = fs::canonical(path, error);
@@ -94,7 +94,7 @@ DWORD attributesOf(const fs::path& path) {
   return attributes == 0 ? DWORD{FILE_ATTRIBUTE_NORMAL} : attributes;
 }
 
-// The kinds of access that files are shared for, in the bits of the sharing.
+// The share mode, in bits of FILE_SHARE_, that other handles must grant for this access.
 DWORD sharedAccess(DWORD access) {
   constexpr DWORD kRead = GENERIC_READ | FILE_READ_DATA | FILE_EXECUTE;
   constexpr DWORD kWrite = GENERIC_WRITE | FILE_WRITE_DATA | FILE_APPEND_DATA;
@@ -118,7 +118,7 @@ bool fail(DWORD error) {
 
 // ---- Listings ----
 
-// One name for each call: the library must go on until the listing ends.
+// Returns few names per call, so that the library must continue until the listing ends.
 bool listNext(tDiskFile& folder, void* out, DWORD size) {
   if (!folder.isListed) {
     folder.names = {u".", u".."};
@@ -221,7 +221,7 @@ void tDisk::noteProtection(const tProtection& protection) {
 }
 
 tDisk& disk() {
-  // Never destroyed: the library under test may still call while the program ends.
+  // Never destroyed: the library under test may still call it while the program ends.
   static tDisk& theDisk = *new tDisk;
   return theDisk;
 }
@@ -350,7 +350,7 @@ DWORD WINAPI GetFinalPathNameByHandleW(HANDLE handle, LPWSTR out, DWORD capacity
   const std::lock_guard lock(objects().mutex);
   const std::u16string name = kDevice + wideName(fileOf(handle, kCall).path);
   if (name.size() >= capacity) {
-    return static_cast<DWORD>(name.size() + 1);  // with its NUL
+    return static_cast<DWORD>(name.size() + 1);  // including the NUL
   }
   std::copy(name.begin(), name.end(), reinterpret_cast<char16_t*>(out));
   out[name.size()] = 0;

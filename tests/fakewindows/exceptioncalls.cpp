@@ -56,7 +56,7 @@ ULONG WINAPI RemoveVectoredExceptionHandler(PVOID handle) {
   return 1;
 }
 
-// There is no debugger: an exception that no handler accepts stops the program.
+// Without a debugger, an exception that no handler accepts stops the program.
 void WINAPI RaiseException(DWORD code, DWORD flags, DWORD count, const ULONG_PTR* arguments) {
   const tInside inside;
   EXCEPTION_RECORD record{};

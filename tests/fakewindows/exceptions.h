@@ -7,7 +7,7 @@
 
 namespace nFakeWindows {
 
-// One call of RaiseException.
+// A call of RaiseException.
 struct tRaisedException {
   DWORD code;
   DWORD flags;

@@ -1,4 +1,4 @@
-// The fixture of tests on the fake Windows.
+// The fixture of tests that use the fake Windows.
 #ifndef TESTS_FAKEWINDOWS_FAKEWINDOWSTEST_H
 #define TESTS_FAKEWINDOWS_FAKEWINDOWSTEST_H
 
@@ -14,7 +14,7 @@
 
 namespace nFakeWindows {
 
-// Starts from the default machine without any plan, and fails when something is left open.
+// Starts with the default machine and no plan; fails if an object is left open.
 class FakeWindowsTest : public testing::Test {
  protected:
   void SetUp() override {

@@ -175,7 +175,7 @@ std::optional<uint32_t> tFaultPlan::enter(tCall call, std::string argument) {
       }
     }
   }
-  // Without the lock: a hook may change the plan or call the fake itself.
+  // Not locked: a hook may change the plan or call the fake.
   if (hook) {
     hook();
   }

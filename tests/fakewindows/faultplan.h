@@ -11,7 +11,7 @@
 
 namespace nFakeWindows {
 
-// The functions of the fake Windows that can fail or are worth counting.
+// The functions of the fake Windows that can fail or are counted.
 enum class tCall : uint8_t {
   setupDiGetClassDevs,
   setupDiEnumDeviceInterfaces,
@@ -39,7 +39,7 @@ enum class tCall : uint8_t {
   closeHandle,
   initializeCriticalSectionEx,
   getSystemFirmwareTable,
-  // COM: the error is the result with which the call fails.
+  // COM: the error is the HRESULT of the call.
   coInitializeEx,
   coUninitialize,
   coInitializeSecurity,
@@ -68,43 +68,43 @@ inline constexpr size_t kCalls = static_cast<size_t>(tCall::getRandom) + 1;
 
 [[nodiscard]] const char* nameOf(tCall call) noexcept;
 
-// When an overlapped request completes.
+// The time at which an overlapped request completes.
 enum class tCompletion : uint8_t {
   atOnce,
-  later,       // it is pending first, and another thread completes it
-  tooFarGone,  // it is pending until it is cancelled, and completes all the same
-  never,       // it is pending until it is cancelled
+  later,       // pending first; another thread completes it
+  tooFarGone,  // pending until cancelled; completes in spite of the cancellation
+  never,       // pending until cancelled
 };
 
-// One call that was made.
+// A recorded call.
 struct tCallRecord {
   tCall call;
-  std::string argument;  // what tells it from others: a path, a kind of handle
+  std::string argument;  // distinguishes calls: a path, a kind of handle
 };
 
-// What shall go wrong, and a record of what was called. Calls are counted from reset() on, from 1.
+// Planned faults, and a record of the calls. Calls are numbered from 1 after reset().
 // Any thread.
 class tFaultPlan {
  public:
   constexpr tFaultPlan() = default;
 
-  // Forgets plans, counts and the record.
+  // Clears plans, counts and the record.
   void reset();
 
-  // The nth call of a function, or of any function, fails with a Windows error.
+  // Makes the nth call of a function, or of any function, fail with a Windows error.
   void failCall(tCall call, unsigned nth, uint32_t error);
   void failAnyCall(unsigned nth, uint32_t error);
-  // All calls of the function from now on.
+  // Makes all later calls of the function fail.
   void failEveryCall(tCall call, uint32_t error);
 
-  // Asks about each call whether it is to fail, and with which error; one call at a time.
+  // Calls `decision` for each call, one at a time. It returns the error if the call is to fail.
   using tDecision = std::function<std::optional<uint32_t>(tCall call, const std::string& argument)>;
   void decide(tDecision decision);
 
-  // Runs before the nth call of a function does its work.
+  // Runs a hook before the nth call of a function does its work.
   void beforeCall(tCall call, unsigned nth, std::function<void()> hook);
 
-  // How overlapped requests complete from now on. An error is what they complete with.
+  // Sets how later overlapped requests complete, and with which error.
   void complete(tCompletion completion, uint32_t error = 0);
   [[nodiscard]] tCompletion completion() const;
   [[nodiscard]] uint32_t completionError() const;
@@ -114,7 +114,7 @@ class tFaultPlan {
   [[nodiscard]] std::array<unsigned, kCalls> callCounts() const;
   [[nodiscard]] std::vector<tCallRecord> calls() const;
 
-  // For the functions of the fake: notes a call. Gives the error with which it is to fail.
+  // Called by the functions of the fake. Records a call; returns the error if it is to fail.
   [[nodiscard]] std::optional<uint32_t> enter(tCall call, std::string argument = {});
 
  private:
@@ -139,7 +139,7 @@ class tFaultPlan {
   uint32_t completionError_ = 0;
 };
 
-// The plan of this process. Constant-initialised, so that a plan can be made before the library
+// The plan of this process. Constant-initialised, so that faults can be planned before the library
 // under test is initialised.
 [[nodiscard]] tFaultPlan& faultPlan() noexcept;
 

@@ -17,8 +17,8 @@ struct tOutcome {
   DWORD bytes;
 };
 
-// A device control request. As with the system's buffered method, the driver works on a copy of the
-// input from the time of the call, and the caller receives as many bytes as the driver reports.
+// A device control request. As with Windows' buffered method, the driver receives a copy of the
+// input made at the time of the call, and the caller receives as many bytes as the driver reports.
 tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>& in, void* out,
                   DWORD outSize, const OVERLAPPED* overlapped) {
   std::vector<uint8_t> buffer(std::max<size_t>(in.size(), outSize));
@@ -31,8 +31,8 @@ tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>
   return {reply.windowsError, reply.size};
 }
 
-// Fails a call as the fault plan requires. Like the system, leaves the OVERLAPPED of a refused request
-// marked as pending.
+// Makes a call fail as planned. Like Windows, leaves the OVERLAPPED of a rejected request at
+// STATUS_PENDING.
 BOOL refuseTransfer(OVERLAPPED* overlapped, DWORD error) {
   if (overlapped != nullptr && error != ERROR_IO_PENDING) {
     overlapped->Internal = kStatusPending;
@@ -41,7 +41,7 @@ BOOL refuseTransfer(OVERLAPPED* overlapped, DWORD error) {
   return FALSE;
 }
 
-// The common part of the three kinds of transfer. `work` carries the transfer out.
+// The common part of the three kinds of transfer. `work` performs the transfer.
 template <class Work>
 BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* overlapped,
               Work work) {
@@ -214,11 +214,11 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
   // A request that the machine keeps pending ...
   const bool cancelled = machine().cancel(reinterpret_cast<uintptr_t>(overlapped));
   const std::lock_guard lock(objects().mutex);
-  // Closing the file may have ended the request meanwhile.
+  // Another thread may have closed the file, which ends the request.
   expectUsual(objects().find<tFile>(handle) != nullptr || overlapped->Internal != kStatusPending,
               kCall, "not a file, or one that was closed");
-  // ... and one that never reached it. A request that another thread is about to complete cannot be
-  // cancelled.
+  // ... and one that was never sent to it. A request that another thread is about to complete
+  // cannot be cancelled.
   const bool neverSent =
       faultPlan().completion() == tCompletion::never && overlapped->Internal == kStatusPending;
   if (!cancelled && !neverSent) {
@@ -237,9 +237,9 @@ std::optional<tModelFile> fileBehind(HANDLE handle) {
   return file == nullptr ? std::nullopt : std::optional(file->file);
 }
 
-// Returns the kind of the closed object; stops for a handle that CloseHandle does not accept.
+// Returns the kind of the closed object; ends the program if CloseHandle rejects the handle.
 const char* closeObject(HANDLE handle) {
-  // For requests that another thread has just cancelled and is about to complete.
+  // Waits for requests that another thread has just cancelled and is about to complete.
   constexpr auto kTimeout = std::chrono::seconds(5);
   std::unique_lock lock(objects().mutex);
   const auto nothingIsPending = [handle] {

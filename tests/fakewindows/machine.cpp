@@ -184,7 +184,7 @@ tModelReply tMachine::answer(const tModelRequest& asked) {
   if (!driver || kind == kSimulatorInterfaceControl) {
     return request(asked);
   }
-  // Without the lock: drivers may take their time, and ask the model.
+  // Not locked: a test's driver may block, and may call the model.
   return driver({kind,
                  asked.code,
                  {static_cast<const uint8_t*>(asked.input), asked.inputSize},

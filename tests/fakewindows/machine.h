@@ -27,7 +27,7 @@ struct tDeviceInterface {
 };
 
 // A device control request as a test's driver receives it. `output` has the size that the caller
-// passed; only the bytes that the driver's reply counts reach the caller. `byModel` may be called once.
+// passed; the caller receives as many bytes as the reply reports. `byModel` may be called once.
 struct tDriverRequest {
   tSimulatorInterface kind;
   uint32_t code;
@@ -37,10 +37,10 @@ struct tDriverRequest {
 };
 using tDriver = std::function<tModelReply(const tDriverRequest& request)>;
 
-// Replies of a test's driver to ReadFile and WriteFile. `buffer` has the size that the caller passed.
-// A read fills it, and the bytes that the reply counts reach the caller; a write receives a copy of the
-// caller's bytes, and its reply counts the bytes accepted. An empty function refuses the transfers as
-// the simulated driver does.
+// Handlers of a test's driver for ReadFile and WriteFile. `buffer` has the size that the caller
+// passed. A read fills it, and the caller receives as many bytes as the reply reports. A write
+// receives a copy of the caller's bytes, and its reply reports the bytes accepted. Without a
+// handler transfers fail as with the simulated driver.
 struct tTransferDriver {
   std::function<tModelReply(std::span<uint8_t> buffer)> read;
   std::function<tModelReply(std::span<const uint8_t> buffer)> write;
@@ -48,8 +48,8 @@ struct tTransferDriver {
 
 inline constexpr uint64_t kFakeProcess = 4242;
 
-// The machine under the fake Windows: devices served by the model, and the firmware's own SMBIOS
-// table. Any thread.
+// The machine of the fake Windows: devices served by the model, and the SMBIOS table of the system
+// firmware. Any thread.
 class tMachine {
  public:
   tMachine();
@@ -59,42 +59,42 @@ class tMachine {
   // Restores the default machine.
   void reset();
 
-  // The interfaces of a class, in order.
+  // The present interfaces of a class, in order.
   [[nodiscard]] std::vector<tDeviceInterface> present(const tInterfaceClass& interfaceClass);
-  // Makes this many interfaces present until the model changes their number: the model has at most one
-  // device path.
+  // Makes this many interfaces present until the model changes their number. May exceed the
+  // model's limit of one device path.
   void usePresence(const tSimulatorPresence& presence);
   [[nodiscard]] std::string pathOf(const tDeviceInterface& device);
-  // Gives a device interface another path.
+  // Changes the path of a device interface.
   void usePath(const tDeviceInterface& device, const std::string& path);
   [[nodiscard]] std::optional<tDeviceInterface> findPath(const std::string& path);
 
-  // Names the new file.
+  // Returns the new file.
   [[nodiscard]] tModelFile open(const tDeviceInterface& device);
-  // The last handle is closed: the file's pending requests complete.
+  // Call when the last handle is closed. Completes the file's pending requests.
   void cleanUp(const tModelFile& file);
   void close(const tModelFile& file);
-  // The token of a request is the address of its OVERLAPPED. A pending request may have completed when
-  // the call returns.
+  // The token of a request is the address of its OVERLAPPED. A pending request may already have
+  // completed when the call returns.
   [[nodiscard]] tModelReply request(const tModelRequest& request);
-  // Another driver than the model answers device control requests from now on; an empty function
-  // restores the model. A request that the driver leaves pending has to be pending in the model. The
-  // interface that controls the model always reaches the model.
+  // Replaces the model as the driver for later device control requests; an empty function restores
+  // the model. A request that this driver leaves pending must be pending in the model. Requests on
+  // the control interface always reach the model.
   void useDriver(tDriver driver);
-  // Reads and writes on every device are served by this driver from now on.
+  // Serves later reads and writes on every device with this driver.
   void useTransferDriver(tTransferDriver driver);
   // Serve one transfer.
   [[nodiscard]] tModelReply read(std::span<uint8_t> buffer);
   [[nodiscard]] tModelReply write(std::span<const uint8_t> buffer);
-  // Passes a request to the current driver. `input` and `output` are the driver's own copies.
+  // Passes a request to the current driver. `input` and `output` are copies for the driver.
   [[nodiscard]] tModelReply answer(const tModelRequest& request);
-  // False when the request is not pending.
+  // False if the request is not pending.
   [[nodiscard]] bool cancel(uint64_t token);
 
-  // The driver can neither read nor write the caller's memory in this range.
+  // Makes the caller's memory in this range inaccessible to the driver.
   void makeUnreachable(const void* memory, uint64_t size);
 
-  // The raw SMBIOS data that GetSystemFirmwareTable returns; if empty, it fails with `error`.
+  // Sets the raw SMBIOS data that GetSystemFirmwareTable returns; if empty, it fails with `error`.
   void useFirmwareTable(std::vector<uint8_t> raw, uint32_t error = 0);
   [[nodiscard]] std::vector<uint8_t> firmwareTable();
   [[nodiscard]] uint32_t firmwareError();

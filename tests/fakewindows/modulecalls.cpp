@@ -1,4 +1,4 @@
-// The module of the library: here the program itself, whose references are counted.
+// The module of the library: here the program, with a count of its references.
 #include <windows.h>
 
 #include <atomic>

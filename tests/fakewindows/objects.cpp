@@ -8,13 +8,13 @@
 namespace nFakeWindows {
 namespace {
 
-// As tObjects::tObject has them.
+// In the order of the alternatives of tObjects::tObject.
 constexpr const char* kKinds[] = {
     "event",   "thread", "file",     "completion port", "device information set",
     "process", "thread", "disk file"};
 
 constexpr DWORD kStatusCancelled = 0xC0000120;
-// The status of a request that failed with a Windows error: the error, marked as one.
+// The status of a request that failed with a Windows error: the error with a mark.
 constexpr DWORD kErrorMark = 0xC0070000;
 
 DWORD statusOfError(DWORD error) {
@@ -28,7 +28,7 @@ bool isKeptOffPorts(const OVERLAPPED& overlapped) {
   return (reinterpret_cast<uintptr_t>(overlapped.hEvent) & 1) != 0;
 }
 
-// From here on the OVERLAPPED belongs to the code that started the request.
+// After this the code that started the request may reuse the OVERLAPPED.
 void storeStatus(OVERLAPPED& overlapped, DWORD error, DWORD bytes) {
   overlapped.InternalHigh = bytes;
   std::atomic_ref<ULONG_PTR>(overlapped.Internal)
@@ -90,7 +90,7 @@ std::vector<std::string> tObjects::open() {
 bool tObjects::mayOpen(const std::filesystem::path& path, DWORD uses, DWORD sharing) const {
   return std::none_of(objects_.begin(), objects_.end(), [&](const auto& entry) {
     const tDiskFile* const open = std::get_if<tDiskFile>(&entry.second);
-    // A handle for attributes alone has no part in the sharing.
+    // The share mode does not apply to a handle for attributes only.
     return open != nullptr && open->path == path && uses != 0 && open->uses != 0 &&
            ((uses & ~open->sharing) != 0 || (open->uses & ~sharing) != 0);
   });
@@ -143,7 +143,7 @@ void tObjects::refuse(OVERLAPPED& overlapped) {
 void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes) {
   tFile* const file = fileOf(overlapped);
   if (file == nullptr) {
-    // Completed before; its status may still wait in a packet.
+    // Already completed; its status may still be in a packet.
     return;
   }
   file->pending.erase(file->find(overlapped));

@@ -30,7 +30,7 @@ struct tThread {
   bool ended = false;
   int priority = THREAD_PRIORITY_NORMAL;
 };
-// A request under way, and where its reply goes.
+// A pending request, and the destination of its reply.
 struct tTransfer {
   OVERLAPPED* overlapped;
   void* out;
@@ -39,10 +39,10 @@ struct tFile {
   tModelFile file;
   bool overlapped;
   std::vector<tTransfer> pending;
-  HANDLE port = nullptr;  // where completions go, if anywhere
+  HANDLE port = nullptr;  // receives completions; may be null
   ULONG_PTR key = 0;
 
-  // The end when it is not under way here.
+  // end() if the request is not pending on this file.
   [[nodiscard]] std::vector<tTransfer>::iterator find(const OVERLAPPED& request);
 };
 struct tPacket {
@@ -50,7 +50,7 @@ struct tPacket {
   ULONG_PTR key;
   OVERLAPPED* overlapped;
   DWORD error;
-  // Dequeuing the packet is the moment at which its OVERLAPPED receives the final status.
+  // Dequeuing the packet stores the final status in its OVERLAPPED.
   bool carriesStatus = false;
 };
 struct tPort {
@@ -60,47 +60,47 @@ struct tDeviceInformationSet {
   std::vector<tDeviceInterface> interfaces;
 };
 struct tProcess {
-  DWORD milliseconds;  // how long it runs
+  DWORD milliseconds;  // its run time
 };
 struct tProgramThread {};
 // A file or folder of the disk.
 struct tDiskFile {
-  std::filesystem::path path;  // without links, but for the entry itself
+  std::filesystem::path path;  // without links, except for the last component
   DWORD access = 0;
-  DWORD uses = 0;  // the access that it needs to be shared for, in the bits of FILE_SHARE_
+  DWORD uses = 0;  // the share mode that other handles must grant, in bits of FILE_SHARE_
   DWORD sharing = 0;
   bool isRemovedOnClose = false;
   bool isListed = false;
-  std::vector<std::u16string> names;  // of a listing, still to come
+  std::vector<std::u16string> names;  // of a listing, not returned yet
 };
 
-// What an OVERLAPPED says of its request.
+// Values of OVERLAPPED::Internal.
 inline constexpr DWORD kStatusPending = 0x103;
 [[nodiscard]] DWORD errorOfStatus(DWORD status) noexcept;
 
-// When the OVERLAPPED of a request that completes to a port receives its final status. Windows
-// permits both; code that works with one only is wrong.
+// The time at which Windows stores the final status in the OVERLAPPED of a request that completes
+// to a port. Windows permits both; correct code works with either.
 enum class tFinalStatus : uint8_t {
   atCompletion,
   atDequeue,  // not before the packet is dequeued, and never if the port is closed first
 };
-// As the environment variable FAKE_WINDOWS_FINAL_STATUS says: "dequeue", or absent.
+// Read from the environment variable FAKE_WINDOWS_FINAL_STATUS: "dequeue", or not set.
 [[nodiscard]] tFinalStatus finalStatusOfThisRun();
 
-// Everything that has a handle, under one lock. Handles are never used twice, so that one that is
-// used after its end is noticed.
+// All objects with a handle, under one lock. Handle values are never reused, so that the use of a
+// closed handle is detected.
 class tObjects {
  public:
   using tObject = std::variant<tEvent, tThread, tFile, tPort, tDeviceInformationSet, tProcess,
                                tProgramThread, tDiskFile>;
 
-  // Guards all members below, and what they give access to.
+  // Guards all members below, and the objects that they return.
   std::mutex mutex;
-  // Something was signalled or completed.
+  // Notified when an object is signalled or a request completes.
   std::condition_variable changed;
 
   [[nodiscard]] HANDLE add(tObject object);
-  // Null when the handle is not one of such an object. The lowest bit of a handle does not count.
+  // Null if the handle is not of an object of this type. Ignores the lowest bit of the handle.
   template <class Object>
   [[nodiscard]] Object* find(HANDLE handle) {
     const auto found = objects_.find(number(handle));
@@ -108,45 +108,45 @@ class tObjects {
   }
   [[nodiscard]] bool remove(HANDLE handle);
 
-  // Null when nothing has the handle. With the lock held.
+  // Null if the handle is invalid. The caller holds the lock.
   [[nodiscard]] const char* kindOf(HANDLE handle);
 
-  // One line for each thing that is open.
+  // One line for each open handle.
   [[nodiscard]] std::vector<std::string> open();
 
-  // An event, or a thread; null when the handle is neither. With the lock held.
+  // The state of an event or a thread; none for other handles. The caller holds the lock.
   [[nodiscard]] std::optional<bool> isSignalled(HANDLE handle);
 
-  // False when the handle is no event. Takes the lock.
+  // False if the handle is not an event. Acquires the lock.
   [[nodiscard]] bool signal(HANDLE handle);
 
-  // The rest with the lock held.
+  // The caller of the functions below holds the lock.
 
-  // True if a new handle on a file or folder and those that are open share it with each other.
+  // True if a new handle with this access and share mode is compatible with the open handles.
   [[nodiscard]] bool mayOpen(const std::filesystem::path& path, DWORD uses, DWORD sharing) const;
 
-  // Copies a reply to where the request behind an OVERLAPPED wants it.
+  // Copies a reply to the output buffer of the request that uses an OVERLAPPED.
   void handOver(const OVERLAPPED& overlapped, const void* reply, size_t size);
-  // Completes the request behind an OVERLAPPED, which reaches the port of its file unless its event
-  // keeps it off.
+  // Completes the request that uses an OVERLAPPED and queues a packet to the port of its file,
+  // unless the low bit of hEvent suppresses it.
   void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes);
-  // Ends one that fails while it is being made: nothing tells of that but the call, and the OVERLAPPED
-  // goes on saying that the request is under way.
+  // Ends a request that fails in the call that starts it. Only the call reports the failure; the
+  // OVERLAPPED stays at STATUS_PENDING, as on Windows.
   void refuse(OVERLAPPED& overlapped);
 
-  // How often each completion reaches its port from now on; a well-behaved driver completes a
-  // request once.
+  // Sets how many packets each later completion queues to its port; a well-behaved driver completes
+  // a request once.
   void repeatCompletions(unsigned times) { repeats_ = times; }
 
-  // When requests that complete to a port receive their final status from now on.
+  // Sets when later requests that complete to a port receive their final status.
   void useFinalStatus(tFinalStatus when) { finalStatus_ = when; }
-  // Takes the next packet off a port, which has one, and stores the status that it carries.
+  // Dequeues the next packet of a port, which must not be empty, and stores the packet's status.
   [[nodiscard]] tPacket dequeue(tPort& port);
-  // Requests whose packet can no longer be dequeued, because their port was closed first. Their
-  // OVERLAPPED never receives a final status. Counted from the last call on.
+  // The number, since the last call, of requests whose port was closed before their packet was
+  // dequeued. Their OVERLAPPED never receives a final status.
   [[nodiscard]] unsigned takeLostPackets() { return lostPackets_.exchange(0); }
 
-  // Threads that the library started or that complete requests; joined by waitForThreads().
+  // Threads that the library started or that complete requests. waitForThreads() joins them.
   void addThread(std::thread thread);
   void waitForThreads();
 
@@ -169,10 +169,10 @@ class tObjects {
 
 [[nodiscard]] tObjects& objects();
 
-// The priority with which threads come to life from now on.
+// The priority with which later threads start.
 void startThreadsWithPriority(int priority);
 
-// Critical sections that live.
+// The number of critical sections that exist.
 [[nodiscard]] int criticalSections();
 
 }  // namespace nFakeWindows

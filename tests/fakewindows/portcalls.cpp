@@ -20,7 +20,7 @@ HANDLE WINAPI CreateIoCompletionPort(HANDLE file, HANDLE port, ULONG_PTR key, DW
     return objects().add(tPort{});
   }
   tFile* const found = objects().find<tFile>(file);
-  // A file has one port for life.
+  // A file keeps its port until it is closed.
   if (found == nullptr || objects().find<tPort>(port) == nullptr || found->port != nullptr) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return nullptr;

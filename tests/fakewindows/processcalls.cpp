@@ -79,7 +79,7 @@ BOOL WINAPI CreateProcessA(LPCSTR path, LPSTR commandLine, LPSECURITY_ATTRIBUTES
     return FALSE;
   }
   programs().noteStart({path, commandLine, inherit != FALSE, flags});
-  // As the system may do.
+  // The contract permits the system to modify the command line.
   *commandLine = '\0';
   const std::lock_guard lock(objects().mutex);
   started->hProcess = objects().add(tProcess{programs().durationOf(path)});

@@ -10,7 +10,7 @@
 
 namespace nFakeWindows {
 
-// A program that was started.
+// A started program.
 struct tStartedProgram {
   std::string path;
   std::string commandLine;
@@ -18,18 +18,18 @@ struct tStartedProgram {
   DWORD flags = 0;
 };
 
-// The programs that the fake Windows has, and what was started of them. Any thread.
+// The programs of the fake Windows, and a record of those started. Any thread.
 class tPrograms {
  public:
-  // No program there, nothing started.
+  // Removes all programs and clears the record.
   void reset();
 
-  // Something is at the path: a program that runs for some time, or what other attributes say.
+  // Creates a program with a run time, or another entry with these attributes, at the path.
   void install(const std::string& path, DWORD milliseconds = 0,
                DWORD attributes = FILE_ATTRIBUTE_NORMAL);
   [[nodiscard]] std::vector<tStartedProgram> started();
 
-  // For the functions of the fake.
+  // Called by the functions of the fake.
   [[nodiscard]] DWORD attributesOf(const std::string& path);
   [[nodiscard]] DWORD durationOf(const std::string& path);
   void noteStart(const tStartedProgram& program);

@@ -1,6 +1,6 @@
 // Tokens and security descriptors.
 #include <windows.h>
-// After windows.h.
+// Requires windows.h.
 #include <sddl.h>
 
 #include <cstring>
@@ -17,7 +17,7 @@ struct tDescriptor {
   std::string text;
 };
 
-// The SACL with a mandatory label, if any, comes last.
+// The SACL with the mandatory label, if any, is last.
 bool isKnownForm(const std::string& text) {
   return text.starts_with("D:") && text.ends_with(")");
 }
@@ -76,7 +76,7 @@ BOOL WINAPI ConvertStringSecurityDescriptorToSecurityDescriptorW(LPCWSTR text, D
   return TRUE;
 }
 
-// The only memory that the library receives from the system to free is that of a security descriptor.
+// The library passes only security descriptors to LocalFree.
 HLOCAL WINAPI LocalFree(HLOCAL memory) {
   const tInside inside;
   const std::unique_ptr<tDescriptor> owned(static_cast<tDescriptor*>(memory));

@@ -15,8 +15,8 @@ namespace {
 constinit std::atomic<unsigned> sharedAcquisitions = 0;
 constinit std::atomic<unsigned> exclusiveAcquisitions = 0;
 
-// Maps the address of a lock to the mutex that implements it. A lock needs no end on Windows, so a
-// mutex stays for the life of the program: reused memory finds it free.
+// Maps the address of a lock to the mutex that implements it. Windows has no call to destroy a
+// lock, so a mutex exists until the program ends; a new lock at the same address finds it unlocked.
 std::shared_mutex& mutexOf(const SRWLOCK* lock) {
   static std::mutex& tableMutex = *new std::mutex;
   static auto& table = *new std::unordered_map<const SRWLOCK*, std::unique_ptr<std::shared_mutex>>;

@@ -39,12 +39,12 @@ void markEnded(HANDLE handle) {
 
 using tMain = unsigned(__stdcall*)(void*);
 
-// A function of its own: the caller of a Windows function expects RSI and RDI to survive the call, but
-// an exception does not restore them. After the handler this one uses no variable.
+// A separate function: the caller of a Windows function expects RSI and RDI preserved, but an
+// exception does not restore them. This function uses no variable after the handler.
 [[gnu::noinline]] void runToItsEnd(tMain start, void* argument) {
   try {
     start(argument);
-  } catch (const tThreadEnd&) {  // NOLINT(bugprone-empty-catch): the thread has asked for its end
+  } catch (const tThreadEnd&) {  // NOLINT(bugprone-empty-catch): the thread requested its end
   }
 }
 
@@ -57,7 +57,7 @@ uintptr_t __cdecl _beginthreadex(void* security, unsigned stackSize,
   constexpr auto kCall = tCall::beginThread;
   expectUsual(security == nullptr && stackSize == 0 && flags == 0, kCall,
               "only a plain thread can be started");
-  // The C runtime sets its own error number; the last error may be missing.
+  // The C runtime sets errno; the last error may not be set.
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return 0;

@@ -5,7 +5,7 @@
 
 namespace nFakeWindows {
 
-// Thrown by the calls that end a thread, and caught where the thread begins.
+// Thrown by the calls that end a thread; the entry function of the thread catches it.
 struct tThreadEnd {
   DWORD exitCode;
 };

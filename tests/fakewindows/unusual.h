@@ -5,7 +5,7 @@
 
 namespace nFakeWindows {
 
-// Marks that a thread is inside the fake Windows, whose own allocations nobody wants to fail.
+// Marks a thread as executing the fake Windows, whose own allocations must not fail.
 class tInside {
  public:
   tInside() noexcept { ++depth; }
@@ -19,8 +19,8 @@ class tInside {
   static thread_local int depth;
 };
 
-// While it lives, what its thread calls is a matter of the test alone: it is neither counted nor made
-// to fail, and neither are its allocations.
+// During its lifetime, calls and allocations of its thread belong to the test: they are not counted
+// and do not fail.
 class tOffTheRecord {
  public:
   tOffTheRecord() noexcept { ++depth; }
@@ -35,10 +35,10 @@ class tOffTheRecord {
   const tInside inside_;
 };
 
-// Ends the program, naming the function: it was called in a way that the library has no reason for.
+// Ends the program with the name of the function, which was called as the library should never do.
 [[noreturn]] void stop(const char* function, const char* what);
 
-// Stops unless the call is made in a way that the fake knows.
+// Ends the program unless the fake supports the arguments of the call.
 inline void expectUsual(bool usual, tCall call, const char* what) {
   if (!usual) {
     stop(nameOf(call), what);

@@ -11,7 +11,7 @@ using namespace nFakeWindows;
 
 namespace {
 
-// The index of a signalled object. Blocks until there is one.
+// Blocks until an object is signalled and returns its index.
 size_t waitForAny(tCall call, std::span<const HANDLE> handles) {
   std::unique_lock lock(objects().mutex);
   for (;;) {
@@ -30,7 +30,7 @@ size_t waitForAny(tCall call, std::span<const HANDLE> handles) {
   }
 }
 
-// In milliseconds; none when the handle is no program.
+// The run time of a program in milliseconds; none for other handles.
 std::optional<DWORD> runTimeOf(HANDLE handle) {
   const std::lock_guard lock(objects().mutex);
   const tProcess* const process = objects().find<tProcess>(handle);
@@ -47,7 +47,7 @@ DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     return WAIT_FAILED;
   }
   if (const auto runs = runTimeOf(handle)) {
-    // Time passes at once for a program.
+    // The run time of a program is not waited for.
     return *runs <= milliseconds ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
   }
   expectUsual(milliseconds == INFINITE, kCall, "only a program is waited for with a limit");

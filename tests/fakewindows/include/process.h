@@ -1,4 +1,4 @@
-/* Of this header, which does not come with the others, what the library calls. */
+/* The function of process.h that the library calls; Wine's Windows headers do not include it. */
 #ifndef TESTS_FAKEWINDOWS_INCLUDE_PROCESS_H
 #define TESTS_FAKEWINDOWS_INCLUDE_PROCESS_H
 
