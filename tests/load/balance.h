@@ -7,9 +7,9 @@
 
 namespace nTests {
 
-// What the driver still holds of clients that are all gone, or has no account of, one thing a line;
-// empty when everything that began has ended. Gives the driver the time to close the files of those
-// that were killed.
+// The driver's leaks after all clients have ended: one line for each pair of counts that differ,
+// empty if all are balanced. Waits until the driver has closed the files of killed clients, with a
+// timeout.
 [[nodiscard]] std::string imbalanceOf(nSimulator::tSimulatedMachine& machine);
 
 }  // namespace nTests

@@ -6,7 +6,7 @@
 
 namespace nTests {
 
-// Something under load did not do what it promises. The text tells what.
+// A contract was violated under load. The text describes the violation.
 class tBrokenPromise : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -5,7 +5,7 @@
 
 namespace nTests {
 
-// The path of the routing device, as the library tells it.
+// The path of the routing device, as the library returns it.
 [[nodiscard]] std::string routingDevicePath();
 
 }  // namespace nTests

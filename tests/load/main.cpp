@@ -1,4 +1,4 @@
-// quenra_load: load on the library and the simulated machine, for minutes if need be.
+// quenra_load: load tests of the library and the simulated machine, of configurable duration.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <string>

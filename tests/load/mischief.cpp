@@ -25,7 +25,7 @@ tMischief::tMischief(uint64_t seed)
           try {
             doSome();
           } catch (const nSimulator::tControlError&) {
-            // What was to be disturbed is gone.
+            // The request or route that was chosen no longer exists.
           }
           std::this_thread::sleep_for(milliseconds(random_.below(kLongestPause)));
         }
@@ -68,7 +68,7 @@ void tMischief::scriptAnAnswer() {
   for (uint8_t& byte : script.reply) {
     byte = random_.oneIn(3) ? uint8_t{0xFF} : static_cast<uint8_t>(random_.below(256));
   }
-  // No more than 64 KiB of table or text is promised: gibibytes would cost a sanitizer as much again.
+  // Limits the reported sizes of table and text to 64 KiB: sanitizers double the cost of memory.
   script.reply[2] = script.reply[3] = script.reply[6] = script.reply[7] = 0;
   machine_.addScript(script);
 }

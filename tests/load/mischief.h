@@ -9,8 +9,8 @@
 
 namespace nTests {
 
-// A thread that lets the driver refuse, fail, lie, take its time and take lines away, all at random.
-// When it ends, the driver behaves again.
+// A thread that injects random faults into the driver: refusals, failures, wrong replies, delays
+// and demotions. Its destructor restores normal behaviour.
 class tMischief {
  public:
   explicit tMischief(uint64_t seed);

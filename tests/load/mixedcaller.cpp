@@ -100,7 +100,7 @@ void tMixedCaller::useOpenController() {
 
 void tMixedCaller::readText() {
   enter(tStep::readAttribute);
-  // Exactly as large as promised, so that one byte too many is seen.
+  // Exactly the size passed to the library, so that an overrun by one byte is detected.
   std::vector<char> buffer(kTextRoom, '#');
   uint64_t size = buffer.size();
   if (check(QUENRA_getAttributeUTF8(QUENRA_HANDLE, random_.oneOf(kTexts), buffer.data(), &size),

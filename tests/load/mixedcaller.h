@@ -1,4 +1,4 @@
-// A client that does everything there is to do, in no order.
+// A client that calls all functions in random order.
 #ifndef TESTS_LOAD_MIXEDCALLER_H
 #define TESTS_LOAD_MIXEDCALLER_H
 
@@ -11,7 +11,7 @@
 
 namespace nTests {
 
-// What a thread has called, and how often it was told of a failure.
+// A thread's calls by kind, and the number that failed.
 struct tCallTally {
   std::atomic<uint64_t> reads;
   std::atomic<uint64_t> writes;
@@ -19,22 +19,22 @@ struct tCallTally {
   std::atomic<uint64_t> updates;
   std::atomic<uint64_t> pendings;
   std::atomic<uint64_t> others;
-  std::atomic<uint64_t> failures;  // that nobody may be surprised of
+  std::atomic<uint64_t> failures;  // permitted failures
 };
 
 struct tMixedWork {
   tRouteWork route;
   tCallTally* tally;
-  const std::vector<std::string>* images;  // small ones, of firmware
-  bool updatesAreCheap;                    // else they are rare
+  const std::vector<std::string>* images;  // small firmware images
+  bool updatesAreCheap;                    // otherwise updates are rare
 };
 
-// One thread's calls. Everything that breaks a promise is thrown.
+// The calls of one thread. Throws tBrokenPromise if a contract is violated.
 class tMixedCaller {
  public:
   explicit tMixedCaller(const tMixedWork& work) : work_(work), random_(*work.route.random) {}
 
-  // Something with a beginning and an end: nothing is open before and behind it.
+  // Performs a random complete operation. Nothing is open before and after it.
   void doSomething();
 
  private:
@@ -54,7 +54,7 @@ class tMixedCaller {
   void misuse();
 
   void enter(tStep step) { work_.route.progress->enter(step); }
-  // A failure breaks a promise unless faults are about. True when the call succeeded.
+  // Throws if the call failed and no faults are injected. True if the call succeeded.
   bool check(int32_t code, const char* what);
 
   tMixedWork work_;

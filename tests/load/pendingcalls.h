@@ -5,8 +5,8 @@
 
 namespace nTests {
 
-// Opens a channel to the controller's driver, begins requests that stay pending on it, lets another
-// call through beside them, and ends most of them; closing the channel ends the rest. How many began.
+// Opens a channel to the controller's driver, begins requests that stay pending, makes another call
+// meanwhile, and ends most of them; closing the channel ends the rest. Returns the number begun.
 uint32_t usePendingRequestsOnce(tRandom& random, tFaults faults);
 
 }  // namespace nTests

@@ -1,7 +1,7 @@
 #include "tests/load/processsample.h"
 
 #include <windows.h>
-// winternl.h needs windows.h first.
+// winternl.h requires windows.h.
 #include <winternl.h>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ constexpr size_t kFirstRoom = 64 * 1024;
 
 using tProcess = SYSTEM_PROCESS_INFORMATION;
 
-// The system's list of all handles, as it is laid out.
+// The layout of the system's list of all handles.
 struct tHandle {
   uint32_t process;
   uint8_t type;
@@ -34,7 +34,7 @@ struct tHandle {
 };
 struct tHandleList {
   uint32_t count;
-  tHandle handles[1];  // so many as `count` says
+  tHandle handles[1];  // `count` elements
 };
 
 std::vector<std::byte> systemInformation(SYSTEM_INFORMATION_CLASS kind) {
@@ -68,14 +68,14 @@ void forEachHandle(Visitor visit) {
   std::for_each(list.handles, list.handles + list.count, visit);
 }
 
-// What Wine says of a process is how many handles its table has room for.
+// Counts the list: Wine reports the capacity of the handle table as a process's handle count.
 uint32_t handlesOf(uintptr_t process) {
   uint32_t count = 0;
   forEachHandle([&](const tHandle& handle) { count += handle.process == process ? 1 : 0; });
   return count;
 }
 
-// The name of its type.
+// The name of the handle's type.
 std::string kindOf(HANDLE handle) {
   constexpr auto kObjectTypeInformation = static_cast<OBJECT_INFORMATION_CLASS>(2);
   alignas(UNICODE_STRING) std::array<std::byte, 1024> room{};
@@ -84,7 +84,7 @@ std::string kindOf(HANDLE handle) {
     return "unknown";
   }
   const auto& name = *reinterpret_cast<const UNICODE_STRING*>(room.data());
-  // All of them are plain words.
+  // Type names are ASCII.
   const std::wstring_view wide(name.Buffer, name.Length / sizeof(wchar_t));
   std::string kind(wide.size(), ' ');
   std::transform(wide.begin(), wide.end(), kind.begin(),

@@ -107,7 +107,7 @@ bool tRouteClient::reserve(uint32_t ticket) {
   return done;
 }
 
-// False when it was demoted meanwhile.
+// False if the route was demoted meanwhile.
 bool tRouteClient::program(uint32_t ticket) {
   work_.progress->enter(tStep::program);
   zoroco_ra_quenra_programRoute(session_, ticket, &status_);
@@ -123,13 +123,13 @@ void tRouteClient::checkPath(uint32_t ticket) {
   }
 }
 
-// Whoever was faster: it is demoted now.
+// The route is demoted on return, possibly by another thread.
 void tRouteClient::demote(uint32_t ticket) {
   work_.progress->enter(tStep::demote);
   try {
     work_.machine->demoteRoute(ticket);
   } catch (const nSimulator::tControlError&) {
-    // It holds nothing any more.
+    // The route no longer holds a line.
   }
 }
 

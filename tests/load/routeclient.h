@@ -14,34 +14,34 @@
 
 namespace nTests {
 
-// What a thread has done with routes; may lie in shared memory that begins as zeros.
+// A thread's counts of route operations. May be in zero-initialised shared memory.
 struct tRouteTally {
   std::atomic<uint64_t> sessions;
-  std::atomic<uint64_t> lives;      // routes that were calculated and are gone
-  std::atomic<uint64_t> conflicts;  // reservations that were refused
-  std::atomic<uint64_t> heard;      // demotions that a callback was told
-  std::atomic<uint64_t> awaited;    // demotions that were certain and were waited for
+  std::atomic<uint64_t> lives;      // routes that were calculated and destroyed
+  std::atomic<uint64_t> conflicts;  // rejected reservations
+  std::atomic<uint64_t> heard;      // demotions delivered to a callback
+  std::atomic<uint64_t> awaited;    // certain demotions whose delivery was awaited
   std::atomic<uint64_t> leftBehind;
-  std::atomic<uint64_t> failures;  // that nobody may be surprised of
+  std::atomic<uint64_t> failures;  // permitted failures
 };
 
-// What a client takes for granted about its machine.
+// The faults that a client permits.
 enum class tFaults : uint8_t {
-  none,      // every call does what it promises
-  anywhere,  // any call may fail, as long as it says so
+  none,      // every call fulfils its contract
+  anywhere,  // any call may fail if it reports the failure
 };
 
-// How a thread works with routes.
+// The parameters of a thread that uses routes.
 struct tRouteWork {
   std::string devicePath;
   tRandom* random;
   tProgress* progress;
   tRouteTally* tally;
-  nSimulator::tSimulatedMachine* machine;  // to demote with; null: leaves that to others
+  nSimulator::tSimulatedMachine* machine;  // used to demote routes; null: does not demote
   tFaults faults = tFaults::none;
 };
 
-// A session, and one route after another in it. Everything that breaks a promise is thrown.
+// A session that uses one route after another. Throws tBrokenPromise if a contract is violated.
 class tRouteClient {
  public:
   explicit tRouteClient(const tRouteWork& work);
@@ -49,24 +49,24 @@ class tRouteClient {
   tRouteClient& operator=(const tRouteClient&) = delete;
   ~tRouteClient();
 
-  // Calculates, reserves and programs a route, and takes it down again.
+  // Calculates, reserves and programs a route, and tears it down.
   void liveOnce();
-  // Leaves a route that is reserved or programmed to the driver; nothing else may follow.
+  // Leaves a reserved or programmed route to the driver. Only end() may follow.
   void leaveARouteBehind();
-  // Walks over the terminals.
+  // Iterates over the terminals.
   void lookAtTerminals();
-  // Waits for callbacks, ends the session, and sees to it that no callback runs any more.
+  // Destroys the session and checks that no callback runs afterwards.
   void end();
 
  private:
   static void takeDemotion(void* context, int32_t reason, zoerr_Status* status, void* notification);
   static char* giveRoom(char* current, size_t required, const char* text, size_t requiredAgain);
 
-  // True when the last call succeeded; forgets its status. A failure breaks a promise unless it is
-  // `expected`, or faults are about.
+  // True if the last call succeeded; resets the status. Throws if the call failed with a code other
+  // than `expected` and no faults are injected.
   bool succeeded(const char* what, int32_t expected = 0);
   void createSession();
-  // 0 when there is none.
+  // Returns the ticket; 0 if there is no route.
   uint32_t calculate();
   bool reserve(uint32_t ticket);
   bool program(uint32_t ticket);

@@ -38,7 +38,7 @@ struct tRouteTotals {
   uint64_t leftBehind = 0;
 };
 
-// Takes lines away from routes, whosever they are.
+// Demotes random routes of all sessions.
 class tDemoter {
  public:
   explicit tDemoter(uint64_t seed)
@@ -58,7 +58,7 @@ class tDemoter {
     try {
       machine_.demoteRoute(routes[random_.below(static_cast<uint32_t>(routes.size()))].ticket);
     } catch (const nSimulator::tControlError&) {
-      // It holds nothing, or is gone.
+      // The route holds no line or no longer exists.
     }
   }
 
@@ -83,7 +83,7 @@ class tRouteLoad {
     }
   }
 
-  // Throws tStuck, and tBrokenPromise.
+  // Throws tStuck and tBrokenPromise.
   void run() {
     for (uint32_t worker = 0; worker < kWorkers; ++worker) {
       startWorker(worker);

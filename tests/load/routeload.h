@@ -13,15 +13,15 @@ enum tLoadOutcome : int {
 };
 
 struct tRouteLoadPlan {
-  uint64_t lives;     // ends when so many routes have lived,
+  uint64_t lives;     // ends after this number of routes,
   uint32_t seconds;   // or after this time; 0: without limit
-  uint32_t killsPer;  // seconds between two kills, on average; 0: nobody is killed
+  uint32_t killsPer;  // average seconds between two kills; 0: no kills
   uint64_t seed;
 };
 
-// Two processes with eight threads each, all with sessions of their own; somebody who takes their
-// lines away, and somebody who kills the processes, each of which is started again. What came of it
-// goes to standard output, a number a line; progress and complaints go to standard error.
+// Runs two processes of eight threads with a session each, while one thread demotes their routes
+// and another kills and restarts the processes. Prints the results to standard output, one number
+// per line, and progress and failures to standard error.
 [[nodiscard]] int runRouteLoad(const tRouteLoadPlan& plan);
 
 }  // namespace nTests

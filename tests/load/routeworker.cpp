@@ -15,7 +15,7 @@ namespace {
 
 constexpr uint32_t kMostLivesOfASession = 20;
 
-// One session from its creation to its end.
+// Uses a session from its creation to its destruction.
 void runSession(const tRouteWork& work, const tLoad& load) {
   tRouteClient client(work);
   if (work.random->oneIn(4)) {
@@ -45,7 +45,7 @@ void runThread(tLoad& load, tThreadLoad& own, const std::string& who, uint64_t s
   own.progress.enter(tStep::ended);
 }
 
-// ---- Every line at once ----
+// ---- All lines simultaneously ----
 
 struct tLine {
   const char* from;
@@ -109,7 +109,7 @@ int takeEveryLine() {
   for (const tLine& line : kLines) {
     take(session, line);
   }
-  // Closing the device gives them back.
+  // Closing the device releases the lines.
   zoroco_ra_quenra_destroySession(session);
   return 0;
 }

@@ -6,12 +6,12 @@
 
 namespace nTests {
 
-// One of the processes of a load: threads with a session each, one life of a route after another, until
-// the load is to end. The exit code of the process.
+// A worker process: threads with a session each, which use one route after another until the load
+// ends. Returns the exit code of the process.
 [[nodiscard]] int runRouteWorker(const std::string& loadName, uint32_t worker, uint64_t seed);
 
-// A client that comes when all others are gone: takes every line at once, each from another terminal,
-// and gives them back. The exit code of the process.
+// A client that runs after all others have ended: reserves all lines simultaneously, each from
+// another terminal, and releases them. Returns the exit code of the process.
 [[nodiscard]] int takeEveryLine();
 
 }  // namespace nTests

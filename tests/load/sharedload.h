@@ -21,21 +21,21 @@ struct tThreadLoad {
   tRouteTally tally;
 };
 
-// What the processes of a load share, so that what a killed one has done is not forgotten.
+// State shared by the processes of a load. It survives the processes that are killed.
 struct tLoad {
   std::atomic<uint32_t> shallEnd;
   std::atomic<uint32_t> hasFailed;
-  std::array<char, 1024> failure;  // of who failed first
+  std::array<char, 1024> failure;  // the first failure
   std::array<std::array<tThreadLoad, kThreadsOfAWorker>, kWorkers> workers;
 };
 
-// Takes the first failure; later ones are its consequences.
+// Records the first failure; later ones are its consequences.
 void noteFailure(tLoad& load, const std::string& text) noexcept;
 
-// The memory with a load in it, under a name by which other processes find it.
+// Named shared memory that contains a load.
 class tSharedLoad {
  public:
-  // Makes it, or opens the one that is there; it lasts as long as anybody has it.
+  // Creates the memory or opens it. It exists until its last user closes it.
   explicit tSharedLoad(const std::string& name);
   tSharedLoad(const tSharedLoad&) = delete;
   tSharedLoad& operator=(const tSharedLoad&) = delete;

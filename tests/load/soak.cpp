@@ -34,7 +34,7 @@ using tClock = std::chrono::steady_clock;
 constexpr size_t kThreads = 8;
 constexpr auto kPatience = seconds(60);
 constexpr auto kLook = milliseconds(20);
-// Of a minute, and of hours.
+// A short run has at least this number of rounds; a long run has rounds of this duration.
 constexpr uint32_t kFewestRounds = 24;
 constexpr auto kLongestRound = seconds(10);
 
@@ -46,7 +46,7 @@ struct tThread {
   tCallTally calls{};
 };
 
-// A temporary directory of this process, for what updates leave in it.
+// A temporary directory of this process for the files of firmware updates.
 class tTemporaryFolder {
  public:
   tTemporaryFolder()
@@ -84,7 +84,7 @@ class tSoak {
     }
   }
 
-  // Throws tStuck, and tBrokenPromise.
+  // Throws tStuck and tBrokenPromise.
   void run() {
     while (tClock::now() - start_ < seconds(plan_.seconds)) {
       {
@@ -100,7 +100,7 @@ class tSoak {
     }
   }
 
-  // The exit code.
+  // Prints the results and returns the exit code.
   [[nodiscard]] int report() const {
     std::printf("%s", soakTable(rows_).c_str());
     std::printf(
@@ -144,7 +144,7 @@ class tSoak {
     }
     require(failure_.empty(), failure_);
   }
-  // Threads that do not end cannot be waited for.
+  // Detaches the threads: joining a stuck thread would block.
   [[noreturn]] static void throwStuck(std::vector<std::jthread>& running) {
     for (std::jthread& thread : running) {
       thread.detach();
@@ -191,7 +191,7 @@ class tSoak {
                  static_cast<unsigned long long>(row.heap.blocks));
   }
 
-  // Of all threads.
+  // The sum over all threads.
   [[nodiscard]] unsigned long long sum(std::atomic<uint64_t> tCallTally::*count) const {
     unsigned long long all = 0;
     for (const tThread& thread : threads_) {
@@ -223,7 +223,7 @@ class tSoak {
   tWatchdog watchdog_{kPatience};
   std::atomic<bool> shallEnd_ = false;
   std::mutex mutex_;
-  std::string failure_;  // of who failed, guarded by the mutex
+  std::string failure_;  // all failures, guarded by the mutex
   tClock::time_point start_ = tClock::now();
   std::vector<tSoakRow> rows_;
 };
@@ -238,7 +238,7 @@ int runSoak(const tSoakPlan& plan) {
     return soak.report();
   } catch (const tStuck&) {
     std::fprintf(stderr, "a thread is stuck\n%s", soak.whereTheThreadsStand().c_str());
-    // Its memory is still in use.
+    // No destructors: the stuck thread still uses the memory.
     std::fflush(stderr);
     std::_Exit(kThreadStuck);
   } catch (const tBrokenPromise& broken) {

@@ -10,9 +10,9 @@ struct tSoakPlan {
   uint64_t seed;
 };
 
-// Eight threads of everything there is to call, for as long as one likes: in turn with a driver that
-// refuses, fails and lies, and with one that behaves, where every promise is kept again. In the quiet
-// moments between, memory and handles are measured. The exit code: tLoadOutcome.
+// Runs eight threads that call all functions, in rounds: first with faults injected into the
+// driver, then without, when every contract must hold. Measures memory and handles between the
+// rounds, while no thread runs. Returns a tLoadOutcome.
 [[nodiscard]] int runSoak(const tSoakPlan& plan);
 
 }  // namespace nTests

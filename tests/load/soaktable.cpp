@@ -10,8 +10,8 @@
 namespace nTests {
 namespace {
 
-// Handles do not grow, but for what the system makes once and late: what it names its own objects by,
-// and a semaphore for each lock of its own when two threads first meet at it.
+// Handles must not grow, except for those that the system creates once on first use: for the names
+// of its own objects, and a semaphore for each of its locks at the first contention.
 struct tMadeLate {
   std::string_view kind;
   int64_t most;
@@ -26,15 +26,15 @@ constexpr int64_t mostLateHandles(std::string_view kind) noexcept {
 }
 
 constexpr int64_t kMostDriverHandles = 2;
-// Beside what was there from the start, some of what the system keeps comes and goes.
+// The number of the system's own blocks varies.
 constexpr int64_t kMostHeapBlocks = 16;
 constexpr int64_t kMostGrowthKib = 1024;
 constexpr uint64_t kBytesOfAKib = 1024;
 constexpr size_t kMostRows = 24;
-// Caches fill, and the system loads what it needs once.
+// Rows excluded while caches fill and the system loads its modules.
 constexpr size_t kWarmUpRows = 2;
 
-// The lowest of each third.
+// The minimum of each third.
 template <class Measure>
 std::array<int64_t, 3> lowest(const std::vector<tSoakRow>& rows, Measure measure) {
   const auto less = [&](const tSoakRow& left, const tSoakRow& right) {

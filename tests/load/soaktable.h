@@ -11,7 +11,7 @@
 
 namespace nTests {
 
-// What was measured at one quiet moment.
+// A measurement while no thread runs.
 struct tSoakRow {
   double seconds;
   uint64_t calls;
@@ -22,9 +22,9 @@ struct tSoakRow {
   tProcessSample driver;
 };
 
-// How much more there is at the end of a run than at its beginning, warm-up left out, where the lowest
-// of each third counts. Memory that a leak takes grows from the first third to the second as from there
-// to the last, and what counts is twice the lesser of the two: an allocator's one step up is no leak.
+// The growth of each resource over a run without its warm-up, from the minimum of the first third
+// to that of the last. For memory it is twice the smaller growth between adjacent thirds: a leak
+// grows steadily, whereas a single step of an allocator is not a leak.
 struct tSoakGrowth {
   std::array<int64_t, kHandleKinds.size()> handles;
   int64_t heapBlocks;
@@ -33,13 +33,13 @@ struct tSoakGrowth {
   int64_t driverPrivateKib;
 };
 
-// Fewer quiet moments tell nothing.
+// Fewer rows are not conclusive.
 inline constexpr size_t kFewestSoakRows = 8;
 
 [[nodiscard]] tSoakGrowth growthOf(const std::vector<tSoakRow>& rows);
-// What grew that should not, empty when nothing did.
+// Describes each growth above its limit; empty if there is none.
 [[nodiscard]] std::string growthComplaints(const tSoakGrowth& growth);
-// As a table, thinned out where there are many rows.
+// Formats the rows as a table; omits rows if there are many.
 [[nodiscard]] std::string soakTable(const std::vector<tSoakRow>& rows);
 // "File 5, Key 14".
 [[nodiscard]] std::string handleText(const tHandleCounts& handles);

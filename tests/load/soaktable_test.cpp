@@ -27,7 +27,7 @@ uint32_t& handlesOf(tSoakRow& row, std::string_view kind) {
   return row.handles[indexOfHandleKind(kind)];
 }
 
-// Rows of a run in which nothing grows but what `change` makes of them.
+// Rows of a run without growth except for the changes by `change`.
 template <class Change>
 std::vector<tSoakRow> rowsWith(Change change) {
   std::vector<tSoakRow> rows;

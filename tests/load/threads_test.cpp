@@ -1,5 +1,5 @@
-// Eight threads of everything there is to call, with Windows calls that fail and a driver that lies,
-// at random. Where the seed of a run is to be used again, QUENRA_LOAD_SEED says it.
+// Eight threads that call all functions, with random failures of Windows calls and a misbehaving
+// driver. QUENRA_LOAD_SEED repeats the seed of a run.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -43,8 +43,8 @@ uint64_t chooseSeed() {
 
 // ---- Windows calls that fail ----
 
-// A call and an error with which it may fail. Calls that give something back do not fail: Windows'
-// do not either, and what they leave behind would be nobody's fault.
+// A call and an error with which it may fail. Calls that release a resource are not listed: on
+// Windows they do not fail, and a planned failure would leak the resource.
 struct tFailing {
   tCall call;
   uint32_t error;
@@ -81,7 +81,7 @@ constexpr tFailing kFailing[] = {
 };
 constexpr uint32_t kOneCallIn = 40;
 
-// The requests of the control interface are the test's own.
+// Requests on the control interface come from the test.
 bool isOfTheTest(tCall call, const std::string& argument) {
   constexpr uint32_t kControlDevice = 0x80A0;
   return call == tCall::deviceIoControl && std::stoul(argument) >> 16 == kControlDevice;
@@ -146,7 +146,7 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
     own.progress.enter(tStep::ended);
   }
 
-  // All threads have their turns, and what they leave behind is nothing.
+  // Runs all threads and checks that they leave nothing open.
   void runRound(tFaults faults) {
     std::array<tSimulatedMachine, kThreads> machines;
     std::optional<tMischief> mischief;
@@ -173,7 +173,7 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
     EXPECT_EQ(imbalanceOf(machines[0]), "");
   }
 
-  // With a word about who does not end.
+  // Reports a stuck thread and aborts.
   void waitForThreads(std::vector<std::thread>& running) {
     const auto allHaveEnded = [this] {
       return std::all_of(threads.begin(), threads.end(), [](const tThread& thread) {

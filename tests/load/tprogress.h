@@ -6,7 +6,7 @@
 
 namespace nTests {
 
-// What a thread under load is doing.
+// The current operation of a thread under load.
 enum class tStep : uint32_t {
   ended,
   betweenSteps,
@@ -33,8 +33,8 @@ enum class tStep : uint32_t {
 
 [[nodiscard]] const char* nameOf(tStep step) noexcept;
 
-// Where a thread stands, for others to look at; also from another process, through shared memory that
-// begins as zeros.
+// The progress of a thread, readable by other threads, and by other processes through
+// zero-initialised shared memory.
 class tProgress {
  public:
   void enter(tStep step) noexcept {
@@ -42,7 +42,7 @@ class tProgress {
     moves_.fetch_add(1, std::memory_order_relaxed);
   }
   [[nodiscard]] tStep step() const noexcept { return step_.load(std::memory_order_relaxed); }
-  // How many steps it has begun.
+  // The number of steps begun.
   [[nodiscard]] uint64_t moves() const noexcept { return moves_.load(std::memory_order_relaxed); }
 
  private:

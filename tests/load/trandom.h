@@ -6,7 +6,7 @@
 
 namespace nTests {
 
-// Numbers that look random and are the same for the same seed, on every machine.
+// A pseudo-random generator with the same sequence for the same seed on every machine.
 class tRandom {
  public:
   explicit tRandom(uint64_t seed) noexcept : state_(seed) {}

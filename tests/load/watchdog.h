@@ -10,19 +10,19 @@
 
 namespace nTests {
 
-// Watches threads that are to go on.
+// Detects threads that make no progress.
 class tWatchdog {
  public:
   using tClock = std::chrono::steady_clock;
 
   explicit tWatchdog(tClock::duration patience) : patience_(patience) {}
 
-  // `who` names the thread in reports. The progress outlives the watchdog.
+  // `who` names the thread in reports. The progress must outlive the watchdog.
   void watch(std::string who, const tProgress& progress);
-  // Looks at all threads; to be called again and again. True when one has stood still for longer than
-  // the patience.
+  // Checks all threads; call it repeatedly. True if a thread has made no progress for longer than
+  // the timeout.
   [[nodiscard]] bool seesAStuckThread(tClock::time_point now = tClock::now());
-  // A line for each thread: what it is doing, since when, and its number of steps.
+  // One line for each thread: its step, the time since the step began, and the number of steps.
   [[nodiscard]] std::string report(tClock::time_point now = tClock::now()) const;
 
  private:

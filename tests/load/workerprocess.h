@@ -14,13 +14,13 @@ class tWorkerProcess {
   explicit tWorkerProcess(const std::string& arguments);
   tWorkerProcess(const tWorkerProcess&) = delete;
   tWorkerProcess& operator=(const tWorkerProcess&) = delete;
-  // Kills it if it still runs.
+  // Kills the process if it still runs.
   ~tWorkerProcess();
 
-  // Kills it; it is gone when this returns.
+  // Kills the process and waits for its end.
   void kill();
   [[nodiscard]] bool hasEnded() const;
-  // Of a process that has ended.
+  // The process must have ended.
   [[nodiscard]] DWORD exitCode() const;
 
  private:
