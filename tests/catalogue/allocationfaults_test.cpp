@@ -1,4 +1,4 @@
-// Every allocation of every scenario, failed in turn.
+// Fails every allocation of every scenario in turn.
 #include "tests/catalogue/cataloguetest.h"
 
 namespace nTests {
@@ -12,7 +12,7 @@ TEST_P(AllocationFaults, EachHasACodeOfItsKind_LeavesNothing_AndTheNextRunWorks)
     SCOPED_TRACE("allocation " + std::to_string(nth));
     const auto run = runWith([] {}, nth);
     countFault();
-    // As in the clean run up to a step that was short of memory, if there is one.
+    // The steps equal those of the clean run up to the first that ran out of memory, if any.
     for (size_t i = 0; i < run->steps().size(); ++i) {
       const tStep& step = run->steps()[i];
       if (i >= clean->steps().size() || step != clean->steps()[i]) {

@@ -1,4 +1,4 @@
-// Every Windows call of every scenario, failed in turn with every error that has a code.
+// Fails every Windows call of every scenario in turn with every error that has a code.
 #include <algorithm>
 #include <iterator>
 
@@ -22,7 +22,7 @@ class CallFaults : public CatalogueTest {
     learn();
   }
 
-  // The clean run: its calls and its steps; and its steps where there is no Marten.
+  // Records the calls and steps of a clean run, and the steps of one without a Marten.
   void learn() {
     clean_ = runClean();
     record_ = faultPlan().calls();
@@ -31,7 +31,7 @@ class CallFaults : public CatalogueTest {
     usePresence({1, 1, 1});
   }
 
-  // Plans that a call fails, in one way or another.
+  // Plans the failure of a call.
   using tMakePlan = void (*)(const tPlace& place, uint32_t error);
 
   void failEach(const std::vector<tPlace>& places, tMakePlan makePlan) {
@@ -97,7 +97,7 @@ TEST_P(CallFaults, EachHasItsCode_LeavesNothing_AndTheNextRunWorks) {
 
 TEST_P(CallFaults, OfARequestThatIsPendingFirst_EachHasItsCode) {
   failEach(awaitedRequestsOf(record()), [](const tPlace& place, uint32_t error) {
-    // That request alone: waiting takes its time.
+    // Only that request becomes pending, because waiting is slow.
     faultPlan().beforeCall(tCall::deviceIoControl, place.nth,
                            [] { faultPlan().complete(tCompletion::later); });
     faultPlan().beforeCall(tCall::getOverlappedResult, 1,

@@ -15,13 +15,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// In memory where there is such a place: the files of thousands of updates need no disk.
+// In memory if possible: thousands of updates are slow on a disk.
 fs::path placeForFiles() {
   const fs::path memory = "/dev/shm";
   return fs::is_directory(memory) ? memory : fs::path(testing::TempDir());
 }
 
-// The name of the test that is running, as a file name.
+// The name of the current test as a file name.
 std::string testName() {
   const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
   std::string name = std::string(test.test_suite_name()) + "." + test.name();
@@ -33,11 +33,11 @@ std::string testName() {
 
 void CatalogueTest::SetUp() {
   FakeWindowsTest::SetUp();
-  // Tests run at the same time.
+  // Unique per process: tests run in parallel.
   temporary_ = placeForFiles() / ("quenra." + std::to_string(getpid()));
   fs::create_directories(temporary_);
   setenv("TMPDIR", temporary_.c_str(), 1);
-  // Some things are made once and stay: the locale's facets, for example.
+  // Two runs: some memory is allocated once and kept, for example the locale's facets.
   runClean();
   runClean();
   bytesBefore_ = bytesAfter_;
@@ -53,7 +53,7 @@ void CatalogueTest::TearDown() {
 }
 
 void CatalogueTest::begin() const {
-  // Most scenarios leave nothing there, and a disk is slow.
+  // Most scenarios leave the folder empty; emptying it again would be slow.
   if (!fs::is_empty(temporary_)) {
     fs::remove_all(temporary_);
     fs::create_directories(temporary_);
@@ -69,7 +69,7 @@ void CatalogueTest::end(const tRun& run) {
   EXPECT_THAT(nFakeWindows::objects().open(), testing::IsEmpty());
   EXPECT_THAT(nFakeWindows::com()->open(), testing::IsEmpty());
   bytesAfter_ = nFakeWindows::bytesInUse();
-  // What is kept between sessions may be missing after a failure.
+  // Less is permitted: a failure may prevent the allocation of memory that sessions share.
   EXPECT_LE(bytesAfter_, bytesBefore_);
   scenario().check(run);
 }

@@ -14,7 +14,7 @@
 
 namespace nTests {
 
-// Runs a scenario again and again, each time with one fault, and counts the faults.
+// Runs a scenario repeatedly, each time with one fault, and counts the faults.
 class CatalogueTest : public nFakeWindows::FakeWindowsTest,
                       public testing::WithParamInterface<size_t> {
  protected:
@@ -23,8 +23,8 @@ class CatalogueTest : public nFakeWindows::FakeWindowsTest,
 
   [[nodiscard]] static const tScenario& scenario() { return scenarios()[GetParam()]; }
 
-  // Runs the scenario on a machine that is prepared for it. `makePlan` plans what goes wrong in it.
-  // Nothing is left behind: no handle, and no byte in use that was not before.
+  // Runs the scenario on a machine prepared for it. `makePlan` plans the faults. Expects no open
+  // handles and no more bytes in use than before.
   template <class MakePlan>
   std::unique_ptr<tRun> runWith(MakePlan makePlan, unsigned failingAllocation = 0) {
     begin();
@@ -38,7 +38,7 @@ class CatalogueTest : public nFakeWindows::FakeWindowsTest,
     return runWith([] {});
   }
 
-  // After a fault: the scenario works as ever, and has in use what it always has.
+  // Runs the scenario after a fault and expects the steps and the memory use of a clean run.
   void expectNextRunLike(const tRun& clean);
   void countFault() { ++faults_; }
 

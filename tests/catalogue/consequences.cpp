@@ -57,13 +57,13 @@ bool is(uint32_t request, const std::string& requestText) {
   return requestText == std::to_string(request);
 }
 
-// Taking down always runs to its end.
+// Tearing down continues after a failed request.
 bool isSilent(const std::string& request) {
   return is(REQUEST_UNPROGRAM_ROUTE, request) || is(REQUEST_UNRESERVE_ROUTE, request) ||
          is(REQUEST_DESTROY_ROUTE, request) || is(REQUEST_UNREGISTER_NOTIFICATION, request);
 }
 
-// Interfaces that cannot be listed are as good as none; the Marten's listing tells why all the same.
+// A failed listing counts as no interfaces, but for the Marten the reason is reported.
 tExpectation ofListing(const std::string& interfaceClass, int32_t code) {
   if (!isOf(kMartenInterfaceClass, interfaceClass)) {
     return reports(QUENRA_STATUS_NO_CONTROLLER);
@@ -79,13 +79,13 @@ tExpectation ofEntry(const tPlace& place) {
                                                       : reports(QUENRA_STATUS_NO_CONTROLLER);
 }
 
-// A failure that stands for waiting is but a warning. What comes next has no path to open, ...
+// ERROR_IO_PENDING is only a warning (a positive code). The next step then has no path to open, ...
 tExpectation ofPath(const tPlace& place, int32_t code) {
   const bool isOpenedNext = !isOf(kDevicePathInterfaceClass, place.belongsTo);
   return reports(code > 0 && isOpenedNext ? QUENRA_STATUS_NOT_FOUND : code);
 }
 
-// ... or no device to ask.
+// ... or no device for its requests.
 tExpectation ofDevice(const tPlace& place, int32_t code) {
   if (code < 0) {
     return reports(code);
@@ -97,7 +97,7 @@ tExpectation ofDevice(const tPlace& place, int32_t code) {
   return reports(isRouter ? QUENRA_STATUS_INVALID_PARAMETER : QUENRA_STATUS_GENERIC_FAILURE);
 }
 
-// The surroundings of an update that fail.
+// A failed call that prepares a firmware update.
 tExpectation ofEnvironment(int32_t code) {
   return reports(code == QUENRA_STATUS_MEMORY_FULL ? QUENRA_STATUS_OUT_OF_MEMORY
                                                    : QUENRA_STATUS_UPDATE_ENVIRONMENT);
@@ -105,12 +105,12 @@ tExpectation ofEnvironment(int32_t code) {
 
 tExpectation ofRequest(const tPlace& place, int32_t code) {
   if (code > 0) {
-    // Waiting that is itself to be waited for: the driver's reply is there by then.
+    // ERROR_IO_PENDING from the wait itself: the driver's reply is available by then.
     return place.isAwaited ? kNothing : kNotAFailure;
   }
-  // Of several deliveries only the first is asked for by somebody who is told.
+  // Only the first arming of a delivery is reported to a caller; later ones run on a thread.
   const bool isRearmed = is(REQUEST_ARM_DELIVERY, place.argument) && place.belongsTo != "first";
-  // The one code with which the driver asks for another try.
+  // The only code on which the library repeats the request.
   const bool isTriedAgain =
       is(REQUEST_GET_ROUTE_TERMINAL_PATH, place.argument) && code == DRIVER_STATUS_PATH_TOO_LONG;
   return isSilent(place.argument) || isRearmed || isTriedAgain ? kNothing : reports(code);
@@ -179,7 +179,7 @@ tExpectation expectationOf(const tPlace& place, const tErrorRow& reason) {
     case tCall::beginThread:
       return reports(QUENRA_STATUS_INTERNAL_ERROR);
     case tCall::createDiskFile:
-      // A file of the update that cannot be held is not reported.
+      // A failure to lock a file of the update is not reported.
       return place.argument == "file" ? kNothing : ofEnvironment(reason.code);
     case tCall::multiByteToWideChar:
     case tCall::wideCharToMultiByte:
@@ -205,7 +205,7 @@ tExpectation expectationOf(const tPlace& place, const tErrorRow& reason) {
     case tCall::createProcess:
       return reports(QUENRA_STATUS_INVALID_IMAGE);
     default:
-      // Waiting, waking and cleaning up: tried again, or of no consequence.
+      // Waiting, waking and cleaning up: repeated, or without consequence.
       return kNothing;
   }
 }

@@ -136,7 +136,7 @@ constexpr uint32_t kMarker = 0x10000400;
 constexpr const char* kMarkerBefore = "1.4.0f7";
 constexpr const char* kMarkerAfter = "0.0.0f0";
 
-// An image with a section of every kind.
+// A firmware image with a section of every kind.
 const std::string& wholeImage() {
   static const std::string image =
       firmwareImage({tFirmwareSection("MARTEN").version("9.0.0f0").payload(firmwareBytes(2000, 2)),
@@ -147,7 +147,7 @@ const std::string& wholeImage() {
   return image;
 }
 
-// The marker is as before an update.
+// Sets the marker to its value before an update.
 void prepareUpdate() {
   const tOffTheRecord offTheRecord;
   static_cast<void>(wholeImage());
@@ -174,7 +174,7 @@ void updateWhatIsOlder(tRun& run) {
   update(run, 0);
 }
 
-// The marker tells truly whether the last update was carried out.
+// The marker must show whether the last update was carried out.
 void checkMarker(const tRun& run) {
   const tOffTheRecord offTheRecord;
   if (nSimulator::tSimulatedMachine().presence().martens == 0) {
@@ -188,7 +188,7 @@ void checkMarker(const tRun& run) {
       QUENRA_getAttributeUTF8(QUENRA_HANDLE, kMarker | QUENRA_SELECTOR_MARTEN, text.data(), &size),
       0);
   closeController();
-  // Opened without a Marten, there was no marker to write.
+  // If the update ran without a Marten, no marker was written.
   if (!isDone || std::string_view(text.data()) != kMarkerAfter) {
     EXPECT_STREQ(text.data(), kMarkerBefore);
   }
@@ -196,7 +196,7 @@ void checkMarker(const tRun& run) {
 
 // ---- Routes ----
 
-// A client of the routing functions. Its answers are in memory of its own.
+// A client of the routing functions. It owns the memory of the answers.
 struct tClient {
   char name[256] = {};
   zoroco_RoutingAdaptorSession* session = nullptr;
@@ -204,18 +204,18 @@ struct tClient {
   char answer[1024] = {};
   char* output = nullptr;
   uint32_t ticket = 0;
-  int32_t created = 0;  // the code of its session
+  int32_t created = 0;  // the code of creating its session
   std::atomic<int> demotions = 0;
 };
 
-// Of the run that is going on: the functions that give room have no context.
+// The client of the current run: reallocation functions have no context.
 tClient* theClient = nullptr;
 
 char* giveRoom(char*, size_t required, const char*, size_t) {
   return required <= sizeof theClient->answer ? theClient->answer : nullptr;
 }
 
-// One call with a status of its own: the code, which is all that counts here.
+// Makes one call with its own status and returns the code.
 template <class Call>
 auto withStatus(Call call) {
   return [call] {
@@ -318,7 +318,7 @@ void routingLife(tRun& run) {
 }
 
 int32_t demote(tClient& client) {
-  // Without notifications there is nothing to wait for.
+  // Without notifications no demotion is delivered: wait only briefly.
   const int patienceMilliseconds = client.created == 0 ? 30000 : 10;
   {
     const tOffTheRecord offTheRecord;

@@ -1,4 +1,4 @@
-// The scenarios of the catalogue: lives of the library as its clients lead them, through the exports.
+// The scenarios of the fault sweep: typical uses of the library through its exports.
 #ifndef TESTS_CATALOGUE_SCENARIOS_H
 #define TESTS_CATALOGUE_SCENARIOS_H
 
@@ -12,16 +12,16 @@ namespace nTests {
 
 struct tScenario {
   std::string_view name;
-  // The machine as the scenario needs it.
+  // Prepares the machine for the scenario.
   void (*prepare)();
   void (*run)(tRun& run);
-  // What must be true after each run, whatever went wrong in it.
+  // Checks the invariants that must hold after each run, with or without a fault.
   void (*check)(const tRun& run);
-  // What a step that did not work may report when memory is short.
+  // The codes that a failed step may report when out of memory.
   std::set<int32_t> shortMemory;
 };
 
-// The step in which a demotion is to be told, and its code when nobody is.
+// The step in which a demotion must be delivered, and its code if it is not.
 inline constexpr const char* kDemotionStep = "demotion is told";
 inline constexpr int32_t kNotTold = 1;
 

@@ -13,12 +13,12 @@
 namespace nTests {
 
 enum class tStepKind : uint8_t {
-  needed,  // when it fails the scenario is over, but for what reports nothing
-  single,  // when it fails the others go on
-  silent,  // reports nothing; is always done, as one cleans up
+  needed,  // a failure ends the scenario, except for silent steps
+  single,  // the scenario continues after a failure
+  silent,  // cleans up: always runs and reports nothing
 };
 
-// What one step of a scenario gave.
+// The result of a step of a scenario.
 struct tStep {
   std::string name;
   tStepKind kind;
@@ -29,10 +29,10 @@ void PrintTo(const tStep& step, std::ostream* out);
 
 using tCallCounts = std::array<unsigned, nFakeWindows::kCalls>;
 
-// One run of a scenario. Its steps are calls of exports.
+// A run of a scenario. Its steps are calls of exports.
 class tRun {
  public:
-  // Lets the nth allocation of the steps fail; 0: none.
+  // Makes the nth allocation of the steps fail; 0: none.
   explicit tRun(unsigned failingAllocation = 0) : failingAllocation_(failingAllocation) {}
   tRun(const tRun&) = delete;
   tRun& operator=(const tRun&) = delete;
@@ -59,7 +59,7 @@ class tRun {
   }
 
   [[nodiscard]] const std::vector<tStep>& steps() const { return steps_; }
-  // The step in which the nth call of a function was made; that behind the last when in none.
+  // The index of the step that made the nth call of a function; the number of steps if none did.
   [[nodiscard]] size_t stepOf(nFakeWindows::tCall call, unsigned nth) const;
   [[nodiscard]] unsigned allocations() const { return allocations_; }
 
