@@ -54,7 +54,7 @@ std::vector<const tKernels*> supportedKernels() {
 // The goals apply to this size; a smaller payload may fit into a cache and be faster.
 constexpr size_t kMebibytesOfGoals = 64;
 
-// Returns a goal that only the selected kernels have to reach.
+// Returns a goal that only the selected kernels must reach.
 std::optional<tGoal> goalOfBest(const tKernels* kernels, size_t bytes, tGoal goal) {
   const bool counts = bytes == kMebibytesOfGoals << 20 && kernels == supportedKernels().front();
   return counts ? std::optional(std::move(goal)) : std::nullopt;

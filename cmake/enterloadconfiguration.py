@@ -5,8 +5,8 @@ Usage: enterloadconfiguration.py IMAGE
 
 GNU ld 2.40 leaves the directory entry empty. The configuration is the constant _load_config_used,
 which the script finds in the image's symbol table. GNU ld also marks the sections of the imports,
-the start-up tables and the resources as writable. Only the loader writes to them, and it changes their
-protection for that time. The script is idempotent.
+the start-up tables and the resources as writable. Only the loader writes to them, and it changes
+their protection for that time. The script is idempotent.
 """
 
 import pathlib
