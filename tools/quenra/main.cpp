@@ -106,7 +106,7 @@ std::vector<std::string> commandLineWords() {
 }  // namespace
 
 int main() {
-  // Lines end in LF on every system; the output's own buffer converts nothing.
+  // Lines end in LF on every system. The buffer of the standard output converts none either.
   _setmode(_fileno(stderr), _O_BINARY);
   const tConsole console;
   nCommandLine::tOutputBuffer buffer(&writeOutput);

@@ -167,7 +167,7 @@ inline constexpr tAttributeRow kRows[] = {
 
 inline constexpr std::span<const tAttributeRow> kAttributes{nAttributeRows::kRows};
 
-// Attributes that can only be written.
+// Write-only attributes.
 inline constexpr tAttributeRow kSettings[] = {
     {QUENRA_TEXT_SETTING_OF_BOTH,
      "text-setting-of-both",

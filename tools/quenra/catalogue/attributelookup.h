@@ -9,14 +9,14 @@
 
 namespace nCommandLine {
 
-// By id without selector and instance. Null when the catalogue has no such attribute.
+// Finds a row by its id without selector and instance. Null if the catalogue has none.
 [[nodiscard]] const tAttributeRow* findAttribute(uint32_t id) noexcept;
 
-// By name: 'product-name', in any case, with '_' for '-', or as the header's constant. Null when the
-// catalogue has no such attribute.
+// Finds a row by its name: 'product-name', in any case, with '_' for '-', or by the header's
+// constant. Null if the catalogue has none.
 [[nodiscard]] const tAttributeRow* findAttribute(std::string_view name);
 
-// The same for attributes that can only be written.
+// As above, for write-only attributes.
 [[nodiscard]] const tAttributeRow* findSetting(uint32_t id) noexcept;
 [[nodiscard]] const tAttributeRow* findSetting(std::string_view name);
 
@@ -24,7 +24,7 @@ namespace nCommandLine {
 // As above, for every writable attribute including the write-only ones.
 [[nodiscard]] std::vector<std::string> suggestWritable(std::string_view name);
 
-// The attribute that counts the instances; null where none does.
+// The attribute that counts the instances; null if none does.
 [[nodiscard]] const tAttributeRow* countingAttribute(const tInstanceRow& instances) noexcept;
 
 // "1 per slot, at most 4, counted by slot-count"; empty for an attribute without instances.

@@ -56,7 +56,7 @@ struct tAttributeRow {
   std::string_view name;
   const tSubjectRow* subject;
   const tInstanceRow* instances;
-  std::string_view unit;  // empty where there is none
+  std::string_view unit;  // empty for none
   std::string_view description;
   std::string_view source;
   tValueForm form = tValueForm::plain;

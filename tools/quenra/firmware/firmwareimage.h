@@ -17,7 +17,7 @@
 namespace nCommandLine {
 
 struct tImageSection {
-  size_t position = 0;  // where it starts in the image, in bytes
+  size_t position = 0;  // offset in the image, in bytes
   // A field that cannot be read, and all fields after it, are 0 or empty.
   nQUENRA1400::tSectionHeader header;
   size_t textSize = 0;  // of the encoded payload; 0 if no empty line ends the header
@@ -44,7 +44,7 @@ struct tFirmwareImage {
 [[nodiscard]] tFirmwareImage inspectImage(std::string_view bytes);
 
 // The error for a file without sections, with its remedy. The library accepts such a file and marks
-// the Marten as updated, so the command line has to refuse it.
+// the Marten as updated, so the command line must refuse it.
 [[nodiscard]] tCommandError notAnImage(const std::string& path, const tFirmwareImage& image);
 
 }  // namespace nCommandLine

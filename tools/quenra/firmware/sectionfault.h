@@ -8,7 +8,7 @@
 
 namespace nCommandLine {
 
-// Why the library refuses a section of a firmware image.
+// The reason why the library refuses a section of a firmware image.
 struct tSectionFault {
   int32_t code = 0;
   uint32_t line = 0;        // of the site that reported the fault; 0 if unknown

@@ -16,7 +16,7 @@ namespace nCommandLine {
 
 void printSections(const tStreams& streams, const tFirmwareImage& image);
 
-// Why the library refuses a section, with the values that differ.
+// The reason why the library refuses a section, with the values that differ.
 [[nodiscard]] std::string faultText(const tImageSection& section);
 
 // Prints a message for every section that the library refuses, and for every remark.

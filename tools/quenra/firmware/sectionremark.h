@@ -12,11 +12,11 @@ namespace nCommandLine {
 struct tSectionRemark {
   std::string fact;        // a sentence without its full stop
   std::string remedy;      // a sentence
-  bool isRefused = false;  // an update needs --allow-any-path
+  bool isRefused = false;  // an update requires --allow-any-path
 };
 
-// Why a file name of an image is not one plain component of a path; nothing if it is one. The library
-// joins the name to its folder, so any other name writes elsewhere, with the rights of the update.
+// The reason why a file name of an image is not one plain path component; empty if it is one. The
+// library joins the name to its folder, so any other name can write elsewhere with its rights.
 [[nodiscard]] std::optional<std::string> faultOfFileName(std::string_view name);
 
 // True if a text is a version that the library can compare: major.minor.update, a phase letter d, a, b

@@ -17,7 +17,7 @@ namespace nCommandLine {
 // True if --json is among the options, even if the usage is wrong otherwise.
 [[nodiscard]] bool wantsJson(std::span<const char* const> words) noexcept;
 
-// The verb among the words; empty where there is none.
+// The verb among the words; empty for none.
 [[nodiscard]] std::string_view verbIn(std::span<const char* const> words) noexcept;
 
 }  // namespace nCommandLine

@@ -17,7 +17,7 @@ namespace nCommandLine {
 // rearranges one.
 [[nodiscard]] std::string printableText(std::string_view bytes);
 
-// The text as a string of JSON with its quotes, with the same characters escaped.
+// The text as a quoted JSON string, with the same characters escaped.
 [[nodiscard]] std::string jsonText(std::string_view bytes);
 
 [[nodiscard]] bool isUtf8(std::string_view bytes);

@@ -12,7 +12,7 @@ constexpr uint64_t kLargestBufferSize = uint64_t{1024} * 1024;
 constexpr int kMostAttempts = 8;
 
 // The library leaves the buffer unchanged if the SMBIOS table is malformed, so it must hold an
-// empty text before the call. The byte beyond `size` stays NUL whatever the library writes.
+// empty text before the call. The byte beyond `size` stays NUL if the library fills the rest.
 int32_t readTextOnce(iQuenra& library, uint64_t handle, uint32_t id, std::string& text,
                      uint64_t& size) {
   text.assign(static_cast<size_t>(size) + 1, '\0');

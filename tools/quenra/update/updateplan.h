@@ -39,7 +39,7 @@ struct tPlannedSection {
   tSectionAction action;
   std::string reason;  // why it is not applied, or is applied although not newer; often empty
 
-  // How to apply it nevertheless; empty unless an option prevents it.
+  // The remedy for a section that an option leaves out; empty for any other section.
   [[nodiscard]] std::string_view remedy() const noexcept {
     return action == tSectionAction::leaveOut ? "without --only-newer it is applied" : "";
   }

@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// `quenra firmware build`: makes a firmware image.
+// `quenra firmware build`: builds a firmware image.
 [[nodiscard]] tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine

@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// `quenra firmware verify`: judges a firmware image.
+// `quenra firmware verify`: checks a firmware image.
 [[nodiscard]] tExitCode runFirmwareVerify(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine

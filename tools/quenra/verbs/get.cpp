@@ -25,7 +25,7 @@ struct tAnswer {
   std::string instanceFault = {};
 };
 
-// "memory-size has 3 instances (0 to 2)"; empty where the machine has the instance.
+// "memory-size has 3 instances (0 to 2)"; empty if the machine has the instance.
 std::string instanceFaultOf(const tController& controller, const tWantedAttribute& wanted) {
   const uint8_t instance = wanted.address.instance;
   if (wanted.row == nullptr || (wanted.row->instances->most == 1 && instance == 0)) {

@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// `quenra route connect`: makes a route between two terminals and holds it.
+// `quenra route connect`: connects two terminals and holds the route.
 [[nodiscard]] tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine

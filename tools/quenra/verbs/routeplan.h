@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// `quenra route plan`: the routes between two terminals, none of which is made.
+// `quenra route plan`: lists the routes between two terminals without connecting any.
 [[nodiscard]] tExitCode runRoutePlan(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine

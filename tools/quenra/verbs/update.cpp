@@ -225,7 +225,7 @@ void printDocument(std::ostream& stream, const tPlanAnswer& answer, std::string_
   document.writeTo(stream);
 }
 
-// Does not call the library, which would mark the Marten as updated without sending anything.
+// The update ends here: the library would mark the Marten as updated without sending anything.
 tExitCode reportNothingToDo(const tPlanAnswer& answer, const tVerbContext& context) {
   printWarnings(context.streams.error, answer.warnings);
   if (context.json) {

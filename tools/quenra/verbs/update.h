@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// `quenra update`: applies a firmware image, or says what that would do.
+// `quenra update`: applies a firmware image, or prints the plan of the update.
 [[nodiscard]] tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context);
 
 }  // namespace nCommandLine
