@@ -1,4 +1,4 @@
-// What the driver's answer becomes.
+// The results and the status of a request that the driver has answered.
 #include <gtest/gtest.h>
 
 #include <cstring>

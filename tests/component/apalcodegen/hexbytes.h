@@ -9,7 +9,7 @@
 
 namespace nTests {
 
-// "0A ff 00" as bytes, and back as "0a ff 00".
+// Convert "0A ff 00" to bytes, and bytes to "0a ff 00".
 std::vector<uint8_t> bytesOf(std::string_view hexadecimal);
 std::string hexadecimalOf(std::span<const uint8_t> bytes);
 

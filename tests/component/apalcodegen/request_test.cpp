@@ -1,4 +1,4 @@
-// What goes out.
+// The bytes of each request that a typed interface sends.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -97,7 +97,7 @@ TEST(ExchangeValues, ToAskForTheSizes_SendsZeros) {
   EXPECT_EQ(device.requests()[0].in, std::vector<uint8_t>(32));
 }
 
-// Each typed interface is a channel itself: that of its device.
+// A typed interface is itself a channel and forwards to its device.
 template <class Interface>
 class TypedInterface : public testing::Test {};
 using tInterfaces = testing::Types<nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostController,

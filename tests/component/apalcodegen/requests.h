@@ -22,7 +22,7 @@ enum class tOut {
   result
 };
 
-// The arguments that go in and come out; before a call they hold what the golden bytes show.
+// The in-out and out arguments of a call, initialised to their values in the golden bytes.
 struct tOuts {
   uint32_t size = 0x51525354;       // textSize of exchangeValues, size of getAttribute, counts
   int32_t tableSize = -0x01020304;  // tableSize of exchangeValues
@@ -40,17 +40,17 @@ struct tTypedInterfaces {
   nQUENRA1400::nZOAPAL000::tInterfaceProxy_routing routing;
 };
 
-// One request of a typed interface, and what is promised of it.
+// One request of a typed interface, with its expected code, bytes, reply size and location.
 struct tRequestPromise {
   const char* name;
   void (*send)(tTypedInterfaces&, tOuts&, nZOAPALS100::tStatus&);
   uint32_t code;
   const char* goldenBytes;  // up to the caller's status code
-  uint32_t replySize;       // the driver's status code are the last four bytes
+  uint32_t replySize;       // the last four bytes are the driver's status code
   const char* file;
   uint32_t line;
-  std::vector<tOut> outs;      // where the values of the reply go, in their order
-  const char* goldenEnd = "";  // what follows the caller's status code
+  std::vector<tOut> outs;      // destinations of the reply's values, in order
+  const char* goldenEnd = "";  // bytes after the caller's status code
 };
 
 std::ostream& operator<<(std::ostream& out, const tRequestPromise& promise);
@@ -63,7 +63,7 @@ class EveryRequest : public testing::TestWithParam<tRequestPromise> {
   void send(nZOAPALS100::tStatus& status) { GetParam().send(interfaces_, outs_, status); }
   // A reply of the request's full size with the values 0xA1A2A3A4, 0xB1B2B3B4 and the driver's code.
   [[nodiscard]] static std::vector<uint8_t> replyWith(int32_t driverCode);
-  // What the arguments hold after that reply, and after one of zeros.
+  // The arguments after that reply, and after a reply of zeros.
   [[nodiscard]] static tOuts outsOfReply();
   [[nodiscard]] static tOuts outsOfZeros();
 

@@ -1,4 +1,4 @@
-// What becomes of a request that does not reach the driver, or whose answer does not come back.
+// Requests that fail in transport: they do not reach the driver, or the answer does not return.
 #include <gtest/gtest.h>
 
 #include <algorithm>

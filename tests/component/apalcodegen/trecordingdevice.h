@@ -9,25 +9,25 @@
 
 namespace nTests {
 
-// A device that records the requests it is sent and answers as it is told.
+// A device that records the requests it receives and sends a scripted reply.
 class tRecordingDevice final : public nQUENRA1400::nZOAPAL000::tDeviceInterfaceProxy {
  public:
   struct tRequest {
     uint32_t code;
     std::vector<uint8_t> in;
     uint32_t outSize;
-    nZOAPALS100::tStatus transport;  // as it came in
+    nZOAPALS100::tStatus transport;  // on entry
   };
 
   // The driver's reply; bytes beyond the caller's buffer are cut off.
   void answerWith(std::vector<uint8_t> reply) { reply_ = std::move(reply); }
-  // What happens to the transport status of a request.
+  // A change to apply to the transport status of each request.
   void transportWill(std::function<void(nZOAPALS100::tStatus&)> change) {
     changeTransport_ = std::move(change);
   }
 
   [[nodiscard]] const std::vector<tRequest>& requests() const { return requests_; }
-  // What the typed interface has passed through without making a request of it.
+  // The calls that the typed interface forwarded unchanged, in order.
   [[nodiscard]] const std::vector<const char*>& passedThrough() const { return passedThrough_; }
 
   void close() noexcept override;

@@ -20,7 +20,7 @@
 
 namespace nTests {
 
-// What a run of the program left behind.
+// The exit code and output of one run of the program.
 struct tRun {
   int exitCode;
   std::string out;
@@ -34,10 +34,10 @@ class CommandLineTest : public testing::Test {
  protected:
   ~CommandLineTest() override;
 
-  // With the words as they stand after the program's name.
+  // Runs the program with these arguments, without the program's name.
   tRun run(const std::vector<std::string>& words);
   tRun runOnTerminal(const std::vector<std::string>& words);
-  // On an output whose every write ends with the result of `write`.
+  // Runs with an output whose every write returns the result of `write`.
   tRun runOnOutput(const std::vector<std::string>& words, std::function<std::error_code()> write);
 
   tScriptedLibrary library_;
@@ -51,13 +51,13 @@ class CommandLineTest : public testing::Test {
   int runOn(const std::vector<std::string>& words, nCommandLine::tStreams& streams);
 };
 
-// A verb as the words that are typed for it.
+// The words of a verb, as separate arguments.
 [[nodiscard]] std::vector<std::string> wordsOf(std::string_view verb);
 
 // The names of an object's members, in order.
 [[nodiscard]] std::vector<std::string> memberNames(const rapidjson::Value& object);
 
-// The item of an array whose member has that text; fails the test when there is none.
+// The array item whose member has this text; fails the test if no item has.
 [[nodiscard]] const rapidjson::Value& itemWith(const rapidjson::Value& array, const char* member,
                                                std::string_view text);
 

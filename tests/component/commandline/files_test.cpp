@@ -90,7 +90,7 @@ TEST_F(Files, ReadOfADirectory_ReportsADirectory) {
 TEST_F(Files, ReadBelowAFile_ReportsTheWrongPath) {
   static_cast<void>(folder_.file("file", "x"));
   const std::string path = folder_.path("file/below");
-  // Windows does not distinguish the two.
+  // Windows reports the same error for a parent that is a file and for a missing one.
   const std::string reason = kIsWindows ? "no such file" : "a part of the path is not a directory";
   EXPECT_EQ(readMessage(path), "cannot read '" + path + "': " + reason);
 }
@@ -161,10 +161,10 @@ TEST_F(Files, TemporaryNameThatExists_IsNeitherWrittenNorRemoved) {
   EXPECT_EQ(folder_.files(), 2u);
 }
 
-// The device that is always full. Wine has the files of its host on drive Z:.
+// /dev/full fails every write for lack of space. Wine maps the host's files to drive Z:.
 TEST_F(Files, WriteToAFullDisk_ReportsTheSpaceAndKeepsTheOldFile) {
   const std::string path = folder_.file("file", "old");
-  for (const size_t size : {1u, 100'000u}) {  // fails when the file is flushed, and before
+  for (const size_t size : {1u, 100'000u}) {  // fails in the flush, or in an earlier write
     EXPECT_EQ(messageOf([&] {
                 writeFile(path, std::string(size, 'x'), tExistingFile::replace, [](const auto&) {
                   return std::fopen(kIsWindows ? "Z:\\dev\\full" : "/dev/full", "wb");
@@ -192,7 +192,7 @@ TEST_F(Files, DeviceThatFailsARead_ReportsAnInputOutputError) {
             "cannot read '/proc/self/mem': the device reports an input/output error");
 }
 
-// Runs without the rights of the superuser, who has access to everything.
+// Runs as an unprivileged user: the superuser passes every access check.
 class tUnprivilegedUser {
  public:
   tUnprivilegedUser() { static_cast<void>(seteuid(kNobody)); }

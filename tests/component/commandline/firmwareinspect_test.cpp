@@ -249,7 +249,7 @@ TEST_F(FirmwareInspect, EveryFaultOfTheFormat_HasAReasonAndARemedy) {
   for (size_t i = 0; i < documented.size(); ++i) {
     const auto& [line, section] = kFaulty[i];
     EXPECT_EQ(documented[i][1], std::to_string(line));
-    // What is missing is not to be found behind it; an empty line is, for the payload's beginning.
+    // No later section may supply the missing key; only line 214 needs one, for its empty line.
     const std::string tail = line == 214 ? firmwareImage({digits("MARTEN")}) : "";
     const tFirmwareImage image = inspectImage(firmwareImage({digits("BIOS"), section}) + tail);
     ASSERT_GE(image.sections.size(), 2u) << line;

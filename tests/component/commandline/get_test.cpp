@@ -10,7 +10,7 @@ using testing::IsEmpty;
 
 class Get : public CommandLineTest {
  protected:
-  // The id that a command line makes the library read.
+  // The id that the command line reads from the library.
   uint32_t idReadBy(const std::vector<std::string>& words) {
     library_.reads.clear();
     const tRun result = run(words);

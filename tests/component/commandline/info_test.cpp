@@ -21,7 +21,7 @@ class Info : public CommandLineTest {
     library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE + 1, 8192);
     library_.text(QUENRA_ATTRIBUTE_PROCESSOR_VERSION, "T6");
   }
-  // How often an attribute, with any instance, was read.
+  // The number of reads of an attribute, over all instances.
   std::ptrdiff_t readsOf(uint32_t id) {
     return std::ranges::count_if(library_.reads,
                                  [id](uint32_t read) { return (read & ~0xFFu) == id; });

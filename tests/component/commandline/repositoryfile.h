@@ -16,7 +16,7 @@ namespace nTests {
 [[nodiscard]] std::map<std::string, int64_t> enumeratorsOf(std::string_view path,
                                                            std::string_view prefix);
 
-// The rows of the Markdown table under a heading, as cells without `` ` ``; the head is left out.
+// The rows of the Markdown table under a heading, without its header, as cells without `` ` ``.
 [[nodiscard]] std::vector<std::vector<std::string>> tableUnder(std::string_view path,
                                                                std::string_view heading);
 

@@ -14,7 +14,7 @@ using tWords = std::vector<std::string>;
 
 constexpr const char* kDevice = R"(\\?\root#quenra#0000)";
 
-// The words of a verb of a route between two terminals, with more behind them.
+// The arguments of a route verb between two terminals, followed by `more`.
 tWords routeWords(const char* action, const tWords& more = {}) {
   tWords words{"route", action, "--from", "TRIG_SMB", "--to", "PXI_Trig0"};
   words.insert(words.end(), more.begin(), more.end());
@@ -25,7 +25,7 @@ class Routing : public CommandLineTest {
  protected:
   void SetUp() override { library_.text(QUENRA_ATTRIBUTE_DEVICE_PATH, kDevice); }
 
-  // What was asked of a router behind the calculation, without the session's end.
+  // The calls to the router after the calculation, without the end of the session.
   std::vector<std::string> callsBehindCalculation() const {
     std::vector<std::string> calls;
     for (size_t i = 2; i + 1 < routing_.calls.size(); ++i) {

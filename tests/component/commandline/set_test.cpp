@@ -12,7 +12,7 @@ using tWrite = tScriptedLibrary::tWrite;
 
 class Set : public CommandLineTest {
  protected:
-  // What a command line makes the library write.
+  // The one write that the command line sends to the library.
   tWrite writtenBy(const tWords& words) {
     library_.writes.clear();
     const tRun result = run(words);

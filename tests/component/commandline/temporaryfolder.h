@@ -7,7 +7,7 @@
 
 namespace nTests {
 
-// An empty folder, which goes with everything in it.
+// An empty folder; the destructor removes it with its contents.
 class tTemporaryFolder {
  public:
   tTemporaryFolder();
@@ -15,11 +15,11 @@ class tTemporaryFolder {
   tTemporaryFolder& operator=(const tTemporaryFolder&) = delete;
   ~tTemporaryFolder();
 
-  // The path of a file in it, as it is typed.
+  // The path of a file in the folder, as a user types it.
   [[nodiscard]] std::string path(std::string_view name) const;
-  // ... which is written.
+  // The same; also writes the file.
   std::string file(std::string_view name, std::string_view content) const;
-  // What is in a file; "(none)" when there is no such file.
+  // The content of a file; "(none)" if it does not exist.
   [[nodiscard]] std::string content(std::string_view name) const;
   [[nodiscard]] size_t files() const;
 

@@ -9,7 +9,7 @@
 
 namespace nTests {
 
-// A user who presses Ctrl-C at once, or never.
+// A user who presses Ctrl-C immediately or never.
 class tScriptedInterruption final : public nCommandLine::iInterruption {
  public:
   void await() noexcept override { isAwaited = true; }
@@ -17,7 +17,7 @@ class tScriptedInterruption final : public nCommandLine::iInterruption {
     ++asked;
     return isAwaited && comes;
   }
-  // For another thread: until it has been asked so many times.
+  // For another thread: waits until hasCome() was called this many times.
   void waitUntilAsked(int times) const {
     while (asked < times) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));

@@ -13,12 +13,12 @@
 
 namespace nTests {
 
-// A library that answers what it was told. Attributes it was told nothing about are not supported.
+// A library with scripted answers. Attributes without an answer are not supported.
 class tScriptedLibrary final : public nCommandLine::iQuenra {
  public:
   void text(uint32_t id, std::string value, int32_t code = QUENRA_STATUS_SUCCESS);
   void number(uint32_t id, uint32_t value, int32_t code = QUENRA_STATUS_SUCCESS);
-  // The code, and nothing is written.
+  // Makes reads of the attribute return this code and write nothing.
   void code(uint32_t id, int32_t code);
   // Runs before each answer to a text read.
   void beforeText(std::function<void()> action) { beforeText_ = std::move(action); }

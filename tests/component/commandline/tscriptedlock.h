@@ -26,7 +26,7 @@ class tScriptedLock final : public nCommandLine::iUpdateLock {
   }
   void release() noexcept override { --held; }
 
-  std::deque<nCommandLine::tLockState> states;  // of the next calls; acquired after them
+  std::deque<nCommandLine::tLockState> states;  // results of the next calls; acquired after them
   int held = 0;
 };
 

@@ -20,7 +20,7 @@ constexpr tTerminalRow kTerminals[] = {
     {"PXI_Trig0", 4, "public", "PXI_Trig", 0, true},
 };
 
-// Handles that nobody follows.
+// Opaque handles: no code dereferences them.
 char sessionPlace = 0;
 char iteratorPlace = 0;
 

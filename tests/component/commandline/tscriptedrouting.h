@@ -11,7 +11,7 @@
 
 namespace nTests {
 
-// The routing functions with a router that answers what it was told. It knows three terminals.
+// The routing functions with a router whose answers are scripted. It has three terminals.
 class tScriptedRouting final : public nCommandLine::iRouting {
  public:
   tSession* createSession(const char* device, zoroco_Reallocate reallocate,
@@ -40,14 +40,14 @@ class tScriptedRouting final : public nCommandLine::iRouting {
                            zoerr_Status* status) noexcept override;
   void destroyIterator(tIterator* iterator) noexcept override;
 
-  // Tells the session's client of a demotion.
+  // Reports a demotion to the session's client.
   void demote(int32_t reason);
-  // ... of several, on a thread of the session, which its end waits for.
+  // Reports several on a thread of the session; destroySession waits for that thread.
   void demoteOnItsThread(std::vector<int32_t> reasons);
 
-  // What was asked, without the walks over the terminals: "reserve 7", "calculate ... ... ...".
+  // The calls, without those that iterate over terminals: "reserve 7", "calculate ... ... ...".
   std::vector<std::string> calls;
-  // What a call answers, by its first word: "reserve".
+  // The code that a call reports, by its first word: "reserve".
   std::map<std::string, int32_t, std::less<>> codes;
   // The description of a status with a code; empty for none.
   std::string description;
@@ -56,11 +56,11 @@ class tScriptedRouting final : public nCommandLine::iRouting {
   std::string conflicts = "[]";
   std::string path = R"(["TRIG_SMB","PXI_Trig0"])";
   std::function<void()> afterProgramming;
-  int sessions = 0;   // that are open
-  int iterators = 0;  // that were not destroyed
+  int sessions = 0;   // not yet destroyed
+  int iterators = 0;  // not yet destroyed
 
  private:
-  // Notes the call, and answers its code; false when nothing is to be done.
+  // Records the call and reports its code; false if the call must return without effect.
   bool take(const std::string& call, zoerr_Status* status);
   void answer(const std::string& text, char** output, zoerr_Status* status) const;
 

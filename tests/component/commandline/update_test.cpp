@@ -54,7 +54,7 @@ class UpdateVerb : public CommandLineTest {
     EXPECT_EQ(document["exitCode"].GetInt(), result.exitCode);
     return document;
   }
-  // What a plan wants to do with each section, in order.
+  // The action that a plan lists for each section, in order.
   std::vector<std::string> actionsFor(const tSections& sections, const tWords& more = {}) {
     const auto document = planOf(sections, more);
     std::vector<std::string> actions;
@@ -686,7 +686,7 @@ TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
   EXPECT_FALSE(asDocument.document().HasParseError());
 }
 
-// ---- Two updates at once ----
+// ---- Concurrent updates ----
 
 using nCommandLine::tLockState;
 

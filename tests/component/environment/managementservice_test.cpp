@@ -1,4 +1,4 @@
-// The encryption test with Windows's own COM and the machine's management service.
+// The encryption test with the COM of Windows and the machine's management service.
 #include <windows.h>
 // Needs windows.h first.
 #include <objbase.h>
@@ -32,7 +32,7 @@ tAnswer ask() {
   return {isEncrypted, status.code, lineOf(status)};
 }
 
-// On a thread of its own, whose use of COM is the test's to choose.
+// Runs the operation on a new thread, on which the test decides whether COM is initialised.
 template <class Operation>
 void onANewThread(Operation operation) {
   std::thread(operation).join();
@@ -103,7 +103,7 @@ TEST_F(ManagementService, ThreadWithoutCom_HasNoneAfterwards) {
 }
 
 TEST_F(ManagementService, AfterItsLastUse_StaysLoaded) {
-  // Loading it again and again would take memory each time.
+  // Reloading the service for each use would consume memory each time.
   onANewThread([] { EXPECT_EQ(ask(), kNotEncrypted); });
   EXPECT_NE(GetModuleHandleA("quenrasimmanagement.dll"), nullptr);
 }

@@ -1,4 +1,4 @@
-// The rules of COM that the library relies on, as the fake keeps them.
+// The rules of COM that the library relies on, as the fake implements them.
 #include <windows.h>
 // Both need windows.h first.
 #include <objbase.h>

@@ -1,4 +1,4 @@
-// The rules of Windows that the library relies on, as the fake keeps them.
+// The rules of Windows that the library relies on, as the fake implements them.
 #include <windows.h>
 // setupapi.h needs windows.h first.
 #include <setupapi.h>
@@ -21,7 +21,7 @@ using nFakeWindows::tCompletion;
 
 const auto kControllerClass = std::bit_cast<GUID>(kControllerInterfaceClass);
 
-// With its lowest bit set: no port is told.
+// With its lowest bit set, which suppresses the completion packet.
 HANDLE tagged(HANDLE event) {
   return static_cast<char*>(event) + 1;
 }
@@ -76,7 +76,7 @@ TEST_F(FakeWindows, FileThatIsNotThere_IsNotFound) {
   EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
 }
 
-// A request under way, for values that fill twelve bytes.
+// A pending request whose reply has twelve bytes.
 class tExchange {
  public:
   explicit tExchange(HANDLE file) : file_(file) {
@@ -236,7 +236,7 @@ TEST_F(FakeWindows, OpenObjects_AreListed) {
   EXPECT_TRUE(nFakeWindows::objects().open().empty());
 }
 
-// ---- What no program may do ----
+// ---- Programming errors ----
 
 TEST_F(FakeWindowsDeathTest, ClosingTwice_Stops) {
   const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);

@@ -161,7 +161,7 @@ void useRoute(tClient& client) {
   zoroco_ra_quenra_destroyRoute(client.session, ticket, 0, 0);
 }
 
-// A notice that may name an object that is not there, or tell of a payload that is not there.
+// A notice that may name an object that does not exist, or claim a payload that was not sent.
 void sendNotice(tByteSource& bytes) {
   const tOffTheRecord offTheRecord;
   tSimulatorNotice notice{};
@@ -172,7 +172,7 @@ void sendNotice(tByteSource& bytes) {
   try {
     nSimulator::tSimulatedMachine().notify(notice);
   } catch (const nSimulator::tControlError&) {
-    // Nobody is registered: the driver has lied about that before.
+    // No registration exists: the misbehaving driver did not make it.
   }
 }
 
@@ -207,7 +207,7 @@ void liveWithLies(std::span<const uint8_t> bytes) {
   constexpr size_t kBytesOfNotices = 64;
   faultPlan().reset();
   const uint8_t manner = bytes.empty() ? 0 : bytes[0];
-  // Waiting takes its time: seldom.
+  // Late completions are slow: one input in 32 uses them.
   faultPlan().complete(manner % 32 == 1 ? nFakeWindows::tCompletion::later
                                         : nFakeWindows::tCompletion::atOnce);
   objects().repeatCompletions(manner / 32 % 3 + 1u);

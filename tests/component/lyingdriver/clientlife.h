@@ -9,15 +9,15 @@
 
 namespace nTests {
 
-// The fake machine, the way the life needs it: to be made once.
+// Prepares the fake machine for the functions below. Call it once.
 void prepareMachineForLives();
 
-// Leads the life of a client that asks for everything there is: attributes, routes, demotions, with a
-// driver. The client's buffers are exactly as large as it says. Notices are sent as the bytes say.
-// Nothing may be left behind; the program ends at what is.
+// Runs a client that uses attributes, routes and demotions with this driver. Its buffers have the
+// exact size that it passes; `notices` determines the notices that the machine sends. Ends the
+// program if an object remains open.
 void liveWith(nFakeWindows::tDriver driver, tByteSource& notices);
 
-// The same with a driver that lies as the bytes say, also about when and how often requests complete.
+// The same with a driver whose replies, completion times and repeated completions follow `bytes`.
 void liveWithLies(std::span<const uint8_t> bytes);
 
 }  // namespace nTests

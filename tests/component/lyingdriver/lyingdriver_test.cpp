@@ -1,5 +1,5 @@
-// A driver that lies, about everything it can lie about. Under the address sanitizer: what is read or
-// written outside a buffer ends the program.
+// A driver that misbehaves in replies, counts, notices and completions. The address sanitizer ends
+// the program on an access outside a buffer.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ using nFakeWindows::machine;
 using nFakeWindows::objects;
 using nFakeWindows::tDriverRequest;
 
-// Answers requests with one code by these bytes, others truly.
+// Answers requests with this code by these bytes, and other requests as the model does.
 template <class Reply>
 auto answering(uint32_t code, const Reply& reply) {
   return [code, reply](const tDriverRequest& request) {
@@ -246,7 +246,7 @@ TEST_F(LyingDriver, PayloadLargerThanItsBuffer_IsNotReadAndEndsTheNotices) {
     openSession();
     notify(size);
     notify(0);
-    // Ends the thread behind both.
+    // Joins the session's thread: no notice can arrive after that.
     closeSession();
     EXPECT_EQ(demotions, 0) << size;
   }
@@ -266,8 +266,8 @@ TEST_F(LyingDriver, DeliveryShorterThanANotice_IsDropped) {
   openSession();
   notify(0);
   EXPECT_TRUE(isTold());
-  // The driver completes the delivery that is armed, and each that follows one more time, with none
-  // of the bytes of a notice.
+  // The next three requests for a delivery complete immediately, without the bytes of a notice; the
+  // fourth is armed.
   std::atomic<int> answered = 0;
   machine().useDriver([&answered](const tDriverRequest& request) {
     const bool isDelivery = request.code == REQUEST_ARM_DELIVERY;
@@ -280,7 +280,7 @@ TEST_F(LyingDriver, DeliveryShorterThanANotice_IsDropped) {
   EXPECT_EQ(demotions, 2) << "an old notice is not told again";
 }
 
-// ---- Anything ----
+// ---- Random replies ----
 
 TEST_F(LyingDriver, ThousandsOfLivesOfLies_AreSurvived) {
   for (uint32_t seed = 1; seed <= 3000; ++seed) {

@@ -33,12 +33,12 @@ tModelReply success(size_t size) {
   return {0, static_cast<uint32_t>(size)};
 }
 
-// A request that is to stay pending: whoever answers it at once must have something to say.
+// True for requests that the driver normally keeps pending.
 bool staysPending(uint32_t code) {
   return code == REQUEST_ARM_DELIVERY || code == REQUEST_REGISTER_NOTIFICATION;
 }
 
-// Not one that stands for a request that is pending: nobody would end it.
+// Never ERROR_IO_PENDING: nothing would complete the request.
 uint32_t failure(tByteSource& bytes) {
   const uint32_t error = bytes.word();
   return error == ERROR_IO_PENDING ? DWORD{ERROR_GEN_FAILURE} : error;

@@ -11,7 +11,7 @@
 
 namespace nTests {
 
-// Bytes that are used up, from the front; zeros behind them. Any thread.
+// Bytes consumed from the front; reads past the end return zeros. Any thread may read.
 class tByteSource {
  public:
   tByteSource() = default;
@@ -30,14 +30,14 @@ class tByteSource {
   size_t at_ = 0;
 };
 
-// The parts of the caller's memory that a request offers to the driver.
+// The caller's buffers that a request offers to the driver.
 [[nodiscard]] std::vector<std::span<uint8_t>> offeredTo(
     const nFakeWindows::tDriverRequest& request);
 
-// A driver that answers as its bytes say: truly, with parts changed, with anything, too short, or
-// with an error; in the caller's memory it writes what it likes as far as it was offered. It is true
-// again when the bytes are used up. Deliveries have bytes of their own, since another thread asks
-// for them.
+// A driver whose bytes select each answer: the model's reply, unchanged, altered or shortened;
+// arbitrary bytes; or an error. It writes arbitrary bytes only into buffers of the request. After
+// the last byte it answers as the model does. Requests that normally stay pending have bytes of
+// their own, since another thread sends them.
 class tLies {
  public:
   explicit tLies(std::span<const uint8_t> bytes);

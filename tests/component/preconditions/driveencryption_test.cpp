@@ -41,7 +41,7 @@ tAnswer failureAt(uint32_t line) {
 const tAnswer kEncrypted = {true, success()};
 const tAnswer kNotEncrypted = {false, success()};
 
-// The fixture fails a test that leaves an object, a text, a value, or COM itself behind.
+// Fails a test that leaks a COM object, a string or a value, or leaves COM initialised.
 class DriveEncryption : public nFakeWindows::FakeWindowsTest {
  protected:
   void TearDown() override {
@@ -171,7 +171,7 @@ TEST_F(DriveEncryption, ManyThreadsAtOnce_EachKeepItsOwnCom) {
   EXPECT_EQ(encrypted, kThreads * kTimes);
 }
 
-// A call that fails, and what becomes of it.
+// A call that fails, and the resulting answer.
 struct tFailingCall {
   tCall call;
   unsigned nth;

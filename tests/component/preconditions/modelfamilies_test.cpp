@@ -10,7 +10,7 @@ namespace {
 
 class ModelFamilies : public testing::Test {
  protected:
-  // The answer for a machine with this product name; null: it has none.
+  // The answer for a machine with this product name; null means that it has none.
   bool isOutside(const char* name) {
     tReferenceTable table;
     if (name == nullptr) {

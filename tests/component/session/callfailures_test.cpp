@@ -1,4 +1,4 @@
-// Every Windows call that opening a controller makes, failed in turn.
+// Each Windows call of opening a controller fails in turn.
 #include "tests/component/session/sessiontest.h"
 
 namespace nTests {
@@ -9,8 +9,8 @@ using nFakeWindows::tCall;
 using nFakeWindows::tCallRecord;
 using nFakeWindows::tCompletion;
 
-// What opening reports when one call of it fails with ERROR_ACCESS_DENIED (-52009). `nth` counts the
-// calls of that function.
+// The status of an opening in which one call fails with ERROR_ACCESS_DENIED (-52009). `nth` counts
+// the calls of that function.
 tOutcome expectedOutcome(tCall call, unsigned nth) {
   const bool ofController = nth == 1;
   switch (call) {
@@ -18,7 +18,7 @@ tOutcome expectedOutcome(tCall call, unsigned nth) {
       return ofController ? sessionFailure(-26932, 222)
                           : tOutcome{-52009, "tdeviceinterfaceiterator", 45};
     case tCall::setupDiEnumDeviceInterfaces:
-      // A listing that breaks off is a listing that ends.
+      // A failed enumeration counts as the end of the list.
       return ofController ? sessionFailure(-26932, 222) : success();
     case tCall::setupDiGetDeviceInterfaceDetail:
       return {-52009, "tdeviceinterfaceiterator", 232};
@@ -31,7 +31,7 @@ tOutcome expectedOutcome(tCall call, unsigned nth) {
     case tCall::getOverlappedResult:
       return {-52009, "tdeviceinterfaceproxy", 110};
     default:
-      // Nothing follows from a failed clean-up.
+      // A failed clean-up has no effect.
       return success();
   }
 }

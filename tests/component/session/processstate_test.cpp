@@ -45,7 +45,7 @@ TEST_F(ProcessState, Unloaded_ReportsNotReady) {
 
 TEST_F(ProcessState, UnloadedWithoutSession_FreesTheSmbiosTable) {
   nQUENRA1400::nZOAPAL000::tStartUp startUp;
-  // Not destroyed, as the state of the library: a table that unloading leaves is a leak.
+  // Never destroyed, like the library's state: the leak checker reports a table left by unload.
   const auto storage = std::make_unique<std::byte[]>(sizeof(nQUENRA1400::tProcessState));
   auto& state = *new (storage.get()) nQUENRA1400::tProcessState(startUp);
   state.load();

@@ -1,4 +1,4 @@
-// What the tests of opening on the fake Windows share.
+// The fixture of the tests of opening on the fake Windows.
 #ifndef TESTS_COMPONENT_SESSION_SESSIONTEST_H
 #define TESTS_COMPONENT_SESSION_SESSIONTEST_H
 

@@ -148,7 +148,7 @@ TEST(FailedStart, LeavesTheDevicePathReadable) {
 }
 
 TEST(FailedStart, LetsClosingDoNothing) {
-  // The fake Windows would stop at a lock that was never made.
+  // The fake Windows would stop at a lock that was never created.
   QUENRA_closeController(QUENRA_HANDLE);
   EXPECT_EQ(nFakeWindows::criticalSections(), 0);
 }

@@ -1,4 +1,4 @@
-// That what begins and what ends is counted, whichever way it ends.
+// The counters of objects begun and ended, for every way in which an object can end.
 #include "protocol/notificationrequests.h"
 #include "protocol/pendingrequests.h"
 #include "protocol/routingrecords.h"
@@ -33,7 +33,7 @@ class ModelCounters : public ModelTest {
     std::memcpy(bytes.data(), &asked, sizeof asked);
     return request(kRouting, code, bytes, room, token);
   }
-  // Asks for a route to the first line and to another terminal; the ticket of the first.
+  // Calculates routes to the first line and to another terminal; returns the ticket of the first.
   uint32_t calculate(uint32_t other = kTrig0 + 1) {
     put(kSeeds, tRouteSeed{kConnector, 0, 0});
     put(kDestinations, kTrig0);

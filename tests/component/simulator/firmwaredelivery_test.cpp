@@ -1,4 +1,4 @@
-// A payload on its way through the driver: out of this process's memory, into the machine's sinks.
+// The delivery of a payload by the driver, from this process's memory to the machine's sinks.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -21,7 +21,7 @@ class FirmwareDelivery : public testing::Test {
   void SetUp() override { machine.reset(); }
   void TearDown() override { machine.reset(); }
 
-  // Sends the payload on the only interface of a class; the driver's code.
+  // Sends the payload to the only interface of a class; returns the driver's code.
   template <class Proxy>
   static int32_t send(const tInterfaceClass& interfaceClass, const void* payload, uint32_t size) {
     tStatus status;

@@ -1,4 +1,4 @@
-// A model with a host of the test's own.
+// A model whose host is the test fixture.
 #ifndef TESTS_COMPONENT_SIMULATOR_MODELTEST_H
 #define TESTS_COMPONENT_SIMULATOR_MODELTEST_H
 
@@ -43,7 +43,7 @@ class ModelTest : public testing::Test {
   // Sends a request; the output buffer has `room` bytes. With a token it can be kept pending.
   tAnswer request(tSimulatorInterface kind, uint32_t code, std::span<const uint8_t> input,
                   uint32_t room, uint64_t token = 0, uint64_t file = 1) {
-    // One buffer for both, as with the system's buffered method.
+    // One buffer for input and output, as with METHOD_BUFFERED of Windows.
     std::vector<uint8_t> buffer(std::max<size_t>(input.size(), room));
     std::copy(input.begin(), input.end(), buffer.begin());
     const tModelRequest asked = {

@@ -63,7 +63,7 @@ class ModelRouter : public ModelTest {
     std::memcpy(&record, memory.data() + kRoutes + index * sizeof record, sizeof record);
     return record;
   }
-  // A route from the trigger connector to a line; its ticket.
+  // Calculates a route from the trigger connector to a line; returns its ticket.
   uint32_t ticketTo(uint32_t destination, uint64_t file = 1, uint32_t source = kConnector) {
     EXPECT_EQ(calculate({{source, 0, 0}}, {destination}, {}, file).routeCount, 1u);
     return route(0).ticket;

@@ -21,7 +21,7 @@ std::string hexadecimal(const uint8_t* bytes, size_t size) {
   return text;
 }
 
-// The hash of bytes that arrive in pieces of a size.
+// The hash of bytes that are added in pieces of this size.
 std::string hashOf(std::string_view bytes, size_t piece) {
   tSha256 hash;
   sha256Start(&hash);
@@ -38,7 +38,7 @@ struct tKnownHash {
   std::string bytes;
   const char* hash;
 };
-// As the standard's own examples and sha256sum tell them.
+// From the examples of the standard and from sha256sum.
 const tKnownHash kKnown[] = {
     {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
     {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},

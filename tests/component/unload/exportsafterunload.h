@@ -1,4 +1,4 @@
-// Calls of every kind of export after the library has been unloaded, in both worlds.
+// Calls of every kind of export after the library has been unloaded, native and on Windows.
 #ifndef TESTS_COMPONENT_UNLOAD_EXPORTSAFTERUNLOAD_H
 #define TESTS_COMPONENT_UNLOAD_EXPORTSAFTERUNLOAD_H
 
@@ -19,7 +19,7 @@ struct tExports {
   decltype(&zoroco_ra_quenra_destroySession) destroySession;
 };
 
-// Returns the number of the first export that does not do what it should, 0 if all do. The
+// Returns the number of the first export that misbehaves, 0 if none does. The
 // controller is open; `session` is live and is destroyed.
 inline int firstWrongExport(const tExports& exports, zoroco_RoutingAdaptorSession* session) {
   uint64_t handle = 17;

@@ -1,6 +1,6 @@
 // A library that uses quenra.dll and, because it loads it later, is unloaded after it when the process
-// ends. Its static destructor then calls exports and ends the process with 0 if all of them do what
-// they should.
+// ends. Its static destructor then calls exports and ends the process with 0 if all of them behave
+// as documented.
 #include <windows.h>
 
 #include <cstdint>

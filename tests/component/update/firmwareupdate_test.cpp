@@ -137,7 +137,7 @@ TEST_F(FirmwareUpdate, FolderThatCannotBeCreated_FailsAtItsLineAndRestoresTheMar
 }
 
 TEST_F(FirmwareUpdate, NameThatCannotBeConverted_FailsAtItsLineAndLeavesNoFile) {
-  // Converted for its file and for the tool, each time in two calls, and back to compare.
+  // The name is converted for the file and for the tool, in two calls each, and back to compare.
   for (const auto& [call, calls] : {std::pair<tCall, unsigned>{tCall::multiByteToWideChar, 8},
                                     {tCall::wideCharToMultiByte, 4}}) {
     for (unsigned nth = 1; nth <= calls; ++nth) {

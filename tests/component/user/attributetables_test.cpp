@@ -43,7 +43,7 @@ TEST(AttributeTables, HoldEveryAttributeOnceUnderItsOwnType) {
   EXPECT_EQ(seen.size(), 22u + 27u);
 }
 
-// Whose value is computed, or asked of the driver.
+// True for a row whose value is computed or read from the driver.
 bool isWithoutAField(const nQUENRA1400::tUnsignedRow& row) {
   using enum nQUENRA1400::tUnsignedRule;
   return row.rule == controllerKind || row.rule == memoryModuleCount ||

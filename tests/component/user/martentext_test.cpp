@@ -37,7 +37,7 @@ TEST_F(MartenText, WithNul_EndsBeforeIt) {
   EXPECT_EQ(read(), "1.4");
 }
 
-// An update leaves the version without a NUL.
+// An update writes the version without a NUL.
 TEST_F(MartenText, WithoutNul_IsComplete) {
   marten.answers[kVersion] = {"0.0.0f0", 0};
   EXPECT_EQ(read(), "0.0.0f0");

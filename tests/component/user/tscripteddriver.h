@@ -19,7 +19,7 @@ using nZOAPALS100::tStatus;
 struct tAnswer {
   std::string bytes;
   int32_t code =
-      0;  // with a negative one nothing is filled, and the reported size is that of `bytes`
+      0;  // with a negative code the driver fills no byte, and it reports the size of `bytes`
 };
 
 struct tQuestion {

@@ -182,7 +182,7 @@ TEST_F(Memory, CountBeyondTheLargest_IsRefusedWithoutAList) {
   for (unsigned nth = 1; nth <= 4; ++nth) {
     router().codes = {-89137};
     const tAllocationPlan plan(nth);
-    // A list would end in std::bad_alloc; a description that is short of memory is left out.
+    // A list would fail with std::bad_alloc; a description without memory is omitted.
     EXPECT_THROW(session_->reserveRoute(7, &output_, status_), zoerr::Exception) << nth;
   }
 }

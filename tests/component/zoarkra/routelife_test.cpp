@@ -9,7 +9,7 @@ namespace {
 
 class RouteLife : public SessionTest {
  protected:
-  // Reserves against conflicts, of which the driver reports `count`, 0 for as many as it fills.
+  // Reserves against conflicts. The driver reports `count` of them, or their true count if 0.
   tFailure reserveAgainst(std::vector<tRouteConflict> conflicts, uint32_t count = 0) {
     router().codes = {-89137};
     router().conflicts = std::move(conflicts);
@@ -17,7 +17,7 @@ class RouteLife : public SessionTest {
     return failureOf([&] { session_->reserveRoute(7, answer_.output(), status_); });
   }
   void getPath() { session_->getRouteTerminalPath(7, answer_.output(), status_); }
-  // The capacity with which paths are requested now.
+  // The capacity that the next path request offers.
   uint32_t pathCapacity() {
     getPath();
     constexpr std::string_view kCapacity = "capacity ";

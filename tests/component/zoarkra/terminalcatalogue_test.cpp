@@ -1,4 +1,4 @@
-// The command line's list of terminals is that of the library, which it cannot query in a shell.
+// The command line's list of terminals equals the library's: completion cannot query the library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// What the readers make of tables that were good once.
+// Every reader on damaged copies of a well-formed table.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -67,7 +67,7 @@ tAnswer ask(tTestProvider& provider, tFieldId field, uint32_t instance) {
   }
 }
 
-// Every reader on every field of every structure of goodTable, and a little beyond.
+// Every reader on every field of every structure of goodTable, and on a few past their ends.
 tAnswers askEverything(const std::vector<uint8_t>& table) {
   constexpr std::array kWidths{tWidthClass::text, tWidthClass::byte, tWidthClass::word,
                                tWidthClass::quadWord};

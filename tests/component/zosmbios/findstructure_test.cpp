@@ -13,7 +13,7 @@ namespace {
 using nQUENRA1400::nZOSMBIOS_1_1::tStructureOffset;
 using nZOAPALS100::tStatus;
 
-// Where the structure starts; the test fails unless a missing one is reported as it should be.
+// The structure's offset; the test fails unless a missing one is reported as documented.
 std::optional<uint32_t> find(const std::vector<uint8_t>& table, uint8_t type, uint32_t instance) {
   const tTestProvider provider(table);
   tStatus status;

@@ -7,8 +7,8 @@
 
 namespace nTests {
 
-// The operating system's firmware-table service, as the loader finds it: what it will answer, and
-// what it was asked.
+// The operating system's firmware-table service as the loader calls it: scripted answers and
+// recorded calls.
 struct tFirmwareTableService {
   std::vector<uint8_t> answer;           // with the header that precedes the structures
   std::optional<uint32_t> toldSize;      // the answer to the first call; the answer's size if none
@@ -26,7 +26,7 @@ struct tFirmwareTableService {
   std::vector<tCall> calls;
 };
 
-// The one that the loader calls.
+// The instance that the loader calls.
 tFirmwareTableService& firmwareTableService();
 
 }  // namespace nTests

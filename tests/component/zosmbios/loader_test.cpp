@@ -54,7 +54,7 @@ class Loader : public testing::Test {
   }
   // Loads while the nth allocation fails, and checks how that is reported.
   void loadShortOfMemory(unsigned nth) {
-    service().calls.reserve(2);  // the record itself must not be what runs short
+    service().calls.reserve(2);  // so that recording a call does not allocate
     {
       const tShortMemory shortMemory(nth);
       load();

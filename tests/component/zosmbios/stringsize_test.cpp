@@ -1,4 +1,4 @@
-// How a string and its size come back in buffers of every size.
+// The string, size and code that getString returns for buffers of every size.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// What the tests of the channel to the driver share: an open controller interface and the machine
-// behind it.
+// Fixtures of the tests of the channel to the driver: an open controller interface and its
+// machine.
 #ifndef TESTS_COMPONENT_PROTONS_DRIVER_DRIVERTEST_H
 #define TESTS_COMPONENT_PROTONS_DRIVER_DRIVERTEST_H
 
@@ -38,7 +38,7 @@ inline void openController(tDeviceInterfaceProxy& proxy, tStatus& status) {
   iterator.openCurrent(proxy, status);
 }
 
-// Waits for what another thread or process is about to bring about.
+// Waits up to 20 s for another thread or process to make the condition true.
 inline bool becomesTrue(const std::function<bool()>& condition) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   while (!condition()) {
@@ -50,7 +50,7 @@ inline bool becomesTrue(const std::function<bool()>& condition) {
   return true;
 }
 
-// An open proxy and the machine behind it.
+// An open proxy and the machine it is connected to.
 class DriverTest : public tDriverTestBase {
  protected:
   void SetUp() override {
@@ -101,7 +101,7 @@ class DriverTest : public tDriverTestBase {
 
 class PendingRequest : public DriverTest {
  protected:
-  // What is pending on this process's files.
+  // The number of requests pending on this process's files.
   size_t pendingCount() { return machine().pending().size(); }
 
   tPendingRequest request;

@@ -15,7 +15,7 @@ std::string programBesideThisOne(const std::string& name) {
   return own.substr(0, own.find_last_of('\\') + 1) + name;
 }
 
-// A process with a request pending, which waits for input that never comes.
+// A process that keeps a request pending: it waits for input that never arrives.
 class tHolder {
  public:
   tHolder() {

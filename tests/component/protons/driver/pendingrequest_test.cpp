@@ -80,7 +80,7 @@ TEST_F(PendingRequest, ManyAtOnce_EachHaveTheirHandle) {
   std::sort(handles.begin(), handles.end());
   EXPECT_EQ(std::unique(handles.begin(), handles.end()), handles.end());
   EXPECT_NE(handles.front(), 0u);
-  // One more than the machine keeps.
+  // One more than the machine's limit.
   EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
   expectFailure(-52000, 115);
   for (tPendingRequest& each : requests) {
@@ -89,7 +89,7 @@ TEST_F(PendingRequest, ManyAtOnce_EachHaveTheirHandle) {
   EXPECT_THAT(machine().pending(), IsEmpty());
 }
 
-// ---- What is sent ----
+// ---- Request contents ----
 
 struct tSent {
   uint32_t code;
@@ -158,7 +158,7 @@ TEST_F(PendingRequestForm, OfTheEndIsTheHandle) {
   EXPECT_EQ(named, handle);
 }
 
-// ---- Drivers that take their time, refuse, or do something else ----
+// ---- Drivers that accept late, refuse or misbehave ----
 
 TEST_F(PendingRequest, AcceptedLate_IsWaitedFor) {
   machine().setAcceptance(kSimulatorAcceptLater);
@@ -183,7 +183,7 @@ TEST_F(PendingRequest, RefusedAtOnce_FailsAtTheCall) {
   script(21, REQUEST_PENDING_NARROW);  // ERROR_NOT_READY
   EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
   EXPECT_EQ(status.code, -52010);
-  // Whether a refusal arrives with the call or behind it is the system's to say.
+  // Windows decides whether a refusal arrives with the call or as a completion.
   EXPECT_TRUE(status.line == 115 || status.line == 110) << status.line;
   EXPECT_EQ(request.handle(), 0u);
 }
@@ -212,7 +212,7 @@ TEST_F(PendingRequest, CompletedByTheDriverWithAnError_IsStillTheCallersToEnd) {
   ASSERT_NE(handle, 0u);
   machine().completePending(handle, 121);
   EXPECT_EQ(pendingCount(), 0u);
-  // The driver knows the handle no more and refuses; the caller is free of it all the same.
+  // The driver no longer knows the handle and refuses; the request is released nevertheless.
   proxy.endPendingRequest(request);
   EXPECT_EQ(request.handle(), 0u);
   EXPECT_EQ(status.code, 0);
@@ -247,7 +247,7 @@ TEST_F(PendingRequest, WithAnAddressThatCannotBeWritten_IsRefusedByTheDriver) {
   EXPECT_EQ(pendingCount(), 0u);
 }
 
-// ---- Beside other calls ----
+// ---- Concurrent calls ----
 
 TEST_F(PendingRequest, LetsOtherCallsThrough) {
   ASSERT_NE(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
@@ -288,7 +288,7 @@ TEST_F(PendingRequest, BegunAndEndedByManyThreadsBesideOtherCalls_LeavesNothing)
   EXPECT_EQ(pendingCount(), 0u);
 }
 
-// ---- When the device is closed, or its owner is gone ----
+// ---- After the device was closed or its owner ended ----
 
 TEST_F(PendingRequest, WhoseDeviceIsClosed_IsCancelled) {
   ASSERT_NE(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);

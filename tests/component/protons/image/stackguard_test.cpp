@@ -1,4 +1,4 @@
-// What the loader has made of an image's load configuration, and what the guard does.
+// The stack guard: the loader replaces its value, and an overwritten guard ends the process.
 #include "zoapal/protons/image/windows/stackguard.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ namespace {
 constexpr uintptr_t kInTheFile = 0x00002B992DDFA232;
 constexpr uint32_t kStackBufferOverrun = 0xC0000409;
 
-// The load configuration of a library as it lies in memory, or null.
+// The load configuration of a loaded library, or null.
 const IMAGE_LOAD_CONFIG_DIRECTORY64* loadConfigurationOf(HMODULE library) {
   const auto* const image = reinterpret_cast<const std::byte*>(library);
   const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);
@@ -25,7 +25,7 @@ const IMAGE_LOAD_CONFIG_DIRECTORY64* loadConfigurationOf(HMODULE library) {
              : reinterpret_cast<const IMAGE_LOAD_CONFIG_DIRECTORY64*>(image + entry.VirtualAddress);
 }
 
-// Read at run time, so that the compiler does not see the mistake.
+// Volatile, so that the compiler does not detect the overflow.
 volatile size_t lengthOfAMistake = 64;
 
 __attribute__((noinline)) void writeBehindAnArray() {

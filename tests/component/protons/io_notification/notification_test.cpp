@@ -137,7 +137,7 @@ TEST_F(NotificationReader, PayloadThatIsTooLarge_IsRefusedAndNothingMoreDelivere
     notify("held back");
     EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
     EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), armed);
-    // Closing the device ends that.
+    // Only closing the device lets the reader arm a delivery again.
     notification.disable();
     proxy.close();
     while (waitOn(*reader, kShortTime).code == 0) {
@@ -290,7 +290,7 @@ TEST_F(NotificationReader, OrdinaryRequests_NeverReachThePort) {
 TEST_F(NotificationReader, RefusedRegistration_IsLocatedAtLine134) {
   script(5, REQUEST_REGISTER_NOTIFICATION);
   const bool enabled = notification.enable(*reader, proxy, kMask, status);
-  // A driver's refusal arrives with the call, or as a failed completion that nobody waits for.
+  // A driver's refusal arrives with the call, or as a failed completion, which readers skip.
   if (!enabled) {
     EXPECT_EQ(status.code, -52009);
     EXPECT_EQ(status.line, 134u);
@@ -310,7 +310,7 @@ TEST_F(NotificationReader, DeliveryThatFails_IsSkipped) {
 
 // ---- A reader with a thread ----
 
-// What the callback was told, for the tests to look at.
+// The arguments of the callback, recorded for the tests.
 struct tHeard {
   std::mutex mutex;
   std::vector<std::string> payloads;
@@ -467,7 +467,7 @@ TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
         try {
           telling.notify(notice);
         } catch (const nSimulator::tControlError&) {
-          // Nobody is registered any more, or too much is held back.
+          // No reader is registered any more, or the driver holds too many notices back.
         }
       }
     });

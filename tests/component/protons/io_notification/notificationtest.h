@@ -1,4 +1,4 @@
-// What the tests of notifications share, in both worlds.
+// The fixture of the notification tests, native and on Windows.
 #ifndef TESTS_COMPONENT_PROTONS_IO_NOTIFICATION_NOTIFICATIONTEST_H
 #define TESTS_COMPONENT_PROTONS_IO_NOTIFICATION_NOTIFICATIONTEST_H
 
@@ -20,14 +20,14 @@ inline constexpr uint32_t kMask = 0x80000000;
 inline constexpr uint32_t kDelivered = 0;
 inline constexpr uint32_t kRegistrationEnded = 1;
 inline constexpr uint32_t kWakeUp = 2;
-inline constexpr uint32_t kShortTime = 50;     // milliseconds in which nothing is to come
-inline constexpr uint32_t kLongTime = 20'000;  // ... in which something has to
+inline constexpr uint32_t kShortTime = 50;     // milliseconds in which no notice may arrive
+inline constexpr uint32_t kLongTime = 20'000;  // milliseconds in which one must arrive
 
 inline tUniquePort makePort() {
   return tUniquePort(CreateIoCompletionPort(INVALID_HANDLE_VALUE, nullptr, 0, 1));
 }
 
-// What one wait gave.
+// The results of one wait.
 struct tNotice {
   tIONotification* notification = nullptr;
   uint32_t kind = 99;

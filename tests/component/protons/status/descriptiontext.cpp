@@ -8,7 +8,7 @@
 namespace nTests {
 
 bool isJson(std::string_view text) {
-  // In place, since the reader's own stack does arithmetic on a null pointer while it is empty.
+  // Parses in place: otherwise RapidJSON's empty stack does arithmetic on a null pointer.
   std::string copy(text);
   rapidjson::InsituStringStream stream(copy.data());
   rapidjson::BaseReaderHandler<> ignoreValues;

@@ -8,7 +8,7 @@
 
 namespace nTests {
 
-// The description of a status as it stands. The test fails unless the buffer is sound: one JSON
+// The unparsed description of a status. The test fails unless the buffer is well-formed: one JSON
 // text, a NUL, zero bytes, and the marker as its last byte.
 std::string descriptionOf(const zoerr::Status& status);
 

@@ -137,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(Values, Integer,
                                          tInteger{INT32_MAX, "2147483647"},
                                          tInteger{INT32_MIN, "-2147483648"}));
 
-// What a byte of a value looks like in the text.
+// The encoding of one byte of a value in the text.
 std::string escaped(unsigned byte) {
   switch (byte) {
     case 8:

@@ -185,7 +185,7 @@ TEST(MergeFrom, GrowthRefusedLater_FailsAndLeavesAValidDescription) {
   EXPECT_TRUE(isJson(descriptionOf(status)));
 }
 
-// The result reports allocations only: a description that accepts no member is no failure of memory.
+// The result reports failed allocations only: a description that rejects members is not one.
 TEST(MergeFrom, ReallocatedBufferWithoutMarker_DropsTheLocationAndSucceeds) {
   const tClientHeap client;
   zoerr::Status status;

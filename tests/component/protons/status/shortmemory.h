@@ -3,7 +3,7 @@
 
 namespace nTests {
 
-// While it lives, the nth call of malloc or calloc, from 1, finds no memory; all others do. One
+// During its lifetime the nth call of malloc or calloc, from 1, fails; all others succeed. One
 // thread at a time. A program that uses it is linked with --wrap=malloc and --wrap=calloc.
 class tShortMemory {
  public:
@@ -12,7 +12,7 @@ class tShortMemory {
   tShortMemory& operator=(const tShortMemory&) = delete;
   ~tShortMemory();
 
-  // Whether the call that fails has been made.
+  // True once the failing call has been made.
   [[nodiscard]] bool wasMet() const noexcept;
 };
 

@@ -9,8 +9,8 @@
 
 namespace nTests {
 
-// A status record in memory of exactly the given number of bytes, every byte that is not structSize
-// or code filled with kFill. A checking heap catches whoever goes beyond.
+// A status record of exactly the given size. All bytes except structSize and code hold kFill. The
+// address sanitizer reports an access past its end.
 class tStatusBytes {
  public:
   static constexpr uint8_t kFill = 0xA5;
@@ -22,8 +22,8 @@ class tStatusBytes {
     std::memcpy(data() + 4, &code, sizeof code);
   }
 
-  // The record where a caller's short form lies in less memory than the type says. Taken through
-  // memory that the compiler does not see through, for it may know how much there is.
+  // The record as a tStatus, even if its memory is shorter. The address is volatile so that the
+  // compiler cannot infer the size of the memory.
   [[nodiscard]] nZOAPALS100::tStatus& record() const {
     void* volatile address = memory_.get();
     return *static_cast<nZOAPALS100::tStatus*>(address);
@@ -37,7 +37,7 @@ class tStatusBytes {
     void* const bytes = memory_.get();
     return static_cast<uint8_t*>(bytes);
   }
-  // Whether every byte from `first` on is as it was.
+  // True if no byte from `first` on has changed.
   [[nodiscard]] bool isUntouchedFrom(size_t first) const {
     for (size_t i = first; i < size_; ++i) {
       if (data()[i] != kFill) {

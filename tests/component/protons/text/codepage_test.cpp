@@ -24,7 +24,7 @@ constexpr int kNoUnicodeTranslation = 1113;
 
 class CodePage : public nFakeWindows::FakeWindowsTest {
  protected:
-  // The Windows error that a conversion tells; 0 when it succeeds.
+  // The Windows error that a conversion reports; 0 when it succeeds.
   static int errorOf(const std::function<void()>& convert) {
     try {
       convert();

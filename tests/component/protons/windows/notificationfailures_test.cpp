@@ -1,4 +1,4 @@
-// Every Windows call on the way of a notification, failed in turn.
+// Each Windows call of a notification fails in turn.
 #include "protocol/requestcodes.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
 #include "tests/fakewindows/debuggeroutput.h"
@@ -34,7 +34,7 @@ class NotificationFailures : public NotificationTest {
     NotificationTest::TearDown();
   }
   bool enable() { return notification.enable(*reader, proxy, kMask, status); }
-  // Enables the next one from another thread, while this one associates the device with the port.
+  // Enables `next` on another thread while this thread associates the device with the port.
   bool enableTogetherWith(tIONotification& next) {
     std::thread another;
     faultPlan().beforeCall(tCall::createIoCompletionPort, 1, [&] {
@@ -115,7 +115,7 @@ TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsLocatedAtLine333) {
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 1u) << "nothing is registered";
 }
 
-// Windows leaves the status of a request that it refuses at "pending".
+// Windows leaves the status of a request that it refuses at STATUS_PENDING.
 TEST_F(NotificationFailures, RefusedDelivery_ProxyClosed_CancelsNothing) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
@@ -273,7 +273,7 @@ TEST_F(NotificationFailures, PriorityOfAThreadThatIsNotStarted_IsLocatedAtLine85
 }
 
 TEST_F(NotificationFailures, LastWakeUpThatCannotBePosted_IsTriedAgain) {
-  // The second error stands for a warning, and no wake-up is posted either.
+  // The second error maps to a warning; it does not post a wake-up either.
   for (const DWORD error : {DWORD{ERROR_INVALID_HANDLE}, DWORD{ERROR_IO_PENDING}}) {
     faultPlan().reset();
     reader = std::make_unique<tThreadedIONotificationReader>(makePort());
@@ -297,7 +297,7 @@ class NotificationDrain : public NotificationFailures {
  protected:
   using tClock = std::chrono::steady_clock;
 
-  // How long destroying the reader takes.
+  // The time that destroying the reader takes.
   tClock::duration destroyReader() {
     const auto start = tClock::now();
     reader.reset();

@@ -1,4 +1,4 @@
-// Every Windows call on the way of a pending request, failed in turn.
+// Each Windows call of a pending request fails in turn.
 #include <algorithm>
 
 #include "protocol/requestcodes.h"
@@ -18,7 +18,7 @@ class PendingFailures : public PendingRequest {
     faultPlan().reset();
   }
   uint64_t begin() { return proxy.beginPendingRequest(1, 2, 3, request, status); }
-  // What is open beside the proxy's file and event and the test's own channel to the machine.
+  // The open objects except the proxy's file and event and the test's channel to the machine.
   std::vector<std::string> opened() {
     nFakeWindows::objects().waitForThreads();
     std::vector<std::string> open = nFakeWindows::objects().open();

@@ -33,7 +33,7 @@ class DeviceInterfaceProxy : public nFakeWindows::FakeWindowsTest {
     ASSERT_EQ(status.code, 0);
     faultPlan().reset();
   }
-  // Asks for the sizes of the SMBIOS table: a request whose reply has 12 bytes.
+  // Requests the sizes of the SMBIOS table; the reply has 12 bytes.
   uint32_t exchange() {
     const tExchangeValuesRequest request{};
     return proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &request, sizeof request, &reply,
@@ -249,7 +249,7 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequests_EachGetTheirOwnReply) {
 TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsLocatedAtLine115) {
   open();
   faultPlan().failEveryCall(tCall::createEvent, ERROR_NO_SYSTEM_RESOURCES);
-  // While the first request is under way, the second needs an event.
+  // While the first request is pending, the second needs an event of its own.
   tStatus second;
   faultPlan().beforeCall(tCall::deviceIoControl, 1, [this, &second] {
     tExchangeValuesReply ownReply{};

@@ -1,5 +1,5 @@
 /* The annotations of a compiler with static analysis, recorded in the declarations: an annotation that
- * this header lacks, or that stands in the wrong place, does not compile. */
+ * this header lacks, or that is in the wrong place, does not compile. */
 #ifndef TESTS_COMPONENT_PUBLICHEADERS_ANALYSER_SAL_H
 #define TESTS_COMPONENT_PUBLICHEADERS_ANALYSER_SAL_H
 

@@ -1,4 +1,4 @@
-// The memory of a parse: each allocation refused in turn, and how much images made to be expensive need.
+// The memory of a parse: each allocation fails in turn; expensive images stay within a bound.
 #include "tests/builders/expensiveimages.h"
 #include "tests/component/user/firmware/parsertest.h"
 #include "tests/fakewindows/allocationplan.h"

@@ -8,7 +8,7 @@ namespace {
 using nQUENRA1400::numberOf;
 using nQUENRA1400::tTextRange;
 
-// Applies the rule to a text that lies anywhere in an image.
+// Applies the rule to a text at any position in an image.
 std::optional<std::string_view> withoutQuotes(std::string_view text) {
   constexpr size_t kStart = 1000;
   const size_t first = text.find('"');

@@ -1,4 +1,4 @@
-// Images that 32 bits cannot measure, in memory that is reserved and for the most part never touched.
+// Images larger than 4 GiB, in reserved memory of which most pages are never touched.
 #include <sys/mman.h>
 
 #include <cstring>
@@ -12,7 +12,7 @@ constexpr size_t kFourGibibytes = size_t{1} << 32;
 
 class HugeImage : public ParserTest {
  protected:
-  // Nothing but NULs behind the text.
+  // Parses the text followed by NULs up to `size`.
   tFailure parseWithSize(const std::string& text, size_t size) {
     void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE,
                               MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);

@@ -1,4 +1,4 @@
-// Every kernel against the plain rule, on texts that end exactly where their memory does.
+// Every kernel against the reference, on texts that end with their allocation.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,7 +23,7 @@ struct tResult {
   uint32_t crc;
 };
 
-// A text in memory of its own length, `offset` bytes behind a multiple of 64.
+// A text at the end of an allocation, `offset` bytes past a multiple of 64.
 class tExactText {
  public:
   explicit tExactText(std::string_view text, size_t offset = 0)

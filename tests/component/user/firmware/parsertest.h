@@ -1,4 +1,4 @@
-// Parses images that end exactly where their memory does.
+// Parses images that end with their allocation.
 #ifndef TESTS_COMPONENT_USER_FIRMWARE_PARSERTEST_H
 #define TESTS_COMPONENT_USER_FIRMWARE_PARSERTEST_H
 

@@ -15,7 +15,7 @@ struct tFault {
   uint32_t line;
 };
 
-// The text between a key and the end of its line; to the end of the text without one.
+// The text from a key to the end of its line, or to the end of the text if no line end follows.
 struct tValue {
   std::string_view text;
   bool isLine = true;

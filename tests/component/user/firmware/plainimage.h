@@ -8,8 +8,8 @@
 
 namespace nTests {
 
-// The format of firmware images once more, as the rule says and as slowly as it pleases: what the
-// parser and its kernels are compared with.
+// A second implementation of the format of firmware images, simple and slow: the reference for the
+// parser and its kernels.
 [[nodiscard]] std::vector<uint8_t> plainDecode(std::string_view text);
 
 struct tPlainRecord {

@@ -12,16 +12,16 @@ namespace {
 
 using testing::ElementsAre;
 
-// Completes an image whose header is a part of its own payload: puts the payload's length in the
-// place of "NN", and appends what makes its CRC 0.
+// Completes an image whose header is a part of its own payload: replaces "NN" by the payload's
+// length, and appends the bytes that make its CRC 0.
 std::string withCrcOfZero(std::string image, size_t payloadStart) {
   const auto payload = [&] { return plainDecode(image.substr(payloadStart)); };
-  // One character more gives no byte when the ones before it fill theirs.
+  // Pads until the digits fill complete bytes: one more digit then adds no byte.
   while (plainDecode(image.substr(payloadStart) + "A").size() != payload().size()) {
     image += 'A';
   }
   image.replace(image.find("NN"), 2, std::to_string(payload().size() + 4));
-  // Four bytes lead from any register to one of all ones: divide that by x for each of their bits.
+  // Four bytes take the CRC register from any value to all ones: divide by x once per bit.
   uint32_t bytes = 0xFFFFFFFF;
   for (int bit = 0; bit < 32; ++bit) {
     bytes = (bytes & 1) == 0 ? bytes >> 1 : ((bytes ^ 0x1EDC6F41) >> 1) | 0x80000000;
@@ -34,13 +34,13 @@ std::string withCrcOfZero(std::string image, size_t payloadStart) {
 
 class Parser : public ParserTest {
  protected:
-  // A section with nothing in it but what its key says.
+  // A section with this version and an empty payload.
   static std::string emptySection(std::string_view version) {
     return tFirmwareSection("MARTEN").version(version).payload({}).text();
   }
 };
 
-// ---- What is accepted ----
+// ---- Accepted images ----
 
 TEST_F(Parser, ASection_BecomesARecord) {
   const tFirmwareSection section("MARTEN");
@@ -73,7 +73,7 @@ TEST_F(Parser, NoImage_HasNoRecordAndNoFailure) {
   EXPECT_TRUE(records.empty());
 }
 
-// No byte lies at these addresses, so that reading one would end the test.
+// These addresses are not mapped, so that a read would end the test.
 TEST_F(Parser, ImageThatWrapsAroundTheAddressSpace_FailsWithInvalidParameterAndIsNotRead) {
   constexpr uintptr_t kLastPage = UINTPTR_MAX - 0xFFF;
   const std::pair<uintptr_t, size_t> images[] = {{kLastPage, 0x1000},  // ends at address 0
@@ -450,7 +450,7 @@ TEST_F(Parser, HeaderBehindAnEarlyEmptyLine_IsHeaderAndPayload) {
 TEST_F(Parser, TextWithoutLineEnd_GoesToTheEndOfTheText) {
   const std::string header =
       "HeaderVersion::1\r\nUpdateType::FWUpdate\r\nTargetDevice::MARTEN\r\nCRC::0\r\nByteCount::0";
-  // The payload ends where the image does, so the version is what the payload skips.
+  // The payload ends with the image, so the version consists of characters that decoding skips.
   EXPECT_EQ(parse(header + "\r\n\r\n\nVersion::"), (tFailure{-26938, 425}));
   const auto payload = plainDecode("Version");
   const std::string counted =
@@ -477,7 +477,7 @@ TEST_F(Parser, TextFullOfColons_IsSearchedToItsEnd) {
 
 // ---- Against the plain implementation ----
 
-// Cuts, repeats, joins and damages sound sections.
+// Cuts, repeats, joins and damages valid sections.
 std::string damagedImage(std::mt19937& random) {
   const auto below = [&random](size_t limit) { return random() % limit; };
   std::vector<tFirmwareSection> sections;
