@@ -1,4 +1,4 @@
-// One call of every export that takes a handle, each with arguments that are good.
+// One call of every export that accepts a handle, each with valid other arguments.
 #ifndef TESTS_CONTRACT_CALLSONHANDLE_H
 #define TESTS_CONTRACT_CALLSONHANDLE_H
 

@@ -64,7 +64,7 @@ void PrintTo(const tUnsignedRead& read, std::ostream* out) {
 }
 
 tTextRead readText(uint32_t attribute, uint64_t size) {
-  // Exactly as large as promised, so that one byte too many is seen.
+  // A sentinel after the buffer detects a write past its end.
   std::vector<char> buffer(size);
   buffer.push_back('#');
   const std::string_view before(kUntouchedText);

@@ -1,5 +1,5 @@
-// What the contract tests share. They know the library by its exports and the machine by its control
-// interface, and are built twice: for the simulated machine, and natively against the fake Windows.
+// Fixtures of the contract tests. The tests use only the exports of the library and the control
+// interface of the machine. They are built for the simulated machine and for the fake Windows.
 #ifndef TESTS_CONTRACT_CONTRACTTEST_H
 #define TESTS_CONTRACT_CONTRACTTEST_H
 
@@ -35,20 +35,20 @@ class ContractTest : public tContractTestBase {
   // The machine that the next open finds.
   void useTable(const tReferenceTable& table);
   void usePresence(uint32_t controllers, uint32_t martens, uint32_t devicePaths = 1);
-  // Opens; the test fails when that fails.
+  // Opens the controller; the test fails if that fails.
   void open();
 
   nSimulator::tSimulatedMachine& machine() { return *machine_; }
   // The requests with this code that the driver has received from this process, oldest first.
   std::vector<tSimulatorLogEntry> requests(uint32_t code);
-  // How often an interface has been opened or closed.
+  // The number of times that an interface was opened or closed.
   size_t count(tSimulatorEvent event, tSimulatorInterface interfaceKind);
 
  private:
   std::unique_ptr<nSimulator::tSimulatedMachine> machine_;
 };
 
-// Opens for a scope.
+// Holds the controller open for a scope.
 class tOpenController {
  public:
   tOpenController() : code_(QUENRA_openController(&handle_)) {}
@@ -71,10 +71,10 @@ inline constexpr uint64_t kUntouchedSize = 200;
 inline constexpr char kUntouchedText[] = "untouched";
 inline constexpr uint32_t kUntouchedValue = 0xCAFEF00D;
 
-// The outcome of one read, to be compared as a whole.
+// The outcome of one read, compared as a unit.
 struct tTextRead {
   int32_t code;
-  std::string text;  // what the buffer holds; kUntouchedText when nothing was written
+  std::string text;  // the content of the buffer; kUntouchedText if nothing was written
   uint64_t size = kUntouchedSize;
   bool operator==(const tTextRead&) const = default;
 };
@@ -86,8 +86,8 @@ struct tUnsignedRead {
 void PrintTo(const tTextRead& read, std::ostream* out);
 void PrintTo(const tUnsignedRead& read, std::ostream* out);
 
-// Reads with the valid handle. The buffer has `size` bytes, and kUntouchedText before the read as
-// far as it fits.
+// Reads with the valid handle. The buffer has `size` bytes and holds kUntouchedText, cut to that
+// size, before the read.
 [[nodiscard]] tTextRead readText(uint32_t attribute, uint64_t size = kUntouchedSize);
 [[nodiscard]] tUnsignedRead readUnsigned(uint32_t attribute);
 

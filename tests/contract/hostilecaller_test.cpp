@@ -1,5 +1,5 @@
-// Callers that hand over what they should not. docs/robustness.md tells what each function does with
-// it; its rows name these tests, among others.
+// Callers that pass invalid arguments. docs/robustness.md documents the result for each function;
+// its rows name these tests, among others.
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -19,14 +19,14 @@ namespace {
 constexpr size_t kUnended = 257;
 constexpr size_t kTenMebibytes = size_t{10} * 1024 * 1024;
 
-// Characters without a NUL behind them, in memory that ends there.
+// Characters without a NUL, at the end of an allocation.
 std::unique_ptr<char[]> unended(size_t length = kUnended) {
   auto text = std::make_unique<char[]>(length);
   std::memset(text.get(), 'x', length);
   return text;
 }
 
-// Room for a number, and a pointer to it that is not aligned.
+// Storage for a number at a misaligned address.
 template <class Number>
 class tMisaligned {
  public:
@@ -127,7 +127,7 @@ TEST_F(HostileCaller, HugeSize_IsNoMoreThanTheTextNeeds) {
   }
 }
 
-// Ids of no attribute, of the other kind, and of no instance.
+// Ids that are not attributes, of the wrong type, and with an instance that does not exist.
 constexpr uint32_t kForeignIds[] = {0, 1, 0x30000000, 0x10FFFF00, 0x20FFFF00, 0x100001FF, ~0u};
 
 TEST_F(HostileCaller, ForeignIds_AreNotSupported) {
@@ -242,7 +242,7 @@ class HostileClient : public ContractTest {
     });
   }
 
-  // Every function on a session, with arguments that are good. Those that report nothing do not use
+  // Every function on a session, with valid other arguments. Those that report nothing do not use
   // the status.
   std::vector<tStatusCall> callsOnSession(zoroco_RoutingAdaptorSession* on) {
     return {
@@ -277,7 +277,7 @@ class HostileClient : public ContractTest {
         },
     };
   }
-  // Steps of taking down, which report nothing.
+  // The teardown functions, which report nothing.
   static void takeDown(zoroco_RoutingAdaptorSession* on, uint32_t ticket) {
     constexpr uint64_t kHuge = ~uint64_t{0};
     zoroco_ra_quenra_beginExceptionalRouteDestruction(on, ticket, kHuge, kHuge);
@@ -292,7 +292,7 @@ class HostileClient : public ContractTest {
     EXPECT_EQ(output, nullptr);
     EXPECT_TRUE(machine().log().empty()) << "the driver was asked";
   }
-  // What is none of the library's.
+  // Handles that the library did not create.
   static zoroco_RoutingAdaptorSession* strangeSession() {
     static std::array<char, 256> memory{};
     return reinterpret_cast<zoroco_RoutingAdaptorSession*>(memory.data());
@@ -366,7 +366,7 @@ TEST_F(HostileClient, IteratorWhoseSessionIsGone_TellsItsTerminalsAndAsksNoDrive
   zoroco_RoutingAdaptorSession* const gone = createSession();
   zoroco_TerminalIterator* const orphan = terminalsOf(gone);
   zoroco_ra_quenra_destroySession(gone);
-  // A session in its place is another one.
+  // A session that replaces it is a different one.
   zoroco_RoutingAdaptorSession* const next = createSession();
   machine().clearLog();
   EXPECT_EQ(codeOf([&](zoerr_Status* s) {

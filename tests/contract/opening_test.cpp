@@ -10,7 +10,7 @@ namespace {
 
 class Opening : public ContractTest {
  protected:
-  // Opens on the table as it stands, and closes again.
+  // Opens with the current table and closes again.
   int32_t openOnce(uint64_t* handle = nullptr) {
     uint64_t own = 0;
     const int32_t code = QUENRA_openController(handle == nullptr ? &own : handle);
@@ -158,7 +158,7 @@ TEST_F(Opening, AfterAClose_InstallsTheTableAgain) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PRODUCT_NAME), text("BW-9999"));
 }
 
-// ---- The hand-over of the table ----
+// ---- Fetching the table ----
 
 TEST_F(Opening, FirstAsksForSizes_ThenHandsOverBuffersOfThose) {
   machine().clearLog();
@@ -237,7 +237,7 @@ TEST_F(Opening, TableShrunkBetweenTheExchanges_UsesTheSmallerSize) {
 }
 
 TEST_F(Opening, SecondExchangePromisingMoreThanThereIsRoom_IsNotBelieved) {
-  // Nothing has been filled, so that no served machine is found; no byte behind the buffer is read.
+  // The driver filled nothing, so the machine is not supported; no byte past the buffer is read.
   answerExchange(1, {0xFFFFFFFF, 0xFFFFFFFF, 0});
   EXPECT_EQ(openOnce(), QUENRA_STATUS_NO_CONTROLLER);
 }
@@ -259,7 +259,7 @@ TEST_F(Opening, RequestRefusedByTheSystem_GivesTheMappedCode) {
   EXPECT_EQ(openOnce(), QUENRA_STATUS_ACCESS_DENIED);
 }
 
-// ---- Which machines are served ----
+// ---- Supported machines ----
 
 struct tPlatform {
   uint8_t generation;

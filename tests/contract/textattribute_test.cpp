@@ -194,7 +194,7 @@ TEST_F(TextAttribute, WithAnUnknownId_IsNotSupported) {
   }
 }
 
-// ---- Texts that mean that there is none ----
+// ---- Texts that mean a missing value ----
 
 TEST_F(TextAttribute, SerialNumberNotApplicable_IsNotSupportedAndLeavesNoText) {
   tReferenceTable table;

@@ -611,7 +611,7 @@ TEST_F(Update, TwoSectionsOfOneFileName_LeaveTheLaterPayloadAndHoldEveryFile) {
 }
 
 TEST_F(Update, TemporaryDirectoryOutsideTheCodePage_FailsAndWritesIntoNoOther) {
-  // The best fit of the first name in the code page, and a name that leads there.
+  // A conversion to the code page would map the first name to the second, its best fit.
   const fs::path outside = temporary_.path() / fs::path(u"\u0141");
   const fs::path bestFit = temporary_.path() / "L";
   fs::create_directory(outside);

@@ -1,4 +1,4 @@
-// The surroundings of an update that differ between the two worlds.
+// The environment of an update, which differs between Windows and the fake Windows.
 #ifndef TESTS_CONTRACT_UPDATEWORLD_H
 #define TESTS_CONTRACT_UPDATEWORLD_H
 
@@ -10,7 +10,7 @@
 
 namespace nTests {
 
-// Restores the default: drive C: is not encrypted, driver packages can be installed, random bytes come.
+// Restores the default: drive C: not encrypted, driver packages installable, random bytes succeed.
 void resetUpdateWorld();
 void encryptDrive();
 // Makes the service that reports disk encryption fail.
@@ -19,7 +19,7 @@ void breakEncryptionTest();
 // The command lines with which driver packages were installed, in order.
 [[nodiscard]] std::vector<std::string> packageCommandLines();
 
-// Runs the hook right before the library looks for the driver-store tool, and then makes the tool missing.
+// Runs the hook right before the library looks for the driver-store tool, then hides the tool.
 void loseTool(std::function<void()> hook);
 // Runs the hook right before the library starts the driver-store tool.
 void beforeToolStart(std::function<void()> hook);
@@ -27,12 +27,12 @@ void beforeToolStart(std::function<void()> hook);
 // Sets the system's temporary directory for this process.
 void useTemporaryDirectory(const std::filesystem::path& path);
 
-// Renames a file or folder although the library holds it, as no process of the system can.
+// Renames a file or folder that the library holds open; Windows allows that to no process.
 void moveAside(const std::filesystem::path& from, const std::filesystem::path& to);
-// Creates a link to a file or folder, and removes it whatever the library has left of it.
+// Create a link to a file or folder, and remove it if it still exists.
 void plantLink(const std::filesystem::path& link, const std::filesystem::path& target);
 void removeLink(const std::filesystem::path& link);
-// The system has a call that removes a link and not its target. Wine has none.
+// True if the system can remove a link without its target. Wine cannot.
 [[nodiscard]] bool removesLinks();
 
 // The ways in which another process can open an existing file or folder.

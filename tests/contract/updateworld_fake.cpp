@@ -85,7 +85,7 @@ bool canOpen(const std::filesystem::path& path, tOpening opening) {
   return true;
 }
 
-// The generator reads another source natively than on Windows, where it makes two calls.
+// The native generator calls getrandom only; on Windows it makes two calls.
 std::vector<tRandomFault> randomFaults() {
   return {{"getrandom", ERROR_ACCESS_DENIED, ERROR_NOT_ENOUGH_MEMORY}};
 }

@@ -91,7 +91,7 @@ BOOL WINAPI startToolAfterHook(LPCSTR path, LPSTR commandLine, LPSECURITY_ATTRIB
                         startup, started);
 }
 
-// The name that a file has for Wine's host.
+// The path of a file on Wine's host.
 std::string hostName(const std::filesystem::path& path) {
   using tUnixName = char*(CDECL*)(LPCWSTR);
   const auto unixName = reinterpret_cast<tUnixName>(reinterpret_cast<void*>(
@@ -118,7 +118,7 @@ bool isPresent(const std::filesystem::path& path) {
   return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Waits for a program of the host that creates or removes the path.
+// Waits until a program of the host has created or removed the path.
 void expectExistence(const std::filesystem::path& path, bool isExpected) {
   constexpr int kTries = 500;
   for (int tries = 0; tries < kTries && isPresent(path) != isExpected; ++tries) {
@@ -130,7 +130,7 @@ void expectExistence(const std::filesystem::path& path, bool isExpected) {
 }  // namespace
 
 void resetUpdateWorld() {
-  // The first replacement of a function has its own address.
+  // In reverse: the first replacement of a function recorded its original address.
   for (; !replaced.empty(); replaced.pop_back()) {
     replaceImport(replaced.back().function, replaced.back().address);
   }

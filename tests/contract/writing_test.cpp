@@ -9,7 +9,7 @@ namespace {
 constexpr auto kController = kSimulatorInterfaceController;
 constexpr auto kMarten = kSimulatorInterfaceMarten;
 constexpr uint32_t kBoth = QUENRA_TEXT_SETTING_OF_BOTH;
-// An ordinary text that either interface can be made to take.
+// An ordinary text attribute; the tests allow writes to it on both interfaces.
 constexpr uint32_t kText = 0x10090000;
 
 class Writing : public ContractTest {
@@ -19,18 +19,18 @@ class Writing : public ContractTest {
     give(kController, kText);
     give(kMarten, kText);
   }
-  // Gives an interface a text that can be written.
+  // Adds a writable text attribute to an interface.
   void give(tSimulatorInterface kind, uint32_t attribute) {
     machine().setAttributeText(kind, attribute, "before");
     machine().allowWrites(kind, attribute);
   }
-  // A machine on which texts cannot be written to the controller.
+  // Uses a machine on which texts cannot be written to the controller.
   void forbid() {
     tReferenceTable table;
     table.structure(0x9D) = tSmbiosStructure(0x9D, 0x06).byte(0x04, 0);
     useTable(table);
   }
-  // A machine on which they can.
+  // The table of a machine on which texts can be written to the controller.
   static tReferenceTable writableTable() {
     tReferenceTable table;
     table.structure(0x9D) = tSmbiosStructure(0x9D, 0x06).byte(0x04, 1);
@@ -39,7 +39,7 @@ class Writing : public ContractTest {
   static int32_t write(uint32_t attribute, const std::string& text) {
     return QUENRA_setAttributeUTF8(QUENRA_HANDLE, attribute, text.c_str());
   }
-  // Which interfaces were sent a write, in order, and under which id.
+  // The interface and the attribute id of each write, in order.
   std::vector<std::pair<uint32_t, uint32_t>> writes() {
     std::vector<std::pair<uint32_t, uint32_t>> sent;
     for (const tSimulatorLogEntry& entry : requests(REQUEST_SET_ATTRIBUTE)) {
