@@ -10,14 +10,14 @@
 namespace nTests {
 namespace {
 
-// About as many characters as one section has, so that half of an image is the value that all share.
+// About the size of one section, so that the shared value makes up half of the image.
 constexpr size_t kCharactersPerSection = 90;
 
 std::string padding(size_t sections, char character) {
   return std::string(sections * kCharactersPerSection, character);
 }
 
-// Sections that lack one line of their header, which the last section has.
+// Sections that lack one header line; only the last section has it.
 std::string sharing(size_t sections, tFirmwareSection section, std::string_view key,
                     std::string_view value) {
   section.payload({});
@@ -50,7 +50,7 @@ std::string bySharedFileName(size_t sections) {
                  padding(sections, '.') + "inf");
 }
 
-// The line that all share ends where the image does.
+// The shared line ends with the image, without a line end.
 std::string bySharedOpenLine(size_t sections) {
   constexpr std::array<uint8_t, 5> kDecodedKey = {0x55, 0xEA, 0xEC, 0x8A, 0x89};
   tFirmwareSection section("MARTEN");

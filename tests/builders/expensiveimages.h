@@ -1,5 +1,5 @@
-// Firmware images whose sections share as much as the format allows. A parser that does a step again for
-// each section that shares its result takes a time that grows with the square of the image's size.
+// Firmware images whose sections share as much as the format allows. A parser that repeats a step
+// for each section sharing its result takes time quadratic in the size of the image.
 #ifndef TESTS_BUILDERS_EXPENSIVEIMAGES_H
 #define TESTS_BUILDERS_EXPENSIVEIMAGES_H
 
@@ -11,7 +11,7 @@ namespace nTests {
 
 struct tExpensiveImage {
   const char* name;
-  // Builds a valid image of so many sections, whose size is proportional to their number.
+  // Builds a valid image of `sections` sections; its size is proportional to their number.
   std::string (*build)(size_t sections);
 };
 

@@ -96,7 +96,7 @@ tFirmwareSection& tFirmwareSection::separator(std::string_view separator) {
 }
 
 tFirmwareSection& tFirmwareSection::reverseHeader() {
-  // What comes before the first key belongs to no section, so that one stays.
+  // Text before the first key belongs to no section, so the first key stays in place.
   std::reverse(header_.begin() + 1, header_.end());
   return *this;
 }

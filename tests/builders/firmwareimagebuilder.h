@@ -14,14 +14,14 @@ namespace nTests {
 // The CRC of an image's payload, bit by bit.
 [[nodiscard]] uint32_t firmwareCrc(std::span<const uint8_t> data);
 
-// Padded, in lines of `lineLength` characters that end in CR LF; 0: in one piece.
+// Padded, in lines of `lineLength` characters that end in CR LF; 0: without line ends.
 [[nodiscard]] std::string encodeBase64(std::span<const uint8_t> data, size_t lineLength = 0);
 
-// Bytes that look random and are the same in each run.
+// Pseudo-random bytes, the same in each run.
 [[nodiscard]] std::vector<uint8_t> firmwareBytes(size_t count, uint32_t seed = 1);
 
-// One section of a firmware image, valid until it is told otherwise: a BIOS firmware of a hundred
-// bytes.
+// One section of a firmware image. Valid by default: a BIOS firmware update with a payload of a
+// hundred bytes.
 class tFirmwareSection {
  public:
   explicit tFirmwareSection(std::string_view targetDevice = "BIOS",
@@ -37,7 +37,7 @@ class tFirmwareSection {
 
   // Sets the payload together with its CRC and length.
   tFirmwareSection& payload(std::span<const uint8_t> data, size_t lineLength = 76);
-  // Sets nothing but the Base64 text.
+  // Sets the Base64 text only; CRC and length stay.
   tFirmwareSection& payloadText(std::string_view text);
 
   // Changes the text between header and payload, an empty line.

@@ -8,15 +8,15 @@
 
 namespace nTests {
 
-// The SMBIOS table of a machine that the library serves, in which every field that an attribute
-// reads holds a value of its own. Tests change what they are about.
+// The SMBIOS table of a machine that the library supports. Every field that an attribute reads
+// has a distinct value. A test changes the fields that it examines.
 //
 // Memory: four sockets, of which 0 and 2 are populated. Two processors.
 class tReferenceTable {
  public:
   tReferenceTable();
 
-  // The instance-th structure of a type; fails loudly when there is none.
+  // The instance-th structure of a type; throws std::out_of_range if it does not exist.
   [[nodiscard]] tSmbiosStructure& structure(uint8_t type, unsigned instance = 0);
   tReferenceTable& remove(uint8_t type);
   [[nodiscard]] std::vector<uint8_t> build() const;

@@ -24,7 +24,7 @@ class tSmbiosStructure {
     strings_.push_back(std::move(value));
     return byte(offset, static_cast<uint8_t>(strings_.size()));
   }
-  // Gives the formatted area another length; what it had beyond is gone.
+  // Resizes the formatted area; bytes past the new length are discarded.
   tSmbiosStructure& cutTo(uint8_t length) {
     body_.resize(length - 4u);
     return *this;

@@ -11,10 +11,10 @@ namespace nTests {
 // Builds SMBIOS structure tables, well-formed or not.
 class tSmbiosTableBuilder {
  public:
-  // A whole structure: `body` is what follows the four header bytes, `strings` its string set.
+  // Appends a structure: `body` follows the four header bytes, `strings` is its string set.
   tSmbiosTableBuilder& structure(uint8_t type, const std::vector<uint8_t>& body,
                                  const std::vector<std::string>& strings = {});
-  // Bytes as they are.
+  // Appends raw bytes.
   tSmbiosTableBuilder& bytes(const std::vector<uint8_t>& raw);
   [[nodiscard]] std::vector<uint8_t> build() const { return table_; }
 
@@ -23,8 +23,8 @@ class tSmbiosTableBuilder {
   uint16_t nextHandle_ = 0;
 };
 
-// A table of up to some hundred bytes, mostly structures, more often than not damaged: wrong
-// lengths, missing NULs, bytes changed, an end cut off.
+// A table of up to a few hundred bytes, mostly structures, usually damaged: wrong lengths, missing
+// NULs, changed bytes, a truncated end.
 [[nodiscard]] std::vector<uint8_t> randomTable(std::mt19937& random);
 
 }  // namespace nTests

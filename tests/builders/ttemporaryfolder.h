@@ -1,4 +1,4 @@
-// A folder that no other test has, and that is gone afterwards.
+// A folder unique to one object, which removes it.
 #ifndef TESTS_BUILDERS_TTEMPORARYFOLDER_H
 #define TESTS_BUILDERS_TTEMPORARYFOLDER_H
 
@@ -6,8 +6,8 @@
 
 namespace nTests {
 
-// Below the folder for temporary files as it is at construction. Tests run side by side, also those
-// of one program: a fixed name would be shared. There is a space in its path.
+// Created below the current folder for temporary files. The name is unique because tests run in
+// parallel, also those of one program. The path contains a space.
 class tTemporaryFolder {
  public:
   tTemporaryFolder();
