@@ -6,7 +6,7 @@ Environment:
   QUENRA_LOAD_EXE quenra_load.exe
   QUENRA_PENDING_HOLDER_EXE
                   a program that keeps a request pending until its input ends
-  QUENRA_RUNNER   what starts a Windows program, with its words as in a shell; empty on Windows
+  QUENRA_RUNNER   the command that starts a Windows program, quoted as in a shell; empty on Windows
 """
 
 import json
@@ -30,12 +30,12 @@ def command_of(path, *words):
 
 
 def command(program, words=()):
-    """The command line of a program that the environment names."""
+    """The command line of a program that an environment variable names."""
     return command_of(os.environ[program], *words)
 
 
 def start(program, words):
-    """Runs it."""
+    """Runs a program that an environment variable names."""
     return start_program(os.environ[program], *words)
 
 
@@ -50,7 +50,7 @@ def start_program(path, *words):
 
 
 class Run:
-    """What one run of quenra left behind."""
+    """The exit code and output of one run of quenra."""
 
     def __init__(self, words):
         result = start("QUENRA_EXE", words)
@@ -64,7 +64,7 @@ class Run:
 
 
 class Started:
-    """A run of quenra that goes on while the test does."""
+    """A run of quenra in parallel with the test."""
 
     def __init__(self, test, *words):
         self.test = test
@@ -106,7 +106,7 @@ class Started:
 
 
 class Files:
-    """A folder of the test's own, which goes with it."""
+    """A folder of the test, removed at its end."""
 
     def __init__(self, test):
         folder = tempfile.TemporaryDirectory()
@@ -117,13 +117,13 @@ class Files:
         return self.folder / name
 
     def typed(self, name):
-        """The path of a file as it is typed in the simulated machine."""
+        """The path of a file as a user types it in the simulated machine."""
         path = str(self.folder / name)
         return "Z:" + path.replace("/", "\\") if os.environ.get("QUENRA_RUNNER") else path
 
 
 class CommandLineTest(unittest.TestCase):
-    """Every test begins with the default machine and leaves it behind."""
+    """Resets the machine before each test and after the last one."""
 
     schema = DocumentSchema()
 
@@ -145,11 +145,11 @@ class CommandLineTest(unittest.TestCase):
 
     @classmethod
     def log(cls):
-        """What the driver has received and answered since the machine was reset, in order."""
+        """The driver's requests and replies since the machine was reset, in order."""
         return json.loads(cls.machine("log", "--json"))["entries"]
 
     def quenra(self, *words, exit_code=0):
-        """A run as text. Nothing of it may be meant for a terminal."""
+        """A run with text output, which must not contain terminal escape sequences."""
         run = Run(words)
         self.assertEqual(run.exit_code, exit_code, run)
         self.assertNotIn(ESCAPE, run.out, run)
@@ -158,9 +158,9 @@ class CommandLineTest(unittest.TestCase):
         return run
 
     def document(self, *words, kind, exit_code=0):
-        """The document of a run with --json, checked for what all documents promise."""
+        """The document of a run with --json, validated against its schema."""
         run = self.quenra(*words, "--json", exit_code=exit_code)
-        document = json.loads(run.out)  # fails for anything behind the one document
+        document = json.loads(run.out)  # fails if anything follows the document
         self.assertEqual(document["kind"], kind, run)
         self.assertEqual(document["exitCode"], exit_code, run)
         self.schema.check(document)
@@ -169,7 +169,7 @@ class CommandLineTest(unittest.TestCase):
         return document
 
     def assert_failure(self, run, code, constant):
-        """A failure says its code, its constant and what to do, and nothing on standard output."""
+        """A failure prints its code, constant and advice, and nothing on standard output."""
         self.assertEqual(run.out, "", run)
         self.assertIn(f"\n  {code} {constant}\n", run.error)
         self.assertIn("\n  Advice: ", run.error)

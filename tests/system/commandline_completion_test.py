@@ -41,7 +41,7 @@ class Bash(CommandLineTest):
         self.script = ScriptFile(self, "bash")
 
     def offered(self, *words):
-        """What is offered for the last of the words that stand behind `quenra`."""
+        """The completions offered for the last of the words after `quenra`."""
         result = bash(["-euc", COMPLETE, "bash", str(self.script.path), *words])
         self.assertEqual((result.returncode, result.stderr), (0, ""), words)
         return [line for line in result.stdout.split("\n") if line]
@@ -175,7 +175,7 @@ class Bash(CommandLineTest):
 
 
 class PowerShell(CommandLineTest):
-    """There is no PowerShell to run it in: what can be said without one."""
+    """Checks the text of the script only: no PowerShell is available to run it."""
 
     def test_brackets_and_quotes_are_balanced(self):
         text = ScriptFile(self, "powershell").text

@@ -5,7 +5,7 @@ from commandline import CommandLineTest
 
 class Get(CommandLineTest):
     def value(self, *words):
-        """The value as text, which has to be the one of the document too."""
+        """The value as text; the document must contain the same value."""
         printed = self.quenra("get", *words).out
         document = self.document("get", *words, kind="get")
         self.assertEqual(document["attribute"]["state"], "value")

@@ -1,4 +1,4 @@
-"""The manual page that quenra prints, set by groff as man does."""
+"""The manual page that quenra prints, formatted by groff as man does."""
 
 import pathlib
 import re
@@ -13,7 +13,7 @@ COMMITTED = pathlib.Path(__file__).resolve().parents[2] / "docs" / "quenra.1"
 class Manual(CommandLineTest):
     def page_as_read(self):
         page = self.quenra("help", "--manual").out
-        # -ww: all warnings. -c and -P-cbou: no styles, so that words stay whole.
+        # -ww: all warnings. -c and -P-cbou: no styles, so that words stay intact.
         result = subprocess.run(
             ["groff", "-man", "-Tutf8", "-ww", "-rHY=0", "-c", "-P-cbou"], input=page.encode(),
             capture_output=True, timeout=TIME_LIMIT_SECONDS, check=False)

@@ -19,7 +19,7 @@ class Set(CommandLineTest):
         ]
 
     def written(self, *words):
-        """What a run of `set` made the driver receive. Success says nothing."""
+        """The writes that the driver receives from a run of `set`. A success prints nothing."""
         self.machine("log", "--clear")
         run = self.quenra("set", *words)
         self.assertEqual((run.out, run.error), ("", ""), run)

@@ -14,7 +14,7 @@ class Update(CommandLineTest):
         self.image = self.files.typed("update.fwi")
 
     def add(self, device, payload, version="9.0.0f1", file_name=None):
-        """One more section in the image."""
+        """Adds a section to the image."""
         self.files["payload"].write_bytes(payload)
         more = ["--append"] if self.files["update.fwi"].exists() else []
         more += ["--file-name", file_name] if file_name else []
@@ -94,7 +94,7 @@ class Update(CommandLineTest):
                 self.assertEqual(len(self.packages()), actions.count("install-package"))
 
     def assert_foreseen(self, code, exit_code=1):
-        """The plan reports the reason, and the update is not started for the same one."""
+        """The plan reports the reason, and the update is refused for the same reason."""
         plan = self.document("update", "--plan", self.image, kind="update-plan",
                              exit_code=exit_code)
         self.assertEqual(plan["obstacles"][0]["status"]["code"], code)

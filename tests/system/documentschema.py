@@ -10,7 +10,7 @@ FOLDER = pathlib.Path(__file__).resolve().parents[2] / "docs" / "schema"
 
 
 class DocumentSchema:
-    """Checks that a document is valid, and that it has no member that its schema leaves out."""
+    """Checks that a document is valid, and that its schema declares each of its members."""
 
     def __init__(self):
         self.schemas = {
@@ -29,7 +29,7 @@ class DocumentSchema:
 
     def _validator(self, schema):
         with warnings.catch_warnings():
-            # Newer versions of jsonschema have another way, which older ones do not know.
+            # RefResolver is deprecated, but older versions of jsonschema have no replacement.
             warnings.simplefilter("ignore", DeprecationWarning)
             resolver = jsonschema.RefResolver("", schema, store=dict(self.schemas))
             return jsonschema.Draft202012Validator(schema, resolver=resolver)

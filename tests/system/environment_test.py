@@ -1,4 +1,4 @@
-"""What surrounds the controller in the simulated machine, as quenra-sim sets it up and shows it."""
+"""The environment of the controller in the simulated machine, as quenra-sim sets and prints it."""
 
 import hashlib
 import json
@@ -110,7 +110,7 @@ class Environment(CommandLineTest):
         self.sim("attribute", "set", "marten", "0x10200400", "--text", "3.1.4f15")
         self.assertEqual(self.quenra("get", "firmware-version").out, "3.1.4f15\n")
 
-    # ---- All of it ----
+    # ---- The complete environment ----
 
     def test_wrong_usage_is_told(self):
         for words in (

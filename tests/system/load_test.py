@@ -8,10 +8,10 @@ import unittest
 from commandline import CommandLineTest, command, start
 
 LIVES = 10_000
-SECONDS = 30  # a machine that is busy otherwise has fewer lives
+SECONDS = 30  # a busy machine completes fewer lives
 FEWEST_LIVES = 500
 FEWEST_KILLS = 3
-TIME_LIMIT_SECONDS = 200  # threads that are stuck report before
+TIME_LIMIT_SECONDS = 200  # stuck threads report earlier
 
 PAIRS = (
     (("filesOpened",), ("filesClosed",)),

@@ -1,4 +1,4 @@
-"""quenra-sim as its users run it, seen through what quenra then finds."""
+"""quenra-sim as its users run it, checked by the state that quenra then reads."""
 
 import json
 import pathlib
@@ -82,7 +82,7 @@ class Simulator(CommandLineTest):
     def test_answers_are_scripted_and_cleared(self):
         self.sim("answer", "add", "controller", "exchange-values", "--code", "-1")
         self.quenra("info", exit_code=1)
-        self.quenra("info")  # it was for one request
+        self.quenra("info")  # the answer applied to one request only
         self.sim("answer", "add", "controller", "any", "--times", "0", "--windows-error", "5")
         self.assertIn("QUENRA_STATUS_ACCESS_DENIED", self.quenra("info", exit_code=1).error)
         self.sim("answer", "clear")

@@ -1,4 +1,4 @@
-"""Programs of the simulated machine start every time: Linux does not choose where their heap lies."""
+"""Programs of the simulated machine start reliably: they run without address randomisation."""
 
 import pathlib
 import subprocess
@@ -11,7 +11,7 @@ HOLDER = b"pending_holder.exe"
 
 
 def allowed():
-    """Whether the system lets programs do without random addresses."""
+    """True if the system lets programs disable address randomisation."""
     try:
         return subprocess.run(["setarch", "-R", "true"], capture_output=True,
                               check=False).returncode == 0
@@ -27,7 +27,7 @@ def holders():
                     "wine" in (process / "exe").readlink().name:
                 yield process
         except OSError:
-            pass  # it is gone, or somebody else's
+            pass  # it has ended, or belongs to another user
 
 
 @unittest.skipUnless(allowed(), "the system insists on random addresses")
