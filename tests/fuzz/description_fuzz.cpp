@@ -2,9 +2,9 @@
 //
 // An input is a list of steps; a step is a byte for the kind of value, a byte that decides whether
 // growing is refused, a byte for the length of the key and the key, and for a text a byte for its
-// length and the text, for a number eight bytes. What the input does not have reads as zero.
+// length and the text, for a number eight bytes. Bytes past the end of the input read as zero.
 //
-// Whatever happens, the buffer holds one JSON text, its NUL, zero bytes, and the marker.
+// After every step the buffer holds one JSON text, its NUL, zero bytes, and the marker.
 #include <rapidjson/reader.h>
 
 #include <algorithm>
@@ -58,14 +58,14 @@ class tInput {
   std::span<const uint8_t> bytes_;
 };
 
-// A buffer of exactly its capacity, so that the address sanitizer sees one byte too many.
+// A buffer of exactly its capacity, so that the address sanitizer reports an access past it.
 class tDescription {
  public:
   tDescription() : buffer_(std::make_unique<char[]>(capacity_)) {
     zoerr::resetDescription(buffer_.get(), capacity_);
   }
 
-  // Appends, growing unless that is refused. An append that finds no room changes nothing.
+  // Appends, growing the buffer unless refused. An append that does not fit changes nothing.
   template <class Append>
   void append(Append append, bool refuseToGrow) {
     for (;;) {

@@ -1,9 +1,9 @@
-// A driver that answers as the input says, below a client that asks for everything there is.
+// A client that uses attributes, routes and demotions, with a driver whose answers are the input.
 //
-// An input is: the notices that the machine sends, 64 bytes, of which the first also tells whether
-// requests complete later and how often completions are told; the answers to requests for deliveries,
-// 128 bytes; the answers to all other requests. tests/component/lyingdriver/tlies.h tells how bytes
-// become answers. Behind its last byte the driver is true.
+// An input is: 64 bytes for the notices that the machine sends, of which the first also selects
+// late completions and how often a completion is repeated; 128 bytes for the answers to requests
+// that normally stay pending; the answers to all other requests. After the last byte the driver
+// answers as the model does. tests/component/lyingdriver/tlies.h documents the answers.
 #include <cstddef>
 #include <cstdint>
 

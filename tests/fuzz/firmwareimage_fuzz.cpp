@@ -63,7 +63,7 @@ const uint8_t* countingFind(const uint8_t* text, const uint8_t* end, uint8_t byt
   return found;
 }
 
-// However sections share their headers, all searches together read the image a fixed number of times.
+// All searches together read the image at most kMaxReadings times, however sections share headers.
 void checkCost(std::string_view image) {
   constexpr size_t kMaxReadings = 32;
   const nFirmwareDecoding::tKernels counting{"counting", nFirmwareDecoding::kPlainKernels.decode,

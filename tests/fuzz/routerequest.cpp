@@ -24,7 +24,7 @@ using zoark::ARKRoutingAdaptorSession;
 
 constexpr int32_t kInvalidParameter = -52005;
 
-// In the place of an answer, with a buffer of exactly the size that is asked for.
+// The buffer of the answer, of exactly the requested size.
 std::unique_ptr<char[]> answer;
 
 char* supplyBuffer(char*, size_t required, const char*, size_t) {
@@ -32,7 +32,7 @@ char* supplyBuffer(char*, size_t required, const char*, size_t) {
   return answer.get();
 }
 
-// A session on a router that has two routes for everything.
+// A session on a router that answers every calculation with two routes.
 struct tSession {
   tSession() {
     script.router.calls.clear();
@@ -47,8 +47,8 @@ struct tSession {
                                    status};
 };
 
-// Numbers come as texts, since the reader's own arithmetic is undefined for some of them. The names
-// are RapidJSON's.
+// Receives numbers as texts, since RapidJSON's own conversion is undefined for some of them. The
+// names of the methods are RapidJSON's.
 class tTreeBuilder {
  public:
   explicit tTreeBuilder(Document& to) : to_(to) {}
@@ -74,8 +74,8 @@ class tTreeBuilder {
   Document& to_;
 };
 
-// Replaces a number that the reader refuses for its many digits or its large exponent by a short one
-// with the value that it has as a double, or the largest one.
+// Replaces a number that RapidJSON rejects for its many digits or its large exponent by a short one
+// with the same value as a double, clamped to the range of a double.
 void shortenNumber(std::string& document, size_t offset) {
   const char* const begin = document.c_str() + offset;
   char* end = nullptr;
@@ -87,7 +87,7 @@ void shortenNumber(std::string& document, size_t offset) {
                    static_cast<size_t>(length));
 }
 
-// Memory of exactly the text and its NUL, so that the address sanitizer sees one byte too many.
+// A copy of exactly the text and its NUL, so that the address sanitizer reports a read past it.
 std::unique_ptr<char[]> exactCopy(const std::string& text) {
   auto copy = std::make_unique<char[]>(text.size() + 1);
   std::memcpy(copy.get(), text.c_str(), text.size() + 1);
@@ -168,7 +168,7 @@ void calculate(const tDocuments& documents, bool isSound) {
     require(output == nullptr, "a request that is refused has no answer");
     checkRefusal(exception.status(), isSound);
   }
-  // Nothing is kept, or the fuzzer looks for a leak after every input.
+  // Releases all memory: libFuzzer would otherwise run a leak check after every input.
   on.script.router.calls = {};
   answer.reset();
   static_cast<void>(nFakeWindows::takeDebuggerOutput());

@@ -8,33 +8,33 @@
 #include <optional>
 #include <string>
 
-// What the targets of the three documents of a route request share.
+// Shared by the fuzz targets of the three documents of a route request.
 namespace nRouteFuzz {
 
-// The documents of a request. Those that are not fuzzed are sound.
+// The documents of a request. Those that are not fuzzed are valid.
 struct tDocuments {
   std::string seeds = R"([{"terminal":"TRIG_SMB","cost":1,"constraints":{}}])";
   std::string destinations = R"(["PXI_Trig0","PXI_Trig1"])";
   std::string modifiers = "{}";
 };
 
-// What an input is taken for: its text up to the first NUL.
+// The text of an input, up to the first NUL.
 [[nodiscard]] std::string textOf(const uint8_t* data, size_t size);
 
-// Ends the program when a promise is broken.
+// Ends the program unless the condition holds.
 void require(bool holds, const char* promise);
 
-// Asks a session for routes, with the documents in memory of exactly their size. A request is
-// either sent once and answered with JSON, or refused as an invalid parameter, with a description
-// that is JSON, and not sent. `isSound` tells whether the document that is fuzzed is good as far as
-// a plain reading of it can tell; one that is not is refused, and one that is may only be refused
-// for its depth or for texts that are no Unicode.
+// Calculates routes with the documents in memory of exactly their size. The session must either
+// send the request once and answer with JSON, or send nothing and fail with invalid parameter and a
+// JSON description. `isSound` is true if a simple parser accepts the fuzzed document: the session
+// must reject any other document, and may reject a sound one only for its depth or for text that is
+// not valid Unicode.
 void calculate(const tDocuments& documents, bool isSound);
 
-// A document as a plain tree; none when it is not JSON. Numbers beyond a double are the largest one.
+// The tree of a document; none if it is not JSON. Numbers are clamped to the range of a double.
 [[nodiscard]] std::optional<rapidjson::Document> treeOf(std::string document);
 
-// The last of the members with a name; null without one.
+// The last member with this name; null if no member has it.
 [[nodiscard]] const rapidjson::Value* lastMember(const rapidjson::Value& object, const char* name);
 
 }  // namespace nRouteFuzz

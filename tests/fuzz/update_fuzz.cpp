@@ -1,10 +1,10 @@
-// Whole updates: an arbitrary machine, arbitrary options, an image of arbitrary sections, and things
-// that fail on the way. The input is used up from both ends, as its provider does.
+// Complete updates: an arbitrary machine, arbitrary options, an image of arbitrary sections, and
+// injected failures. FuzzedDataProvider consumes the input from both ends.
 //
-// What is checked after each: the version marker is as it was unless the update succeeded; no file has
-// come to be but in the update's folder and where a name stands for another place by itself; options
-// that do not exist are refused before anything is looked at; what failed before the first change has
-// changed nothing. Memory is the leak checker's.
+// Checks after each update: the version marker is unchanged unless the update succeeded; new files
+// exist only in the update's folder and where a file name itself leads elsewhere; unknown options
+// are refused without any effect; a machine that accepts no update is refused without any effect.
+// The leak checker covers memory.
 #include <fuzzer/FuzzedDataProvider.h>
 #include <unistd.h>
 
@@ -52,7 +52,7 @@ void require(bool holds, const char* promise) {
   }
 }
 
-// In memory where there is such a place: a disk is slow.
+// In memory if the system has /dev/shm: a disk is slow.
 fs::path placeForFiles() {
   const fs::path memory = "/dev/shm";
   return fs::is_directory(memory) ? memory : fs::temp_directory_path();
@@ -75,7 +75,7 @@ struct tMachine {
 };
 
 tMachine anyMachine(tProvider& input) {
-  // Mostly one that takes an update: the rest of it is worth more.
+  // Mostly a machine that accepts updates: a refused update ends early and tests little.
   const uint8_t manner = input.ConsumeIntegral<uint8_t>();
   return {manner % 8 == 0 ? 0u : 1u, static_cast<uint8_t>(manner % 16 == 1 ? 0 : 1),
           static_cast<uint8_t>(manner % 16 == 2 ? 2 : 1), manner % 16 == 3 ? 1 : 0,
@@ -86,7 +86,7 @@ bool takesUpdates(const tMachine& made) {
   return made.updatable != 0 && made.protection < 2 && made.encrypted != 1;
 }
 
-// A protection that cannot be read counts as none.
+// A drive whose protection cannot be read counts as not encrypted.
 bool hidesProtection(const std::optional<tCall>& failing) {
   return failing == tCall::next || failing == tCall::get;
 }
@@ -112,7 +112,7 @@ void make(const tMachine& wanted) {
   machine.setTable(table.build());
 }
 
-// ---- What fails ----
+// ---- Injected failures ----
 
 // Calls that do not reach the driver.
 constexpr std::array kFailingCalls = {
@@ -148,7 +148,7 @@ constexpr std::array kDiskCalls = {
     tCall::setFileInformation,  tCall::getFinalPathName,          tCall::compareStringOrdinal,
 };
 
-// Consumes what the rest of the test leaves: an input without such bytes fails none of these calls.
+// Runs last, on the remaining input: an input without remaining bytes fails none of these calls.
 void planDiskFailure(tProvider& input) {
   constexpr uint32_t kSharingViolation = 32;
   const auto call = input.ConsumeIntegralInRange<size_t>(0, kDiskCalls.size());
@@ -158,7 +158,7 @@ void planDiskFailure(tProvider& input) {
   }
 }
 
-// The marker is written back by a request that always arrives; everything else the driver may refuse.
+// The driver may refuse every request except the one that restores the marker.
 bool writesMarkerBack(const nFakeWindows::tDriverRequest& request) {
   if (request.code != REQUEST_SET_ATTRIBUTE) {
     return false;
@@ -174,7 +174,7 @@ void planRefusal(tProvider& input) {
   if (nth == 0 || nth > 8) {
     return;
   }
-  // A driver that says yes and means no would have the update believe in another marker.
+  // Errors only: after a false success, the update would restore a wrong marker.
   const auto code = input.ConsumeIntegralInRange<int32_t>(std::numeric_limits<int32_t>::min(), -1);
   const auto size = input.ConsumeIntegral<uint32_t>();
   nFakeWindows::machine().useDriver(
@@ -182,7 +182,7 @@ void planRefusal(tProvider& input) {
         if (writesMarkerBack(request) || ++count != nth) {
           return request.byModel();
         }
-        // The status is the last word of a reply, and the first of a text's is its size.
+        // The status is the last word of a reply; the reply to a text read begins with the size.
         const tGetAttributeReply reply{size, code};
         const size_t length = std::min(sizeof reply, request.output.size());
         std::memcpy(request.output.data(), &reply, length);
@@ -193,12 +193,12 @@ void planRefusal(tProvider& input) {
 
 // ---- The image ----
 
-// How many bytes of an image are changed at most.
+// The maximum number of changed bytes of an image.
 constexpr unsigned kMostChanges = 3;
-// What a name begins with that leads out of the update's folder.
+// The prefix of a file name that leads out of the update's folder.
 constexpr std::string_view kBeside = "beside.";
 
-// Names that lead nowhere but into the folder of this process.
+// A file name that does not lead out of the folder of this process.
 std::string anyName(tProvider& input) {
   constexpr std::array<const char*, 8> kBeginnings = {"",           "",   "/",  "missing/",
                                                       "../beside.", "D:", "\"", "b\xE9 c"};
@@ -230,7 +230,7 @@ std::string anyImage(tProvider& input) {
     sections.push_back(anySection(input));
   }
   std::string image = nTests::firmwareImage(sections);
-  // A few bytes of it are changed, to such as cannot make a name another place.
+  // Change a few bytes, to characters that cannot make a file name lead elsewhere.
   constexpr std::string_view kCharacters = "0a:=\"\r\n \xE9";
   for (auto changes = input.ConsumeIntegralInRange<unsigned>(0, kMostChanges); changes != 0;
        --changes) {
@@ -242,7 +242,7 @@ std::string anyImage(tProvider& input) {
   return image;
 }
 
-// ---- What must hold ----
+// ---- Invariants ----
 
 std::string marker() {
   std::array<char, 64> text{};
@@ -259,8 +259,8 @@ bool isUpdateFolder(const std::string& name) {
          name[23] == '-';
 }
 
-// Whether an image may have named it so, to lie beside the update's folder: some of its bytes may have
-// been changed, one of them so that it ends the name.
+// True if an image may have placed a file of this name beside the update's folder: kBeside with at
+// most kMostChanges changed bytes, one of which may have ended the name.
 bool isNamedBeside(const std::string& name) {
   const size_t length = std::min(name.size(), kBeside.size());
   unsigned changed = length < kBeside.size() ? 1 : 0;
@@ -315,11 +315,11 @@ void clearFolders() {
   }
 }
 
-// The update runs in a folder of its own; the fuzzer stays where it was started.
+// Runs the update in a current folder of its own; restores the fuzzer's current folder.
 int32_t updateInItsFolder(uint64_t handle, const std::string& image, uint32_t options) {
   const fs::path before = fs::current_path();
   fs::current_path(root() / "current");
-  // In memory of its own size, so that one byte too far is seen.
+  // In memory of its exact size, so that the address sanitizer reports a read past it.
   const std::vector<char> bytes(image.begin(), image.end());
   const int32_t code = QUENRA_updateFirmware2(handle, bytes.data(), bytes.size(), options);
   fs::current_path(before);

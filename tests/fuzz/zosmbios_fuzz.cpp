@@ -83,7 +83,7 @@ class tProvider final : public cZoSmBiosProvider {
   void load(tStatus&) noexcept override { require(false, "a provider with a table loads none"); }
 };
 
-// Every structure by the walk and by the index.
+// Compares every structure found by the walk and by the index.
 void compareStructures(const tStructureTable& table, const tWalk& walked) {
   tStructureIndex index;
   index.build(table);
@@ -112,7 +112,7 @@ void compareEnumeration(const tStructureTable& table, const tWalk& walked, uint8
   require(!structures.next(), "the enumeration ends with the last structure");
 }
 
-// The bytes of a numeric field, as far as the table has them.
+// The value of a numeric field; none if the table does not contain all its bytes.
 std::optional<uint64_t> bytesOfField(tBytes table, const tWalk& walked, tFieldId field,
                                      uint32_t instance, size_t width) {
   const auto structure = walkedStructure(walked, structureTypeOf(field), instance);
@@ -156,7 +156,7 @@ struct tTextAnswer {
   uint32_t size;
 };
 
-// Into a buffer of exactly the size told.
+// Reads into a buffer of exactly `size` bytes.
 tTextAnswer askText(cZoSmBiosProvider& provider, tFieldId field, uint32_t instance, uint32_t size) {
   const auto buffer = std::make_unique<char[]>(size);
   std::fill_n(buffer.get(), size, '#');
