@@ -3,7 +3,7 @@
 
 Usage: check_driver.py DRIVER HELPER
 
-DRIVER imports HELPER, which imports libraries of user mode: a kernel has no such library to load.
+DRIVER imports HELPER, which imports user-mode libraries: the kernel cannot load those.
 """
 
 import pathlib

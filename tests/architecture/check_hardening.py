@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Checks what a built image carries against being abused.
+"""Checks the exploit mitigations of a built image.
 
 Usage: check_hardening.py VERSION SOURCE_FOLDER LOAD_FLAGS LIBRARIES IMAGE
 
-VERSION is that of the version resource, SOURCE_FOLDER must not be told by the image, LOAD_FLAGS are
-the DependentLoadFlags, LIBRARIES, with commas between them, all that may be imported.
+VERSION is that of the version resource, the image must not contain SOURCE_FOLDER, LOAD_FLAGS are
+the DependentLoadFlags, LIBRARIES lists all libraries that may be imported, separated by commas.
 """
 
 import re
@@ -13,7 +13,7 @@ import sys
 
 import peimage
 
-# Fewer calls to the guard's failure than this mean that the library's own code has no guards.
+# Fewer calls of __stack_chk_fail than this mean that the library's own code has no guards.
 FEWEST_GUARDED_FUNCTIONS = 50
 LOADER_REPLACES_THIS = 0x00002B992DDFA232
 # Only the loader writes to them, and it changes their protection for that.
@@ -45,7 +45,7 @@ def memory(image):
             yield f"it has no section {name}"
         elif found[name].flags & peimage.SECTION_IS_WRITTEN:
             yield f"section {name} is writable"
-    # From this entry the loader knows the addresses that it has to make writable.
+    # The loader finds the addresses to make writable through this entry.
     address, size = image.directories[peimage.IMPORT_ADDRESSES]
     imports_section = found.get(".idata")
     if imports_section and not (
@@ -110,7 +110,7 @@ def version(image, expected):
 
 
 def checksum(image):
-    """The bytes but for the sum itself, so that a step after linking that forgot the sum is seen."""
+    """Sums all bytes except the checksum, to detect a step after linking that did not update it."""
     raw = bytearray(image.bytes) + bytes(len(image.bytes) % 2)
     raw[image.checksum_place:image.checksum_place + 4] = bytes(4)
     total = sum(word for (word,) in struct.iter_unpack("<H", raw))

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds check_hardening.py to what it promises: each thing it asks for, taken from a good image.
+"""Tests check_hardening.py: removes each required property from a valid image in turn.
 
 Usage: check_hardening_test.py IMAGE
 """

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks what a library exports and imports.
+"""Checks the exports and imports of a library.
 
 Usage: check_image.py OBJDUMP LIBRARY EXPORTS
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks the arrows of the architecture.
+"""Checks that includes follow the layers of the architecture.
 
 Usage: check_includes.py ROOT
 
@@ -51,7 +51,7 @@ def layer_of(path, layers):
 
 
 def resolve(root, name):
-    """The included file's path from the root, or None for a header of others."""
+    """The included file's path from the root, or None for a header from outside the project."""
     for base in ("", "include/"):
         if (root / base / name).is_file():
             return base + name

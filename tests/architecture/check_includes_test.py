@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The check of the architecture notices what it is there to notice."""
+"""Tests check_includes.py: it reports each kind of violation."""
 
 import pathlib
 import tempfile

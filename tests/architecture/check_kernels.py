@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Checks that code for newer processors stays where it is.
+"""Checks that code for newer processors cannot run on older ones.
 
 Usage: check_kernels.py NM OBJECT...
 
-An object that is compiled for an instruction set may define its table of kernels for others, and
-no function: of an inline function that several objects define the linker keeps one, and that could
-be the one that few processors can run. Prints each function that others see; exit code 1 when there is one.
+An object that is compiled for an instruction set may export its table of kernels but no function:
+if several objects define an inline function, the linker keeps one of them, which could be the one
+that only few processors can run. Prints each exported function; exit code 1 if one was found.
 """
 
 import pathlib

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Checks that the time and the place of a build leave nothing in the library.
+"""Checks that the library does not depend on the time and the folder of its build.
 
 Usage: check_reproducible.py NINJA BUILD TARGET_FILE SOURCE...
 
-Links the library once more, and compiles the sources in two other folders with its own commands; all
-have to have the same bytes. `./dev reproduce` compares two whole builds.
+Links the library again, and compiles the sources in two other folders with its own commands; all
+results must have the same bytes. `./dev reproduce` compares two complete builds.
 """
 
 import json
@@ -20,7 +20,7 @@ PRODUCT_FOLDERS = ("codegen", "include", "protocol", "routingadaptorinterface", 
 
 
 def link_again(ninja, build, library, folder):
-    """The library as the linker gives it, before what is done after linking."""
+    """The library as the linker writes it, before the steps after linking."""
     commands = subprocess.run([ninja, "-C", build, "-t", "commands", "-s", library], check=True,
                               capture_output=True, text=True).stdout
     command = next(part for part in commands.replace("\n", " && ").split(" && ")
@@ -41,7 +41,7 @@ def command_of(build, source):
 
 
 def compile_in(folder, build, root, source):
-    """The object that a build in that folder would make."""
+    """The object file that a build in that folder would produce."""
     words = command_of(build, source)
     compiler = next(index for index, word in enumerate(words) if "mingw32" in word)
     words = [word.replace(str(root), str(folder)) for word in words[compiler:]]

@@ -13,7 +13,7 @@ NAMED = re.compile(r"`(\w+\.\w+)`\s*\|$")
 
 
 def rows(page):
-    """The rows of the page's tables, each with its number, but for heads and lines below them."""
+    """The rows of the page's tables with their line numbers, without headers and separators."""
     lines = page.splitlines()
     for number, line in enumerate(lines, 1):
         is_head = number < len(lines) and lines[number].startswith("|---")
@@ -22,13 +22,13 @@ def rows(page):
 
 
 def bounds(page):
-    """The rows of the one table that tells bounds; their tests are those of other rows."""
+    """The rows of the table of bounds, which name no tests: other rows do."""
     section = page.partition("## Bounds")[2].partition("\n## ")[0]
     return set(section.splitlines())
 
 
 def check(page, tests, exports):
-    """What is wrong with the page, as texts."""
+    """The problems of the page, as messages."""
     exempt = bounds(page)
     problems = []
     for number, row in rows(page):

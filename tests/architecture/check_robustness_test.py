@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The checker of docs/robustness.md, on pages of its own."""
+"""Tests check_robustness.py on pages of its own."""
 import unittest
 
 import check_robustness

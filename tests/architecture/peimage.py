@@ -1,4 +1,4 @@
-"""Reads what the checks ask about an image for 64-bit Windows."""
+"""Reads the parts of a 64-bit PE image that the checks use."""
 
 import dataclasses
 import pathlib
@@ -24,7 +24,7 @@ class Section:
 
 
 class Image:
-    """Addresses are relative to where the image is loaded, places are offsets in the file."""
+    """Addresses are relative to the image base; places are offsets in the file."""
 
     def __init__(self, path):
         self.bytes = pathlib.Path(path).read_bytes()

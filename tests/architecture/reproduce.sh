@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Builds what is delivered from two copies of the source, in folders of different names, and compares
-# the bytes. Usage: reproduce.sh FOLDER JOBS
+# Builds the delivered files from two copies of the source, in folders of different names, and
+# compares the bytes. Usage: reproduce.sh FOLDER JOBS
 set -euo pipefail
 readonly folder=$1 jobs=$2
 readonly delivered=(quenra.dll quenra.exe quenra-sim.exe)
 root=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/../..
 
-# A cache of compilations would compare a build with itself.
+# With a compiler cache the check would compare a build with itself.
 unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
 
 build_copy() {
