@@ -21,7 +21,7 @@ class TransportFailure : public EveryRequest {
  protected:
   TransportFailure() { device_.answerWith(replyWith(-7)); }
 
-  // The device fails with -52009 and puts the words into the extension; the rest of it is not zero.
+  // The device fails with -52009. The words begin the extension; its other bytes are not zero.
   void failWith(tWords extension) {
     device_.transportWill([extension](tStatus& transport) {
       mergeStatus(transport, -52009, "transport", "device", 110);

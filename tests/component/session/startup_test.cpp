@@ -1,5 +1,5 @@
-// The library when its lock could not be created while it was loaded. A program of its own, because
-// loading happens once in a process.
+// The library when its lock could not be created while it was loaded. A separate program, because a
+// process loads the library once.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// The path capacity of the process. A program of its own, since the capacity only grows.
+// The path capacity of the process. A separate program, since the capacity never shrinks.
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -167,7 +167,7 @@ TEST_F(PendingFailures, EndThatCannotBeSent_LeavesTheRequestToTheClosingOfTheDev
 
 TEST_F(PendingFailures, NothingIsClosedTwiceAndNothingIsKept) {
   ASSERT_NE(begin(), 0u);
-  // Two for the caller: the thread; and the worker's event.
+  // Three handles: the caller's event, the thread, and the worker's event.
   proxy.endPendingRequest(request);
   EXPECT_EQ(faultPlan().callCount(tCall::createEvent), 2u);
   EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 1u);

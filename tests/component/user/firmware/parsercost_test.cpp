@@ -10,8 +10,8 @@ using nQUENRA1400::nFirmwareDecoding::kPlainKernels;
 using nQUENRA1400::nFirmwareDecoding::tDecodedPayload;
 using nQUENRA1400::nFirmwareDecoding::tKernels;
 
-// Searches for seven keys and a line end for each, two quotes for each of four texts, the extension of
-// driver packages, and the end of the header; and the payload.
+// Readings: seven keys with a line end each, four texts with two quotes each, the extension of
+// driver packages, the end of the header, and the payload.
 constexpr size_t kMaxReadings = 25;
 
 size_t bytesRead = 0;
@@ -55,8 +55,8 @@ INSTANTIATE_TEST_SUITE_P(Of, ParserCost,
                          testing::ValuesIn(expensiveImages().begin(), expensiveImages().end()),
                          [](const auto& test) { return test.param.name; });
 
-// The command line lists every section, also those that follow a fault. Only there can all keys of an image
-// lie on one line.
+// The command line lists every section, also those after a fault. Only then can all keys of an
+// image be on one line.
 TEST(HeaderCost, BytesReadOnOneLineOfKeys_AreProportionalToTheImage) {
   constexpr std::string_view kKeys =
       "HeaderVersion::1\nVersion::1UpdateType::\"TargetDevice::CRC::ByteCount::";
