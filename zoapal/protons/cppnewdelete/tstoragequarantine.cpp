@@ -36,6 +36,10 @@ void tStorageQuarantine::clear() noexcept {
   }
 }
 
+void* tQuarantinedStorage::operator new(size_t size) {
+  return ::operator new(size);
+}
+
 void tQuarantinedStorage::operator delete(void* storage) noexcept {
   storageQuarantine().add(storage);
 }
