@@ -17,7 +17,9 @@ import peimage
 FEWEST_GUARDED_FUNCTIONS = 50
 LOADER_REPLACES_THIS = 0x00002B992DDFA232
 # Only the loader writes to them, and it changes their protection for that.
-READ_ONLY_SECTIONS = (".idata", ".CRT", ".rsrc")
+READ_ONLY_SECTIONS = (".rdata", ".idata", ".CRT", ".rsrc")
+# Newer versions of GNU ld place it in .rdata.
+OPTIONAL_SECTIONS = (".CRT",)
 
 
 def address_space(image):
@@ -42,7 +44,8 @@ def memory(image):
     found = sections(image)
     for name in READ_ONLY_SECTIONS:
         if name not in found:
-            yield f"it has no section {name}"
+            if name not in OPTIONAL_SECTIONS:
+                yield f"it has no section {name}"
         elif found[name].flags & peimage.SECTION_IS_WRITTEN:
             yield f"section {name} is writable"
     # The loader finds the addresses to make writable through this entry.

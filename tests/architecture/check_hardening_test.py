@@ -48,8 +48,9 @@ class Hardening(unittest.TestCase):
 
     def test_a_writable_table_is_reported(self):
         first = self.header + 24 + struct.unpack_from("<H", self.image.bytes, self.header + 20)[0]
-        for name in check_hardening.READ_ONLY_SECTIONS:
-            index = [section.name for section in self.image.sections].index(name)
+        names = [section.name for section in self.image.sections]
+        for name in set(check_hardening.READ_ONLY_SECTIONS) & set(names):
+            index = names.index(name)
             image = self.image_with(first + 40 * index + 36, "I",
                                     self.image.sections[index].flags | 0x80000000)
             self.assertEqual([f"section {name} is writable"], list(check_hardening.memory(image)))
