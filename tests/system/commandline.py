@@ -74,16 +74,16 @@ class Started:
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True)
         test.addCleanup(self.kill)
 
-    def told(self):
+    def next_line(self):
         """The next line of its output."""
         return self.process.stdout.readline().decode("utf-8")
 
     def read_until(self, text):
         """Reads lines of its output up to one with the text."""
-        line = self.told()
+        line = self.next_line()
         while text not in line:
             self.test.assertNotEqual(line, "", f"it ended without '{text}'")
-            line = self.told()
+            line = self.next_line()
 
     def warned(self):
         """The next line on its error stream."""

@@ -31,7 +31,7 @@ class Firmware(CommandLineTest):
                          "good: 2 sections\n")
         self.document("firmware", "verify", self.typed("Größe.fwi"), kind="firmware-verify")
 
-    def test_every_fault_is_told(self):
+    def test_every_fault_is_printed(self):
         self.build(b"123456789")
         path = self.files["Größe.fwi"]
         path.write_bytes(path.read_bytes().replace(b"MTIz", b"MTI0"))

@@ -23,7 +23,7 @@ class Help(CommandLineTest):
         document = self.document("help", "get", kind="help")
         self.assertEqual(document["text"], self.quenra("get", "--help").out)
 
-    def test_version_is_told_both_ways(self):
+    def test_version_is_printed_both_ways(self):
         version = self.document("--version", kind="version")["version"]
         self.assertEqual(self.quenra("--version").out, f"quenra {version}\n")
 

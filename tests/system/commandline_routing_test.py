@@ -25,14 +25,14 @@ class Routing(CommandLineTest):
                       self.quenra("route", "plan", *LINE, "--invert").out)
         self.assertEqual(self.routes(), [])
 
-    def test_path_of_any_length_is_told(self):
+    def test_path_of_any_length_is_printed(self):
         self.machine("scenario", "--path-length", "40")
         routes = self.document("route", "plan", *LINE, kind="route-plan")["routes"]
         self.assertEqual(len(routes[0]["path"]), 40)
 
     def test_route_is_held_for_its_time_and_taken_down(self):
         connection = Started(self, "route", "connect", *LINE, "--for", "4")
-        self.assertEqual(connection.told(), "connected: TRIG_SMB -> PXI_Trig3, for 4.0 s\n")
+        self.assertEqual(connection.next_line(), "connected: TRIG_SMB -> PXI_Trig3, for 4.0 s\n")
         self.assertEqual([route["state"] for route in self.routes()], ["programmed"])
         out, error = connection.end(0)
         self.assertRegex(out, r"^taken down after \d+\.\d s\n$")
@@ -45,7 +45,7 @@ class Routing(CommandLineTest):
 
     def test_ctrl_c_takes_the_route_down(self):
         connection = Started(self, "route", "connect", *LINE)
-        self.assertEqual(connection.told(), "connected: TRIG_SMB -> PXI_Trig3, until Ctrl-C\n")
+        self.assertEqual(connection.next_line(), "connected: TRIG_SMB -> PXI_Trig3, until Ctrl-C\n")
         connection.interrupt()
         out, error = connection.end(0)
         self.assertIn("taken down after ", out)
@@ -65,7 +65,7 @@ class Routing(CommandLineTest):
 
     def test_demotion_is_told_while_the_route_is_held(self):
         connection = Started(self, "route", "connect", *LINE)
-        connection.told()
+        connection.next_line()
         self.machine("demote", str(self.routes()[0]["ticket"]))
         self.assertRegex(connection.warned(), r"^quenra: the route was demoted after .*: the line was taken by a route of "
                          r"higher priority \(101\); ")
@@ -84,7 +84,7 @@ class Routing(CommandLineTest):
 
     def test_holder_of_the_line_is_named(self):
         connection = Started(self, "route", "connect", *LINE)
-        connection.told()
+        connection.next_line()
         holder = self.routes()[0]
         words = ("route", "connect", "--from", "PXI_Trig0", "--to", "PXI_Trig3")
         run = self.quenra(*words, exit_code=1)
