@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "simulator/control/controlprotocol.h"
+#include "simulator/protocol/controlprotocol.h"
 
 namespace nSimulator {
 

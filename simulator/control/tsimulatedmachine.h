@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/control/controlprotocol.h"
+#include "simulator/protocol/controlprotocol.h"
 
 namespace nSimulator {
 

@@ -7,9 +7,9 @@
 #include <fstream>
 #include <string>
 
-#include "simulator/environment/driverstore.h"
-#include "simulator/environment/wine.h"
 #include "simulator/model/sha256.h"
+#include "simulator/scenario/driverstore.h"
+#include "simulator/scenario/wine.h"
 
 namespace nSimulator {
 namespace {

@@ -3,10 +3,10 @@
 #include <exception>
 #include <memory>
 
-#include "simulator/environment/encryption.h"
-#include "simulator/environment/wine.h"
 #include "simulator/managementservice/managementobjects.h"
 #include "simulator/managementservice/tcomobject.h"
+#include "simulator/scenario/encryption.h"
+#include "simulator/scenario/wine.h"
 
 namespace nSimulator {
 namespace {

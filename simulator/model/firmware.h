@@ -5,7 +5,7 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-#include "simulator/control/controlprotocol.h"
+#include "simulator/protocol/controlprotocol.h"
 
 enum {
   FIRMWARE_PIECE_SIZE = 65536

@@ -10,8 +10,8 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-#include "simulator/control/controlprotocol.h"
 #include "simulator/model/modelfile.h"
+#include "simulator/protocol/controlprotocol.h"
 
 #ifdef __cplusplus
 extern "C" {

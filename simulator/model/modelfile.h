@@ -4,7 +4,7 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-#include "simulator/control/controlprotocol.h"
+#include "simulator/protocol/controlprotocol.h"
 
 /* An open file: its interface and its process. The host chooses `file`, which is not 0. */
 typedef struct tModelFile {

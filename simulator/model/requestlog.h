@@ -4,7 +4,7 @@
 
 #include <stdint.h>
 
-#include "simulator/control/controlprotocol.h"
+#include "simulator/protocol/controlprotocol.h"
 
 typedef struct tRequestLog {
   uint64_t nextSequence; /* 1 after clearing */

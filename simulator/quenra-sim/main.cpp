@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
-#include "simulator/environment/wine.h"
 #include "simulator/quenra-sim/program.h"
+#include "simulator/scenario/wine.h"
 
 int main(int argumentCount, char** arguments) {
   // Lines end in LF on every system.

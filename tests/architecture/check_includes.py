@@ -21,7 +21,7 @@ WINDOWS_HEADERS = {
 MAY_CALL_WINDOWS = (
     "zoapal/protons/", "zosmbios/czosmbioswindowsprovider.cpp", "source/user/preconditions/",
     "source/user/update/driverpackage.cpp", "simulator/driver/", "simulator/managementservice/",
-    "simulator/driverstore/", "simulator/environment/",
+    "simulator/driverstore/", "simulator/scenario/",
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
     "tools/quenra/interruption/", "tools/quenra/firmware/files.cpp",
     "tools/quenra/reading/tquenralibrary.cpp", "tools/quenra/update/tupdatefacts.cpp",

@@ -4,8 +4,8 @@
 #include <functional>
 #include <utility>
 
-#include "simulator/environment/driverstore.h"
-#include "simulator/environment/encryption.h"
+#include "simulator/scenario/driverstore.h"
+#include "simulator/scenario/encryption.h"
 #include "tests/contract/updateworld.h"
 
 namespace nTests {

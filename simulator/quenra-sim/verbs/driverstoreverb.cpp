@@ -2,10 +2,10 @@
 
 #include <iostream>
 
-#include "simulator/environment/driverstore.h"
 #include "simulator/quenra-sim/installation/driverstoretool.h"
 #include "simulator/quenra-sim/verbs/json.h"
 #include "simulator/quenra-sim/verbs/verb.h"
+#include "simulator/scenario/driverstore.h"
 #include "tools/quenra/output/utf8text.h"
 
 namespace nSimulator {

@@ -1,9 +1,9 @@
 #include <iostream>
 #include <vector>
 
-#include "simulator/environment/encryption.h"
 #include "simulator/quenra-sim/verbs/json.h"
 #include "simulator/quenra-sim/verbs/verb.h"
+#include "simulator/scenario/encryption.h"
 
 namespace nSimulator {
 namespace {

@@ -1,11 +1,11 @@
 #include <iostream>
 
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/environment/driverstore.h"
-#include "simulator/environment/encryption.h"
 #include "simulator/quenra-sim/installation/driverstoretool.h"
 #include "simulator/quenra-sim/verbs/json.h"
 #include "simulator/quenra-sim/verbs/verb.h"
+#include "simulator/scenario/driverstore.h"
+#include "simulator/scenario/encryption.h"
 
 namespace nSimulator {
 namespace {

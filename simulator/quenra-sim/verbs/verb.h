@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "simulator/control/controlprotocol.h"
 #include "simulator/control/tsimulatedmachine.h"
+#include "simulator/protocol/controlprotocol.h"
 
 namespace nSimulator {
 

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <thread>
 
-#include "simulator/environment/encryption.h"
+#include "simulator/scenario/encryption.h"
 #include "source/user/preconditions/driveencryption.h"
 #include "tests/component/user/readingtest.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/control/controlprotocol.h"
+#include "simulator/protocol/controlprotocol.h"
 #include "tests/component/commandline/repositoryfile.h"
 
 namespace nTests {

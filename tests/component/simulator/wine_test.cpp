@@ -1,4 +1,4 @@
-#include "simulator/environment/wine.h"
+#include "simulator/scenario/wine.h"
 
 #include <gtest/gtest.h>
 

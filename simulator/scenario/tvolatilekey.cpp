@@ -1,4 +1,4 @@
-#include "simulator/environment/tvolatilekey.h"
+#include "simulator/scenario/tvolatilekey.h"
 
 #include <algorithm>
 #include <array>

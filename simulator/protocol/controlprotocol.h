@@ -1,7 +1,7 @@
 /* The protocol between the simulated machine and `quenra-sim` or the tests: device control requests
  * on an interface that no real controller has. All requests use the buffered method. */
-#ifndef SIMULATOR_CONTROL_CONTROLPROTOCOL_H
-#define SIMULATOR_CONTROL_CONTROLPROTOCOL_H
+#ifndef SIMULATOR_PROTOCOL_CONTROLPROTOCOL_H
+#define SIMULATOR_PROTOCOL_CONTROLPROTOCOL_H
 
 #include "protocol/interfaceclasses.h"
 #include "protocol/notificationrequests.h"

@@ -1,6 +1,6 @@
 // Restricts the simulated machine to Wine: on Windows it would replace parts of the system.
-#ifndef SIMULATOR_ENVIRONMENT_WINE_H
-#define SIMULATOR_ENVIRONMENT_WINE_H
+#ifndef SIMULATOR_SCENARIO_WINE_H
+#define SIMULATOR_SCENARIO_WINE_H
 
 namespace nSimulator {
 

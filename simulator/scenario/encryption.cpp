@@ -1,6 +1,6 @@
-#include "simulator/environment/encryption.h"
+#include "simulator/scenario/encryption.h"
 
-#include "simulator/environment/tvolatilekey.h"
+#include "simulator/scenario/tvolatilekey.h"
 
 namespace nSimulator {
 namespace {

@@ -1,9 +1,9 @@
-#include "simulator/environment/driverstore.h"
+#include "simulator/scenario/driverstore.h"
 
 #include <array>
 #include <cstdio>
 
-#include "simulator/environment/tvolatilekey.h"
+#include "simulator/scenario/tvolatilekey.h"
 
 namespace nSimulator {
 namespace {
