@@ -1,4 +1,4 @@
-#include "tests/catalogue/trun.h"
+#include "tests/faultsweep/trun.h"
 
 #include <algorithm>
 

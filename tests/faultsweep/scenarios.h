@@ -1,12 +1,12 @@
 // The scenarios of the fault sweep: typical uses of the library through its exports.
-#ifndef TESTS_CATALOGUE_SCENARIOS_H
-#define TESTS_CATALOGUE_SCENARIOS_H
+#ifndef TESTS_FAULTSWEEP_SCENARIOS_H
+#define TESTS_FAULTSWEEP_SCENARIOS_H
 
 #include <cstdint>
 #include <set>
 #include <string_view>
 
-#include "tests/catalogue/trun.h"
+#include "tests/faultsweep/trun.h"
 
 namespace nTests {
 

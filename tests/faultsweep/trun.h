@@ -1,5 +1,5 @@
-#ifndef TESTS_CATALOGUE_TRUN_H
-#define TESTS_CATALOGUE_TRUN_H
+#ifndef TESTS_FAULTSWEEP_TRUN_H
+#define TESTS_FAULTSWEEP_TRUN_H
 
 #include <array>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "tests/catalogue/consequences.h"
+#include "tests/faultsweep/consequences.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "tests/catalogue/scenarios.h"
+#include "tests/faultsweep/scenarios.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

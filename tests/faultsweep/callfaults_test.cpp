@@ -3,8 +3,8 @@
 #include <iterator>
 
 #include "simulator/control/tsimulatedmachine.h"
-#include "tests/catalogue/cataloguetest.h"
-#include "tests/catalogue/consequences.h"
+#include "tests/faultsweep/consequences.h"
+#include "tests/faultsweep/faultsweeptest.h"
 
 namespace nTests {
 namespace {
@@ -15,10 +15,10 @@ using nFakeWindows::tCall;
 using nFakeWindows::tCompletion;
 using tSteps = std::vector<tStep>;
 
-class CallFaults : public CatalogueTest {
+class CallFaults : public FaultSweepTest {
  protected:
   void SetUp() override {
-    CatalogueTest::SetUp();
+    FaultSweepTest::SetUp();
     learn();
   }
 

@@ -1,10 +1,10 @@
 // Fails every allocation of every scenario in turn.
-#include "tests/catalogue/cataloguetest.h"
+#include "tests/faultsweep/faultsweeptest.h"
 
 namespace nTests {
 namespace {
 
-class AllocationFaults : public CatalogueTest {};
+class AllocationFaults : public FaultSweepTest {};
 
 TEST_P(AllocationFaults, EachHasACodeOfItsKind_LeavesNothing_AndTheNextRunWorks) {
   const auto clean = runClean();

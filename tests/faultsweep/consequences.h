@@ -1,13 +1,13 @@
 // The contract's consequences of a failed Windows call.
-#ifndef TESTS_CATALOGUE_CONSEQUENCES_H
-#define TESTS_CATALOGUE_CONSEQUENCES_H
+#ifndef TESTS_FAULTSWEEP_CONSEQUENCES_H
+#define TESTS_FAULTSWEEP_CONSEQUENCES_H
 
 #include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "tests/catalogue/trun.h"
+#include "tests/faultsweep/trun.h"
 
 namespace nTests {
 

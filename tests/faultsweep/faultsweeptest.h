@@ -1,5 +1,5 @@
-#ifndef TESTS_CATALOGUE_CATALOGUETEST_H
-#define TESTS_CATALOGUE_CATALOGUETEST_H
+#ifndef TESTS_FAULTSWEEP_FAULTSWEEPTEST_H
+#define TESTS_FAULTSWEEP_FAULTSWEEPTEST_H
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,14 +9,14 @@
 #include <memory>
 #include <string>
 
-#include "tests/catalogue/scenarios.h"
 #include "tests/fakewindows/fakewindowstest.h"
+#include "tests/faultsweep/scenarios.h"
 
 namespace nTests {
 
 // Runs a scenario repeatedly, each time with one fault, and counts the faults.
-class CatalogueTest : public nFakeWindows::FakeWindowsTest,
-                      public testing::WithParamInterface<size_t> {
+class FaultSweepTest : public nFakeWindows::FakeWindowsTest,
+                       public testing::WithParamInterface<size_t> {
  protected:
   void SetUp() override;
   void TearDown() override;

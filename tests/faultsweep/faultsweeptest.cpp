@@ -1,4 +1,4 @@
-#include "tests/catalogue/cataloguetest.h"
+#include "tests/faultsweep/faultsweeptest.h"
 
 #include <unistd.h>
 
@@ -31,7 +31,7 @@ std::string testName() {
 
 }  // namespace
 
-void CatalogueTest::SetUp() {
+void FaultSweepTest::SetUp() {
   FakeWindowsTest::SetUp();
   // Unique per process: tests run in parallel.
   temporary_ = placeForFiles() / ("quenra." + std::to_string(getpid()));
@@ -43,16 +43,16 @@ void CatalogueTest::SetUp() {
   bytesBefore_ = bytesAfter_;
 }
 
-void CatalogueTest::TearDown() {
+void FaultSweepTest::TearDown() {
   unsetenv("TMPDIR");
   fs::remove_all(temporary_);
   FakeWindowsTest::TearDown();
   std::printf("%u faults\n", faults_);
-  fs::create_directories(CATALOGUE_COUNTS);
-  std::ofstream(fs::path(CATALOGUE_COUNTS) / testName()) << faults_ << "\n";
+  fs::create_directories(FAULT_COUNTS);
+  std::ofstream(fs::path(FAULT_COUNTS) / testName()) << faults_ << "\n";
 }
 
-void CatalogueTest::begin() const {
+void FaultSweepTest::begin() const {
   // Most scenarios leave the folder empty; emptying it again would be slow.
   if (!fs::is_empty(temporary_)) {
     fs::remove_all(temporary_);
@@ -63,7 +63,7 @@ void CatalogueTest::begin() const {
   nFakeWindows::faultPlan().reset();
 }
 
-void CatalogueTest::end(const tRun& run) {
+void FaultSweepTest::end(const tRun& run) {
   nFakeWindows::objects().waitForThreads();
   nQUENRA1400::nZOAPAL000::storageQuarantine().clear();
   EXPECT_THAT(nFakeWindows::objects().open(), testing::IsEmpty());
@@ -74,7 +74,7 @@ void CatalogueTest::end(const tRun& run) {
   scenario().check(run);
 }
 
-void CatalogueTest::expectNextRunLike(const tRun& clean) {
+void FaultSweepTest::expectNextRunLike(const tRun& clean) {
   EXPECT_EQ(runClean()->steps(), clean.steps()) << "the next run works";
   EXPECT_EQ(bytesAfter_, bytesBefore_);
 }
