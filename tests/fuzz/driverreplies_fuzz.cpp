@@ -3,11 +3,11 @@
 // An input is: 64 bytes for the notices that the machine sends, of which the first also selects
 // late completions and how often a completion is repeated; 128 bytes for the answers to requests
 // that normally stay pending; the answers to all other requests. After the last byte the driver
-// answers as the model does. tests/component/lyingdriver/tlies.h documents the answers.
+// answers as the model does. tests/component/misbehavingdriver/misbehavingdriver.h documents the answers.
 #include <cstddef>
 #include <cstdint>
 
-#include "tests/component/lyingdriver/clientlife.h"
+#include "tests/component/misbehavingdriver/clientlife.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   nTests::prepareMachineForLives();

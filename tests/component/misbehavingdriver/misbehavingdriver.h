@@ -1,5 +1,5 @@
-#ifndef TESTS_COMPONENT_LYINGDRIVER_TLIES_H
-#define TESTS_COMPONENT_LYINGDRIVER_TLIES_H
+#ifndef TESTS_COMPONENT_MISBEHAVINGDRIVER_MISBEHAVINGDRIVER_H
+#define TESTS_COMPONENT_MISBEHAVINGDRIVER_MISBEHAVINGDRIVER_H
 
 #include <cstdint>
 #include <memory>
@@ -38,9 +38,9 @@ class tByteSource {
 // arbitrary bytes; or an error. It writes arbitrary bytes only into buffers of the request. After
 // the last byte it answers as the model does. Requests that normally stay pending have bytes of
 // their own, since another thread sends them.
-class tLies {
+class tMisbehavingDriver {
  public:
-  explicit tLies(std::span<const uint8_t> bytes);
+  explicit tMisbehavingDriver(std::span<const uint8_t> bytes);
 
   [[nodiscard]] tModelReply answer(const nFakeWindows::tDriverRequest& request);
 

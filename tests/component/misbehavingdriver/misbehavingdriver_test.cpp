@@ -16,7 +16,7 @@
 #include "quenra.h"
 #include "quenra_routing.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "tests/component/lyingdriver/clientlife.h"
+#include "tests/component/misbehavingdriver/clientlife.h"
 #include "tests/fakewindows/fakewindowstest.h"
 
 namespace nTests {
@@ -42,7 +42,7 @@ char* giveRoom(char* current, size_t required, const char*, size_t) {
   return static_cast<char*>(std::realloc(current, required));
 }
 
-class LyingDriver : public nFakeWindows::FakeWindowsTest {
+class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
  protected:
   void SetUp() override {
     FakeWindowsTest::SetUp();
@@ -123,7 +123,7 @@ class LyingDriver : public nFakeWindows::FakeWindowsTest {
 
 // ---- Replies ----
 
-TEST_F(LyingDriver, EveryReplyCutAtAnyLength_IsSurvived) {
+TEST_F(MisbehavingDriver, EveryReplyCutAtAnyLength_IsSurvived) {
   for (uint32_t length = 0; length < 13; ++length) {
     SCOPED_TRACE(length);
     tByteSource notices;
@@ -137,7 +137,7 @@ TEST_F(LyingDriver, EveryReplyCutAtAnyLength_IsSurvived) {
   }
 }
 
-TEST_F(LyingDriver, StatusOfAnyValue_ArrivesAsItIs) {
+TEST_F(MisbehavingDriver, StatusOfAnyValue_ArrivesAsItIs) {
   open();
   for (const int32_t code : {INT32_MIN, -1, 1, INT32_MAX}) {
     machine().useDriver(answering(REQUEST_GET_ATTRIBUTE, tGetAttributeReply{4, code}));
@@ -148,7 +148,7 @@ TEST_F(LyingDriver, StatusOfAnyValue_ArrivesAsItIs) {
   close();
 }
 
-TEST_F(LyingDriver, TextLongerThanItsBuffer_IsNotSaidToFillMore) {
+TEST_F(MisbehavingDriver, TextLongerThanItsBuffer_IsNotSaidToFillMore) {
   open();
   machine().useDriver(answering(REQUEST_GET_ATTRIBUTE, tGetAttributeReply{0xFFFFFFFF, 0}));
   char text[8] = "";
@@ -164,7 +164,7 @@ TEST_F(LyingDriver, TextLongerThanItsBuffer_IsNotSaidToFillMore) {
   close();
 }
 
-TEST_F(LyingDriver, TableLargerThanAnyMachineHas_IsNotMadeRoomFor) {
+TEST_F(MisbehavingDriver, TableLargerThanAnyMachineHas_IsNotMadeRoomFor) {
   for (const auto& [text, table] : {std::pair<uint32_t, uint32_t>{0xFFFFFFFF, 0x7FFFFFFF},
                                     {0xFFFFFFFF, 16},
                                     {16, 0x7FFFFFFF},
@@ -179,7 +179,7 @@ TEST_F(LyingDriver, TableLargerThanAnyMachineHas_IsNotMadeRoomFor) {
 
 // ---- Counts ----
 
-TEST_F(LyingDriver, MoreRoutesThanThereIsRoomFor_AreCutToTheRoom) {
+TEST_F(MisbehavingDriver, MoreRoutesThanThereIsRoomFor_AreCutToTheRoom) {
   openSession();
   machine().useDriver(answering(REQUEST_CALCULATE_ROUTE, tCalculateRouteReply{7, 0xFFFFFFFF, 0}));
   EXPECT_EQ(calculate(), 0);
@@ -187,7 +187,7 @@ TEST_F(LyingDriver, MoreRoutesThanThereIsRoomFor_AreCutToTheRoom) {
   EXPECT_EQ(std::count(answer.begin(), answer.end(), '{'), 8) << "four routes, each with a set";
 }
 
-TEST_F(LyingDriver, MoreConflictsThanCanBe_AreShortMemory) {
+TEST_F(MisbehavingDriver, MoreConflictsThanCanBe_AreShortMemory) {
   openSession();
   for (const uint32_t count : {1025u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
     machine().useDriver(
@@ -197,7 +197,7 @@ TEST_F(LyingDriver, MoreConflictsThanCanBe_AreShortMemory) {
   }
 }
 
-TEST_F(LyingDriver, PathThatGrowsBetweenTwoRequests_IsAskedForTwiceAndThenRefused) {
+TEST_F(MisbehavingDriver, PathThatGrowsBetweenTwoRequests_IsAskedForTwiceAndThenRefused) {
   openSession();
   int asked = 0;
   machine().useDriver([&asked](const tDriverRequest& request) {
@@ -213,14 +213,14 @@ TEST_F(LyingDriver, PathThatGrowsBetweenTwoRequests_IsAskedForTwiceAndThenRefuse
   EXPECT_EQ(output, nullptr);
 }
 
-TEST_F(LyingDriver, PathSaidToBeLongerThanItsBuffer_IsCutToTheBuffer) {
+TEST_F(MisbehavingDriver, PathSaidToBeLongerThanItsBuffer_IsCutToTheBuffer) {
   openSession();
   machine().useDriver(answering(REQUEST_GET_ROUTE_TERMINAL_PATH, tTicketListReply{0xFFFFFFFF, 0}));
   EXPECT_EQ(path(), 0);
   EXPECT_LT(std::strlen(output), 4096u);
 }
 
-TEST_F(LyingDriver, PathOfMoreTerminalsThanThereAre_IsShortMemory) {
+TEST_F(MisbehavingDriver, PathOfMoreTerminalsThanThereAre_IsShortMemory) {
   openSession();
   machine().useDriver(answering(REQUEST_GET_ROUTE_TERMINAL_PATH,
                                 tTicketListReply{0xFFFFFFFF, DRIVER_STATUS_PATH_TOO_LONG}));
@@ -229,7 +229,7 @@ TEST_F(LyingDriver, PathOfMoreTerminalsThanThereAre_IsShortMemory) {
 
 // ---- Notices ----
 
-TEST_F(LyingDriver, NoticeForAnUnknownObject_IsDropped) {
+TEST_F(MisbehavingDriver, NoticeForAnUnknownObject_IsDropped) {
   openSession();
   for (const uint64_t address : {uint64_t{1}, uint64_t{0x10000}, ~uint64_t{0},
                                  uint64_t{reinterpret_cast<uintptr_t>(this)}}) {
@@ -240,7 +240,7 @@ TEST_F(LyingDriver, NoticeForAnUnknownObject_IsDropped) {
   EXPECT_EQ(demotions, 1);
 }
 
-TEST_F(LyingDriver, PayloadLargerThanItsBuffer_IsNotReadAndEndsTheNotices) {
+TEST_F(MisbehavingDriver, PayloadLargerThanItsBuffer_IsNotReadAndEndsTheNotices) {
   for (const uint32_t size : {33u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
     demotions = 0;
     openSession();
@@ -252,7 +252,7 @@ TEST_F(LyingDriver, PayloadLargerThanItsBuffer_IsNotReadAndEndsTheNotices) {
   }
 }
 
-TEST_F(LyingDriver, CompletionThatComesTwice_IsTakenOnce) {
+TEST_F(MisbehavingDriver, CompletionThatComesTwice_IsTakenOnce) {
   objects().repeatCompletions(2);
   openSession();
   notify(0);
@@ -262,7 +262,7 @@ TEST_F(LyingDriver, CompletionThatComesTwice_IsTakenOnce) {
   EXPECT_EQ(demotions, 1);
 }
 
-TEST_F(LyingDriver, DeliveryShorterThanANotice_IsDropped) {
+TEST_F(MisbehavingDriver, DeliveryShorterThanANotice_IsDropped) {
   openSession();
   notify(0);
   EXPECT_TRUE(isTold());
@@ -282,7 +282,7 @@ TEST_F(LyingDriver, DeliveryShorterThanANotice_IsDropped) {
 
 // ---- Random replies ----
 
-TEST_F(LyingDriver, ThousandsOfLivesOfLies_AreSurvived) {
+TEST_F(MisbehavingDriver, ThousandsOfLivesOfLies_AreSurvived) {
   for (uint32_t seed = 1; seed <= 3000; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);

@@ -1,10 +1,10 @@
-#ifndef TESTS_COMPONENT_LYINGDRIVER_CLIENTLIFE_H
-#define TESTS_COMPONENT_LYINGDRIVER_CLIENTLIFE_H
+#ifndef TESTS_COMPONENT_MISBEHAVINGDRIVER_CLIENTLIFE_H
+#define TESTS_COMPONENT_MISBEHAVINGDRIVER_CLIENTLIFE_H
 
 #include <cstdint>
 #include <span>
 
-#include "tests/component/lyingdriver/tlies.h"
+#include "tests/component/misbehavingdriver/misbehavingdriver.h"
 #include "tests/fakewindows/machine.h"
 
 namespace nTests {

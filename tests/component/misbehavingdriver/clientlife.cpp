@@ -1,4 +1,4 @@
-#include "tests/component/lyingdriver/clientlife.h"
+#include "tests/component/misbehavingdriver/clientlife.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +15,7 @@
 #include "quenra_routing.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "tests/builders/referencetable.h"
-#include "tests/component/lyingdriver/tlies.h"
+#include "tests/component/misbehavingdriver/misbehavingdriver.h"
 #include "tests/fakewindows/com.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
@@ -30,7 +30,7 @@ using nFakeWindows::objects;
 using nFakeWindows::tOffTheRecord;
 
 [[noreturn]] void complain(const char* what) {
-  std::fprintf(stderr, "a client of a lying driver: %s\n", what);
+  std::fprintf(stderr, "a client of a misbehaving driver: %s\n", what);
   std::abort();
 }
 
@@ -213,9 +213,10 @@ void liveWithLies(std::span<const uint8_t> bytes) {
   objects().repeatCompletions(manner / 32 % 3 + 1u);
   const size_t bytesOfNotices = std::min(bytes.size(), kBytesOfNotices);
   tByteSource notices(bytes.first(bytesOfNotices));
-  const auto lies = std::make_shared<tLies>(bytes.subspan(bytesOfNotices));
-  liveWith([lies](const nFakeWindows::tDriverRequest& request) { return lies->answer(request); },
-           notices);
+  const auto driver = std::make_shared<tMisbehavingDriver>(bytes.subspan(bytesOfNotices));
+  liveWith(
+      [driver](const nFakeWindows::tDriverRequest& request) { return driver->answer(request); },
+      notices);
   objects().repeatCompletions(1);
 }
 

@@ -1,4 +1,4 @@
-#include "tests/component/lyingdriver/tlies.h"
+#include "tests/component/misbehavingdriver/misbehavingdriver.h"
 
 #include <windows.h>
 
@@ -150,11 +150,11 @@ std::vector<std::span<uint8_t>> offeredTo(const tDriverRequest& request) {
   }
 }
 
-tLies::tLies(std::span<const uint8_t> bytes)
+tMisbehavingDriver::tMisbehavingDriver(std::span<const uint8_t> bytes)
     : deliveries_(bytes.first(std::min(bytes.size(), kBytesOfDeliveries))),
       others_(bytes.subspan(std::min(bytes.size(), kBytesOfDeliveries))) {}
 
-tModelReply tLies::answer(const tDriverRequest& request) {
+tModelReply tMisbehavingDriver::answer(const tDriverRequest& request) {
   return answerBy(staysPending(request.code) ? deliveries_ : others_, request);
 }
 
