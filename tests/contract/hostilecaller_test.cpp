@@ -1,5 +1,4 @@
-// Callers that pass invalid arguments. docs/robustness.md documents the result for each function;
-// its rows name these tests, among others.
+// Callers that pass invalid arguments. docs/robustness.md documents the behaviour.
 #include <algorithm>
 #include <array>
 #include <cstdlib>
