@@ -24,7 +24,7 @@ WORK = ROOT / "build" / "mutation"
 COPY = WORK / "source"
 BUILD = WORK / "build"
 RESULTS = WORK / "results.jsonl"
-NOTICED, SURVIVED, REFUSED = "noticed", "survived", "refused by the compiler"
+DETECTED, SURVIVED, REJECTED = "detected", "survived", "rejected by the compiler"
 BUILD_SECONDS = 1800
 
 
@@ -133,9 +133,9 @@ def try_mutant(mutant, unit, seconds):
         copy.write_text(mutations.apply(mutant, original))
         for test in unit.tests:
             if not build(test):
-                return REFUSED
+                return REJECTED
             if not passes(test, seconds[test]):
-                return NOTICED
+                return DETECTED
         return SURVIVED
     finally:
         copy.write_text(original)
@@ -171,7 +171,7 @@ def work_list(unit, arguments, known, results, state):
 def run_unit(unit, arguments, known, results, deadline):
     """{result: count}, and the surviving mutants."""
     state, seconds = fingerprint(unit), None
-    counts, survivors = {NOTICED: 0, SURVIVED: 0, REFUSED: 0, "not tried": 0}, []
+    counts, survivors = {DETECTED: 0, SURVIVED: 0, REJECTED: 0, "not tried": 0}, []
     for mutant in work_list(unit, arguments, known, results, state):
         result = results.of(mutant, state)
         if result is None:
@@ -190,19 +190,21 @@ def run_unit(unit, arguments, known, results, deadline):
 
 
 def report(mutant):
-    print(f"{mutant.path}:{mutant.line}\n  - {mutant.original.strip()}\n  + {mutant.mutated.strip()}",
-          flush=True)
+    occurrence = f" #{mutant.occurrence}" if mutant.occurrence > 1 else ""
+    print(f"{mutant.path}:{mutant.line}\n"
+          f"  {mutant.scope}: {mutant.before} -> {mutant.after}{occurrence}\n"
+          f"  - {mutant.original.strip()}\n  + {mutant.mutated.strip()}", flush=True)
 
 
 def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__, prog="./dev mutate")
     parser.add_argument("files", nargs="*", metavar="FILE", help="only these sources")
-    parser.add_argument("--seconds", type=float, default=float("inf"), help="stop after so long")
-    parser.add_argument("--sample", type=int, help="so many changes of each unit, chosen at random")
-    parser.add_argument("--seed", type=int, default=1, help="of that choice")
-    parser.add_argument("--survivors", action="store_true", help="only what survived the last time")
+    parser.add_argument("--seconds", type=float, default=float("inf"), help="stop after this time")
+    parser.add_argument("--sample", type=int, help="number of changes of each unit, chosen at random")
+    parser.add_argument("--seed", type=int, default=1, help="seed of that choice")
+    parser.add_argument("--survivors", action="store_true", help="only the survivors of the last run")
     parser.add_argument("--check", action="store_true",
-                        help="only whether each entry of equivalent.txt fits a source")
+                        help="list the entries of equivalent.txt without a change, and exit")
     return parser.parse_args()
 
 
@@ -211,28 +213,29 @@ def check(known):
              for mutant in mutations.mutants_of(name, (ROOT / name).read_text())]
     stale = known.without(found)
     for entry in stale:
-        print(f"equivalent.txt: no change of {entry.path} is\n  - {entry.original}\n  + {entry.mutated}")
+        print(f"equivalent.txt: {entry.path} has no change "
+              f"'{entry.scope}: {entry.before} -> {entry.after} #{entry.occurrence}'")
     print(f"{len(found)} changes, {sum(map(known.covers, found))} of them change no behaviour")
     return 1 if stale else 0
 
 
 def main():
     arguments = parse_arguments()
-    known = equivalents.read(ROOT / "tests" / "mutation" / "equivalent.txt")
+    known = equivalents.read(ROOT / "scripts" / "mutation" / "equivalent.txt")
     if arguments.check:
         return check(known)
     tried = {name for unit in units.UNITS for name in sources_of(unit)}
     arguments.files = [pathlib.PurePath(name).as_posix() for name in arguments.files]
     if strangers := [name for name in arguments.files if name not in tried]:
-        sys.exit(f"of no unit: {', '.join(strangers)}; it has {', '.join(sorted(tried))}")
+        sys.exit(f"not in a unit: {', '.join(strangers)}; sources: {', '.join(sorted(tried))}")
     deadline = time.monotonic() + arguments.seconds
     WORK.mkdir(parents=True, exist_ok=True)
     update_copy()
     configure()
     results = Results()
     outcome = [(unit, *run_unit(unit, arguments, known, results, deadline)) for unit in units.UNITS]
-    print("\nWhat no test notices:" if any(survivors for *_, survivors in outcome)
-          else "\nEvery change tried is noticed.")
+    print("\nChanges that no test detected:" if any(survivors for *_, survivors in outcome)
+          else "\nThe tests detected every change.")
     for unit, _, survivors in outcome:
         for mutant in survivors:
             report(mutant)

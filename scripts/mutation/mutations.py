@@ -4,6 +4,7 @@ The module relies on formatted sources: a binary operator is between spaces or a
 the marks of pointers, references and templates are not.
 """
 
+import collections
 import dataclasses
 import re
 
@@ -34,6 +35,14 @@ class Mutant:
     line: int  # counted from one
     original: str
     mutated: str
+    scope: str  # the function, or the variable of an initialization outside functions
+    before: str
+    after: str
+    occurrence: int  # of this change in its scope, counted from one
+
+    @property
+    def key(self):
+        return self.path, self.scope, self.before, self.after, self.occurrence
 
 
 def other_number(word):
@@ -73,21 +82,64 @@ def replacements(kind, word):
 
 
 def mutants_of_line(line):
+    """[(the mutated line, the token, its replacement)]"""
     if SKIPPED_LINE.match(line):
         return []
-    found = []
-    for match in TOKEN.finditer(line):
-        for replacement in replacements(match.lastgroup, match[0]):
-            found.append(line[:match.start()] + replacement + line[match.end():])
-    return found
+    return [(line[:match.start()] + replacement + line[match.end():], match[0], replacement)
+            for match in TOKEN.finditer(line)
+            for replacement in replacements(match.lastgroup, match[0])]
+
+
+CLASS = re.compile(r"(?:class|struct|union)\s+(?:\[\[.*?\]\]\s*)?(\w+)")
+FUNCTION = re.compile(r"([~\w]+(?:::[~\w]+)*|operator\W+)\(")
+VARIABLE = re.compile(r"(\w+)(?:\[[^\]]*\])*(?:\{|\s*=|;)")
+
+
+def declared_name(line):
+    """The name that a formatted line outside function bodies declares, or None."""
+    code = line.split("//")[0]
+    function, variable = FUNCTION.search(code), VARIABLE.search(code)
+    if function and (not variable or function.start() < variable.start()):
+        return function[1].strip()
+    return variable[1] if variable else None
+
+
+class Scopes:
+    """Follows the lines of a formatted source and names the function or variable of each."""
+
+    def __init__(self):
+        self._class, self._name, self._indent = "", "", 0
+
+    def enter(self, line):
+        text = line.strip()
+        indent = len(line) - len(line.lstrip())
+        if not text or text[0] in "#/}" or text.endswith(":") or indent > self._indent:
+            self._leave(line)
+            return self.name
+        if match := CLASS.match(text):
+            self._class, self._name, self._indent = match[1], "", indent + 2
+        elif name := declared_name(text):
+            self._name = name
+        return self.name
+
+    def _leave(self, line):
+        if line.startswith("};"):
+            self._class, self._name, self._indent = "", "", 0
+
+    @property
+    def name(self):
+        return "::".join(filter(None, (self._class, self._name))) or "-"
 
 
 def mutants_of(path, source):
-    found, in_assertion = [], False
+    found, in_assertion, scopes, counts = [], False, Scopes(), collections.Counter()
     for number, line in enumerate(source.splitlines(), 1):
+        scope = scopes.enter(line)
         in_assertion = in_assertion or line.strip().startswith("static_assert")
-        if not in_assertion:
-            found += [Mutant(path, number, line, mutated) for mutated in mutants_of_line(line)]
+        for mutated, before, after in [] if in_assertion else mutants_of_line(line):
+            counts[scope, before, after] += 1
+            found.append(Mutant(path, number, line, mutated, scope, before, after,
+                                counts[scope, before, after]))
         in_assertion = in_assertion and not line.rstrip().endswith(";")
     return found
 
