@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Builds the delivered files from two copies of the source, in folders of different names, and
-# compares the bytes. Usage: reproduce.sh FOLDER JOBS
-set -euo pipefail
-readonly folder=$1 jobs=$2
-readonly delivered=(quenra.dll quenra.exe quenra-sim.exe)
-root=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/../..
+# ./dev reproduce: builds the delivered files from two copies of the source, in folders of different
+# names, and compares the bytes.
+# shellcheck source=scripts/lib/build.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
 
+readonly folder=$build/reproduction
+readonly delivered=(quenra.dll quenra.exe quenra-sim.exe)
 # With a compiler cache the check would compare a build with itself.
 unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
 
@@ -13,12 +13,13 @@ build_copy() {
   local copy=$1
   rm -rf "$copy"
   mkdir -p "$copy"
-  (cd "$root" && git ls-files -z --cached --others --exclude-standard |
-    tar --null --files-from=- --ignore-failed-read -cf -) | tar -xf - -C "$copy"
+  git ls-files -z --cached --others --exclude-standard |
+    tar --null --files-from=- --ignore-failed-read -cf - | tar -xf - -C "$copy"
   (cd "$copy" && cmake --preset windows >/dev/null 2>&1 &&
     cmake --build --preset windows -j "$jobs" --target quenra_dll quenra_exe quenra-sim -- --quiet)
 }
 
+install_packages "${windows_packages[@]}"
 build_copy "$folder/first"
 build_copy "$folder/another-place"
 failed=0

@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# ./dev bench [windows] [MEBIBYTES]: measures firmware decoding, natively or under Wine.
+# shellcheck source=scripts/lib/machine.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
+
+if [[ ${1:-} == windows ]]; then
+  shift
+  end_machine_on_exit
+  install_packages "${windows_packages[@]}" "${machine_packages[@]}" libssl-dev
+  build_preset windows firmware_bench
+  make_prefix
+  run_windows "$binaries/firmware_bench.exe" "$@" | cat
+else
+  install_packages "${native_packages[@]}" libssl-dev
+  build_preset bench firmware_bench
+  "$build/bench/bin/firmware_bench" "$@"
+fi

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# ./dev build [PRESET…]: sets up and builds presets, windows by default.
+# shellcheck source=scripts/lib/build.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
+
+for preset in "${@:-windows}"; do
+  case $preset in
+    windows | native | thread) ;;
+    *) fail "there is no preset '$preset'; use windows, native or thread" ;;
+  esac
+done
+for preset in "${@:-windows}"; do
+  install_packages_of "$preset"
+  build_preset "$preset"
+done

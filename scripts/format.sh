@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# ./dev format: formats all C and C++ sources.
+# shellcheck source=scripts/lib/build.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
+
+install_packages clang-format
+git ls-files --cached --others --exclude-standard -- '*.h' '*.c' '*.cpp' | xargs clang-format -i
