@@ -1,17 +1,14 @@
 # Compiler options of every target of the project: link `house_rules`.
-# Off by default: additional warnings of a newer compiler must not break a user's build.
-option(QUENRA_WARNINGS_AS_ERRORS "Fail the build on a compiler warning" OFF)
-if(QUENRA_WARNINGS_AS_ERRORS)
-  set(warnings_as_errors -Werror)
-endif()
+# CMAKE_COMPILE_WARNING_AS_ERROR makes warnings errors: an additional warning of a newer compiler
+# must not break a user's build, so only the ci- presets set it.
 
 add_library(house_rules INTERFACE)
 target_include_directories(house_rules INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
 target_compile_options(house_rules INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow ${warnings_as_errors}
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor>)
 
-set(QUENRA_SANITIZERS "" CACHE STRING "Sanitizers of a native build, as -fsanitize= takes them")
+set(QUENRA_SANITIZERS "" CACHE STRING "Sanitizers of a native build, in the form of -fsanitize=")
 option(QUENRA_COVERAGE "Count, in a native build, which lines and branches run" OFF)
 
 if(WIN32)
@@ -33,7 +30,7 @@ else()
     add_link_options(-fsanitize=${QUENRA_SANITIZERS})
   endif()
   if(QUENRA_COVERAGE)
-    add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
-    add_link_options(-fprofile-instr-generate)
+    add_compile_options(--coverage)
+    add_link_options(--coverage)
   endif()
 endif()
