@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "protocol/routingrecords.h"
+#include "protocol/routingrequests.h"
 #include "zoarkra/memory.h"
 #include "zoarkra/requestdocument.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "protocol/routingrecords.h"
+#include "protocol/routingrequests.h"
 #include "zoarkra/jsonreader.h"
 
 namespace zoark {

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-#include "protocol/routingrecords.h"
+#include "protocol/routingrequests.h"
 #include "zoarkra/topography.h"
 
 namespace zoark {

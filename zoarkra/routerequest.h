@@ -5,7 +5,7 @@
 #include <memory_resource>
 #include <vector>
 
-#include "protocol/routingrecords.h"
+#include "protocol/routingrequests.h"
 #include "zoarkra/topography.h"
 
 namespace zoark {

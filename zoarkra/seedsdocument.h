@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "protocol/routingrecords.h"
+#include "protocol/routingrequests.h"
 #include "zoarkra/requestdocument.h"
 #include "zoarkra/topography.h"
 

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <iterator>
 
-#include "protocol/routingrecords.h"
 #include "protocol/routingrequests.h"
 #include "quenra_routing.h"
 #include "zoapal/protons/trace/debugprintf.h"

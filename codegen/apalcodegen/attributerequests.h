@@ -3,7 +3,6 @@
 
 #include "codegen/apalcodegen/marshalling.h"
 #include "protocol/controllerrequests.h"
-#include "protocol/requestcodes.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 

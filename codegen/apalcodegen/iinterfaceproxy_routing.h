@@ -12,7 +12,7 @@ class iInterfaceProxy_routing : public virtual iInterfaceProxy {
   // Reserves the slot of an operation that the library does not use.
   virtual void method0(uint32_t& result, nZOAPALS100::tStatus& status) noexcept = 0;
 
-  // Records and options: protocol/routingrecords.h. `routeCount`: in the capacity of `routes` in
+  // Records and options: protocol/routingrequests.h. `routeCount`: in the capacity of `routes` in
   // records, out the number of routes calculated.
   virtual uint32_t calculateRoute(uint64_t modifiers, uint64_t seeds, uint32_t seedCount,
                                   uint64_t destinations, uint32_t destinationCount,

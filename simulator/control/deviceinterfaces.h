@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 
 namespace nSimulator {
 

@@ -7,7 +7,7 @@
 #include <iterator>
 
 #include "protocol/controllerrequests.h"
-#include "protocol/requestcodes.h"
+#include "protocol/pendingrequests.h"
 #include "protocol/routingrequests.h"
 
 namespace nSimulator {

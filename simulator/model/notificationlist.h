@@ -2,7 +2,7 @@
 #ifndef SIMULATOR_MODEL_NOTIFICATIONLIST_H
 #define SIMULATOR_MODEL_NOTIFICATIONLIST_H
 
-#include "protocol/notificationrequests.h"
+#include "protocol/pendingrequests.h"
 #include "simulator/model/modelfile.h"
 
 typedef struct tRegistration {

@@ -2,7 +2,6 @@
 
 #include <stddef.h>
 
-#include "protocol/routingrecords.h"
 #include "protocol/routingrequests.h"
 #include "simulator/model/bytes.h"
 #include "simulator/model/terminals.h"

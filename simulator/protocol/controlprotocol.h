@@ -3,9 +3,8 @@
 #ifndef SIMULATOR_PROTOCOL_CONTROLPROTOCOL_H
 #define SIMULATOR_PROTOCOL_CONTROLPROTOCOL_H
 
-#include "protocol/interfaceclasses.h"
-#include "protocol/notificationrequests.h"
-#include "protocol/requestcodes.h"
+#include "protocol/interfaces.h"
+#include "protocol/pendingrequests.h"
 
 /* {6F1A2C54-0B7D-4C1E-9E43-5D2B8F60A7C1} */
 static const tInterfaceClass kSimulatorControlInterfaceClass = {

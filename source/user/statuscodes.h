@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "protocol/requestcodes.h"
+#include "protocol/controllerrequests.h"
 #include "quenra_status.h"
 #include "zoapal/protons/status/tstatus.h"
 #include "zosmbios/czosmbiosprovider.h"

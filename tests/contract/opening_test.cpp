@@ -2,7 +2,6 @@
 #include <cstring>
 
 #include "protocol/controllerrequests.h"
-#include "protocol/requestcodes.h"
 #include "tests/contract/contracttest.h"
 
 namespace nTests {

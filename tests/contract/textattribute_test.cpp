@@ -1,3 +1,4 @@
+#include "protocol/controllerrequests.h"
 #include "tests/contract/contracttest.h"
 
 namespace nTests {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "protocol/controllerrequests.h"
 #include "simulator/model/sha256.h"
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/builders/ttemporaryfolder.h"

@@ -1,6 +1,7 @@
 #include <bit>
 #include <cstring>
 
+#include "protocol/controllerrequests.h"
 #include "tests/contract/contracttest.h"
 
 namespace nTests {

@@ -11,7 +11,7 @@
 #include <tuple>
 #include <vector>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "simulator/model/model.h"
 
 namespace nFakeWindows {

@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <map>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
+#include "protocol/pendingrequests.h"
 #include "protocol/routingrequests.h"
 #include "quenra_status.h"
 

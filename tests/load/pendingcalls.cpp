@@ -3,8 +3,7 @@
 #include <array>
 
 #include "protocol/controllerrequests.h"
-#include "protocol/interfaceclasses.h"
-#include "protocol/requestcodes.h"
+#include "protocol/interfaces.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"

@@ -1,6 +1,7 @@
 #include <optional>
 
-#include "protocol/requestcodes.h"
+#include "protocol/controllerrequests.h"
+#include "protocol/pendingrequests.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "simulator/quenra-sim/verbs/verb.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "protocol/requestcodes.h"
+#include "protocol/controllerrequests.h"
 #include "source/user/attributes/drivercalls.h"
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"

@@ -5,7 +5,7 @@
 
 #include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
 #include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "source/user/attributes/attributeaccess.h"
 #include "source/user/session/tmemorymodules.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"

@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "protocol/controllerrequests.h"
-#include "protocol/requestcodes.h"
 #include "tests/fakewindows/fakewindowstest.h"
 
 namespace nTests {

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "protocol/controllerrequests.h"
-#include "protocol/routingrecords.h"
+#include "protocol/pendingrequests.h"
 #include "protocol/routingrequests.h"
 
 namespace nTests {

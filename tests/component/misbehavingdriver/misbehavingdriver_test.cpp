@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "protocol/controllerrequests.h"
+#include "protocol/pendingrequests.h"
 #include "protocol/routingrequests.h"
 #include "quenra.h"
 #include "quenra_routing.h"

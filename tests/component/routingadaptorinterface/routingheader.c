@@ -2,7 +2,6 @@
  * before. */
 #include "quenra_routing.h"
 
-#include "protocol/routingrecords.h"
 #include "protocol/routingrequests.h"
 #include "tests/component/routingadaptorinterface/routingheader.h"
 

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "protocol/controllerrequests.h"
-#include "protocol/requestcodes.h"
 #include "tests/component/session/sessiontest.h"
 
 namespace nTests {

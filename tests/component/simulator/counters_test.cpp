@@ -1,7 +1,5 @@
 // The counters of objects begun and ended, for every way in which an object can end.
-#include "protocol/notificationrequests.h"
 #include "protocol/pendingrequests.h"
-#include "protocol/routingrecords.h"
 #include "protocol/routingrequests.h"
 #include "tests/component/simulator/modeltest.h"
 

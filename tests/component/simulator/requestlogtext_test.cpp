@@ -6,7 +6,6 @@
 
 #include "protocol/controllerrequests.h"
 #include "protocol/pendingrequests.h"
-#include "protocol/requestcodes.h"
 
 namespace nTests {
 namespace {

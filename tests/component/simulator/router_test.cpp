@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "protocol/routingrecords.h"
+#include "protocol/pendingrequests.h"
 #include "protocol/routingrequests.h"
 #include "tests/component/simulator/modeltest.h"
 

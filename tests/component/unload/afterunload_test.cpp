@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "tests/component/unload/exportsafterunload.h"
 #include "tests/fakewindows/objects.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"

@@ -2,7 +2,7 @@
 // destructor, or one of these.
 #include <windows.h>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
 
 int main() {

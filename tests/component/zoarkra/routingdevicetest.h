@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "protocol/notificationrequests.h"
+#include "protocol/pendingrequests.h"
 #include "tests/component/protons/driver/drivertest.h"
 #include "zoarkra/troutingdevice.h"
 

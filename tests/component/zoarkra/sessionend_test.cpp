@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "protocol/requestcodes.h"
+#include "protocol/pendingrequests.h"
 #include "tests/component/zoarkra/routingdevicetest.h"
 
 namespace nTests {

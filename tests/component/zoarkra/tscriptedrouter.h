@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "codegen/apalcodegen/iinterfaceproxy_routing.h"
-#include "protocol/routingrecords.h"
+#include "protocol/routingrequests.h"
 #include "tests/component/twithoutchannel.h"
 
 namespace nTests {

@@ -6,7 +6,7 @@
 
 #include <bit>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "quenra.h"
 
 namespace nCommandLine {

@@ -11,7 +11,7 @@
 #include <memory>
 #include <thread>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"

@@ -1,7 +1,7 @@
 // A program that keeps a request pending on the controller until its standard input ends.
 #include <cstdio>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
 

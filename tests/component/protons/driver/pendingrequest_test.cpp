@@ -6,7 +6,6 @@
 
 #include "protocol/controllerrequests.h"
 #include "protocol/pendingrequests.h"
-#include "protocol/requestcodes.h"
 #include "tests/component/protons/driver/drivertest.h"
 
 namespace nTests {

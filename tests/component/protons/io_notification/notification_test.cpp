@@ -4,8 +4,7 @@
 #include <mutex>
 #include <thread>
 
-#include "protocol/notificationrequests.h"
-#include "protocol/requestcodes.h"
+#include "protocol/pendingrequests.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
 
 namespace nTests {

@@ -1,5 +1,4 @@
 // Each Windows call of a notification fails in turn.
-#include "protocol/requestcodes.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
 #include "tests/fakewindows/debuggeroutput.h"
 

@@ -1,7 +1,6 @@
 // Each Windows call of a pending request fails in turn.
 #include <algorithm>
 
-#include "protocol/requestcodes.h"
 #include "tests/component/protons/driver/drivertest.h"
 
 namespace nTests {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "protocol/controllerrequests.h"
-#include "protocol/requestcodes.h"
 #include "tests/fakewindows/fakewindowstest.h"
 
 namespace nTests {

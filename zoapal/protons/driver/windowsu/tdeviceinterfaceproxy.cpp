@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "protocol/requestcodes.h"
+#include "protocol/pendingrequests.h"
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/status/win32error.h"

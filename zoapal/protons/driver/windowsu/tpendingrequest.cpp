@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "protocol/requestcodes.h"
+#include "protocol/pendingrequests.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/status/win32error.h"
 #include "zoapal/protons/thread/windowsu/tthread.h"

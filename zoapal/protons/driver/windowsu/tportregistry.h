@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "protocol/notificationrequests.h"
+#include "protocol/pendingrequests.h"
 #include "zoapal/protons/synchronization/windowsu/locks.h"
 
 namespace nQUENRA1400::nZOAPAL000 {

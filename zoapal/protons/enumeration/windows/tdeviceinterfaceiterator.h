@@ -5,7 +5,7 @@
 // setupapi.h needs windows.h first.
 #include <setupapi.h>
 
-#include "protocol/interfaceclasses.h"
+#include "protocol/interfaces.h"
 #include "zoapal/protons/driver/tdevicepath.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"

@@ -2,8 +2,7 @@
 
 #include <new>
 
-#include "protocol/notificationrequests.h"
-#include "protocol/requestcodes.h"
+#include "protocol/pendingrequests.h"
 #include "zoapal/protons/status/win32error.h"
 
 namespace nQUENRA1400::nZOAPAL000 {

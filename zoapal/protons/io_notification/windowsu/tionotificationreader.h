@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "protocol/notificationrequests.h"
+#include "protocol/pendingrequests.h"
 #include "zoapal/protons/driver/windowsu/tportregistry.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 #include "zoapal/protons/status/tstatus.h"
