@@ -22,9 +22,11 @@ SCRIPT_NAMES = {"CMakeLists.txt", "dev"}
 # Texts of others, and the document that names the words.
 SKIPPED = {"build", ".git", "corpus", "data"}
 
-TEST_NAME = re.compile(r"^TEST(?:_[FP])?\(\w+, *(\w+)\)")
-QUESTION_IN_NAME = re.compile(r"(?:^|_)(What|Whoever|Who|Whom|Whether)(?=[A-Z])")
-HOMELY_IN_NAME = re.compile(r"Told|Whoever|Nobod(?:y|ies)|Anew|ThatIsNone")
+TEST_NAME = re.compile(r"^TEST(?:_[FP])?\(\w+, *(\w+)\)|^\s*def (test_\w+)\(")
+QUESTION_IN_NAME = re.compile(
+    r"(?:^|_)(What|Whoever|Who|Whom|Whether)(?=[A-Z])|^test_(what|whoever|who|whom|whether)_")
+HOMELY_IN_NAME = re.compile(
+    r"Told|Whoever|Nobod(?:y|ies)|Anew|ThatIsNone|_(?:told|whoever|nobody|anew|that_is_none)(?=_|$)")
 
 
 def comment_of_source(line, state):
@@ -72,14 +74,16 @@ def findings_in(path, text):
             comment = comment_of_script(line)
         else:
             comment = heading_of_page(line)
-        name = TEST_NAME.match(line) if kind == "source" else None
+        match = TEST_NAME.match(line) if kind in ("source", "script") else None
+        name = match and (match[1] or match[2])
         if SILENCE not in line:
             if comment and not continues and QUESTION.match(comment):
                 yield number, f"begins with '{comment.split()[0]}'"
             if comment and (word := HOMELY.search(comment)):
                 yield number, f"'{word.group(0)}' has a trade term"
-            if name and (word := QUESTION_IN_NAME.search(name.group(1)) or HOMELY_IN_NAME.search(name.group(1))):
-                yield number, f"'{word.group(0).strip('_')}' in a test name"
+            if name and (word := QUESTION_IN_NAME.search(name) or HOMELY_IN_NAME.search(name)):
+                found = word[0].removeprefix("test_").strip("_")
+                yield number, f"'{found}' in a test name"
         # A sentence may continue on the next line with any word.
         continues = bool(comment) and not comment.endswith((".", ":", ";", "?", "!"))
 

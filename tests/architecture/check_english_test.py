@@ -48,6 +48,13 @@ class CheckEnglish(unittest.TestCase):
                          ["'Told' in a test name"])
         self.assertEqual(self.findings("a.cpp", "TEST_P(Suite, Failure_IsReported) {\n"), [])
 
+    def test_python_test_name(self):
+        self.assertEqual(self.findings("a.py", "    def test_what_is_left(self):\n"),
+                         ["'what' in a test name"])
+        self.assertEqual(self.findings("a.py", "    def test_wrong_usage_is_told(self):\n"),
+                         ["'told' in a test name"])
+        self.assertEqual(self.findings("a.py", "    def test_wrong_usage_is_reported(self):\n"), [])
+
     def test_code_and_strings_are_no_comments(self):
         self.assertEqual(self.findings("a.cpp", 'print("// What is told");\n'), [])
 
