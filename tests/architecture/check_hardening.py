@@ -130,7 +130,7 @@ def reproducible(image, source_folder):
     if exports and image.number("I", exports + 4):
         yield "its export directory carries a time"
     if source_folder.encode() in image.bytes:
-        yield f"it tells the folder it was built from, {source_folder}"
+        yield f"the file contains the path of its build folder, {source_folder}"
 
 
 def main():

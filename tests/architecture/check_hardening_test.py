@@ -36,12 +36,12 @@ class Hardening(unittest.TestCase):
         return list(check_hardening.address_space(
             self.image_with(self.header + 24 + 70, "H", self.image.dll_flags & ~flag)))
 
-    def test_each_flag_missing_is_told(self):
+    def test_each_flag_missing_is_reported(self):
         self.assertEqual(["DYNAMIC_BASE is not set"], self.faults_without_flag(0x40))
         self.assertEqual(["HIGH_ENTROPY_VA is not set"], self.faults_without_flag(0x20))
         self.assertEqual(["NX_COMPAT is not set"], self.faults_without_flag(0x100))
 
-    def test_a_section_written_and_executed_is_told(self):
+    def test_a_section_written_and_executed_is_reported(self):
         first = self.header + 24 + struct.unpack_from("<H", self.image.bytes, self.header + 20)[0]
         image = self.image_with(first + 36, "I", self.image.sections[0].flags | 0x80000000)
         self.assertEqual(["section .text is written and executed"], list(check_hardening.memory(image)))
@@ -60,31 +60,31 @@ class Hardening(unittest.TestCase):
         self.assertEqual(["its directory does not have the import addresses"],
                          list(check_hardening.memory(image)))
 
-    def test_an_import_that_is_not_listed_is_told(self):
+    def test_an_import_that_is_not_listed_is_reported(self):
         self.assertEqual([f"it imports {LIBRARIES[0]}"],
                          list(check_hardening.imports(self.image, LIBRARIES[1:])))
 
     def directory_place(self, index):
         return self.header + 24 + 112 + 8 * index
 
-    def test_no_load_configuration_is_told(self):
+    def test_no_load_configuration_is_reported(self):
         image = self.image_with(self.directory_place(peimage.LOAD_CONFIGURATION), "I", 0)
         self.assertEqual(["it has no load configuration"],
                          list(check_hardening.load_configuration(image, 0x800)))
 
-    def test_other_load_flags_are_told(self):
+    def test_other_load_flags_are_reported(self):
         address, _ = self.image.directories[peimage.LOAD_CONFIGURATION]
         image = self.image_with(self.image.place(address) + 0x4E, "H", 0)
         self.assertEqual(["DependentLoadFlags are 0x0, not 0x800"],
                          list(check_hardening.load_configuration(image, 0x800)))
 
-    def test_a_guard_that_the_loader_does_not_replace_is_told(self):
+    def test_a_guard_that_the_loader_does_not_replace_is_reported(self):
         guard = self.image.place(self.image.symbols()["__stack_chk_guard"])
         image = self.image_with(guard, "Q", 0)
         self.assertEqual(["the loader would not replace the guard of the stack"],
                          list(check_hardening.load_configuration(image, 0x800)))
 
-    def test_another_version_and_none_are_told(self):
+    def test_another_version_and_none_are_reported(self):
         self.assertEqual(["its file version is 0.1.0, not 9.9.9"],
                          [fault.replace(self.version(), "0.1.0")
                           for fault in check_hardening.version(self.image, "9.9.9")])
@@ -96,16 +96,16 @@ class Hardening(unittest.TestCase):
         high, low = struct.unpack_from("<II", resource, resource.find(struct.pack("<I", 0xFEEF04BD)) + 8)
         return f"{high >> 16}.{high & 0xFFFF}.{low >> 16}"
 
-    def test_a_wrong_checksum_is_told(self):
+    def test_a_wrong_checksum_is_reported(self):
         image = self.image_with(self.image.checksum_place, "I", self.image.checksum + 1)
         self.assertEqual(["its checksum is wrong"], list(check_hardening.checksum(image)))
 
-    def test_a_time_and_a_folder_are_told(self):
+    def test_a_time_and_a_folder_are_reported(self):
         image = self.image_with(self.header + 8, "I", 1700000000)
         self.assertEqual(["it carries the time of its linking, 1700000000"],
                          list(check_hardening.reproducible(image, "/no/such/folder")))
         name = "kernel32.dll" if b"kernel32.dll" in self.image.bytes else "KERNEL32.dll"
-        self.assertEqual([f"it tells the folder it was built from, {name}"],
+        self.assertEqual([f"the file contains the path of its build folder, {name}"],
                          list(check_hardening.reproducible(self.image, name)))
 
 

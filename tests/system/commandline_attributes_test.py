@@ -18,7 +18,7 @@ class Attributes(CommandLineTest):
         self.machine("scenario", "--controllers", "0", "--martens", "0", "--device-paths", "0")
         self.document("attributes", kind="attributes")
 
-    def test_every_id_and_constant_is_taken_by_get(self):
+    def test_get_accepts_every_id_and_constant(self):
         listed = [attribute for attribute in self.document("attributes", kind="attributes")["attributes"]
                   if attribute["readable"]]
         for attribute in listed[:: len(listed) // 6]:

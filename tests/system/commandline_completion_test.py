@@ -128,7 +128,7 @@ class Bash(CommandLineTest):
         self.assertEqual(self.offered("get", "--instance", "=", "1"), [])
         self.assertEqual(self.offered("get", "--instance", "--"), [])
 
-    def test_what_was_given_and_what_it_excludes_is_not_offered_again(self):
+    def test_given_options_and_those_they_exclude_are_not_offered(self):
         self.assertEqual(self.offered("set", "--marten", "--"), ["--help", "--json", "--instance"])
         self.assertEqual(self.offered("get", "--instance", "1", "--json", "--"),
                          ["--help", "--controller", "--marten"])
@@ -136,7 +136,7 @@ class Bash(CommandLineTest):
     def test_options_are_offered_where_nothing_else_can_stand(self):
         self.assertEqual(self.offered("info", ""), ["--help", "--json"])
 
-    def test_behind_two_dashes_no_option_is_offered(self):
+    def test_no_option_is_offered_after_two_dashes(self):
         self.assertEqual(self.offered("set", "--", "driver-setting-1", "--"), [])
 
     def test_unknown_verb_has_nothing(self):
@@ -190,7 +190,7 @@ class PowerShell(CommandLineTest):
                 self.assertEqual(bracket, expected.pop())
         self.assertEqual(expected, [])
 
-    def test_offers_what_bash_offers(self):
+    def test_offers_the_same_words_as_bash(self):
         text = ScriptFile(self, "powershell").text
         lists = dict(re.findall(r"(?m)^        '(\w+)' = @\(\n((?:            @\{.*\n)*)", text))
         for name, lines in lists.items():

@@ -4,7 +4,7 @@ from commandline import CommandLineTest
 
 
 class Explain(CommandLineTest):
-    def test_negative_code_is_taken_as_it_is(self):
+    def test_negative_code_needs_no_quoting(self):
         run = self.quenra("explain", "-26934")
         self.assertEqual(run.error, "")
         self.assertTrue(run.out.startswith("-26934 QUENRA_STATUS_NOT_SUPPORTED\n"), run)

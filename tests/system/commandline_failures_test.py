@@ -19,7 +19,7 @@ class NotSupported(CommandLineTest):
         run = self.assert_not_supported("driver-setting-1")
         self.assert_failure(run, -26934, "QUENRA_STATUS_NOT_SUPPORTED")
 
-    def test_instance_behind_the_last_memory_module(self):
+    def test_instance_beyond_the_last_memory_module(self):
         self.assert_not_supported("memory-size", "--instance", "3",
                                   message="memory-size has 3 instances (0 to 2)\n")
 
@@ -34,7 +34,7 @@ class NotSupported(CommandLineTest):
 
 
 class NoController(CommandLineTest):
-    def test_absent_controller_is_told_apart_by_every_verb_that_needs_one(self):
+    def test_absent_controller_has_its_exit_code_in_every_verb_that_opens_it(self):
         self.machine("scenario", "--controllers", "0")
         for words in (("info",), ("get", "product-name")):
             run = self.quenra(*words, exit_code=4)

@@ -19,7 +19,7 @@ class Firmware(CommandLineTest):
         return self.document("firmware", "inspect", self.typed("Größe.fwi"),
                              kind="firmware-inspect")["image"]
 
-    def test_what_was_built_is_inspected_and_verified(self):
+    def test_built_image_is_inspected_and_verified(self):
         payload = bytes(range(256)) * 100
         self.assertEqual(self.build(payload).out, "")
         self.build(b"[Version]\r\n", "--append", "--file-name", "a.inf", device="BIOS")
@@ -43,7 +43,7 @@ class Firmware(CommandLineTest):
                                  kind="firmware-verify", exit_code=1)
         self.assertEqual(document["image"]["sections"][0]["fault"]["line"], 258)
 
-    def test_document_tells_what_was_built(self):
+    def test_document_lists_the_built_sections(self):
         self.files["payload"].write_bytes(b"123456789")
         document = self.document("firmware", "build", self.typed("payload"), "--output",
                                  self.typed("x.fwi"), "--device", "SAFEMODE", "--firmware-version",

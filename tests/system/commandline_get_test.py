@@ -33,7 +33,7 @@ class Get(CommandLineTest):
         self.machine("attribute", "set", "controller", "0x20051400", "--number", "4000000000")
         self.assertEqual(self.value("driver-setting-2"), 4000000000)
 
-    def test_long_text_is_read_whole(self):
+    def test_long_text_is_printed_completely(self):
         text = "x" * 255
         self.machine("attribute", "set", "marten", "0x10200400", "--text", text)
         self.assertEqual(self.value("firmware-version", "--marten"), text)
@@ -42,7 +42,7 @@ class Get(CommandLineTest):
         self.machine("scenario", "--controllers", "0", "--martens", "0")
         self.assertTrue(self.value("device-path").startswith("\\\\?\\"))
 
-    def test_id_outside_the_list_is_asked_of_the_driver(self):
+    def test_unlisted_id_is_read_from_the_driver(self):
         self.machine("attribute", "set", "marten", "0x20212300", "--number", "7")
         self.assertEqual(self.value("0x20212300"), 7)
         attribute = self.document("get", "0x20012300", "--marten", kind="get")["attribute"]

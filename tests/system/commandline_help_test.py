@@ -7,7 +7,7 @@ VERBS = ("info", "get", "set", "self-test", "terminals", "route plan", "route co
 
 
 class Help(CommandLineTest):
-    def test_tells_verbs_examples_and_exit_codes(self):
+    def test_prints_verbs_examples_and_exit_codes(self):
         text = self.quenra("--help").out
         for verb in VERBS:
             self.assertRegex(text, rf"(?m)^  {verb} ")

@@ -56,7 +56,7 @@ class Info(CommandLineTest):
         self.machine("scenario", "--device-paths", "0")
         self.assertEqual(states(self.document("info", kind="info"), "device-path"), ["notAvailable"])
 
-    def test_machine_without_marten_tells_the_bios_version(self):
+    def test_machine_without_marten_prints_the_bios_version(self):
         self.assertEqual(values(self.document("info", kind="info"), "firmware-version"),
                          ["2.1.0f3", "1.4.0f7"])
         self.machine("scenario", "--martens", "0")

@@ -24,7 +24,7 @@ class Manual(CommandLineTest):
         text = self.quenra("help").out.split("Verbs:\n")[1].split("Examples:")[0]
         return re.findall(r"(?m)^  ([a-z-]+(?: [a-z]+)?)  ", text)
 
-    def test_is_set_without_a_warning_and_tells_everything(self):
+    def test_groff_formats_it_without_warnings_and_every_verb_has_a_section(self):
         text = self.page_as_read()
         sections = re.findall(r"(?m)^[A-Z][A-Z ]+$", text)
         self.assertEqual(sections, ["NAME", "SYNOPSIS", "DESCRIPTION", "VERBS",
@@ -46,7 +46,7 @@ class Manual(CommandLineTest):
     def test_committed_page_is_the_programs_own(self):
         self.assertEqual(COMMITTED.read_text(encoding="utf-8"), self.quenra("help", "--manual").out)
 
-    def test_is_of_the_whole_program(self):
+    def test_documents_every_verb(self):
         run = self.quenra("help", "get", "--manual", exit_code=2)
         self.assertIn("the manual page is of the whole program", run.error)
 

@@ -30,7 +30,7 @@ class Routing(CommandLineTest):
         routes = self.document("route", "plan", *LINE, kind="route-plan")["routes"]
         self.assertEqual(len(routes[0]["path"]), 40)
 
-    def test_route_is_held_for_its_time_and_taken_down(self):
+    def test_route_is_held_for_its_time_and_released(self):
         connection = Started(self, "route", "connect", *LINE, "--for", "4")
         self.assertEqual(connection.next_line(), "connected: TRIG_SMB -> PXI_Trig3, for 4.0 s\n")
         self.assertEqual([route["state"] for route in self.routes()], ["programmed"])
@@ -43,7 +43,7 @@ class Routing(CommandLineTest):
         self.assertEqual(steps, ["calculate-route", "reserve-route", "program-route",
                                  "unprogram-route", "unreserve-route", "destroy-route"])
 
-    def test_ctrl_c_takes_the_route_down(self):
+    def test_ctrl_c_releases_the_route(self):
         connection = Started(self, "route", "connect", *LINE)
         self.assertEqual(connection.next_line(), "connected: TRIG_SMB -> PXI_Trig3, until Ctrl-C\n")
         connection.interrupt()
@@ -63,7 +63,7 @@ class Routing(CommandLineTest):
         self.assertTrue(document["interrupted"])
         self.assertRegex(error, r"^quenra: taken down after ")
 
-    def test_demotion_is_told_while_the_route_is_held(self):
+    def test_demotion_is_printed_while_the_route_is_held(self):
         connection = Started(self, "route", "connect", *LINE)
         connection.next_line()
         self.machine("demote", str(self.routes()[0]["ticket"]))
@@ -98,7 +98,7 @@ class Routing(CommandLineTest):
         connection.end(0)
         self.quenra(*words, "--for", "0")
 
-    def test_what_cannot_be_routed_is_told_apart(self):
+    def test_unroutable_terminals_have_their_exit_codes(self):
         self.assertIn("Did you mean PXI_Trig3",
                       self.quenra("route", "plan", "--from", "TRIG_SMB", "--to", "PXI_Trg3",
                                   exit_code=2).error)

@@ -61,7 +61,7 @@ class Set(CommandLineTest):
         self.assertEqual(self.written("firmware-version", "9"),
                          [("controller", 0x10000400, 2), ("marten", 0x10000400, 2)])
 
-    def test_document_tells_what_was_written(self):
+    def test_document_contains_the_written_value(self):
         attribute = self.document("set", "driver-setting-1", "0x10", kind="set")["attribute"]
         self.assertEqual((attribute["id"], attribute["interface"], attribute["value"]),
                          ("0x20044C00", "default", 16))
@@ -86,7 +86,7 @@ class Set(CommandLineTest):
                 self.assertEqual(error["cause"], "usage")
         self.assertEqual(self.log(), [])
 
-    def test_attribute_that_no_interface_takes_is_refused(self):
+    def test_read_only_attribute_is_rejected(self):
         for words in (("product-name", "a"), ("processor-setting", "1"), ("driver-setting-1", "1", "--marten")):
             with self.subTest(words=words):
                 run = self.quenra("set", *words, exit_code=3)
@@ -106,7 +106,7 @@ class Set(CommandLineTest):
         self.assertIn("the text has 256 bytes; at most 255 are accepted\n", run.error)
         self.assertEqual(self.requests(), [])
 
-    def test_failure_and_warning_of_the_driver_are_told(self):
+    def test_failure_and_warning_of_the_driver_are_printed(self):
         self.machine("answer", "add", "controller", "set-attribute", "--code", "-52007")
         run = self.quenra("set", "driver-setting-1", "1", exit_code=1)
         self.assert_failure(run, -52007, "QUENRA_STATUS_TIME_OUT")
@@ -116,7 +116,7 @@ class Set(CommandLineTest):
         document = self.document("set", "driver-setting-1", "1", kind="set")
         self.assertEqual(document["attribute"]["status"]["code"], 77)
 
-    def test_absent_controller_is_told_apart(self):
+    def test_absent_controller_has_its_exit_code(self):
         self.machine("scenario", "--controllers", "0")
         run = self.quenra("set", "driver-setting-1", "1", exit_code=4)
         self.assert_failure(run, -26932, "QUENRA_STATUS_NO_CONTROLLER")

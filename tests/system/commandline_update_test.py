@@ -59,7 +59,7 @@ class Update(CommandLineTest):
                                                  "awaitsRestart": False})
         self.assertEqual([section["action"] for section in document["sections"]], ["send-to-marten"])
 
-    def test_only_newer_leaves_out_what_is_as_new(self):
+    def test_only_newer_skips_sections_that_are_not_newer(self):
         self.add("BIOS", b"bios", version="2.1.0f3")
         self.add("MARTEN", b"marten", version="1.4.0f7")
         document = self.document("update", "--only-newer", self.image, kind="update")
@@ -71,7 +71,7 @@ class Update(CommandLineTest):
         self.quenra("update", self.image)
         self.assertEqual(len(self.received()), 2)
 
-    def test_plan_says_what_the_update_does(self):
+    def test_plan_lists_the_actions_of_the_update(self):
         self.add("BIOS", b"bios", version="2.1.0f4")
         self.add("MARTEN", b"marten", version="1.3.0f0")
         self.add("BIOS", b"package", version="1.0.0f0", file_name="a.inf")
@@ -156,7 +156,7 @@ class Update(CommandLineTest):
                       plan["obstacles"][0]["fact"])
         self.assertEqual(self.marten(), "1.4.0f7")
 
-    def test_drive_that_is_encrypted_or_cannot_be_asked(self):
+    def test_encrypted_drive_or_failing_query_is_an_obstacle(self):
         self.add("MARTEN", b"marten")
         self.machine("encryption", "on")
         self.assert_foreseen(-26942)
@@ -168,7 +168,7 @@ class Update(CommandLineTest):
             self.quenra("update", "--plan", self.image)
         self.assertEqual(self.received(), [])
 
-    def test_machine_that_takes_no_firmware(self):
+    def test_machine_without_firmware_updates(self):
         self.add("MARTEN", b"marten")
         self.machine("scenario", "--structure-byte", "0x9E/4=0")
         self.assert_foreseen(-26934, exit_code=3)

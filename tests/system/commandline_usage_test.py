@@ -28,7 +28,7 @@ WRONG = (
 
 
 class Usage(CommandLineTest):
-    def test_wrong_usage_is_told_on_the_error_stream_only(self):
+    def test_wrong_usage_is_printed_on_standard_error_only(self):
         for words in WRONG:
             with self.subTest(words=words):
                 run = self.quenra(*words, exit_code=2)

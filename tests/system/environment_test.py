@@ -47,7 +47,7 @@ class Environment(CommandLineTest):
 
     # ---- The driver store ----
 
-    def test_driver_store_tells_what_it_was_asked(self):
+    def test_driver_store_prints_the_received_commands(self):
         with tempfile.TemporaryDirectory() as folder:
             package = pathlib.Path(folder, "driver.inf")
             package.write_bytes(b"[Version]\r\n" * 1000)
@@ -83,7 +83,7 @@ class Environment(CommandLineTest):
             self.add_driver(name)
         self.assertEqual([run["file"] for run in self.shown("driver-store")["runs"]], names)
 
-    def test_tool_ends_as_told(self):
+    def test_tool_exits_with_the_scripted_code(self):
         self.sim("driver-store", "working", "--exit-code", "9", "--seconds", "1")
         shown = self.shown("driver-store")
         self.assertEqual((shown["tool"], shown["seconds"], shown["exitCode"]), ("working", 1, 9))
@@ -112,7 +112,7 @@ class Environment(CommandLineTest):
 
     # ---- The complete environment ----
 
-    def test_wrong_usage_is_told(self):
+    def test_wrong_usage_is_reported(self):
         for words in (
             ["encryption", "half"],
             ["encryption", "fail"],
@@ -130,7 +130,7 @@ class Environment(CommandLineTest):
         for verb in ("encryption", "driver-store", "firmware"):
             self.assertIn(b"--help", self.sim(verb, "--help").stdout)
 
-    def test_uninstalling_takes_the_tool_away_and_installing_brings_it_back(self):
+    def test_uninstall_removes_the_tool_and_install_restores_it(self):
         self.sim("uninstall")
         try:
             self.assertEqual(self.shown("driver-store")["tool"], "missing")

@@ -9,8 +9,8 @@ from commandline import CommandLineTest, command, start
 
 LIVES = 10_000
 SECONDS = 30  # a busy machine completes fewer lives
-FEWEST_LIVES = 500
-FEWEST_KILLS = 3
+MIN_LIVES = 500
+MIN_KILLS = 3
 TIME_LIMIT_SECONDS = 200  # stuck threads report earlier
 
 PAIRS = (
@@ -30,17 +30,17 @@ def load(*words):
 
 
 class RouteLoad(CommandLineTest):
-    def test_ten_thousand_lives_leave_nothing_behind(self):
+    def test_ten_thousand_routes_leave_no_object(self):
         seed = random.randrange(1 << 32)
         result = load("routes", "--lives", str(LIVES), "--seconds", str(SECONDS),
                       "--kill-every", "1", "--seed", str(seed))
         self.assertEqual(result.returncode, 0, result.stderr.decode())
-        told = dict(line.split() for line in result.stdout.decode().splitlines())
-        print(f"seed {seed}:", told)
-        self.assertGreaterEqual(int(told["lives"]), FEWEST_LIVES)
-        self.assertGreaterEqual(int(told["kills"]), FEWEST_KILLS)
-        self.assertGreater(int(told["heard"]), 0)
-        self.assertGreater(int(told["conflicts"]), 0)
+        counters = dict(line.split() for line in result.stdout.decode().splitlines())
+        print(f"seed {seed}:", counters)
+        self.assertGreaterEqual(int(counters["lives"]), MIN_LIVES)
+        self.assertGreaterEqual(int(counters["kills"]), MIN_KILLS)
+        self.assertGreater(int(counters["heard"]), 0)
+        self.assertGreater(int(counters["conflicts"]), 0)
         self.assert_nothing_is_held()
 
     def assert_nothing_is_held(self):

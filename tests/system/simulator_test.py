@@ -38,7 +38,7 @@ class Simulator(CommandLineTest):
     def log(self):
         return json.loads(self.sim("log", "--json").stdout)["entries"]
 
-    def test_status_tells_what_is_present(self):
+    def test_status_lists_the_present_interfaces(self):
         status = self.status()
         self.assertEqual((status["controllers"], status["martens"], status["devicePaths"]), (1, 1, 1))
         self.assertIn(b"Marten interfaces       1\n", self.sim("status").stdout)
@@ -88,7 +88,7 @@ class Simulator(CommandLineTest):
         self.sim("answer", "clear")
         self.quenra("info")
 
-    def test_log_tells_what_came_and_can_be_cleared(self):
+    def test_log_lists_requests_and_can_be_cleared(self):
         self.quenra("get", "driver-setting-1")
         requests = [entry for entry in self.log() if entry["event"] == "request"]
         self.assertEqual([entry["request"] for entry in requests],
@@ -98,7 +98,7 @@ class Simulator(CommandLineTest):
         self.assertIn("get-attribute attribute=0x20044C00", "\n".join(lines))
         self.assertEqual(self.log(), [])
 
-    def test_counters_tell_what_began_and_what_ended(self):
+    def test_counters_count_created_and_released_objects(self):
         before = json.loads(self.sim("counters", "--json").stdout)
         self.quenra("info")
         after = json.loads(self.sim("counters", "--json").stdout)
@@ -106,7 +106,7 @@ class Simulator(CommandLineTest):
         self.assertEqual(after["filesOpened"], after["filesClosed"])
         self.assertEqual(len(self.sim("counters").stdout.splitlines()), len(after))
 
-    def test_routes_of_nobody_are_none(self):
+    def test_no_routes_are_printed_without_sessions(self):
         self.assertEqual(json.loads(self.sim("routes", "--json").stdout), {"routes": []})
         self.assertEqual(self.sim("routes").stdout, b"")
         self.sim("demote", "1", exit_code=1)
@@ -140,7 +140,7 @@ class Simulator(CommandLineTest):
         self.assertEqual(self.holder().stdout.readline().strip(), b"0")
         self.assertEqual(self.pending(), [])
 
-    def test_wrong_usage_is_told(self):
+    def test_wrong_usage_is_reported(self):
         for words in (
             [],
             ["frob"],
@@ -171,7 +171,7 @@ class Simulator(CommandLineTest):
                 self.assertTrue(result.stderr.strip(), result)
                 self.assertEqual(result.stdout, b"")
 
-    def test_what_the_machine_refuses_is_told(self):
+    def test_rejected_scenario_is_reported(self):
         result = self.sim("attribute", "allow-writes", "controller", "0x70000000", exit_code=1)
         self.assertIn(b"refused request 0x80A02430 with Windows error 87", result.stderr)
 
