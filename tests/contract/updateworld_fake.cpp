@@ -7,7 +7,6 @@
 #include "tests/fakewindows/com.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/processes.h"
-#include "tests/fakewindows/unusual.h"
 
 namespace nTests {
 namespace {

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <new>
 
-#include "tests/fakewindows/unusual.h"
+#include "tests/fakewindows/faultplan.h"
 
 extern "C" {
 void* __real_malloc(size_t size);
@@ -31,7 +31,7 @@ struct tState {
 thread_local tState state;
 
 bool isWatched() noexcept {
-  return state.armed && !tInside::isSo();
+  return state.armed && !tInside::isActive();
 }
 
 bool isToFail() noexcept {

@@ -32,11 +32,11 @@ class tCom final : public nSimulator::iManagementScenario {
   [[nodiscard]] HRESULT enterThread(DWORD model);
   void leaveThread();
   [[nodiscard]] bool isThreadInside() const;
-  [[nodiscard]] bool takeSecurity();
-  void textMade(const void* text);
-  [[nodiscard]] bool textGone(const void* text);
-  void valueMade(const void* value);
-  [[nodiscard]] bool valueGone(const void* value);
+  [[nodiscard]] bool claimSecurity();
+  void textAllocated(const void* text);
+  [[nodiscard]] bool textFreed(const void* text);
+  void valueInitialised(const void* value);
+  [[nodiscard]] bool valueCleared(const void* value);
 
   [[nodiscard]] std::optional<HRESULT> failureOf(
       nSimulator::tManagementStep step) noexcept override;

@@ -5,8 +5,8 @@
 #include <bit>
 #include <cstring>
 
+#include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
-#include "tests/fakewindows/unusual.h"
 
 using namespace nFakeWindows;
 
@@ -18,7 +18,7 @@ std::string classText(const GUID& interfaceClass) {
 
 tDeviceInformationSet& setOf(HDEVINFO handle, tCall call) {
   tDeviceInformationSet* const set = objects().find<tDeviceInformationSet>(handle);
-  expectUsual(set != nullptr, call, "not a device information set");
+  expectSupported(set != nullptr, call, "not a device information set");
   return *set;
 }
 
@@ -28,10 +28,10 @@ HDEVINFO WINAPI SetupDiGetClassDevsA(const GUID* interfaceClass, PCSTR enumerato
                                      DWORD flags) {
   const tInside inside;
   constexpr auto kCall = tCall::setupDiGetClassDevs;
-  expectUsual(interfaceClass != nullptr && enumerator == nullptr && parent == nullptr, kCall,
-              "only a class can be asked for");
-  expectUsual(flags == (DIGCF_PRESENT | DIGCF_DEVICEINTERFACE), kCall,
-              "only present device interfaces can be asked for");
+  expectSupported(interfaceClass != nullptr && enumerator == nullptr && parent == nullptr, kCall,
+                  "only a class can be asked for");
+  expectSupported(flags == (DIGCF_PRESENT | DIGCF_DEVICEINTERFACE), kCall,
+                  "only present device interfaces can be asked for");
   if (const auto error = faultPlan().enter(kCall, classText(*interfaceClass))) {
     SetLastError(*error);
     return INVALID_HANDLE_VALUE;
@@ -46,8 +46,8 @@ BOOL WINAPI SetupDiEnumDeviceInterfaces(HDEVINFO handle, PSP_DEVINFO_DATA device
                                         PSP_DEVICE_INTERFACE_DATA data) {
   const tInside inside;
   constexpr auto kCall = tCall::setupDiEnumDeviceInterfaces;
-  expectUsual(device == nullptr && interfaceClass != nullptr, kCall, "only a class is listed");
-  expectUsual(data != nullptr && data->cbSize == sizeof *data, kCall, "a wrong cbSize");
+  expectSupported(device == nullptr && interfaceClass != nullptr, kCall, "only a class is listed");
+  expectSupported(data != nullptr && data->cbSize == sizeof *data, kCall, "a wrong cbSize");
   if (const auto error = faultPlan().enter(kCall, std::to_string(index))) {
     SetLastError(*error);
     return FALSE;
@@ -68,9 +68,9 @@ BOOL WINAPI SetupDiGetDeviceInterfaceDetailA(HDEVINFO handle, PSP_DEVICE_INTERFA
                                              PDWORD required, PSP_DEVINFO_DATA device) {
   const tInside inside;
   constexpr auto kCall = tCall::setupDiGetDeviceInterfaceDetail;
-  expectUsual(device == nullptr, kCall, "device data is not supported");
-  expectUsual(data != nullptr && data->Reserved != 0, kCall, "not an interface of a set");
-  expectUsual(detail != nullptr && detail->cbSize == sizeof *detail, kCall, "a wrong cbSize");
+  expectSupported(device == nullptr, kCall, "device data is not supported");
+  expectSupported(data != nullptr && data->Reserved != 0, kCall, "not an interface of a set");
+  expectSupported(detail != nullptr && detail->cbSize == sizeof *detail, kCall, "a wrong cbSize");
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return FALSE;

@@ -1,9 +1,9 @@
 #include "tests/fakewindows/faultplan.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <numeric>
-
-#include "tests/fakewindows/unusual.h"
 
 namespace nFakeWindows {
 namespace {
@@ -150,7 +150,7 @@ std::vector<tCallRecord> tFaultPlan::calls() const {
 }
 
 std::optional<uint32_t> tFaultPlan::enter(tCall call, std::string argument) {
-  if (tOffTheRecord::isSo()) {
+  if (tOffTheRecord::isActive()) {
     return std::nullopt;
   }
   std::function<void()> hook;
@@ -180,6 +180,14 @@ std::optional<uint32_t> tFaultPlan::enter(tCall call, std::string argument) {
     hook();
   }
   return error;
+}
+
+thread_local int tInside::depth = 0;
+thread_local int tOffTheRecord::depth = 0;
+
+void stop(const char* function, const char* what) {
+  std::fprintf(stderr, "the fake Windows: %s: %s\n", function, what);
+  std::abort();
 }
 
 }  // namespace nFakeWindows

@@ -71,9 +71,9 @@ inline constexpr size_t kCalls = static_cast<size_t>(tCall::getRandom) + 1;
 // The time at which an overlapped request completes.
 enum class tCompletion : uint8_t {
   atOnce,
-  later,       // pending first; another thread completes it
-  tooFarGone,  // pending until cancelled; completes in spite of the cancellation
-  never,       // pending until cancelled
+  later,          // pending first; another thread completes it
+  uncancellable,  // pending until cancelled; completes in spite of the cancellation
+  never,          // pending until cancelled
 };
 
 // A recorded call.
@@ -142,6 +142,46 @@ class tFaultPlan {
 // The plan of this process. Constant-initialised, so that faults can be planned before the library
 // under test is initialised.
 [[nodiscard]] tFaultPlan& faultPlan() noexcept;
+
+// Marks a thread as executing the fake Windows, whose own allocations must not fail.
+class tInside {
+ public:
+  tInside() noexcept { ++depth; }
+  tInside(const tInside&) = delete;
+  tInside& operator=(const tInside&) = delete;
+  ~tInside() { --depth; }
+
+  [[nodiscard]] static bool isActive() noexcept { return depth != 0; }
+
+ private:
+  static thread_local int depth;
+};
+
+// During its lifetime, calls and allocations of its thread belong to the test: they are not counted
+// and do not fail.
+class tOffTheRecord {
+ public:
+  tOffTheRecord() noexcept { ++depth; }
+  tOffTheRecord(const tOffTheRecord&) = delete;
+  tOffTheRecord& operator=(const tOffTheRecord&) = delete;
+  ~tOffTheRecord() { --depth; }
+
+  [[nodiscard]] static bool isActive() noexcept { return depth != 0; }
+
+ private:
+  static thread_local int depth;
+  const tInside inside_;
+};
+
+// Ends the program with a message: the library called the function in a way that it never should.
+[[noreturn]] void stop(const char* function, const char* what);
+
+// Ends the program unless the fake supports the arguments of the call.
+inline void expectSupported(bool supported, tCall call, const char* what) {
+  if (!supported) {
+    stop(nameOf(call), what);
+  }
+}
 
 }  // namespace nFakeWindows
 

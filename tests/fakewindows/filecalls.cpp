@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
-#include "tests/fakewindows/unusual.h"
 
 using namespace nFakeWindows;
 
@@ -26,7 +26,7 @@ tOutcome carryOut(const tModelFile& file, DWORD code, const std::vector<uint8_t>
   const tModelReply reply =
       machine().answer({file, code, buffer.data(), static_cast<uint32_t>(in.size()), buffer.data(),
                         outSize, reinterpret_cast<uintptr_t>(overlapped)});
-  expectUsual(reply.size <= outSize, tCall::deviceIoControl, "a reply larger than its buffer");
+  expectSupported(reply.size <= outSize, tCall::deviceIoControl, "a reply larger than its buffer");
   std::copy_n(buffer.begin(), reply.size, static_cast<uint8_t*>(out));
   return {reply.windowsError, reply.size};
 }
@@ -73,10 +73,10 @@ BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* ov
     const std::lock_guard lock(objects().mutex);
     tEvent* const event = objects().find<tEvent>(overlapped->hEvent);
     tFile& started = *objects().find<tFile>(handle);
-    expectUsual(event != nullptr || (overlapped->hEvent == nullptr && started.port != nullptr),
-                call, "neither an event nor a port would report the completion");
-    expectUsual(event == nullptr || (reinterpret_cast<uintptr_t>(overlapped->hEvent) & 1) != 0,
-                call, "an event without its lowest bit set: the completion would go to a port");
+    expectSupported(event != nullptr || (overlapped->hEvent == nullptr && started.port != nullptr),
+                    call, "neither an event nor a port would report the completion");
+    expectSupported(event == nullptr || (reinterpret_cast<uintptr_t>(overlapped->hEvent) & 1) != 0,
+                    call, "an event without its lowest bit set: the completion would go to a port");
     if (event != nullptr) {
       event->signalled = false;
     }
@@ -106,7 +106,7 @@ BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* ov
     objects().addThread(std::thread([finish, file, completion] {
       do {
         Sleep(1);
-      } while (completion == tCompletion::tooFarGone &&
+      } while (completion == tCompletion::uncancellable &&
                faultPlan().callCount(tCall::cancelIoEx) == 0);
       finish(file);
     }));
@@ -121,12 +121,12 @@ HANDLE WINAPI CreateFileA(LPCSTR path, DWORD access, DWORD sharing, SECURITY_ATT
                           DWORD creation, DWORD flags, HANDLE templateFile) {
   const tInside inside;
   constexpr auto kCall = tCall::createFile;
-  expectUsual(path != nullptr && security == nullptr && templateFile == nullptr, kCall,
-              "only a path can be given");
-  expectUsual(access == (GENERIC_READ | GENERIC_WRITE) &&
-                  sharing == (FILE_SHARE_READ | FILE_SHARE_WRITE) && creation == OPEN_EXISTING,
-              kCall, "a device is opened for reading and writing, shared");
-  expectUsual((flags & ~DWORD{FILE_FLAG_OVERLAPPED}) == 0, kCall, "unusual flags");
+  expectSupported(path != nullptr && security == nullptr && templateFile == nullptr, kCall,
+                  "only a path can be given");
+  expectSupported(access == (GENERIC_READ | GENERIC_WRITE) &&
+                      sharing == (FILE_SHARE_READ | FILE_SHARE_WRITE) && creation == OPEN_EXISTING,
+                  kCall, "a device is opened for reading and writing, shared");
+  expectSupported((flags & ~DWORD{FILE_FLAG_OVERLAPPED}) == 0, kCall, "unusual flags");
   if (const auto error = faultPlan().enter(kCall, path)) {
     SetLastError(*error);
     return INVALID_HANDLE_VALUE;
@@ -164,7 +164,7 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID out, DWORD size, LPDWORD bytes,
   return transfer(tCall::readFile, handle, out, bytes, overlapped, [=](const tModelFile&) {
     std::vector<uint8_t> buffer(size);
     const tModelReply reply = machine().read(buffer);
-    expectUsual(reply.size <= size, tCall::readFile, "a reply larger than its buffer");
+    expectSupported(reply.size <= size, tCall::readFile, "a reply larger than its buffer");
     std::copy_n(buffer.begin(), reply.size, static_cast<uint8_t*>(out));
     return tOutcome{reply.windowsError, reply.size};
   });
@@ -180,7 +180,7 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID in, DWORD size, LPDWORD bytes,
   const std::vector<uint8_t> written(bytesIn, bytesIn + size);
   return transfer(tCall::writeFile, handle, nullptr, bytes, overlapped, [=](const tModelFile&) {
     const tModelReply reply = machine().write(written);
-    expectUsual(reply.size <= size, tCall::writeFile, "a reply larger than its buffer");
+    expectSupported(reply.size <= size, tCall::writeFile, "a reply larger than its buffer");
     return tOutcome{reply.windowsError, reply.size};
   });
 }
@@ -188,7 +188,7 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID in, DWORD size, LPDWORD bytes,
 BOOL WINAPI GetOverlappedResult(HANDLE, LPOVERLAPPED overlapped, LPDWORD bytes, BOOL wait) {
   const tInside inside;
   constexpr auto kCall = tCall::getOverlappedResult;
-  expectUsual(wait != FALSE, kCall, "only waiting is supported");
+  expectSupported(wait != FALSE, kCall, "only waiting is supported");
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return FALSE;
@@ -206,7 +206,7 @@ BOOL WINAPI GetOverlappedResult(HANDLE, LPOVERLAPPED overlapped, LPDWORD bytes, 
 BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
   const tInside inside;
   constexpr auto kCall = tCall::cancelIoEx;
-  expectUsual(overlapped != nullptr, kCall, "only one request can be cancelled");
+  expectSupported(overlapped != nullptr, kCall, "only one request can be cancelled");
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return FALSE;
@@ -215,8 +215,9 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
   const bool cancelled = machine().cancel(reinterpret_cast<uintptr_t>(overlapped));
   const std::lock_guard lock(objects().mutex);
   // Another thread may have closed the file, which ends the request.
-  expectUsual(objects().find<tFile>(handle) != nullptr || overlapped->Internal != kStatusPending,
-              kCall, "not a file, or one that was closed");
+  expectSupported(
+      objects().find<tFile>(handle) != nullptr || overlapped->Internal != kStatusPending, kCall,
+      "not a file, or one that was closed");
   // ... and one that was never sent to it. A request that another thread is about to complete
   // cannot be cancelled.
   const bool neverSent =
@@ -231,7 +232,7 @@ BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
 
 namespace {
 
-std::optional<tModelFile> fileBehind(HANDLE handle) {
+std::optional<tModelFile> modelFileOf(HANDLE handle) {
   const std::lock_guard lock(objects().mutex);
   const tFile* const file = objects().find<tFile>(handle);
   return file == nullptr ? std::nullopt : std::optional(file->file);
@@ -246,11 +247,11 @@ const char* closeObject(HANDLE handle) {
     const tFile* const file = objects().find<tFile>(handle);
     return file == nullptr || file->pending.empty();
   };
-  expectUsual(objects().changed.wait_for(lock, kTimeout, nothingIsPending), tCall::closeHandle,
-              "a file with a pending request that no thread ends");
+  expectSupported(objects().changed.wait_for(lock, kTimeout, nothingIsPending), tCall::closeHandle,
+                  "a file with a pending request that no thread ends");
   const char* const kind = objects().kindOf(handle);
-  expectUsual(kind != nullptr && objects().find<tDeviceInformationSet>(handle) == nullptr,
-              tCall::closeHandle, "nothing that can be closed, or closed already");
+  expectSupported(kind != nullptr && objects().find<tDeviceInformationSet>(handle) == nullptr,
+                  tCall::closeHandle, "nothing that can be closed, or closed already");
   const tDiskFile* const onDisk = objects().find<tDiskFile>(handle);
   if (onDisk != nullptr && onDisk->isRemovedOnClose) {
     std::error_code ignored;
@@ -264,7 +265,7 @@ const char* closeObject(HANDLE handle) {
 
 BOOL WINAPI CloseHandle(HANDLE handle) {
   const tInside inside;
-  const std::optional<tModelFile> file = fileBehind(handle);
+  const std::optional<tModelFile> file = modelFileOf(handle);
   if (file) {
     machine().cleanUp(*file);
   }

@@ -1,12 +1,14 @@
 #include "tests/fakewindows/machine.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
 
+#include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
-#include "tests/fakewindows/unusual.h"
 
 namespace nFakeWindows {
 namespace {
@@ -174,22 +176,22 @@ tModelReply tMachine::write(std::span<const uint8_t> buffer) {
   return writer ? writer(buffer) : tModelReply{ERROR_INVALID_FUNCTION, 0};
 }
 
-tModelReply tMachine::answer(const tModelRequest& asked) {
+tModelReply tMachine::answer(const tModelRequest& received) {
   tDriver driver;
   {
     const std::lock_guard lock(mutex_);
     driver = driver_;
   }
-  const auto kind = static_cast<tSimulatorInterface>(asked.file.interfaceKind);
+  const auto kind = static_cast<tSimulatorInterface>(received.file.interfaceKind);
   if (!driver || kind == kSimulatorInterfaceControl) {
-    return request(asked);
+    return request(received);
   }
   // Not locked: a test's driver may block, and may call the model.
   return driver({kind,
-                 asked.code,
-                 {static_cast<const uint8_t*>(asked.input), asked.inputSize},
-                 {static_cast<uint8_t*>(asked.output), asked.outputSize},
-                 [this, &asked] { return request(asked); }});
+                 received.code,
+                 {static_cast<const uint8_t*>(received.input), received.inputSize},
+                 {static_cast<uint8_t*>(received.output), received.outputSize},
+                 [this, &received] { return request(received); }});
 }
 
 bool tMachine::cancel(uint64_t token) {
@@ -229,7 +231,7 @@ bool tMachine::isReachable(uint64_t address, uint32_t size) const {
 bool tMachine::readCaller(void* context, uint64_t process, uint64_t address, void* destination,
                           uint32_t size) {
   if (process != kFakeProcess) {
-    stop("tMachine", "the model asks for the memory of another process");
+    stop("tMachine", "the model accesses the memory of another process");
   }
   if (!static_cast<tMachine*>(context)->isReachable(address, size)) {
     return false;
@@ -241,7 +243,7 @@ bool tMachine::readCaller(void* context, uint64_t process, uint64_t address, voi
 bool tMachine::writeCaller(void* context, uint64_t process, uint64_t address, const void* source,
                            uint32_t size) {
   if (process != kFakeProcess) {
-    stop("tMachine", "the model asks for the memory of another process");
+    stop("tMachine", "the model accesses the memory of another process");
   }
   if (!static_cast<tMachine*>(context)->isReachable(address, size)) {
     return false;
@@ -267,3 +269,27 @@ void tMachine::presenceChanged(void* context, const tSimulatorPresence* presence
 }
 
 }  // namespace nFakeWindows
+
+using namespace nFakeWindows;
+
+UINT WINAPI GetSystemFirmwareTable(DWORD provider, DWORD id, PVOID buffer, DWORD size) {
+  const tInside inside;
+  constexpr auto kCall = tCall::getSystemFirmwareTable;
+  expectSupported(provider == 0x52534D42 && id == 0, kCall, "only 'RSMB', table 0, exists");
+  expectSupported(buffer != nullptr || size == 0, kCall, "a size without a buffer");
+  if (const auto error = faultPlan().enter(kCall, std::to_string(size))) {
+    SetLastError(*error);
+    return 0;
+  }
+  const std::vector<uint8_t> table = machine().firmwareTable();
+  if (table.empty()) {
+    SetLastError(machine().firmwareError());
+    return 0;
+  }
+  if (size < table.size()) {
+    SetLastError(ERROR_INSUFFICIENT_BUFFER);
+  } else {
+    std::copy(table.begin(), table.end(), static_cast<uint8_t*>(buffer));
+  }
+  return static_cast<UINT>(table.size());
+}

@@ -24,7 +24,7 @@ DWORD statusOfError(DWORD error) {
   return error == 0 ? 0 : kErrorMark | error;
 }
 
-bool isKeptOffPorts(const OVERLAPPED& overlapped) {
+bool suppressesPacket(const OVERLAPPED& overlapped) {
   return (reinterpret_cast<uintptr_t>(overlapped.hEvent) & 1) != 0;
 }
 
@@ -147,7 +147,7 @@ void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes) {
     return;
   }
   file->pending.erase(file->find(overlapped));
-  const bool completesToPort = file->port != nullptr && !isKeptOffPorts(overlapped);
+  const bool completesToPort = file->port != nullptr && !suppressesPacket(overlapped);
   const bool isDeferred = completesToPort && finalStatus_ == tFinalStatus::atDequeue;
   if (completesToPort) {
     queuePackets({bytes, file->key, &overlapped, error, isDeferred}, file->port);

@@ -169,12 +169,6 @@ class tObjects {
 
 [[nodiscard]] tObjects& objects();
 
-// The priority with which later threads start.
-void startThreadsWithPriority(int priority);
-
-// The number of critical sections that exist.
-[[nodiscard]] int criticalSections();
-
 }  // namespace nFakeWindows
 
 #endif

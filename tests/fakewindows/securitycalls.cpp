@@ -1,14 +1,16 @@
-// Tokens and security descriptors.
+// Tokens, security descriptors and random bytes.
 #include <windows.h>
-// Requires windows.h.
+// Require windows.h.
 #include <sddl.h>
 
+#include <sys/random.h>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 
 #include "tests/fakewindows/disk.h"
+#include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
-#include "tests/fakewindows/unusual.h"
 
 namespace nFakeWindows {
 namespace {
@@ -36,8 +38,8 @@ BOOL WINAPI GetTokenInformation(HANDLE token, TOKEN_INFORMATION_CLASS informatio
                                 DWORD size, LPDWORD needed) {
   const tInside inside;
   constexpr auto kCall = tCall::getTokenInformation;
-  expectUsual(token == GetCurrentThreadEffectiveToken() && information == TokenIntegrityLevel,
-              kCall, "only the integrity level of the calling thread is queried");
+  expectSupported(token == GetCurrentThreadEffectiveToken() && information == TokenIntegrityLevel,
+                  kCall, "only the integrity level of the calling thread is queried");
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return FALSE;
@@ -59,7 +61,7 @@ BOOL WINAPI ConvertStringSecurityDescriptorToSecurityDescriptorW(LPCWSTR text, D
                                                                  PULONG size) {
   const tInside inside;
   constexpr auto kCall = tCall::convertSecurityDescriptor;
-  expectUsual(revision == SDDL_REVISION_1 && size == nullptr, kCall, "the one revision");
+  expectSupported(revision == SDDL_REVISION_1 && size == nullptr, kCall, "the one revision");
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return FALSE;
@@ -103,4 +105,19 @@ BOOL WINAPI SetKernelObjectSecurity(HANDLE handle, SECURITY_INFORMATION parts,
   }
   disk().noteProtection({file->path.string(), textOf(descriptor), false, parts});
   return TRUE;
+}
+
+extern "C" {
+ssize_t __real_getrandom(void* bytes, size_t count, unsigned flags);
+ssize_t __wrap_getrandom(void* bytes, size_t count, unsigned flags);
+}
+
+ssize_t __wrap_getrandom(void* bytes, size_t count, unsigned flags) {
+  const tInside inside;
+  if (const auto error = faultPlan().enter(tCall::getRandom)) {
+    const bool isMemory = *error == ERROR_NOT_ENOUGH_MEMORY || *error == ERROR_NO_SYSTEM_RESOURCES;
+    errno = isMemory ? ENOMEM : EIO;
+    return -1;
+  }
+  return __real_getrandom(bytes, count, flags);
 }

@@ -10,6 +10,9 @@ struct tThreadEnd {
   DWORD exitCode;
 };
 
+// The priority with which later threads start.
+void startThreadsWithPriority(int priority);
+
 // References that the library holds to its own module.
 [[nodiscard]] int moduleReferences();
 

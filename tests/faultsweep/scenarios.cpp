@@ -17,8 +17,8 @@
 #include "source/user/attributes/unsignedtable.h"
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/builders/referencetable.h"
+#include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/processes.h"
-#include "tests/fakewindows/unusual.h"
 
 namespace nTests {
 namespace {

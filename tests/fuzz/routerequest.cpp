@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "tests/component/zoarkra/tscriptedroutingdevice.h"
-#include "tests/fakewindows/debuggeroutput.h"
+#include "tests/fakewindows/debugger.h"
 #include "zoapal/protons/status/exception.h"
 #include "zoarkra/arkroutingadaptorsession.h"
 

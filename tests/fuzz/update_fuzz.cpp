@@ -30,7 +30,6 @@
 #include "tests/fakewindows/machine.h"
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/processes.h"
-#include "tests/fakewindows/unusual.h"
 
 namespace {
 

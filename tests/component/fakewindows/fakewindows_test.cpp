@@ -116,7 +116,7 @@ TEST_F(FakeWindows, RequestThatIsPending_SignalsItsEventWhenItCompletes) {
 }
 
 TEST_F(FakeWindows, RequestTooFarGoneToBeCancelled_Completes) {
-  faultPlan().complete(tCompletion::tooFarGone);
+  faultPlan().complete(tCompletion::uncancellable);
   const HANDLE file = open();
   tExchange exchange(file);
   EXPECT_FALSE(CancelIoEx(file, &exchange.overlapped));

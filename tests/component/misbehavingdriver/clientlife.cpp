@@ -19,7 +19,6 @@
 #include "tests/fakewindows/com.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
-#include "tests/fakewindows/unusual.h"
 
 namespace nTests {
 namespace {

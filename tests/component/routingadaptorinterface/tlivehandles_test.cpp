@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/fakewindows/slimlocks.h"
+#include "tests/fakewindows/synchronization.h"
 
 namespace nTests {
 namespace {

@@ -11,7 +11,7 @@
 #include "source/user/update/foldername.h"
 #include "tests/builders/ttemporaryfolder.h"
 #include "tests/fakewindows/fakewindowstest.h"
-#include "tests/fakewindows/unusual.h"
+#include "tests/fakewindows/faultplan.h"
 
 namespace nTests {
 namespace {

@@ -5,7 +5,7 @@
 #include "tests/component/zoarkra/sessiontest.h"
 
 #ifndef _WIN32
-#include "tests/fakewindows/debuggeroutput.h"
+#include "tests/fakewindows/debugger.h"
 #endif
 
 namespace nTests {

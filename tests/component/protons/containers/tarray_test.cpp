@@ -6,7 +6,7 @@
 #include <vector>
 
 #ifndef _WIN32
-#include "tests/fakewindows/debuggeroutput.h"
+#include "tests/fakewindows/debugger.h"
 #endif
 
 namespace nTests {

@@ -5,7 +5,7 @@
 #include <unistd.h>
 #include <csignal>
 
-#include "tests/fakewindows/debuggeroutput.h"
+#include "tests/fakewindows/debugger.h"
 
 namespace nTests {
 namespace {

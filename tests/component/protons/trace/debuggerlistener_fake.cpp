@@ -1,6 +1,6 @@
 // Natively the fake Windows keeps the texts.
 #include "tests/component/protons/trace/debuggerlistener.h"
-#include "tests/fakewindows/debuggeroutput.h"
+#include "tests/fakewindows/debugger.h"
 
 namespace nTests {
 

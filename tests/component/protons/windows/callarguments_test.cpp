@@ -6,7 +6,7 @@
 
 #include "quenra_status.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
-#include "tests/fakewindows/exceptions.h"
+#include "tests/fakewindows/debugger.h"
 
 namespace nTests {
 namespace {

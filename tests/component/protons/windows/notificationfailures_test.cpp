@@ -1,6 +1,6 @@
 // Each Windows call of a notification fails in turn.
 #include "tests/component/protons/io_notification/notificationtest.h"
-#include "tests/fakewindows/debuggeroutput.h"
+#include "tests/fakewindows/debugger.h"
 
 namespace nTests {
 namespace {

@@ -146,7 +146,7 @@ TEST_F(DeviceInterfaceProxy, RequestThatFailsWhilePending_IsLocatedAtLine110) {
 
 TEST_F(DeviceInterfaceProxy, WaitThatFails_DoesNotLeaveTheRequestBehind) {
   open();
-  for (const tCompletion completion : {tCompletion::tooFarGone, tCompletion::never}) {
+  for (const tCompletion completion : {tCompletion::uncancellable, tCompletion::never}) {
     tStatus own;
     faultPlan().reset();
     faultPlan().complete(completion);

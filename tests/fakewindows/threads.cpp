@@ -1,14 +1,15 @@
-#include <process.h>
-#include <windows.h>
+#include "tests/fakewindows/threads.h"
 
+#include <windows.h>
+// Require windows.h.
+#include <process.h>
+
+#include <atomic>
 #include <string>
 #include <thread>
 
+#include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
-#include "tests/fakewindows/threads.h"
-#include "tests/fakewindows/unusual.h"
-
-using namespace nFakeWindows;
 
 namespace nFakeWindows {
 namespace {
@@ -16,6 +17,10 @@ namespace {
 int initialThreadPriority = THREAD_PRIORITY_NORMAL;
 DWORD nextThreadId = 100;
 thread_local DWORD currentThreadId = 1;
+thread_local DWORD lastError = 0;
+
+// References to the module of the library, which is the program itself.
+std::atomic<int> references = 0;
 
 }  // namespace
 
@@ -24,7 +29,13 @@ void startThreadsWithPriority(int priority) {
   initialThreadPriority = priority;
 }
 
+int moduleReferences() {
+  return references;
+}
+
 }  // namespace nFakeWindows
+
+using namespace nFakeWindows;
 
 namespace {
 
@@ -55,8 +66,8 @@ uintptr_t __cdecl _beginthreadex(void* security, unsigned stackSize,
                                  unsigned* id) {
   const tInside inside;
   constexpr auto kCall = tCall::beginThread;
-  expectUsual(security == nullptr && stackSize == 0 && flags == 0, kCall,
-              "only a plain thread can be started");
+  expectSupported(security == nullptr && stackSize == 0 && flags == 0, kCall,
+                  "only a plain thread can be started");
   // The C runtime sets errno; the last error may not be set.
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
@@ -94,7 +105,7 @@ int WINAPI GetThreadPriority(HANDLE handle) {
   }
   const std::lock_guard lock(objects().mutex);
   const tThread* const thread = objects().find<tThread>(handle);
-  expectUsual(thread != nullptr, kCall, "not a thread, or one that was closed");
+  expectSupported(thread != nullptr, kCall, "not a thread, or one that was closed");
   return thread->priority;
 }
 
@@ -107,7 +118,46 @@ BOOL WINAPI SetThreadPriority(HANDLE handle, int priority) {
   }
   const std::lock_guard lock(objects().mutex);
   tThread* const thread = objects().find<tThread>(handle);
-  expectUsual(thread != nullptr, kCall, "not a thread, or one that was closed");
+  expectSupported(thread != nullptr, kCall, "not a thread, or one that was closed");
   thread->priority = priority;
   return TRUE;
+}
+
+extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(bugprone-reserved-identifier)
+IMAGE_DOS_HEADER __ImageBase{};           // NOLINT(bugprone-reserved-identifier)
+
+BOOL WINAPI GetModuleHandleExA(DWORD flags, LPCSTR address, HMODULE* module) {
+  const tInside inside;
+  constexpr auto kCall = tCall::getModuleHandleEx;
+  expectSupported(flags == GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS &&
+                      address == reinterpret_cast<LPCSTR>(&__ImageBase),
+                  kCall, "the library takes references to its own module only");
+  if (const auto error = faultPlan().enter(kCall)) {
+    *module = nullptr;
+    SetLastError(*error);
+    return FALSE;
+  }
+  ++references;
+  *module = reinterpret_cast<HMODULE>(&__ImageBase);
+  return TRUE;
+}
+
+BOOL WINAPI FreeLibrary(HMODULE module) {
+  if (module != reinterpret_cast<HMODULE>(&__ImageBase) || --references < 0) {
+    stop("FreeLibrary", "not a module, or one without a reference");
+  }
+  return TRUE;
+}
+
+VOID WINAPI FreeLibraryAndExitThread(HMODULE module, DWORD exitCode) {
+  FreeLibrary(module);
+  throw tThreadEnd{exitCode};
+}
+
+DWORD WINAPI GetLastError(void) {
+  return lastError;
+}
+
+void WINAPI SetLastError(DWORD error) {
+  lastError = error;
 }

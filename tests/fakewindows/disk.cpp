@@ -8,8 +8,8 @@
 #include <system_error>
 
 #include "tests/fakewindows/disk.h"
+#include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
-#include "tests/fakewindows/unusual.h"
 
 namespace fs = std::filesystem;
 
@@ -137,7 +137,7 @@ bool listNext(tDiskFile& folder, void* out, DWORD size) {
     const std::u16string name = folder.names.front();
     const size_t length = name.size() * sizeof(WCHAR);
     const size_t needed = (sizeof(FILE_ID_BOTH_DIR_INFO) + length + 7) / 8 * 8;
-    expectUsual(needed <= size, tCall::getFileInformationEx, "a buffer for one name at least");
+    expectSupported(needed <= size, tCall::getFileInformationEx, "a buffer for one name at least");
     FILE_ID_BOTH_DIR_INFO entry{};
     entry.FileNameLength = static_cast<DWORD>(length);
     entry.NextEntryOffset = left == 1 ? 0 : static_cast<DWORD>(needed);
@@ -233,9 +233,9 @@ using namespace nFakeWindows;
 BOOL WINAPI CreateDirectoryW(LPCWSTR name, LPSECURITY_ATTRIBUTES security) {
   const tInside inside;
   constexpr auto kCall = tCall::createDirectory;
-  expectUsual(name != nullptr && security != nullptr && security->nLength == sizeof *security &&
-                  !security->bInheritHandle,
-              kCall, "a folder is created with a security descriptor");
+  expectSupported(name != nullptr && security != nullptr && security->nLength == sizeof *security &&
+                      !security->bInheritHandle,
+                  kCall, "a folder is created with a security descriptor");
   if (const auto error = faultPlan().enter(kCall)) {
     return fail(*error);
   }
@@ -252,9 +252,9 @@ HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD sharing, LPSECURITY_
                           DWORD creation, DWORD flags, HANDLE templateFile) {
   const tInside inside;
   constexpr auto kCall = tCall::createDiskFile;
-  expectUsual(name != nullptr && security == nullptr && templateFile == nullptr &&
-                  creation == OPEN_EXISTING,
-              kCall, "only what exists is opened");
+  expectSupported(name != nullptr && security == nullptr && templateFile == nullptr &&
+                      creation == OPEN_EXISTING,
+                  kCall, "only what exists is opened");
   const bool mayBeFolder = (flags & FILE_FLAG_BACKUP_SEMANTICS) != 0;
   const bool keepsLink = (flags & FILE_FLAG_OPEN_REPARSE_POINT) != 0;
   if (const auto error = faultPlan().enter(kCall, mayBeFolder ? "folder" : "file")) {
@@ -301,7 +301,7 @@ BOOL WINAPI GetFileInformationByHandleEx(HANDLE handle, FILE_INFO_BY_HANDLE_CLAS
                                          LPVOID out, DWORD size) {
   const tInside inside;
   constexpr auto kCall = tCall::getFileInformationEx;
-  expectUsual(information == FileIdBothDirectoryInfo, kCall, "only folders are listed");
+  expectSupported(information == FileIdBothDirectoryInfo, kCall, "only folders are listed");
   if (const auto error = faultPlan().enter(kCall)) {
     return fail(*error);
   }
@@ -324,9 +324,9 @@ BOOL WINAPI SetFileInformationByHandle(HANDLE handle, FILE_INFO_BY_HANDLE_CLASS 
     return changeAttributes(file, static_cast<const FILE_BASIC_INFO*>(in)->FileAttributes);
   }
   const bool isExtended = information == kDispositionEx;
-  expectUsual((isExtended && size == sizeof(DWORD)) ||
-                  (information == FileDispositionInfo && size == sizeof(FILE_DISPOSITION_INFO)),
-              kCall, "attributes and deletion only");
+  expectSupported((isExtended && size == sizeof(DWORD)) ||
+                      (information == FileDispositionInfo && size == sizeof(FILE_DISPOSITION_INFO)),
+                  kCall, "attributes and deletion only");
   if (isExtended && !disk().knowsExtendedDisposition()) {
     return fail(ERROR_INVALID_PARAMETER);
   }
@@ -342,7 +342,7 @@ BOOL WINAPI SetFileInformationByHandle(HANDLE handle, FILE_INFO_BY_HANDLE_CLASS 
 DWORD WINAPI GetFinalPathNameByHandleW(HANDLE handle, LPWSTR out, DWORD capacity, DWORD flags) {
   const tInside inside;
   constexpr auto kCall = tCall::getFinalPathName;
-  expectUsual(flags == (FILE_NAME_OPENED | VOLUME_NAME_NT), kCall, "the name below the device");
+  expectSupported(flags == (FILE_NAME_OPENED | VOLUME_NAME_NT), kCall, "the name below the device");
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return 0;
@@ -355,23 +355,4 @@ DWORD WINAPI GetFinalPathNameByHandleW(HANDLE handle, LPWSTR out, DWORD capacity
   std::copy(name.begin(), name.end(), reinterpret_cast<char16_t*>(out));
   out[name.size()] = 0;
   return static_cast<DWORD>(name.size());
-}
-
-INT WINAPI CompareStringOrdinal(LPCWSTR left, INT leftLength, LPCWSTR right, INT rightLength,
-                                BOOL ignoresCase) {
-  const tInside inside;
-  constexpr auto kCall = tCall::compareStringOrdinal;
-  expectUsual(ignoresCase && leftLength >= 0 && rightLength >= 0, kCall,
-              "texts of a given length, without regard to case");
-  if (const auto error = faultPlan().enter(kCall)) {
-    SetLastError(*error);
-    return 0;
-  }
-  const auto upper = [](WCHAR character) {
-    return character >= 'a' && character <= 'z' ? character - ('a' - 'A') : int{character};
-  };
-  const auto order = std::lexicographical_compare_three_way(
-      left, left + leftLength, right, right + rightLength,
-      [upper](WCHAR one, WCHAR other) { return upper(one) <=> upper(other); });
-  return std::is_lt(order) ? CSTR_LESS_THAN : std::is_gt(order) ? CSTR_GREATER_THAN : CSTR_EQUAL;
 }

@@ -1,15 +1,34 @@
+#include "tests/fakewindows/debugger.h"
+
 #include <windows.h>
 
+#include <unistd.h>
 #include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <cstdio>
 #include <mutex>
 #include <utility>
 #include <vector>
 
-#include "tests/fakewindows/exceptions.h"
-#include "tests/fakewindows/unusual.h"
+#include "tests/fakewindows/faultplan.h"
 
 namespace nFakeWindows {
 namespace {
+
+struct tDebuggerOutput {
+  std::mutex mutex;
+  std::vector<std::string> texts;
+  bool shown = false;
+};
+
+constinit std::atomic<bool> debuggerIsPresent = false;
+
+tDebuggerOutput& output() {
+  // Never destroyed: a text may be written while the program ends.
+  static tDebuggerOutput& theOutput = *new tDebuggerOutput;
+  return theOutput;
+}
 
 // Guards both lists below.
 std::mutex exceptionsMutex;
@@ -24,6 +43,20 @@ std::vector<tRaisedException>& raised() {
 
 }  // namespace
 
+std::vector<std::string> takeDebuggerOutput() {
+  const std::lock_guard lock(output().mutex);
+  return std::exchange(output().texts, {});
+}
+
+void showDebuggerOutput() {
+  const std::lock_guard lock(output().mutex);
+  output().shown = true;
+}
+
+void attachDebugger() {
+  debuggerIsPresent = true;
+}
+
 std::vector<tRaisedException> takeRaisedExceptions() {
   const std::lock_guard lock(exceptionsMutex);
   return std::exchange(raised(), {});
@@ -32,6 +65,35 @@ std::vector<tRaisedException> takeRaisedExceptions() {
 }  // namespace nFakeWindows
 
 using namespace nFakeWindows;
+
+void WINAPI OutputDebugStringA(LPCSTR text) {
+  const tInside inside;
+  const std::lock_guard lock(output().mutex);
+  output().texts.emplace_back(text);
+  if (output().shown) {
+    std::fputs(text, stderr);
+  }
+}
+
+BOOL WINAPI IsDebuggerPresent(void) {
+  return debuggerIsPresent ? TRUE : FALSE;
+}
+
+void WINAPI DebugBreak(void) {
+  static_cast<void>(std::raise(SIGTRAP));
+}
+
+HANDLE WINAPI GetCurrentProcess(void) {
+  return reinterpret_cast<HANDLE>(~uintptr_t{0});
+}
+
+// Parent processes see the low eight bits of an exit code only.
+BOOL WINAPI TerminateProcess(HANDLE process, UINT exitCode) {
+  if (process != GetCurrentProcess()) {
+    stop("TerminateProcess", "only the process itself can be ended");
+  }
+  _exit(static_cast<int>(exitCode & 0xFF));
+}
 
 PVOID WINAPI AddVectoredExceptionHandler(ULONG, PVECTORED_EXCEPTION_HANDLER handler) {
   const tInside inside;

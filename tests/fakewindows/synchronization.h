@@ -1,7 +1,10 @@
-#ifndef TESTS_FAKEWINDOWS_SLIMLOCKS_H
-#define TESTS_FAKEWINDOWS_SLIMLOCKS_H
+#ifndef TESTS_FAKEWINDOWS_SYNCHRONIZATION_H
+#define TESTS_FAKEWINDOWS_SYNCHRONIZATION_H
 
 namespace nFakeWindows {
+
+// The number of critical sections that exist.
+[[nodiscard]] int criticalSections();
 
 // Acquisitions of slim reader/writer locks since the program started.
 struct tSlimLockCounts {

@@ -1,6 +1,7 @@
-#ifndef TESTS_FAKEWINDOWS_DEBUGGEROUTPUT_H
-#define TESTS_FAKEWINDOWS_DEBUGGEROUTPUT_H
+#ifndef TESTS_FAKEWINDOWS_DEBUGGER_H
+#define TESTS_FAKEWINDOWS_DEBUGGER_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,16 @@ void showDebuggerOutput();
 
 // Makes IsDebuggerPresent report a debugger for the rest of the process.
 void attachDebugger();
+
+// A call of RaiseException.
+struct tRaisedException {
+  uint32_t code;
+  uint32_t flags;
+  std::vector<uintptr_t> arguments;
+};
+
+// Returns and removes the exceptions raised since the last call. Any thread.
+[[nodiscard]] std::vector<tRaisedException> takeRaisedExceptions();
 
 }  // namespace nFakeWindows
 

@@ -1,6 +1,7 @@
-#include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/processes.h"
-#include "tests/fakewindows/unusual.h"
+
+#include "tests/fakewindows/faultplan.h"
+#include "tests/fakewindows/objects.h"
 
 namespace nFakeWindows {
 
@@ -48,7 +49,7 @@ using namespace nFakeWindows;
 DWORD WINAPI GetFileAttributesA(LPCSTR path) {
   const tInside inside;
   constexpr auto kCall = tCall::getFileAttributes;
-  expectUsual(path != nullptr, kCall, "no path");
+  expectSupported(path != nullptr, kCall, "no path");
   if (const auto error = faultPlan().enter(kCall, path)) {
     SetLastError(*error);
     return INVALID_FILE_ATTRIBUTES;
@@ -66,10 +67,12 @@ BOOL WINAPI CreateProcessA(LPCSTR path, LPSTR commandLine, LPSECURITY_ATTRIBUTES
                            LPPROCESS_INFORMATION started) {
   const tInside inside;
   constexpr auto kCall = tCall::createProcess;
-  expectUsual(path != nullptr && commandLine != nullptr, kCall, "a program and its command line");
-  expectUsual(processSecurity == nullptr && threadSecurity == nullptr && environment == nullptr &&
-                  folder == nullptr && startup->cb == sizeof *startup && startup->dwFlags == 0,
-              kCall, "everything else is the caller's own");
+  expectSupported(path != nullptr && commandLine != nullptr, kCall,
+                  "a program and its command line");
+  expectSupported(processSecurity == nullptr && threadSecurity == nullptr &&
+                      environment == nullptr && folder == nullptr &&
+                      startup->cb == sizeof *startup && startup->dwFlags == 0,
+                  kCall, "everything else is the caller's own");
   if (const auto error = faultPlan().enter(kCall, path)) {
     SetLastError(*error);
     return FALSE;
