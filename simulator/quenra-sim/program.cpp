@@ -6,7 +6,7 @@
 #include "simulator/control/tsimulatedmachine.h"
 #include "simulator/quenra-sim/verbs/usagefault.h"
 #include "simulator/quenra-sim/verbs/verb.h"
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nSimulator {
 namespace {

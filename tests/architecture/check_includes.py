@@ -23,7 +23,7 @@ MAY_CALL_WINDOWS = (
     "source/user/update/driverpackage.cpp", "simulator/driver/", "simulator/managementservice/",
     "simulator/driverstore/", "simulator/scenario/",
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
-    "tools/quenra/interruption/", "tools/quenra/firmware/files.cpp",
+    "tools/quenra/firmware/files.cpp",
     "tools/quenra/reading/tquenralibrary.cpp", "tools/quenra/update/tupdatefacts.cpp",
     "tools/quenra/update/tupdatelock.cpp",
     "tests/",

@@ -3,11 +3,9 @@
 #include <span>
 #include <string_view>
 
-#include "tools/quenra/exitcode.h"
 #include "tools/quenra/grammar/parser.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/systemreason.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/streams.h"
 #include "tools/quenra/verbs/verbcontext.h"
 
 namespace nCommandLine {

@@ -7,6 +7,7 @@
 #include <shellapi.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -17,12 +18,12 @@
 #include <vector>
 
 #include "tools/quenra/commandline.h"
-#include "tools/quenra/interruption/tconsoleinterruption.h"
+#include "tools/quenra/output/waiting.h"
 #include "tools/quenra/reading/tquenralibrary.h"
 #include "tools/quenra/routing/tquenrarouting.h"
+#include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/update/tupdatefacts.h"
 #include "tools/quenra/update/tupdatelock.h"
-#include "tools/quenra/utf16word.h"
 
 namespace {
 
@@ -85,6 +86,25 @@ class tConsole {
   bool takesStyles_ = false;
 };
 
+// Ctrl-C, Ctrl-Break, a closed console, log-off and shutdown.
+class tConsoleInterruption final : public nCommandLine::iInterruption {
+ public:
+  void await() noexcept override { SetConsoleCtrlHandler(handleEvent, TRUE); }
+  [[nodiscard]] bool hasCome() noexcept override { return occurred_; }
+
+ private:
+  // Runs on a thread of the system. Windows ends the process when this returns from a close event.
+  static BOOL WINAPI handleEvent(DWORD event) {
+    occurred_ = true;
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+      Sleep(INFINITE);
+    }
+    return TRUE;
+  }
+
+  static inline std::atomic<bool> occurred_{false};
+};
+
 struct tLocalFree {
   void operator()(LPWSTR* memory) const noexcept { LocalFree(memory); }
 };
@@ -119,7 +139,7 @@ int main() {
   nCommandLine::tQuenraLibrary library;
   nCommandLine::tQuenraRouting routing;
   nCommandLine::tUpdateFacts updateFacts;
-  nCommandLine::tConsoleInterruption interruption;
+  tConsoleInterruption interruption;
   nCommandLine::tUpdateLock updateLock;
   const std::vector<std::string> words = commandLineWords();
   std::vector<const char*> pointers;

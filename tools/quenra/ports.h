@@ -1,7 +1,7 @@
 #ifndef TOOLS_QUENRA_PORTS_H
 #define TOOLS_QUENRA_PORTS_H
 
-#include "tools/quenra/interruption/iinterruption.h"
+#include "tools/quenra/output/waiting.h"
 #include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/routing/irouting.h"
 #include "tools/quenra/update/iupdatefacts.h"

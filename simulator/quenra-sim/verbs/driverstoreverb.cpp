@@ -6,7 +6,7 @@
 #include "simulator/quenra-sim/verbs/json.h"
 #include "simulator/quenra-sim/verbs/verb.h"
 #include "simulator/scenario/driverstore.h"
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nSimulator {
 namespace {

@@ -7,7 +7,7 @@
 #include <iostream>
 #include <string>
 
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nSimulator {
 

@@ -1,5 +1,5 @@
 #include "tests/component/commandline/commandlinetest.h"
-#include "tools/quenra/catalogue/attributecatalogue.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nTests {
 namespace {

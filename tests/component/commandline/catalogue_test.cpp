@@ -4,8 +4,8 @@
 #include <set>
 
 #include "tests/component/commandline/repositoryfile.h"
-#include "tools/quenra/catalogue/attributelookup.h"
-#include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/tables/attributetable.h"
+#include "tools/quenra/tables/statustable.h"
 
 namespace nTests {
 namespace {

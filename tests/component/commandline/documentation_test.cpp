@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "tests/component/commandline/repositoryfile.h"
-#include "tools/quenra/catalogue/attributelookup.h"
-#include "tools/quenra/catalogue/numbertext.h"
-#include "tools/quenra/exitcode.h"
 #include "tools/quenra/grammar/synopsis.h"
 #include "tools/quenra/grammar/verbtable.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/tables/attributetable.h"
+#include "tools/quenra/text/numbertext.h"
 
 namespace nTests {
 namespace {

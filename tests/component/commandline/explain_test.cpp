@@ -1,5 +1,5 @@
 #include "tests/component/commandline/commandlinetest.h"
-#include "tools/quenra/catalogue/statuscatalogue.h"
+#include "tools/quenra/tables/statustable.h"
 
 namespace nTests {
 namespace {

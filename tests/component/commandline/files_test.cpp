@@ -7,7 +7,7 @@
 #include <functional>
 
 #include "tests/component/commandline/temporaryfolder.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/diagnostics.h"
 
 #ifndef _WIN32
 #include <unistd.h>

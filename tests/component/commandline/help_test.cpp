@@ -1,7 +1,7 @@
 #include "quenra_version.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tools/quenra/exitcode.h"
 #include "tools/quenra/grammar/verbtable.h"
+#include "tools/quenra/output/diagnostics.h"
 
 namespace nTests {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "quenra_attributes.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tools/quenra/catalogue/attributecatalogue.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nTests {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/quenra/catalogue/numbertext.h"
+#include "tools/quenra/text/numbertext.h"
 
 #include <gtest/gtest.h>
 

@@ -17,7 +17,7 @@
 #include "tests/component/commandline/tscriptedlock.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/commandline.h"
-#include "tools/quenra/output/systemreason.h"
+#include "tools/quenra/output/streams.h"
 
 namespace nTests {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/quenra/catalogue/suggestion.h"
+#include "tools/quenra/text/names.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <thread>
 
-#include "tools/quenra/interruption/iinterruption.h"
+#include "tools/quenra/output/waiting.h"
 
 namespace nTests {
 

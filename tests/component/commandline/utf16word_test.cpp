@@ -1,8 +1,6 @@
-#include "tools/quenra/utf16word.h"
+#include "tools/quenra/text/utf8text.h"
 
 #include <gtest/gtest.h>
-
-#include "tools/quenra/output/utf8text.h"
 
 namespace nTests {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/text/utf8text.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tools/quenra/catalogue/attributelookup.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nTests {
 namespace {

@@ -18,10 +18,10 @@
 #include <fcntl.h>
 #endif
 
-#include "tools/quenra/catalogue/numbertext.h"
-#include "tools/quenra/output/systemreason.h"
-#include "tools/quenra/output/utf8text.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/streams.h"
+#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

@@ -12,7 +12,7 @@
 #include "source/user/firmware/tsectionheaders.h"
 #include "tools/quenra/firmware/sectionfault.h"
 #include "tools/quenra/firmware/sectionremark.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/diagnostics.h"
 
 namespace nCommandLine {
 

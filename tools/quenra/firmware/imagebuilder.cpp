@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "source/user/firmware/decoding/selection.h"
-#include "tools/quenra/catalogue/numbertext.h"
+#include "tools/quenra/text/numbertext.h"
 
 namespace nCommandLine {
 namespace {

@@ -6,7 +6,7 @@
 #include <iterator>
 
 #include "quenra_status.h"
-#include "tools/quenra/catalogue/statuslookup.h"
+#include "tools/quenra/tables/statustable.h"
 
 namespace nCommandLine {
 namespace {

@@ -1,9 +1,9 @@
 #include "tools/quenra/firmware/sectionoutput.h"
 
-#include "tools/quenra/catalogue/numbertext.h"
-#include "tools/quenra/catalogue/statuslookup.h"
 #include "tools/quenra/output/table.h"
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/tables/statustable.h"
+#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

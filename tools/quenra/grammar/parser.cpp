@@ -5,11 +5,11 @@
 #include <iterator>
 #include <vector>
 
-#include "tools/quenra/catalogue/suggestion.h"
 #include "tools/quenra/grammar/synopsis.h"
 #include "tools/quenra/grammar/verbtable.h"
 #include "tools/quenra/grammar/words.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/text/names.h"
 
 namespace nCommandLine {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/quenra/exitcode.h"
+#include "tools/quenra/output/diagnostics.h"
 
 namespace nCommandLine {
 

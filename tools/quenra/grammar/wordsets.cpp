@@ -1,10 +1,10 @@
 #include "tools/quenra/grammar/wordsets.h"
 
-#include "tools/quenra/catalogue/attributecatalogue.h"
-#include "tools/quenra/catalogue/statuscatalogue.h"
 #include "tools/quenra/catalogue/terminalcatalogue.h"
 #include "tools/quenra/completion/shells.h"
 #include "tools/quenra/grammar/verbtable.h"
+#include "tools/quenra/tables/attributetable.h"
+#include "tools/quenra/tables/statustable.h"
 
 namespace nCommandLine {
 namespace {

@@ -1,8 +1,9 @@
 #include "tools/quenra/output/diagnostics.h"
 
-#include "tools/quenra/catalogue/statuslookup.h"
-#include "tools/quenra/catalogue/suggestion.h"
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/output/tjsondocument.h"
+#include "tools/quenra/tables/statustable.h"
+#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

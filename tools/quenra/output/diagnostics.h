@@ -1,17 +1,119 @@
-// Messages for the error stream, and the error document that --json prints.
+// The result of a command: its exit code, its warnings, and the error that ended it; how they are
+// printed, and written to the document that --json prints.
 #ifndef TOOLS_QUENRA_OUTPUT_DIAGNOSTICS_H
 #define TOOLS_QUENRA_OUTPUT_DIAGNOSTICS_H
 
+#include <cstdint>
+#include <optional>
 #include <ostream>
 #include <span>
+#include <stdexcept>
+#include <string>
 #include <string_view>
-
-#include "tools/quenra/output/tjsondocument.h"
-#include "tools/quenra/output/warning.h"
-#include "tools/quenra/tcommanderror.h"
+#include <utility>
+#include <vector>
 
 namespace nCommandLine {
 
+class tJsonDocument;
+
+enum class tExitCode : uint8_t {
+  done = 0,
+  failure = 1,
+  wrongUsage = 2,
+  notSupported = 3,
+  noController = 4,
+  // Not `failure`: a script that repeats a failed command would change the machine a second time.
+  outputFailedAfterChange = 5,
+};
+
+struct tExitCodeRow {
+  tExitCode code;
+  std::string_view meaning;
+};
+
+// The exit codes that the help and the guide document. Scripts rely on them.
+inline constexpr tExitCodeRow kExitCodes[] = {
+    {tExitCode::done, "done"},
+    {tExitCode::failure,
+     "the library reported a failure, an image has a fault, or a file or the output cannot be "
+     "used"},
+    {tExitCode::wrongUsage, "wrong usage"},
+    {tExitCode::notSupported, "not supported on this machine"},
+    {tExitCode::noController, "no controller could be reached"},
+    {tExitCode::outputFailedAfterChange,
+     "the machine was changed, but the output could not be written"},
+};
+
+[[nodiscard]] constexpr int exitNumber(tExitCode code) noexcept {
+  return static_cast<int>(code);
+}
+
+// An operation of the library that succeeded with a positive code.
+struct tWarning {
+  std::string about;  // the operation: "the update"
+  int32_t code;
+};
+
+// Meaning and remedy of a status code at the site that reported it. They replace the texts of the
+// status table, which cover every site of the code; an empty text keeps that of the table.
+struct tSiteExplanation {
+  std::string meaning;
+  std::string advice;
+};
+
+// Another client's route that blocks a reservation.
+struct tRouteHolder {
+  uint64_t session;
+  uint32_t ticket;
+  bool operator==(const tRouteHolder&) const = default;
+};
+
+// Ends a verb without an answer. The command line reports it, as text and as JSON.
+class tCommandError : public std::runtime_error {
+ public:
+  // `what()` is one sentence about the operation that failed. `status` is the library's code if the
+  // library failed; the advice is then the explanation of the code.
+  tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status)
+      : std::runtime_error(what), exitCode_(exitCode), status_(status) {}
+  // As above, with the explanation of the site that reported the status.
+  tCommandError(tExitCode exitCode, const std::string& what, int32_t status, tSiteExplanation site)
+      : std::runtime_error(what), exitCode_(exitCode), status_(status), site_(std::move(site)) {}
+  // As above, with additional advice of the program after that of the status.
+  tCommandError(tExitCode exitCode, const std::string& what, std::optional<int32_t> status,
+                std::string advice)
+      : std::runtime_error(what),
+        exitCode_(exitCode),
+        status_(status),
+        advice_(std::move(advice)) {}
+  // Wrong usage. `suggestions` are words that the user may have meant.
+  tCommandError(const std::string& what, std::string advice, std::vector<std::string> suggestions)
+      : std::runtime_error(what),
+        exitCode_(tExitCode::wrongUsage),
+        advice_(std::move(advice)),
+        suggestions_(std::move(suggestions)) {}
+
+  [[nodiscard]] tExitCode exitCode() const noexcept { return exitCode_; }
+  [[nodiscard]] std::optional<int32_t> status() const noexcept { return status_; }
+  // Empty if the status table explains the status.
+  [[nodiscard]] const std::optional<tSiteExplanation>& site() const noexcept { return site_; }
+  [[nodiscard]] const std::vector<tRouteHolder>& holders() const noexcept { return holders_; }
+  void setHolders(std::vector<tRouteHolder> holders) { holders_ = std::move(holders); }
+  [[nodiscard]] const std::string& advice() const noexcept { return advice_; }
+  [[nodiscard]] const std::vector<std::string>& suggestions() const noexcept {
+    return suggestions_;
+  }
+
+ private:
+  tExitCode exitCode_;
+  std::optional<int32_t> status_;
+  std::optional<tSiteExplanation> site_;
+  std::string advice_;
+  std::vector<tRouteHolder> holders_;
+  std::vector<std::string> suggestions_;
+};
+
+// Print on the error stream.
 void printError(std::ostream& stream, const tCommandError& error);
 void printWarnings(std::ostream& stream, std::span<const tWarning> warnings);
 

@@ -1,7 +1,7 @@
 #include "tools/quenra/output/readingjson.h"
 
-#include "tools/quenra/catalogue/numbertext.h"
 #include "tools/quenra/output/valuetext.h"
+#include "tools/quenra/text/numbertext.h"
 
 namespace nCommandLine {
 namespace {

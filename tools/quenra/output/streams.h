@@ -1,12 +1,40 @@
+// The streams of a command, and the reasons for which writing to one, or to a file, fails.
 #ifndef TOOLS_QUENRA_OUTPUT_STREAMS_H
 #define TOOLS_QUENRA_OUTPUT_STREAMS_H
 
+#include <array>
+#include <functional>
 #include <ostream>
+#include <streambuf>
 #include <string>
-
-#include "tools/quenra/output/toutputbuffer.h"
+#include <string_view>
+#include <system_error>
 
 namespace nCommandLine {
+
+// The buffer of the standard output. Unlike the buffers of the C++ library it keeps the system's
+// reason of a failure, for the message at the end of the program.
+class tOutputBuffer final : public std::streambuf {
+ public:
+  // Writes all bytes; returns the system's reason on failure. Must not throw.
+  using tWrite = std::function<std::error_code(std::string_view bytes)>;
+
+  explicit tOutputBuffer(tWrite write);
+
+  // The first failure, or clear. The buffer writes nothing after a failure.
+  [[nodiscard]] const std::error_code& failure() const noexcept { return failure_; }
+
+ protected:
+  int_type overflow(int_type character) override;
+  int sync() override;
+
+ private:
+  static constexpr size_t kCapacity = 4096;
+
+  tWrite write_;
+  std::error_code failure_;
+  std::array<char, kCapacity> bytes_{};
+};
 
 // The streams of a command: answers go to `out`, everything else to `error`.
 struct tStreams {
@@ -20,6 +48,13 @@ struct tStreams {
   // Reported if the output fails, so that the caller does not repeat the change.
   std::string appliedChange = {};
 };
+
+// The system's reason for a failed operation on a file or a stream, to end a message with:
+// "no such file". The same phrase for the same reason, on every system and for every verb.
+[[nodiscard]] std::string reasonOf(const std::error_code& error);
+
+// True if the reader of a pipe has closed its end.
+[[nodiscard]] bool isClosedPipe(const std::error_code& error) noexcept;
 
 }  // namespace nCommandLine
 

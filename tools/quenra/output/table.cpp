@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

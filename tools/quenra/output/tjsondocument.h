@@ -9,8 +9,7 @@
 #include <span>
 #include <string_view>
 
-#include "tools/quenra/exitcode.h"
-#include "tools/quenra/output/warning.h"
+#include "tools/quenra/output/diagnostics.h"
 
 namespace nCommandLine {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "tools/quenra/catalogue/numbertext.h"
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

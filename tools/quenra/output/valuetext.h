@@ -4,17 +4,17 @@
 #include <string>
 #include <string_view>
 
-#include "tools/quenra/catalogue/attributerow.h"
 #include "tools/quenra/reading/reading.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nCommandLine {
 
-// `row` is null for an attribute that is not in the catalogue.
+// `row` is null for an attribute that is not in the table.
 
 // The value alone, for scripts: a text, or a decimal number.
 [[nodiscard]] std::string plainValue(const tAttributeValue& value);
 
-// The value for people: with its unit, and with the name that the catalogue has for a number.
+// The value for people: with its unit, and with the name of a number.
 [[nodiscard]] std::string shownValue(const tAttributeRow* row, const tAttributeValue& value);
 
 // The unit of the number itself; empty if it has none.

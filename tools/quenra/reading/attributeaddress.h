@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "tools/quenra/catalogue/attributerow.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nCommandLine {
 

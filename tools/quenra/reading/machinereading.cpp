@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <map>
 
-#include "tools/quenra/catalogue/attributecatalogue.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nCommandLine {
 namespace {
@@ -22,8 +22,7 @@ bool isNamedProcessor(const tController& controller, uint8_t processor) {
 
 uint32_t countNamedProcessors(const tController& controller) {
   uint32_t count = 0;
-  while (count < nInstances::kInstanceLimit &&
-         isNamedProcessor(controller, static_cast<uint8_t>(count))) {
+  while (count < kInstanceLimit && isNamedProcessor(controller, static_cast<uint8_t>(count))) {
     ++count;
   }
   return count;

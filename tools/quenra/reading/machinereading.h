@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "tools/quenra/catalogue/attributerow.h"
 #include "tools/quenra/reading/tcontroller.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nCommandLine {
 
@@ -19,7 +19,7 @@ struct tAttributeReadings {
 // The number of instances on this machine, limited to those that the library serves.
 [[nodiscard]] uint32_t countInstances(const tController& controller, const tInstanceRow& instances);
 
-// Reads the complete catalogue, in its order.
+// Reads every attribute of the table, in its order.
 [[nodiscard]] std::vector<tAttributeReadings> readMachine(const tController& controller);
 
 }  // namespace nCommandLine

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/routing/troutingsession.h"
-#include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
 

@@ -1,6 +1,6 @@
 #include "tools/quenra/routing/routeoutput.h"
 
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 

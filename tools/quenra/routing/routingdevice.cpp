@@ -1,7 +1,7 @@
 #include "tools/quenra/routing/routingdevice.h"
 
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/reading/readattribute.h"
-#include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
 namespace {

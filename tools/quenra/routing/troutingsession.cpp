@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/routing/answers.h"
-#include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/quenra/output/warning.h"
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/routing/irouting.h"
 #include "tools/quenra/routing/tdemotions.h"
 

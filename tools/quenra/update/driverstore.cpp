@@ -4,7 +4,7 @@
 #include <cctype>
 
 #include "quenra_status.h"
-#include "tools/quenra/output/systemreason.h"
+#include "tools/quenra/output/streams.h"
 
 namespace nCommandLine {
 namespace {

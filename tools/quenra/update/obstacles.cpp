@@ -4,8 +4,8 @@
 #include <iterator>
 
 #include "quenra_status.h"
-#include "tools/quenra/catalogue/statuslookup.h"
 #include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/update/driverstore.h"
 
 namespace nCommandLine {

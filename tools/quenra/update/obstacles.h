@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/quenra/exitcode.h"
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/update/iupdatefacts.h"
 #include "tools/quenra/update/updateplan.h"
 

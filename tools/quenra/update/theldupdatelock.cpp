@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "tools/quenra/output/systemreason.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/streams.h"
 
 namespace nCommandLine {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <ostream>
 
-#include "tools/quenra/interruption/iinterruption.h"
+#include "tools/quenra/output/waiting.h"
 #include "tools/quenra/update/iupdatelock.h"
 
 namespace nCommandLine {

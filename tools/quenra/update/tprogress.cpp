@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <future>
 
-#include "tools/quenra/output/elapsedtext.h"
-#include "tools/quenra/output/tstopwatch.h"
+#include "tools/quenra/output/waiting.h"
 
 namespace nCommandLine {
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <functional>
 
-#include "tools/quenra/interruption/iinterruption.h"
 #include "tools/quenra/output/streams.h"
+#include "tools/quenra/output/waiting.h"
 
 namespace nCommandLine {
 

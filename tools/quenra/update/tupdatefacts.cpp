@@ -12,7 +12,7 @@
 #include "source/user/preconditions/driveencryption.h"
 #include "source/user/update/driverpackage.h"
 #include "tools/quenra/firmware/sectionfault.h"
-#include "tools/quenra/utf16word.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

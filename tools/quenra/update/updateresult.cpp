@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "quenra_status.h"
-#include "tools/quenra/catalogue/statuslookup.h"
-#include "tools/quenra/output/systemreason.h"
+#include "tools/quenra/output/streams.h"
+#include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/update/driverstore.h"
 
 namespace nCommandLine {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/update/iupdatefacts.h"
 #include "tools/quenra/update/updateplan.h"
 

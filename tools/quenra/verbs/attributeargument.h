@@ -3,14 +3,14 @@
 
 #include <string>
 
-#include "tools/quenra/catalogue/attributerow.h"
 #include "tools/quenra/grammar/arguments.h"
 #include "tools/quenra/reading/attributeaddress.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nCommandLine {
 
 struct tWantedAttribute {
-  const tAttributeRow* row;  // null for an id outside the catalogue, which the driver may support
+  const tAttributeRow* row;  // null for an id outside the table, which the driver may support
   tAttributeAddress address;
 
   // "memory-size", or the id of an attribute without a name.

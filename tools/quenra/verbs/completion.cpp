@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/quenra/catalogue/suggestion.h"
 #include "tools/quenra/completion/shells.h"
 #include "tools/quenra/grammar/words.h"
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/tjsondocument.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/text/names.h"
 
 namespace nCommandLine {
 namespace {

@@ -1,11 +1,11 @@
 #include "tools/quenra/verbs/explain.h"
 
-#include "tools/quenra/catalogue/numbertext.h"
-#include "tools/quenra/catalogue/statuslookup.h"
 #include "tools/quenra/grammar/words.h"
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/output/tjsondocument.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/tables/statustable.h"
+#include "tools/quenra/text/numbertext.h"
 
 namespace nCommandLine {
 namespace {

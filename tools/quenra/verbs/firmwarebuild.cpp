@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <iterator>
 
-#include "tools/quenra/catalogue/numbertext.h"
-#include "tools/quenra/catalogue/suggestion.h"
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/imagebuilder.h"
 #include "tools/quenra/firmware/sectionoutput.h"
 #include "tools/quenra/grammar/words.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/numbertext.h"
 
 namespace nCommandLine {
 namespace {

@@ -1,8 +1,8 @@
 #ifndef TOOLS_QUENRA_VERBS_GET_H
 #define TOOLS_QUENRA_VERBS_GET_H
 
-#include "tools/quenra/exitcode.h"
 #include "tools/quenra/grammar/arguments.h"
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/verbs/verbcontext.h"
 
 namespace nCommandLine {

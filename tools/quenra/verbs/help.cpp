@@ -3,8 +3,8 @@
 #include "tools/quenra/grammar/helptext.h"
 #include "tools/quenra/grammar/words.h"
 #include "tools/quenra/manual/manualpage.h"
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/tjsondocument.h"
-#include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
 namespace {

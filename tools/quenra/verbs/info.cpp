@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "tools/quenra/catalogue/attributecatalogue.h"
-#include "tools/quenra/catalogue/statuslookup.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/readingjson.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/output/valuetext.h"
 #include "tools/quenra/reading/machinereading.h"
+#include "tools/quenra/tables/attributetable.h"
+#include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/verbs/opening.h"
 
 namespace nCommandLine {

@@ -5,10 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/quenra/exitcode.h"
-#include "tools/quenra/output/warning.h"
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/reading/tcontroller.h"
-#include "tools/quenra/tcommanderror.h"
 
 namespace nCommandLine {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
-#include "tools/quenra/catalogue/suggestion.h"
 #include "tools/quenra/grammar/words.h"
-#include "tools/quenra/tcommanderror.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/text/names.h"
 
 namespace nCommandLine {
 namespace {

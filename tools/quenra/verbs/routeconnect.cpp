@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <limits>
 
-#include "tools/quenra/catalogue/numbertext.h"
 #include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/elapsedtext.h"
-#include "tools/quenra/output/tstopwatch.h"
+#include "tools/quenra/output/waiting.h"
 #include "tools/quenra/routing/routeoutput.h"
 #include "tools/quenra/routing/routingdevice.h"
 #include "tools/quenra/routing/theldroute.h"
+#include "tools/quenra/text/numbertext.h"
 #include "tools/quenra/verbs/routearguments.h"
 
 namespace nCommandLine {

@@ -5,7 +5,6 @@
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/reading/tcontroller.h"
-#include "tools/quenra/tcommanderror.h"
 #include "tools/quenra/verbs/opening.h"
 
 namespace nCommandLine {

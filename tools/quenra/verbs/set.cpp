@@ -2,13 +2,13 @@
 
 #include <vector>
 
-#include "tools/quenra/catalogue/numbertext.h"
 #include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/readingjson.h"
-#include "tools/quenra/output/utf8text.h"
 #include "tools/quenra/output/valuetext.h"
 #include "tools/quenra/reading/tcontroller.h"
+#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/verbs/attributeargument.h"
 #include "tools/quenra/verbs/opening.h"
 

@@ -2,9 +2,10 @@
 
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/table.h"
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/routing/routingdevice.h"
 #include "tools/quenra/routing/troutingsession.h"
+#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

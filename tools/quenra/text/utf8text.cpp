@@ -1,4 +1,4 @@
-#include "tools/quenra/output/utf8text.h"
+#include "tools/quenra/text/utf8text.h"
 
 #include <algorithm>
 #include <array>
@@ -33,8 +33,8 @@ size_t sequenceLength(uint8_t lead) noexcept {
 
 // An overlong encoding, half of a surrogate pair, or a value beyond the last code point.
 bool isForbidden(char32_t value, size_t length) noexcept {
-  constexpr std::array<char32_t, 5> kSmallest{0, 0, 0x80, 0x800, 0x10000};
-  return value < kSmallest[length] || (value >= 0xD800 && value <= 0xDFFF) || value > 0x10FFFF;
+  constexpr std::array<char32_t, 5> kMinValues{0, 0, 0x80, 0x800, 0x10000};
+  return value < kMinValues[length] || (value >= 0xD800 && value <= 0xDFFF) || value > 0x10FFFF;
 }
 
 // The code point at the beginning of `bytes`, which is not empty.
@@ -110,6 +110,47 @@ std::string rewritten(std::string_view bytes, Rewrite rewrite) {
   return result;
 }
 
+constexpr bool isHighSurrogate(char32_t unit) noexcept {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+constexpr bool isLowSurrogate(char32_t unit) noexcept {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
+
+// The code point, or unpaired surrogate, at the beginning of `word`, which must not be empty.
+char32_t popFirst(std::u16string_view& word) noexcept {
+  const char32_t first = word.front();
+  word.remove_prefix(1);
+  if (!isHighSurrogate(first) || word.empty() || !isLowSurrogate(word.front())) {
+    return first;
+  }
+  const char32_t second = word.front();
+  word.remove_prefix(1);
+  return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+}
+
+void appendContinuation(std::string& text, char32_t bits) {
+  text += static_cast<char>(0x80 | (bits & 0x3F));
+}
+
+void append(std::string& text, char32_t point) {
+  if (point < 0x80) {
+    text += static_cast<char>(point);
+  } else if (point < 0x800) {
+    text += static_cast<char>(0xC0 | point >> 6);
+    appendContinuation(text, point);
+  } else if (point < 0x10000) {
+    text += static_cast<char>(0xE0 | point >> 12);
+    appendContinuation(text, point >> 6);
+    appendContinuation(text, point);
+  } else {
+    text += static_cast<char>(0xF0 | point >> 18);
+    appendContinuation(text, point >> 12);
+    appendContinuation(text, point >> 6);
+    appendContinuation(text, point);
+  }
+}
+
 }  // namespace
 
 std::string validUtf8(std::string_view bytes) {
@@ -141,6 +182,14 @@ bool isUtf8(std::string_view bytes) {
 size_t widthOf(std::string_view utf8) noexcept {
   return static_cast<size_t>(std::ranges::count_if(
       utf8, [](char byte) { return !isContinuation(static_cast<uint8_t>(byte)); }));
+}
+
+std::string utf8Word(std::u16string_view word) {
+  std::string text;
+  while (!word.empty()) {
+    append(text, popFirst(word));
+  }
+  return text;
 }
 
 }  // namespace nCommandLine

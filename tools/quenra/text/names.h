@@ -1,5 +1,5 @@
-#ifndef TOOLS_QUENRA_CATALOGUE_SUGGESTION_H
-#define TOOLS_QUENRA_CATALOGUE_SUGGESTION_H
+#ifndef TOOLS_QUENRA_TEXT_NAMES_H
+#define TOOLS_QUENRA_TEXT_NAMES_H
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
-#include "tools/quenra/output/systemreason.h"
+#include "tools/quenra/output/streams.h"
 
 #include <algorithm>
-#include <string_view>
+#include <utility>
 
 namespace nCommandLine {
 namespace {
@@ -67,6 +67,30 @@ bool isWindowsError(const std::error_code& error) noexcept {
 }
 
 }  // namespace
+
+tOutputBuffer::tOutputBuffer(tWrite write) : write_(std::move(write)) {
+  setp(bytes_.data(), bytes_.data() + bytes_.size());
+}
+
+tOutputBuffer::int_type tOutputBuffer::overflow(int_type character) {
+  if (sync() != 0) {
+    return traits_type::eof();
+  }
+  if (!traits_type::eq_int_type(character, traits_type::eof())) {
+    *pptr() = traits_type::to_char_type(character);
+    pbump(1);
+  }
+  return traits_type::not_eof(character);
+}
+
+int tOutputBuffer::sync() {
+  const std::string_view pending(pbase(), static_cast<size_t>(pptr() - pbase()));
+  if (!failure_ && !pending.empty()) {
+    failure_ = write_(pending);
+  }
+  setp(bytes_.data(), bytes_.data() + bytes_.size());
+  return failure_ ? -1 : 0;
+}
 
 std::string reasonOf(const std::error_code& error) {
   if (isWindowsError(error)) {

@@ -1,14 +1,24 @@
-#ifndef TOOLS_QUENRA_CATALOGUE_STATUSLOOKUP_H
-#define TOOLS_QUENRA_CATALOGUE_STATUSLOOKUP_H
+// The status codes of the library, each with its meaning and remedy.
+#ifndef TOOLS_QUENRA_TABLES_STATUSTABLE_H
+#define TOOLS_QUENRA_TABLES_STATUSTABLE_H
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tools/quenra/catalogue/statuscatalogue.h"
-
 namespace nCommandLine {
+
+struct tStatusRow {
+  int32_t code;
+  std::string_view constant;
+  std::string_view meaning;
+  std::string_view advice;
+};
+
+// Every status code that include/quenra_status.h defines.
+extern const std::span<const tStatusRow> kStatuses;
 
 enum class tSeverity : uint8_t {
   success,

@@ -1,9 +1,12 @@
-#ifndef TOOLS_QUENRA_CATALOGUE_ATTRIBUTEROW_H
-#define TOOLS_QUENRA_CATALOGUE_ATTRIBUTEROW_H
+// The attributes of the library, each with its name, type, unit and meaning.
+#ifndef TOOLS_QUENRA_TABLES_ATTRIBUTETABLE_H
+#define TOOLS_QUENRA_TABLES_ATTRIBUTETABLE_H
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "quenra_attributes.h"
 
@@ -79,6 +82,41 @@ struct tAttributeRow {
 [[nodiscard]] constexpr std::string_view accessName(tAccess access) noexcept {
   return access == tAccess::read ? "read" : access == tAccess::write ? "write" : "read, write";
 }
+
+// An id has eight bits for the instance.
+inline constexpr uint32_t kInstanceLimit = 256;
+
+// The subjects in the order of the listings.
+extern const std::span<const tSubjectRow* const> kSubjects;
+
+// Every attribute that include/quenra_attributes.h defines, in the order of the listings.
+extern const std::span<const tAttributeRow> kAttributes;
+// Write-only attributes.
+extern const std::span<const tAttributeRow> kSettings;
+
+// Finds a row by its id without selector and instance. Null if there is none.
+[[nodiscard]] const tAttributeRow* findAttribute(uint32_t id) noexcept;
+
+// Finds a row by its name: 'product-name', in any case, with '_' for '-', or by the header's
+// constant. Null if there is none.
+[[nodiscard]] const tAttributeRow* findAttribute(std::string_view name);
+
+// As above, for write-only attributes.
+[[nodiscard]] const tAttributeRow* findSetting(uint32_t id) noexcept;
+[[nodiscard]] const tAttributeRow* findSetting(std::string_view name);
+
+[[nodiscard]] std::vector<std::string> suggestAttributes(std::string_view name);
+// As above, for every writable attribute including the write-only ones.
+[[nodiscard]] std::vector<std::string> suggestWritable(std::string_view name);
+
+// The attribute that counts the instances; null if none does.
+[[nodiscard]] const tAttributeRow* countingAttribute(const tInstanceRow& instances) noexcept;
+
+// "1 per slot, at most 4, counted by slot-count"; empty for an attribute without instances.
+[[nodiscard]] std::string instancesText(const tAttributeRow& row);
+
+// Its constant in the header: QUENRA_ATTRIBUTE_PRODUCT_NAME, QUENRA_TEXT_SETTING_OF_BOTH.
+[[nodiscard]] std::string constantOf(const tAttributeRow& row);
 
 }  // namespace nCommandLine
 

@@ -1,5 +1,5 @@
-#ifndef TOOLS_QUENRA_CATALOGUE_NUMBERTEXT_H
-#define TOOLS_QUENRA_CATALOGUE_NUMBERTEXT_H
+#ifndef TOOLS_QUENRA_TEXT_NUMBERTEXT_H
+#define TOOLS_QUENRA_TEXT_NUMBERTEXT_H
 
 #include <cstdint>
 #include <optional>
@@ -24,7 +24,7 @@ namespace nCommandLine {
 // The reason why a text is not accepted: "4294967296 is out of range (0 to 4294967295)" for an
 // integer, "'x' is not a number" for any other text when `expected` is "a number".
 [[nodiscard]] std::string numberFault(std::string_view text, std::string_view expected,
-                                      int64_t least = 0, int64_t most = UINT32_MAX);
+                                      int64_t minimum = 0, int64_t maximum = UINT32_MAX);
 
 }  // namespace nCommandLine
 

@@ -1,4 +1,4 @@
-#include "tools/quenra/catalogue/suggestion.h"
+#include "tools/quenra/text/names.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -9,9 +9,9 @@
 namespace nCommandLine {
 namespace {
 
-constexpr size_t kMostSuggestions = 3;
+constexpr size_t kMaxSuggestions = 3;
 // A shorter name occurs in too many others to be a useful match.
-constexpr size_t kShortestPart = 3;
+constexpr size_t kMinPartSize = 3;
 
 // The minimum number of insertions, removals, replacements and swaps of neighbours that turns
 // `from` into `to`. Row i holds the distances of the first i characters of `from`.
@@ -66,14 +66,13 @@ std::vector<std::string> suggest(std::string_view name,
     const std::string comparable = comparableName(candidate);
     const size_t distance = editDistance(wanted, comparable);
     const bool near = distance <= tolerance;
-    const bool part =
-        wanted.size() >= kShortestPart && comparable.find(wanted) != std::string::npos;
+    const bool part = wanted.size() >= kMinPartSize && comparable.find(wanted) != std::string::npos;
     if (near || part) {
       found.push_back({!near, distance, candidate});
     }
   }
   std::ranges::sort(found, {}, &tCandidate::rank);
-  found.resize(std::min(found.size(), kMostSuggestions));
+  found.resize(std::min(found.size(), kMaxSuggestions));
   std::vector<std::string> names;
   names.reserve(found.size());
   for (const tCandidate& candidate : found) {

@@ -1,4 +1,4 @@
-#include "tools/quenra/catalogue/numbertext.h"
+#include "tools/quenra/text/numbertext.h"
 
 #include <array>
 #include <bit>
@@ -9,7 +9,7 @@ namespace nCommandLine {
 namespace {
 
 template <class Number>
-std::optional<Number> parseWhole(std::string_view text, int base) noexcept {
+std::optional<Number> parseNumber(std::string_view text, int base) noexcept {
   Number value{};
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, value, base);
@@ -36,8 +36,8 @@ bool looksLikeNumber(std::string_view text) noexcept {
 }
 
 std::optional<uint32_t> parseUnsigned(std::string_view text) noexcept {
-  return hasHexadecimalPrefix(text) ? parseWhole<uint32_t>(text.substr(2), 16)
-                                    : parseWhole<uint32_t>(text, 10);
+  return hasHexadecimalPrefix(text) ? parseNumber<uint32_t>(text.substr(2), 16)
+                                    : parseNumber<uint32_t>(text, 10);
 }
 
 std::optional<int32_t> parseStatusCode(std::string_view text) noexcept {
@@ -45,17 +45,17 @@ std::optional<int32_t> parseStatusCode(std::string_view text) noexcept {
     return parseUnsigned(text.substr(1)) ? parseStatusCode(text.substr(1)) : std::nullopt;
   }
   if (text.starts_with('-')) {
-    return parseWhole<int32_t>(text, 10);
+    return parseNumber<int32_t>(text, 10);
   }
   const auto bits = parseUnsigned(text);
   return bits ? std::optional(std::bit_cast<int32_t>(*bits)) : std::nullopt;
 }
 
-std::string numberFault(std::string_view text, std::string_view expected, int64_t least,
-                        int64_t most) {
+std::string numberFault(std::string_view text, std::string_view expected, int64_t minimum,
+                        int64_t maximum) {
   if (isInteger(text)) {
-    return std::string(text) + " is out of range (" + std::to_string(least) + " to " +
-           std::to_string(most) + ")";
+    return std::string(text) + " is out of range (" + std::to_string(minimum) + " to " +
+           std::to_string(maximum) + ")";
   }
   return "'" + std::string(text) + "' is not " + std::string(expected);
 }

@@ -1,5 +1,5 @@
-#ifndef TOOLS_QUENRA_OUTPUT_UTF8TEXT_H
-#define TOOLS_QUENRA_OUTPUT_UTF8TEXT_H
+#ifndef TOOLS_QUENRA_TEXT_UTF8TEXT_H
+#define TOOLS_QUENRA_TEXT_UTF8TEXT_H
 
 #include <cstddef>
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace nCommandLine {
 
-// Handling of firmware texts and arguments, which may contain any bytes.
+// Firmware texts and arguments may contain any bytes.
 
 // The same text with a replacement character for each byte that is not UTF-8.
 [[nodiscard]] std::string validUtf8(std::string_view bytes);
@@ -24,6 +24,10 @@ namespace nCommandLine {
 
 // The width in code points, which is right for all but a few scripts.
 [[nodiscard]] size_t widthOf(std::string_view utf8) noexcept;
+
+// Converts a word of the system's command line to UTF-8. An unpaired surrogate becomes three bytes
+// that are not valid UTF-8, so that distinct words stay distinct.
+[[nodiscard]] std::string utf8Word(std::u16string_view word);
 
 }  // namespace nCommandLine
 
