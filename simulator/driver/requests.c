@@ -1,5 +1,4 @@
 #include "simulator/driver/driver.h"
-#include "simulator/model/windowserrors.h"
 
 NTSTATUS NTAPI dispatchDeviceControl(DEVICE_OBJECT* deviceObject, IRP* irp) {
   (void)deviceObject;

@@ -3,50 +3,35 @@
 #include <stddef.h>
 
 #include "simulator/model/bytes.h"
-#include "simulator/model/counters.h"
 #include "simulator/model/defaultmachine.h"
-#include "simulator/model/notifications.h"
-#include "simulator/model/pendingrequests.h"
-#include "simulator/model/routerequests.h"
-#include "simulator/model/windowserrors.h"
 
 enum {
-  kMostControllers = 2,
-  kMostMartens = 2,
-  kMostDevicePaths = 1
+  kMaxControllers = 2,
+  kMaxMartens = 2,
+  kMaxDevicePaths = 1
 };
 
-static tModelReply done(void) {
-  return (tModelReply){kWindowsErrorNone, 0};
-}
-
-static tModelReply failed(uint32_t windowsError) {
-  return (tModelReply){windowsError, 0};
-}
-
-static tModelReply answered(const tModelRequest* request, const void* bytes, uint32_t size) {
+static tModelReply replyWith(const tModelRequest* request, const void* bytes, uint32_t size) {
   if (request->outputSize < size) {
-    return failed(kWindowsErrorInsufficientBuffer);
+    return emptyReply(kWindowsErrorInsufficientBuffer);
   }
   copyBytes(request->output, bytes, size);
   return (tModelReply){kWindowsErrorNone, size};
 }
 
-static bool readInput(const tModelRequest* request, void* destination, uint32_t size) {
-  if (request->inputSize != size) {
-    return false;
-  }
-  copyBytes(destination, request->input, size);
-  return true;
+static tModelReply successOr(uint32_t windowsError, bool succeeded) {
+  return emptyReply(succeeded ? (uint32_t)kWindowsErrorNone : windowsError);
 }
 
-static bool samePresence(const tSimulatorPresence* left, const tSimulatorPresence* right) {
+/* ---- The machine and the presence of its interfaces ---- */
+
+static bool areEqualPresences(const tSimulatorPresence* left, const tSimulatorPresence* right) {
   return left->controllers == right->controllers && left->martens == right->martens &&
          left->devicePaths == right->devicePaths;
 }
 
 static void changePresence(tModel* model, const tSimulatorPresence* presence) {
-  if (!samePresence(&model->presence, presence)) {
+  if (!areEqualPresences(&model->presence, presence)) {
     model->presence = *presence;
     model->host.presenceChanged(model->host.context, &model->presence);
   }
@@ -55,57 +40,49 @@ static void changePresence(tModel* model, const tSimulatorPresence* presence) {
 void resetMachine(tModel* model) {
   makeDefaultMachine(model);
   scriptsClear(&model->scripts);
-  abortAllPending(model);
+  resetPending(model);
   abortAllNotifications(model);
   routerClear(&model->router);
-  pendingClear(&model->pending);
   logClear(&model->log);
   firmwareClear(&model->firmware);
 }
 
 static tModelReply reset(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
+  (void)request;
   resetMachine(model);
   changePresence(model, &kDefaultPresence);
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
 
 static tModelReply setPresence(tModel* model, const tModelRequest* request) {
   tSimulatorPresence presence;
-  if (!readInput(request, &presence, sizeof(presence)) || presence.controllers > kMostControllers ||
-      presence.martens > kMostMartens || presence.devicePaths > kMostDevicePaths) {
-    return failed(kWindowsErrorInvalidParameter);
+  copyBytes(&presence, request->input, sizeof(presence));
+  if (presence.controllers > kMaxControllers || presence.martens > kMaxMartens ||
+      presence.devicePaths > kMaxDevicePaths) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
   changePresence(model, &presence);
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
 
 static tModelReply getPresence(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  return answered(request, &model->presence, sizeof(model->presence));
+  return replyWith(request, &model->presence, sizeof(model->presence));
 }
 
+/* ---- SMBIOS and attributes ---- */
+
 static tModelReply setTable(tModel* model, const tModelRequest* request) {
-  return handoverSetTable(&model->handover, request->input, request->inputSize)
-             ? done()
-             : failed(kWindowsErrorInvalidParameter);
+  return successOr(kWindowsErrorInvalidParameter,
+                   handoverSetTable(&model->handover, request->input, request->inputSize));
 }
 
 static tModelReply getTable(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  return answered(request, model->handover.table, model->handover.tableSize);
+  return replyWith(request, model->handover.table, model->handover.tableSize);
 }
 
 static tModelReply setVersionText(tModel* model, const tModelRequest* request) {
-  return handoverSetText(&model->handover, request->input, request->inputSize)
-             ? done()
-             : failed(kWindowsErrorInvalidParameter);
+  return successOr(kWindowsErrorInvalidParameter,
+                   handoverSetText(&model->handover, request->input, request->inputSize));
 }
 
 static bool hasAttributes(uint32_t interfaceKind) {
@@ -115,32 +92,29 @@ static bool hasAttributes(uint32_t interfaceKind) {
 
 static tModelReply setAttribute(tModel* model, const tModelRequest* request) {
   tSimulatorAttribute attribute;
-  if (!readInput(request, &attribute, sizeof(attribute)) ||
-      !hasAttributes(attribute.interfaceKind) || attribute.size > SIMULATOR_VALUE_CAPACITY) {
-    return failed(kWindowsErrorInvalidParameter);
+  copyBytes(&attribute, request->input, sizeof(attribute));
+  if (!hasAttributes(attribute.interfaceKind) || attribute.size > SIMULATOR_VALUE_CAPACITY) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
-  return attributesPut(&model->attributes, &attribute) ? done()
-                                                       : failed(kWindowsErrorNoSystemResources);
+  return successOr(kWindowsErrorNoSystemResources, attributesPut(&model->attributes, &attribute));
 }
 
 static tModelReply removeAttribute(tModel* model, const tModelRequest* request) {
   tSimulatorAttribute attribute;
-  if (!readInput(request, &attribute, sizeof(attribute)) ||
-      !hasAttributes(attribute.interfaceKind)) {
-    return failed(kWindowsErrorInvalidParameter);
+  copyBytes(&attribute, request->input, sizeof(attribute));
+  if (!hasAttributes(attribute.interfaceKind)) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
   attributesRemove(&model->attributes, attribute.interfaceKind, attribute.attribute);
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
 
 static tModelReply setWritable(tModel* model, const tModelRequest* request, bool writable) {
   tSimulatorAttribute attribute;
-  if (!readInput(request, &attribute, sizeof(attribute)) ||
-      !attributesSetWritable(&model->attributes, attribute.interfaceKind, attribute.attribute,
-                             writable)) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  return done();
+  copyBytes(&attribute, request->input, sizeof(attribute));
+  return successOr(kWindowsErrorInvalidParameter,
+                   attributesSetWritable(&model->attributes, attribute.interfaceKind,
+                                         attribute.attribute, writable));
 }
 
 static tModelReply allowWrites(tModel* model, const tModelRequest* request) {
@@ -151,129 +125,131 @@ static tModelReply refuseWrites(tModel* model, const tModelRequest* request) {
   return setWritable(model, request, false);
 }
 
+/* ---- Scripts, log and counters ---- */
+
 static tModelReply addScript(tModel* model, const tModelRequest* request) {
   tSimulatorScript script;
-  if (!readInput(request, &script, sizeof(script)) || !scriptIsValid(&script)) {
-    return failed(kWindowsErrorInvalidParameter);
+  copyBytes(&script, request->input, sizeof(script));
+  if (!scriptIsValid(&script)) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
-  return scriptsAdd(&model->scripts, &script) ? done() : failed(kWindowsErrorNoSystemResources);
+  return successOr(kWindowsErrorNoSystemResources, scriptsAdd(&model->scripts, &script));
 }
 
 static tModelReply clearScripts(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
+  (void)request;
   scriptsClear(&model->scripts);
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
 
 static tModelReply readLog(tModel* model, const tModelRequest* request) {
   uint64_t fromSequence;
-  if (!readInput(request, &fromSequence, sizeof(fromSequence))) {
-    return failed(kWindowsErrorInvalidParameter);
+  copyBytes(&fromSequence, request->input, sizeof(fromSequence));
+  const uint32_t stored = logCountFrom(&model->log, fromSequence);
+  const uint32_t capacity = request->outputSize / (uint32_t)sizeof(tSimulatorLogEntry);
+  if (stored != 0 && capacity == 0) {
+    return emptyReply(kWindowsErrorInsufficientBuffer);
   }
-  const uint32_t kept = logCountFrom(&model->log, fromSequence);
-  const uint32_t room = request->outputSize / (uint32_t)sizeof(tSimulatorLogEntry);
-  if (kept != 0 && room == 0) {
-    return failed(kWindowsErrorInsufficientBuffer);
-  }
-  const uint32_t count = smallerOf(kept, room);
+  const uint32_t count = smallerOf(stored, capacity);
   logCopyFrom(&model->log, fromSequence, count, request->output);
   return (tModelReply){kWindowsErrorNone, count * (uint32_t)sizeof(tSimulatorLogEntry)};
 }
 
 static tModelReply clearLog(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
+  (void)request;
   logClear(&model->log);
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
 
 static tModelReply readCounters(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  tSimulatorCounters counters;
-  countersOf(model, &counters);
-  return answered(request, &counters, sizeof(counters));
+  const tNotificationCounts* notifications = &model->notifications.counts;
+  const tRouteCounts* routes = &model->router.counts;
+  const tSimulatorCounters counters = {.filesOpened = model->filesOpened,
+                                       .filesClosed = model->filesClosed,
+                                       .registrationsBegun = notifications->registered,
+                                       .registrationsEnded = notifications->unregistered,
+                                       .deliveriesArmed = notifications->armed,
+                                       .deliveriesEnded = notifications->disarmed,
+                                       .noticesRaised = notifications->raised,
+                                       .noticesDelivered = notifications->delivered,
+                                       .noticesDropped = notifications->dropped,
+                                       .pendingBegun = model->pending.begun,
+                                       .pendingEnded = model->pending.ended,
+                                       .routesCalculated = routes->calculated,
+                                       .routesGone = routes->gone,
+                                       .reservationsBegun = routes->reserved,
+                                       .reservationsEnded = routes->unreserved,
+                                       .reservationsDemoted = routes->demoted,
+                                       .reservationsReleased = routes->released,
+                                       .programmingsBegun = routes->programmed,
+                                       .programmingsEnded = routes->unprogrammed};
+  return replyWith(request, &counters, sizeof(counters));
 }
+
+/* ---- Pending requests and notifications ---- */
 
 static tModelReply setAcceptance(tModel* model, const tModelRequest* request) {
   uint32_t acceptance;
-  if (!readInput(request, &acceptance, sizeof(acceptance)) || acceptance > kSimulatorAcceptNever) {
-    return failed(kWindowsErrorInvalidParameter);
+  copyBytes(&acceptance, request->input, sizeof(acceptance));
+  if (acceptance > kSimulatorAcceptNever) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
   model->pending.acceptance = (tSimulatorAcceptance)acceptance;
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
 
-static tModelReply acceptWaiting(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
+static tModelReply acceptAllPending(tModel* model, const tModelRequest* request) {
+  (void)request;
   acceptPending(model);
-  return done();
-}
-
-static tSimulatorPendingRequest describePending(const tPendingEntry* entry) {
-  return (tSimulatorPendingRequest){.process = entry->file.process,
-                                    .file = entry->file.file,
-                                    .handle = entry->handle,
-                                    .b = entry->b,
-                                    .interfaceKind = entry->file.interfaceKind,
-                                    .a = entry->a,
-                                    .c = entry->c};
+  return emptyReply(kWindowsErrorNone);
 }
 
 static tModelReply readPending(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  const uint32_t room = request->outputSize / (uint32_t)sizeof(tSimulatorPendingRequest);
-  const uint32_t count = smallerOf(model->pending.count, room);
+  const uint32_t capacity = request->outputSize / (uint32_t)sizeof(tSimulatorPendingRequest);
+  const uint32_t count = smallerOf(model->pending.count, capacity);
   uint8_t* to = request->output;
   for (uint32_t i = 0; i < count; ++i) {
-    const tSimulatorPendingRequest record = describePending(&model->pending.entries[i]);
+    const tPendingEntry* entry = &model->pending.entries[i];
+    const tSimulatorPendingRequest record = {.process = entry->file.process,
+                                             .file = entry->file.file,
+                                             .handle = entry->handle,
+                                             .b = entry->b,
+                                             .interfaceKind = entry->file.interfaceKind,
+                                             .a = entry->a,
+                                             .c = entry->c};
     copyBytes(to, &record, sizeof(record));
     to += sizeof(record);
   }
   return (tModelReply){kWindowsErrorNone, count * (uint32_t)sizeof(tSimulatorPendingRequest)};
 }
 
-static tModelReply completeOne(tModel* model, const tModelRequest* request) {
+static tModelReply completeByHandle(tModel* model, const tModelRequest* request) {
   tSimulatorCompletion completion;
-  if (!readInput(request, &completion, sizeof(completion)) ||
-      completion.windowsError > UINT16_MAX || completion.windowsError == kWindowsErrorIoPending) {
-    return failed(kWindowsErrorInvalidParameter);
+  copyBytes(&completion, request->input, sizeof(completion));
+  if (completion.windowsError > UINT16_MAX || completion.windowsError == kWindowsErrorIoPending) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
-  return completePending(model, completion.handle, completion.windowsError)
-             ? done()
-             : failed(kWindowsErrorNotFound);
+  return successOr(kWindowsErrorNotFound,
+                   completePending(model, completion.handle, completion.windowsError));
 }
 
-static tModelReply tell(tModel* model, const tModelRequest* request) {
+static tModelReply notifyRegistered(tModel* model, const tModelRequest* request) {
   tSimulatorNotice notice;
-  if (!readInput(request, &notice, sizeof(notice))) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  return notify(model, &notice) != 0 ? done() : failed(kWindowsErrorNotFound);
+  copyBytes(&notice, request->input, sizeof(notice));
+  return successOr(kWindowsErrorNotFound, notify(model, &notice) != 0);
 }
+
+/* ---- The router ---- */
 
 static tModelReply demote(tModel* model, const tModelRequest* request) {
   uint32_t ticket;
-  if (!readInput(request, &ticket, sizeof(ticket))) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  return demoteRoute(model, ticket) ? done() : failed(kWindowsErrorNotFound);
+  copyBytes(&ticket, request->input, sizeof(ticket));
+  return successOr(kWindowsErrorNotFound, demoteRoute(model, ticket));
 }
 
 static tModelReply readRoutes(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  const uint32_t room = request->outputSize / (uint32_t)sizeof(tSimulatorRoute);
-  const uint32_t count = smallerOf(model->router.count, room);
+  const uint32_t capacity = request->outputSize / (uint32_t)sizeof(tSimulatorRoute);
+  const uint32_t count = smallerOf(model->router.count, capacity);
   uint8_t* to = request->output;
   for (uint32_t i = 0; i < count; ++i) {
     const tRoute* route = &model->router.routes[i];
@@ -292,81 +268,89 @@ static tModelReply readRoutes(tModel* model, const tModelRequest* request) {
 
 static tModelReply setPathLength(tModel* model, const tModelRequest* request) {
   uint32_t length;
-  if (!readInput(request, &length, sizeof(length)) || length == 1) {
-    return failed(kWindowsErrorInvalidParameter);
+  copyBytes(&length, request->input, sizeof(length));
+  if (length == 1) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
   model->router.pathLength = length;
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
 
 static tModelReply setTopographyName(tModel* model, const tModelRequest* request) {
   if (request->inputSize > SIMULATOR_TOPOGRAPHY_NAME_CAPACITY) {
-    return failed(kWindowsErrorInvalidParameter);
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
   copyBytes(model->router.topographyName, request->input, request->inputSize);
   model->router.topographyNameSize = request->inputSize;
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
 
+/* ---- Received firmware ---- */
+
 static tModelReply readFirmware(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
-  const uint32_t size = firmwareKept(&model->firmware) * (uint32_t)sizeof(tSimulatorPayload);
+  const uint32_t count = firmwareCount(&model->firmware);
+  const uint32_t size = count * (uint32_t)sizeof(tSimulatorPayload);
   if (request->outputSize < size) {
-    return failed(kWindowsErrorInsufficientBuffer);
+    return emptyReply(kWindowsErrorInsufficientBuffer);
   }
-  firmwareCopy(&model->firmware, firmwareKept(&model->firmware), request->output);
+  firmwareCopy(&model->firmware, count, request->output);
   return (tModelReply){kWindowsErrorNone, size};
 }
 
 static tModelReply clearFirmware(tModel* model, const tModelRequest* request) {
-  if (request->inputSize != 0) {
-    return failed(kWindowsErrorInvalidParameter);
-  }
+  (void)request;
   firmwareClear(&model->firmware);
-  return done();
+  return emptyReply(kWindowsErrorNone);
 }
+
+/* ---- The table of requests ---- */
+
+#define NO_INPUT 0u
+#define VARIABLE_INPUT UINT32_MAX
 
 typedef struct tControlRequest {
   uint32_t code;
+  uint32_t inputSize; /* exactly, or VARIABLE_INPUT */
   tModelReply (*carryOut)(tModel* model, const tModelRequest* request);
 } tControlRequest;
 
 static const tControlRequest kControlRequests[] = {
-    {SIMULATOR_RESET, reset},
-    {SIMULATOR_SET_PRESENCE, setPresence},
-    {SIMULATOR_GET_PRESENCE, getPresence},
-    {SIMULATOR_SET_TABLE, setTable},
-    {SIMULATOR_GET_TABLE, getTable},
-    {SIMULATOR_SET_VERSION_TEXT, setVersionText},
-    {SIMULATOR_SET_ATTRIBUTE, setAttribute},
-    {SIMULATOR_REMOVE_ATTRIBUTE, removeAttribute},
-    {SIMULATOR_ADD_SCRIPT, addScript},
-    {SIMULATOR_CLEAR_SCRIPTS, clearScripts},
-    {SIMULATOR_READ_LOG, readLog},
-    {SIMULATOR_CLEAR_LOG, clearLog},
-    {SIMULATOR_READ_COUNTERS, readCounters},
-    {SIMULATOR_ALLOW_WRITES, allowWrites},
-    {SIMULATOR_REFUSE_WRITES, refuseWrites},
-    {SIMULATOR_SET_ACCEPTANCE, setAcceptance},
-    {SIMULATOR_ACCEPT_PENDING, acceptWaiting},
-    {SIMULATOR_READ_PENDING, readPending},
-    {SIMULATOR_COMPLETE_PENDING, completeOne},
-    {SIMULATOR_NOTIFY, tell},
-    {SIMULATOR_DEMOTE_ROUTE, demote},
-    {SIMULATOR_READ_ROUTES, readRoutes},
-    {SIMULATOR_SET_PATH_LENGTH, setPathLength},
-    {SIMULATOR_SET_TOPOGRAPHY_NAME, setTopographyName},
-    {SIMULATOR_READ_FIRMWARE, readFirmware},
-    {SIMULATOR_CLEAR_FIRMWARE, clearFirmware},
+    {SIMULATOR_RESET, NO_INPUT, reset},
+    {SIMULATOR_SET_PRESENCE, sizeof(tSimulatorPresence), setPresence},
+    {SIMULATOR_GET_PRESENCE, NO_INPUT, getPresence},
+    {SIMULATOR_SET_TABLE, VARIABLE_INPUT, setTable},
+    {SIMULATOR_GET_TABLE, NO_INPUT, getTable},
+    {SIMULATOR_SET_VERSION_TEXT, VARIABLE_INPUT, setVersionText},
+    {SIMULATOR_SET_ATTRIBUTE, sizeof(tSimulatorAttribute), setAttribute},
+    {SIMULATOR_REMOVE_ATTRIBUTE, sizeof(tSimulatorAttribute), removeAttribute},
+    {SIMULATOR_ALLOW_WRITES, sizeof(tSimulatorAttribute), allowWrites},
+    {SIMULATOR_REFUSE_WRITES, sizeof(tSimulatorAttribute), refuseWrites},
+    {SIMULATOR_ADD_SCRIPT, sizeof(tSimulatorScript), addScript},
+    {SIMULATOR_CLEAR_SCRIPTS, NO_INPUT, clearScripts},
+    {SIMULATOR_READ_LOG, sizeof(uint64_t), readLog},
+    {SIMULATOR_CLEAR_LOG, NO_INPUT, clearLog},
+    {SIMULATOR_READ_COUNTERS, NO_INPUT, readCounters},
+    {SIMULATOR_SET_ACCEPTANCE, sizeof(uint32_t), setAcceptance},
+    {SIMULATOR_ACCEPT_PENDING, NO_INPUT, acceptAllPending},
+    {SIMULATOR_READ_PENDING, NO_INPUT, readPending},
+    {SIMULATOR_COMPLETE_PENDING, sizeof(tSimulatorCompletion), completeByHandle},
+    {SIMULATOR_NOTIFY, sizeof(tSimulatorNotice), notifyRegistered},
+    {SIMULATOR_DEMOTE_ROUTE, sizeof(uint32_t), demote},
+    {SIMULATOR_READ_ROUTES, NO_INPUT, readRoutes},
+    {SIMULATOR_SET_PATH_LENGTH, sizeof(uint32_t), setPathLength},
+    {SIMULATOR_SET_TOPOGRAPHY_NAME, VARIABLE_INPUT, setTopographyName},
+    {SIMULATOR_READ_FIRMWARE, NO_INPUT, readFirmware},
+    {SIMULATOR_CLEAR_FIRMWARE, NO_INPUT, clearFirmware},
 };
 
 tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {
   for (size_t i = 0; i < sizeof(kControlRequests) / sizeof(kControlRequests[0]); ++i) {
-    if (kControlRequests[i].code == request->code) {
-      return kControlRequests[i].carryOut(model, request);
+    const tControlRequest* known = &kControlRequests[i];
+    if (known->code == request->code) {
+      return known->inputSize == VARIABLE_INPUT || known->inputSize == request->inputSize
+                 ? known->carryOut(model, request)
+                 : emptyReply(kWindowsErrorInvalidParameter);
     }
   }
-  return failed(kWindowsErrorInvalidFunction);
+  return emptyReply(kWindowsErrorInvalidFunction);
 }

@@ -2,7 +2,7 @@
 #ifndef SIMULATOR_MODEL_CONTROL_H
 #define SIMULATOR_MODEL_CONTROL_H
 
-#include "simulator/model/model.h"
+#include "simulator/model/host.h"
 
 /* Restores the default machine, with no scripts and an empty log, except for the presence of the
  * interfaces. */

@@ -1,31 +1,35 @@
-/* The requests that the library sends, as the simulated driver carries them out. */
+/* The requests that the library sends, as the simulated driver answers them. */
 #ifndef SIMULATOR_MODEL_DRIVERREQUESTS_H
 #define SIMULATOR_MODEL_DRIVERREQUESTS_H
 
-#include <stddef.h>
-
-#include "protocol/controllerrequests.h"
 #include "simulator/model/model.h"
 
-/* Carries out one request. `input` has at least `inputSize` bytes, `reply` at least `replySize`.
- * They may be the same memory: read all input before writing. Neither need be aligned. */
+/* Answers a request of the library as a matching script specifies, else as the machine does. */
+tModelReply answerDriverRequest(tModel* model, const tModelRequest* request);
+
+/* Carries out one request. `input` has at least the size of the request, `reply` at least that of
+ * the reply. They may be the same memory: read all input before writing. Neither need be aligned. */
 typedef void tDriverOperation(tModel* model, const tModelFile* file, const void* input,
                               void* reply);
 
-typedef struct tDriverRequest {
-  tSimulatorInterface interfaceKind;
-  uint32_t code;
-  uint32_t inputSize; /* required bytes; more are ignored */
-  uint32_t replySize;
-  tDriverOperation* carryOut;
-} tDriverRequest;
-
-/* Null if the interface does not support the code. */
-const tDriverRequest* findDriverRequest(tSimulatorInterface interfaceKind, uint32_t code);
-
+/* smbioshandover.c */
 tDriverOperation carryOutExchangeValues;
+/* attributes.c */
 tDriverOperation carryOutGetAttribute;
 tDriverOperation carryOutSetAttribute;
+/* firmware.c */
 tDriverOperation carryOutSendCommand;
+/* routerequests.c */
+tDriverOperation carryOutCountTerminals;
+tDriverOperation carryOutCalculateRoute;
+tDriverOperation carryOutDestroyRoute;
+tDriverOperation carryOutReserveRoute;
+tDriverOperation carryOutProgramRoute;
+tDriverOperation carryOutUnprogramRoute;
+tDriverOperation carryOutUnreserveRoute;
+tDriverOperation carryOutGetPath;
+tDriverOperation carryOutGetTopographyName;
+tDriverOperation carryOutResetTerminal;
+tDriverOperation carryOutCalculateReset;
 
 #endif

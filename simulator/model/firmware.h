@@ -21,8 +21,9 @@ typedef struct tFirmwareSink {
 
 void firmwareClear(tFirmwareSink* sink);
 /* Stores the record of a payload and assigns its number. */
-void firmwareKeep(tFirmwareSink* sink, const tSimulatorPayload* payload);
-uint32_t firmwareKept(const tFirmwareSink* sink);
+void firmwareRecord(tFirmwareSink* sink, const tSimulatorPayload* payload);
+/* The number of stored records. */
+uint32_t firmwareCount(const tFirmwareSink* sink);
 /* Copies the oldest `count` records to `destination`, which need not be aligned. */
 void firmwareCopy(const tFirmwareSink* sink, uint32_t count, void* destination);
 

@@ -3,10 +3,7 @@
 #include "simulator/model/bytes.h"
 #include "simulator/model/control.h"
 #include "simulator/model/defaultmachine.h"
-#include "simulator/model/logentry.h"
-#include "simulator/model/notifications.h"
-#include "simulator/model/pendingrequests.h"
-#include "simulator/model/scriptedanswers.h"
+#include "simulator/model/driverrequests.h"
 
 static bool isLogged(const tModelFile* file) {
   return file->interfaceKind != kSimulatorInterfaceControl;
@@ -15,14 +12,14 @@ static bool isLogged(const tModelFile* file) {
 static void logFileEvent(tModel* model, const tModelFile* file, tSimulatorEvent event) {
   if (isLogged(file)) {
     tSimulatorLogEntry entry;
-    startLogEntry(&entry, file, event);
+    logStartEntry(&entry, file, event);
     logAppend(&model->log, &entry);
   }
 }
 
 static tModelReply answerAndLog(tModel* model, const tModelRequest* request) {
   tSimulatorLogEntry entry;
-  startLogEntry(&entry, &request->file, kSimulatorEventRequest);
+  logStartEntry(&entry, &request->file, kSimulatorEventRequest);
   entry.requestCode = request->code;
   entry.inputSize = request->inputSize;
   /* Copied first: the reply may overwrite the input, which can share its memory. */
@@ -63,11 +60,11 @@ void modelCleanUp(tModel* model, const tModelFile* file) {
 }
 
 void modelPended(tModel* model, uint64_t token) {
-  acceptIfAtOnce(model, token);
+  acceptIfImmediate(model, token);
 }
 
 bool modelCancel(tModel* model, uint64_t token) {
-  return forgetPending(model, token) || forgetNotificationRequest(model, token);
+  return cancelPending(model, token) || cancelNotificationRequest(model, token);
 }
 
 void modelClose(tModel* model, const tModelFile* file) {

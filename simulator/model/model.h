@@ -7,54 +7,36 @@
 #ifndef SIMULATOR_MODEL_MODEL_H
 #define SIMULATOR_MODEL_MODEL_H
 
-#include <stdbool.h>
-#include <stdint.h>
-
-#include "simulator/model/modelfile.h"
-#include "simulator/protocol/controlprotocol.h"
+#include "simulator/model/attributes.h"
+#include "simulator/model/firmware.h"
+#include "simulator/model/host.h"
+#include "simulator/model/notifications.h"
+#include "simulator/model/pending.h"
+#include "simulator/model/requestlog.h"
+#include "simulator/model/router.h"
+#include "simulator/model/scripts.h"
+#include "simulator/model/smbioshandover.h"
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/* Services that the host provides to the model. No function is null. */
-typedef struct tModelHost {
-  void* context;
-  /* Copy between the memory of the calling process and the model's. False if any byte of the
-   * caller's range is not accessible; the contents of the destination are then unspecified. */
-  bool (*readCaller)(void* context, uint64_t process, uint64_t address, void* destination,
-                     uint32_t size);
-  bool (*writeCaller)(void* context, uint64_t process, uint64_t address, const void* source,
-                      uint32_t size);
-  /* Signals an event of the calling process. False if `event` is not an event. */
-  bool (*signalEvent)(void* context, uint64_t process, uint64_t event);
-  /* Completes a pending request; `output` fits its buffer. The host may use the token again
-   * afterwards. */
-  void (*completeRequest)(void* context, uint64_t token, uint32_t windowsError, const void* output,
-                          uint32_t size);
-  /* Enables and disables device interfaces to match the changed presence. */
-  void (*presenceChanged)(void* context, const tSimulatorPresence* presence);
-} tModelHost;
-
-/* One device control request. `input` and `output` may be the same memory. */
-typedef struct tModelRequest {
-  tModelFile file;
-  uint32_t code;
-  const void* input;
-  uint32_t inputSize;
-  void* output;
-  uint32_t outputSize; /* its capacity in bytes */
-  uint64_t token;      /* identifies it while pending; 0: the host cannot keep it pending */
-} tModelRequest;
-
-typedef struct tModelReply {
-  uint32_t windowsError; /* 0: success; 997: pending; otherwise the reason of the failure */
-  uint32_t size;         /* bytes written to `output`; 0 on failure */
-} tModelReply;
-
-/* The complete state. Its members are private to the model. */
-typedef struct tModel tModel;
-#include "simulator/model/modelstate.h"
+/* The complete state; its members are private to the model. About 320 KB: too large for a stack.
+ * modelInitialise does not require zeroed memory. */
+struct tModel {
+  tModelHost host;
+  uint64_t filesOpened;
+  uint64_t filesClosed;
+  tSimulatorPresence presence;
+  tSmbiosHandover handover;
+  tAttributeStore attributes;
+  tScriptList scripts;
+  tPendingList pending;
+  tNotificationList notifications;
+  tRouter router;
+  tRequestLog log;
+  tFirmwareSink firmware;
+};
 
 /* Initialises the default machine and reports its presence to the host. */
 void modelInitialise(tModel* model, const tModelHost* host);

@@ -3,11 +3,7 @@
 #include <stddef.h>
 
 #include "simulator/model/bytes.h"
-#include "simulator/model/windowserrors.h"
-
-static tModelReply answered(uint32_t windowsError) {
-  return (tModelReply){windowsError, 0};
-}
+#include "simulator/model/model.h"
 
 static void complete(tModel* model, uint64_t token, uint32_t windowsError,
                      const tNotificationDelivery* notice) {
@@ -17,7 +13,7 @@ static void complete(tModel* model, uint64_t token, uint32_t windowsError,
 
 /* ---- The three lists ---- */
 
-static uint64_t takeRegistration(tNotificationList* list, uint32_t index) {
+static uint64_t removeRegistration(tNotificationList* list, uint32_t index) {
   const uint64_t token = list->registrations[index].token;
   --list->registrationCount;
   ++list->counts.unregistered;
@@ -27,7 +23,7 @@ static uint64_t takeRegistration(tNotificationList* list, uint32_t index) {
   return token;
 }
 
-static uint64_t takeDelivery(tNotificationList* list, uint32_t index) {
+static uint64_t removeDelivery(tNotificationList* list, uint32_t index) {
   const uint64_t token = list->deliveries[index].token;
   --list->deliveryCount;
   ++list->counts.disarmed;
@@ -37,7 +33,7 @@ static uint64_t takeDelivery(tNotificationList* list, uint32_t index) {
   return token;
 }
 
-static tNotificationDelivery takeNotice(tNotificationList* list, uint32_t index) {
+static tNotificationDelivery removeNotice(tNotificationList* list, uint32_t index) {
   const tNotificationDelivery notice = list->notices[index].notice;
   --list->noticeCount;
   for (uint32_t i = index; i < list->noticeCount; ++i) {
@@ -65,7 +61,7 @@ static uint32_t findDelivery(const tNotificationList* list, uint64_t file) {
 static void dropNotices(tNotificationList* list, uint64_t file) {
   uint32_t index = findNotice(list, file);
   while (index < list->noticeCount) {
-    takeNotice(list, index);
+    removeNotice(list, index);
     ++list->counts.dropped;
     index = findNotice(list, file);
   }
@@ -73,63 +69,63 @@ static void dropNotices(tNotificationList* list, uint64_t file) {
 
 /* ---- The requests ---- */
 
-static tModelReply registerFor(tModel* model, const tModelRequest* request) {
+static tModelReply registerFile(tModel* model, const tModelRequest* request) {
   tNotificationList* list = &model->notifications;
-  tRegisterNotificationRequest asked;
-  if (request->inputSize != sizeof(asked) || request->token == 0) {
-    return answered(kWindowsErrorInvalidParameter);
+  tRegisterNotificationRequest registering;
+  if (request->inputSize != sizeof(registering) || request->token == 0) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
   if (list->registrationCount == SIMULATOR_NOTIFICATION_CAPACITY) {
-    return answered(kWindowsErrorNoSystemResources);
+    return emptyReply(kWindowsErrorNoSystemResources);
   }
-  copyBytes(&asked, request->input, sizeof(asked));
+  copyBytes(&registering, request->input, sizeof(registering));
   list->registrations[list->registrationCount] =
-      (tRegistration){request->token, request->file, asked.notification, asked.mask};
+      (tRegistration){request->token, request->file, registering.notification, registering.mask};
   ++list->registrationCount;
   ++list->counts.registered;
-  return answered(kWindowsErrorIoPending);
+  return emptyReply(kWindowsErrorIoPending);
 }
 
 /* Completes the registration request. Notices held for it stay: their events have happened. */
 static tModelReply unregister(tModel* model, const tModelRequest* request) {
   tNotificationList* list = &model->notifications;
-  tUnregisterNotificationRequest asked;
-  if (request->inputSize != sizeof(asked)) {
-    return answered(kWindowsErrorInvalidParameter);
+  tUnregisterNotificationRequest unregistering;
+  if (request->inputSize != sizeof(unregistering)) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
-  copyBytes(&asked, request->input, sizeof(asked));
+  copyBytes(&unregistering, request->input, sizeof(unregistering));
   for (uint32_t i = 0; i < list->registrationCount; ++i) {
     const tRegistration* registration = &list->registrations[i];
-    if (registration->file.file == request->file.file && registration->mask == asked.mask) {
-      complete(model, takeRegistration(list, i), kWindowsErrorNone, NULL);
-      return answered(kWindowsErrorNone);
+    if (registration->file.file == request->file.file && registration->mask == unregistering.mask) {
+      complete(model, removeRegistration(list, i), kWindowsErrorNone, NULL);
+      return emptyReply(kWindowsErrorNone);
     }
   }
-  return answered(kWindowsErrorNotFound);
+  return emptyReply(kWindowsErrorNotFound);
 }
 
 static tModelReply arm(tModel* model, const tModelRequest* request) {
   tNotificationList* list = &model->notifications;
   if (request->inputSize != 0 || request->token == 0) {
-    return answered(kWindowsErrorInvalidParameter);
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
   if (request->outputSize < sizeof(tNotificationDelivery)) {
-    return answered(kWindowsErrorInsufficientBuffer);
+    return emptyReply(kWindowsErrorInsufficientBuffer);
   }
   const uint32_t held = findNotice(list, request->file.file);
   if (held != list->noticeCount) {
-    const tNotificationDelivery notice = takeNotice(list, held);
+    const tNotificationDelivery notice = removeNotice(list, held);
     copyBytes(request->output, &notice, sizeof(notice));
     ++list->counts.delivered;
     return (tModelReply){kWindowsErrorNone, sizeof(notice)};
   }
   if (list->deliveryCount == SIMULATOR_NOTIFICATION_CAPACITY) {
-    return answered(kWindowsErrorNoSystemResources);
+    return emptyReply(kWindowsErrorNoSystemResources);
   }
   list->deliveries[list->deliveryCount] = (tArmedDelivery){request->token, request->file};
   ++list->deliveryCount;
   ++list->counts.armed;
-  return answered(kWindowsErrorIoPending);
+  return emptyReply(kWindowsErrorIoPending);
 }
 
 bool isNotificationRequest(uint32_t code) {
@@ -140,7 +136,7 @@ bool isNotificationRequest(uint32_t code) {
 tModelReply carryOutNotificationRequest(tModel* model, const tModelRequest* request) {
   switch (request->code) {
     case REQUEST_REGISTER_NOTIFICATION:
-      return registerFor(model, request);
+      return registerFile(model, request);
     case REQUEST_UNREGISTER_NOTIFICATION:
       return unregister(model, request);
     default:
@@ -157,7 +153,7 @@ static bool deliver(tModel* model, uint64_t file, const tNotificationDelivery* n
   const uint32_t armed = findDelivery(list, file);
   if (armed != list->deliveryCount) {
     ++list->counts.delivered;
-    complete(model, takeDelivery(list, armed), kWindowsErrorNone, notice);
+    complete(model, removeDelivery(list, armed), kWindowsErrorNone, notice);
     return true;
   }
   if (list->noticeCount == SIMULATOR_NOTIFICATION_CAPACITY) {
@@ -182,16 +178,16 @@ static tNotificationDelivery noticeFor(const tRegistration* registration,
 
 uint32_t notify(tModel* model, const tSimulatorNotice* notice) {
   const tNotificationList* list = &model->notifications;
-  uint32_t told = 0;
+  uint32_t notified = 0;
   for (uint32_t i = 0; i < list->registrationCount; ++i) {
     const tRegistration* registration = &list->registrations[i];
     if ((registration->mask & notice->mask) != 0 &&
         (notice->file == 0 || notice->file == registration->file.file)) {
       const tNotificationDelivery delivery = noticeFor(registration, notice);
-      told += deliver(model, registration->file.file, &delivery) ? 1 : 0;
+      notified += deliver(model, registration->file.file, &delivery) ? 1 : 0;
     }
   }
-  return told;
+  return notified;
 }
 
 /* ---- The end ---- */
@@ -201,14 +197,14 @@ void abortNotificationsOf(tModel* model, const tModelFile* file) {
   uint32_t index = 0;
   while (index < list->registrationCount) {
     if (list->registrations[index].file.file == file->file) {
-      complete(model, takeRegistration(list, index), kWindowsErrorOperationAborted, NULL);
+      complete(model, removeRegistration(list, index), kWindowsErrorOperationAborted, NULL);
     } else {
       ++index;
     }
   }
   for (index = findDelivery(list, file->file); index < list->deliveryCount;
        index = findDelivery(list, file->file)) {
-    complete(model, takeDelivery(list, index), kWindowsErrorOperationAborted, NULL);
+    complete(model, removeDelivery(list, index), kWindowsErrorOperationAborted, NULL);
   }
   dropNotices(list, file->file);
 }
@@ -216,26 +212,26 @@ void abortNotificationsOf(tModel* model, const tModelFile* file) {
 void abortAllNotifications(tModel* model) {
   tNotificationList* list = &model->notifications;
   while (list->registrationCount != 0) {
-    complete(model, takeRegistration(list, 0), kWindowsErrorOperationAborted, NULL);
+    complete(model, removeRegistration(list, 0), kWindowsErrorOperationAborted, NULL);
   }
   while (list->deliveryCount != 0) {
-    complete(model, takeDelivery(list, 0), kWindowsErrorOperationAborted, NULL);
+    complete(model, removeDelivery(list, 0), kWindowsErrorOperationAborted, NULL);
   }
   list->counts.dropped += list->noticeCount;
   list->noticeCount = 0;
 }
 
-bool forgetNotificationRequest(tModel* model, uint64_t token) {
+bool cancelNotificationRequest(tModel* model, uint64_t token) {
   tNotificationList* list = &model->notifications;
   for (uint32_t i = 0; i < list->registrationCount; ++i) {
     if (list->registrations[i].token == token) {
-      takeRegistration(list, i);
+      removeRegistration(list, i);
       return true;
     }
   }
   for (uint32_t i = 0; i < list->deliveryCount; ++i) {
     if (list->deliveries[i].token == token) {
-      takeDelivery(list, i);
+      removeDelivery(list, i);
       return true;
     }
   }

@@ -20,6 +20,14 @@ void logClear(tRequestLog* log) {
   log->nextSequence = 1;
 }
 
+void logStartEntry(tSimulatorLogEntry* entry, const tModelFile* file, tSimulatorEvent event) {
+  fillWithZeros(entry, sizeof(*entry));
+  entry->process = file->process;
+  entry->file = file->file;
+  entry->event = event;
+  entry->interfaceKind = file->interfaceKind;
+}
+
 tSimulatorLogEntry* logAppend(tRequestLog* log, const tSimulatorLogEntry* entry) {
   tSimulatorLogEntry* slot = &log->entries[slotOf(log->nextSequence)];
   *slot = *entry;

@@ -2,9 +2,7 @@
 #ifndef SIMULATOR_MODEL_REQUESTLOG_H
 #define SIMULATOR_MODEL_REQUESTLOG_H
 
-#include <stdint.h>
-
-#include "simulator/protocol/controlprotocol.h"
+#include "simulator/model/host.h"
 
 typedef struct tRequestLog {
   uint64_t nextSequence; /* 1 after clearing */
@@ -12,6 +10,8 @@ typedef struct tRequestLog {
 } tRequestLog;
 
 void logClear(tRequestLog* log);
+/* Zeroes the entry except for the file and the event. */
+void logStartEntry(tSimulatorLogEntry* entry, const tModelFile* file, tSimulatorEvent event);
 /* Appends a copy of the entry with the next sequence number. The returned copy may be modified
  * while it is among the latest SIMULATOR_LOG_CAPACITY. */
 tSimulatorLogEntry* logAppend(tRequestLog* log, const tSimulatorLogEntry* entry);

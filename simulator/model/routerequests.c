@@ -1,14 +1,10 @@
-#include "simulator/model/routerequests.h"
+/* The requests of the trigger-routing interface. */
+#include <stddef.h>
 
+#include "protocol/controllerrequests.h"
 #include "protocol/routingrequests.h"
 #include "simulator/model/bytes.h"
-#include "simulator/model/notifications.h"
-#include "simulator/model/routecalculation.h"
-#include "simulator/model/terminals.h"
-
-enum {
-  kTerminals = 11
-};
+#include "simulator/model/driverrequests.h"
 
 static void answerStatus(void* reply, int32_t status) {
   const tStatusReply answer = {status};
@@ -25,11 +21,185 @@ static void answerList(void* reply, uint32_t count, int32_t status) {
   copyBytes(reply, &answer, sizeof(answer));
 }
 
-void carryOutCountTerminals(tModel* model, const tModelFile* file, const void* input, void* reply) {
-  (void)model;
-  (void)file;
-  (void)input;
-  answerValue(reply, kTerminals, 0);
+static bool excludesEachOther(const tRoute* held, const tRoute* wanted) {
+  return held->state != kSimulatorRouteCalculated && held->ticket != wanted->ticket &&
+         held->destination == wanted->destination &&
+         (held->source != wanted->source || held->inverts != wanted->inverts);
+}
+
+/* Finds the routes that hold the destination of `wanted`. Writes at most `capacity` records to the
+ * caller's address `to` and returns the number of conflicts. A capacity of 0 only counts them. */
+static uint32_t findConflicts(tModel* model, const tRoute* wanted, uint64_t to, uint32_t capacity,
+                              bool* reachable) {
+  uint32_t count = 0;
+  *reachable = true;
+  for (uint32_t i = 0; i < model->router.count; ++i) {
+    const tRoute* held = &model->router.routes[i];
+    if (!excludesEachOther(held, wanted)) {
+      continue;
+    }
+    if (count < capacity) {
+      const tRouteConflict conflict = {held->session.file, held->ticket, 0};
+      *reachable =
+          *reachable && model->host.writeCaller(model->host.context, wanted->session.process,
+                                                to + (uint64_t)count * sizeof(conflict), &conflict,
+                                                sizeof(conflict));
+    }
+    ++count;
+  }
+  return count;
+}
+
+/* ---- Calculation ---- */
+
+/* Extra cost of a line that is reserved, so that a free line is preferred. */
+enum {
+  kReservedLineCost = 1000
+};
+
+/* The state of a calculation: the request, and the number of routes found so far. */
+typedef struct tCalculation {
+  tModel* model;
+  const tModelFile* session;
+  tCalculateRouteRequest request;
+  tRouteModifiers modifiers;
+  uint32_t found;
+  int32_t status;
+} tCalculation;
+
+typedef struct tCandidate {
+  uint32_t source;
+  uint32_t seed;
+  uint32_t cost;
+  bool exists;
+} tCandidate;
+
+static bool readRecord(const tCalculation* calculation, uint64_t list, uint32_t index, void* record,
+                       uint32_t size) {
+  const tModelHost* host = &calculation->model->host;
+  return host->readCaller(host->context, calculation->session->process,
+                          list + (uint64_t)index * size, record, size);
+}
+
+static uint32_t fullCost(const tCalculation* calculation, const tRouteSeed* seed,
+                         uint32_t destination, bool inverts) {
+  const tRoute wanted = {.session = *calculation->session,
+                         .source = seed->terminal,
+                         .destination = destination,
+                         .inverts = inverts};
+  bool reachable = true;
+  const bool respectsReservations =
+      (calculation->request.options & ROUTE_OPTION_IGNORE_RESERVATIONS) == 0;
+  const bool isReserved =
+      respectsReservations && findConflicts(calculation->model, &wanted, 0, 0, &reachable) != 0;
+  const uint64_t cost = (uint64_t)seed->cost + costOf(seed->terminal, destination, inverts) +
+                        (isReserved ? kReservedLineCost : 0);
+  return cost > UINT32_MAX ? UINT32_MAX : (uint32_t)cost;
+}
+
+/* The cheapest route to a destination; of several with the same cost, that of the first seed. */
+static tCandidate cheapest(tCalculation* calculation, uint32_t destination, bool inverts) {
+  tCandidate best = {0, 0, 0, false};
+  for (uint32_t i = 0; i < calculation->request.seedCount; ++i) {
+    tRouteSeed seed;
+    if (!readRecord(calculation, calculation->request.seeds, i, &seed, sizeof(seed))) {
+      calculation->status = SIMULATOR_STATUS_BAD_ADDRESS;
+      return best;
+    }
+    if (!isTerminal(seed.terminal)) {
+      calculation->status = SIMULATOR_STATUS_NO_SUCH_TERMINAL;
+      return best;
+    }
+    /* A route that does not invert cannot start at a seed that needs inversion. */
+    const bool fits = inverts || (seed.constraints & ROUTE_CONSTRAINT_INVERSION_NEEDED) == 0;
+    if (fits && canBeRouted(seed.terminal, destination, inverts)) {
+      const uint32_t cost = fullCost(calculation, &seed, destination, inverts);
+      if (!best.exists || cost < best.cost) {
+        best = (tCandidate){seed.terminal, i, cost, true};
+      }
+    }
+  }
+  return best;
+}
+
+static void addRoute(tCalculation* calculation, uint32_t destination, bool inverts) {
+  const tCandidate best = cheapest(calculation, destination, inverts);
+  if (calculation->status < 0 || !best.exists ||
+      calculation->found == calculation->request.routeCapacity) {
+    return;
+  }
+  const tRoute route = {.session = *calculation->session,
+                        .source = best.source,
+                        .destination = destination,
+                        .state = kSimulatorRouteCalculated,
+                        .inverts = inverts};
+  const tRoute* added = routerAdd(&calculation->model->router, &route);
+  if (added == NULL) {
+    calculation->status = SIMULATOR_STATUS_TOO_MANY_ROUTES;
+    return;
+  }
+  const tRouteRecord record = {added->ticket, destination, best.cost,
+                               best.seed,     inverts,     {0, 0, 0}};
+  const tModelHost* host = &calculation->model->host;
+  if (!host->writeCaller(host->context, calculation->session->process,
+                         calculation->request.routes + calculation->found * sizeof(record), &record,
+                         sizeof(record))) {
+    routerRemove(&calculation->model->router, added);
+    calculation->status = SIMULATOR_STATUS_BAD_ADDRESS;
+    return;
+  }
+  ++calculation->found;
+}
+
+/* Plain unless inversion is required; inverting if required, optional, or without a plain route. */
+static void addRoutesTo(tCalculation* calculation, uint32_t destination) {
+  const bool required = (calculation->modifiers.required & ROUTE_CONSTRAINT_INVERSION_NEEDED) != 0;
+  const bool wanted =
+      required || (calculation->modifiers.optional & ROUTE_CONSTRAINT_INVERSION_NEEDED) != 0;
+  const uint32_t before = calculation->found;
+  if (!required) {
+    addRoute(calculation, destination, false);
+  }
+  if (wanted || (calculation->found == before && calculation->status >= 0)) {
+    addRoute(calculation, destination, true);
+  }
+}
+
+/* Removes the routes that a failed calculation has added. */
+static void removeAddedRoutes(tCalculation* calculation) {
+  tRouter* router = &calculation->model->router;
+  for (; calculation->found != 0; --calculation->found) {
+    routerRemove(router, &router->routes[router->count - 1]);
+  }
+}
+
+static void calculate(tCalculation* calculation) {
+  if (!readRecord(calculation, calculation->request.modifiers, 0, &calculation->modifiers,
+                  sizeof(calculation->modifiers))) {
+    calculation->status = SIMULATOR_STATUS_BAD_ADDRESS;
+  }
+  for (uint32_t i = 0; i < calculation->request.destinationCount && calculation->status >= 0; ++i) {
+    uint32_t destination;
+    if (!readRecord(calculation, calculation->request.destinations, i, &destination,
+                    sizeof(destination))) {
+      calculation->status = SIMULATOR_STATUS_BAD_ADDRESS;
+    } else if (!isTerminal(destination)) {
+      calculation->status = SIMULATOR_STATUS_NO_SUCH_TERMINAL;
+    } else {
+      addRoutesTo(calculation, destination);
+    }
+  }
+  if (calculation->status < 0) {
+    removeAddedRoutes(calculation);
+  }
+}
+
+void carryOutCalculateRoute(tModel* model, const tModelFile* file, const void* input, void* reply) {
+  tCalculation calculation = {.model = model, .session = file};
+  copyBytes(&calculation.request, input, sizeof(calculation.request));
+  calculate(&calculation);
+  const tCalculateRouteReply answer = {calculation.found, calculation.found, calculation.status};
+  copyBytes(reply, &answer, sizeof(answer));
 }
 
 /* ---- States of a route ---- */
@@ -37,9 +207,9 @@ void carryOutCountTerminals(tModel* model, const tModelFile* file, const void* i
 /* Moves a route to an adjacent state; rejects requests out of order. */
 static int32_t step(tModel* model, const tModelFile* file, const void* input,
                     tSimulatorRouteState from, tSimulatorRouteState to) {
-  tTicketRequest asked;
-  copyBytes(&asked, input, sizeof(asked));
-  tRoute* route = routerFind(&model->router, file->file, asked.ticket);
+  tTicketRequest request;
+  copyBytes(&request, input, sizeof(request));
+  tRoute* route = routerFind(&model->router, file->file, request.ticket);
   if (route == NULL) {
     return SIMULATOR_STATUS_NO_SUCH_TICKET;
   }
@@ -64,9 +234,9 @@ void carryOutUnreserveRoute(tModel* model, const tModelFile* file, const void* i
 
 /* Allowed in any state: destroyRoute cannot report failure. */
 void carryOutDestroyRoute(tModel* model, const tModelFile* file, const void* input, void* reply) {
-  tTicketRequest asked;
-  copyBytes(&asked, input, sizeof(asked));
-  const tRoute* route = routerFind(&model->router, file->file, asked.ticket);
+  tTicketRequest request;
+  copyBytes(&request, input, sizeof(request));
+  const tRoute* route = routerFind(&model->router, file->file, request.ticket);
   if (route == NULL) {
     answerStatus(reply, SIMULATOR_STATUS_NO_SUCH_TICKET);
   } else {
@@ -75,9 +245,9 @@ void carryOutDestroyRoute(tModel* model, const tModelFile* file, const void* inp
   }
 }
 
-static int32_t reserve(tModel* model, const tModelFile* file, const tTicketListRequest* asked,
+static int32_t reserve(tModel* model, const tModelFile* file, const tTicketListRequest* request,
                        uint32_t* conflicts) {
-  tRoute* route = routerFind(&model->router, file->file, asked->ticket);
+  tRoute* route = routerFind(&model->router, file->file, request->ticket);
   if (route == NULL) {
     return SIMULATOR_STATUS_NO_SUCH_TICKET;
   }
@@ -85,7 +255,7 @@ static int32_t reserve(tModel* model, const tModelFile* file, const tTicketListR
     return SIMULATOR_STATUS_WRONG_ORDER;
   }
   bool reachable = true;
-  *conflicts = findConflicts(model, route, asked->buffer, asked->count, &reachable);
+  *conflicts = findConflicts(model, route, request->buffer, request->count, &reachable);
   if (!reachable) {
     return SIMULATOR_STATUS_BAD_ADDRESS;
   }
@@ -97,10 +267,10 @@ static int32_t reserve(tModel* model, const tModelFile* file, const tTicketListR
 }
 
 void carryOutReserveRoute(tModel* model, const tModelFile* file, const void* input, void* reply) {
-  tTicketListRequest asked;
-  copyBytes(&asked, input, sizeof(asked));
+  tTicketListRequest request;
+  copyBytes(&request, input, sizeof(request));
   uint32_t conflicts = 0;
-  const int32_t status = reserve(model, file, &asked, &conflicts);
+  const int32_t status = reserve(model, file, &request, &conflicts);
   answerList(reply, conflicts, status);
 }
 
@@ -111,7 +281,8 @@ static uint32_t terminalOfPath(const tRoute* route, uint32_t index, uint32_t len
   if (index == 0) {
     return route->source;
   }
-  return index == length - 1 ? route->destination : 4 + (index - 1) % 8;
+  return index == length - 1 ? route->destination
+                             : kRouterFirstLine + (index - 1) % kRouterLineCount;
 }
 
 static bool writePath(const tModel* model, const tRoute* route, uint64_t to, uint32_t length) {
@@ -126,67 +297,54 @@ static bool writePath(const tModel* model, const tRoute* route, uint64_t to, uin
 }
 
 void carryOutGetPath(tModel* model, const tModelFile* file, const void* input, void* reply) {
-  tTicketListRequest asked;
-  copyBytes(&asked, input, sizeof(asked));
-  const tRoute* route = routerFind(&model->router, file->file, asked.ticket);
+  tTicketListRequest request;
+  copyBytes(&request, input, sizeof(request));
+  const tRoute* route = routerFind(&model->router, file->file, request.ticket);
   if (route == NULL) {
     answerList(reply, 0, SIMULATOR_STATUS_NO_SUCH_TICKET);
     return;
   }
   const uint32_t length = model->router.pathLength == 0 ? 2 : model->router.pathLength;
-  if (asked.count < length) {
+  if (request.count < length) {
     answerList(reply, length, DRIVER_STATUS_PATH_TOO_LONG);
   } else {
     answerList(reply, length,
-               writePath(model, route, asked.buffer, length) ? 0 : SIMULATOR_STATUS_BAD_ADDRESS);
+               writePath(model, route, request.buffer, length) ? 0 : SIMULATOR_STATUS_BAD_ADDRESS);
   }
 }
 
 /* ---- The topography and its terminals ---- */
 
+void carryOutCountTerminals(tModel* model, const tModelFile* file, const void* input, void* reply) {
+  (void)model;
+  (void)file;
+  (void)input;
+  answerValue(reply, kRouterTerminalCount, 0);
+}
+
 void carryOutGetTopographyName(tModel* model, const tModelFile* file, const void* input,
                                void* reply) {
-  tGetTopographyNameRequest asked;
-  copyBytes(&asked, input, sizeof(asked));
-  const uint32_t size = smallerOf(asked.size, model->router.topographyNameSize);
+  tGetTopographyNameRequest request;
+  copyBytes(&request, input, sizeof(request));
+  const uint32_t size = smallerOf(request.size, model->router.topographyNameSize);
   const bool written =
-      size == 0 || model->host.writeCaller(model->host.context, file->process, asked.buffer,
+      size == 0 || model->host.writeCaller(model->host.context, file->process, request.buffer,
                                            model->router.topographyName, size);
   answerStatus(reply, written ? 0 : SIMULATOR_STATUS_BAD_ADDRESS);
-}
-
-static void tellDemotion(tModel* model, const tRoute* route) {
-  tSimulatorNotice notice;
-  fillWithZeros(&notice, sizeof(notice));
-  notice.file = route->session.file;
-  notice.mask = ROUTING_NOTIFICATION_DEMOTED;
-  notice.payloadSize = sizeof(route->ticket);
-  copyBytes(notice.payload, &route->ticket, sizeof(route->ticket));
-  notify(model, &notice);
-}
-
-bool demoteRoute(tModel* model, uint32_t ticket) {
-  tRoute* route = routerFindTicket(&model->router, ticket);
-  if (route == NULL || route->state == kSimulatorRouteCalculated) {
-    return false;
-  }
-  routerDemote(&model->router, route);
-  tellDemotion(model, route);
-  return true;
 }
 
 /* Demotes the programmed routes that drive the terminal. */
 void carryOutResetTerminal(tModel* model, const tModelFile* file, const void* input, void* reply) {
   (void)file;
-  tResetTerminalRequest asked;
-  copyBytes(&asked, input, sizeof(asked));
-  if (!isTerminal(asked.terminal)) {
+  tResetTerminalRequest request;
+  copyBytes(&request, input, sizeof(request));
+  if (!isTerminal(request.terminal)) {
     answerStatus(reply, SIMULATOR_STATUS_NO_SUCH_TERMINAL);
     return;
   }
   for (uint32_t i = 0; i < model->router.count; ++i) {
     const tRoute* route = &model->router.routes[i];
-    if (route->destination == asked.terminal && route->state == kSimulatorRouteProgrammed) {
+    if (route->destination == request.terminal && route->state == kSimulatorRouteProgrammed) {
       demoteRoute(model, route->ticket);
     }
   }
@@ -196,10 +354,10 @@ void carryOutResetTerminal(tModel* model, const tModelFile* file, const void* in
 void carryOutCalculateReset(tModel* model, const tModelFile* file, const void* input, void* reply) {
   (void)model;
   (void)file;
-  tCalculateResetTerminalRequest asked;
-  copyBytes(&asked, input, sizeof(asked));
-  if (isTerminal(asked.terminal)) {
-    answerValue(reply, restingSource(asked.terminal, asked.floating != 0), 0);
+  tCalculateResetTerminalRequest request;
+  copyBytes(&request, input, sizeof(request));
+  if (isTerminal(request.terminal)) {
+    answerValue(reply, restingSource(request.terminal, request.floating != 0), 0);
   } else {
     answerValue(reply, 0, SIMULATOR_STATUS_NO_SUCH_TERMINAL);
   }

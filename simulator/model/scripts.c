@@ -2,7 +2,7 @@
 
 #include <stddef.h>
 
-#include "simulator/model/windowserrors.h"
+#include "simulator/model/host.h"
 
 enum {
   kWindowsErrorLimit = 65536
@@ -50,7 +50,8 @@ static bool matches(const tSimulatorScript* script, uint32_t interfaceKind, uint
          (script->requestCode == 0 || script->requestCode == requestCode);
 }
 
-static bool takes(tActiveScript* entry) {
+/* Counts a matching request. False if the script lets it through. */
+static bool answersNext(tActiveScript* entry) {
   if (entry->skipped < entry->script.skip) {
     ++entry->skipped;
     return false;
@@ -65,11 +66,11 @@ static bool takes(tActiveScript* entry) {
   return true;
 }
 
-const tSimulatorScript* scriptsTake(tScriptList* scripts, uint32_t interfaceKind,
-                                    uint32_t requestCode) {
+const tSimulatorScript* scriptsSelect(tScriptList* scripts, uint32_t interfaceKind,
+                                      uint32_t requestCode) {
   for (uint32_t i = 0; i < scripts->count; ++i) {
     tActiveScript* entry = &scripts->entries[i];
-    if (matches(&entry->script, interfaceKind, requestCode) && takes(entry)) {
+    if (matches(&entry->script, interfaceKind, requestCode) && answersNext(entry)) {
       return &entry->script;
     }
   }

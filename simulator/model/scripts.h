@@ -25,7 +25,7 @@ bool scriptsAdd(tScriptList* scripts, const tSimulatorScript* script);
 /* Returns the script that answers this request, or null. Tries the matching scripts in order: one
  * that skips the request counts it against its `skip`, and the next is tried; one that answers it
  * counts it against its `times`, and later ones do not count it. */
-const tSimulatorScript* scriptsTake(tScriptList* scripts, uint32_t interfaceKind,
-                                    uint32_t requestCode);
+const tSimulatorScript* scriptsSelect(tScriptList* scripts, uint32_t interfaceKind,
+                                      uint32_t requestCode);
 
 #endif

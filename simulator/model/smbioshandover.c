@@ -1,6 +1,8 @@
 #include "simulator/model/smbioshandover.h"
 
+#include "protocol/controllerrequests.h"
 #include "simulator/model/bytes.h"
+#include "simulator/model/driverrequests.h"
 
 bool handoverSetText(tSmbiosHandover* handover, const void* text, uint32_t size) {
   if (size > SIMULATOR_TEXT_CAPACITY) {
@@ -18,4 +20,38 @@ bool handoverSetTable(tSmbiosHandover* handover, const void* table, uint32_t siz
   copyBytes(handover->table, table, size);
   handover->tableSize = size;
   return true;
+}
+
+static bool bufferSuffices(uint64_t address, int64_t size, uint32_t needed) {
+  return address != 0 && size >= (int64_t)needed;
+}
+
+static bool writeBytes(const tModelHost* host, uint64_t process, uint64_t address,
+                       const void* source, uint32_t size) {
+  return size == 0 || host->writeCaller(host->context, process, address, source, size);
+}
+
+static int32_t writeToCaller(const tModel* model, const tModelFile* file,
+                             const tExchangeValuesRequest* request) {
+  const tSmbiosHandover* handover = &model->handover;
+  if (!bufferSuffices(request->textBuffer, request->textSize, handover->textSize) ||
+      !bufferSuffices(request->tableBuffer, request->tableSize, handover->tableSize)) {
+    return DRIVER_STATUS_BUFFER_TOO_SMALL;
+  }
+  const bool copied = writeBytes(&model->host, file->process, request->textBuffer, handover->text,
+                                 handover->textSize) &&
+                      writeBytes(&model->host, file->process, request->tableBuffer, handover->table,
+                                 handover->tableSize);
+  return copied ? 0 : SIMULATOR_STATUS_BAD_ADDRESS;
+}
+
+void carryOutExchangeValues(tModel* model, const tModelFile* file, const void* input, void* reply) {
+  tExchangeValuesRequest request;
+  copyBytes(&request, input, sizeof(request));
+  const tExchangeValuesReply answer = {
+      .textSize = model->handover.textSize,
+      .tableSize = model->handover.tableSize,
+      .driverStatus = writeToCaller(model, file, &request),
+  };
+  copyBytes(reply, &answer, sizeof(answer));
 }

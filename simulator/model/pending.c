@@ -1,15 +1,52 @@
-#include "simulator/model/pendingrequests.h"
+#include "simulator/model/pending.h"
 
 #include <stddef.h>
 
 #include "protocol/pendingrequests.h"
 #include "simulator/model/bytes.h"
-#include "simulator/model/logentry.h"
-#include "simulator/model/windowserrors.h"
+#include "simulator/model/model.h"
 
-static tModelReply answered(uint32_t windowsError) {
-  return (tModelReply){windowsError, 0};
+/* ---- The list ---- */
+
+static bool add(tPendingList* pending, const tPendingEntry* entry) {
+  if (pending->count == SIMULATOR_PENDING_CAPACITY) {
+    return false;
+  }
+  pending->entries[pending->count] = *entry;
+  ++pending->count;
+  ++pending->begun;
+  return true;
 }
+
+/* Removes an entry; later ones move up. */
+static tPendingEntry removeAt(tPendingList* pending, uint32_t index) {
+  const tPendingEntry removed = pending->entries[index];
+  --pending->count;
+  ++pending->ended;
+  for (uint32_t i = index; i < pending->count; ++i) {
+    pending->entries[i] = pending->entries[i + 1];
+  }
+  return removed;
+}
+
+/* The index of an entry; `count` if not found. */
+static uint32_t findToken(const tPendingList* pending, uint64_t token) {
+  uint32_t index = 0;
+  while (index < pending->count && pending->entries[index].token != token) {
+    ++index;
+  }
+  return index;
+}
+
+static uint32_t findHandle(const tPendingList* pending, uint64_t handle) {
+  uint32_t index = 0;
+  while (index < pending->count && pending->entries[index].handle != handle) {
+    ++index;
+  }
+  return index;
+}
+
+/* ---- Acceptance and completion ---- */
 
 static uint32_t requestCodeOf(const tPendingEntry* entry) {
   return entry->b >> 32 == 0 ? REQUEST_PENDING_NARROW : REQUEST_PENDING_WIDE;
@@ -18,7 +55,7 @@ static uint32_t requestCodeOf(const tPendingEntry* entry) {
 static void logPending(tModel* model, const tPendingEntry* entry, tSimulatorEvent event,
                        uint32_t windowsError) {
   tSimulatorLogEntry line;
-  startLogEntry(&line, &entry->file, event);
+  logStartEntry(&line, &entry->file, event);
   line.requestCode = requestCodeOf(entry);
   line.windowsError = windowsError;
   line.outputSize = sizeof(entry->handle);
@@ -27,13 +64,13 @@ static void logPending(tModel* model, const tPendingEntry* entry, tSimulatorEven
 }
 
 static void complete(tModel* model, uint32_t index, uint32_t windowsError) {
-  const tPendingEntry entry = pendingRemove(&model->pending, index);
+  const tPendingEntry entry = removeAt(&model->pending, index);
   logPending(model, &entry, kSimulatorEventCompleted, windowsError);
   model->host.completeRequest(model->host.context, entry.token, windowsError, NULL, 0);
 }
 
 /* Writes the handle to the caller and signals its event. Returns the error if the request fails. */
-static uint32_t hand(tModel* model, const tPendingEntry* entry, uint64_t handle) {
+static uint32_t deliverHandle(tModel* model, const tPendingEntry* entry, uint64_t handle) {
   const tModelHost* host = &model->host;
   if (!host->writeCaller(host->context, entry->file.process, entry->handleAddress, &handle,
                          sizeof(handle))) {
@@ -47,7 +84,7 @@ static uint32_t hand(tModel* model, const tPendingEntry* entry, uint64_t handle)
 /* False if acceptance failed, which completes the request. */
 static bool accept(tModel* model, uint32_t index) {
   tPendingEntry* entry = &model->pending.entries[index];
-  const uint32_t windowsError = hand(model, entry, model->pending.nextHandle);
+  const uint32_t windowsError = deliverHandle(model, entry, model->pending.nextHandle);
   if (windowsError != kWindowsErrorNone) {
     complete(model, index, windowsError);
     return false;
@@ -57,27 +94,29 @@ static bool accept(tModel* model, uint32_t index) {
   return true;
 }
 
+/* ---- The requests ---- */
+
 /* The two requests have different layouts of the same arguments. */
-static bool readForm(const tModelRequest* request, tPendingEntry* entry) {
+static bool readArguments(const tModelRequest* request, tPendingEntry* entry) {
   if (request->code == REQUEST_PENDING_NARROW &&
       request->inputSize == sizeof(tPendingNarrowRequest)) {
-    tPendingNarrowRequest form;
-    copyBytes(&form, request->input, sizeof(form));
-    *entry = (tPendingEntry){.handleAddress = form.handleAddress,
-                             .event = form.event,
-                             .b = form.b,
-                             .a = form.a,
-                             .c = form.c};
+    tPendingNarrowRequest sent;
+    copyBytes(&sent, request->input, sizeof(sent));
+    *entry = (tPendingEntry){.handleAddress = sent.handleAddress,
+                             .event = sent.event,
+                             .b = sent.b,
+                             .a = sent.a,
+                             .c = sent.c};
     return true;
   }
   if (request->code == REQUEST_PENDING_WIDE && request->inputSize == sizeof(tPendingWideRequest)) {
-    tPendingWideRequest form;
-    copyBytes(&form, request->input, sizeof(form));
-    *entry = (tPendingEntry){.handleAddress = form.handleAddress,
-                             .event = form.event,
-                             .b = form.b,
-                             .a = form.a,
-                             .c = form.c};
+    tPendingWideRequest sent;
+    copyBytes(&sent, request->input, sizeof(sent));
+    *entry = (tPendingEntry){.handleAddress = sent.handleAddress,
+                             .event = sent.event,
+                             .b = sent.b,
+                             .a = sent.a,
+                             .c = sent.c};
     return true;
   }
   return false;
@@ -85,31 +124,31 @@ static bool readForm(const tModelRequest* request, tPendingEntry* entry) {
 
 static tModelReply begin(tModel* model, const tModelRequest* request) {
   tPendingEntry entry;
-  if (request->token == 0 || !readForm(request, &entry)) {
-    return answered(kWindowsErrorInvalidParameter);
+  if (request->token == 0 || !readArguments(request, &entry)) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
   if (model->pending.acceptance == kSimulatorAcceptNever) {
-    return answered(kWindowsErrorNone);
+    return emptyReply(kWindowsErrorNone);
   }
   entry.token = request->token;
   entry.file = request->file;
-  return pendingAdd(&model->pending, &entry) ? answered(kWindowsErrorIoPending)
-                                             : answered(kWindowsErrorNoSystemResources);
+  return add(&model->pending, &entry) ? emptyReply(kWindowsErrorIoPending)
+                                      : emptyReply(kWindowsErrorNoSystemResources);
 }
 
 static tModelReply end(tModel* model, const tModelRequest* request) {
-  tEndPendingRequest asked;
-  if (request->inputSize != sizeof(asked)) {
-    return answered(kWindowsErrorInvalidParameter);
+  tEndPendingRequest ending;
+  if (request->inputSize != sizeof(ending)) {
+    return emptyReply(kWindowsErrorInvalidParameter);
   }
-  copyBytes(&asked, request->input, sizeof(asked));
-  const uint32_t index = pendingFindHandle(&model->pending, asked.handle);
-  if (asked.handle == 0 || index == model->pending.count ||
+  copyBytes(&ending, request->input, sizeof(ending));
+  const uint32_t index = findHandle(&model->pending, ending.handle);
+  if (ending.handle == 0 || index == model->pending.count ||
       model->pending.entries[index].file.file != request->file.file) {
-    return answered(kWindowsErrorNotFound);
+    return emptyReply(kWindowsErrorNotFound);
   }
   complete(model, index, kWindowsErrorNone);
-  return answered(kWindowsErrorNone);
+  return emptyReply(kWindowsErrorNone);
 }
 
 bool isPendingRequest(uint32_t code) {
@@ -120,6 +159,8 @@ bool isPendingRequest(uint32_t code) {
 tModelReply carryOutPendingRequest(tModel* model, const tModelRequest* request) {
   return request->code == REQUEST_END_PENDING ? end(model, request) : begin(model, request);
 }
+
+/* ---- The host and the control interface ---- */
 
 void acceptPending(tModel* model) {
   uint32_t index = 0;
@@ -132,11 +173,11 @@ void acceptPending(tModel* model) {
 
 bool completePending(tModel* model, uint64_t handle, uint32_t windowsError) {
   bool found = false;
-  uint32_t index = pendingFindHandle(&model->pending, handle);
+  uint32_t index = findHandle(&model->pending, handle);
   while (index < model->pending.count) {
     found = true;
     complete(model, index, windowsError);
-    index = pendingFindHandle(&model->pending, handle);
+    index = findHandle(&model->pending, handle);
   }
   return found;
 }
@@ -152,25 +193,27 @@ void abortPendingOf(tModel* model, const tModelFile* file) {
   }
 }
 
-void abortAllPending(tModel* model) {
+void resetPending(tModel* model) {
   while (model->pending.count != 0) {
     complete(model, 0, kWindowsErrorOperationAborted);
   }
+  model->pending.acceptance = kSimulatorAcceptAtOnce;
+  model->pending.nextHandle = 1;
 }
 
-void acceptIfAtOnce(tModel* model, uint64_t token) {
-  const uint32_t index = pendingFindToken(&model->pending, token);
+void acceptIfImmediate(tModel* model, uint64_t token) {
+  const uint32_t index = findToken(&model->pending, token);
   if (index != model->pending.count && model->pending.acceptance == kSimulatorAcceptAtOnce) {
     accept(model, index);
   }
 }
 
-bool forgetPending(tModel* model, uint64_t token) {
-  const uint32_t index = pendingFindToken(&model->pending, token);
+bool cancelPending(tModel* model, uint64_t token) {
+  const uint32_t index = findToken(&model->pending, token);
   if (index == model->pending.count) {
     return false;
   }
-  const tPendingEntry entry = pendingRemove(&model->pending, index);
+  const tPendingEntry entry = removeAt(&model->pending, index);
   logPending(model, &entry, kSimulatorEventCompleted, kWindowsErrorOperationAborted);
   return true;
 }
