@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "zoapal/protons/status/descriptionwriter.h"
-#include "zoapal/protons/status/mergerule.h"
+#include "zoapal/protons/status/tstatus.h"
 
 namespace zoroco {
 namespace {
@@ -44,7 +44,7 @@ void mergeIntoClient(zoerr_Status& client, const zoerr::Status& source) noexcept
   if (!storeCode(client, source.code)) {
     return;
   }
-  if (hasCapacity(client, zoerr::kSmallestDescription)) {
+  if (hasCapacity(client, zoerr::kMinDescription)) {
     zoerr::resetDescription(client.description, client.capacity);
   }
   try {

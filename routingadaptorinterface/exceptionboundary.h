@@ -7,8 +7,8 @@
 
 #include "quenra_routing.h"
 #include "routingadaptorinterface/clientstatus.h"
-#include "zoapal/protons/startup/tstartup.h"
-#include "zoapal/protons/status/exception.h"
+#include "zoapal/protons/startup/processlifetime.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/failure.h"
 #include "zoarkra/tclientoutput.h"
 

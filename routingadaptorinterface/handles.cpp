@@ -1,7 +1,7 @@
 #include "routingadaptorinterface/handles.h"
 
 #include "routingadaptorinterface/tlivehandles.h"
-#include "zoapal/protons/startup/tneverdestroyed.h"
+#include "zoapal/protons/startup/processlifetime.h"
 #include "zoarkra/failure.h"
 
 namespace zoroco {

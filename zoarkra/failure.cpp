@@ -1,7 +1,7 @@
 #include "zoarkra/failure.h"
 
 #include "zoapal/protons/status/descriptionwriter.h"
-#include "zoapal/protons/status/exception.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 
 namespace zoark {
 namespace {
@@ -20,7 +20,7 @@ bool grow(Status& status) noexcept {
 
 template <class Append>
 void appendGrowing(Status& status, Append append) noexcept {
-  while (append(status.description, status.capacity) == tAppendResult::noRoom && grow(status)) {
+  while (append(status.description, status.capacity) == tAppendResult::noSpace && grow(status)) {
   }
 }
 

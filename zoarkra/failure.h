@@ -4,8 +4,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "zoapal/protons/status/exception.h"
-#include "zoapal/protons/status/tsourcelocation.h"
 #include "zoapal/protons/status/tstatus.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 

@@ -1,6 +1,6 @@
 #include "zoarkra/requestdocument.h"
 
-#include "zoapal/protons/trace/debugprintf.h"
+#include "zoapal/protons/trace/ttrace.h"
 #include "zoarkra/failure.h"
 
 namespace zoark {

@@ -8,7 +8,7 @@
 
 #include "protocol/routingrequests.h"
 #include "quenra_routing.h"
-#include "zoapal/protons/trace/debugprintf.h"
+#include "zoapal/protons/trace/ttrace.h"
 #include "zoarkra/failure.h"
 
 namespace zoark {

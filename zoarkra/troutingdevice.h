@@ -6,7 +6,7 @@
 #include "codegen/apalcodegen/tinterfaceproxy_routing.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/io_notification/windowsu/tionotification.h"
-#include "zoapal/protons/io_notification/windowsu/tthreadedionotificationreader.h"
+#include "zoapal/protons/io_notification/windowsu/tionotificationreader.h"
 #include "zoarkra/iroutingdevice.h"
 
 namespace zoark {

@@ -1,7 +1,7 @@
 #ifndef ZOSMBIOS_LOCATION_H
 #define ZOSMBIOS_LOCATION_H
 
-#include "zoapal/protons/status/tsourcelocation.h"
+#include "zoapal/protons/status/tstatus.h"
 
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 

@@ -8,7 +8,7 @@
 #include <fstream>
 
 #include "tests/fakewindows/allocationplan.h"
-#include "zoapal/protons/cppnewdelete/tstoragequarantine.h"
+#include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
 
 namespace nTests {
 namespace {
@@ -65,7 +65,7 @@ void FaultSweepTest::begin() const {
 
 void FaultSweepTest::end(const tRun& run) {
   nFakeWindows::objects().waitForThreads();
-  nQUENRA1400::nZOAPAL000::storageQuarantine().clear();
+  nQUENRA1400::nZOAPAL000::tQuarantinedStorage::releaseAll();
   EXPECT_THAT(nFakeWindows::objects().open(), testing::IsEmpty());
   EXPECT_THAT(nFakeWindows::com()->open(), testing::IsEmpty());
   bytesAfter_ = nFakeWindows::bytesInUse();

@@ -111,7 +111,7 @@ class tDescription {
             "the text is JSON");
   }
 
-  uint32_t capacity_ = zoerr::kSmallestDescription;
+  uint32_t capacity_ = zoerr::kMinDescription;
   std::unique_ptr<char[]> buffer_;
 };
 

@@ -12,7 +12,7 @@
 
 #include "tests/component/zoarkra/tscriptedroutingdevice.h"
 #include "tests/fakewindows/debugger.h"
-#include "zoapal/protons/status/exception.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/arkroutingadaptorsession.h"
 
 namespace nRouteFuzz {

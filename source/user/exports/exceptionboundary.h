@@ -5,7 +5,6 @@
 
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"
-#include "zoapal/protons/status/exception.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {

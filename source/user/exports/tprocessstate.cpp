@@ -6,8 +6,8 @@
 
 #include "source/user/location.h"
 #include "source/user/statuscodes.h"
-#include "zoapal/protons/cppnewdelete/tstoragequarantine.h"
-#include "zoapal/protons/startup/tneverdestroyed.h"
+#include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
+#include "zoapal/protons/startup/processlifetime.h"
 
 namespace nQUENRA1400 {
 namespace {
@@ -42,7 +42,7 @@ void tProcessState::unload() noexcept {
   if (session_ == nullptr) {
     provider_.clear();
   }
-  nZOAPAL000::storageQuarantine().clear();
+  nZOAPAL000::tQuarantinedStorage::releaseAll();
 }
 
 void tProcessState::open(zoerr::Status& status) noexcept {

@@ -2,7 +2,7 @@
 #define SOURCE_USER_EXPORTS_TPROCESSSTATE_H
 
 #include "source/user/session/tcontrollerusersession.h"
-#include "zoapal/protons/startup/tstartup.h"
+#include "zoapal/protons/startup/processlifetime.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zoapal/protons/synchronization/windowsu/locks.h"
 #include "zosmbios/czosmbioswindowsprovider.h"

@@ -1,7 +1,7 @@
 #ifndef SOURCE_USER_FIRMWARE_PARSERLOCATION_H
 #define SOURCE_USER_FIRMWARE_PARSERLOCATION_H
 
-#include "zoapal/protons/status/tsourcelocation.h"
+#include "zoapal/protons/status/tstatus.h"
 
 namespace nQUENRA1400 {
 

@@ -1,7 +1,7 @@
 #ifndef SOURCE_USER_UPDATE_ENVIRONMENTSTEP_H
 #define SOURCE_USER_UPDATE_ENVIRONMENTSTEP_H
 
-#include "zoapal/protons/status/tsourcelocation.h"
+#include "zoapal/protons/status/tstatus.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {

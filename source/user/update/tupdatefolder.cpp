@@ -4,8 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "zoapal/protons/files/windowsu/protectedfolder.h"
-#include "zoapal/protons/files/windowsu/removetree.h"
+#include "zoapal/protons/files/windowsu/folders.h"
 
 namespace nQUENRA1400 {
 namespace {

@@ -11,7 +11,7 @@
 #include "tests/builders/ttemporaryfolder.h"
 #include "tests/fakewindows/fakewindowstest.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
-#include "zoapal/protons/text/windowsu/widetext.h"
+#include "zoapal/protons/text/windowsu/codepage.h"
 
 namespace nTests {
 namespace {

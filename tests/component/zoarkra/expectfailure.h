@@ -6,7 +6,7 @@
 #include <string>
 
 #include "tests/component/protons/status/descriptiontext.h"
-#include "zoapal/protons/status/exception.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nTests {
 

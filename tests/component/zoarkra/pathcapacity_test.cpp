@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/component/zoarkra/tscriptedroutingdevice.h"
-#include "zoapal/protons/status/exception.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/arkroutingadaptorsession.h"
 
 namespace nTests {

@@ -2,7 +2,7 @@
 
 #include "protocol/routingrequests.h"
 #include "tests/component/zoarkra/routingdevicetest.h"
-#include "zoapal/protons/status/exception.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/arkroutingadaptorsession.h"
 
 namespace nTests {

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <type_traits>
 
-#include "zoapal/protons/status/tsourcelocation.h"
 #include "zoapal/protons/trace/assertion.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
@@ -47,7 +46,7 @@ class tArray {
  private:
   static void requireCapacity(size_t n) noexcept {
     if (!(n <= kMaxSize)) {
-      assertionFailed(nZOAPALS100::kComponent, "tArray", 64, "ASSERT(n <= kMaxSize)");
+      assertionFailed({"tArray", 64}, "ASSERT(n <= kMaxSize)");
     }
   }
 

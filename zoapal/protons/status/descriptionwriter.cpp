@@ -49,7 +49,7 @@ bool isEmptyContainer(std::string_view text) noexcept {
 
 // The text of a buffer; none if the marker or the NUL is missing or the text is not a container.
 std::optional<std::string_view> textOf(const char* buffer, uint32_t capacity) noexcept {
-  if (buffer == nullptr || capacity < kSmallestDescription ||
+  if (buffer == nullptr || capacity < kMinDescription ||
       buffer[capacity - 1] != kDescriptionMarker) {
     return std::nullopt;
   }
@@ -105,13 +105,14 @@ char* writeQuoted(char* to, std::string_view text) noexcept {
 }
 
 // Space for a value of a known length, and for its key if the container is an object.
-struct tRoom {
+struct tSpace {
   tAppendResult result;
   char* position;
   bool keyed;
 };
 
-tRoom makeRoom(char* buffer, uint32_t capacity, std::string_view key, size_t valueLength) noexcept {
+tSpace makeSpace(char* buffer, uint32_t capacity, std::string_view key,
+                 size_t valueLength) noexcept {
   const std::optional<std::string_view> text = textOf(buffer, capacity);
   const std::optional<size_t> closer = text ? findCloser(*text) : std::nullopt;
   if (!closer) {
@@ -124,7 +125,7 @@ tRoom makeRoom(char* buffer, uint32_t capacity, std::string_view key, size_t val
   const char* const endOfZeros = std::find_if(
       zeros, static_cast<const char*>(buffer) + capacity - 1, [](char c) { return c != '\0'; });
   if (static_cast<size_t>(endOfZeros - zeros) < needed) {
-    return {tAppendResult::noRoom, nullptr, false};
+    return {tAppendResult::noSpace, nullptr, false};
   }
   char* position = buffer + *closer;
   std::memmove(position + needed, position, text->size() - *closer + 1);
@@ -135,11 +136,11 @@ tRoom makeRoom(char* buffer, uint32_t capacity, std::string_view key, size_t val
 }
 
 // Returns the position of the value.
-char* writeKey(const tRoom& room, std::string_view key) noexcept {
-  if (!room.keyed) {
-    return room.position;
+char* writeKey(const tSpace& space, std::string_view key) noexcept {
+  if (!space.keyed) {
+    return space.position;
   }
-  char* to = writeQuoted(room.position, key);
+  char* to = writeQuoted(space.position, key);
   *to++ = ':';
   return to;
 }
@@ -147,11 +148,11 @@ char* writeKey(const tRoom& room, std::string_view key) noexcept {
 // A value that needs no quotes.
 tAppendResult appendLiteral(char* buffer, uint32_t capacity, std::string_view key,
                             std::string_view literal) noexcept {
-  const tRoom room = makeRoom(buffer, capacity, key, literal.size());
-  if (room.result == tAppendResult::appended) {
-    literal.copy(writeKey(room, key), literal.size());
+  const tSpace space = makeSpace(buffer, capacity, key, literal.size());
+  if (space.result == tAppendResult::appended) {
+    literal.copy(writeKey(space, key), literal.size());
   }
-  return room.result;
+  return space.result;
 }
 
 }  // namespace
@@ -176,11 +177,11 @@ void resetDescription(char* buffer, uint32_t capacity) noexcept {
 
 tAppendResult appendText(char* buffer, uint32_t capacity, std::string_view key,
                          std::string_view value) noexcept {
-  const tRoom room = makeRoom(buffer, capacity, key, escapedLength(value) + 2);
-  if (room.result == tAppendResult::appended) {
-    writeQuoted(writeKey(room, key), value);
+  const tSpace space = makeSpace(buffer, capacity, key, escapedLength(value) + 2);
+  if (space.result == tAppendResult::appended) {
+    writeQuoted(writeKey(space, key), value);
   }
-  return room.result;
+  return space.result;
 }
 
 tAppendResult appendInteger(char* buffer, uint32_t capacity, std::string_view key,

@@ -13,11 +13,11 @@ namespace zoerr {
 inline constexpr char kDescriptionMarker = 'J';
 inline constexpr std::string_view kEmptyDescription = "{}";
 // An empty description, its NUL and the marker.
-inline constexpr uint32_t kSmallestDescription = 4;
+inline constexpr uint32_t kMinDescription = 4;
 
 enum class tAppendResult {
   appended,
-  noRoom,    // the buffer is unchanged; grow it and try again
+  noSpace,   // the buffer is unchanged; grow it and try again
   unusable,  // the buffer holds no such text; it is unchanged
 };
 
@@ -28,7 +28,7 @@ enum class tAppendResult {
 // Replaces the buffer's text. `text` leaves at least two bytes for its NUL and the marker.
 void replaceDescription(char* buffer, uint32_t capacity, std::string_view text) noexcept;
 
-// Replaces the buffer's text by "{}". `capacity` is at least kSmallestDescription bytes.
+// Replaces the buffer's text by "{}". `capacity` is at least kMinDescription bytes.
 void resetDescription(char* buffer, uint32_t capacity) noexcept;
 
 // Append a member to the object, or an element to the array, at the top level of the text. Texts are

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
-
-#include "zoapal/protons/status/mergerule.h"
+#include <iterator>
 
 namespace nZOAPALS100 {
 namespace {
@@ -33,26 +32,71 @@ const char* textOrEmpty(const char* text) noexcept {
   return text == nullptr ? "" : text;
 }
 
+struct tRow {
+  uint32_t win32Error;
+  int32_t code;
+};
+
+// Searched in this order; the first match counts.
+constexpr tRow kRows[] = {
+    {0, 0},
+    {997, kIoPending},         // ERROR_IO_PENDING
+    {8, kMemoryFull},          // ERROR_NOT_ENOUGH_MEMORY
+    {1450, kMemoryFull},       // ERROR_NO_SYSTEM_RESOURCES
+    {50, kNotSupported},       // ERROR_NOT_SUPPORTED
+    {1, kNotSupported},        // ERROR_INVALID_FUNCTION
+    {31, kGenericFailure},     // ERROR_GEN_FAILURE
+    {1117, kGenericFailure},   // ERROR_IO_DEVICE
+    {87, kInvalidParameter},   // ERROR_INVALID_PARAMETER
+    {2, kNotFound},            // ERROR_FILE_NOT_FOUND
+    {121, kTimeOut},           // ERROR_SEM_TIMEOUT
+    {1359, kInternalError},    // ERROR_INTERNAL_ERROR
+    {5, kAccessDenied},        // ERROR_ACCESS_DENIED
+    {21, kNotReady},           // ERROR_NOT_READY
+    {1617, kDeviceRemoved},    // ERROR_DEVICE_REMOVED
+    {38, kEndOfFile},          // ERROR_HANDLE_EOF
+    {122, kPathTooLong},       // ERROR_INSUFFICIENT_BUFFER
+    {639, kSystemRefused},     //
+    {183, kAlreadyExists},     // ERROR_ALREADY_EXISTS
+    {0xE0000204u, kNotFound},  // SetupAPI ERROR_KEY_DOES_NOT_EXIST
+    {258, kTimeOut},           // WAIT_TIMEOUT
+    {170, kBusy},              // ERROR_BUSY
+};
+static_assert(std::size(kRows) == 22);
+
 }  // namespace
 
-bool mergeStatus(tStatus& status, int32_t code, const char* component, const char* file,
-                 uint32_t line) noexcept {
+bool mergeStatus(tStatus& status, int32_t code, const tSourceLocation& location) noexcept {
   if (!replacesCode(status.code, code)) {
     return false;
   }
   status.code = code;
   if (status.isFull()) {
-    const char* name = textOrEmpty(component);
-    assignText(status.component, name, std::strlen(name));
-    assignFile(status.file, textOrEmpty(file));
-    status.line = line;
+    const char* const component = textOrEmpty(location.component);
+    assignText(status.component, component, std::strlen(component));
+    assignFile(status.file, textOrEmpty(location.file));
+    status.line = location.line;
     status.extension[0] = 0;
   }
   return true;
 }
 
-bool mergeStatus(tStatus& status, int32_t code, const tSourceLocation& location) noexcept {
-  return mergeStatus(status, code, location.component, location.file, location.line);
+int32_t statusOfWin32Error(uint32_t win32Error) noexcept {
+  const tRow* row = std::find_if(std::begin(kRows), std::end(kRows), [win32Error](const tRow& r) {
+    return r.win32Error == win32Error;
+  });
+  return row == std::end(kRows) ? kGenericFailure : row->code;
+}
+
+void mergeWin32Error(uint32_t win32Error, tStatus& status, const char* file,
+                     uint32_t line) noexcept {
+  mergeStatus(status, statusOfWin32Error(win32Error), {file, line});
+}
+
+void mergeWin32Failure(uint32_t win32Error, tStatus& status,
+                       const tSourceLocation& location) noexcept {
+  const int32_t code = win32Error == 0 ? kGenericFailure : statusOfWin32Error(win32Error);
+  mergeStatus(status, code, location);
 }
 
 }  // namespace nZOAPALS100

@@ -4,9 +4,18 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "zoapal/protons/status/tsourcelocation.h"
-
 namespace nZOAPALS100 {
+
+inline constexpr const char* kComponent = "quenra";
+
+// Identifies a site that raises an error. File and line are identifiers, not positions in today's source:
+// users report them and search for them, so a site keeps its numbers when its code moves.
+struct tSourceLocation {
+  const char* file;
+  uint32_t line;
+  const char* component = kComponent;
+  const char* errorConstant = nullptr;  // symbolic name of the code, if the site reports it
+};
 
 // Codes of the platform layer.
 inline constexpr int32_t kMemoryFull = -52000;
@@ -27,7 +36,13 @@ inline constexpr int32_t kSystemRefused = -52021;
 inline constexpr int32_t kNotificationTooLarge = -52024;
 inline constexpr int32_t kBusy = -52031;
 
-// The status record of the driver-access layer: a code, and in its full form the place that raised it.
+// The rule by which every status record accepts a new code: the first error wins, an error replaces a
+// warning, a warning never replaces a warning, and success replaces nothing.
+[[nodiscard]] constexpr bool replacesCode(int32_t current, int32_t next) noexcept {
+  return current == 0 ? next != 0 : current > 0 && next < 0;
+}
+
+// The status record of the driver-access layer: a code, and in its full form the location that raised it.
 // Its layout is fixed. A record whose structSize is below kFullSize is a short form: only structSize and
 // code exist in memory.
 //
@@ -45,6 +60,8 @@ struct tStatus {
 
   [[nodiscard]] bool isError() const noexcept { return code < 0; }
   [[nodiscard]] bool isFull() const noexcept { return structSize >= kFullSize; }
+  // Of a full record. Refers to the record's own texts.
+  [[nodiscard]] tSourceLocation location() const noexcept { return {file, line, component}; }
 };
 
 static_assert(sizeof(tStatus) == tStatus::kFullSize);
@@ -54,14 +71,29 @@ static_assert(offsetof(tStatus, file) == 18);
 static_assert(offsetof(tStatus, line) == 120);
 static_assert(offsetof(tStatus, extension) == 128);
 
-// Stores `code` under the merge rule, in a full record together with its source: at most 9 characters
+// Stores `code` under the merge rule, in a full record together with its location: at most 9 characters
 // of the component, and at most 100 of the file. A longer file is shortened in its middle and keeps its
 // beginning and its file name. Clears the extension. Null texts count as empty; the texts may point into
 // the record itself. True when the code was stored.
-bool mergeStatus(tStatus& status, int32_t code, const char* component, const char* file,
-                 uint32_t line) noexcept;
-
 bool mergeStatus(tStatus& status, int32_t code, const tSourceLocation& location) noexcept;
+
+inline bool mergeStatus(tStatus& status, int32_t code, const char* component, const char* file,
+                        uint32_t line) noexcept {
+  return mergeStatus(status, code, {file, line, component});
+}
+
+// The status code for a Windows error: 0 for 0, kGenericFailure for an error without a code of its
+// own. Pending I/O gives a warning on purpose.
+[[nodiscard]] int32_t statusOfWin32Error(uint32_t win32Error) noexcept;
+
+// Merges the code for a Windows error, raised by kComponent. Error 0 changes nothing.
+void mergeWin32Error(uint32_t win32Error, tStatus& status, const char* file,
+                     uint32_t line) noexcept;
+
+// For a call that is known to have failed: as mergeWin32Error, except that a missing error (0) is a
+// failure too, kGenericFailure, so that it can never look like success.
+void mergeWin32Failure(uint32_t win32Error, tStatus& status,
+                       const tSourceLocation& location) noexcept;
 
 }  // namespace nZOAPALS100
 

@@ -4,9 +4,9 @@
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "zoapal/protons/status/descriptionwriter.h"
-#include "zoapal/protons/status/mergerule.h"
 
 namespace zoerr {
 namespace {
@@ -15,7 +15,7 @@ using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
 constexpr uint32_t kFirstCapacity = 512;
-constexpr uint32_t kLargestCapacity = 0x7FFFFFFF;
+constexpr uint32_t kMaxCapacity = 0x7FFFFFFF;
 // The capacity that mergeFrom ensures before it appends: 256 bytes, a NUL and the marker.
 constexpr uint32_t kCapacityForLocation = 258;
 
@@ -31,7 +31,7 @@ bool defaultReallocate(Status& status, uint32_t newCapacity) noexcept {
   if (newCapacity <= status.capacity) {
     return true;
   }
-  if (newCapacity > kLargestCapacity) {
+  if (newCapacity > kMaxCapacity) {
     return false;
   }
   const uint32_t size = std::bit_ceil(std::max(newCapacity, kFirstCapacity));
@@ -57,7 +57,7 @@ bool Status::set(int32_t newCode, const tSourceLocation& location) noexcept {
   }
   code = newCode;
   resetExistingDescription();
-  static_cast<void>(ensureCapacity(kSmallestDescription) && appendLocation(location));
+  static_cast<void>(ensureCapacity(kMinDescription) && appendLocation(location));
   return true;
 }
 
@@ -67,7 +67,7 @@ bool Status::setWithConstant(int32_t newCode, const tSourceLocation& location) n
   }
   code = newCode;
   resetExistingDescription();
-  static_cast<void>(ensureCapacity(kSmallestDescription) &&
+  static_cast<void>(ensureCapacity(kMinDescription) &&
                     appendTextMember("error_constant", location.errorConstant) &&
                     appendLocation(location));
   return true;
@@ -139,12 +139,12 @@ bool Status::ensureCapacity(uint32_t needed) noexcept {
 bool Status::grow() noexcept {
   const uint64_t wanted = uint64_t{capacity} * 2 - 4;
   const uint32_t before = capacity;
-  return wanted <= kLargestCapacity && reallocate != nullptr &&
+  return wanted <= kMaxCapacity && reallocate != nullptr &&
          reallocate(*this, static_cast<uint32_t>(wanted)) && capacity > before;
 }
 
 void Status::resetExistingDescription() noexcept {
-  if (description != nullptr && capacity >= kSmallestDescription) {
+  if (description != nullptr && capacity >= kMinDescription) {
     resetDescription(description, capacity);
   }
 }
@@ -152,7 +152,7 @@ void Status::resetExistingDescription() noexcept {
 template <class Append>
 bool Status::appendGrowing(Append append) noexcept {
   for (;;) {
-    if (append(description, capacity) != tAppendResult::noRoom) {
+    if (append(description, capacity) != tAppendResult::noSpace) {
       return true;
     }
     if (!grow()) {
@@ -178,6 +178,45 @@ bool Status::appendLineMember(uint32_t line) noexcept {
 bool Status::appendLocation(const tSourceLocation& location) noexcept {
   return appendTextMember("file", location.file) && appendLineMember(location.line) &&
          appendTextMember("component", location.component);
+}
+
+// ---- Exceptions ----
+
+ExceptionBase::ExceptionBase(Status& status) noexcept {
+  if (status.code == 0) {
+    return;
+  }
+  if (status.reallocate == status_.reallocate) {
+    status_.code = status.code;
+    status_.capacity = std::exchange(status.capacity, 0);
+    status_.description = std::exchange(status.description, nullptr);
+  } else {
+    status_.mergeFrom(status);
+  }
+}
+
+ExceptionBase::ExceptionBase(const Status& status) noexcept {
+  status_.mergeFrom(status);
+}
+
+ExceptionBase::ExceptionBase(const ExceptionBase& other) noexcept : ExceptionBase(other.status_) {}
+
+ExceptionBase& ExceptionBase::operator=(const ExceptionBase& other) noexcept {
+  if (this != &other) {
+    status_.clear();
+    status_.mergeFrom(other.status_);
+  }
+  return *this;
+}
+
+ExceptionBase::~ExceptionBase() {
+  status_.releaseDescription();
+}
+
+Exception::~Exception() = default;
+
+const char* Exception::what() const noexcept {
+  return status().description == nullptr ? "" : status().description;
 }
 
 }  // namespace zoerr

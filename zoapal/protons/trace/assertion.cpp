@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "zoapal/protons/trace/debugprintf.h"
+#include "zoapal/protons/trace/ttrace.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
@@ -27,9 +27,10 @@ constexpr size_t kMessageSize = 256;
 
 }  // namespace
 
-void assertionFailed(const char* component, const char* file, uint32_t line,
+void assertionFailed(const nZOAPALS100::tSourceLocation& location,
                      const char* expression) noexcept {
-  debugPrintf("[%s|%s|%d] !!ASSERT!!\n", component, file, static_cast<int>(line));
+  debugPrintf("[%s|%s|%d] !!ASSERT!!\n", location.component, location.file,
+              static_cast<int>(location.line));
   char message[kMessageSize] = {};
   std::snprintf(message, sizeof message, "%s ", expression);
   stopProcess(message);

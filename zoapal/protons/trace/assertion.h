@@ -1,7 +1,7 @@
 #ifndef ZOAPAL_PROTONS_TRACE_ASSERTION_H
 #define ZOAPAL_PROTONS_TRACE_ASSERTION_H
 
-#include <cstdint>
+#include "zoapal/protons/status/tstatus.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 
@@ -12,7 +12,7 @@ namespace nQUENRA1400::nZOAPAL000 {
 // exit code STATUS_BREAKPOINT. No exception handler of the client can prevent that, and no destructor
 // runs. Under a debugger it stops at a breakpoint first; a debugger that passes the breakpoint on to
 // the program exposes it to the program's handlers.
-[[noreturn]] void assertionFailed(const char* component, const char* file, uint32_t line,
+[[noreturn]] void assertionFailed(const nZOAPALS100::tSourceLocation& location,
                                   const char* expression) noexcept;
 
 }  // namespace nQUENRA1400::nZOAPAL000

@@ -1,4 +1,4 @@
-#include "zoapal/protons/files/windowsu/protectedfolder.h"
+#include "zoapal/protons/files/windowsu/folders.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

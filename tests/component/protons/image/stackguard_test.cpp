@@ -1,11 +1,13 @@
 // The stack guard: the loader replaces its value, and an overwritten guard ends the process.
-#include "zoapal/protons/image/windows/stackguard.h"
-
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+
+// The guard of this image.
+extern "C" uintptr_t __stack_chk_guard;  // NOLINT(bugprone-reserved-identifier)
 
 namespace nTests {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "tests/component/protons/driver/drivertest.h"
 #include "zoapal/protons/io_notification/windowsu/tionotification.h"
-#include "zoapal/protons/io_notification/windowsu/tthreadedionotificationreader.h"
+#include "zoapal/protons/io_notification/windowsu/tionotificationreader.h"
 
 namespace nTests {
 

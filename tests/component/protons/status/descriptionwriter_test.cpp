@@ -215,7 +215,7 @@ TEST_P(ExactRoom, MemberAndComma_FitWithoutGrowing) {
 TEST_P(ExactRoom, OneByteMore_FailsAndChangesNothing) {
   tBuffer buffer(GetParam());
   const std::vector<char> before = buffer.bytes();
-  EXPECT_EQ(buffer.append("k", fillingValue(GetParam()) + "v"), tAppendResult::noRoom);
+  EXPECT_EQ(buffer.append("k", fillingValue(GetParam()) + "v"), tAppendResult::noSpace);
   EXPECT_EQ(buffer.bytes(), before);
 }
 
@@ -223,7 +223,7 @@ TEST_P(ExactRoom, EscapesCountAsWritten) {
   tBuffer buffer(GetParam());
   std::string value = fillingValue(GetParam());
   value.back() = '\\';
-  EXPECT_EQ(buffer.append("k", value), tAppendResult::noRoom);
+  EXPECT_EQ(buffer.append("k", value), tAppendResult::noSpace);
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, ExactRoom, testing::Values("{}", R"({"a":1})"));
@@ -274,7 +274,7 @@ TEST_P(Literal, NeedsExactlyItsRoom) {
   EXPECT_EQ(buffer.back(), 'J');
   std::vector<char> small(enough - 1);
   zoerr::resetDescription(small.data(), enough - 1);
-  EXPECT_EQ(literal.append(small.data(), enough - 1, "k"), tAppendResult::noRoom);
+  EXPECT_EQ(literal.append(small.data(), enough - 1, "k"), tAppendResult::noSpace);
   EXPECT_STREQ(small.data(), "{}");
 }
 
@@ -312,7 +312,7 @@ TEST(DescriptionWriter, RealNumberThatIsNotFinite_IsNull) {
 TEST(DescriptionWriter, StrayByteInTheFreeRoom_EndsTheRoom) {
   tBuffer buffer("{}", 64);
   buffer.set(12, 'x');
-  EXPECT_EQ(buffer.append("k", "1234"), tAppendResult::noRoom);
+  EXPECT_EQ(buffer.append("k", "1234"), tAppendResult::noSpace);
   EXPECT_EQ(buffer.append("k", "123"), tAppendResult::appended);
   EXPECT_EQ(buffer.text(), R"({"k":"123"})");
   EXPECT_EQ(buffer.bytes()[12], 'x');

@@ -1,4 +1,4 @@
-#include "zoapal/protons/status/exception.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 
 #include <gtest/gtest.h>
 

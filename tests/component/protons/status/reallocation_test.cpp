@@ -107,7 +107,7 @@ TEST_F(ClientReallocation, MissingOnTheWay_KeepsTheMembersThatFit) {
 }
 
 TEST_F(ClientReallocation, SmallestDescription_IsMadeEmpty) {
-  zoerr::Status status = tClientHeap::statusWithDescription(zoerr::kSmallestDescription);
+  zoerr::Status status = tClientHeap::statusWithDescription(zoerr::kMinDescription);
   status.reallocate = &tClientHeap::refuse;
   status.description[0] = 'x';
   EXPECT_TRUE(status.set(-3, {"file", 1}));

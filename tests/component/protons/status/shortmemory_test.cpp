@@ -6,7 +6,6 @@
 
 #include "tests/component/protons/status/descriptiontext.h"
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
-#include "zoapal/protons/status/exception.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nTests {

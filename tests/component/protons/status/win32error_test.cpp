@@ -1,4 +1,4 @@
-#include "zoapal/protons/status/win32error.h"
+#include "zoapal/protons/status/tstatus.h"
 
 #include <gtest/gtest.h>
 
@@ -103,7 +103,7 @@ TEST(Win32Error, ErrorOnPending_ReplacesIt) {
 
 TEST(Win32Failure, WithoutAnError_IsAGenericFailure) {
   tStatus status;
-  mergeWin32Failure(0, status, "some file", 77);
+  mergeWin32Failure(0, status, {"some file", 77});
   EXPECT_EQ(status.code, -52003);
   EXPECT_STREQ(status.component, "quenra");
   EXPECT_STREQ(status.file, "some file");
@@ -112,7 +112,7 @@ TEST(Win32Failure, WithoutAnError_IsAGenericFailure) {
 
 TEST(Win32Failure, WithAnError_HasItsCode) {
   tStatus status;
-  mergeWin32Failure(170, status, "some file", 77);
+  mergeWin32Failure(170, status, {"some file", 77});
   EXPECT_EQ(status.code, -52031);
 }
 

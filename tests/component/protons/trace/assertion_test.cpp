@@ -23,7 +23,7 @@ struct tFarewell {
 void failAssertion() {
   const tFarewell farewell;
   nFakeWindows::showDebuggerOutput();
-  assertionFailed("quenra", "tArray", 64, "ASSERT(n <= kMaxSize)");
+  assertionFailed({"tArray", 64}, "ASSERT(n <= kMaxSize)");
 }
 
 class Assertion : public testing::Test {

@@ -24,7 +24,7 @@ const tFarewell farewell;
 }
 
 void fail() {
-  nQUENRA1400::nZOAPAL000::assertionFailed("quenra", "tArray", 64, "ASSERT(n <= kMaxSize)");
+  nQUENRA1400::nZOAPAL000::assertionFailed({"tArray", 64}, "ASSERT(n <= kMaxSize)");
 }
 // Hides from the compiler that fail() does not return.
 void (*volatile failHidden)() = &fail;

@@ -1,6 +1,5 @@
 #include "tests/component/protons/trace/debuggerlistener.h"
 #include "tests/fakewindows/fakewindowstest.h"
-#include "zoapal/protons/trace/tconsoletracedestination.h"
 #include "zoapal/protons/trace/ttrace.h"
 
 namespace nTests {

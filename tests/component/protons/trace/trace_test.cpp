@@ -9,8 +9,6 @@
 #include <vector>
 
 #include "tests/component/protons/trace/debuggerlistener.h"
-#include "zoapal/protons/trace/debugprintf.h"
-#include "zoapal/protons/trace/tconsoletracedestination.h"
 #include "zoapal/protons/trace/ttrace.h"
 
 namespace nTests {

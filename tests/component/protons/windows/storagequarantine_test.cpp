@@ -6,15 +6,12 @@
 
 #include "tests/fakewindows/allocationplan.h"
 #include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
-#include "zoapal/protons/cppnewdelete/tstoragequarantine.h"
 
 namespace nTests {
 namespace {
 
 using nFakeWindows::bytesInUse;
-using nQUENRA1400::nZOAPAL000::storageQuarantine;
 using nQUENRA1400::nZOAPAL000::tQuarantinedStorage;
-using nQUENRA1400::nZOAPAL000::tStorageQuarantine;
 
 struct tObject : tQuarantinedStorage {
   tObject() = default;
@@ -28,7 +25,7 @@ struct tObject : tQuarantinedStorage {
 
 class StorageQuarantine : public testing::Test {
  protected:
-  ~StorageQuarantine() override { storageQuarantine().clear(); }
+  ~StorageQuarantine() override { tQuarantinedStorage::releaseAll(); }
 
   // Creates and destroys an object and returns its address.
   static const void* addressOfADestroyedObject() {
@@ -42,20 +39,20 @@ class StorageQuarantine : public testing::Test {
 };
 
 TEST_F(StorageQuarantine, AsManyObjectsAsTheCapacity_KeepTheirStorage) {
-  std::vector<const void*> addresses(tStorageQuarantine::kCapacity);
+  std::vector<const void*> addresses(tQuarantinedStorage::kCapacity);
   const size_t before = bytesInUse();
   std::generate(addresses.begin(), addresses.end(), &addressOfADestroyedObject);
-  EXPECT_GE(bytesInUse() - before, tStorageQuarantine::kCapacity * sizeof(tObject));
+  EXPECT_GE(bytesInUse() - before, tQuarantinedStorage::kCapacity * sizeof(tObject));
   std::sort(addresses.begin(), addresses.end());
   EXPECT_EQ(std::unique(addresses.begin(), addresses.end()), addresses.end());
 }
 
 TEST_F(StorageQuarantine, ObjectsBeyondTheCapacity_ReleaseTheOldestStorage) {
-  for (size_t i = 0; i < tStorageQuarantine::kCapacity; ++i) {
+  for (size_t i = 0; i < tQuarantinedStorage::kCapacity; ++i) {
     addressOfADestroyedObject();
   }
   const size_t full = bytesInUse();
-  for (size_t i = 0; i < 3 * tStorageQuarantine::kCapacity; ++i) {
+  for (size_t i = 0; i < 3 * tQuarantinedStorage::kCapacity; ++i) {
     addressOfADestroyedObject();
     EXPECT_EQ(bytesInUse(), full);
   }
@@ -65,9 +62,9 @@ TEST_F(StorageQuarantine, ClearedQuarantine_KeepsNothing) {
   for (size_t i = 0; i < 3; ++i) {
     addressOfADestroyedObject();
   }
-  storageQuarantine().clear();
+  tQuarantinedStorage::releaseAll();
   EXPECT_EQ(bytesInUse(), before_);
-  storageQuarantine().clear();
+  tQuarantinedStorage::releaseAll();
   addressOfADestroyedObject();
   EXPECT_GT(bytesInUse(), before_);
 }
@@ -78,11 +75,11 @@ TEST_F(StorageQuarantine, ConstructorThatThrows_LeavesTheStorageToTheQuarantine)
 }
 
 TEST_F(StorageQuarantine, NullStorage_IsIgnored) {
-  for (size_t i = 0; i < tStorageQuarantine::kCapacity; ++i) {
+  for (size_t i = 0; i < tQuarantinedStorage::kCapacity; ++i) {
     addressOfADestroyedObject();
   }
   const size_t full = bytesInUse();
-  storageQuarantine().add(nullptr);
+  tQuarantinedStorage::operator delete(nullptr);
   EXPECT_EQ(bytesInUse(), full);
 }
 

@@ -5,19 +5,19 @@
 #include "protocol/pendingrequests.h"
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
-#include "zoapal/protons/status/win32error.h"
-#include "zoapal/protons/synchronization/windowsu/wait.h"
+#include "zoapal/protons/thread/windowsu/tthread.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
 
+using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
-constexpr uint32_t kOpenLine = 43;
-constexpr uint32_t kCreateEventLine = 51;
-constexpr uint32_t kCreateAcceptedEventLine = 238;
-constexpr uint32_t kAssociateLine = 315;
-constexpr uint32_t kArmDeliveryLine = 333;
+constexpr tSourceLocation kOpen{kTransferFile, 43};
+constexpr tSourceLocation kCreateEvent{kTransferFile, 51};
+constexpr tSourceLocation kCreateAcceptedEvent{kTransferFile, 238};
+constexpr tSourceLocation kAssociate{kTransferFile, 315};
+constexpr tSourceLocation kArmDelivery{kTransferFile, 333};
 
 // Null when out of memory.
 std::shared_ptr<tDelivery> makeDelivery() noexcept {
@@ -46,12 +46,12 @@ void tDeviceInterfaceProxy::open(const char* path, tStatus& status) noexcept {
   file_.reset(CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                           nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
   if (!file_) {
-    mergeWin32Failure(GetLastError(), status, kTransferFile, kOpenLine);
+    mergeWin32Failure(GetLastError(), status, kOpen);
     return;
   }
   event_.reset(CreateEventA(nullptr, TRUE, FALSE, nullptr));
   if (!event_) {
-    mergeWin32Failure(GetLastError(), status, kTransferFile, kCreateEventLine);
+    mergeWin32Failure(GetLastError(), status, kCreateEvent);
     close();
   }
 }
@@ -71,48 +71,41 @@ void tDeviceInterfaceProxy::close() noexcept {
   event_.reset();
 }
 
-template <class Transfer>
-uint32_t tDeviceInterfaceProxy::transfer(tTransferLines lines, tStatus& status,
-                                         Transfer carryOut) noexcept {
-  if (status.isError()) {
-    return 0;
-  }
-  if (!isOpen()) {
-    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile, lines.afterTheCall);
-    return 0;
-  }
-  const tTransferEvent event(event_.get(), eventInUse_);
-  if (event.get() == nullptr) {
-    mergeWin32Failure(GetLastError(), status, kTransferFile, lines.afterTheCall);
-    return 0;
-  }
-  return carryOut(event.get());
-}
-
 uint32_t tDeviceInterfaceProxy::deviceControl(uint32_t code, const void* in, uint32_t inSize,
                                               void* out, uint32_t outSize,
                                               tStatus& status) noexcept {
-  return transfer(kDeviceControlLines, status, [&](HANDLE event) noexcept {
-    return controlDevice(file_.get(), event, code, in, inSize, out, outSize, status);
-  });
+  if (status.isError()) {
+    return 0;
+  }
+  const tTransferEvent event(event_.get(), eventInUse_);
+  return transfer(file_.get(), event.get(), kDeviceControlSites, status,
+                  [=, this](OVERLAPPED* overlapped, DWORD* bytes) noexcept {
+                    // The parameter is not const although Windows only reads from it.
+                    return DeviceIoControl(file_.get(), code, const_cast<void*>(in), inSize, out,
+                                           outSize, bytes, overlapped);
+                  });
 }
 
 uint32_t tDeviceInterfaceProxy::read(void* buffer, uint32_t size, tStatus& status) noexcept {
-  return transfer(kReadLines, status, [&](HANDLE event) noexcept {
-    return carryOutTransfer(file_.get(), event, kReadLines, status,
-                            [=](HANDLE file, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
-                              return ReadFile(file, buffer, size, bytes, overlapped);
-                            });
-  });
+  if (status.isError()) {
+    return 0;
+  }
+  const tTransferEvent event(event_.get(), eventInUse_);
+  return transfer(file_.get(), event.get(), kReadSites, status,
+                  [=, this](OVERLAPPED* overlapped, DWORD* bytes) noexcept {
+                    return ReadFile(file_.get(), buffer, size, bytes, overlapped);
+                  });
 }
 
 uint32_t tDeviceInterfaceProxy::write(const void* buffer, uint32_t size, tStatus& status) noexcept {
-  return transfer(kWriteLines, status, [&](HANDLE event) noexcept {
-    return carryOutTransfer(file_.get(), event, kWriteLines, status,
-                            [=](HANDLE file, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
-                              return WriteFile(file, buffer, size, bytes, overlapped);
-                            });
-  });
+  if (status.isError()) {
+    return 0;
+  }
+  const tTransferEvent event(event_.get(), eventInUse_);
+  return transfer(file_.get(), event.get(), kWriteSites, status,
+                  [=, this](OVERLAPPED* overlapped, DWORD* bytes) noexcept {
+                    return WriteFile(file_.get(), buffer, size, bytes, overlapped);
+                  });
 }
 
 uint64_t tDeviceInterfaceProxy::beginPendingRequest(uint16_t a, uint64_t b, uint8_t c,
@@ -123,13 +116,12 @@ uint64_t tDeviceInterfaceProxy::beginPendingRequest(uint16_t a, uint64_t b, uint
   }
   request = {};
   if (!isOpen()) {
-    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile,
-                      kDeviceControlLines.afterTheCall);
+    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kDeviceControlSites.afterTheCall);
     return 0;
   }
   const tUniqueEvent accepted(CreateEventA(nullptr, TRUE, FALSE, nullptr));
   if (!accepted) {
-    mergeWin32Failure(GetLastError(), status, kTransferFile, kCreateAcceptedEventLine);
+    mergeWin32Failure(GetLastError(), status, kCreateAcceptedEvent);
     return 0;
   }
   auto work = makePendingWork(file_.get(), accepted.get(), a, b, c, status);
@@ -144,8 +136,7 @@ uint64_t tDeviceInterfaceProxy::beginPendingRequest(uint16_t a, uint64_t b, uint
   waitForEither(accepted.get(), worker.get());
   if (work->handle == 0) {
     waitFor(worker.get());
-    const tStatus& outcome = work->status;
-    mergeStatus(status, outcome.code, outcome.component, outcome.file, outcome.line);
+    mergeStatus(status, work->status.code, work->status.location());
     return 0;
   }
   request.handle_ = work->handle;
@@ -186,14 +177,14 @@ bool tDeviceInterfaceProxy::createAssociation(const std::shared_ptr<tPortRegistr
                                               HANDLE port, tStatus& status) noexcept {
   const std::shared_ptr<tDelivery> delivery = makeDelivery();
   if (!delivery || !registry || !registry->add(delivery)) {
-    mergeStatus(status, nZOAPALS100::kMemoryFull, "quenra", kTransferFile, kAssociateLine);
+    mergeStatus(status, nZOAPALS100::kMemoryFull, kAssociate);
     return false;
   }
   delivery->file = file_.get();
   delivery->proxy = this;
   // Fails for a file that is associated with another port: a file has one port for life.
   if (CreateIoCompletionPort(file_.get(), port, delivery->notificationKey(), 0) == nullptr) {
-    mergeWin32Failure(GetLastError(), status, kTransferFile, kAssociateLine);
+    mergeWin32Failure(GetLastError(), status, kAssociate);
     registry->remove(*delivery);
     return false;
   }
@@ -208,7 +199,7 @@ void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
     return;
   }
   if (!delivery_) {
-    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kTransferFile, kArmDeliveryLine);
+    mergeWin32Failure(ERROR_INVALID_HANDLE, status, kArmDelivery);
     return;
   }
   if (!registry_->markSent(*delivery_)) {
@@ -216,22 +207,17 @@ void tDeviceInterfaceProxy::armDelivery(tStatus& status) noexcept {
   }
   // A driver that fills less than it reports must not deliver the previous notice again.
   delivery_->rearmBuffer = {};
-  if (const auto error = start(REQUEST_ARM_DELIVERY, nullptr, 0, &delivery_->rearmBuffer,
-                               sizeof delivery_->rearmBuffer, *delivery_)) {
+  if (const auto error = startRequest(REQUEST_ARM_DELIVERY, nullptr, 0, &delivery_->rearmBuffer,
+                                      sizeof delivery_->rearmBuffer, *delivery_)) {
     registry_->markIdle(*delivery_);
-    mergeWin32Failure(*error, status, kTransferFile, kArmDeliveryLine);
+    mergeWin32Failure(*error, status, kArmDelivery);
   }
 }
 
 std::optional<DWORD> tDeviceInterfaceProxy::startRequest(uint32_t code, const void* in,
-                                                         uint32_t inSize,
+                                                         uint32_t inSize, void* out,
+                                                         uint32_t outSize,
                                                          tPortRequest& request) noexcept {
-  return start(code, in, inSize, nullptr, 0, request);
-}
-
-std::optional<DWORD> tDeviceInterfaceProxy::start(uint32_t code, const void* in, uint32_t inSize,
-                                                  void* out, uint32_t outSize,
-                                                  tPortRequest& request) noexcept {
   request.overlapped = {};
   if (DeviceIoControl(file_.get(), code, const_cast<void*>(in), inSize, out, outSize, nullptr,
                       &request.overlapped)) {

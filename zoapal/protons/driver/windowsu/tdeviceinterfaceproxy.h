@@ -4,18 +4,27 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <optional>
 
 #include "zoapal/protons/driver/iinterfaceproxy.h"
-#include "zoapal/protons/driver/tdevicepath.h"
 #include "zoapal/protons/driver/windowsu/tpendingrequest.h"
 #include "zoapal/protons/driver/windowsu/tportregistry.h"
-#include "zoapal/protons/driver/windowsu/transfer.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 #include "zoapal/protons/synchronization/windowsu/locks.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
+
+// The path of a device interface.
+struct tDevicePath {
+  static constexpr uint32_t kCapacity = 256;
+
+  char text[kCapacity] = {};  // always NUL-terminated
+  uint32_t length = 0;        // with the NUL; 0 when there is no path
+
+  [[nodiscard]] bool isEmpty() const noexcept { return length == 0; }
+};
 
 // The library's one channel to the kernel driver: an open handle on one device interface.
 //
@@ -54,19 +63,15 @@ class tDeviceInterfaceProxy : public virtual iInterfaceProxy {
                  nZOAPALS100::tStatus& status) noexcept;
   // Makes the driver deliver the next notice. Does nothing while a delivery is armed or read.
   void armDelivery(nZOAPALS100::tStatus& status) noexcept;
-  // Starts a request without a reply, which is in the registry of the port. Returns the Windows error
-  // with which the call failed, 0 when it set none, or nothing if the request was started.
+  // Starts a request, which is in the registry of the port, and does not wait for its end. Returns the
+  // Windows error with which the call failed, 0 when it set none, or nothing if the request was started.
   [[nodiscard]] std::optional<DWORD> startRequest(uint32_t code, const void* in, uint32_t inSize,
+                                                  void* out, uint32_t outSize,
                                                   tPortRequest& request) noexcept;
 
  private:
-  template <class Transfer>
-  uint32_t transfer(tTransferLines lines, nZOAPALS100::tStatus& status, Transfer carryOut) noexcept;
   [[nodiscard]] bool createAssociation(const std::shared_ptr<tPortRegistry>& registry, HANDLE port,
                                        nZOAPALS100::tStatus& status) noexcept;
-  [[nodiscard]] std::optional<DWORD> start(uint32_t code, const void* in, uint32_t inSize,
-                                           void* out, uint32_t outSize,
-                                           tPortRequest& request) noexcept;
 
   tUniqueFile file_;
   tUniqueEvent event_;  // manual-reset; signalled when a transfer ends

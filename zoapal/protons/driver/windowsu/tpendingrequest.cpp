@@ -6,7 +6,6 @@
 
 #include "protocol/pendingrequests.h"
 #include "zoapal/protons/driver/windowsu/transfer.h"
-#include "zoapal/protons/status/win32error.h"
 #include "zoapal/protons/thread/windowsu/tthread.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
@@ -14,22 +13,20 @@ namespace {
 
 using nZOAPALS100::tStatus;
 
-constexpr uint32_t kAllocateLine = 246;
-constexpr uint32_t kStartWorkerLine = 264;
+constexpr nZOAPALS100::tSourceLocation kAllocate{kTransferFile, 246};
+constexpr nZOAPALS100::tSourceLocation kStartWorker{kTransferFile, 264};
 
 // Blocks until the request completes. Has an event of its own, so that other transfers of the proxy
 // can start and end meanwhile.
 void sendPendingRequest(tPendingWork& work) noexcept {
+  const DWORD code = work.wide ? REQUEST_PENDING_WIDE : REQUEST_PENDING_NARROW;
+  void* const form = work.wide ? static_cast<void*>(&work.wideForm) : &work.narrowForm;
+  const DWORD size = work.wide ? sizeof work.wideForm : sizeof work.narrowForm;
   const tUniqueEvent completed(CreateEventA(nullptr, TRUE, FALSE, nullptr));
-  if (!completed) {
-    mergeWin32Failure(GetLastError(), work.status, kTransferFile, kDeviceControlLines.afterTheCall);
-  } else if (work.wide) {
-    controlDevice(work.file, completed.get(), REQUEST_PENDING_WIDE, &work.wideForm,
-                  sizeof work.wideForm, nullptr, 0, work.status);
-  } else {
-    controlDevice(work.file, completed.get(), REQUEST_PENDING_NARROW, &work.narrowForm,
-                  sizeof work.narrowForm, nullptr, 0, work.status);
-  }
+  transfer(work.file, completed.get(), kDeviceControlSites, work.status,
+           [=, &work](OVERLAPPED* overlapped, DWORD* bytes) noexcept {
+             return DeviceIoControl(work.file, code, form, size, nullptr, 0, bytes, overlapped);
+           });
 }
 
 void runWorker(void* argument) noexcept {
@@ -55,7 +52,7 @@ std::shared_ptr<tPendingWork> makePendingWork(HANDLE file, HANDLE accepted, uint
     work->wideForm = {handleAddress, numberOf(accepted), b, a, c, {}};
     return work;
   } catch (const std::bad_alloc&) {
-    mergeStatus(status, nZOAPALS100::kMemoryFull, "quenra", kTransferFile, kAllocateLine);
+    mergeStatus(status, nZOAPALS100::kMemoryFull, kAllocate);
     return nullptr;
   }
 }
@@ -65,7 +62,7 @@ tUniqueThread startWorker(const std::shared_ptr<tPendingWork>& work, tStatus& st
   DWORD id = 0;
   tUniqueThread worker = startThread<&runWorker>(work.get(), id);
   if (!worker) {
-    mergeWin32Failure(GetLastError(), status, kTransferFile, kStartWorkerLine);
+    mergeWin32Failure(GetLastError(), status, kStartWorker);
     work->workersShare.reset();
   }
   return worker;

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "zoapal/protons/synchronization/windowsu/wait.h"
+#include "zoapal/protons/thread/windowsu/tthread.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
@@ -28,14 +28,20 @@ void abandonTransfer(HANDLE file, OVERLAPPED& overlapped, HANDLE event) noexcept
   }
 }
 
-uint32_t controlDevice(HANDLE file, HANDLE event, uint32_t code, const void* in, uint32_t inSize,
-                       void* out, uint32_t outSize, nZOAPALS100::tStatus& status) noexcept {
-  return carryOutTransfer(file, event, kDeviceControlLines, status,
-                          [=](HANDLE device, DWORD* bytes, OVERLAPPED* overlapped) noexcept {
-                            // The parameter is not const although Windows only reads from it.
-                            return DeviceIoControl(device, code, const_cast<void*>(in), inSize, out,
-                                                   outSize, bytes, overlapped);
-                          });
+tTransferEvent::tTransferEvent(HANDLE shared, std::atomic_flag& sharedInUse) noexcept
+    : sharedInUse_(sharedInUse), borrowed_(!sharedInUse.test_and_set(std::memory_order_acquire)) {
+  if (borrowed_) {
+    handle_ = shared;
+  } else {
+    own_.reset(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+    handle_ = own_.get();
+  }
+}
+
+tTransferEvent::~tTransferEvent() {
+  if (borrowed_) {
+    sharedInUse_.clear(std::memory_order_release);
+  }
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <cstring>
 
-#include "zoapal/protons/status/win32error.h"
-
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
 
@@ -13,9 +11,9 @@ using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
 constexpr const char* kFile = "tdeviceinterfaceiterator";
-constexpr uint32_t kCreateSetLine = 45;
-constexpr uint32_t kGetDetailLine = 232;
+constexpr tSourceLocation kCreateSet{kFile, 45};
 constexpr tSourceLocation kPathDoesNotFit{kFile, 224};
+constexpr tSourceLocation kGetDetail{kFile, 232};
 
 static_assert(sizeof(GUID) == sizeof(tInterfaceClass));
 static_assert(sizeof(SP_DEVICE_INTERFACE_DATA) == 32);
@@ -58,7 +56,7 @@ tDeviceInterfaceIterator::tDeviceInterfaceIterator(const tInterfaceClass& interf
   set_.reset(SetupDiGetClassDevsA(&interfaceClass_, nullptr, nullptr,
                                   DIGCF_PRESENT | DIGCF_DEVICEINTERFACE));
   if (!set_) {
-    mergeWin32Failure(GetLastError(), status, kFile, kCreateSetLine);
+    mergeWin32Failure(GetLastError(), status, kCreateSet);
     return;
   }
   findCurrent();
@@ -85,7 +83,7 @@ const tDevicePath& tDeviceInterfaceIterator::getDevicePath(tStatus& status) noex
   if (isEnd()) {
     // The error that Windows reports for an interface that it has not enumerated. A query with the data of
     // the last interface would return that interface's path again.
-    mergeWin32Failure(ERROR_INVALID_PARAMETER, status, kFile, kGetDetailLine);
+    mergeWin32Failure(ERROR_INVALID_PARAMETER, status, kGetDetail);
     return path_;
   }
   tDetailArea detail;
@@ -96,7 +94,7 @@ const tDevicePath& tDeviceInterfaceIterator::getDevicePath(tStatus& status) noex
   if (required > tDetailArea::kSize) {
     mergeStatus(status, nZOAPALS100::kPathTooLong, kPathDoesNotFit);
   } else if (!done) {
-    mergeWin32Failure(error, status, kFile, kGetDetailLine);
+    mergeWin32Failure(error, status, kGetDetail);
   } else {
     detail.copyPathTo(path_);
   }

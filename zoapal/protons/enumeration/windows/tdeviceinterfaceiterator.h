@@ -6,7 +6,6 @@
 #include <setupapi.h>
 
 #include "protocol/interfaces.h"
-#include "zoapal/protons/driver/tdevicepath.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 

@@ -1,4 +1,4 @@
-#include "zoapal/protons/files/windowsu/protectedfolder.h"
+#include "zoapal/protons/files/windowsu/folders.h"
 
 #include <windows.h>
 // After windows.h.
@@ -10,8 +10,7 @@
 #include <string>
 #include <system_error>
 
-#include "zoapal/protons/files/windowsu/removetree.h"
-#include "zoapal/protons/text/windowsu/widetext.h"
+#include "zoapal/protons/text/windowsu/codepage.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {

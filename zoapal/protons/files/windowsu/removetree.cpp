@@ -1,4 +1,4 @@
-#include "zoapal/protons/files/windowsu/removetree.h"
+#include "zoapal/protons/files/windowsu/folders.h"
 
 #include <windows.h>
 
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
-#include "zoapal/protons/text/windowsu/widetext.h"
+#include "zoapal/protons/text/windowsu/codepage.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {

@@ -1,9 +1,11 @@
 /* The load configuration of an image, for the loader. GNU ld does not enter it into the image's directory;
  * cmake/enterloadconfiguration.py does after linking. */
 #include <stddef.h>
+#include <stdint.h>
 #include <windows.h>
 
-#include "zoapal/protons/image/windows/stackguard.h"
+/* stackguard.c */
+extern uintptr_t __stack_chk_guard;
 
 /* Named Reserved1 in these headers. */
 _Static_assert(offsetof(IMAGE_LOAD_CONFIG_DIRECTORY64, Reserved1) == 0x4E, "DependentLoadFlags");

@@ -1,8 +1,10 @@
 /* The two names that -fstack-protector-strong calls for. The compiler's own library would ask a
  * cryptographic provider for the guard, which loads libraries while the loader holds its lock. */
-#include "zoapal/protons/image/windows/stackguard.h"
+#include <stdint.h>
 
-/* The loader replaces this value of a load configuration's cookie, and no other, by a random one. */
+/* The value that the compiler puts between a function's arrays and its return address. The loader replaces
+ * this value of a load configuration's cookie, and no other, by a random one. */
+extern uintptr_t __stack_chk_guard;
 uintptr_t __stack_chk_guard = 0x00002B992DDFA232u;
 
 void __stack_chk_fail(void) __attribute__((noreturn));

@@ -3,7 +3,7 @@
 #include <new>
 
 #include "protocol/pendingrequests.h"
-#include "zoapal/protons/status/win32error.h"
+#include "zoapal/protons/status/tstatus.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
@@ -13,7 +13,7 @@ using nZOAPALS100::tStatus;
 
 constexpr const char* kFile = "tionotification";
 constexpr tSourceLocation kPrepare{kFile, 120};
-constexpr uint32_t kRegisterLine = 134;
+constexpr tSourceLocation kRegister{kFile, 134};
 
 // Null when out of memory.
 std::shared_ptr<tPortRequest> makeRequest() noexcept {
@@ -79,9 +79,9 @@ void tIONotification::registerAt(const std::shared_ptr<tPortRegistry>& registry,
   const tRegisterNotificationRequest request{address(), mask_, 0};
   static_cast<void>(registry->markSent(*registration_));
   if (const auto error = proxy_->startRequest(REQUEST_REGISTER_NOTIFICATION, &request,
-                                              sizeof request, *registration_)) {
+                                              sizeof request, nullptr, 0, *registration_)) {
     registry->markIdle(*registration_);
-    mergeWin32Failure(*error, status, kFile, kRegisterLine);
+    mergeWin32Failure(*error, status, kRegister);
   }
   // Now, if the call has failed; with its packet otherwise.
   registry->remove(*registration_);

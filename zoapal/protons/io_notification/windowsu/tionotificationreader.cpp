@@ -8,7 +8,6 @@
 
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/io_notification/windowsu/tionotification.h"
-#include "zoapal/protons/status/win32error.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
@@ -17,10 +16,11 @@ using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
 constexpr const char* kFile = "tionotification";
-constexpr uint32_t kCreateLine = 31;
-constexpr uint32_t kWaitLine = 59;
+constexpr tSourceLocation kCreate{kFile, 31};
+constexpr tSourceLocation kWait{kFile, 59};
 constexpr tSourceLocation kTooLarge{kFile, 76};
-constexpr uint32_t kWakeLine = 101;
+constexpr tSourceLocation kWake{kFile, 101};
+constexpr tSourceLocation kWakeAndJoin{"wait", 40};
 constexpr DWORD kWakeBytes = sizeof(tNotificationDelivery);
 
 // A driver completes a cancelled request at once, unless it misbehaves.
@@ -83,7 +83,7 @@ tUniquePort createCompletionPort(nZOAPALS100::tStatus& status) noexcept {
   }
   tUniquePort port(CreateIoCompletionPort(INVALID_HANDLE_VALUE, nullptr, 0, kThreads));
   if (!port) {
-    mergeWin32Failure(GetLastError(), status, kFile, kCreateLine);
+    mergeWin32Failure(GetLastError(), status, kCreate);
   }
   return port;
 }
@@ -121,7 +121,7 @@ tIONotification* tIONotificationReader::wait(uint32_t& kind, uint8_t* payload,
   while (!status.isError()) {
     tPacket packet;
     if (!dequeue(port_.get(), packet, timeoutMs)) {
-      mergeWin32Failure(GetLastError(), status, kFile, kWaitLine);
+      mergeWin32Failure(GetLastError(), status, kWait);
       return nullptr;
     }
     if (packet.isWakeUp()) {
@@ -165,7 +165,58 @@ void tIONotificationReader::discard(const tDequeued& dequeued) noexcept {
 
 void tIONotificationReader::wake(tStatus& status) noexcept {
   if (!status.isError() && !PostQueuedCompletionStatus(port_.get(), kWakeBytes, 0, nullptr)) {
-    mergeWin32Failure(GetLastError(), status, kFile, kWakeLine);
+    mergeWin32Failure(GetLastError(), status, kWake);
+  }
+}
+
+// ---- tThreadedIONotificationReader ----
+
+tThreadedIONotificationReader::~tThreadedIONotificationReader() {
+  // Also a thread whose priority start() could not set.
+  if (thread_.isStarted()) {
+    wakeAndJoin();
+  }
+}
+
+// Without a wake-up the thread would never end.
+void tThreadedIONotificationReader::wakeAndJoin() noexcept {
+  repeatUntilDone(kWakeAndJoin, "ASSERT(PostQueuedCompletionStatus)", [this]() noexcept {
+    tStatus posting;
+    tIONotificationReader::wake(posting);
+    // A warning is a failure as well: no wake-up was posted.
+    return posting.code == 0;
+  });
+  thread_.join();
+}
+
+void tThreadedIONotificationReader::start(tCallback callback, tStatus& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  callback_ = callback;
+  thread_.start<&runLoop>(this, status);
+  thread_.setPriority(THREAD_PRIORITY_NORMAL, status);
+  if (thread_.isStarted()) {
+    nameThreadForDebuggers(thread_.id());
+  }
+  running_ = !status.isError();
+}
+
+void tThreadedIONotificationReader::runLoop(void* reader) noexcept {
+  static_cast<tThreadedIONotificationReader*>(reader)->loop();
+}
+
+void tThreadedIONotificationReader::loop() noexcept {
+  for (;;) {
+    tStatus status;
+    uint32_t kind = kNotificationDelivered;
+    uint32_t payloadSize = 0;
+    uint8_t payload[kNotificationPayloadCapacity] = {};
+    tIONotification* const notification = wait(kind, payload, payloadSize, status, INFINITE);
+    if (kind == kNotificationWakeUp) {
+      return;
+    }
+    callback_(kind, notification, payload, payloadSize, status);
   }
 }
 

@@ -1,12 +1,9 @@
 #include "zoapal/protons/synchronization/windowsu/locks.h"
 
-#include "zoapal/protons/status/win32error.h"
-
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
 
-constexpr const char* kFile = "tcriticalsection";
-constexpr uint32_t kInitialiseLine = 31;
+constexpr nZOAPALS100::tSourceLocation kInitialise{"tcriticalsection", 31};
 // The lock is held for a pointer copy: worth a short wait on another processor before sleeping.
 constexpr DWORD kSpinCount = 400;
 
@@ -19,7 +16,7 @@ void tCriticalSection::initialise(nZOAPALS100::tStatus& status) noexcept {
   if (InitializeCriticalSectionEx(&section_, kSpinCount, 0)) {
     initialised_ = true;
   } else {
-    mergeWin32Failure(GetLastError(), status, kFile, kInitialiseLine);
+    mergeWin32Failure(GetLastError(), status, kInitialise);
   }
 }
 

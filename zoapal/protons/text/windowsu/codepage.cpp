@@ -1,12 +1,8 @@
 #include "zoapal/protons/text/windowsu/codepage.h"
 
-#include <windows.h>
-
 #include <limits>
 #include <stdexcept>
 #include <system_error>
-
-#include "zoapal/protons/text/windowsu/widetext.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {

@@ -1,6 +1,8 @@
 #ifndef ZOAPAL_PROTONS_TEXT_WINDOWSU_CODEPAGE_H
 #define ZOAPAL_PROTONS_TEXT_WINDOWSU_CODEPAGE_H
 
+#include <windows.h>
+
 #include <string>
 #include <string_view>
 
@@ -12,6 +14,16 @@ namespace nQUENRA1400::nZOAPAL000 {
 // the system.
 [[nodiscard]] std::u16string utf16FromCodePage(std::string_view text);
 [[nodiscard]] std::string codePageFromUtf16(std::u16string_view text);
+
+// UTF-16 text as the parameter of a Windows call: the same 16 bits under the system's name.
+static_assert(sizeof(WCHAR) == sizeof(char16_t));
+
+[[nodiscard]] inline LPWSTR wideText(char16_t* text) noexcept {
+  return reinterpret_cast<LPWSTR>(text);
+}
+[[nodiscard]] inline LPCWSTR wideText(const char16_t* text) noexcept {
+  return reinterpret_cast<LPCWSTR>(text);
+}
 
 }  // namespace nQUENRA1400::nZOAPAL000
 

@@ -3,8 +3,7 @@
 #include <process.h>
 
 #include <cstring>
-
-#include "zoapal/protons/synchronization/windowsu/wait.h"
+#include <iterator>
 
 // The linker puts this symbol at the start of the image, whose address is the module's handle.
 extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(bugprone-reserved-identifier)
@@ -22,6 +21,8 @@ using nZOAPALS100::tStatus;
 constexpr tSourceLocation kStart{"thread", 471};
 constexpr tSourceLocation kNotStarted{"thread", 859};
 constexpr tSourceLocation kSetPriority{"thread", 866};
+constexpr tSourceLocation kWaitForOne{"wait", 22};
+constexpr tSourceLocation kWaitForEither{"wait", 31};
 
 constexpr DWORD kNamingException = 0x406D1388;
 constexpr char kName[] = "quenra";
@@ -108,6 +109,19 @@ void nameThreadForDebuggers(DWORD threadId) noexcept {
   std::memcpy(words, &record, sizeof words);
   RaiseException(kNamingException, 0, kWords, words);
   RemoveVectoredExceptionHandler(handler);
+}
+
+void waitFor(HANDLE object) noexcept {
+  repeatUntilDone(kWaitForOne, "ASSERT(WaitForSingleObject)", [object]() noexcept {
+    return WaitForSingleObject(object, INFINITE) != WAIT_FAILED;
+  });
+}
+
+void waitForEither(HANDLE first, HANDLE second) noexcept {
+  repeatUntilDone(kWaitForEither, "ASSERT(WaitForMultipleObjects)", [=]() noexcept {
+    const HANDLE objects[] = {first, second};
+    return WaitForMultipleObjects(std::size(objects), objects, FALSE, INFINITE) != WAIT_FAILED;
+  });
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

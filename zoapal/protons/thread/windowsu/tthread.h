@@ -5,6 +5,7 @@
 
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 #include "zoapal/protons/status/tstatus.h"
+#include "zoapal/protons/trace/assertion.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 
@@ -69,6 +70,32 @@ class tThread {
 
 // Names a thread of this process "quenra" in a debugger, if one is present. Has no other effect.
 void nameThreadForDebuggers(DWORD threadId) noexcept;
+
+// ---- Waiting ----
+
+// Wait without limit for an end that must come before memory is freed or used again. A wait that
+// fails is repeated, because continuing without it would be worse; after kMaxAttempts failures in a
+// row the process ends with an assertion.
+void waitFor(HANDLE object) noexcept;
+// Returns when at least one of the objects is signalled.
+void waitForEither(HANDLE first, HANDLE second) noexcept;
+
+// Failing attempts are a millisecond apart.
+inline constexpr int kMaxAttempts = 1000;
+
+// Repeats `attempt` until it returns true, at most kMaxAttempts times, then asserts at this location.
+template <class Attempt>
+void repeatUntilDone(const nZOAPALS100::tSourceLocation& location, const char* assertion,
+                     Attempt attempt) noexcept {
+  constexpr DWORD kPauseMilliseconds = 1;
+  for (int i = 0; i < kMaxAttempts; ++i) {
+    if (attempt()) {
+      return;
+    }
+    Sleep(kPauseMilliseconds);
+  }
+  assertionFailed(location, assertion);
+}
 
 }  // namespace nQUENRA1400::nZOAPAL000
 

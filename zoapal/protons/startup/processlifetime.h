@@ -1,12 +1,32 @@
-#ifndef ZOAPAL_PROTONS_STARTUP_TSTARTUP_H
-#define ZOAPAL_PROTONS_STARTUP_TSTARTUP_H
+#ifndef ZOAPAL_PROTONS_STARTUP_PROCESSLIFETIME_H
+#define ZOAPAL_PROTONS_STARTUP_PROCESSLIFETIME_H
 
 #include <type_traits>
+#include <utility>
 
 #include "zoapal/protons/status/tstatus.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
+
+// An object in static storage that outlives every static destructor: exports may still be called
+// while the process ends, by static destructors of other modules.
+template <class T>
+union tNeverDestroyed {
+ public:
+  template <class... Arguments>
+  explicit constexpr tNeverDestroyed(Arguments&&... arguments) noexcept
+      : object_(std::forward<Arguments>(arguments)...) {}
+  tNeverDestroyed(const tNeverDestroyed&) = delete;
+  tNeverDestroyed& operator=(const tNeverDestroyed&) = delete;
+  // Does not destroy the object.
+  constexpr ~tNeverDestroyed() {}  // NOLINT(modernize-use-equals-default)
+
+  [[nodiscard]] T& get() noexcept { return object_; }
+
+ private:
+  T object_;
+};
 
 // The outcome of loading the library. Both export families merge it into their status before they
 // do anything else. Written while the library is loaded and unloaded, only read in between.
@@ -19,8 +39,8 @@ class tStartUp {
     status_ = {};
     return status_;
   }
-  // From here on the library reports kNotReady, located at "tstartup" line 23, unless loading has
-  // failed: static destructors of other modules may still call it.
+  // From here on the library reports kNotReady, unless loading has failed: static destructors of other
+  // modules may still call it.
   void markUnloaded() noexcept { mergeStatus(status_, nZOAPALS100::kNotReady, kUnloaded); }
 
   [[nodiscard]] bool isReady() const noexcept { return !status_.isError(); }

@@ -1,5 +1,5 @@
-#ifndef ZOAPAL_PROTONS_FILES_WINDOWSU_PROTECTEDFOLDER_H
-#define ZOAPAL_PROTONS_FILES_WINDOWSU_PROTECTEDFOLDER_H
+#ifndef ZOAPAL_PROTONS_FILES_WINDOWSU_FOLDERS_H
+#define ZOAPAL_PROTONS_FILES_WINDOWSU_FOLDERS_H
 
 #include <string>
 
@@ -19,6 +19,11 @@ namespace nQUENRA1400::nZOAPAL000 {
 // rename or remove it. Returns an invalid handle, and GetLastError the reason: ERROR_SHARING_VIOLATION if
 // another process has the file open for writing.
 [[nodiscard]] tUniqueFile holdFile(const std::u16string& path) noexcept;
+
+// Removes a folder with its contents, read-only entries included, as far as the system allows. Never follows
+// a link: a junction or symbolic link is removed itself, and the path may be one. Only the links in the path
+// of the parent folder are followed. An entry that cannot be removed stays, and so do the folders above it.
+void removeTree(const std::u16string& path) noexcept;
 
 }  // namespace nQUENRA1400::nZOAPAL000
 
