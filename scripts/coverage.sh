@@ -17,6 +17,6 @@ ctest --preset coverage >"$build/coverage/test.log" || {
 # Branches of exceptions are the compiler's, not the source's.
 gcovr --root "$root" --filter "$library" --gcov-executable "llvm-cov gcov" \
   --exclude-throw-branches --exclude-unreachable-branches -j "$jobs" \
-  --txt "$build/coverage/report.txt" --html-details "$build/coverage/report.html" \
+  --txt --html-details "$build/coverage/report.html" \
   --fail-under-line "$min_lines" --fail-under-branch "$min_branches" --print-summary \
   "$build/coverage"
