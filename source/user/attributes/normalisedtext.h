@@ -19,7 +19,22 @@ enum class tSegments {
 class tNormalisedText {
  public:
   // `text` has at most cZoSmBiosProvider::kLongestString characters.
-  tNormalisedText(std::string_view text, tSegments segments) noexcept;
+  tNormalisedText(std::string_view text, tSegments segments) noexcept {
+    text = text.substr(0, characters_.size() / 2);
+    if (text.empty()) {
+      append('\0');
+      return;
+    }
+    bool segmentStarts = true;
+    for (size_t i = 0; i + 1 < text.size(); ++i) {
+      if (segmentStarts && text[i + 1] == ':') {
+        append('0');
+      }
+      append(text[i]);
+      segmentStarts = segments == tSegments::separatedByCommas && text[i] == ',';
+    }
+    append(text.back());
+  }
 
   // The result, without a terminating NUL. For an empty text it is one NUL character, so that a reader
   // needs a buffer of 2 bytes to receive an empty text.

@@ -1,25 +1,19 @@
-#include "source/user/attributes/textreader.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <string_view>
 
 #include "source/user/attributes/attributeid.h"
-#include "source/user/attributes/drivercalls.h"
+#include "source/user/attributes/attributes.h"
+#include "source/user/attributes/attributetables.h"
 #include "source/user/attributes/normalisedtext.h"
-#include "source/user/attributes/providerresult.h"
-#include "source/user/attributes/providertext.h"
-#include "source/user/attributes/texttable.h"
-#include "source/user/attributes/unsignedreader.h"
-#include "source/user/location.h"
-#include "source/user/statuscodes.h"
+#include "source/user/machine/drivercalls.h"
+#include "source/user/machine/smbiosfields.h"
 
 namespace nQUENRA1400 {
 namespace {
 
 using nZOAPALS100::tSourceLocation;
-using nZOAPALS100::tStatus;
 using nZOSMBIOS_1_1::tFieldId;
 
 constexpr auto kMartenNotOpen = sessionLocation(449);
@@ -32,9 +26,8 @@ constexpr auto kTextDoesNotFit = sessionLocation(2770);
 constexpr auto kBufferMissing = sessionLocation(2771);
 constexpr auto kNoRoomForNul = sessionLocation(2772);
 
-constexpr auto kBiosVersion = nZOSMBIOS_1_1::textField(0x00, 0x05);
 constexpr std::string_view kNotApplicable = "Not Applicable";
-constexpr uint32_t kFirmwareVersionNumber = 4;
+constexpr auto kFirmwareVersionNumber = tAttributeId(QUENRA_ATTRIBUTE_FIRMWARE_VERSION).number();
 constexpr uint32_t kGenerationWithIdentifier = 7;
 
 // The layers below take sizes of 32 bits, more than any text needs.
@@ -53,7 +46,6 @@ class tTextReading {
 
  private:
   void terminate(uint32_t filled) const noexcept;
-  void readOrdinaryRow(const tTextRow& row) const noexcept;
   bool readField(tFieldId field, uint32_t instance) const noexcept;
   void readApplicable(tFieldId field, const tSourceLocation& notApplicable) const noexcept;
   void readUnlikeBiosVersion(tFieldId field) const noexcept;
@@ -61,7 +53,7 @@ class tTextReading {
   void readOfMemoryModule(tFieldId field) const noexcept;
   void readNormalised(tFieldId field, uint32_t instance, tSegments segments) const noexcept;
   void readNormalisedEntry(const tListSource& list, tSegments segments) const noexcept;
-  void refuseText(const tSourceLocation& location) const noexcept;
+  void rejectText(const tSourceLocation& location) const noexcept;
   void deliver(std::string_view text) const noexcept;
 
   const tAttributeAccess& access_;
@@ -81,12 +73,11 @@ void tTextReading::readFromMarten() const noexcept {
   }
   const uint32_t offered = saturated(*size_);
   uint32_t answered = offered;
-  tStatus driver = recordFor(status_);
-  readFromDriver(access_.marten, attribute_, buffer_, answered, driver);
-  status_.mergeFrom(driver);
-  if (driver.code == kBufferTooSmall) {
+  const int32_t code =
+      readFromDriver(access_.marten, attribute_.value(), buffer_, answered, status_);
+  if (code == QUENRA_STATUS_BUFFER_TOO_SMALL) {
     *size_ = answered;
-  } else if (!driver.isError()) {
+  } else if (code >= 0) {
     // The driver cannot have filled more than the buffer.
     terminate(std::min(answered, offered));
   }
@@ -107,29 +98,15 @@ void tTextReading::terminate(uint32_t filled) const noexcept {
     buffer_[0] = '\0';
   }
   *size_ = uint64_t{filled} + 1;
-  status_.set(kBufferTooSmall, kNoRoomForNul);
+  status_.set(QUENRA_STATUS_BUFFER_TOO_SMALL, kNoRoomForNul);
 }
 
 void tTextReading::readRow(const tTextRow& row) const noexcept {
+  const uint32_t instance = attribute_.instance();
   switch (row.rule) {
-    case tTextRule::normalised:
-      readNormalised(row.field, attribute_.instance(), tSegments::one);
+    case tTextRule::asItIs:
+      readField(row.field, instance);
       break;
-    case tTextRule::normalisedList:
-      readNormalisedEntry(*row.list, tSegments::one);
-      break;
-    case tTextRule::normalisedGroupsList:
-      readNormalisedEntry(*row.list, tSegments::separatedByCommas);
-      break;
-    default:
-      if (size_ != nullptr) {
-        readOrdinaryRow(row);
-      }
-  }
-}
-
-void tTextReading::readOrdinaryRow(const tTextRow& row) const noexcept {
-  switch (row.rule) {
     case tTextRule::applicable:
       readApplicable(row.field, kSerialNumberNotApplicable);
       break;
@@ -142,15 +119,25 @@ void tTextReading::readOrdinaryRow(const tTextRow& row) const noexcept {
     case tTextRule::ofMemoryModule:
       readOfMemoryModule(row.field);
       break;
-    default:
-      readField(row.field, attribute_.instance());
+    case tTextRule::normalised:
+      readNormalised(row.field, instance, tSegments::one);
+      break;
+    case tTextRule::normalisedList:
+      readNormalisedEntry(*row.list, tSegments::one);
+      break;
+    case tTextRule::normalisedGroupsList:
+      readNormalisedEntry(*row.list, tSegments::separatedByCommas);
+      break;
   }
 }
 
-// True when the text has been read into the caller's buffer.
+// True when the text has been read into the caller's buffer. Without a size nothing is read.
 bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
+  if (size_ == nullptr) {
+    return false;
+  }
   uint32_t size = saturated(*size_);
-  tStatus result;
+  nZOAPALS100::tStatus result;
   access_.provider.getString(field, instance, buffer_, &size, result);
   if (result.code == nZOSMBIOS_1_1::kBufferTooSmall) {
     *size_ = size;
@@ -163,15 +150,15 @@ bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
 }
 
 // Reports that the attribute is not supported, and removes the text that means so from the buffer.
-void tTextReading::refuseText(const tSourceLocation& location) const noexcept {
+void tTextReading::rejectText(const tSourceLocation& location) const noexcept {
   buffer_[0] = '\0';
-  status_.set(kAttributeNotSupported, location);
+  status_.set(QUENRA_STATUS_NOT_SUPPORTED, location);
 }
 
 void tTextReading::readApplicable(tFieldId field,
                                   const tSourceLocation& notApplicable) const noexcept {
   if (readField(field, attribute_.instance()) && buffer_ == kNotApplicable) {
-    refuseText(notApplicable);
+    rejectText(notApplicable);
   }
 }
 
@@ -179,27 +166,33 @@ void tTextReading::readUnlikeBiosVersion(tFieldId field) const noexcept {
   if (!readField(field, attribute_.instance())) {
     return;
   }
-  const tProviderText biosVersion(access_.provider, kBiosVersion, 0);
+  const tProviderText biosVersion(access_.provider, nPlatformFields::kBiosVersion, 0);
   mergeProviderResult(biosVersion.result(), status_);
   if (biosVersion.result() == 0 && buffer_ == biosVersion.view()) {
-    refuseText(kVersionIsBiosVersion);
+    rejectText(kVersionIsBiosVersion);
   }
 }
 
 void tTextReading::readOnLaterPlatforms(tFieldId field) const noexcept {
+  if (size_ == nullptr) {
+    return;
+  }
   uint32_t generation = 0;
   readUnsignedAttribute(access_, QUENRA_ATTRIBUTE_PLATFORM_GENERATION, generation, status_);
   if (status_.isError()) {
     return;
   }
   if (generation < kGenerationWithIdentifier) {
-    status_.set(kAttributeNotSupported, kEarlyPlatform);
+    status_.set(QUENRA_STATUS_NOT_SUPPORTED, kEarlyPlatform);
     return;
   }
   readApplicable(field, kIdentifierNotApplicable);
 }
 
 void tTextReading::readOfMemoryModule(tFieldId field) const noexcept {
+  if (size_ == nullptr) {
+    return;
+  }
   const uint32_t instance = access_.memoryModules.instanceOf(attribute_.instance(), status_);
   if (!status_.isError()) {
     readField(field, instance);
@@ -225,7 +218,7 @@ void tTextReading::readNormalisedEntry(const tListSource& list, tSegments segmen
   }
   const uint32_t position = attribute_.instance();
   if (position >= count || position >= list.capacity) {
-    status_.set(kAttributeNotSupported, sessionLocation(list.line));
+    status_.set(QUENRA_STATUS_NOT_SUPPORTED, sessionLocation(list.line));
     return;
   }
   readNormalised(list.entry(position), 0, segments);
@@ -237,7 +230,7 @@ void tTextReading::deliver(std::string_view text) const noexcept {
     if (size_ != nullptr) {
       *size_ = needed;
     }
-    status_.set(kBufferTooSmall, kTextDoesNotFit);
+    status_.set(QUENRA_STATUS_BUFFER_TOO_SMALL, kTextDoesNotFit);
   } else if (buffer_ == nullptr) {
     status_.set(nZOAPALS100::kInvalidParameter, kBufferMissing);
   } else {
@@ -255,14 +248,14 @@ void readTextAttribute(const tAttributeAccess& access, uint32_t attribute, char*
   const tAttributeId id(attribute);
   const tTextReading reading(access, id, buffer, size, status);
   if (!access.martenIsOpen && id.selectsMarten()) {
-    status.set(kNoController, kMartenNotOpen);
+    status.set(QUENRA_STATUS_NO_CONTROLLER, kMartenNotOpen);
   } else if (access.martenIsOpen && id.number() == kFirmwareVersionNumber &&
              !id.selectsController()) {
     reading.readFromMarten();
   } else if (const tTextRow* row = findTextRow(id.base())) {
     reading.readRow(*row);
   } else {
-    status.set(kAttributeNotSupported, kUnknownAttribute);
+    status.set(QUENRA_STATUS_NOT_SUPPORTED, kUnknownAttribute);
   }
 }
 

@@ -1,23 +1,16 @@
-#include "source/user/attributes/unsignedreader.h"
-
 #include <algorithm>
 #include <iterator>
 #include <string_view>
 
 #include "source/user/attributes/attributeid.h"
-#include "source/user/attributes/controllerkind.h"
-#include "source/user/attributes/drivercalls.h"
-#include "source/user/attributes/providerresult.h"
-#include "source/user/attributes/providertext.h"
-#include "source/user/attributes/unsignedtable.h"
-#include "source/user/location.h"
-#include "source/user/statuscodes.h"
+#include "source/user/attributes/attributes.h"
+#include "source/user/attributes/attributetables.h"
+#include "source/user/machine/drivercalls.h"
+#include "source/user/machine/smbiosfields.h"
 
 namespace nQUENRA1400 {
 namespace {
 
-using nZOAPALS100::tStatus;
-using nZOSMBIOS_1_1::byteField;
 using nZOSMBIOS_1_1::cZoSmBiosProvider;
 using nZOSMBIOS_1_1::tFieldId;
 using nZOSMBIOS_1_1::tWidthClass;
@@ -31,10 +24,7 @@ constexpr auto kUnknownAttribute = sessionLocation(1364);
 constexpr auto kUnknownWidth = sessionLocation(1428);
 constexpr auto kUnknownRevision = sessionLocation(1560);
 
-constexpr auto kRevisionBase = byteField(0xB4, 0x06);
-constexpr auto kUpdateCapability = byteField(0x9E, 0x04);
-constexpr auto kUpdateRestriction = byteField(0x9E, 0x05);
-
+constexpr uint32_t kHighestPlatformKind = 5;
 constexpr uint32_t kPlatformRevisions[] = {0x10, 0x15, 0x20, 0x30};
 
 struct tNamedKind {
@@ -46,11 +36,31 @@ constexpr tNamedKind kLinkKinds[] = {{"ExpressCard", QUENRA_LINK_EXPRESSCARD},
                                      {"Thunderbolt", QUENRA_LINK_THUNDERBOLT}};
 constexpr tNamedKind kExpansionKinds[] = {{"PCI", QUENRA_EXPANSION_PCI}};
 
-template <size_t N>
-uint32_t kindOf(const tNamedKind (&kinds)[N], std::string_view name) noexcept {
-  const auto* found = std::find_if(std::begin(kinds), std::end(kinds),
-                                   [name](const tNamedKind& kind) { return kind.name == name; });
-  return found == std::end(kinds) ? kOtherKind : found->kind;
+bool hasText(cZoSmBiosProvider& provider, tFieldId field) noexcept {
+  return tProviderText(provider, field, 0).result() == 0;
+}
+
+bool hasByte(cZoSmBiosProvider& provider, tFieldId field) noexcept {
+  uint8_t ignored = 0;
+  return provider.readByte(field, 0, &ignored) == 0;
+}
+
+// The kind of controller: 1 to 3 by the bus structures of the table; without them 1 to 5 by the
+// platform structure; else QUENRA_KIND_OTHER.
+uint32_t controllerKind(cZoSmBiosProvider& provider) noexcept {
+  if (hasText(provider, nPlatformFields::kBusLocation)) {
+    return 1;
+  }
+  if (hasByte(provider, nPlatformFields::kSlotCount)) {
+    return 2;
+  }
+  if (hasByte(provider, nPlatformFields::kCapabilities)) {
+    return 3;
+  }
+  uint8_t kind = 0;
+  const bool known = provider.readByte(nPlatformFields::kKind, 0, &kind) == 0 && kind >= 1 &&
+                     kind <= kHighestPlatformKind;
+  return known ? kind : QUENRA_KIND_OTHER;
 }
 
 class tUnsignedReading {
@@ -63,19 +73,20 @@ class tUnsignedReading {
   void readRow(const tUnsignedRow& row) const noexcept;
 
  private:
-  void readFieldRow(const tUnsignedRow& row) const noexcept;
-  void readKindRow(const tUnsignedRow& row) const noexcept;
-  void readListRow(const tUnsignedRow& row) const noexcept;
+  void readListEntry(const tListSource& list) const noexcept;
+  void readPlatformRevision(tFieldId field) const noexcept;
   void readFromController(const tUnsignedRow& row) const noexcept;
   void computeFirmwareUpdateSupport(const tUnsignedRow& row) const noexcept;
   void computeInterfacesPresent() const noexcept;
-  void refuseOtherInstances(const tUnsignedRow& row) const noexcept;
+  void rejectOtherInstances(const tUnsignedRow& row) const noexcept;
 
   [[nodiscard]] uint32_t readField(tFieldId field, uint32_t instance) const noexcept;
   template <class Number>
   [[nodiscard]] Number readNumber(int32_t (cZoSmBiosProvider::*read)(tFieldId, uint32_t, Number*),
                                   tFieldId field, uint32_t instance) const noexcept;
-  void deliver(tUnsignedRule rule, uint32_t value) const noexcept;
+  template <size_t N>
+  [[nodiscard]] uint32_t readKind(tFieldId field, const tNamedKind (&kinds)[N]) const noexcept;
+  void deliver(uint32_t value) const noexcept;
   void readFromMartenInstead() const noexcept;
 
   const tAttributeAccess& access_;
@@ -86,23 +97,43 @@ class tUnsignedReading {
 
 void tUnsignedReading::readFromMarten() const noexcept {
   if (attribute_.instance() != 0 || !access_.martenIsOpen) {
-    status_.set(kNoController, kMartenNotOpen);
+    status_.set(QUENRA_STATUS_NO_CONTROLLER, kMartenNotOpen);
     return;
   }
-  tStatus driver = recordFor(status_);
-  readFromDriver(access_.marten, attribute_, value_, driver);
-  status_.mergeFrom(driver);
+  readFromDriver(access_.marten, attribute_.value(), value_, status_);
 }
 
 void tUnsignedReading::readRow(const tUnsignedRow& row) const noexcept {
+  const uint32_t instance = attribute_.instance();
   switch (row.rule) {
+    case tUnsignedRule::asItIs:
+      deliver(readField(row.field, instance));
+      break;
+    case tUnsignedRule::ofMemoryModule:
+      deliver(readField(row.field, access_.memoryModules.instanceOf(instance, status_)));
+      break;
+    case tUnsignedRule::ofList:
+      readListEntry(*row.list);
+      break;
+    case tUnsignedRule::lowNibble:
+      deliver(readField(row.field, instance) & 0xF);
+      break;
+    case tUnsignedRule::platformRevision:
+      readPlatformRevision(row.field);
+      break;
+    case tUnsignedRule::linkKind:
+      deliver(readKind(row.field, kLinkKinds));
+      break;
+    case tUnsignedRule::expansionKind:
+      deliver(readKind(row.field, kExpansionKinds));
+      break;
     case tUnsignedRule::controllerKind:
       value_ = controllerKind(access_.provider);
-      refuseOtherInstances(row);
+      rejectOtherInstances(row);
       break;
     case tUnsignedRule::memoryModuleCount:
       value_ = access_.memoryModules.count();
-      refuseOtherInstances(row);
+      rejectOtherInstances(row);
       break;
     case tUnsignedRule::firmwareUpdateSupport:
       computeFirmwareUpdateSupport(row);
@@ -113,52 +144,38 @@ void tUnsignedReading::readRow(const tUnsignedRow& row) const noexcept {
     case tUnsignedRule::driver:
       readFromController(row);
       break;
-    case tUnsignedRule::linkKind:
-    case tUnsignedRule::expansionKind:
-      readKindRow(row);
-      break;
-    case tUnsignedRule::ofList:
-      readListRow(row);
-      break;
-    default:
-      readFieldRow(row);
   }
 }
 
-void tUnsignedReading::refuseOtherInstances(const tUnsignedRow& row) const noexcept {
+void tUnsignedReading::rejectOtherInstances(const tUnsignedRow& row) const noexcept {
   if (attribute_.instance() != 0) {
-    status_.set(kAttributeNotSupported, sessionLocation(row.instanceLine));
+    status_.set(QUENRA_STATUS_NOT_SUPPORTED, sessionLocation(row.instanceLine));
   }
 }
 
 void tUnsignedReading::readFromController(const tUnsignedRow& row) const noexcept {
-  refuseOtherInstances(row);
+  rejectOtherInstances(row);
   if (status_.isError()) {
     return;
   }
-  tStatus driver = recordFor(status_);
-  readFromDriver(access_.controller, attribute_, value_, driver);
-  status_.mergeFrom(driver);
+  readFromDriver(access_.controller, attribute_.value(), value_, status_);
 }
 
 void tUnsignedReading::computeFirmwareUpdateSupport(const tUnsignedRow& row) const noexcept {
-  refuseOtherInstances(row);
+  rejectOtherInstances(row);
   if (status_.isError()) {
     return;
   }
-  uint8_t capability = 0;
-  uint8_t restriction = 0;
-  if (access_.provider.readByte(kUpdateCapability, 0, &capability) != 0 ||
-      access_.provider.readByte(kUpdateRestriction, 0, &restriction) != 0) {
-    status_.set(kNoController, kUpdateSupportUnknown);
-    return;
+  if (const auto permitted = isPermitted(access_.provider, kFirmwareUpdate)) {
+    value_ = *permitted ? 1 : 0;
+  } else {
+    status_.set(QUENRA_STATUS_NO_CONTROLLER, kUpdateSupportUnknown);
   }
-  value_ = capability != 0 && restriction < 2 ? 1 : 0;
 }
 
 void tUnsignedReading::computeInterfacesPresent() const noexcept {
   if (!access_.controllerIsOpen) {
-    status_.set(kNoController, kControllerNotOpen);
+    status_.set(QUENRA_STATUS_NO_CONTROLLER, kControllerNotOpen);
     return;
   }
   constexpr uint32_t kController = QUENRA_SELECTOR_CONTROLLER;
@@ -166,38 +183,40 @@ void tUnsignedReading::computeInterfacesPresent() const noexcept {
   value_ = access_.martenIsOpen ? kController | kMarten : kController;
 }
 
-void tUnsignedReading::readFieldRow(const tUnsignedRow& row) const noexcept {
-  uint32_t instance = attribute_.instance();
-  if (row.rule == tUnsignedRule::ofMemoryModule) {
-    instance = access_.memoryModules.instanceOf(instance, status_);
+void tUnsignedReading::readPlatformRevision(tFieldId field) const noexcept {
+  const uint32_t instance = attribute_.instance();
+  const uint32_t revision = readField(field, instance);
+  // Without its base the revision is not available.
+  static_cast<void>(readField(nPlatformFields::kRevisionBase, instance));
+  const bool isKnown = std::find(std::begin(kPlatformRevisions), std::end(kPlatformRevisions),
+                                 revision) != std::end(kPlatformRevisions);
+  if (!status_.isError() && !isKnown) {
+    status_.set(QUENRA_STATUS_NOT_SUPPORTED, kUnknownRevision);
+  } else {
+    deliver(revision);
   }
-  const uint32_t value = readField(row.field, instance);
-  if (row.rule == tUnsignedRule::platformRevision) {
-    // Without its base the revision is not available.
-    static_cast<void>(readField(kRevisionBase, instance));
-  }
-  deliver(row.rule, value);
 }
 
-void tUnsignedReading::readKindRow(const tUnsignedRow& row) const noexcept {
-  const tProviderText name(access_.provider, row.field, attribute_.instance());
+template <size_t N>
+uint32_t tUnsignedReading::readKind(tFieldId field, const tNamedKind (&kinds)[N]) const noexcept {
+  const tProviderText name(access_.provider, field, attribute_.instance());
   mergeProviderResult(name.result(), status_);
-  deliver(row.rule, row.rule == tUnsignedRule::linkKind ? kindOf(kLinkKinds, name.view())
-                                                        : kindOf(kExpansionKinds, name.view()));
+  const auto* const found =
+      std::find_if(std::begin(kinds), std::end(kinds),
+                   [&name](const tNamedKind& kind) { return kind.name == name.view(); });
+  return found == std::end(kinds) ? QUENRA_KIND_OTHER : found->kind;
 }
 
-void tUnsignedReading::readListRow(const tUnsignedRow& row) const noexcept {
-  const uint32_t count = readField(row.list->count, 0);
-  uint32_t value = 0;
-  if (!status_.isError()) {
-    const uint32_t position = attribute_.instance();
-    if (position >= count || position >= row.list->capacity) {
-      status_.set(kAttributeNotSupported, sessionLocation(row.list->line));
-      return;
-    }
-    value = readField(row.list->entry(position), 0);
+void tUnsignedReading::readListEntry(const tListSource& list) const noexcept {
+  const uint32_t count = readField(list.count, 0);
+  const uint32_t position = attribute_.instance();
+  if (status_.isError()) {
+    deliver(0);
+  } else if (position >= count || position >= list.capacity) {
+    status_.set(QUENRA_STATUS_NOT_SUPPORTED, sessionLocation(list.line));
+  } else {
+    deliver(readField(list.entry(position), 0));
   }
-  deliver(row.rule, value);
 }
 
 template <class Number>
@@ -220,23 +239,22 @@ uint32_t tUnsignedReading::readField(tFieldId field, uint32_t instance) const no
       return readNumber(&cZoSmBiosProvider::readWord, field, instance);
     case tWidthClass::quadWord:
       return static_cast<uint32_t>(readNumber(&cZoSmBiosProvider::readQword, field, instance));
-    default:
-      status_.set(kAttributeNotSupported, kUnknownWidth);
+    case tWidthClass::text:
+    case tWidthClass::doubleWord:
+    case tWidthClass::provider:
+      break;
   }
+  status_.set(QUENRA_STATUS_NOT_SUPPORTED, kUnknownWidth);
   return 0;
 }
 
-// Ends every read from the table: applies the row's rule or, when the field could not be read, reads
-// the attribute from the Marten interface.
-void tUnsignedReading::deliver(tUnsignedRule rule, uint32_t value) const noexcept {
+// Ends every read from the table: when the field could not be read, reads the attribute from the
+// Marten interface.
+void tUnsignedReading::deliver(uint32_t value) const noexcept {
   if (status_.isError()) {
     readFromMartenInstead();
-  } else if (rule == tUnsignedRule::platformRevision &&
-             std::find(std::begin(kPlatformRevisions), std::end(kPlatformRevisions), value) ==
-                 std::end(kPlatformRevisions)) {
-    status_.set(kAttributeNotSupported, kUnknownRevision);
   } else {
-    value_ = rule == tUnsignedRule::lowNibble ? value & 0xF : value;
+    value_ = value;
   }
 }
 
@@ -244,10 +262,11 @@ void tUnsignedReading::readFromMartenInstead() const noexcept {
   if (attribute_.instance() != 0 || !access_.martenIsOpen) {
     return;
   }
-  // A record of its own: with the error in the session's record, the proxy would send nothing.
-  tStatus driver;
+  // A status of its own: with the error in the session's, the proxy would send nothing.
+  nZOAPALS100::tStatus driver;
   uint32_t answer = 0;
-  readFromDriver(access_.marten, attribute_, answer, driver);
+  uint32_t size = sizeof answer;
+  access_.marten.getAttribute(attribute_.value(), addressOf(&answer), size, driver);
   if (!driver.isError()) {
     value_ = answer;
     status_.clear();
@@ -267,11 +286,11 @@ void readUnsignedAttribute(const tAttributeAccess& access, uint32_t attribute, u
   if (id.selectsMarten()) {
     reading.readFromMarten();
   } else if (id.isPrivate() && id.base() != QUENRA_ATTRIBUTE_PLATFORM_GENERATION) {
-    status.set(kAttributeNotSupported, kUnknownPrivateAttribute);
+    status.set(QUENRA_STATUS_NOT_SUPPORTED, kUnknownPrivateAttribute);
   } else if (const tUnsignedRow* row = findUnsignedRow(id.base())) {
     reading.readRow(*row);
   } else {
-    status.set(kAttributeNotSupported, kUnknownAttribute);
+    status.set(QUENRA_STATUS_NOT_SUPPORTED, kUnknownAttribute);
   }
 }
 

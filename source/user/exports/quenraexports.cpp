@@ -1,23 +1,55 @@
 #include <cstdint>
 #include <cstring>
 
+#include "protocol/controllerrequests.h"
+#include "protocol/interfaces.h"
 #include "quenra.h"
-#include "source/user/exports/devicepathattribute.h"
-#include "source/user/exports/exceptionboundary.h"
+#include "source/user/exports/callboundary.h"
 #include "source/user/exports/tprocessstate.h"
-#include "source/user/location.h"
-#include "source/user/statuscodes.h"
+#include "source/user/failuresites.h"
+#include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
+#include "zosmbios/czosmbiosprovider.h"
 
 namespace {
 
 using nQUENRA1400::processState;
-using nQUENRA1400::readDevicePath;
 using nQUENRA1400::runWithoutThrowing;
 using nQUENRA1400::sessionLocation;
+using nQUENRA1400::tCallersNumber;
 using nQUENRA1400::tControllerUserSession;
+
+namespace nZOAPAL000 = nQUENRA1400::nZOAPAL000;
+namespace nZOSMBIOS_1_1 = nQUENRA1400::nZOSMBIOS_1_1;
+
+// The layers below name their codes themselves; applications see them under the public names.
+static_assert(nZOAPALS100::kMemoryFull == QUENRA_STATUS_MEMORY_FULL);
+static_assert(nZOAPALS100::kNotSupported == QUENRA_STATUS_REQUEST_NOT_SUPPORTED);
+static_assert(nZOAPALS100::kGenericFailure == QUENRA_STATUS_GENERIC_FAILURE);
+static_assert(nZOAPALS100::kInvalidParameter == QUENRA_STATUS_INVALID_PARAMETER);
+static_assert(nZOAPALS100::kNotFound == QUENRA_STATUS_NOT_FOUND);
+static_assert(nZOAPALS100::kTimeOut == QUENRA_STATUS_TIME_OUT);
+static_assert(nZOAPALS100::kInternalError == QUENRA_STATUS_INTERNAL_ERROR);
+static_assert(nZOAPALS100::kAccessDenied == QUENRA_STATUS_ACCESS_DENIED);
+static_assert(nZOAPALS100::kNotReady == QUENRA_STATUS_NOT_READY);
+static_assert(nZOAPALS100::kIoPending == QUENRA_STATUS_IO_PENDING);
+static_assert(nZOAPALS100::kEndOfFile == QUENRA_STATUS_END_OF_FILE);
+static_assert(nZOAPALS100::kAlreadyExists == QUENRA_STATUS_ALREADY_EXISTS);
+static_assert(nZOAPALS100::kPathTooLong == QUENRA_STATUS_PATH_TOO_LONG);
+static_assert(nZOAPALS100::kDeviceRemoved == QUENRA_STATUS_DEVICE_REMOVED);
+static_assert(nZOAPALS100::kSystemRefused == QUENRA_STATUS_SYSTEM_REFUSED);
+static_assert(nZOAPALS100::kBusy == QUENRA_STATUS_BUSY);
+static_assert(nZOSMBIOS_1_1::kNoString == QUENRA_STATUS_SMBIOS_NO_STRING);
+static_assert(nZOSMBIOS_1_1::kBufferTooSmall == QUENRA_STATUS_SMBIOS_BUFFER_TOO_SMALL);
+static_assert(nZOSMBIOS_1_1::kFieldNotFound == QUENRA_STATUS_SMBIOS_NOT_FOUND);
+static_assert(nZOSMBIOS_1_1::kTableMalformed == QUENRA_STATUS_SMBIOS_MALFORMED);
+static_assert(nZOSMBIOS_1_1::kNoTable == QUENRA_STATUS_SMBIOS_NO_TABLE);
+static_assert(DRIVER_STATUS_BUFFER_TOO_SMALL == QUENRA_STATUS_DRIVER_BUFFER_TOO_SMALL);
 
 constexpr auto kNoSignedAttribute = sessionLocation(1590);
 constexpr auto kNoFloatingAttribute = sessionLocation(1611);
+constexpr auto kNoDevicePath = sessionLocation(1711);
+constexpr auto kPathDoesNotFit = sessionLocation(1712);
+constexpr auto kBufferMissing = sessionLocation(1713);
 constexpr auto kValueMissing = sessionLocation(1721);
 
 // Null, with the reason in the status, when the library is not ready or no session is open.
@@ -26,49 +58,44 @@ tControllerUserSession* findSession(zoerr::Status& status) noexcept {
   return status.isError() ? nullptr : processState().session(status);
 }
 
-// Access to a possibly misaligned variable of the caller, through a copy that the destructor writes
-// back.
-template <class Number>
-class tCallersNumber {
- public:
-  explicit tCallersNumber(Number* callers) noexcept
-      : callers_(callers), isAligned_(reinterpret_cast<uintptr_t>(callers) % alignof(Number) == 0) {
-    if (!isAligned_) {
-      std::memcpy(&copy_, callers_, sizeof copy_);
-    }
-  }
-  tCallersNumber(const tCallersNumber&) = delete;
-  tCallersNumber& operator=(const tCallersNumber&) = delete;
-  ~tCallersNumber() {
-    if (!isAligned_) {
-      std::memcpy(callers_, &copy_, sizeof copy_);
-    }
-  }
-
-  // Null if the caller passes none.
-  [[nodiscard]] Number* get() noexcept {
-    return isAligned_ ? static_cast<Number*>(callers_) : &copy_;
-  }
-
- private:
-  // Untyped: compilers assume that a typed pointer is aligned.
-  void* const callers_;
-  const bool isAligned_;
-  Number copy_{};
-};
-
 // The prologue of the exports on a handle: checks the handle, the start-up state and the session, in
 // this order. An invalid handle is refused without the lock. The operation runs outside the lock.
 template <class Operation>
 int32_t runOnSession(uint64_t handle, Operation operation) noexcept {
   if (handle != QUENRA_HANDLE) {
-    return nQUENRA1400::kInvalidHandle;
+    return QUENRA_STATUS_INVALID_HANDLE;
   }
   zoerr::tOwnedStatus status;
   if (tControllerUserSession* const session = findSession(status)) {
     runWithoutThrowing(status, [&] { operation(*session, status); });
   }
   return status.code;
+}
+
+// Reads QUENRA_ATTRIBUTE_DEVICE_PATH, which needs no session and no lock.
+void readDevicePath(char* buffer, uint64_t* size, zoerr::Status& status) noexcept {
+  nZOAPALS100::tStatus search;
+  nZOAPAL000::tDeviceInterfaceIterator first(kDevicePathInterfaceClass, search);
+  if (first.isEnd()) {
+    // Interfaces that cannot be listed count as absent.
+    status.set(QUENRA_STATUS_NO_CONTROLLER, kNoDevicePath);
+    return;
+  }
+  const nZOAPAL000::tDevicePath& path = first.getDevicePath(search);
+  status.mergeFrom(search);
+  if (path.isEmpty()) {
+    return;
+  }
+  if (size == nullptr || *size < path.length) {
+    if (size != nullptr) {
+      *size = path.length;
+    }
+    status.set(QUENRA_STATUS_BUFFER_TOO_SMALL, kPathDoesNotFit);
+  } else if (buffer == nullptr) {
+    status.set(nZOAPALS100::kInvalidParameter, kBufferMissing);
+  } else {
+    std::memcpy(buffer, path.text, path.length);
+  }
 }
 
 }  // namespace
@@ -117,25 +144,25 @@ int32_t QUENRA_getAttributeU32(uint64_t handle, uint32_t attribute, uint32_t* va
 
 int32_t QUENRA_getAttributeI32(uint64_t handle, uint32_t, int32_t*) {
   return runOnSession(handle, [](tControllerUserSession&, zoerr::Status& status) {
-    status.set(nQUENRA1400::kAttributeNotSupported, kNoSignedAttribute);
+    status.set(QUENRA_STATUS_NOT_SUPPORTED, kNoSignedAttribute);
   });
 }
 
 int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t, double*) {
   return runOnSession(handle, [](tControllerUserSession&, zoerr::Status& status) {
-    status.set(nQUENRA1400::kAttributeNotSupported, kNoFloatingAttribute);
+    status.set(QUENRA_STATUS_NOT_SUPPORTED, kNoFloatingAttribute);
   });
 }
 
-// Unlike the other exports, this one reports every missing session as kNoController.
+// Unlike the other exports, this one reports every missing session as QUENRA_STATUS_NO_CONTROLLER.
 int32_t QUENRA_setAttributeUTF8(uint64_t handle, uint32_t attribute, const char* text) {
   if (handle != QUENRA_HANDLE) {
-    return nQUENRA1400::kInvalidHandle;
+    return QUENRA_STATUS_INVALID_HANDLE;
   }
   zoerr::tOwnedStatus status;
   tControllerUserSession* const session = findSession(status);
   if (session == nullptr) {
-    return nQUENRA1400::kNoController;
+    return QUENRA_STATUS_NO_CONTROLLER;
   }
   runWithoutThrowing(status, [&] { session->writeText(attribute, text, status); });
   return status.code;

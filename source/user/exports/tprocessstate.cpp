@@ -4,8 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "source/user/location.h"
-#include "source/user/statuscodes.h"
+#include "source/user/failuresites.h"
 #include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
 #include "zoapal/protons/startup/processlifetime.h"
 
@@ -54,7 +53,7 @@ void tProcessState::open(zoerr::Status& status) noexcept {
   std::unique_ptr<tControllerUserSession> session(new (std::nothrow)
                                                       tControllerUserSession(provider_, status));
   if (session == nullptr) {
-    status.set(kOutOfMemory, kSessionNotAllocated);
+    status.set(QUENRA_STATUS_OUT_OF_MEMORY, kSessionNotAllocated);
   } else if (!status.isError()) {
     session_ = session.release();
   }
@@ -70,7 +69,7 @@ void tProcessState::close() noexcept {
 tControllerUserSession* tProcessState::session(zoerr::Status& status) noexcept {
   const nZOAPAL000::tGuard lock(lock_);
   if (session_ == nullptr) {
-    status.set(kInvalidHandle, kNoSession);
+    status.set(QUENRA_STATUS_INVALID_HANDLE, kNoSession);
   }
   return session_;
 }

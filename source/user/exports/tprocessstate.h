@@ -32,7 +32,7 @@ class tProcessState {
   void open(zoerr::Status& status) noexcept;
   // Drops one user of an open session.
   void close() noexcept;
-  // Null, with kInvalidHandle in the status, when none is open.
+  // Null, with QUENRA_STATUS_INVALID_HANDLE in the status, when none is open.
   [[nodiscard]] tControllerUserSession* session(zoerr::Status& status) noexcept;
 
  private:

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <utility>
 
-#include "source/user/firmware/parserlocation.h"
+#include "source/user/failuresites.h"
+#include "source/user/firmware/imageformat.h"
 #include "source/user/firmware/timagetext.h"
 #include "source/user/firmware/tsectionheaders.h"
-#include "source/user/statuscodes.h"
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
 
 namespace nQUENRA1400 {
@@ -19,27 +19,17 @@ using nZOAPAL000::tByteBuffer;
 using zoerr::Status;
 
 constexpr auto kImageWraps = parserLocation(163);
-constexpr auto kUnknownHeaderVersion = parserLocation(164);
-constexpr auto kUnknownUpdateType = parserLocation(176);
-constexpr auto kUnknownTargetDevice = parserLocation(186);
-constexpr auto kPayloadNotAllocated = parserLocation(214);
-constexpr auto kByteCountDiffers = parserLocation(241);
-constexpr auto kCrcDiffers = parserLocation(258);
-
-constexpr uint32_t kHeaderVersion = 1;
-constexpr std::string_view kFirmwareUpdate = "FWUpdate";
-constexpr std::string_view kTargetMarten = "MARTEN";
-constexpr std::string_view kTargetSafeMode = "SAFEMODE";
-constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 
 void checkHeader(const tSectionHeader& header, Status& status) noexcept {
-  if (header.headerVersion != kHeaderVersion) {
-    status.set(kImageVersion, kUnknownHeaderVersion);
-  } else if (header.updateType != kFirmwareUpdate && header.updateType != kCapsuleUpdate) {
-    status.set(kInvalidImage, kUnknownUpdateType);
-  } else if (header.targetDevice != kTargetBios && header.targetDevice != kTargetMarten &&
-             header.targetDevice != kTargetSafeMode) {
-    status.set(kInvalidImage, kUnknownTargetDevice);
+  if (header.headerVersion != nImageFormat::kHeaderVersion) {
+    report(nImageSites::kUnknownHeaderVersion, status);
+  } else if (header.updateType != nImageFormat::kFirmwareUpdate &&
+             header.updateType != nImageFormat::kCapsuleUpdate) {
+    report(nImageSites::kUnknownUpdateType, status);
+  } else if (header.targetDevice != nImageFormat::kBios &&
+             header.targetDevice != nImageFormat::kMarten &&
+             header.targetDevice != nImageFormat::kSafeMode) {
+    report(nImageSites::kUnknownTargetDevice, status);
   }
 }
 
@@ -51,12 +41,12 @@ void checkHeader(const tSectionHeader& header, Status& status) noexcept {
 std::span<const uint8_t> payloadText(const tImageText& text, size_t headerEnd, size_t nextSection,
                                      Status& status) noexcept {
   const auto separator = static_cast<uint32_t>(headerEnd);
-  const auto start = static_cast<uint32_t>(separator + kHeaderEnd.size());
+  const auto start = static_cast<uint32_t>(separator + nImageFormat::kHeaderEnd.size());
   const auto end = static_cast<uint32_t>(nextSection == tImageText::kNotFound ? text.size()  //
                                                                               : nextSection);
   const uint32_t length = end - start;
   if (length > text.size() - start) {
-    status.set(kOutOfMemory, kPayloadNotAllocated);
+    report(nImageSites::kPayloadNotAllocated, status);
     return {};
   }
   return {text.bytes() + start, length};
@@ -68,16 +58,16 @@ tByteBuffer decodePayload(std::span<const uint8_t> text, const tSectionHeader& h
   nZOAPALS100::tStatus allocating;
   tByteBuffer data = nZOAPAL000::allocateBytes(text.size(), allocating);
   if (data == nullptr) {
-    status.set(kOutOfMemory, kPayloadNotAllocated);
+    report(nImageSites::kPayloadNotAllocated, status);
     return nullptr;
   }
   const auto decoded = kernels.decode(text.data(), text.size(), data.get());
   if (decoded.byteCount != header.byteCount) {
-    status.set(kInvalidImage, kByteCountDiffers);
+    report(nImageSites::kByteCountDiffers, status);
     return nullptr;
   }
   if (decoded.crc != header.crc) {
-    status.set(kInvalidImage, kCrcDiffers);
+    report(nImageSites::kCrcDiffers, status);
     return nullptr;
   }
   return data;
@@ -86,7 +76,7 @@ tByteBuffer decodePayload(std::span<const uint8_t> text, const tSectionHeader& h
 void addRecord(tFirmwarePayloads& records, const tSectionHeader& header, tByteBuffer data) {
   const tFirmwarePayload record{nullptr, header.byteCount, header.targetDevice, header.version,
                                 header.targetFileName};
-  const bool goesFirst = header.isBiosWith(kFirmwareUpdate) || header.isDriverPackage;
+  const bool goesFirst = header.isBiosWith(nImageFormat::kFirmwareUpdate) || header.isDriverPackage;
   tFirmwarePayload& added =
       goesFirst ? records.emplace_front(record) : records.emplace_back(record);
   // Only a record that is in the list can hand its data to the caller.
@@ -96,7 +86,7 @@ void addRecord(tFirmwarePayloads& records, const tSectionHeader& header, tByteBu
 void parseSections(tFirmwarePayloads& records, const tImageText& text, const tKernels& kernels,
                    Status& status) {
   tSectionHeaders headers(text);
-  tForwardSearch headerEnd(kHeaderEnd);
+  tForwardSearch headerEnd(nImageFormat::kHeaderEnd);
   size_t section = headers.findSection(0);
   while (section != tImageText::kNotFound) {
     const tSectionHeader header = headers.read(section, status);
@@ -133,7 +123,7 @@ void tFirmwareImageParser::Parse(tFirmwarePayloads& records, const void* imageTe
   try {
     parseSections(records, {imageText, size, kernels_}, kernels_, status);
   } catch (const std::bad_alloc&) {
-    status.set(kOutOfMemory, kPayloadNotAllocated);
+    report(nImageSites::kPayloadNotAllocated, status);
   }
 }
 

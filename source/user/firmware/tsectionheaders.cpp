@@ -1,20 +1,51 @@
 #include "source/user/firmware/tsectionheaders.h"
 
-#include "source/user/firmware/parserlocation.h"
-#include "source/user/statuscodes.h"
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+#include "source/user/failuresites.h"
 
 namespace nQUENRA1400 {
 namespace {
 
-constexpr auto kNumberEmpty = parserLocation(339);
-constexpr auto kNumberNotDelimited = parserLocation(351);
-constexpr auto kTextMissing = parserLocation(409);
-constexpr auto kTextEmpty = parserLocation(425);
-constexpr auto kQuoteNotClosed = parserLocation(487);
-
 constexpr auto kNotFound = tImageText::kNotFound;
 
+// Accepts digits only: neither blanks nor a sign.
+uint32_t magnitudeOf(std::string_view digits, int base, bool isNegative) noexcept {
+  uint32_t value = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+  if (result.ec == std::errc::result_out_of_range) {
+    return UINT32_MAX;
+  }
+  return isNegative ? 0 - value : value;
+}
+
 }  // namespace
+
+uint32_t numberOf(std::string_view text) noexcept {
+  constexpr std::string_view kHexadecimal = "0x";
+  if (text.starts_with(kHexadecimal)) {
+    return magnitudeOf(text.substr(kHexadecimal.size()), 16, false);
+  }
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  const bool isNegative = text.starts_with('-');
+  if (isNegative || text.starts_with('+')) {
+    text.remove_prefix(1);
+  }
+  return magnitudeOf(text, 10, isNegative);
+}
+
+std::optional<tTextRange> withoutQuotes(tTextRange value, size_t firstQuote,
+                                        size_t secondQuote) noexcept {
+  if (firstQuote == tImageText::kNotFound) {
+    return value;
+  }
+  if (secondQuote == tImageText::kNotFound) {
+    return std::nullopt;
+  }
+  return secondQuote + 1 == value.end ? tTextRange{firstQuote + 1, secondQuote} : value;
+}
 
 size_t tSectionHeaders::findSection(size_t from) noexcept {
   return headerVersion_.key.find(text_, from);
@@ -36,12 +67,12 @@ void tSectionHeaders::readNumber(tNumber& field, size_t section, uint32_t& value
   const size_t end = start == kNotFound ? kNotFound : field.lineEnd.find(text_, start);
   if (end == kNotFound) {
     // A value without one of its ends would be larger than any memory.
-    status.set(kOutOfMemory, kNumberNotDelimited);
+    report(nImageSites::kNumberNotDelimited, status);
     return;
   }
   const std::string_view text = text_.between(start + field.name.size(), end);
   if (text.empty()) {
-    status.set(kInvalidImage, kNumberEmpty);
+    report(nImageSites::kNumberEmpty, status);
     return;
   }
   if (field.position != start) {
@@ -54,7 +85,7 @@ void tSectionHeaders::readNumber(tNumber& field, size_t section, uint32_t& value
 tTextRange tSectionHeaders::findText(tText& field, size_t section, zoerr::Status& status) noexcept {
   const size_t start = field.key.find(text_, section);
   if (start == kNotFound) {
-    status.set(kInvalidImage, kTextMissing);
+    report(nImageSites::kTextMissing, status);
     return {};
   }
   tTextRange value{start + field.name.size(), field.lineEnd.find(text_, start)};
@@ -62,7 +93,7 @@ tTextRange tSectionHeaders::findText(tText& field, size_t section, zoerr::Status
     value.end = textEnd(value.begin);
   }
   if (value.isEmpty()) {
-    status.set(kInvalidImage, kTextEmpty);
+    report(nImageSites::kTextEmpty, status);
     return {};
   }
   const size_t first = field.firstQuote.find(text_, value.begin, value.end);
@@ -71,7 +102,7 @@ tTextRange tSectionHeaders::findText(tText& field, size_t section, zoerr::Status
   if (const auto unquoted = withoutQuotes(value, first, second)) {
     return *unquoted;
   }
-  status.set(kInvalidImage, kQuoteNotClosed);
+  report(nImageSites::kQuoteNotClosed, status);
   return {};
 }
 
@@ -98,7 +129,7 @@ tSectionHeader tSectionHeaders::read(size_t section, zoerr::Status& status) {
   readText(updateType_, section, header.updateType, status);
   readText(version_, section, header.version, status);
   readText(targetDevice_, section, header.targetDevice, status);
-  if (header.isBiosWith(kCapsuleUpdate)) {
+  if (header.isBiosWith(nImageFormat::kCapsuleUpdate)) {
     const tTextRange name = readText(targetFileName_, section, header.targetFileName, status);
     header.isDriverPackage = driverPackage_.find(text_, name.begin, name.end) != kNotFound;
   }

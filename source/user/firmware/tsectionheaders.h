@@ -3,18 +3,39 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
-#include "source/user/firmware/fieldvalues.h"
-#include "source/user/firmware/tforwardsearch.h"
+#include "source/user/firmware/imageformat.h"
+#include "source/user/firmware/tfirmwarepayload.h"
 #include "source/user/firmware/timagetext.h"
-#include "source/user/firmware/tsharedtext.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {
 
-inline constexpr std::string_view kTargetBios = "BIOS";
-inline constexpr std::string_view kCapsuleUpdate = "CapsuleUpdate";
+// The characters of an image from one position up to another.
+struct tTextRange {
+  size_t begin = 0;
+  size_t end = 0;
+
+  [[nodiscard]] bool isEmpty() const noexcept { return begin == end; }
+  [[nodiscard]] bool contains(const tTextRange& other) const noexcept {
+    return begin <= other.begin && other.end <= end;
+  }
+  bool operator==(const tTextRange&) const = default;
+};
+
+// Converts the number at the beginning of a text as C does with a 32-bit result: blanks, a sign, digits;
+// hexadecimal when the text begins with "0x" in lower case. The rest is ignored. Returns 0 when there is
+// no number, and all ones when it is too large, whatever its sign; otherwise a minus sign negates it
+// modulo 2^32.
+[[nodiscard]] uint32_t numberOf(std::string_view text) noexcept;
+
+// Returns the range between the first two double quotes of a value if the second one is its last
+// character, otherwise the complete value; nothing when a quote is opened and never closed. The quotes
+// are positions in the value, or tImageText::kNotFound.
+[[nodiscard]] std::optional<tTextRange> withoutQuotes(tTextRange value, size_t firstQuote,
+                                                      size_t secondQuote) noexcept;
 
 // The fields of a section's header. A field that cannot be read is 0 or empty.
 struct tSectionHeader {
@@ -28,7 +49,7 @@ struct tSectionHeader {
   uint32_t byteCount = 0;
 
   [[nodiscard]] bool isBiosWith(std::string_view type) const noexcept {
-    return targetDevice == kTargetBios && updateType == type;
+    return targetDevice == nImageFormat::kBios && updateType == type;
   }
 };
 
@@ -58,7 +79,7 @@ class tSectionHeaders {
 
     std::string_view name;
     tForwardSearch key;
-    tForwardSearch lineEnd{"\r\n"};
+    tForwardSearch lineEnd{nImageFormat::kLineEnd};
   };
   struct tNumber : tField {
     using tField::tField;
@@ -85,14 +106,14 @@ class tSectionHeaders {
 
   const tImageText& text_;
   size_t textEnd_ = tImageText::kNotFound;
-  tNumber headerVersion_{"HeaderVersion::"};
-  tText updateType_{"UpdateType::"};
-  tText version_{"\nVersion::"};  // with the line feed: HeaderVersion has the same ending
-  tText targetDevice_{"TargetDevice::"};
-  tText targetFileName_{"TargetFileName::"};
-  tForwardSearch driverPackage_{".inf"};
-  tNumber crc_{"CRC::"};
-  tNumber byteCount_{"ByteCount::"};
+  tNumber headerVersion_{nImageFormat::kHeaderVersionKey};
+  tText updateType_{nImageFormat::kUpdateTypeKey};
+  tText version_{nImageFormat::kVersionKey};
+  tText targetDevice_{nImageFormat::kTargetDeviceKey};
+  tText targetFileName_{nImageFormat::kTargetFileNameKey};
+  tForwardSearch driverPackage_{nImageFormat::kDriverPackage};
+  tNumber crc_{nImageFormat::kCrcKey};
+  tNumber byteCount_{nImageFormat::kByteCountKey};
 };
 
 }  // namespace nQUENRA1400

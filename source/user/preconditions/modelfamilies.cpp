@@ -1,15 +1,13 @@
-#include "source/user/preconditions/modelfamilies.h"
-
 #include <exception>
 #include <regex>
 #include <string_view>
 
-#include "source/user/attributes/providertext.h"
+#include "source/user/machine/smbiosfields.h"
+#include "source/user/preconditions/preconditions.h"
 
 namespace nQUENRA1400 {
 namespace {
 
-constexpr auto kProductName = nZOSMBIOS_1_1::textField(0x01, 0x05);
 constexpr const char* kModelFamilies[] = {"^qmod-710[0-9]$", "^qbrd-43[0-9]2$"};
 
 bool isInAFamily(std::string_view name) {
@@ -24,7 +22,7 @@ bool isInAFamily(std::string_view name) {
 }  // namespace
 
 bool IsOutsideModelFamilies(nZOSMBIOS_1_1::cZoSmBiosProvider& provider) noexcept {
-  const tProviderText name(provider, kProductName, 0);
+  const tProviderText name(provider, nPlatformFields::kProductName, 0);
   if (name.result() != 0) {
     return false;
   }

@@ -2,8 +2,7 @@
 
 #include <windows.h>
 
-#include "source/user/location.h"
-#include "source/user/statuscodes.h"
+#include "source/user/failuresites.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 
 namespace nQUENRA1400 {
@@ -12,9 +11,6 @@ namespace {
 // Null is the invalid handle of a process and of its thread, as of an event.
 using tUniqueProcess = nZOAPAL000::tUniqueHandle<nZOAPAL000::tObjectPolicy>;
 using tUniqueThread = tUniqueProcess;
-
-constexpr auto kToolMissing = sessionLocation(2331);
-constexpr auto kToolNotStarted = sessionLocation(2359);
 
 constexpr DWORD kTimeoutMilliseconds = 300000;
 
@@ -46,12 +42,12 @@ void installDriverPackage(const std::string& infPath, zoerr::Status& status) {
   // The path is not quoted, even if it has blanks.
   std::string commandLine = " /add-driver " + infPath + " /install";
   if (!toolExists()) {
-    status.set(kUpdateEnvironment, kToolMissing);
+    report(nUpdateSites::kToolMissing, status);
     return;
   }
   const tUniqueProcess tool = startTool(std::move(commandLine));
   if (!tool) {
-    status.set(kInvalidImage, kToolNotStarted);
+    report(nUpdateSites::kToolNotStarted, status);
     return;
   }
   WaitForSingleObject(tool.get(), kTimeoutMilliseconds);

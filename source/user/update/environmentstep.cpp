@@ -1,11 +1,13 @@
 #include "source/user/update/environmentstep.h"
 
 #include <boost/uuid/entropy_error.hpp>
+#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
 
-#include "source/user/statuscodes.h"
+#include "quenra_status.h"
 
 namespace nQUENRA1400 {
 namespace {
@@ -28,7 +30,7 @@ bool isShortMemory(const std::error_code& code) noexcept {
 }
 
 int32_t codeFor(bool memoryIsShort) noexcept {
-  return memoryIsShort ? kOutOfMemory : kUpdateEnvironment;
+  return memoryIsShort ? QUENRA_STATUS_OUT_OF_MEMORY : QUENRA_STATUS_UPDATE_ENVIRONMENT;
 }
 
 }  // namespace
@@ -41,8 +43,13 @@ void reportEnvironmentFailure(const nZOAPALS100::tSourceLocation& location, zoer
   } catch (const std::system_error& error) {  // also of std::filesystem
     status.set(codeFor(isShortMemory(error.code())), location);
   } catch (const std::length_error&) {  // a name longer than the system converts
-    status.set(kUpdateEnvironment, location);
+    status.set(QUENRA_STATUS_UPDATE_ENVIRONMENT, location);
   }
+}
+
+std::string randomFolderName() {
+  boost::uuids::random_generator_pure generator;
+  return boost::uuids::to_string(generator());
 }
 
 }  // namespace nQUENRA1400

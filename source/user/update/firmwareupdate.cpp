@@ -5,44 +5,26 @@
 #include <string_view>
 
 #include "quenra.h"
-#include "source/user/attributes/drivercalls.h"
-#include "source/user/attributes/providertext.h"
+#include "source/user/failuresites.h"
+#include "source/user/firmware/imageformat.h"
 #include "source/user/firmware/tfirmwareimageparser.h"
-#include "source/user/location.h"
-#include "source/user/preconditions/driveencryption.h"
-#include "source/user/statuscodes.h"
+#include "source/user/machine/drivercalls.h"
+#include "source/user/machine/smbiosfields.h"
+#include "source/user/preconditions/preconditions.h"
 #include "source/user/update/driverpackage.h"
 #include "source/user/update/environmentstep.h"
 #include "source/user/update/firmwareversion.h"
-#include "source/user/update/foldername.h"
-#include "source/user/update/martentext.h"
-#include "source/user/update/payloadfiles.h"
 #include "source/user/update/tmartenmarker.h"
-#include "source/user/update/tupdatefolder.h"
+#include "source/user/update/updatefiles.h"
 
 namespace nQUENRA1400 {
 namespace {
 
-using nZOSMBIOS_1_1::byteField;
-using nZOSMBIOS_1_1::textField;
-
-constexpr auto kDriveIsEncrypted = sessionLocation(1787);
-constexpr auto kEligibilityUnknown = sessionLocation(1798);
-constexpr auto kNotEligible = sessionLocation(1810);
 constexpr auto kBadFlags = sessionLocation(1826);
 constexpr auto kNoRandomBytes = sessionLocation(1827);
 constexpr auto kNoTemporaryDirectory = sessionLocation(1828);
-constexpr auto kNoMarten = sessionLocation(1868);
 
-constexpr auto kUpdatable = byteField(0x9E, 0x04);
-constexpr auto kUpdateProtection = byteField(0x9E, 0x05);
-constexpr uint8_t kFirstProtected = 2;
-constexpr auto kBiosVersion = textField(0x00, 0x05);
 constexpr uint32_t kMartenVersion = QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN;
-
-constexpr std::string_view kBios = "BIOS";
-constexpr std::string_view kMarten = "MARTEN";
-constexpr std::string_view kDriverPackage = ".inf";
 
 // The payloads of an image. Frees their data.
 class tPayloadList {
@@ -66,36 +48,36 @@ void checkMachine(const tAttributeAccess& access, zoerr::Status& status) noexcep
   if (status.isError()) {
     return;
   }
-  uint8_t updatable = 0;
-  uint8_t protection = 0;
   if (isEncrypted) {
-    status.set(kDriveProtected, kDriveIsEncrypted);
-  } else if (access.provider.readByte(kUpdatable, 0, &updatable) != 0 ||
-             access.provider.readByte(kUpdateProtection, 0, &protection) != 0) {
-    status.set(kNoController, kEligibilityUnknown);
-  } else if (updatable == 0 || protection >= kFirstProtected) {
-    status.set(kAttributeNotSupported, kNotEligible);
+    report(nUpdateSites::kDriveEncrypted, status);
+    return;
+  }
+  const auto permitted = isPermitted(access.provider, kFirmwareUpdate);
+  if (!permitted) {
+    report(nUpdateSites::kEligibilityUnknown, status);
+  } else if (!*permitted) {
+    report(nUpdateSites::kNotEligible, status);
   }
 }
 
 void checkFlags(uint32_t flags, zoerr::Status& status) noexcept {
   if (!status.isError() && flags != QUENRA_UPDATE_NEWER && flags != QUENRA_UPDATE_ALL) {
-    status.set(kInvalidValue, kBadFlags);
+    status.set(QUENRA_STATUS_INVALID_VALUE, kBadFlags);
   }
 }
 
 // Returns 0, which is older than any version, if the version cannot be read.
 uint32_t installedBiosVersion(const tAttributeAccess& access) noexcept {
-  const tProviderText text(access.provider, kBiosVersion, 0);
+  const tProviderText text(access.provider, nPlatformFields::kBiosVersion, 0);
   return text.result() == 0 ? packedVersion(text.view()) : 0;
 }
 
 void compareVersions(const tAttributeAccess& access, const tFirmwarePayload& payload,
                      tCurrent& current, zoerr::Status& status) {
   const uint32_t wanted = packedVersion(payload.version);
-  if (payload.targetDevice == kBios) {
+  if (payload.targetDevice == nImageFormat::kBios) {
     current.bios = current.bios || installedBiosVersion(access) >= wanted;
-  } else if (payload.targetDevice == kMarten) {
+  } else if (payload.targetDevice == nImageFormat::kMarten) {
     const std::string installed = readMartenText(access.marten, kMartenVersion, status);
     current.marten = current.marten || (!status.isError() && wanted <= packedVersion(installed));
   }
@@ -108,20 +90,13 @@ tCurrent decide(const tAttributeAccess& access, const tFirmwarePayloads& payload
     if (status.isError()) {
       break;
     }
-    if (payload.targetDevice == kMarten && !access.martenIsOpen) {
-      status.set(kInvalidImage, kNoMarten);
+    if (payload.targetDevice == nImageFormat::kMarten && !access.martenIsOpen) {
+      report(nUpdateSites::kNoMarten, status);
     } else if (flags == QUENRA_UPDATE_NEWER) {
       compareVersions(access, payload, current, status);
     }
   }
   return current;
-}
-
-template <class Interface>
-void send(Interface& device, const tFirmwarePayload& payload, zoerr::Status& status) noexcept {
-  nZOAPALS100::tStatus record = recordFor(status);
-  device.sendCommand(addressOf(payload.data), payload.byteCount, record);
-  status.mergeFrom(record);
 }
 
 void install(const tFirmwarePayload& payload, tUpdateFolder& folder, zoerr::Status& status) {
@@ -144,12 +119,14 @@ std::optional<tUpdateFolder> chooseFolder(zoerr::Status& status) {
 // Sends firmware to its device and installs driver packages. Other payloads are only written to their files.
 void apply(const tAttributeAccess& access, const tFirmwarePayload& payload, const tCurrent& current,
            tUpdateFolder& folder, zoerr::Status& status) {
-  if (payload.targetDevice == kBios && !current.bios && payload.targetFileName.empty()) {
-    send(access.controller, payload, status);
-  } else if (payload.targetFileName.view().find(kDriverPackage) != std::string_view::npos) {
+  if (payload.targetDevice == nImageFormat::kBios && !current.bios &&
+      payload.targetFileName.empty()) {
+    sendToDriver(access.controller, payload.data, payload.byteCount, status);
+  } else if (payload.targetFileName.view().find(nImageFormat::kDriverPackage) !=
+             std::string_view::npos) {
     install(payload, folder, status);
-  } else if (payload.targetDevice == kMarten && !current.marten) {
-    send(access.marten, payload, status);
+  } else if (payload.targetDevice == nImageFormat::kMarten && !current.marten) {
+    sendToDriver(access.marten, payload.data, payload.byteCount, status);
   }
 }
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "source/user/attributes/attributeaccess.h"
+#include "source/user/attributes/attributes.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {
@@ -15,7 +15,7 @@ namespace nQUENRA1400 {
 // A failure restores the Marten's version marker; the driver keeps the firmware that it has accepted.
 // Files stay in the folder of the update, unless one cannot be opened or a driver package cannot be
 // installed. Until the update returns, other processes cannot change them. Failures of the system, such as
-// missing random bytes, are reported as kUpdateEnvironment.
+// missing random bytes, are reported as QUENRA_STATUS_UPDATE_ENVIRONMENT.
 // Throws std::bad_alloc.
 void updateFirmware(const tAttributeAccess& access, const void* image, size_t imageSize,
                     uint32_t flags, zoerr::Status& status);

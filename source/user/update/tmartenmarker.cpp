@@ -1,13 +1,19 @@
 #include "source/user/update/tmartenmarker.h"
 
+#include <cstring>
 #include <string_view>
 
 #include "quenra_attributes.h"
-#include "source/user/attributes/drivercalls.h"
-#include "source/user/update/martentext.h"
+#include "source/user/failuresites.h"
+#include "source/user/machine/drivercalls.h"
 
 namespace nQUENRA1400 {
 namespace {
+
+constexpr auto kSizeImplausible = sessionLocation(1701);
+
+// Far more than any text of a controller.
+constexpr uint32_t kMaxSize = 1u << 20;
 
 constexpr uint32_t kMarker = QUENRA_ATTRIBUTE_FIRMWARE_VERSION;
 constexpr std::string_view kIncomplete = "0.0.0f0";
@@ -19,6 +25,29 @@ void write(nZOAPAL000::iInterfaceProxy_hostMarten& marten, std::string_view text
 }
 
 }  // namespace
+
+std::string readMartenText(nZOAPAL000::iInterfaceProxy_hostMarten& marten, uint32_t attribute,
+                           zoerr::Status& status) {
+  uint32_t size = 0;
+  readFromDriver(marten, attribute, nullptr, size, status);
+  if (status.code == QUENRA_STATUS_BUFFER_TOO_SMALL) {
+    status.clear();
+  }
+  if (status.isError() || size == 0) {
+    return {};
+  }
+  if (size > kMaxSize) {
+    status.set(QUENRA_STATUS_OUT_OF_MEMORY, kSizeImplausible);
+    return {};
+  }
+  std::string text(size, '\0');
+  readFromDriver(marten, attribute, text.data(), size, status);
+  if (status.isError()) {
+    return {};
+  }
+  text.resize(strnlen(text.data(), text.size()));
+  return text;
+}
 
 tMartenMarker::~tMartenMarker() {
   if (marten_ != nullptr && saved_) {

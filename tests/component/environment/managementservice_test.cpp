@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "simulator/scenario/encryption.h"
-#include "source/user/preconditions/driveencryption.h"
+#include "source/user/preconditions/preconditions.h"
 #include "tests/component/user/readingtest.h"
 
 namespace nTests {

@@ -1,4 +1,4 @@
-#include "source/user/preconditions/driveencryption.h"
+#include "source/user/preconditions/preconditions.h"
 
 #include <windows.h>
 // Both need windows.h first.

@@ -1,4 +1,4 @@
-#include "source/user/preconditions/modelfamilies.h"
+#include "source/user/preconditions/preconditions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The system calls of a firmware update when memory is short.
 #include <new>
 
-#include "source/user/preconditions/driveencryption.h"
+#include "source/user/preconditions/preconditions.h"
 #include "source/user/update/driverpackage.h"
 #include "tests/component/session/sessiontest.h"
 #include "tests/fakewindows/allocationplan.h"

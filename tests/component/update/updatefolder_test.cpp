@@ -1,4 +1,5 @@
-#include "source/user/update/tupdatefolder.h"
+#include "source/user/update/environmentstep.h"
+#include "source/user/update/updatefiles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "source/user/update/foldername.h"
 #include "tests/builders/ttemporaryfolder.h"
 #include "tests/fakewindows/fakewindowstest.h"
 #include "tests/fakewindows/faultplan.h"

@@ -1,6 +1,6 @@
 // Each allocation of a complete update fails in turn.
-#include "source/user/update/foldername.h"
-#include "source/user/update/tupdatefolder.h"
+#include "source/user/update/environmentstep.h"
+#include "source/user/update/updatefiles.h"
 #include "tests/component/update/updatetest.h"
 #include "tests/fakewindows/allocationplan.h"
 

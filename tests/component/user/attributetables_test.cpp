@@ -3,8 +3,7 @@
 #include <set>
 
 #include "source/user/attributes/attributeid.h"
-#include "source/user/attributes/texttable.h"
-#include "source/user/attributes/unsignedtable.h"
+#include "source/user/attributes/attributetables.h"
 
 namespace nTests {
 namespace {

@@ -1,4 +1,4 @@
-#include "source/user/exports/exceptionboundary.h"
+#include "source/user/exports/callboundary.h"
 
 #include <gtest/gtest.h>
 

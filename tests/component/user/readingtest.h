@@ -8,9 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "source/user/attributes/attributeaccess.h"
-#include "source/user/attributes/textreader.h"
-#include "source/user/attributes/unsignedreader.h"
+#include "source/user/attributes/attributes.h"
 #include "tests/builders/referencetable.h"
 #include "tests/component/user/tscripteddriver.h"
 #include "zoapal/protons/status/zoerrstatus.h"

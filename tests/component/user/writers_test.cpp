@@ -1,5 +1,4 @@
-#include "source/user/attributes/textwriter.h"
-#include "source/user/attributes/unsignedwriter.h"
+#include "source/user/attributes/attributes.h"
 #include "tests/component/user/readingtest.h"
 
 namespace nTests {

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string_view>
 
-#include "source/user/preconditions/driveencryption.h"
+#include "source/user/preconditions/preconditions.h"
 #include "source/user/update/driverpackage.h"
 #include "tools/quenra/firmware/sectionfault.h"
 #include "tools/quenra/text/utf8text.h"

@@ -3,7 +3,6 @@
 #include <immintrin.h>
 #include <string.h>
 
-#include "source/user/firmware/decoding/crcpolynomial.h"
 #include "source/user/firmware/decoding/kernels.h"
 #include "source/user/firmware/decoding/plainsteps.h"
 

@@ -2,7 +2,6 @@
 // here has internal linkage, and nothing is included that defines functions: see kernels.h.
 #include <immintrin.h>
 
-#include "source/user/firmware/decoding/crcpolynomial.h"
 #include "source/user/firmware/decoding/kernels.h"
 #include "source/user/firmware/decoding/plainsteps.h"
 

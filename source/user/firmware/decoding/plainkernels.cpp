@@ -3,9 +3,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <string_view>
 
-#include "source/user/firmware/decoding/crcpolynomial.h"
 #include "source/user/firmware/decoding/kernels.h"
 #include "source/user/firmware/decoding/plainsteps.h"
 
@@ -21,14 +19,12 @@ using tQuadTables = std::array<std::array<uint32_t, 256>, 4>;
 constexpr uint32_t kNoQuad = 0xFF000000;
 
 consteval tQuadTables makeQuadTables() {
-  constexpr std::string_view kAlphabet =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   tQuadTables tables{};
   for (auto& table : tables) {
     table.fill(kNoQuad);
   }
-  for (uint32_t sextet = 0; sextet < kAlphabet.size(); ++sextet) {
-    const auto character = static_cast<uint8_t>(kAlphabet[sextet]);
+  for (uint32_t sextet = 0; sextet < kBase64Characters; ++sextet) {
+    const auto character = static_cast<uint8_t>(kBase64Alphabet[sextet]);
     tables[0][character] = sextet << 2;
     tables[1][character] = (sextet >> 4) | (sextet & 0xF) << 12;
     tables[2][character] = (sextet >> 2) << 8 | (sextet & 0x3) << 22;

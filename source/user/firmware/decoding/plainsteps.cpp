@@ -3,9 +3,6 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <string_view>
-
-#include "source/user/firmware/decoding/crcpolynomial.h"
 
 namespace nQUENRA1400::nFirmwareDecoding {
 namespace {
@@ -16,12 +13,10 @@ static_assert(std::endian::native == std::endian::little);
 constexpr uint8_t kNoSextet = 0xFF;
 
 consteval std::array<uint8_t, 256> makeSextets() {
-  constexpr std::string_view kAlphabet =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::array<uint8_t, 256> sextets{};
   sextets.fill(kNoSextet);
-  for (size_t i = 0; i < kAlphabet.size(); ++i) {
-    sextets[static_cast<uint8_t>(kAlphabet[i])] = static_cast<uint8_t>(i);
+  for (size_t i = 0; i < kBase64Characters; ++i) {
+    sextets[static_cast<uint8_t>(kBase64Alphabet[i])] = static_cast<uint8_t>(i);
   }
   return sextets;
 }

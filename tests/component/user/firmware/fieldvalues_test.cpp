@@ -1,4 +1,4 @@
-#include "source/user/firmware/fieldvalues.h"
+#include "source/user/firmware/tsectionheaders.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "source/user/firmware/tforwardsearch.h"
+#include "source/user/firmware/timagetext.h"
 
 #include <gtest/gtest.h>
 

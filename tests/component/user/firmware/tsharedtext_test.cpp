@@ -1,4 +1,4 @@
-#include "source/user/firmware/tsharedtext.h"
+#include "source/user/firmware/tfirmwarepayload.h"
 
 #include <gtest/gtest.h>
 

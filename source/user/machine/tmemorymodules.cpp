@@ -1,29 +1,17 @@
-#include "source/user/session/tmemorymodules.h"
+#include "source/user/machine/tmemorymodules.h"
 
 #include <new>
 
-#include "source/user/attributes/providerresult.h"
-#include "source/user/location.h"
-#include "source/user/statuscodes.h"
+#include "source/user/machine/smbiosfields.h"
 
 namespace nQUENRA1400 {
 namespace {
 
-using nZOSMBIOS_1_1::structureTypeOf;
-using nZOSMBIOS_1_1::wordField;
-
-constexpr auto kDeviceCount = wordField(0x10, 0x0D);  // of Physical Memory Array
-constexpr auto kDeviceSize = wordField(0x11, 0x0C);  // of Memory Device; 0 when the socket is empty
+using nPlatformFields::kMemoryDeviceCount;
+using nPlatformFields::kMemorySize;
 
 constexpr auto kListDoesNotGrow = sessionLocation(421);
 constexpr auto kIndexBeyondCount = sessionLocation(2534);
-
-// 0 when the field is malformed.
-uint32_t deviceCount(nZOSMBIOS_1_1::cZoSmBiosProvider& provider, zoerr::Status& status) noexcept {
-  uint16_t count = 0;
-  mergeProviderResult(provider.readWord(kDeviceCount, 0, &count), status);
-  return count;
-}
 
 }  // namespace
 
@@ -34,11 +22,13 @@ void tMemoryModules::find(nZOSMBIOS_1_1::cZoSmBiosProvider& provider,
   if (status.isError()) {
     return;
   }
-  const uint32_t devices = deviceCount(provider, status);
-  nZOSMBIOS_1_1::tStructuresOfType structures(provider.table(), structureTypeOf(kDeviceSize));
+  uint16_t devices = 0;  // unchanged when the field is malformed
+  mergeProviderResult(provider.readWord(kMemoryDeviceCount, 0, &devices), status);
+  nZOSMBIOS_1_1::tStructuresOfType structures(provider.table(),
+                                              nZOSMBIOS_1_1::structureTypeOf(kMemorySize));
   for (uint32_t device = 0; device < devices && !status.isError(); ++device) {
     uint16_t size = 0;  // unchanged when the field is malformed
-    mergeProviderResult(provider.readNextWord(structures, kDeviceSize, size), status);
+    mergeProviderResult(provider.readNextWord(structures, kMemorySize, size), status);
     if (size != 0) {
       append(device, status);
     }
@@ -58,7 +48,7 @@ void tMemoryModules::append(uint32_t instance, zoerr::Status& status) noexcept {
 
 uint32_t tMemoryModules::instanceOf(uint32_t index, zoerr::Status& status) const noexcept {
   if (index >= instances_.size()) {
-    status.set(kAttributeNotSupported, kIndexBeyondCount);
+    status.set(QUENRA_STATUS_NOT_SUPPORTED, kIndexBeyondCount);
     return 0;
   }
   return instances_[index];

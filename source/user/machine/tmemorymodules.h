@@ -1,5 +1,5 @@
-#ifndef SOURCE_USER_SESSION_TMEMORYMODULES_H
-#define SOURCE_USER_SESSION_TMEMORYMODULES_H
+#ifndef SOURCE_USER_MACHINE_TMEMORYMODULES_H
+#define SOURCE_USER_MACHINE_TMEMORYMODULES_H
 
 #include <cstdint>
 #include <vector>
@@ -14,14 +14,14 @@ namespace nQUENRA1400 {
 // all, empty sockets included.
 class tMemoryModules {
  public:
-  // Lists the modules, in time linear in the table's size. Reports kAttributeNotSupported when the
+  // Lists the modules, in time linear in the table's size. Reports QUENRA_STATUS_NOT_SUPPORTED when the
   // table has no memory array or fewer devices than the array's count, and kMemoryFull; the list is
   // empty then.
   void find(nZOSMBIOS_1_1::cZoSmBiosProvider& provider, zoerr::Status& status) noexcept;
 
   [[nodiscard]] uint32_t count() const noexcept { return static_cast<uint32_t>(instances_.size()); }
 
-  // 0 and kAttributeNotSupported when the index is not below the count.
+  // 0 and QUENRA_STATUS_NOT_SUPPORTED when the index is not below the count.
   [[nodiscard]] uint32_t instanceOf(uint32_t index, zoerr::Status& status) const noexcept;
 
  private:

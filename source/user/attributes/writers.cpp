@@ -1,29 +1,24 @@
-#include "source/user/attributes/textwriter.h"
-
 #include <cstring>
 
 #include "quenra.h"
 #include "source/user/attributes/attributeid.h"
-#include "source/user/attributes/drivercalls.h"
-#include "source/user/location.h"
-#include "source/user/statuscodes.h"
+#include "source/user/attributes/attributes.h"
+#include "source/user/machine/drivercalls.h"
+#include "source/user/machine/smbiosfields.h"
 
 namespace nQUENRA1400 {
 namespace {
 
-using nZOSMBIOS_1_1::byteField;
-
 constexpr auto kWritabilityUnknown = sessionLocation(2607);
 constexpr auto kNotWritable = sessionLocation(2622);
-constexpr auto kMartenNotOpen = sessionLocation(2656);
+constexpr auto kNoMartenForText = sessionLocation(2656);
 constexpr auto kTextMissing = sessionLocation(2657);
 constexpr auto kTextTooLong = sessionLocation(2658);
-
-constexpr auto kWritable = byteField(0x9D, 0x04);
-constexpr auto kWriteProtection = byteField(0x9D, 0x05);
+constexpr auto kMartenNotOpen = sessionLocation(1718);
+constexpr auto kControllerNotOpen = sessionLocation(1736);
 
 // A text and the size that the driver receives, its NUL included.
-constexpr size_t kLargestText = QUENRA_MAX_TEXT_SETTING_LENGTH + 1;
+constexpr size_t kMaxTextSize = QUENRA_MAX_TEXT_SETTING_LENGTH + 1;
 struct tText {
   const char* characters;
   int32_t size;
@@ -34,15 +29,13 @@ void writeToController(const tAttributeAccess& access, tAttributeId attribute, c
   if (status.isError()) {
     return;
   }
-  uint8_t writable = 0;
-  uint8_t protection = 0;
-  if (access.provider.readByte(kWritable, 0, &writable) != 0 ||
-      access.provider.readByte(kWriteProtection, 0, &protection) != 0) {
-    status.set(kNoController, kWritabilityUnknown);
-  } else if (writable == 0 || protection >= 2) {
-    status.set(kAttributeNotSupported, kNotWritable);
+  const auto permitted = isPermitted(access.provider, kTextWriting);
+  if (!permitted) {
+    status.set(QUENRA_STATUS_NO_CONTROLLER, kWritabilityUnknown);
+  } else if (!*permitted) {
+    status.set(QUENRA_STATUS_NOT_SUPPORTED, kNotWritable);
   } else {
-    writeToDriver(access.controller, attribute, text.characters, text.size, status);
+    writeToDriver(access.controller, attribute.value(), text.characters, text.size, status);
   }
 }
 
@@ -52,9 +45,9 @@ void writeToMarten(const tAttributeAccess& access, tAttributeId attribute, const
     return;
   }
   if (!access.martenIsOpen) {
-    status.set(kAttributeNotSupported, kMartenNotOpen);
+    status.set(QUENRA_STATUS_NOT_SUPPORTED, kNoMartenForText);
   } else {
-    writeToDriver(access.marten, attribute, text.characters, text.size, status);
+    writeToDriver(access.marten, attribute.value(), text.characters, text.size, status);
   }
 }
 
@@ -62,7 +55,7 @@ void writeToMarten(const tAttributeAccess& access, tAttributeId attribute, const
 void writeToEither(const tAttributeAccess& access, tAttributeId attribute, const tText& text,
                    zoerr::Status& status) noexcept {
   writeToController(access, attribute, text, status);
-  if (status.code == kAttributeNotSupported) {
+  if (status.code == QUENRA_STATUS_NOT_SUPPORTED) {
     status.clear();
     writeToMarten(access, attribute, text, status);
   }
@@ -79,8 +72,18 @@ void writeToBoth(const tAttributeAccess& access, tAttributeId attribute, const t
     return;
   }
   writeToMarten(access, attribute.onMarten(), text, status);
-  if (status.code == kAttributeNotSupported) {
+  if (status.code == QUENRA_STATUS_NOT_SUPPORTED) {
     status.clear();
+  }
+}
+
+template <class Interface>
+void writeToOpen(Interface& device, bool isOpen, const nZOAPALS100::tSourceLocation& notOpen,
+                 tAttributeId attribute, uint32_t value, zoerr::Status& status) noexcept {
+  if (isOpen) {
+    writeToDriver(device, attribute.value(), &value, sizeof value, status);
+  } else {
+    status.set(QUENRA_STATUS_NO_CONTROLLER, notOpen);
   }
 }
 
@@ -95,9 +98,9 @@ void writeTextAttribute(const tAttributeAccess& access, uint32_t attribute, cons
     status.set(nZOAPALS100::kInvalidParameter, kTextMissing);
     return;
   }
-  const size_t length = strnlen(text, kLargestText);
-  if (length == kLargestText) {
-    status.set(kInvalidValue, kTextTooLong);
+  const size_t length = strnlen(text, kMaxTextSize);
+  if (length == kMaxTextSize) {
+    status.set(QUENRA_STATUS_INVALID_VALUE, kTextTooLong);
     return;
   }
   const tText value{text, static_cast<int32_t>(length + 1)};
@@ -106,6 +109,19 @@ void writeTextAttribute(const tAttributeAccess& access, uint32_t attribute, cons
     writeToBoth(access, id, value, status);
   } else {
     writeToEither(access, id, value, status);
+  }
+}
+
+void writeUnsignedAttribute(const tAttributeAccess& access, uint32_t attribute, uint32_t value,
+                            zoerr::Status& status) noexcept {
+  if (status.isError()) {
+    return;
+  }
+  const tAttributeId id(attribute);
+  if (id.selectsMarten()) {
+    writeToOpen(access.marten, access.martenIsOpen, kMartenNotOpen, id, value, status);
+  } else {
+    writeToOpen(access.controller, access.controllerIsOpen, kControllerNotOpen, id, value, status);
   }
 }
 
