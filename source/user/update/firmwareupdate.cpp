@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "quenra.h"
 #include "source/user/failuresites.h"
@@ -13,9 +14,9 @@
 #include "source/user/preconditions/preconditions.h"
 #include "source/user/update/driverpackage.h"
 #include "source/user/update/environmentstep.h"
-#include "source/user/update/firmwareversion.h"
 #include "source/user/update/tmartenmarker.h"
 #include "source/user/update/updatefiles.h"
+#include "source/user/update/updateplan.h"
 
 namespace nQUENRA1400 {
 namespace {
@@ -35,12 +36,6 @@ class tPayloadList {
   ~tPayloadList() { freePayloads(payloads); }
 
   tFirmwarePayloads payloads;
-};
-
-// The devices whose installed firmware is not older than a section of the image.
-struct tCurrent {
-  bool bios = false;
-  bool marten = false;
 };
 
 void checkMachine(const tAttributeAccess& access, zoerr::Status& status) noexcept {
@@ -72,31 +67,36 @@ uint32_t installedBiosVersion(const tAttributeAccess& access) noexcept {
   return text.result() == 0 ? packedVersion(text.view()) : 0;
 }
 
-void compareVersions(const tAttributeAccess& access, const tFirmwarePayload& payload,
-                     tCurrent& current, zoerr::Status& status) {
-  const uint32_t wanted = packedVersion(payload.version);
-  if (payload.targetDevice == nImageFormat::kBios) {
-    current.bios = current.bios || installedBiosVersion(access) >= wanted;
-  } else if (payload.targetDevice == nImageFormat::kMarten) {
-    const std::string installed = readMartenText(access.marten, kMartenVersion, status);
-    current.marten = current.marten || (!status.isError() && wanted <= packedVersion(installed));
+// The facts about a payload's section. With QUENRA_UPDATE_NEWER it reads the installed version of its
+// device; reports why the Marten's cannot be read.
+tSectionFacts factsOf(const tAttributeAccess& access, const tFirmwarePayload& payload,
+                      uint32_t flags, zoerr::Status& status) {
+  tSectionFacts facts{payload.targetDevice, payload.targetFileName, packedVersion(payload.version)};
+  if (flags != QUENRA_UPDATE_NEWER) {
+    return facts;
   }
+  if (facts.targetDevice == nImageFormat::kBios) {
+    facts.installedVersion = installedBiosVersion(access);
+  } else if (facts.targetDevice == nImageFormat::kMarten && access.martenIsOpen) {
+    facts.installedVersion = packedVersion(readMartenText(access.marten, kMartenVersion, status));
+  }
+  return facts;
 }
 
-tCurrent decide(const tAttributeAccess& access, const tFirmwarePayloads& payloads, uint32_t flags,
-                zoerr::Status& status) {
-  tCurrent current;
+tUpdatePlan planFor(const tAttributeAccess& access, const tFirmwarePayloads& payloads,
+                    uint32_t flags, zoerr::Status& status) {
+  std::vector<tSectionFacts> sections;
   for (const tFirmwarePayload& payload : payloads) {
     if (status.isError()) {
-      break;
+      return {};
     }
-    if (payload.targetDevice == nImageFormat::kMarten && !access.martenIsOpen) {
-      report(nUpdateSites::kNoMarten, status);
-    } else if (flags == QUENRA_UPDATE_NEWER) {
-      compareVersions(access, payload, current, status);
-    }
+    sections.push_back(factsOf(access, payload, flags, status));
   }
-  return current;
+  tUpdatePlan plan = planUpdate(sections, access.martenIsOpen);
+  if (const tFailureSite* const refusal = plan.refusal()) {
+    report(*refusal, status);
+  }
+  return plan;
 }
 
 void install(const tFirmwarePayload& payload, tUpdateFolder& folder, zoerr::Status& status) {
@@ -116,29 +116,31 @@ std::optional<tUpdateFolder> chooseFolder(zoerr::Status& status) {
   return folder;
 }
 
-// Sends firmware to its device and installs driver packages. Other payloads are only written to their files.
-void apply(const tAttributeAccess& access, const tFirmwarePayload& payload, const tCurrent& current,
+void apply(const tAttributeAccess& access, const tFirmwarePayload& payload, tSectionAction action,
            tUpdateFolder& folder, zoerr::Status& status) {
-  if (payload.targetDevice == nImageFormat::kBios && !current.bios &&
-      payload.targetFileName.empty()) {
-    sendToDriver(access.controller, payload.data, payload.byteCount, status);
-  } else if (payload.targetFileName.view().find(nImageFormat::kDriverPackage) !=
-             std::string_view::npos) {
-    install(payload, folder, status);
-  } else if (payload.targetDevice == nImageFormat::kMarten && !current.marten) {
-    sendToDriver(access.marten, payload.data, payload.byteCount, status);
+  switch (action) {
+    case tSectionAction::sendToController:
+      return sendToDriver(access.controller, payload.data, payload.byteCount, status);
+    case tSectionAction::sendToMarten:
+      return sendToDriver(access.marten, payload.data, payload.byteCount, status);
+    case tSectionAction::installPackage:
+      return install(payload, folder, status);
+    case tSectionAction::writeFile:  // Written before any section is applied.
+    case tSectionAction::nothing:
+    case tSectionAction::leaveOut:
+    case tSectionAction::refuse:
+    case tSectionAction::keepBack:
+      return;
   }
 }
 
 void applyAll(const tAttributeAccess& access, const tFirmwarePayloads& payloads,
-              const tCurrent& current, tUpdateFolder& folder, zoerr::Status& status) {
+              const tUpdatePlan& plan, tUpdateFolder& folder, zoerr::Status& status) {
   tMartenMarker marker(access.martenIsOpen ? &access.marten : nullptr);
   marker.overwrite(status);
   writePayloadFiles(payloads, folder, status);
-  for (const tFirmwarePayload& payload : payloads) {
-    if (!status.isError()) {
-      apply(access, payload, current, folder, status);
-    }
+  for (size_t i = 0; i < payloads.size() && !status.isError(); ++i) {
+    apply(access, payloads[i], plan.sections[i].action, folder, status);
   }
   if (!status.isError()) {
     marker.keep();
@@ -163,9 +165,9 @@ void updateFirmware(const tAttributeAccess& access, const void* image, size_t im
   }
   tPayloadList sections;
   tFirmwareImageParser().Parse(sections.payloads, image, imageSize, status);
-  const tCurrent current = decide(access, sections.payloads, flags, status);
-  if (!status.isError() && !(current.bios && current.marten)) {
-    applyAll(access, sections.payloads, current, *folder, status);
+  const tUpdatePlan plan = planFor(access, sections.payloads, flags, status);
+  if (!status.isError() && !plan.isEverythingCurrent) {
+    applyAll(access, sections.payloads, plan, *folder, status);
   }
 }
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cctype>
 
-#include "source/user/update/firmwareversion.h"
+#include "source/user/firmware/imageformat.h"
+#include "source/user/update/updateplan.h"
 
 namespace nCommandLine {
 namespace {
 
-constexpr std::string_view kDriverPackage = ".inf";
 constexpr std::string_view kDevices[] = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$", "CLOCK$"};
 constexpr std::string_view kNumberedDevices[] = {"COM", "LPT"};
 // Windows also accepts the superscript digits 1 to 3: here in the system code page and in UTF-8.
@@ -67,7 +67,7 @@ std::optional<std::string> faultOfFileName(std::string_view name) {
   if (isDeviceName(name)) {
     return "it names a device of Windows";
   }
-  if (name.find(kDriverPackage) != std::string_view::npos &&
+  if (name.find(nQUENRA1400::nImageFormat::kDriverPackage) != std::string_view::npos &&
       name.find(' ') != std::string_view::npos) {
     return "it has a blank, which splits the command line of the driver-store tool";
   }

@@ -2,121 +2,82 @@
 
 #include <algorithm>
 
-#include "source/user/update/firmwareversion.h"
+#include "source/user/firmware/imageformat.h"
 #include "tools/quenra/firmware/sectionoutput.h"
 
 namespace nCommandLine {
 namespace {
 
 using nQUENRA1400::packedVersion;
-
-constexpr std::string_view kBios = "BIOS";
-constexpr std::string_view kMarten = "MARTEN";
-constexpr std::string_view kDriverPackage = ".inf";
+using nQUENRA1400::tSectionFacts;
+namespace nImageFormat = nQUENRA1400::nImageFormat;
 
 constexpr std::string_view kActionNames[] = {
     "send-to-controller", "send-to-marten", "install-package", "write-file", "nothing",
     "leave-out",          "refuse",         "keep-back"};
 
-bool isFor(const tImageSection& section, std::string_view device) {
-  return section.header.targetDevice == device;
+bool isForBios(const tImageSection& section) {
+  return section.header.targetDevice == nImageFormat::kBios;
 }
 
 // The installed version to compare a section with; empty if it cannot be read.
 std::optional<std::string> installedFor(const tImageSection& section,
-                                        const tUpdateMachine* machine) {
-  if (machine == nullptr) {
-    return std::nullopt;
-  }
-  return isFor(section, kBios)     ? machine->biosVersion()
-         : isFor(section, kMarten) ? machine->martenVersion()
-                                   : std::nullopt;
+                                        const tUpdateMachine& machine) {
+  return isForBios(section)                                     ? machine.biosVersion()
+         : section.header.targetDevice == nImageFormat::kMarten ? machine.martenVersion()
+                                                                : std::nullopt;
 }
 
 // Text of another form and an unreadable BIOS version count as the oldest version. A missing Marten
 // or an unreadable version of it is an obstacle that stops the update.
-bool isAsNew(const tImageSection& section, const tUpdateMachine& machine) {
-  const auto installed = installedFor(section, &machine);
-  const bool counts = isFor(section, kBios) || (isFor(section, kMarten) && installed);
-  return counts && packedVersion(installed.value_or("")) >= packedVersion(section.header.version);
+tSectionFacts factsOf(const tImageSection& section, const tUpdateMachine* comparedWith) {
+  tSectionFacts facts{section.header.targetDevice, section.header.targetFileName,
+                      packedVersion(section.header.version)};
+  facts.isFaulty = section.fault.has_value();
+  if (comparedWith != nullptr) {
+    const auto installed = installedFor(section, *comparedWith);
+    if (installed || isForBios(section)) {
+      facts.installedVersion = packedVersion(installed.value_or(""));
+    }
+  }
+  return facts;
 }
 
-// Chooses the action for a section without a fault.
-class tPlanner {
- public:
-  tPlanner(const tFirmwareImage& image, const tUpdateMachine* machine, bool onlyNewer)
-      : machine_(machine) {
-    for (const tImageSection& section : image.sections) {
-      const bool asNew = onlyNewer && machine != nullptr && isAsNew(section, *machine);
-      biosIsCurrent_ = biosIsCurrent_ || (asNew && isFor(section, kBios));
-      martenIsCurrent_ = martenIsCurrent_ || (asNew && isFor(section, kMarten));
-    }
+// Why a section is left out, or is applied although it is not newer.
+std::string comparisonOf(const tImageSection& section, tSectionAction action,
+                         const tUpdateMachine* machine) {
+  const auto installed = machine == nullptr ? std::nullopt : installedFor(section, *machine);
+  if (installed && factsOf(section, machine).isCurrent()) {
+    const std::string_view version = section.header.version;
+    return packedVersion(version) == 0 ? notAVersion(version) + " and counts as the oldest"
+                                       : "it is not newer than the installed " + *installed;
   }
-
-  [[nodiscard]] tSectionAction actionFor(const tImageSection& section) const {
-    const std::string& file = section.header.targetFileName;
-    if (isFor(section, kMarten) && machine_ != nullptr && !machine_->hasMarten) {
-      return tSectionAction::refuse;
-    }
-    if (biosIsCurrent_ && martenIsCurrent_) {
-      return tSectionAction::leaveOut;
-    }
-    if (isFor(section, kBios) && file.empty()) {
-      return biosIsCurrent_ ? tSectionAction::leaveOut : tSectionAction::sendToController;
-    }
-    if (file.find(kDriverPackage) != std::string::npos) {
-      return tSectionAction::installPackage;
-    }
-    if (isFor(section, kMarten)) {
-      return martenIsCurrent_ ? tSectionAction::leaveOut : tSectionAction::sendToMarten;
-    }
-    return file.empty() ? tSectionAction::nothing : tSectionAction::writeFile;
+  if (action != tSectionAction::leaveOut) {
+    return "";
   }
+  return isForBios(section) && !installed
+             ? "its version cannot be compared"
+             : "another section is not newer than what is installed, which counts for all";
+}
 
-  [[nodiscard]] std::string reasonFor(const tImageSection& section, tSectionAction action) const {
-    if (action == tSectionAction::refuse) {
-      return "this machine has no Marten";
-    }
-    if (action == tSectionAction::nothing) {
+std::string reasonFor(const tImageSection& section, tSectionAction action,
+                      const tUpdateMachine* machine) {
+  switch (action) {
+    case tSectionAction::refuse:
+      return section.fault ? faultText(section) : "this machine has no Marten";
+    case tSectionAction::keepBack:
+      return "another section is refused";
+    case tSectionAction::nothing:
       return "the library does nothing with sections for " +
              std::string(section.header.targetDevice);
-    }
-    const auto installed = installedFor(section, machine_);
-    if (installed && isAsNew(section, *machine_)) {
-      const std::string_view version = section.header.version;
-      return packedVersion(version) == 0 ? notAVersion(version) + " and counts as the oldest"
-                                         : "it is not newer than the installed " + *installed;
-    }
-    if (action != tSectionAction::leaveOut) {
-      return "";
-    }
-    return isFor(section, kBios) && !installed
-               ? "its version cannot be compared"
-               : "another section is not newer than what is installed, which counts for all";
+    case tSectionAction::sendToController:
+    case tSectionAction::sendToMarten:
+    case tSectionAction::installPackage:
+    case tSectionAction::writeFile:
+    case tSectionAction::leaveOut:
+      break;
   }
-
- private:
-  const tUpdateMachine* machine_;
-  bool biosIsCurrent_ = false;
-  bool martenIsCurrent_ = false;
-};
-
-tPlannedSection planFor(const tImageSection& section, size_t number, const tPlanner& planner) {
-  if (section.fault) {
-    return {number, &section, tSectionAction::refuse, tSectionAction::refuse, faultText(section)};
-  }
-  const tSectionAction action = planner.actionFor(section);
-  return {number, &section, action, action, planner.reasonFor(section, action)};
-}
-
-// The library applies no section if it refuses one.
-void keepOthersBack(std::vector<tPlannedSection>& plan) {
-  for (tPlannedSection& planned : plan) {
-    if (planned.action != tSectionAction::refuse) {
-      planned.action = tSectionAction::keepBack;
-      planned.reason = "another section is refused";
-    }
-  }
+  return comparisonOf(section, action, machine);
 }
 
 }  // namespace
@@ -126,23 +87,26 @@ std::string_view actionName(tSectionAction action) noexcept {
 }
 
 bool changesAnything(const std::vector<tPlannedSection>& plan) noexcept {
-  return std::ranges::any_of(plan, [](const tPlannedSection& planned) {
-    return planned.action <= tSectionAction::writeFile;
-  });
+  return std::ranges::any_of(plan, nQUENRA1400::changesMachine, &tPlannedSection::action);
 }
 
 std::vector<tPlannedSection> planSections(const tFirmwareImage& image,
                                           const tUpdateMachine* machine, bool onlyNewer) {
-  const tPlanner planner(image, machine, onlyNewer);
+  std::vector<tSectionFacts> facts;
+  for (const tImageSection& section : image.sections) {
+    facts.push_back(factsOf(section, onlyNewer ? machine : nullptr));
+  }
+  const auto decisions =
+      nQUENRA1400::planUpdate(facts, machine == nullptr || machine->hasMarten).sections;
   std::vector<tPlannedSection> plan;
-  for (size_t i = 0; i < image.sections.size(); ++i) {
-    plan.push_back(planFor(image.sections[i], i + 1, planner));
+  for (size_t i = 0; i < decisions.size(); ++i) {
+    const tImageSection& section = image.sections[i];
+    const tSectionAction action = decisions[i].action;
+    plan.push_back({i + 1, &section, decisions[i].intended, action,
+                    reasonFor(section, action, machine), decisions[i].refusal});
   }
   std::ranges::stable_sort(plan, {},
                            [](const tPlannedSection& planned) { return planned.section->order; });
-  if (std::ranges::count(plan, tSectionAction::refuse, &tPlannedSection::action) > 0) {
-    keepOthersBack(plan);
-  }
   return plan;
 }
 

@@ -1,5 +1,4 @@
-// The effect of an update on each section of an image, by the rules of the library, which exports no
-// function for it.
+// The effect of an update on each section of an image, by the rules of the library.
 #ifndef TOOLS_QUENRA_UPDATE_UPDATEPLAN_H
 #define TOOLS_QUENRA_UPDATE_UPDATEPLAN_H
 
@@ -7,21 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "source/user/update/updateplan.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/update/updatemachine.h"
 
 namespace nCommandLine {
 
-enum class tSectionAction : uint8_t {
-  sendToController,
-  sendToMarten,
-  installPackage,
-  writeFile,  // the last action that changes the machine; changesAnything relies on the order
-  nothing,    // the library ignores such a section
-  leaveOut,   // the installed version is not older
-  refuse,     // prevents the complete image from being applied
-  keepBack,   // not applied because another section is refused
-};
+using nQUENRA1400::tSectionAction;
 
 struct tUpdateOptions {
   bool onlyNewer = false;
@@ -38,6 +29,7 @@ struct tPlannedSection {
   tSectionAction intended;  // the action if no other section is refused
   tSectionAction action;
   std::string reason;  // why it is not applied, or is applied although not newer; often empty
+  const nQUENRA1400::tFailureSite* refusal;  // if the machine lacks the device of the section
 
   // The remedy for a section that an option leaves out; empty for any other section.
   [[nodiscard]] std::string_view remedy() const noexcept {
