@@ -4,8 +4,8 @@
 #include <string>
 
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/quenra-sim/verbs/usagefault.h"
-#include "simulator/quenra-sim/verbs/verb.h"
+#include "simulator/quenra-sim/verbs/arguments.h"
+#include "simulator/quenra-sim/verbs/verbs.h"
 #include "tools/quenra/text/utf8text.h"
 
 namespace nSimulator {
@@ -13,8 +13,9 @@ namespace {
 
 constexpr const char* kDescription =
     "Installs and controls the simulated controller.\n\n"
-    "Exit codes: 0 done, 1 the machine or the system refused, 2 wrong usage, 4 no simulated "
-    "machine.";
+    "Exit codes: 0 success, 1 the machine or the system rejected a request, 2 invalid command "
+    "line, "
+    "4 no simulated machine is installed.";
 
 int report(const std::string& message, tExitCode code) {
   std::cerr << "quenra-sim: " << nCommandLine::printableText(message) << '\n';
@@ -35,6 +36,7 @@ void addVerbs(CLI::App& app, tAction& action) {
   addAnswer(app, action);
   addPending(app, action);
   addRoutes(app, action);
+  addDemote(app, action);
   addLog(app, action);
   addCounters(app, action);
   addFirmware(app, action);

@@ -1,3 +1,4 @@
+// scenario: the machine that later programs find.
 #include <cerrno>
 #include <fstream>
 #include <iterator>
@@ -6,7 +7,8 @@
 
 #include "simulator/control/tableedit.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/quenra-sim/verbs/verb.h"
+#include "simulator/quenra-sim/verbs/arguments.h"
+#include "simulator/quenra-sim/verbs/verbs.h"
 
 namespace nSimulator {
 namespace {
@@ -34,7 +36,7 @@ struct tStructureByte {
   uint8_t value;
 };
 
-uint8_t byteOf(const std::string& text, const std::string& whole) {
+uint8_t byteOf(const std::string& text, const std::string& argument) {
   try {
     size_t used = 0;
     const unsigned long number = std::stoul(text, &used, 0);
@@ -44,7 +46,7 @@ uint8_t byteOf(const std::string& text, const std::string& whole) {
   } catch (const std::exception&) {
     // Reported below.
   }
-  throw tUsageError("'" + whole + "' is not TYPE/OFFSET=VALUE of bytes, such as 0x9D/4=1");
+  throw tUsageError("'" + argument + "' is not TYPE/OFFSET=VALUE of bytes, such as 0x9D/4=1");
 }
 
 tStructureByte parseStructureByte(const std::string& text) {
@@ -117,22 +119,12 @@ void apply(const tScenario& scenario) {
   machine.setPresence(presence);
 }
 
-CLI::Validator shorterThan(size_t capacity) {
-  return CLI::Validator(
-      [capacity](std::string& text) {
-        return text.size() < capacity
-                   ? std::string()
-                   : "the text has " + std::to_string(text.size()) + " bytes; at most " +
-                         std::to_string(capacity - 1) + " are accepted";
-      },
-      "");
-}
-
 }  // namespace
 
 void addScenario(CLI::App& app, tAction& action) {
   static tScenario scenario;
-  CLI::App* const verb = app.add_subcommand("scenario", "Change what the next program finds");
+  CLI::App* const verb =
+      app.add_subcommand("scenario", "Change the machine that later programs find");
   verb->add_option("--controllers", scenario.controllers, "Controller interfaces present")
       ->check(between(0, 2));
   verb->add_option("--martens", scenario.martens, "Marten interfaces present")
@@ -140,21 +132,20 @@ void addScenario(CLI::App& app, tAction& action) {
   verb->add_option("--device-paths", scenario.devicePaths, "Device path interfaces present")
       ->check(between(0, 1));
   verb->add_option("--table", scenario.tableFile,
-                   "SMBIOS structure table that the driver hands over, from a file as it is");
+                   "File with the SMBIOS structure table that the driver returns");
   verb->add_option("--structure-byte", scenario.structureBytes,
                    "Change a byte of the first structure of a type in that table, as 0x9D/4=1")
       ->type_name("TYPE/OFFSET=VALUE");
   verb->add_option("--without-structure", scenario.removedStructures,
-                   "Take the structures of a type out of that table")
+                   "Remove the structures of a type from that table")
       ->check(between(0, 255))
       ->type_name("TYPE");
   verb->add_option("--version-text", scenario.versionText, "SMBIOS version text")
       ->check(shorterThan(SIMULATOR_TEXT_CAPACITY));
-  verb->add_option(
-      "--path-length", scenario.pathLength,
-      "Terminals in the path of every trigger route, at least 2; 0: as many as it has");
+  verb->add_option("--path-length", scenario.pathLength,
+                   "Terminals in the path of every trigger route, at least 2; 0: the real number");
   verb->add_option("--topography", scenario.topographyName,
-                   "The name by which the trigger router tells what it can connect")
+                   "Name of the topography of the trigger router")
       ->check(shorterThan(SIMULATOR_TOPOGRAPHY_NAME_CAPACITY));
   verb->callback([&action] { action = [] { apply(scenario); }; });
 }

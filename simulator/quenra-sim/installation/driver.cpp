@@ -1,18 +1,33 @@
-#include "simulator/quenra-sim/installation/rootdevices.h"
+#include "simulator/quenra-sim/installation/driver.h"
 
 #include <windows.h>
-// setupapi.h requires windows.h.
+// These require windows.h.
+#include <newdev.h>
 #include <setupapi.h>
+#include <winsvc.h>
 
 #include <array>
 #include <string>
 #include <string_view>
 
-#include "simulator/quenra-sim/installation/hardwareids.h"
-#include "simulator/quenra-sim/installation/windowserror.h"
+#include "simulator/quenra-sim/installation/windowscalls.h"
 
 namespace nSimulator {
 namespace {
+
+constexpr const char* kService = "quenrasim";
+
+// A kind of device: its hardware id, as in the driver and its INF, and the number of devices.
+struct tRootDevice {
+  const char* hardwareId;
+  unsigned count;
+};
+constexpr tRootDevice kRootDevices[] = {
+    {"root\\quenra_controller", 2},
+    {"root\\quenra_marten", 2},
+    {"root\\quenra_devicepath", 1},
+    {"root\\quenra_control", 1},
+};
 
 // The device setup class "System".
 constexpr GUID kSystemClass = {
@@ -38,14 +53,14 @@ void createDevice(HDEVINFO set, const std::string& hardwareId, unsigned index) {
   device.cbSize = sizeof device;
   require(
       SetupDiCreateDeviceInfoA(set, instance.c_str(), &kSystemClass, nullptr, nullptr, 0, &device),
-      "device " + instance + " cannot be made");
+      "device " + instance + " cannot be created");
   // A list of texts that ends with an empty one.
   const std::string ids = hardwareId + '\0';
   const void* const bytes = ids.c_str();
   require(SetupDiSetDeviceRegistryPropertyA(set, &device, SPDRP_HARDWAREID,
                                             static_cast<const BYTE*>(bytes),
                                             static_cast<DWORD>(ids.size() + 1)),
-          "device " + instance + " cannot be given its hardware id");
+          "device " + instance + " does not accept its hardware id");
   require(SetupDiCallClassInstaller(DIF_REGISTERDEVICE, set, &device),
           "device " + instance + " cannot be registered");
 }
@@ -64,6 +79,33 @@ bool isOurs(HDEVINFO set, SP_DEVINFO_DATA& device) {
     }
   }
   return false;
+}
+
+class tServiceHandle {
+ public:
+  explicit tServiceHandle(SC_HANDLE handle) : handle_(handle) {}
+  tServiceHandle(const tServiceHandle&) = delete;
+  tServiceHandle& operator=(const tServiceHandle&) = delete;
+  ~tServiceHandle() {
+    if (handle_ != nullptr) {
+      CloseServiceHandle(handle_);
+    }
+  }
+  [[nodiscard]] SC_HANDLE get() const { return handle_; }
+
+ private:
+  SC_HANDLE handle_;
+};
+
+void waitUntilStopped(SC_HANDLE service) {
+  constexpr unsigned kTimeoutTenthsOfASecond = 100;
+  SERVICE_STATUS status{};
+  for (unsigned i = 0; i < kTimeoutTenthsOfASecond; ++i) {
+    if (!QueryServiceStatus(service, &status) || status.dwCurrentState == SERVICE_STOPPED) {
+      return;
+    }
+    Sleep(100);
+  }
 }
 
 }  // namespace
@@ -87,6 +129,31 @@ void removeRootDevices() {
               "a device of the simulated machine cannot be removed");
     }
   }
+}
+
+void installDriver() {
+  const std::string description = ownFolder() + "quenrasim.inf";
+  for (const tRootDevice& kind : kRootDevices) {
+    BOOL reboot = FALSE;
+    require(UpdateDriverForPlugAndPlayDevicesA(nullptr, kind.hardwareId, description.c_str(),
+                                               INSTALLFLAG_FORCE, &reboot),
+            "the driver of " + std::string(kind.hardwareId) + " cannot be installed from " +
+                description);
+  }
+}
+
+void removeDriverService() {
+  const tServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT));
+  const tServiceHandle service(
+      OpenServiceA(manager.get(), kService, SERVICE_STOP | SERVICE_QUERY_STATUS | DELETE));
+  if (service.get() == nullptr) {
+    return;
+  }
+  SERVICE_STATUS status{};
+  if (ControlService(service.get(), SERVICE_CONTROL_STOP, &status)) {
+    waitUntilStopped(service.get());
+  }
+  require(DeleteService(service.get()), "the driver's service cannot be removed");
 }
 
 }  // namespace nSimulator

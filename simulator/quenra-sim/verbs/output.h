@@ -1,15 +1,28 @@
-#ifndef SIMULATOR_QUENRA_SIM_VERBS_JSON_H
-#define SIMULATOR_QUENRA_SIM_VERBS_JSON_H
+#ifndef SIMULATOR_QUENRA_SIM_VERBS_OUTPUT_H
+#define SIMULATOR_QUENRA_SIM_VERBS_OUTPUT_H
 
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <iostream>
 #include <string>
 
 #include "tools/quenra/text/utf8text.h"
 
 namespace nSimulator {
+
+// Two digits for each byte.
+[[nodiscard]] inline std::string hexadecimal(const uint8_t* bytes, size_t size) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (size_t i = 0; i < size; ++i) {
+    text += kDigits[bytes[i] >> 4];
+    text += kDigits[bytes[i] & 0xF];
+  }
+  return text;
+}
 
 // Writes one JSON document to standard output on destruction.
 class tJsonDocument {
