@@ -3,7 +3,7 @@
 #include <rapidjson/writer.h>
 
 #include "zoarkra/memory.h"
-#include "zoarkra/requestdocument.h"
+#include "zoarkra/requestdocuments.h"
 
 namespace zoark {
 namespace {
@@ -53,7 +53,7 @@ void writeRoute(tWriter& writer, const tRouteRecord& route, const tTopography& t
   writer.Key("constraints");
   writer.StartObject();
   if (route.inverts != 0) {
-    writer.Key(kHandledConstraints[0].name);
+    writer.Key(kInversionNeeded.name);
     writer.Bool(true);
   }
   writer.EndObject();

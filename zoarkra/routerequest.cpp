@@ -1,36 +1,58 @@
 #include "zoarkra/routerequest.h"
 
-#include "zoarkra/modifiersdocument.h"
-#include "zoarkra/seedsdocument.h"
+#include "zoapal/protons/trace/ttrace.h"
+#include "zoarkra/failure.h"
+#include "zoarkra/requestdocuments.h"
 
 namespace zoark {
 namespace {
 
-// The destinations of a request: an array of terminal names.
-class tDestinationsDocument final : public tRequestDocument {
- public:
-  tDestinationsDocument(const tTopography& topography,
-                        std::pmr::vector<uint32_t>& destinations) noexcept
-      : topography_(topography), destinations_(destinations) {}
-
-  bool value(const tJsonValue& value, size_t depth) override;
-  bool key(std::string_view, size_t) override { return true; }
-  bool end(size_t) override { return true; }
-
- private:
-  const tTopography& topography_;
-  std::pmr::vector<uint32_t>& destinations_;
-};
-
-bool tDestinationsDocument::value(const tJsonValue& value, size_t depth) {
-  if (depth == 0) {
-    return value.type == tJsonType::array || fail(kDestinationsNotArray);
+tFoundFault faultOf(const tJsonResult& result, const tRequestDocument& document) noexcept {
+  switch (result.outcome) {
+    case tJsonOutcome::read:
+    case tJsonOutcome::ended:
+      break;
+    case tJsonOutcome::tooDeep:
+      return {&kTooDeep, {}, result.offset};
+    case tJsonOutcome::tooLarge:
+      return {&kTooLarge, {}, result.offset};
+    case tJsonOutcome::malformed:
+      return {&kMalformed, {}, result.offset};
   }
-  if (value.type != tJsonType::string) {
-    return fail(kDestinationNotString);
+  return document.found();
+}
+
+// `document`: its text, or null.
+[[noreturn]] void raiseRequestFault(const tFoundFault& found, const char* document) {
+  constexpr const char* kDebugComponent = "zoroco_debug";
+  const char* const message = found.fault->message;
+  nQUENRA1400::nZOAPAL000::debugPrintf("[%s] %s\n", kDebugComponent, message);
+  zoerr::tOwnedStatus status;
+  status.setWithConstant(nZOAPALS100::kInvalidParameter,
+                         requestLocation(found.fault->line, kInvalidParameterConstant));
+  appendMember(status, kDebugComponent, message);
+  appendMember(status, "json", document == nullptr ? "" : document);
+  if (found.mismatch) {
+    appendMember(status, "constraint", found.mismatch->constraint);
+    appendMember(status, "expected_type", nameOf(found.mismatch->expected));
+    appendMember(status, "actual_type", nameOf(found.mismatch->actual));
   }
-  destinations_.push_back(terminalIdOf(topography_, value.text));
-  return true;
+  if (found.offset) {
+    appendMember(status, "offset", *found.offset);
+  }
+  throw zoerr::Exception(status);
+}
+
+// A null text is a fault.
+void readDocument(const char* text, tRequestDocument& document) {
+  if (text == nullptr) {
+    raiseRequestFault({&kDocumentMissing, {}, {}}, text);
+  }
+  const tFoundFault found = faultOf(readJson(text, document), document);
+  if (found.fault != nullptr) {
+    // The description does not repeat a document that is too large.
+    raiseRequestFault(found, found.fault == &kTooLarge ? nullptr : text);
+  }
 }
 
 }  // namespace
@@ -38,11 +60,11 @@ bool tDestinationsDocument::value(const tJsonValue& value, size_t depth) {
 void readRouteRequest(const tRequestTexts& texts, const tTopography& topography,
                       tRouteRequest& request) {
   tSeedsDocument seeds(topography, request.seeds);
-  readRequestDocument(texts.seeds, seeds);
+  readDocument(texts.seeds, seeds);
   tDestinationsDocument destinations(topography, request.destinations);
-  readRequestDocument(texts.destinations, destinations);
+  readDocument(texts.destinations, destinations);
   tModifiersDocument modifiers;
-  readRequestDocument(texts.modifiers, modifiers);
+  readDocument(texts.modifiers, modifiers);
   request.modifiers = modifiers.modifiers();
   request.options = modifiers.options();
 }
