@@ -10,7 +10,7 @@
 #include "zoapal/protons/startup/processlifetime.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/failure.h"
-#include "zoarkra/tclientoutput.h"
+#include "zoarkra/routeanswers.h"
 
 namespace zoroco {
 

@@ -8,12 +8,10 @@
 #include <vector>
 
 #include "protocol/routingrequests.h"
-#include "zoarkra/arkterminaliterator.h"
 #include "zoarkra/failure.h"
 #include "zoarkra/jsonreader.h"
 #include "zoarkra/memory.h"
-#include "zoarkra/routedescriptions.h"
-#include "zoarkra/tclientoutput.h"
+#include "zoarkra/routeanswers.h"
 #include "zoarkra/topography.h"
 
 namespace zoark {
@@ -97,7 +95,7 @@ void tearDown(Step step) {
   tStatus driver;
   step(driver);
   zoerr::tOwnedStatus dropped;
-  takeDriverStatus(driver, dropped);
+  mergeDriverStatus(driver, dropped);
 }
 
 }  // namespace
@@ -127,7 +125,7 @@ void ARKRoutingAdaptorSession::open(zoerr::Status& status) {
   std::array<char, ROUTING_TOPOGRAPHY_NAME_SIZE> name{};
   proxy().getTopographyName(reinterpret_cast<uintptr_t>(name.data()),
                             static_cast<uint32_t>(name.size()), driver);
-  takeDriverStatus(driver, status);
+  mergeDriverStatus(driver, status);
   topography_ = &findTopography({name.data(), strnlen(name.data(), name.size())});
 }
 
@@ -164,7 +162,7 @@ uint32_t ARKRoutingAdaptorSession::calculateRoute(const tRequestTexts& texts, ch
       reinterpret_cast<uintptr_t>(&request.modifiers), addressOf(request.seeds),
       countOf(request.seeds), addressOf(request.destinations), countOf(request.destinations),
       request.options, addressOf(routes), routeCount, driver);
-  takeDriverStatus(driver, status);
+  mergeDriverStatus(driver, status);
 
   keepFilled(routes, routeCount);
   std::pmr::string text(memory.resource());
@@ -185,13 +183,13 @@ void ARKRoutingAdaptorSession::reserveRoute(uint32_t ticket, char** output, zoer
     describeConflicts(conflicts, text);
     tClientOutput(reallocate_, output).write(text);
   }
-  takeDriverStatus(driver, status);
+  mergeDriverStatus(driver, status);
 }
 
 void ARKRoutingAdaptorSession::programRoute(uint32_t ticket, zoerr::Status& status) {
   tStatus driver = statusForDriver(status);
   proxy().programRoute(ticket, driver);
-  takeDriverStatus(driver, status);
+  mergeDriverStatus(driver, status);
 }
 
 void ARKRoutingAdaptorSession::unprogramRoute(uint32_t ticket, uint64_t, uint64_t) {
@@ -223,7 +221,7 @@ void ARKRoutingAdaptorSession::getRouteTerminalPath(uint32_t ticket, char** outp
     driver = statusForDriver(status);
     proxy().getRouteTerminalPath(ticket, addressOf(terminals), count, driver);
   }
-  takeDriverStatus(driver, status);
+  mergeDriverStatus(driver, status);
   keepFilled(terminals, count);
   std::pmr::string text(memory.resource());
   describePath(terminals, *topography_, text);
@@ -243,7 +241,7 @@ uint32_t ARKRoutingAdaptorSession::calculateResetTerminal(
   tStatus driver = statusForDriver(status);
   const uint32_t value =
       proxy().calculateResetTerminal(kReserved, terminal, static_cast<int32_t>(floating), driver);
-  takeDriverStatus(driver, status);
+  mergeDriverStatus(driver, status);
   return value;
 }
 

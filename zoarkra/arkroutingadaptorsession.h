@@ -2,13 +2,57 @@
 #define ZOARKRA_ARKROUTINGADAPTORSESSION_H
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 
 #include "quenra_routing.h"
 #include "zoapal/protons/containers/tarray.h"
+#include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
+#include "zoapal/protons/status/zoerrstatus.h"
+#include "zoarkra/arkterminaliterator.h"
 #include "zoarkra/iroutingdevice.h"
-#include "zoarkra/routingadaptorsessioninterface.h"
+#include "zoarkra/routerequest.h"
 #include "zoarkra/topography.h"
+
+namespace zoroco {
+
+// A session with a routing device. The order of the operations is part of the interface.
+//
+// Operations throw zoerr::Exception when they fail, and std::bad_alloc. The status receives warnings;
+// its code is sent to the driver. `output`: the client's output argument.
+class RoutingAdaptorSessionInterface : public nQUENRA1400::nZOAPAL000::tQuarantinedStorage {
+ public:
+  RoutingAdaptorSessionInterface() = default;
+  RoutingAdaptorSessionInterface(const RoutingAdaptorSessionInterface&) = delete;
+  RoutingAdaptorSessionInterface& operator=(const RoutingAdaptorSessionInterface&) = delete;
+  virtual ~RoutingAdaptorSessionInterface() = default;
+
+  virtual void getHandledConstraints(char** output, zoerr::Status& status) = 0;
+
+  // Returns the value of the driver's calculation.
+  virtual uint32_t calculateRoute(const zoark::tRequestTexts& texts, char** output,
+                                  zoerr::Status& status) = 0;
+  // Writes an answer only when routes conflict.
+  virtual void reserveRoute(uint32_t ticket, char** output, zoerr::Status& status) = 0;
+  virtual void programRoute(uint32_t ticket, zoerr::Status& status) = 0;
+
+  // The steps of a teardown. The two words of the client are ignored.
+  virtual void unprogramRoute(uint32_t ticket, uint64_t first, uint64_t second) = 0;
+  virtual void unreserveRoute(uint32_t ticket, uint64_t first, uint64_t second) = 0;
+  virtual void beginExceptionalRouteDestruction(uint32_t ticket, uint64_t first,
+                                                uint64_t second) = 0;
+  virtual void destroyRoute(uint32_t ticket, uint64_t first, uint64_t second) = 0;
+
+  virtual void getRouteTerminalPath(uint32_t ticket, char** output, zoerr::Status& status) = 0;
+
+  [[nodiscard]] virtual std::unique_ptr<TerminalIteratorInterface> getAllTerminals(
+      zoerr::Status& status, uint64_t reserved) = 0;
+  // The id of the terminal from which a reset would drive the iterator's terminal.
+  virtual uint32_t calculateResetTerminal(const TerminalIteratorInterface& iterator,
+                                          const char* mode, zoerr::Status& status) = 0;
+};
+
+}  // namespace zoroco
 
 namespace zoark {
 

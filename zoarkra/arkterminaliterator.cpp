@@ -87,7 +87,7 @@ void ARKTerminalIterator::resetTerminal(const char* mode, zoerr::Status& status)
   const uint32_t terminal = current().id;
   nZOAPALS100::tStatus driver = statusForDriver(status);
   proxy_.resetTerminal(terminal, floating, driver);
-  takeDriverStatus(driver, status);
+  mergeDriverStatus(driver, status);
 }
 
 }  // namespace zoark

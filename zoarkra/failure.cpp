@@ -11,11 +11,11 @@ using zoerr::tAppendResult;
 
 // One step of growth. A reallocation function that succeeds without more capacity ends it.
 bool grow(Status& status) noexcept {
-  constexpr uint64_t kLargestRequest = 0x7FFFFFFF;
-  const uint64_t wanted = uint64_t{status.capacity} * 2 - 4;
+  constexpr uint64_t kMaxRequest = 0x7FFFFFFF;
+  const uint64_t grown = uint64_t{status.capacity} * 2 - 4;
   const uint32_t before = status.capacity;
-  return status.description != nullptr && wanted <= kLargestRequest &&
-         status.reallocate(status, static_cast<uint32_t>(wanted)) && status.capacity > before;
+  return status.description != nullptr && grown <= kMaxRequest &&
+         status.reallocate(status, static_cast<uint32_t>(grown)) && status.capacity > before;
 }
 
 template <class Append>
@@ -54,7 +54,7 @@ nZOAPALS100::tStatus statusForDriver(const zoerr::Status& status) noexcept {
   return driver;
 }
 
-void takeDriverStatus(const nZOAPALS100::tStatus& driver, zoerr::Status& status) {
+void mergeDriverStatus(const nZOAPALS100::tStatus& driver, zoerr::Status& status) {
   if (driver.isError()) {
     zoerr::tOwnedStatus failure;
     failure.mergeFrom(driver);

@@ -47,7 +47,7 @@ void appendMember(zoerr::Status& status, std::string_view key, uint64_t number) 
 [[nodiscard]] nZOAPALS100::tStatus statusForDriver(const zoerr::Status& status) noexcept;
 
 // Merges a warning of a request into the status, and throws an error as a zoerr::Exception.
-void takeDriverStatus(const nZOAPALS100::tStatus& driver, zoerr::Status& status);
+void mergeDriverStatus(const nZOAPALS100::tStatus& driver, zoerr::Status& status);
 
 }  // namespace zoark
 

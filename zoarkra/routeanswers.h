@@ -1,12 +1,33 @@
-#ifndef ZOARKRA_TCLIENTOUTPUT_H
-#define ZOARKRA_TCLIENTOUTPUT_H
+#ifndef ZOARKRA_ROUTEANSWERS_H
+#define ZOARKRA_ROUTEANSWERS_H
 
 #include <cstdint>
+#include <memory_resource>
+#include <span>
+#include <string>
 #include <string_view>
 
+#include "protocol/routingrequests.h"
 #include "quenra_routing.h"
+#include "zoarkra/topography.h"
 
 namespace zoark {
+
+// The answers of a session as compact JSON texts, appended to `text`. Throw std::bad_alloc.
+
+// Calculated routes, in their order.
+void describeRoutes(std::span<const tRouteRecord> routes, const tTopography& topography,
+                    std::pmr::string& text);
+
+// Conflicting routes, in their order.
+void describeConflicts(std::span<const tRouteConflict> conflicts, std::pmr::string& text);
+
+// The names of terminals. An unknown id is an empty text, so that the positions stay.
+void describePath(std::span<const uint32_t> terminals, const tTopography& topography,
+                  std::pmr::string& text);
+
+// The names of the handled constraints.
+void describeHandledConstraints(std::pmr::string& text);
 
 // True when a client's pointer has the alignment of its type.
 template <class T>

@@ -1,12 +1,19 @@
-#include "zoarkra/routedescriptions.h"
+#include "zoarkra/routeanswers.h"
 
 #include <rapidjson/writer.h>
 
+#include <cstring>
+
+#include "zoarkra/failure.h"
 #include "zoarkra/memory.h"
 #include "zoarkra/requestdocuments.h"
 
 namespace zoark {
 namespace {
+
+constexpr auto kOutputMissing = adaptorLocation(118, kInvalidParameterConstant);
+constexpr auto kNoBuffer = adaptorLocation(127, kMemoryFullConstant);
+constexpr auto kReallocationThrew = adaptorLocation(131);
 
 // The output of the writer. The names are RapidJSON's.
 class tTextStream {
@@ -103,6 +110,31 @@ void describeHandledConstraints(std::pmr::string& text) {
       writer.String(constraint.name);
     }
   });
+}
+
+void tClientOutput::requireOutput() const {
+  if (output_ == nullptr || !isAligned(output_)) {
+    raise(nZOAPALS100::kInvalidParameter, kOutputMissing);
+  }
+}
+
+char* tClientOutput::requestBuffer(std::string_view text, size_t size) const {
+  try {
+    return reallocate_ == nullptr ? nullptr : reallocate_(*output_, size, text.data(), size);
+  } catch (...) {
+    raise(nZOAPALS100::kInternalError, kReallocationThrew);
+  }
+}
+
+void tClientOutput::write(std::string_view text) const {
+  requireOutput();
+  const size_t size = text.size() + 1;
+  char* const buffer = requestBuffer(text, size);
+  if (buffer == nullptr) {
+    raise(nZOAPALS100::kMemoryFull, kNoBuffer);
+  }
+  *output_ = buffer;
+  std::memcpy(buffer, text.data(), size);
 }
 
 }  // namespace zoark
