@@ -8,16 +8,16 @@
 namespace {
 
 using zoroco::handleOf;
+using zoroco::releaseHandle;
 using zoroco::requireIterator;
 using zoroco::requireIteratorOfSession;
 using zoroco::requireSession;
 using zoroco::runSilently;
 using zoroco::runWithoutThrowing;
-using zoroco::takeBack;
 using tSession = zoroco::RoutingAdaptorSessionInterface;
 using tIterator = zoroco::TerminalIteratorInterface;
 
-// An export that gives nothing, or whose result is thrown away.
+// The result of an export that returns nothing.
 constexpr bool kNothing = false;
 
 // Owns a session until its handle is the client's.
@@ -45,9 +45,9 @@ Result runOnIterator(zoroco_TerminalIterator* iterator, zoerr_Status* status, Re
   });
 }
 
-// A step of taking a route down.
+// One step of the teardown of a route.
 template <class Step>
-void takeDown(zoroco_RoutingAdaptorSession* session, Step step) noexcept {
+void tearDown(zoroco_RoutingAdaptorSession* session, Step step) noexcept {
   runSilently(kNothing, [&] {
     step(requireSession(session));
     return kNothing;
@@ -79,7 +79,7 @@ zoroco_RoutingAdaptorSession* zoroco_ra_quenra_createSessionWithDemotionFunc(
 }
 
 void zoroco_ra_quenra_destroySession(zoroco_RoutingAdaptorSession* session) {
-  const std::unique_ptr<tSession> destroyed = takeBack(session);
+  const std::unique_ptr<tSession> destroyed = releaseHandle(session);
 }
 
 void zoroco_ra_quenra_getHandledConstraints(zoroco_RoutingAdaptorSession* session, char** output,
@@ -116,23 +116,23 @@ void zoroco_ra_quenra_programRoute(zoroco_RoutingAdaptorSession* session, uint32
 
 void zoroco_ra_quenra_unprogramRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                      uint64_t reserved, uint64_t reservedToo) {
-  takeDown(session, [=](tSession& on) { on.unprogramRoute(ticket, reserved, reservedToo); });
+  tearDown(session, [=](tSession& on) { on.unprogramRoute(ticket, reserved, reservedToo); });
 }
 
 void zoroco_ra_quenra_unreserveRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                      uint64_t reserved, uint64_t reservedToo) {
-  takeDown(session, [=](tSession& on) { on.unreserveRoute(ticket, reserved, reservedToo); });
+  tearDown(session, [=](tSession& on) { on.unreserveRoute(ticket, reserved, reservedToo); });
 }
 
 void zoroco_ra_quenra_destroyRoute(zoroco_RoutingAdaptorSession* session, uint32_t ticket,
                                    uint64_t reserved, uint64_t reservedToo) {
-  takeDown(session, [=](tSession& on) { on.destroyRoute(ticket, reserved, reservedToo); });
+  tearDown(session, [=](tSession& on) { on.destroyRoute(ticket, reserved, reservedToo); });
 }
 
 void zoroco_ra_quenra_beginExceptionalRouteDestruction(zoroco_RoutingAdaptorSession* session,
                                                        uint32_t ticket, uint64_t reserved,
                                                        uint64_t reservedToo) {
-  takeDown(session, [=](tSession& on) {
+  tearDown(session, [=](tSession& on) {
     on.beginExceptionalRouteDestruction(ticket, reserved, reservedToo);
   });
 }
@@ -206,5 +206,5 @@ uint32_t zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(
 }
 
 void zoroco_ra_quenra_TerminalIterator_destroy(zoroco_TerminalIterator* iterator) {
-  const std::unique_ptr<tIterator> destroyed = takeBack(iterator);
+  const std::unique_ptr<tIterator> destroyed = releaseHandle(iterator);
 }
