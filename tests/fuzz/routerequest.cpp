@@ -10,7 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/component/zoarkra/tscriptedroutingdevice.h"
+#include "quenra_status.h"
+#include "tests/component/zoarkra/scriptedrouter.h"
 #include "tests/fakewindows/debugger.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/arkroutingadaptorsession.h"
@@ -21,8 +22,6 @@ namespace {
 using rapidjson::Document;
 using rapidjson::SizeType;
 using zoark::ARKRoutingAdaptorSession;
-
-constexpr int32_t kInvalidParameter = -52005;
 
 // The buffer of the answer, of exactly the requested size.
 std::unique_ptr<char[]> answer;
@@ -95,7 +94,8 @@ std::unique_ptr<char[]> exactCopy(const std::string& text) {
 }
 
 void checkRefusal(const zoerr::Status& status, bool isSound) {
-  require(status.code == kInvalidParameter, "a request is refused as an invalid parameter");
+  require(status.code == QUENRA_STATUS_INVALID_PARAMETER,
+          "a request is refused as an invalid parameter");
   const auto description = treeOf(status.description);
   require(description && description->IsObject(), "the description is a JSON object");
   const std::string_view message = (*description)["zoroco_debug"].GetString();

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/component/routingadaptorinterface/scripteddevice.h"
+#include "tests/component/routingadaptorinterface/routingclient.h"
 
 extern "C" int routingExample(int argc, char** argv);
 int routingExampleInCpp(int argc, char** argv);
@@ -82,22 +82,23 @@ TEST_P(RoutingExample, MissingRoute_IsPrinted) {
 TEST_P(RoutingExample, Conflict_IsPrintedAndTheRouteTornDown) {
   script_.router.routes = {{7, 4, 1, 0, 0, {}}};
   script_.router.conflicts = {{3, 4, 0}};
-  script_.router.codes = {0, 0, -89137};
+  script_.router.codes = {0, 0, QUENRA_STATUS_ROUTE_CONFLICT};
   const tRun result = connect();
-  EXPECT_EQ(result.output,
-            std::string(kTerminals) +
-                "conflict: [{\"sessionId\":3,\"ticket\":4}]\n"
-                "failed: -89137 {\"file\":\"router\",\"line\":9,\"component\":\"driver\"}\n");
+  EXPECT_EQ(result.output, std::string(kTerminals) +
+                               "conflict: [{\"sessionId\":3,\"ticket\":4}]\n"
+                               "failed: -89137 "
+                               "{\"file\":\"router\",\"line\":9,\"component\":\"driver\"}\n");
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(calls(), (tStrings{kCalculation, "reserveRoute(7, capacity 8)", "unprogramRoute(7)",
                                "unreserveRoute(7)", "destroyRoute(7)"}));
 }
 
 TEST_P(RoutingExample, MissingDevice_IsPrinted) {
-  script_.openCode = -52006;
+  script_.openCode = QUENRA_STATUS_NOT_FOUND;
   const tRun result = connect();
   EXPECT_EQ(result.output,
-            "failed: -52006 {\"file\":\"device\",\"line\":1,\"component\":\"driver\"}\n");
+            "failed: -52006 "
+            "{\"file\":\"device\",\"line\":1,\"component\":\"driver\"}\n");
   EXPECT_EQ(result.exitCode, 1);
 }
 

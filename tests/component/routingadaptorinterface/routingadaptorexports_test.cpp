@@ -8,11 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "routingadaptorinterface/handles.h"
 #include "tests/component/protons/status/descriptiontext.h"
-#include "tests/component/routingadaptorinterface/clientrecord.h"
+#include "tests/component/routingadaptorinterface/routingclient.h"
 #include "tests/component/routingadaptorinterface/routingheader.h"
-#include "tests/component/routingadaptorinterface/scripteddevice.h"
-#include "tests/component/zoarkra/tanswer.h"
+#include "tests/component/zoarkra/sessiontest.h"
+
+#ifndef _WIN32
+#include "tests/fakewindows/synchronization.h"
+#endif
 
 namespace nTests {
 namespace {
@@ -101,16 +105,16 @@ TEST_F(RoutingExports, SessionWithACallback_CallsItOnADemotion) {
 }
 
 TEST_F(RoutingExports, SessionThatCannotBeCreated_IsNullWithAStatus) {
-  script_.openCode = -52006;
+  script_.openCode = QUENRA_STATUS_NOT_FOUND;
   EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::supplyBuffer, &status_), nullptr);
-  EXPECT_EQ(status_.code, -52006);
+  EXPECT_EQ(status_.code, QUENRA_STATUS_NOT_FOUND);
   EXPECT_EQ(description(), R"({"file":"device","line":1,"component":"driver"})");
 }
 
 TEST_F(RoutingExports, SessionOfAnUnknownTopography_IsNullWithAStatus) {
   script_.router.topographyName = "other";
   EXPECT_EQ(zoroco_ra_quenra_createSession("device", &tAnswer::supplyBuffer, &status_), nullptr);
-  EXPECT_EQ(status_.code, -50003);
+  EXPECT_EQ(status_.code, QUENRA_STATUS_BAD_SELECTOR);
   EXPECT_EQ(description(),
             R"({"error_constant":"zopalerr_badSelector",)"
             R"("file":"zoarkra\\topographyinforegistration","line":52,"component":"quenra",)"
@@ -240,7 +244,7 @@ TEST_F(RoutingExports, NullSession_FailsWithInvalidParameter) {
   const auto expectRefused = [](auto call) {
     tClientStatus status;
     call(&status);
-    EXPECT_EQ(status.code, -52005);
+    EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER);
     EXPECT_EQ(descriptionOf(recordOf(status)), kNoHandle);
   };
   expectRefused([&](zoerr_Status* status) {
@@ -272,7 +276,7 @@ TEST_F(RoutingExports, NullIterator_FailsWithInvalidParameter) {
   const auto expectRefused = [](auto call) {
     tClientStatus status;
     call(&status);
-    EXPECT_EQ(status.code, -52005);
+    EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER);
     EXPECT_EQ(descriptionOf(recordOf(status)), kNoHandle);
   };
   expectRefused(
@@ -327,7 +331,7 @@ TEST_F(RoutingExports, BadRequest_IsDescribedInTheStatus) {
   EXPECT_EQ(zoroco_ra_quenra_calculateRoute(session_, R"([{"terminal":5}])", kDestinations, "{}",
                                             answer_.output(), &status_),
             0u);
-  EXPECT_EQ(status_.code, -52005);
+  EXPECT_EQ(status_.code, QUENRA_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(description(),
             R"({"error_constant":"zoapalerr_invalidParameter","file":"RoCoUtils","line":104,)"
             R"("component":"quenra","zoroco_debug":"terminal name must be a string",)"
@@ -336,10 +340,10 @@ TEST_F(RoutingExports, BadRequest_IsDescribedInTheStatus) {
 }
 
 TEST_F(RoutingExports, Conflict_IsWrittenAndReported) {
-  script_.router.codes = {-89137};
+  script_.router.codes = {QUENRA_STATUS_ROUTE_CONFLICT};
   script_.router.conflicts = {{3, 4, 0}};
   zoroco_ra_quenra_reserveRoute(session_, 7, answer_.output(), &status_);
-  EXPECT_EQ(status_.code, -89137);
+  EXPECT_EQ(status_.code, QUENRA_STATUS_ROUTE_CONFLICT);
   EXPECT_EQ(answer_.text(), R"([{"sessionId":3,"ticket":4}])");
   EXPECT_EQ(description(), R"({"file":"router","line":9,"component":"driver"})");
 }
@@ -364,11 +368,11 @@ TEST_F(RoutingExports, WarningOfTheDriver_IsReportedWithTheValue) {
   EXPECT_EQ(calls().back(), "programRoute(7) st=7");
 }
 
-TEST_F(RoutingExports, MoreConflictsThanTheLargestCount_FailWithMemoryFull) {
-  script_.router.codes = {-89137};
+TEST_F(RoutingExports, MoreConflictsThanTheMaximum_FailWithMemoryFull) {
+  script_.router.codes = {QUENRA_STATUS_ROUTE_CONFLICT};
   script_.router.reportedConflictCount = 4'000'000'000;
   zoroco_ra_quenra_reserveRoute(session_, 7, answer_.output(), &status_);
-  EXPECT_EQ(status_.code, -52000);
+  EXPECT_EQ(status_.code, QUENRA_STATUS_MEMORY_FULL);
   EXPECT_EQ(answer_.text(), "(none)");
 }
 
@@ -412,7 +416,7 @@ TEST_F(RoutingExports, WalkOverTheTerminals_ReturnsEachOfThem) {
 
 TEST_F(RoutingExports, AttributeOfAnotherType_FailsWithBadSelector) {
   EXPECT_FALSE(zoroco_ra_quenra_TerminalIterator_getBoolAttribute(iterator(), "name", &status_));
-  EXPECT_EQ(status_.code, -50003);
+  EXPECT_EQ(status_.code, QUENRA_STATUS_BAD_SELECTOR);
   EXPECT_EQ(description(),
             R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
             R"("line":450,"component":"quenra"})");
@@ -426,9 +430,43 @@ TEST_F(RoutingExports, ResetOfATerminal_SendsItsRequest) {
             9u);
   EXPECT_EQ(calls(), (tStrings{"resetTerminal(1, 1)", "calculateResetTerminal(0, 1, 0)"}));
   zoroco_ra_quenra_TerminalIterator_resetTerminal(iterator(), "Floating", &status_);
-  EXPECT_EQ(status_.code, -50003);
+  EXPECT_EQ(status_.code, QUENRA_STATUS_BAD_SELECTOR);
   EXPECT_EQ(calls().size(), 2u);
 }
+
+#ifndef _WIN32
+// ---- The lock of the live handles. The fake Windows counts its acquisitions. ----
+
+using nFakeWindows::slimLockCounts;
+using nFakeWindows::tSlimLockCounts;
+using zoroco::tHandleKind;
+using zoroco::tLiveHandles;
+
+TEST(LiveHandles, Lookups_DoNotExcludeEachOther) {
+  tLiveHandles handles;
+  const int session = 0;
+  const int iterator = 0;
+  handles.add(&session, tHandleKind::session);
+  handles.add(&iterator, tHandleKind::iterator, &session);
+  const tSlimLockCounts before = slimLockCounts();
+  EXPECT_TRUE(handles.isLive(&session, tHandleKind::session));
+  EXPECT_TRUE(handles.isOwnerLive(&iterator));
+  const tSlimLockCounts after = slimLockCounts();
+  EXPECT_EQ(after.shared - before.shared, 2u);
+  EXPECT_EQ(after.exclusive, before.exclusive);
+}
+
+TEST(LiveHandles, Changes_ExcludeEverythingElse) {
+  tLiveHandles handles;
+  const int session = 0;
+  const tSlimLockCounts before = slimLockCounts();
+  handles.add(&session, tHandleKind::session);
+  EXPECT_TRUE(handles.remove(&session, tHandleKind::session));
+  const tSlimLockCounts after = slimLockCounts();
+  EXPECT_EQ(after.exclusive - before.exclusive, 2u);
+  EXPECT_EQ(after.shared, before.shared);
+}
+#endif
 
 }  // namespace
 }  // namespace nTests

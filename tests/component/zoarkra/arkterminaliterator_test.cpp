@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/component/zoarkra/expectfailure.h"
-#include "tests/component/zoarkra/tscriptedrouter.h"
+#include "tests/component/zoarkra/scriptedrouter.h"
+#include "tests/component/zoarkra/sessiontest.h"
 #include "zoarkra/topography.h"
 
 namespace nTests {
@@ -23,14 +23,17 @@ const std::vector<const char*> kUnknownNames{"Name", "name ", " name", "",
                                              "nam",  "names", "ID",    nullptr};
 
 const tFailure kUnknownAttribute{
-    -50003, R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
-            R"("line":450,"component":"quenra"})"};
+    QUENRA_STATUS_BAD_SELECTOR,
+    R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
+    R"("line":450,"component":"quenra"})"};
 const tFailure kUnknownMode{
-    -50003, R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
-            R"("line":512,"component":"quenra"})"};
+    QUENRA_STATUS_BAD_SELECTOR,
+    R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
+    R"("line":512,"component":"quenra"})"};
 const tFailure kPastTheEnd{
-    -52005, R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
-            R"("line":431,"component":"quenra"})"};
+    QUENRA_STATUS_INVALID_PARAMETER,
+    R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
+    R"("line":431,"component":"quenra"})"};
 
 class TerminalIterator : public testing::Test {
  protected:

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tests/component/protons/trace/debuggerlistener.h"
-#include "tests/component/zoarkra/expectfailure.h"
+#include "tests/component/zoarkra/sessiontest.h"
 #include "zoarkra/topography.h"
 
 namespace nTests {
@@ -76,9 +76,10 @@ std::string escaped(const std::string& text) {
 
 tFailure requestFailure(uint32_t line, const std::string& message, const std::string& document,
                         const std::string& more = {}) {
-  return {-52005, R"({"error_constant":"zoapalerr_invalidParameter","file":"RoCoUtils","line":)" +
-                      std::to_string(line) + R"(,"component":"quenra","zoroco_debug":")" + message +
-                      R"(","json":")" + escaped(document) + "\"" + more + "}"};
+  return {QUENRA_STATUS_INVALID_PARAMETER,
+          R"({"error_constant":"zoapalerr_invalidParameter","file":"RoCoUtils","line":)" +
+              std::to_string(line) + R"(,"component":"quenra","zoroco_debug":")" + message +
+              R"(","json":")" + escaped(document) + "\"" + more + "}"};
 }
 
 void expectSeedsRefused(const std::string& document, uint32_t line, const std::string& message,
@@ -385,7 +386,7 @@ TEST(Modifiers, ManyDuplicateRequired_AreEachJudgedByTheLast) {
               readRequest(kSeeds, kDestinations,
                           R"({"required":{)" + right + wrong + R"("x":true}})");
             }).code,
-            -52005);
+            QUENRA_STATUS_INVALID_PARAMETER);
 }
 
 // ---- All documents ----
@@ -465,7 +466,7 @@ TEST(Request, TextThatIsNotUnicode_IsMalformed) {
         "\"\xED\xA0\x80\"", "\"\xC3\"", R"("\u00g0")", R"("\x41")", "\"a\nb\""}) {
     const tFailure failure =
         failureOf([&] { readRequest(seedOfTerminal(name), kDestinations, kModifiers); });
-    EXPECT_EQ(failure.code, -52005) << name;
+    EXPECT_EQ(failure.code, QUENRA_STATUS_INVALID_PARAMETER) << name;
     EXPECT_NE(failure.description.find(R"("zoroco_debug":"malformed JSON")"), std::string::npos)
         << failure.description;
   }
@@ -482,7 +483,7 @@ TEST(Request, DocumentEndingWithinACharacter_IsReadNoFurther) {
                 readRouteRequest({"[]", document.get(), "{}"},
                                  zoark::findTopography("pxiContTriggerRouter"), request);
               }).code,
-              -52005);
+              QUENRA_STATUS_INVALID_PARAMETER);
   }
 }
 
@@ -504,7 +505,9 @@ TEST(Request, TruncatedAtEveryByte_IsRefused) {
       R"([{"terminal":"TRIG_SMB","srcDeviceToken":"d","cost":1.5e1,"constraints":{"x":[true,null]}}])";
   for (size_t length = 0; length < seeds.size(); ++length) {
     const std::string cut = seeds.substr(0, length);
-    EXPECT_EQ(failureOf([&] { readRequest(cut, kDestinations, kModifiers); }).code, -52005) << cut;
+    EXPECT_EQ(failureOf([&] { readRequest(cut, kDestinations, kModifiers); }).code,
+              QUENRA_STATUS_INVALID_PARAMETER)
+        << cut;
   }
 }
 

@@ -62,17 +62,19 @@ TEST_F(SessionCreation, SessionWithoutACallback_RegistersForNotifications) {
 }
 
 TEST_F(SessionCreation, DeviceThatCannotBeOpened_LeavesNothing) {
-  script_.openCode = -52006;
-  EXPECT_EQ(failureOf([&] { create(client_); }),
-            (tFailure{-52006, R"({"file":"device","line":1,"component":"driver"})"}));
+  script_.openCode = QUENRA_STATUS_NOT_FOUND;
+  EXPECT_EQ(
+      failureOf([&] { create(client_); }),
+      (tFailure{QUENRA_STATUS_NOT_FOUND, R"({"file":"device","line":1,"component":"driver"})"}));
   EXPECT_EQ(script_.events, (tStrings{"open device", "stop", "closed"}));
   EXPECT_TRUE(calls().empty());
 }
 
 TEST_F(SessionCreation, RefusedNotifications_LeaveNothing) {
-  script_.startCode = -52002;
+  script_.startCode = QUENRA_STATUS_REQUEST_NOT_SUPPORTED;
   EXPECT_EQ(failureOf([&] { create(client_); }),
-            (tFailure{-52002, R"({"file":"device","line":2,"component":"driver"})"}));
+            (tFailure{QUENRA_STATUS_REQUEST_NOT_SUPPORTED,
+                      R"({"file":"device","line":2,"component":"driver"})"}));
   EXPECT_EQ(script_.events, (tStrings{"open device", "start", "stop", "closed"}));
   EXPECT_TRUE(calls().empty());
 }
@@ -88,7 +90,7 @@ TEST_F(SessionCreation, UnknownTopography_IsReportedAndTraced) {
   tDebuggerListener listener;
   EXPECT_EQ(
       failureOf([&] { create(client_); }),
-      (tFailure{-50003,
+      (tFailure{QUENRA_STATUS_BAD_SELECTOR,
                 R"({"error_constant":"zopalerr_badSelector",)"
                 R"("file":"zoarkra\\topographyinforegistration","line":52,"component":"quenra",)"
                 R"("zoark_debug":"Topography not found: pxiContTriggerRouter2"})"}));
@@ -120,9 +122,10 @@ TEST_F(SessionCreation, WarningsOfTheDriver_AreMergedIntoTheStatus) {
 
 TEST_F(SessionCreation, NullName_FailsWithInvalidParameter) {
   EXPECT_EQ(failureOf([&] { create(client_, nullptr); }),
-            (tFailure{-52005, R"({"error_constant":"zoapalerr_invalidParameter",)"
-                              R"("file":"zoarkra\\arkroutingadaptor","line":203,)"
-                              R"("component":"quenra"})"}));
+            (tFailure{QUENRA_STATUS_INVALID_PARAMETER,
+                      R"({"error_constant":"zoapalerr_invalidParameter",)"
+                      R"("file":"zoarkra\\arkroutingadaptor","line":203,)"
+                      R"("component":"quenra"})"}));
   EXPECT_EQ(script_.events, (tStrings{"stop", "closed"}));
 }
 

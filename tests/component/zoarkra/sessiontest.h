@@ -3,16 +3,85 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "tests/component/zoarkra/expectfailure.h"
-#include "tests/component/zoarkra/tanswer.h"
-#include "tests/component/zoarkra/tscriptedroutingdevice.h"
+#include "tests/component/protons/status/descriptiontext.h"
+#include "tests/component/zoarkra/scriptedrouter.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/arkroutingadaptorsession.h"
 
 namespace nTests {
+
+// The code and the complete description of an exception.
+struct tFailure {
+  int32_t code = 0;
+  std::string description;
+  bool operator==(const tFailure&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const tFailure& failure) {
+  return out << failure.code << " " << failure.description;
+}
+
+// The failure of an operation that has to throw one.
+template <class Operation>
+tFailure failureOf(Operation operation) {
+  try {
+    operation();
+  } catch (const zoerr::ExceptionBase& exception) {
+    return {exception.status().code, descriptionOf(exception.status())};
+  }
+  ADD_FAILURE() << "nothing was thrown";
+  return {};
+}
+
+// The failure that a code of the scripted router becomes.
+inline tFailure failureOfRouter(int32_t code) {
+  return {code, R"({"file":"router","line":9,"component":"driver"})"};
+}
+
+// A client's output argument. Its buffers have exactly the size that the library requests, so that the
+// address sanitizer reports a write past them. One at a time.
+class tAnswer {
+ public:
+  tAnswer() { requests().clear(); }
+  tAnswer(const tAnswer&) = delete;
+  tAnswer& operator=(const tAnswer&) = delete;
+  ~tAnswer() { delete[] output_; }
+
+  // A reallocation function that always replaces the current buffer.
+  static char* supplyBuffer(char* current, size_t required, const char* text,
+                            size_t requiredAgain) {
+    requests().push_back({required, text, requiredAgain});
+    delete[] current;
+    return new char[required];
+  }
+  static char* refuse(char*, size_t required, const char* text, size_t requiredAgain) {
+    requests().push_back({required, text, requiredAgain});
+    return nullptr;
+  }
+
+  [[nodiscard]] char** output() { return &output_; }
+  // The answer, or "(none)".
+  [[nodiscard]] std::string text() const { return output_ == nullptr ? "(none)" : output_; }
+
+  // The arguments of each call of a reallocation function.
+  struct tRequest {
+    size_t required;
+    std::string text;
+    size_t requiredAgain;
+  };
+  [[nodiscard]] static std::vector<tRequest>& requests() {
+    static std::vector<tRequest> requests;
+    return requests;
+  }
+
+ private:
+  char* output_ = nullptr;
+};
 
 // A session on a scripted device, open from the beginning.
 class SessionTest : public testing::Test {
@@ -40,14 +109,17 @@ class SessionTest : public testing::Test {
 };
 
 inline const tFailure kNoBuffer{
-    -52000, R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
-            R"("line":127,"component":"quenra"})"};
+    QUENRA_STATUS_MEMORY_FULL,
+    R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
+    R"("line":127,"component":"quenra"})"};
 inline const tFailure kCountImplausible{
-    -52000, R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
-            R"("line":288,"component":"quenra"})"};
+    QUENRA_STATUS_MEMORY_FULL,
+    R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
+    R"("line":288,"component":"quenra"})"};
 inline const tFailure kOutputMissing{
-    -52005, R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
-            R"("line":118,"component":"quenra"})"};
+    QUENRA_STATUS_INVALID_PARAMETER,
+    R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
+    R"("line":118,"component":"quenra"})"};
 
 }  // namespace nTests
 

@@ -1,13 +1,16 @@
-// The terminals of the controller, and the mapping between their names and ids.
+// The terminals of the controller, the mapping between their names and ids, and the list of the command
+// line.
 #include "zoarkra/topography.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "tests/component/protons/trace/debuggerlistener.h"
-#include "tests/component/zoarkra/expectfailure.h"
+#include "tests/component/zoarkra/sessiontest.h"
+#include "tools/quenra/catalogue/terminalcatalogue.h"
 
 namespace nTests {
 namespace {
@@ -90,10 +93,11 @@ TEST(FindTopography, SimilarNames_AreNotFound) {
   for (const std::string name : {"", "pxiContTriggerRoute", "pxiContTriggerRouter2",
                                  "PxiContTriggerRouter", " pxiContTriggerRouter"}) {
     EXPECT_EQ(failureOf([&] { static_cast<void>(findTopography(name)); }),
-              (tFailure{-50003, R"({"error_constant":"zopalerr_badSelector",)"
-                                R"("file":"zoarkra\\topographyinforegistration","line":52,)"
-                                R"("component":"quenra","zoark_debug":"Topography not found: )" +
-                                    name + R"("})"}));
+              (tFailure{QUENRA_STATUS_BAD_SELECTOR,
+                        R"({"error_constant":"zopalerr_badSelector",)"
+                        R"("file":"zoarkra\\topographyinforegistration","line":52,)"
+                        R"("component":"quenra","zoark_debug":"Topography not found: )" +
+                            name + R"("})"}));
   }
 }
 
@@ -120,6 +124,19 @@ TEST(FindTopography, NameWithLineEnds_IsTracedAsOneLine) {
   EXPECT_NE(failure.description.find(R"(Topography not found: x\r\n[quenra] forged\u001b\u007f"})"),
             std::string::npos)
       << failure.description;
+}
+
+TEST(TerminalCatalogue, Names_AreThoseOfTheLibraryInItsOrder) {
+  std::vector<std::string> names;
+  for (const nCommandLine::tTerminalRow& row : nCommandLine::kTerminals) {
+    names.emplace_back(row.name);
+  }
+  std::vector<std::string> expected;
+  for (const zoark::tTerminal& terminal :
+       zoark::findTopography("pxiContTriggerRouter").terminals()) {
+    expected.emplace_back(terminal.name);
+  }
+  EXPECT_EQ(names, expected);
 }
 
 }  // namespace

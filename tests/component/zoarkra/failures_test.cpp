@@ -1,15 +1,19 @@
-// The heap memory that operations use, and their outcome when it is short. Native only.
+// The heap memory that operations use, and their outcome when an allocation or a Windows call fails.
+// Native only.
 #include <array>
 #include <functional>
 #include <new>
 
+#include "tests/component/zoarkra/routingdevicetest.h"
 #include "tests/component/zoarkra/sessiontest.h"
 #include "tests/fakewindows/allocationplan.h"
 
 namespace nTests {
 namespace {
 
+using nFakeWindows::faultPlan;
 using nFakeWindows::tAllocationPlan;
+using nFakeWindows::tCall;
 
 // A client with a static buffer.
 char* supplyStaticBuffer(char*, size_t required, const char*, size_t) {
@@ -56,7 +60,8 @@ class Memory : public SessionTest {
 
   // Runs the operation with each of its allocations failing in turn. It fails with std::bad_alloc or
   // with its own code, or succeeds without the memory.
-  void failEveryAllocation(const std::function<void()>& operation, int32_t ownCode = -52000) {
+  void failEveryAllocation(const std::function<void()>& operation,
+                           int32_t ownCode = QUENRA_STATUS_MEMORY_FULL) {
     for (unsigned nth = 1;; ++nth) {
       tAllocationPlan plan(nth);
       try {
@@ -147,20 +152,20 @@ TEST_F(Memory, ShortageForALongName_EndsTheRequest) {
 
 TEST_F(Memory, ShortageForTheDescriptionOfABadRequest_KeepsItsCode) {
   const std::string seeds = "[" + std::string(3 * kFourKilobytes, ' ') + "5]";
-  failEveryAllocation([&] { calculate(seeds, "[]"); }, -52005);
+  failEveryAllocation([&] { calculate(seeds, "[]"); }, QUENRA_STATUS_INVALID_PARAMETER);
 }
 
 TEST_F(Memory, ShortageForAConflictReport_EndsTheReservation) {
   router().conflicts.assign(200, {1, 2, 0});
   for (unsigned nth = 1; nth <= 3; ++nth) {
-    router().codes = {-89137};
+    router().codes = {QUENRA_STATUS_ROUTE_CONFLICT};
     tAllocationPlan plan(nth);
     try {
       session_->reserveRoute(7, &output_, status_);
       ADD_FAILURE() << "a conflict is a failure";
     } catch (const std::bad_alloc&) {
     } catch (const zoerr::ExceptionBase& exception) {
-      EXPECT_EQ(exception.status().code, -89137);
+      EXPECT_EQ(exception.status().code, QUENRA_STATUS_ROUTE_CONFLICT);
     }
   }
 }
@@ -177,10 +182,10 @@ TEST_F(Memory, PathAfterTheLongest_UsesNoHeapMemory) {
   EXPECT_EQ(allocationsOf([&] { session_->getRouteTerminalPath(7, &output_, status_); }), 0u);
 }
 
-TEST_F(Memory, CountBeyondTheLargest_IsRefusedWithoutAList) {
+TEST_F(Memory, CountBeyondTheMaximum_IsRefusedWithoutAList) {
   router().reportedConflictCount = 1025;
   for (unsigned nth = 1; nth <= 4; ++nth) {
-    router().codes = {-89137};
+    router().codes = {QUENRA_STATUS_ROUTE_CONFLICT};
     const tAllocationPlan plan(nth);
     // A list would fail with std::bad_alloc; a description without memory is omitted.
     EXPECT_THROW(session_->reserveRoute(7, &output_, status_), zoerr::Exception) << nth;
@@ -190,12 +195,102 @@ TEST_F(Memory, CountBeyondTheLargest_IsRefusedWithoutAList) {
 TEST_F(Memory, ShortageDuringTheCreationOfASession_LeavesNothing) {
   failEveryAllocation([&] { create({&supplyStaticBuffer, nullptr, nullptr}); });
   router().topographyName = "other";
-  failEveryAllocation([&] { create({&supplyStaticBuffer, nullptr, nullptr}); }, -50003);
+  failEveryAllocation(
+      [&] {
+        create({&supplyStaticBuffer, nullptr, nullptr});
+      },
+      QUENRA_STATUS_BAD_SELECTOR);
   EXPECT_EQ(script_.listener, nullptr);
 }
 
 TEST_F(Memory, ShortageForAnIterator_EndsTheCall) {
   failEveryAllocation([&] { static_cast<void>(session_->getAllTerminals(status_, 0)); });
+}
+
+constexpr uint32_t kAccessDenied = 5;
+
+struct tReport {
+  int32_t code;
+  std::string file;
+  uint32_t line;
+  bool operator==(const tReport&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const tReport& report) {
+  return out << report.code << " " << report.file << " " << report.line;
+}
+
+// The code and location that the device reports when the nth call of a function fails.
+tReport reportOf(tCall call, unsigned nth) {
+  const bool first = nth == 1;
+  switch (call) {
+    case tCall::createFile:
+      return {QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 43};
+    case tCall::createEvent:
+      return {QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 51};
+    case tCall::createIoCompletionPort:
+      return first ? tReport{QUENRA_STATUS_ACCESS_DENIED, "tionotification", 31}
+                   : tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 315};
+    case tCall::beginThread:
+      return {QUENRA_STATUS_INTERNAL_ERROR, "thread", 471};
+    case tCall::deviceIoControl:
+      return first ? tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 333}
+                   : tReport{QUENRA_STATUS_ACCESS_DENIED, "tionotification", 134};
+    default:
+      // A failed wait or clean-up has no effect.
+      return {0, "", 0};
+  }
+}
+
+class DeviceFailures : public RoutingDeviceTest {
+ protected:
+  tReport start() {
+    status = {};
+    device = std::make_unique<zoark::tRoutingDevice>();
+    openAndStart();
+    return {status.code, status.file, status.line};
+  }
+};
+
+TEST_F(DeviceFailures, FailureOfEachCall_HasItsLocationAndLeavesNothing) {
+  for (const tCall call : {tCall::createFile, tCall::createEvent, tCall::createIoCompletionPort,
+                           tCall::beginThread, tCall::deviceIoControl}) {
+    for (unsigned nth = 1; nth <= 2; ++nth) {
+      faultPlan().reset();
+      start();
+      if (faultPlan().callCount(call) < nth) {
+        continue;
+      }
+      device.reset();
+      faultPlan().reset();
+      faultPlan().failCall(call, nth, kAccessDenied);
+      SCOPED_TRACE(std::string(nFakeWindows::nameOf(call)) + ", call " + std::to_string(nth));
+      EXPECT_EQ(start(), reportOf(call, nth));
+      device.reset();
+      faultPlan().reset();
+      EXPECT_EQ(start(), (tReport{0, "", 0})) << "the next start succeeds";
+      notify(machine());
+      EXPECT_TRUE(becomesTrue([this] { return listener.count > 0; }));
+      device.reset();
+      listener.count = 0;
+    }
+  }
+}
+
+TEST_F(DeviceFailures, FailureOfEachAllocation_LeavesNothing) {
+  for (unsigned nth = 1;; ++nth) {
+    const tAllocationPlan plan(nth);
+    try {
+      start();
+      EXPECT_TRUE(status.code == 0 || status.code == QUENRA_STATUS_MEMORY_FULL) << status.code;
+    } catch (const std::bad_alloc&) {
+    }
+    device.reset();
+    if (plan.count() < nth) {
+      EXPECT_EQ(status.code, 0);
+      break;
+    }
+  }
 }
 
 }  // namespace

@@ -1,12 +1,14 @@
-// The path capacity of the process. A separate program, since the capacity never shrinks.
+// State that threads share: the path capacity of the process, and a session while demotions arrive. A
+// separate program, since the capacity never shrinks.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "tests/component/zoarkra/tscriptedroutingdevice.h"
+#include "tests/component/zoarkra/scriptedrouter.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/arkroutingadaptorsession.h"
 
@@ -52,7 +54,7 @@ TEST(PathCapacity, LongerPaths_RaiseItFrom32ForAllSessions) {
   EXPECT_EQ(second.fetch(1), tCalls{kCapacity40});
 }
 
-TEST(PathCapacity, LargestCount_IsRememberedAndALargerOneIsNot) {
+TEST(PathCapacity, MaximumCount_IsRememberedAndALargerOneIsNot) {
   tRoutingClient client;
   EXPECT_EQ(client.fetch(1024).back(), "getRouteTerminalPath(7, capacity 1024)");
   EXPECT_THROW(client.fetch(1025), zoerr::Exception);
@@ -61,18 +63,71 @@ TEST(PathCapacity, LargestCount_IsRememberedAndALargerOneIsNot) {
 
 TEST(PathCapacity, RaisedByManyThreads_ServesThemAll) {
   constexpr uint32_t kThreads = 8;
-  constexpr uint32_t kLongest = 400;
+  constexpr uint32_t kMaxLength = 400;
   std::vector<std::jthread> threads;
   for (uint32_t i = 0; i < kThreads; ++i) {
     threads.emplace_back([i] {
       tRoutingClient client;
-      for (uint32_t length = i; length <= kLongest; length += kThreads) {
+      for (uint32_t length = i; length <= kMaxLength; length += kThreads) {
         const tCalls calls = client.fetch(length);
         EXPECT_GE(calls.size(), 1u);
         EXPECT_LE(calls.size(), 2u);
         EXPECT_EQ(client.status.code, 0);
       }
     });
+  }
+}
+
+// A device that delivers demotions without a pause, from its start until it is stopped.
+class tBusyDevice final : public zoark::iRoutingDevice {
+ public:
+  ~tBusyDevice() override { tBusyDevice::stopNotifications(); }
+
+  void open(const char*, nZOAPALS100::tStatus&) noexcept override { router_.isQuiet = true; }
+  void startNotifications(zoark::iDemotionListener& listener, nZOAPALS100::tStatus&) override {
+    notifier_ = std::jthread([&listener](const std::stop_token& stop) {
+      while (!stop.stop_requested()) {
+        listener.routeDemoted(nullptr);
+      }
+    });
+  }
+  void stopNotifications() noexcept override { notifier_ = {}; }
+  bool isListenerThread() const noexcept override {
+    return std::this_thread::get_id() == notifier_.get_id();
+  }
+  nQUENRA1400::nZOAPAL000::iInterfaceProxy_routing& proxy() noexcept override { return router_; }
+
+ private:
+  tScriptedRouter router_;
+  std::jthread notifier_;
+};
+
+// The callback writes it without a lock, so that the thread sanitizer reports a second thread.
+struct tClient {
+  int count = 0;
+  std::atomic<bool> isCalled = false;
+};
+
+void countDemotion(void* context, int32_t, zoerr_Status*, void*) {
+  auto& client = *static_cast<tClient*>(context);
+  ++client.count;
+  client.isCalled = true;
+}
+
+TEST(SessionThreads, DemotionsDuringTheWholeSession_FindACompleteClient) {
+  for (int round = 0; round < 50; ++round) {
+    tClient client;
+    zoerr::tOwnedStatus status;
+    {
+      zoark::ARKRoutingAdaptorSession session(std::make_unique<tBusyDevice>(), "device",
+                                              {nullptr, &countDemotion, &client}, status);
+      while (!client.isCalled) {
+        session.programRoute(7, status);
+      }
+    }
+    // The session is destroyed, so no other thread uses the client.
+    EXPECT_GE(client.count, 1);
+    EXPECT_EQ(status.code, 0);
   }
 }
 

@@ -1,4 +1,4 @@
-#include "tests/component/routingadaptorinterface/scripteddevice.h"
+#include "tests/component/routingadaptorinterface/routingclient.h"
 
 #include <memory>
 

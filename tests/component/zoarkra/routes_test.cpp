@@ -1,5 +1,6 @@
-// Routes from their reservation to their destruction.
+// Routes from their calculation to their destruction, and the answers that describe them.
 #include <algorithm>
+#include <cstring>
 
 #include "tests/component/zoarkra/sessiontest.h"
 #include "zoarkra/arkterminaliterator.h"
@@ -7,11 +8,171 @@
 namespace nTests {
 namespace {
 
+constexpr const char* kSeeds =
+    R"([{"terminal":"TRIG_SMB","cost":1,"constraints":{"inversionNeeded":true}},)"
+    R"({"terminal":"PXI_Trig7","cost":2,"constraints":{}}])";
+constexpr const char* kDestinations = R"(["PXI_Trig0","PXI_Trig1"])";
+constexpr const char* kModifiers =
+    R"({"required":{"inversionNeeded":true},)"
+    R"("optional":{"inversionNeeded":true,"calculateIgnoresReservations":true}})";
+constexpr const char* kCalculation =
+    "calculateRoute([2/1/1 11/2/0] -> [4 5], required 1, optional 1, options 1, capacity 4)";
+
+class Calculation : public SessionTest {
+ protected:
+  uint32_t calculate(const char* seeds = kSeeds, const char* destinations = kDestinations,
+                     const char* modifiers = kModifiers) {
+    return session_->calculateRoute({seeds, destinations, modifiers}, answer_.output(), status_);
+  }
+};
+
+TEST_F(Calculation, Request_ReachesTheDriverAsRecords) {
+  calculate();
+  EXPECT_EQ(calls(), tStrings{kCalculation});
+}
+
+TEST_F(Calculation, Routes_AreWrittenInTheirOrder) {
+  router().routes = {
+      {7, 4, 1, 0, 1, {}}, {4294967295, 5, 4294967295, 1, 0, {}}, {8, 11, 3, 2, 255, {}}};
+  router().value = 77;
+  EXPECT_EQ(calculate(), 77u);
+  EXPECT_EQ(answer_.text(),
+            R"([{"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,)"
+            R"("constraints":{"inversionNeeded":true}},)"
+            R"({"ticket":4294967295,"destination":"PXI_Trig1","cost":4294967295,)"
+            R"("indexOfStartingSeed":1,"constraints":{}},)"
+            R"({"ticket":8,"destination":"PXI_Trig7","cost":3,"indexOfStartingSeed":2,)"
+            R"("constraints":{"inversionNeeded":true}}])");
+  EXPECT_EQ(status_.code, 0);
+}
+
+TEST_F(Calculation, NoRoute_IsWrittenAsAnEmptyArray) {
+  EXPECT_EQ(calculate(), 0u);
+  EXPECT_EQ(answer_.text(), "[]");
+}
+
+TEST_F(Calculation, RouteToAnUnknownTerminal_HasAnEmptyName) {
+  router().routes = {{7, 99, 1, 0, 0, {}}};
+  calculate();
+  EXPECT_EQ(answer_.text(),
+            R"([{"ticket":7,"destination":"","cost":1,"indexOfStartingSeed":0,"constraints":{}}])");
+}
+
+TEST_F(Calculation, MoreRoutesThanTheCapacity_AreCutOff) {
+  router().routes.assign(3, {7, 4, 1, 0, 0, {}});
+  router().reportedRouteCount = 0xFFFFFFFF;
+  calculate(kSeeds, R"(["PXI_Trig0"])", "{}");
+  const std::string route =
+      R"({"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,"constraints":{}})";
+  EXPECT_EQ(answer_.text(), "[" + route + "," + route + "]");
+}
+
+TEST_F(Calculation, EmptyRequest_IsSent) {
+  calculate("[]", "[]", "{}");
+  EXPECT_EQ(calls(), tStrings{"calculateRoute([] -> [], required 0, optional 0, options 0, "
+                              "capacity 0)"});
+  EXPECT_EQ(answer_.text(), "[]");
+}
+
+TEST_F(Calculation, UnknownTerminals_AreSentAsZero) {
+  calculate(R"([{"terminal":"nothing","cost":1,"constraints":{}}])", R"(["nowhere"])", "{}");
+  EXPECT_EQ(calls(), tStrings{"calculateRoute([0/1/0] -> [0], required 0, optional 0, options 0, "
+                              "capacity 2)"});
+}
+
+TEST_F(Calculation, BadRequest_IsNotSent) {
+  EXPECT_EQ(failureOf([&] { calculate(kSeeds, "[5]"); }),
+            (tFailure{QUENRA_STATUS_INVALID_PARAMETER,
+                      R"({"error_constant":"zoapalerr_invalidParameter",)"
+                      R"("file":"RoCoUtils","line":142,"component":"quenra",)"
+                      R"("zoroco_debug":"Terminals must be strings","json":"[5]"})"}));
+  EXPECT_TRUE(calls().empty());
+  EXPECT_EQ(answer_.text(), "(none)");
+}
+
+TEST_F(Calculation, RefusedByTheDriver_HasNoAnswer) {
+  router().codes = {-7};
+  router().routes = {{7, 4, 1, 0, 0, {}}};
+  EXPECT_EQ(failureOf([&] { calculate(); }), failureOfRouter(-7));
+  EXPECT_EQ(answer_.text(), "(none)");
+  EXPECT_TRUE(tAnswer::requests().empty());
+}
+
+TEST_F(Calculation, WarningOfTheDriver_ComesWithTheAnswer) {
+  router().codes = {7};
+  router().value = 5;
+  EXPECT_EQ(calculate(), 5u);
+  EXPECT_EQ(status_.code, 7);
+  EXPECT_EQ(answer_.text(), "[]");
+}
+
+TEST_F(Calculation, RequestUnderAWarning_SendsTheWarning) {
+  status_.code = 5;
+  calculate();
+  EXPECT_EQ(calls(), tStrings{std::string(kCalculation) + " st=5"});
+}
+
+TEST_F(Calculation, ClientWithoutABuffer_FailsAfterTheCalculation) {
+  create({&tAnswer::refuse, nullptr, nullptr});
+  EXPECT_EQ(failureOf([&] { calculate(); }), kNoBuffer);
+  EXPECT_EQ(answer_.text(), "(none)");
+  EXPECT_EQ(calls().back(), kCalculation);
+}
+
+TEST_F(Calculation, ClientWithoutAReallocationFunction_FailsWithMemoryFull) {
+  create({nullptr, nullptr, nullptr});
+  EXPECT_EQ(failureOf([&] { calculate(); }), kNoBuffer);
+}
+
+TEST_F(Calculation, RequestWithoutAnOutput_IsNotSent) {
+  EXPECT_EQ(failureOf([&] {
+              session_->calculateRoute({kSeeds, kDestinations, kModifiers}, nullptr, status_);
+            }),
+            kOutputMissing);
+  EXPECT_TRUE(calls().empty());
+}
+
+// ---- Answers of any operation ----
+
+TEST_F(Calculation, ReallocationFunction_IsCalledOnceWithTheSizeOfTheAnswer) {
+  calculate();
+  ASSERT_EQ(tAnswer::requests().size(), 1u);
+  EXPECT_EQ(tAnswer::requests()[0].required, 3u);
+  EXPECT_EQ(tAnswer::requests()[0].requiredAgain, 3u);
+  EXPECT_EQ(tAnswer::requests()[0].text, "[]");
+}
+
+TEST_F(Calculation, SecondAnswer_ReplacesTheFirst) {
+  calculate();
+  router().routes = {{7, 4, 1, 0, 0, {}}};
+  calculate();
+  EXPECT_EQ(answer_.text().substr(0, 12), R"([{"ticket":7)");
+  EXPECT_EQ(tAnswer::requests().size(), 2u);
+}
+
+TEST_F(Calculation, ReallocationFunctionThatCopiesTheText_ReceivesItAgain) {
+  create({[](char*, size_t required, const char* text, size_t) {
+            char* const buffer = new char[required];
+            std::memcpy(buffer, text, required);
+            return buffer;
+          },
+          nullptr, nullptr});
+  calculate();
+  EXPECT_EQ(answer_.text(), "[]");
+}
+
+TEST_F(Calculation, HandledConstraints_AreInversionNeededAlone) {
+  session_->getHandledConstraints(answer_.output(), status_);
+  EXPECT_EQ(answer_.text(), R"(["inversionNeeded"])");
+  EXPECT_TRUE(calls().empty());
+  EXPECT_EQ(failureOf([&] { session_->getHandledConstraints(nullptr, status_); }), kOutputMissing);
+}
+
 class RouteLife : public SessionTest {
  protected:
   // Reserves against conflicts. The driver reports `count` of them, or their true count if 0.
   tFailure reserveAgainst(std::vector<tRouteConflict> conflicts, uint32_t count = 0) {
-    router().codes = {-89137};
+    router().codes = {QUENRA_STATUS_ROUTE_CONFLICT};
     router().conflicts = std::move(conflicts);
     router().reportedConflictCount = count;
     return failureOf([&] { session_->reserveRoute(7, answer_.output(), status_); });
@@ -45,20 +206,20 @@ TEST_F(RouteLife, SuccessfulReservation_WritesNoOutput) {
 
 TEST_F(RouteLife, Conflicts_AreReportedInTheirOrder) {
   EXPECT_EQ(reserveAgainst({{18446744073709551615u, 4294967295, 0}, {3, 4, 0}}),
-            failureOfRouter(-89137));
+            failureOfRouter(QUENRA_STATUS_ROUTE_CONFLICT));
   EXPECT_EQ(answer_.text(), R"([{"sessionId":18446744073709551615,"ticket":4294967295},)"
                             R"({"sessionId":3,"ticket":4}])");
   EXPECT_EQ(calls().size(), 1u);
 }
 
 TEST_F(RouteLife, ConflictWithoutRecords_IsReportedAsAnEmptyArray) {
-  EXPECT_EQ(reserveAgainst({}), failureOfRouter(-89137));
+  EXPECT_EQ(reserveAgainst({}), failureOfRouter(QUENRA_STATUS_ROUTE_CONFLICT));
   EXPECT_EQ(answer_.text(), "[]");
 }
 
 TEST_F(RouteLife, NineConflicts_EndWithTheZerosOfAnUnfilledRecord) {
   const std::vector<tRouteConflict> conflicts(9, {5, 6, 0});
-  EXPECT_EQ(reserveAgainst(conflicts), failureOfRouter(-89137));
+  EXPECT_EQ(reserveAgainst(conflicts), failureOfRouter(QUENRA_STATUS_ROUTE_CONFLICT));
   std::string expected;
   for (int i = 0; i < 8; ++i) {
     expected += R"({"sessionId":5,"ticket":6},)";
@@ -66,13 +227,13 @@ TEST_F(RouteLife, NineConflicts_EndWithTheZerosOfAnUnfilledRecord) {
   EXPECT_EQ(answer_.text(), "[" + expected + R"({"sessionId":0,"ticket":0}])");
 }
 
-TEST_F(RouteLife, ConflictsOfTheLargestCount_AreReported) {
-  EXPECT_EQ(reserveAgainst({{5, 6, 0}}, 1024), failureOfRouter(-89137));
+TEST_F(RouteLife, MaximumNumberOfConflicts_AreReported) {
+  EXPECT_EQ(reserveAgainst({{5, 6, 0}}, 1024), failureOfRouter(QUENRA_STATUS_ROUTE_CONFLICT));
   const std::string report = answer_.text();
   EXPECT_EQ(std::count(report.begin(), report.end(), '{'), 1024);
 }
 
-TEST_F(RouteLife, MoreConflictsThanTheLargestCount_FailWithMemoryFull) {
+TEST_F(RouteLife, MoreConflictsThanTheMaximum_FailWithMemoryFull) {
   for (const uint32_t count : {1025u, 1048576u, 4000000000u}) {
     EXPECT_EQ(reserveAgainst({{5, 6, 0}}, count), kCountImplausible) << count;
     EXPECT_EQ(answer_.text(), "(none)");
@@ -85,7 +246,7 @@ TEST_F(RouteLife, ConflictsWithoutABuffer_FailWithMemoryFull) {
 }
 
 TEST_F(RouteLife, ConflictsWithoutAnOutput_FailWithInvalidParameter) {
-  router().codes = {-89137};
+  router().codes = {QUENRA_STATUS_ROUTE_CONFLICT};
   EXPECT_EQ(failureOf([&] { session_->reserveRoute(7, nullptr, status_); }), kOutputMissing);
 }
 
@@ -111,7 +272,7 @@ TEST_F(RouteLife, ReservationWithAWarning_Succeeds) {
 
 TEST_F(RouteLife, ConflictUnderAWarning_IsReported) {
   status_.code = 5;
-  EXPECT_EQ(reserveAgainst({}), failureOfRouter(-89137));
+  EXPECT_EQ(reserveAgainst({}), failureOfRouter(QUENRA_STATUS_ROUTE_CONFLICT));
   EXPECT_EQ(calls(), tStrings{"reserveRoute(7, capacity 8) st=5"});
 }
 
@@ -201,15 +362,15 @@ TEST_F(RouteLife, LongPath_IsRequestedTwiceAndItsLengthRemembered) {
 
 TEST_F(RouteLife, PathThatGrowsBetweenTheRequests_IsNotRequestedAThirdTime) {
   const uint32_t capacity = pathCapacity();
-  router().codes = {-52019, -52019};
+  router().codes = {QUENRA_STATUS_PATH_TOO_LONG, QUENRA_STATUS_PATH_TOO_LONG};
   router().reportedPathLength = capacity + 1;
-  EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(-52019));
+  EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(QUENRA_STATUS_PATH_TOO_LONG));
   EXPECT_EQ(calls(), (tStrings{pathCall(capacity), pathCall(capacity + 1)}));
   EXPECT_EQ(answer_.text(), "[]") << "the answer of pathCapacity()";
 }
 
 TEST_F(RouteLife, PathRefusedAtTheSecondRequest_FailsWithThatCode) {
-  router().codes = {-52019, -7};
+  router().codes = {QUENRA_STATUS_PATH_TOO_LONG, -7};
   EXPECT_EQ(failureOf([&] { getPath(); }), failureOfRouter(-7));
 }
 
@@ -232,10 +393,10 @@ TEST_F(RouteLife, PathReportedLongerThanItsBuffer_IsCutOff) {
   EXPECT_EQ(answer_.text(), expected + "]");
 }
 
-TEST_F(RouteLife, PathLongerThanTheLargestCount_FailsWithMemoryFullAndIsNotRemembered) {
+TEST_F(RouteLife, PathLongerThanTheMaximum_FailsWithMemoryFullAndIsNotRemembered) {
   const uint32_t capacity = pathCapacity();
   for (const uint32_t count : {1025u, 1048576u, 4000000000u}) {
-    router().codes = {-52019};
+    router().codes = {QUENRA_STATUS_PATH_TOO_LONG};
     router().reportedPathLength = count;
     router().calls.clear();
     EXPECT_EQ(failureOf([&] { getPath(); }), kCountImplausible) << count;
@@ -295,15 +456,15 @@ TEST_F(RouteLife, FailedCalculatedReset_HasTheCodeOfAReset) {
   const auto calculate = [&](const char* mode) {
     return failureOf([&] { session_->calculateResetTerminal(*iterator, mode, status_); });
   };
-  EXPECT_EQ(calculate("Default").code, -50003);
-  EXPECT_EQ(calculate(nullptr).code, -50003);
+  EXPECT_EQ(calculate("Default").code, QUENRA_STATUS_BAD_SELECTOR);
+  EXPECT_EQ(calculate(nullptr).code, QUENRA_STATUS_BAD_SELECTOR);
   EXPECT_TRUE(calls().empty());
   router().codes = {-7};
   EXPECT_EQ(calculate("default"), failureOfRouter(-7));
   while (!iterator->isEnd()) {
     iterator->next(status_);
   }
-  EXPECT_EQ(calculate("default").code, -52005);
+  EXPECT_EQ(calculate("default").code, QUENRA_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(calls().size(), 1u);
 }
 

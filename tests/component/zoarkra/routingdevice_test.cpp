@@ -1,5 +1,9 @@
 #include "zoarkra/troutingdevice.h"
 
+#include <string>
+#include <vector>
+
+#include "protocol/pendingrequests.h"
 #include "protocol/routingrequests.h"
 #include "tests/component/zoarkra/routingdevicetest.h"
 #include "zoapal/protons/status/zoerrstatus.h"
@@ -53,7 +57,7 @@ TEST_F(RoutingDevice, StatusWithAnError_SendsNothing) {
 TEST_F(RoutingDevice, MissingDevice_FailsWithNotFound) {
   path = R"(\\?\nothing)";
   openAndStart();
-  EXPECT_EQ(status.code, -52006);
+  EXPECT_EQ(status.code, QUENRA_STATUS_NOT_FOUND);
   EXPECT_STREQ(status.file, "tdeviceinterfaceproxy");
   EXPECT_EQ(status.line, 43u);
 }
@@ -128,12 +132,102 @@ TEST_F(RoutingDevice, DeviceOfASessionThatFails_IsStoppedAndClosed) {
                                                   {nullptr, nullptr, nullptr}, own);
     ADD_FAILURE() << "the session was created";
   } catch (const zoerr::ExceptionBase& exception) {
-    EXPECT_EQ(exception.status().code, -52005);
+    EXPECT_EQ(exception.status().code, QUENRA_STATUS_INVALID_PARAMETER);
   }
   EXPECT_EQ(logged(kSimulatorEventOpen).size(), 1u);
   EXPECT_TRUE(becomesTrue([this] { return logged(kSimulatorEventClose).size() == 1; }));
   EXPECT_THROW(notify(machine()), nSimulator::tControlError);
 }
+
+#ifndef _WIN32
+// ---- The order of a release. The fake Windows records every call. ----
+
+using nFakeWindows::faultPlan;
+using nFakeWindows::tCall;
+using nFakeWindows::tCallRecord;
+using tSteps = std::vector<std::string>;
+
+// The step of a release that a call carries out; empty for any other call.
+std::string stepOf(const tCallRecord& record) {
+  switch (record.call) {
+    case tCall::deviceIoControl:
+      return record.argument == std::to_string(REQUEST_UNREGISTER_NOTIFICATION) ? "unregister" : "";
+    case tCall::postQueuedCompletionStatus:
+      return "wake the reader";
+    case tCall::waitForSingleObject:
+      return "join the reader";
+    case tCall::closeHandle:
+      return "close the " + record.argument;
+    default:
+      return "";
+  }
+}
+
+tSteps steps() {
+  tSteps found;
+  for (const tCallRecord& record : faultPlan().calls()) {
+    if (const std::string step = stepOf(record); !step.empty()) {
+      found.push_back(step);
+    }
+  }
+  return found;
+}
+
+class SessionEnd : public RoutingDeviceTest {
+ protected:
+  void SetUp() override {
+    RoutingDeviceTest::SetUp();
+    openAndStart();
+    ASSERT_EQ(status.code, 0);
+    faultPlan().reset();
+  }
+};
+
+const tSteps kStop{"unregister", "wake the reader", "join the reader", "close the thread",
+                   "close the completion port"};
+const tSteps kClose{"close the file", "close the event"};
+
+tSteps joined(const tSteps& first, const tSteps& second) {
+  tSteps both = first;
+  both.insert(both.end(), second.begin(), second.end());
+  return both;
+}
+
+TEST_F(SessionEnd, DestroyedDevice_UnregistersThenEndsTheReaderThenClosesTheFile) {
+  device.reset();
+  EXPECT_EQ(steps(), joined(kStop, kClose));
+}
+
+TEST_F(SessionEnd, StoppedNotifications_LeaveTheFileOpenUntilTheDeviceEnds) {
+  device->stopNotifications();
+  EXPECT_EQ(steps(), kStop);
+  faultPlan().reset();
+  device.reset();
+  EXPECT_EQ(steps(), kClose);
+}
+
+TEST_F(SessionEnd, RefusedUnregistration_EndsTheReaderBeforeTheFileAsWell) {
+  faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
+  device.reset();
+  EXPECT_EQ(steps(), joined(kStop, kClose));
+}
+
+TEST_F(SessionEnd, DestroyedDuringACallback_ClosesNothingBeforeTheCallbackReturns) {
+  listener.mayLeave = false;
+  notify(machine());
+  ASSERT_TRUE(becomesTrue([this] { return listener.isInside.load(); }));
+  faultPlan().reset();
+  // The reader is joined while its callback runs: no handle is closed by then.
+  faultPlan().beforeCall(tCall::waitForSingleObject, 1, [this] {
+    EXPECT_TRUE(listener.isInside);
+    EXPECT_EQ(faultPlan().callCount(tCall::closeHandle), 0u);
+    listener.mayLeave = true;
+  });
+  device.reset();
+  EXPECT_FALSE(listener.isInside);
+  EXPECT_EQ(steps(), joined(kStop, kClose));
+}
+#endif
 
 }  // namespace
 }  // namespace nTests

@@ -1,7 +1,9 @@
-#include "tests/component/zoarkra/tscriptedrouter.h"
+#include "tests/component/zoarkra/scriptedrouter.h"
 
 #include <algorithm>
 #include <span>
+
+#include "quenra_status.h"
 
 namespace nTests {
 namespace {
@@ -129,7 +131,7 @@ void tScriptedRouter::getRouteTerminalPath(uint32_t ticket, uint64_t terminals, 
     fill(terminals, capacity, path);
     count = countOf(path.size(), reportedPathLength);
     if (codes.empty() && path.size() > capacity) {
-      mergeStatus(status, -52019, "driver", "router", 9);
+      mergeStatus(status, QUENRA_STATUS_PATH_TOO_LONG, "driver", "router", 9);
     }
     leave(status);
   }

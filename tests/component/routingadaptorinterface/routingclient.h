@@ -1,7 +1,8 @@
-#ifndef TESTS_COMPONENT_ROUTINGADAPTORINTERFACE_CLIENTRECORD_H
-#define TESTS_COMPONENT_ROUTINGADAPTORINTERFACE_CLIENTRECORD_H
+#ifndef TESTS_COMPONENT_ROUTINGADAPTORINTERFACE_ROUTINGCLIENT_H
+#define TESTS_COMPONENT_ROUTINGADAPTORINTERFACE_ROUTINGCLIENT_H
 
 #include "quenra_routing.h"
+#include "tests/component/zoarkra/scriptedrouter.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nTests {
@@ -22,6 +23,9 @@ struct tClientStatus : zoerr_Status {
   tClientStatus& operator=(const tClientStatus&) = delete;
   ~tClientStatus() { zoerr_Status_release(this); }
 };
+
+// Sessions created from now on open the scripted device instead of the system's.
+void useDevice(tRoutingDeviceScript& script) noexcept;
 
 }  // namespace nTests
 
