@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "codegen/apalcodegen/iinterfaceproxy_routing.h"
+#include "codegen/apalcodegen/tinterfaceproxy_routing.h"
 #include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zoarkra/topography.h"

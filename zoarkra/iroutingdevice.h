@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "codegen/apalcodegen/iinterfaceproxy_routing.h"
+#include "codegen/apalcodegen/tinterfaceproxy_routing.h"
 
 namespace zoark {
 

@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <iterator>
 
+#include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
+
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
 
+using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
 // Up to and including the first zero word.
@@ -20,10 +23,8 @@ void copyExtension(const tStatus& from, tStatus& to) noexcept {
 
 void mergeTransportFailure(const tStatus& transport, tStatus& status) noexcept {
   const bool full = transport.isFull();
-  const bool stored = full ? mergeStatus(status, transport.code, transport.component,
-                                         transport.file, transport.line)
-                           : mergeStatus(status, transport.code, "", "", 0);
-  if (stored && full && status.isFull()) {
+  const tSourceLocation location = full ? transport.location() : tSourceLocation{"", 0, ""};
+  if (mergeStatus(status, transport.code, location) && full && status.isFull()) {
     copyExtension(transport, status);
   }
 }
@@ -45,6 +46,38 @@ bool sendRequest(iInterfaceProxy& device, uint32_t code, std::span<const std::by
     return false;
   }
   return true;
+}
+
+tForwardingInterfaceProxy::tForwardingInterfaceProxy(tDeviceInterfaceProxy& device) noexcept
+    : device_(device) {}
+
+void tForwardingInterfaceProxy::close() noexcept {
+  device_.close();
+}
+
+uint32_t tForwardingInterfaceProxy::deviceControl(uint32_t code, const void* in, uint32_t inSize,
+                                                  void* out, uint32_t outSize,
+                                                  tStatus& status) noexcept {
+  return device_.deviceControl(code, in, inSize, out, outSize, status);
+}
+
+uint32_t tForwardingInterfaceProxy::read(void* buffer, uint32_t size, tStatus& status) noexcept {
+  return device_.read(buffer, size, status);
+}
+
+uint32_t tForwardingInterfaceProxy::write(const void* buffer, uint32_t size,
+                                          tStatus& status) noexcept {
+  return device_.write(buffer, size, status);
+}
+
+uint64_t tForwardingInterfaceProxy::beginPendingRequest(uint16_t a, uint64_t b, uint8_t c,
+                                                        tPendingRequest& request,
+                                                        tStatus& status) noexcept {
+  return device_.beginPendingRequest(a, b, c, request, status);
+}
+
+void tForwardingInterfaceProxy::endPendingRequest(tPendingRequest& request) noexcept {
+  device_.endPendingRequest(request);
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

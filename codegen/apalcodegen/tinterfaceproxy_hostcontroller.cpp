@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#include "codegen/apalcodegen/attributerequests.h"
+#include "protocol/controllerrequests.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
@@ -28,7 +28,7 @@ void tInterfaceProxy_hostController::exchangeValues(uint64_t textBuffer, uint32_
   request.textSize = textSize;
   request.tableBuffer = tableBuffer;
   request.tableSize = tableSize;
-  call<tExchangeValuesReply>(*this, REQUEST_EXCHANGE_VALUES, request, kExchangeValues, status,
+  call<tExchangeValuesReply>(REQUEST_EXCHANGE_VALUES, request, kExchangeValues, status,
                              [&](const tExchangeValuesReply& reply) noexcept {
                                textSize = reply.textSize;
                                tableSize = std::bit_cast<int32_t>(reply.tableSize);
@@ -37,18 +37,30 @@ void tInterfaceProxy_hostController::exchangeValues(uint64_t textBuffer, uint32_
 
 void tInterfaceProxy_hostController::sendCommand(uint64_t payload, uint32_t payloadSize,
                                                  tStatus& status) noexcept {
-  requestSendCommand(*this, REQUEST_CONTROLLER_SEND_COMMAND, payload, payloadSize, kSendCommand,
-                     status);
+  tSendCommandRequest request{};
+  request.payload = payload;
+  request.payloadSize = payloadSize;
+  call<tStatusReply>(REQUEST_CONTROLLER_SEND_COMMAND, request, kSendCommand, status);
 }
 
 void tInterfaceProxy_hostController::getAttribute(uint32_t attribute, uint64_t buffer,
                                                   uint32_t& size, tStatus& status) noexcept {
-  requestGetAttribute(*this, attribute, buffer, size, kGetAttribute, status);
+  tGetAttributeRequest request{};
+  request.attribute = attribute;
+  request.buffer = buffer;
+  request.size = size;
+  call<tGetAttributeReply>(
+      REQUEST_GET_ATTRIBUTE, request, kGetAttribute, status,
+      [&size](const tGetAttributeReply& reply) noexcept { size = reply.size; });
 }
 
 void tInterfaceProxy_hostController::setAttribute(uint32_t attribute, uint64_t buffer, int32_t size,
                                                   tStatus& status) noexcept {
-  requestSetAttribute(*this, attribute, buffer, size, kSetAttribute, status);
+  tSetAttributeRequest request{};
+  request.attribute = attribute;
+  request.buffer = buffer;
+  request.size = size;
+  call<tStatusReply>(REQUEST_SET_ATTRIBUTE, request, kSetAttribute, status);
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

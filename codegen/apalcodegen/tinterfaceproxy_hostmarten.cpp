@@ -1,6 +1,6 @@
 #include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
 
-#include "codegen/apalcodegen/attributerequests.h"
+#include "protocol/controllerrequests.h"
 
 namespace nQUENRA1400::nZOAPAL000 {
 namespace {
@@ -19,18 +19,30 @@ constexpr auto kSetAttribute = site(126);
 
 void tInterfaceProxy_hostMarten::sendCommand(uint64_t payload, uint32_t payloadSize,
                                              tStatus& status) noexcept {
-  requestSendCommand(*this, REQUEST_MARTEN_SEND_COMMAND, payload, payloadSize, kSendCommand,
-                     status);
+  tSendCommandRequest request{};
+  request.payload = payload;
+  request.payloadSize = payloadSize;
+  call<tStatusReply>(REQUEST_MARTEN_SEND_COMMAND, request, kSendCommand, status);
 }
 
 void tInterfaceProxy_hostMarten::getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
                                               tStatus& status) noexcept {
-  requestGetAttribute(*this, attribute, buffer, size, kGetAttribute, status);
+  tGetAttributeRequest request{};
+  request.attribute = attribute;
+  request.buffer = buffer;
+  request.size = size;
+  call<tGetAttributeReply>(
+      REQUEST_GET_ATTRIBUTE, request, kGetAttribute, status,
+      [&size](const tGetAttributeReply& reply) noexcept { size = reply.size; });
 }
 
 void tInterfaceProxy_hostMarten::setAttribute(uint32_t attribute, uint64_t buffer, int32_t size,
                                               tStatus& status) noexcept {
-  requestSetAttribute(*this, attribute, buffer, size, kSetAttribute, status);
+  tSetAttributeRequest request{};
+  request.attribute = attribute;
+  request.buffer = buffer;
+  request.size = size;
+  call<tStatusReply>(REQUEST_SET_ATTRIBUTE, request, kSetAttribute, status);
 }
 
 }  // namespace nQUENRA1400::nZOAPAL000

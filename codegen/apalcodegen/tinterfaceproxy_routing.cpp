@@ -1,6 +1,5 @@
 #include "codegen/apalcodegen/tinterfaceproxy_routing.h"
 
-#include "codegen/apalcodegen/marshalling.h"
 #include "protocol/controllerrequests.h"
 #include "protocol/routingrequests.h"
 
@@ -25,29 +24,29 @@ constexpr auto kGetTopographyName = site(295);
 constexpr auto kResetTerminal = site(322);
 constexpr auto kCalculateResetTerminal = site(352);
 
-void requestOnTicket(iInterfaceProxy& device, uint32_t code, uint32_t ticket,
-                     const tSourceLocation& location, tStatus& status) noexcept {
+}  // namespace
+
+void tInterfaceProxy_routing::callOnTicket(uint32_t code, uint32_t ticket,
+                                           const tSourceLocation& site, tStatus& status) noexcept {
   tTicketRequest request{};
   request.ticket = ticket;
-  call<tStatusReply>(device, code, request, location, status);
+  call<tStatusReply>(code, request, site, status);
 }
 
-void requestListOfTicket(iInterfaceProxy& device, uint32_t code, uint32_t ticket, uint64_t buffer,
-                         uint32_t& count, const tSourceLocation& location,
-                         tStatus& status) noexcept {
+void tInterfaceProxy_routing::callForListOfTicket(uint32_t code, uint32_t ticket, uint64_t buffer,
+                                                  uint32_t& count, const tSourceLocation& site,
+                                                  tStatus& status) noexcept {
   tTicketListRequest request{};
   request.ticket = ticket;
   request.buffer = buffer;
   request.count = count;
-  call<tTicketListReply>(device, code, request, location, status,
+  call<tTicketListReply>(code, request, site, status,
                          [&count](const tTicketListReply& reply) noexcept { count = reply.count; });
 }
 
-}  // namespace
-
 void tInterfaceProxy_routing::method0(uint32_t& result, tStatus& status) noexcept {
   call<tRoutingValueReply>(
-      *this, REQUEST_ROUTING_METHOD0, tRoutingMethod0Request{}, kMethod0, status,
+      REQUEST_ROUTING_METHOD0, tRoutingMethod0Request{}, kMethod0, status,
       [&result](const tRoutingValueReply& reply) noexcept { result = reply.value; });
 }
 
@@ -66,7 +65,7 @@ uint32_t tInterfaceProxy_routing::calculateRoute(uint64_t modifiers, uint64_t se
   request.routes = routes;
   request.routeCapacity = routeCount;
   uint32_t value = 0;
-  call<tCalculateRouteReply>(*this, REQUEST_CALCULATE_ROUTE, request, kCalculateRoute, status,
+  call<tCalculateRouteReply>(REQUEST_CALCULATE_ROUTE, request, kCalculateRoute, status,
                              [&](const tCalculateRouteReply& reply) noexcept {
                                value = reply.value;
                                routeCount = reply.routeCount;
@@ -75,30 +74,29 @@ uint32_t tInterfaceProxy_routing::calculateRoute(uint64_t modifiers, uint64_t se
 }
 
 void tInterfaceProxy_routing::destroyRoute(uint32_t ticket, tStatus& status) noexcept {
-  requestOnTicket(*this, REQUEST_DESTROY_ROUTE, ticket, kDestroyRoute, status);
+  callOnTicket(REQUEST_DESTROY_ROUTE, ticket, kDestroyRoute, status);
 }
 
 void tInterfaceProxy_routing::reserveRoute(uint32_t ticket, uint64_t conflicts, uint32_t& count,
                                            tStatus& status) noexcept {
-  requestListOfTicket(*this, REQUEST_RESERVE_ROUTE, ticket, conflicts, count, kReserveRoute,
-                      status);
+  callForListOfTicket(REQUEST_RESERVE_ROUTE, ticket, conflicts, count, kReserveRoute, status);
 }
 
 void tInterfaceProxy_routing::programRoute(uint32_t ticket, tStatus& status) noexcept {
-  requestOnTicket(*this, REQUEST_PROGRAM_ROUTE, ticket, kProgramRoute, status);
+  callOnTicket(REQUEST_PROGRAM_ROUTE, ticket, kProgramRoute, status);
 }
 
 void tInterfaceProxy_routing::unreserveRoute(uint32_t ticket, tStatus& status) noexcept {
-  requestOnTicket(*this, REQUEST_UNRESERVE_ROUTE, ticket, kUnreserveRoute, status);
+  callOnTicket(REQUEST_UNRESERVE_ROUTE, ticket, kUnreserveRoute, status);
 }
 
 void tInterfaceProxy_routing::unprogramRoute(uint32_t ticket, tStatus& status) noexcept {
-  requestOnTicket(*this, REQUEST_UNPROGRAM_ROUTE, ticket, kUnprogramRoute, status);
+  callOnTicket(REQUEST_UNPROGRAM_ROUTE, ticket, kUnprogramRoute, status);
 }
 
 void tInterfaceProxy_routing::getRouteTerminalPath(uint32_t ticket, uint64_t terminals,
                                                    uint32_t& count, tStatus& status) noexcept {
-  requestListOfTicket(*this, REQUEST_GET_ROUTE_TERMINAL_PATH, ticket, terminals, count,
+  callForListOfTicket(REQUEST_GET_ROUTE_TERMINAL_PATH, ticket, terminals, count,
                       kGetRouteTerminalPath, status);
 }
 
@@ -107,7 +105,7 @@ void tInterfaceProxy_routing::getTopographyName(uint64_t buffer, uint32_t size,
   tGetTopographyNameRequest request{};
   request.buffer = buffer;
   request.size = size;
-  call<tStatusReply>(*this, REQUEST_GET_TOPOGRAPHY_NAME, request, kGetTopographyName, status);
+  call<tStatusReply>(REQUEST_GET_TOPOGRAPHY_NAME, request, kGetTopographyName, status);
 }
 
 void tInterfaceProxy_routing::resetTerminal(uint32_t terminal, uint32_t floating,
@@ -115,7 +113,7 @@ void tInterfaceProxy_routing::resetTerminal(uint32_t terminal, uint32_t floating
   tResetTerminalRequest request{};
   request.terminal = terminal;
   request.floating = floating;
-  call<tStatusReply>(*this, REQUEST_RESET_TERMINAL, request, kResetTerminal, status);
+  call<tStatusReply>(REQUEST_RESET_TERMINAL, request, kResetTerminal, status);
 }
 
 uint32_t tInterfaceProxy_routing::calculateResetTerminal(uint64_t reserved, uint32_t terminal,
@@ -127,7 +125,7 @@ uint32_t tInterfaceProxy_routing::calculateResetTerminal(uint64_t reserved, uint
   request.floating = floating;
   uint32_t value = 0;
   call<tRoutingValueReply>(
-      *this, REQUEST_CALCULATE_RESET_TERMINAL, request, kCalculateResetTerminal, status,
+      REQUEST_CALCULATE_RESET_TERMINAL, request, kCalculateResetTerminal, status,
       [&value](const tRoutingValueReply& reply) noexcept { value = reply.value; });
   return value;
 }

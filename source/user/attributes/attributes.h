@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "codegen/apalcodegen/iinterfaceproxy_hostcontroller.h"
-#include "codegen/apalcodegen/iinterfaceproxy_hostmarten.h"
+#include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
+#include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
 #include "source/user/machine/tmemorymodules.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zosmbios/czosmbiosprovider.h"

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "codegen/apalcodegen/iinterfaceproxy_hostmarten.h"
+#include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nQUENRA1400 {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "codegen/apalcodegen/iinterfaceproxy_hostcontroller.h"
-#include "codegen/apalcodegen/iinterfaceproxy_hostmarten.h"
+#include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
+#include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
 #include "tests/component/twithoutchannel.h"
 
 namespace nTests {

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "codegen/apalcodegen/iinterfaceproxy_routing.h"
+#include "codegen/apalcodegen/tinterfaceproxy_routing.h"
 #include "protocol/routingrequests.h"
 #include "tests/component/twithoutchannel.h"
 #include "zoarkra/iroutingdevice.h"
