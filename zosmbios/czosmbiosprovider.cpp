@@ -4,9 +4,6 @@
 #include <cstring>
 #include <string_view>
 
-#include "zosmbios/location.h"
-#include "zosmbios/stringset.h"
-
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 namespace {
 
@@ -14,6 +11,9 @@ using nZOAPALS100::kInvalidParameter;
 using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
+constexpr tSourceLocation providerLocation(uint32_t line) noexcept {
+  return {"dep_mirror\\deps\\zosmbios\\includes\\czosmbiosprovider", line};
+}
 constexpr auto kStructureOutsideTable = providerLocation(174);
 constexpr auto kFormattedAreaOutsideTable = providerLocation(189);
 constexpr auto kUnknownWidth = providerLocation(226);
@@ -23,6 +23,10 @@ constexpr auto kVersionWithoutBuffer = providerLocation(302);
 constexpr auto kVersionBufferTooSmall = providerLocation(314);
 constexpr auto kUnknownProviderValue = providerLocation(325);
 constexpr auto kStringAbsent = providerLocation(378);
+constexpr auto kSetLeavesTable = providerLocation(394);
+constexpr auto kSetEnds = providerLocation(405);
+constexpr auto kStringEmpty = providerLocation(438);
+constexpr auto kStringTooLong = providerLocation(462);
 constexpr auto kStringBufferTooSmall = providerLocation(486);
 constexpr auto kStringWithoutBuffer = providerLocation(487);
 constexpr auto kSizeMissing = providerLocation(488);
@@ -45,6 +49,40 @@ constexpr uint32_t widthOf(tWidthClass width) noexcept {
       break;
   }
   return 0;
+}
+
+// String `number`, from 1, of the string set that starts at `set`, a byte offset in the table. Reports
+// kTableMalformed when the set runs past the end of the table, has fewer strings, or the string is
+// longer than kMaxStringLength.
+std::string_view findString(const tStructureTable& table, size_t set, uint8_t number,
+                            tStatus& status) noexcept {
+  const auto bytes = table.bytes();
+  auto position = bytes.begin() + static_cast<ptrdiff_t>(std::min(set, bytes.size()));
+  for (uint8_t passed = 1; passed < number; ++passed) {
+    if (position != bytes.end() && *position == 0) {
+      mergeStatus(status, kTableMalformed, kSetEnds);
+      return {};
+    }
+    const auto nul = std::find(position, bytes.end(), uint8_t{0});
+    if (nul == bytes.end()) {
+      mergeStatus(status, kTableMalformed, kSetLeavesTable);
+      return {};
+    }
+    position = nul + 1;
+  }
+  if (position == bytes.end() || *position == 0) {
+    mergeStatus(status, kTableMalformed, kStringEmpty);
+    return {};
+  }
+  const auto searched =
+      std::min(bytes.end() - position, ptrdiff_t{cZoSmBiosProvider::kMaxStringLength} + 1);
+  const auto nul = std::find(position, position + searched, uint8_t{0});
+  if (nul == position + searched) {
+    mergeStatus(status, kTableMalformed, kStringTooLong);
+    return {};
+  }
+  const void* const first = &*position;
+  return {static_cast<const char*>(first), static_cast<size_t>(nul - position)};
 }
 
 struct tCopySites {
@@ -191,15 +229,13 @@ void cZoSmBiosProvider::getString(tFieldId field, uint32_t instance, char* buffe
     return;
   }
   loadOnFirstUse(status);
-  switch (widthClassOf(field)) {
-    case tWidthClass::text:
-      getStructureString(field, instance, buffer, size, status);
-      break;
-    case tWidthClass::provider:
-      getVersion(field, instance, buffer, size, status);
-      break;
-    default:
-      mergeStatus(status, kFieldNotFound, kNumberReadAsString);
+  const tWidthClass width = widthClassOf(field);
+  if (width == tWidthClass::text) {
+    getStructureString(field, instance, buffer, size, status);
+  } else if (width == tWidthClass::provider) {
+    getVersion(field, instance, buffer, size, status);
+  } else {
+    mergeStatus(status, kFieldNotFound, kNumberReadAsString);
   }
 }
 
@@ -219,8 +255,7 @@ void cZoSmBiosProvider::getStructureString(tFieldId field, uint32_t instance, ch
     }
     return;
   }
-  const std::string_view text =
-      findString(table_, table_.stringSetOf(structure), number, kLongestString, status);
+  const std::string_view text = findString(table_, table_.stringSetOf(structure), number, status);
   if (!status.isError()) {
     copyText(text, buffer, size, {kStringBufferTooSmall, kStringWithoutBuffer}, status);
   }

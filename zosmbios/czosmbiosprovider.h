@@ -7,7 +7,6 @@
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
 #include "zoapal/protons/status/tstatus.h"
 #include "zosmbios/fieldid.h"
-#include "zosmbios/tstructureindex.h"
 #include "zosmbios/tstructuretable.h"
 
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
@@ -27,7 +26,7 @@ inline constexpr int32_t kNoTable = -240060;
 class cZoSmBiosProvider {
  public:
   static constexpr uint32_t kVersionTextCapacity = 256;
-  static constexpr uint32_t kLongestString = 128;
+  static constexpr uint32_t kMaxStringLength = 128;
 
   constexpr cZoSmBiosProvider() noexcept = default;
   cZoSmBiosProvider(const cZoSmBiosProvider&) = delete;

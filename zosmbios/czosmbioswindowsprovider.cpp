@@ -6,15 +6,15 @@
 #include <charconv>
 #include <cstring>
 
-#include "zosmbios/location.h"
-
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 namespace {
 
+using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
-constexpr auto kNoTableFromService = windowsProviderLocation(48);
-constexpr auto kUnexpectedTableSize = windowsProviderLocation(69);
+constexpr const char* kFile = "dep_mirror\\deps\\zosmbios\\includes\\czosmbioswindowsprovider";
+constexpr tSourceLocation kNoTableFromService{kFile, 48};
+constexpr tSourceLocation kUnexpectedTableSize{kFile, 69};
 constexpr DWORD kRawSmbios = 0x52534D42;  // 'RSMB'
 
 // The bytes before the structures in the service's answer.

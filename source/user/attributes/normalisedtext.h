@@ -18,7 +18,7 @@ enum class tSegments {
 // separated by commas the leading group of each is: "1:2,3:4" becomes "01:2,03:4".
 class tNormalisedText {
  public:
-  // `text` has at most cZoSmBiosProvider::kLongestString characters.
+  // `text` has at most cZoSmBiosProvider::kMaxStringLength characters.
   tNormalisedText(std::string_view text, tSegments segments) noexcept {
     text = text.substr(0, characters_.size() / 2);
     if (text.empty()) {
@@ -44,7 +44,7 @@ class tNormalisedText {
   void append(char character) noexcept { characters_[length_++] = character; }
 
   // In the worst case every character begins a group.
-  std::array<char, size_t{2} * nZOSMBIOS_1_1::cZoSmBiosProvider::kLongestString> characters_{};
+  std::array<char, size_t{2} * nZOSMBIOS_1_1::cZoSmBiosProvider::kMaxStringLength> characters_{};
   size_t length_ = 0;
 };
 

@@ -58,7 +58,7 @@ inline constexpr tPermissionFields kFirmwareUpdate{nZOSMBIOS_1_1::byteField(0x9E
   return support != 0 && protection < kFirstLocked;
 }
 
-// A complete text of the SMBIOS table. The provider returns no string of more than kLongestString
+// A complete text of the SMBIOS table. The provider returns no string of more than kMaxStringLength
 // characters, so that the text fits on the stack and nothing is allocated.
 class tProviderText {
  public:
@@ -75,7 +75,7 @@ class tProviderText {
   [[nodiscard]] std::string_view view() const noexcept { return characters_.data(); }
 
  private:
-  std::array<char, nZOSMBIOS_1_1::cZoSmBiosProvider::kLongestString + 1> characters_{};
+  std::array<char, nZOSMBIOS_1_1::cZoSmBiosProvider::kMaxStringLength + 1> characters_{};
   int32_t result_ = 0;
 };
 

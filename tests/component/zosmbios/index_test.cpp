@@ -10,7 +10,6 @@
 #include "tests/component/zosmbios/structureswalk.h"
 #include "tests/component/zosmbios/ttestprovider.h"
 #include "zosmbios/fieldid.h"
-#include "zosmbios/tstructureindex.h"
 #include "zosmbios/tstructuretable.h"
 
 namespace nTests {

@@ -9,7 +9,6 @@
 #include "tests/component/zosmbios/scannedbytes.h"
 #include "tests/component/zosmbios/ttestprovider.h"
 #include "zosmbios/fieldid.h"
-#include "zosmbios/tstructureindex.h"
 #include "zosmbios/tstructuretable.h"
 
 namespace nTests {

@@ -7,7 +7,7 @@
 #include "tests/component/protons/status/shortmemory.h"
 #include "tests/component/zosmbios/ttestprovider.h"
 #include "zosmbios/fieldid.h"
-#include "zosmbios/tstructureindex.h"
+#include "zosmbios/tstructuretable.h"
 
 namespace nTests {
 namespace {
