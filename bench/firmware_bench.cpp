@@ -16,7 +16,6 @@
 #include "bench/peers.h"
 #include "source/user/firmware/decoding/selection.h"
 #include "source/user/firmware/tfirmwareimageparser.h"
-#include "tests/builders/expensiveimages.h"
 #include "tests/builders/firmwareimagebuilder.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 

@@ -56,6 +56,18 @@ class tFirmwareSection {
 
 [[nodiscard]] std::string firmwareImage(const std::vector<tFirmwareSection>& sections);
 
+// ---- Images that take long to parse ----
+
+// An image whose sections share as much as the format allows. A parser that repeats a step for each
+// section sharing its result takes time quadratic in the size of the image.
+struct tExpensiveImage {
+  const char* name;
+  // Builds a valid image of `sections` sections; its size is proportional to their number.
+  std::string (*build)(size_t sections);
+};
+
+[[nodiscard]] std::span<const tExpensiveImage> expensiveImages();
+
 }  // namespace nTests
 
 #endif

@@ -12,7 +12,7 @@
 
 #include "quenra.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "tests/builders/referencetable.h"
+#include "tests/builders/smbiostablebuilder.h"
 
 #ifndef _WIN32
 #include "tests/fakewindows/fakewindowstest.h"

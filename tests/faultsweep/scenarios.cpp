@@ -15,7 +15,7 @@
 #include "simulator/control/tsimulatedmachine.h"
 #include "source/user/attributes/attributetables.h"
 #include "tests/builders/firmwareimagebuilder.h"
-#include "tests/builders/referencetable.h"
+#include "tests/builders/smbiostablebuilder.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/processes.h"
 

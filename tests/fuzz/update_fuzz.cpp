@@ -23,7 +23,7 @@
 #include "quenra.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "tests/builders/firmwareimagebuilder.h"
-#include "tests/builders/referencetable.h"
+#include "tests/builders/smbiostablebuilder.h"
 #include "tests/fakewindows/com.h"
 #include "tests/fakewindows/disk.h"
 #include "tests/fakewindows/faultplan.h"

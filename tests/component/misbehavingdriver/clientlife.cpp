@@ -14,7 +14,7 @@
 #include "quenra.h"
 #include "quenra_routing.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "tests/builders/referencetable.h"
+#include "tests/builders/smbiostablebuilder.h"
 #include "tests/component/misbehavingdriver/misbehavingdriver.h"
 #include "tests/fakewindows/com.h"
 #include "tests/fakewindows/faultplan.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/builders/referencetable.h"
+#include "tests/builders/smbiostablebuilder.h"
 #include "tests/component/user/readingtest.h"
 
 namespace nTests {

@@ -12,7 +12,7 @@
 #include "quenra.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "source/user/session/tcontrollerusersession.h"
-#include "tests/builders/referencetable.h"
+#include "tests/builders/smbiostablebuilder.h"
 #include "tests/fakewindows/fakewindowstest.h"
 #include "zosmbios/czosmbioswindowsprovider.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "source/user/attributes/attributes.h"
-#include "tests/builders/referencetable.h"
+#include "tests/builders/smbiostablebuilder.h"
 #include "tests/component/user/tscripteddriver.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zosmbios/czosmbiosprovider.h"

@@ -1,5 +1,5 @@
 // The memory of a parse: each allocation fails in turn; expensive images stay within a bound.
-#include "tests/builders/expensiveimages.h"
+#include "tests/builders/firmwareimagebuilder.h"
 #include "tests/component/user/firmware/parsertest.h"
 #include "tests/fakewindows/allocationplan.h"
 

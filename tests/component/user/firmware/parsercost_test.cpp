@@ -1,6 +1,6 @@
 // The work of a parse, counted in bytes that its kernels read, on images made to be expensive.
 #include "source/user/firmware/tsectionheaders.h"
-#include "tests/builders/expensiveimages.h"
+#include "tests/builders/firmwareimagebuilder.h"
 #include "tests/component/user/firmware/parsertest.h"
 
 namespace nTests {
