@@ -17,4 +17,9 @@ tTemporaryFolder::~tTemporaryFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
+void tTemporaryFolder::empty() const {
+  std::filesystem::remove_all(path_);
+  std::filesystem::create_directories(path_);
+}
+
 }  // namespace nTests

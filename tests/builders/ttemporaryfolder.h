@@ -15,7 +15,9 @@ class tTemporaryFolder {
   tTemporaryFolder(const tTemporaryFolder&) = delete;
   tTemporaryFolder& operator=(const tTemporaryFolder&) = delete;
 
-  const std::filesystem::path& path() const noexcept { return path_; }
+  [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
+  // Removes the contents.
+  void empty() const;
 
  private:
   std::filesystem::path path_;

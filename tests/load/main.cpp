@@ -3,9 +3,7 @@
 #include <cstdio>
 #include <string>
 
-#include "tests/load/routeload.h"
-#include "tests/load/routeworker.h"
-#include "tests/load/soak.h"
+#include "tests/load/loads.h"
 
 namespace {
 
@@ -17,28 +15,29 @@ int run(int argumentCount, char** arguments) {
 
   tRouteLoadPlan routes{10000, 0, 3, 1};
   CLI::App* const routesVerb =
-      app.add_subcommand("routes", "Routing sessions in two processes, which are killed at times");
-  routesVerb->add_option("--lives", routes.lives, "End when so many routes have lived");
-  routesVerb->add_option("--seconds", routes.seconds, "... or after this time");
-  routesVerb->add_option("--kill-every", routes.killsPer, "Seconds between two kills, on average");
-  routesVerb->add_option("--seed", routes.seed, "Of what is random");
+      app.add_subcommand("routes", "Routing sessions in two processes, which are killed at random");
+  routesVerb->add_option("--lives", routes.routes, "End after this number of routes");
+  routesVerb->add_option("--seconds", routes.seconds, "End after this time");
+  routesVerb->add_option("--kill-every", routes.killInterval,
+                         "Seconds between two kills, on average");
+  routesVerb->add_option("--seed", routes.seed, "Seed of the random numbers");
 
   tSoakPlan soak{300, 1};
-  CLI::App* const soakVerb =
-      app.add_subcommand("mixed", "Eight threads of everything there is to call");
-  soakVerb->add_option("--seconds", soak.seconds, "For how long");
-  soakVerb->add_option("--seed", soak.seed, "Of what is random");
+  CLI::App* const soakVerb = app.add_subcommand("mixed", "Eight threads that call all functions");
+  soakVerb->add_option("--seconds", soak.seconds, "Duration");
+  soakVerb->add_option("--seed", soak.seed, "Seed of the random numbers");
 
   std::string loadName;
   uint32_t worker = 0;
   uint64_t workerSeed = 0;
-  CLI::App* const workerVerb = app.add_subcommand("route-worker", "One of the two processes");
+  CLI::App* const workerVerb =
+      app.add_subcommand("route-worker", "One of the two processes of 'routes'");
   workerVerb->add_option("load", loadName)->required();
   workerVerb->add_option("worker", worker)->required();
   workerVerb->add_option("seed", workerSeed)->required();
 
   CLI::App* const lastVerb =
-      app.add_subcommand("take-every-line", "A client that takes every line at once");
+      app.add_subcommand("reserve-every-line", "A client that reserves every line simultaneously");
 
   CLI11_PARSE(app, argumentCount, arguments);
   if (*soakVerb) {
@@ -47,7 +46,7 @@ int run(int argumentCount, char** arguments) {
   if (*workerVerb) {
     return runRouteWorker(loadName, worker, workerSeed);
   }
-  return *lastVerb ? takeEveryLine() : runRouteLoad(routes);
+  return *lastVerb ? reserveEveryLine() : runRouteLoad(routes);
 }
 
 }  // namespace
@@ -57,6 +56,6 @@ int main(int argumentCount, char** arguments) {
     return run(argumentCount, arguments);
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "quenra_load: %s\n", failure.what());
-    return kPromiseBroken;
+    return kContractViolated;
   }
 }

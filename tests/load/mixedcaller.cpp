@@ -1,13 +1,23 @@
 #include "tests/load/mixedcaller.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
+#include "protocol/controllerrequests.h"
+#include "protocol/interfaces.h"
 #include "quenra.h"
-#include "tests/load/pendingcalls.h"
+#include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
+#include "zoapal/protons/driver/windowsu/tpendingrequest.h"
+#include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
 
 namespace nTests {
 namespace {
+
+using nQUENRA1400::nZOAPAL000::tDeviceInterfaceIterator;
+using nQUENRA1400::nZOAPAL000::tDeviceInterfaceProxy;
+using nQUENRA1400::nZOAPAL000::tPendingRequest;
+using nZOAPALS100::tStatus;
 
 constexpr uint32_t kTexts[] = {QUENRA_ATTRIBUTE_SYSTEM_MANUFACTURER,
                                QUENRA_ATTRIBUTE_PRODUCT_NAME,
@@ -30,22 +40,62 @@ constexpr uint32_t kNumbers[] = {QUENRA_ATTRIBUTE_CONTROLLER_KIND,
                                  QUENRA_ATTRIBUTE_DRIVER_SETTING_2 | QUENRA_SELECTOR_MARTEN,
                                  QUENRA_ATTRIBUTE_INTERFACES_PRESENT};
 constexpr uint32_t kUnknownAttribute = 0x7FFFFF00;
-constexpr uint64_t kTextRoom = 256;
-constexpr uint32_t kMostCallsOfAnOpening = 24;
-constexpr uint32_t kMostLivesOfASession = 4;
+constexpr uint64_t kTextCapacity = 256;
+constexpr uint32_t kMaxCallsPerOpening = 24;
+constexpr uint32_t kMaxRoutesPerSession = 4;
+
+void check(const tStatus& status, tFaults faults, const char* what) {
+  require(!status.isError() || faults == tFaults::anywhere,
+          std::string(what) + " returns " + std::to_string(status.code));
+}
+
+void callWhilePending(tDeviceInterfaceProxy& proxy, tFaults faults) {
+  tStatus status;
+  const tExchangeValuesRequest request{};
+  tExchangeValuesReply reply{};
+  proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &request, sizeof request, &reply, sizeof reply,
+                      status);
+  check(status, faults, "a call during a pending request");
+}
+
+// Opens a channel to the controller's driver, begins requests that stay pending, makes another call
+// meanwhile, and ends most of them; closing the channel ends the rest. Returns the number begun.
+uint32_t beginPendingRequests(tRandom& random, tFaults faults) {
+  constexpr uint64_t kWide = uint64_t{5} << 32;
+  tStatus status;
+  tDeviceInterfaceProxy proxy;
+  tDeviceInterfaceIterator iterator(kControllerInterfaceClass, status);
+  iterator.openCurrent(proxy, status);
+  check(status, faults, "opening the channel");
+  std::array<tPendingRequest, 3> requests;
+  uint32_t begun = 0;
+  for (tPendingRequest& request : requests) {
+    tStatus own;
+    const uint64_t b = random.oneIn(2) ? kWide : random.below(100);
+    begun += proxy.beginPendingRequest(1, b, 3, request, own) != 0 ? 1 : 0;
+    check(own, faults, "beginning a pending request");
+    callWhilePending(proxy, faults);
+  }
+  for (tPendingRequest& request : requests) {
+    if (!random.oneIn(4)) {
+      proxy.endPendingRequest(request);
+    }
+  }
+  return begun;
+}
 
 }  // namespace
 
 bool tMixedCaller::check(int32_t code, const char* what) {
   if (code < 0) {
     require(work_.route.faults == tFaults::anywhere,
-            std::string(what) + " gives " + std::to_string(code));
+            std::string(what) + " returns " + std::to_string(code));
     ++work_.tally->failures;
   }
   return code >= 0;
 }
 
-void tMixedCaller::doSomething() {
+void tMixedCaller::performRandomOperation() {
   enter(tStep::betweenSteps);
   switch (random_.below(8)) {
     case 0:
@@ -53,7 +103,7 @@ void tMixedCaller::doSomething() {
     case 1:
       return usePendingRequests();
     case 2:
-      return askForThePath();
+      return readDevicePath();
     default:
       return useController();
   }
@@ -63,12 +113,12 @@ void tMixedCaller::useController() {
   enter(tStep::openController);
   uint64_t handle = 0;
   if (!check(QUENRA_openController(&handle), "opening the controller")) {
-    require(handle == 0, "a failed opening gives no handle");
+    require(handle == 0, "a failed open returns no handle");
     return;
   }
-  require(handle == QUENRA_HANDLE, "there is one handle");
+  require(handle == QUENRA_HANDLE, "the handle is QUENRA_HANDLE");
   ++work_.tally->opens;
-  for (uint32_t calls = random_.below(kMostCallsOfAnOpening); calls != 0; --calls) {
+  for (uint32_t calls = random_.below(kMaxCallsPerOpening); calls != 0; --calls) {
     useOpenController();
   }
   enter(tStep::closeController);
@@ -86,7 +136,7 @@ void tMixedCaller::useOpenController() {
     case 3:
       return readOtherTypes();
     case 4:
-      return misuse();
+      return passInvalidArguments();
     case 5:
       return update();
     case 6:
@@ -101,13 +151,13 @@ void tMixedCaller::useOpenController() {
 void tMixedCaller::readText() {
   enter(tStep::readAttribute);
   // Exactly the size passed to the library, so that an overrun by one byte is detected.
-  std::vector<char> buffer(kTextRoom, '#');
+  std::vector<char> buffer(kTextCapacity, '#');
   uint64_t size = buffer.size();
   if (check(QUENRA_getAttributeUTF8(QUENRA_HANDLE, random_.oneOf(kTexts), buffer.data(), &size),
             "reading a text")) {
     require(std::find(buffer.begin(), buffer.end(), '\0') != buffer.end() ||
                 work_.route.faults == tFaults::anywhere,
-            "a text ends");
+            "a text has a NUL");
   }
   ++work_.tally->reads;
 }
@@ -126,11 +176,11 @@ void tMixedCaller::readOtherTypes() {
   require(QUENRA_getAttributeI32(QUENRA_HANDLE, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, &number) ==
                   QUENRA_STATUS_NOT_SUPPORTED &&
               number == 7,
-          "there is no signed attribute");
+          "no attribute is signed");
   require(QUENRA_getAttributeDBL(QUENRA_HANDLE, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, &fraction) ==
                   QUENRA_STATUS_NOT_SUPPORTED &&
               fraction == 7,
-          "there is no floating-point attribute");
+          "no attribute is a floating-point number");
   ++work_.tally->others;
 }
 
@@ -145,7 +195,7 @@ void tMixedCaller::writeUnsigned() {
 
 void tMixedCaller::writeText() {
   enter(tStep::writeAttribute);
-  const std::string text(random_.below(kTextRoom), 'x');
+  const std::string text(random_.below(kTextCapacity), 'x');
   check(QUENRA_setAttributeUTF8(QUENRA_HANDLE, QUENRA_TEXT_SETTING_OF_BOTH, text.c_str()),
         "writing a text");
   ++work_.tally->writes;
@@ -168,54 +218,54 @@ void tMixedCaller::update() {
   ++work_.tally->updates;
 }
 
-void tMixedCaller::misuse() {
+void tMixedCaller::passInvalidArguments() {
   enter(tStep::readAttribute);
   uint32_t value = 7;
   uint64_t none = 0;
   require(QUENRA_getAttributeU32(0, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, &value) ==
                   QUENRA_STATUS_INVALID_HANDLE &&
               value == 7,
-          "a wrong handle is told");
+          "a wrong handle is reported");
   require(QUENRA_getAttributeU32(QUENRA_HANDLE, kUnknownAttribute, &value) < 0,
-          "an unknown attribute is told");
+          "an unknown attribute is reported");
   require(QUENRA_getAttributeU32(QUENRA_HANDLE, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, nullptr) ==
               QUENRA_STATUS_INVALID_PARAMETER,
-          "a null pointer is told");
+          "a null pointer is reported");
   require(QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_PRODUCT_NAME, nullptr, &none) < 0,
-          "a text needs room");
+          "a text needs a buffer");
   require(QUENRA_setAttributeUTF8(QUENRA_HANDLE, QUENRA_TEXT_SETTING_OF_BOTH,
-                                  std::string(kTextRoom, 'x').c_str()) < 0,
-          "a text that is too long is told");
+                                  std::string(kTextCapacity, 'x').c_str()) < 0,
+          "a text that is too long is reported");
   require(QUENRA_updateFirmware2(QUENRA_HANDLE, "HeaderVersion::9", 16, 1) < 0,
-          "a malformed image is told");
+          "a malformed image is reported");
   ++work_.tally->others;
 }
 
 void tMixedCaller::useRoutes() {
   tRouteClient client(work_.route);
-  for (uint32_t lives = random_.below(kMostLivesOfASession); lives != 0; --lives) {
-    client.liveOnce();
+  for (uint32_t routes = random_.below(kMaxRoutesPerSession); routes != 0; --routes) {
+    client.useRoute();
   }
   if (random_.oneIn(4)) {
-    client.lookAtTerminals();
+    client.iterateTerminals();
   }
   if (random_.oneIn(4)) {
-    client.leaveARouteBehind();
+    client.abandonRoute();
   }
   client.end();
 }
 
 void tMixedCaller::usePendingRequests() {
   enter(tStep::pendingRequest);
-  work_.tally->pendings += usePendingRequestsOnce(random_, work_.route.faults);
+  work_.tally->pendings += beginPendingRequests(random_, work_.route.faults);
 }
 
-void tMixedCaller::askForThePath() {
+void tMixedCaller::readDevicePath() {
   enter(tStep::readAttribute);
-  std::vector<char> buffer(kTextRoom);
+  std::vector<char> buffer(kTextCapacity);
   uint64_t size = buffer.size();
   check(QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_DEVICE_PATH, buffer.data(), &size),
-        "asking for the device path");
+        "reading the device path");
   ++work_.tally->reads;
 }
 

@@ -29,20 +29,20 @@ struct tMixedWork {
   bool updatesAreCheap;                    // otherwise updates are rare
 };
 
-// The calls of one thread. Throws tBrokenPromise if a contract is violated.
+// The calls of one thread. Throws tContractViolation if a contract is violated.
 class tMixedCaller {
  public:
   explicit tMixedCaller(const tMixedWork& work) : work_(work), random_(*work.route.random) {}
 
   // Performs a random complete operation. Nothing is open before and after it.
-  void doSomething();
+  void performRandomOperation();
 
  private:
   void useController();
   void useOpenController();
   void useRoutes();
   void usePendingRequests();
-  void askForThePath();
+  void readDevicePath();
 
   void readText();
   void readUnsigned();
@@ -51,7 +51,7 @@ class tMixedCaller {
   void writeText();
   void selfTest();
   void update();
-  void misuse();
+  void passInvalidArguments();
 
   void enter(tStep step) { work_.route.progress->enter(step); }
   // Throws if the call failed and no faults are injected. True if the call succeeded.

@@ -1,5 +1,3 @@
-#include "tests/load/processsample.h"
-
 #include <windows.h>
 // winternl.h requires windows.h.
 #include <winternl.h>
@@ -14,12 +12,14 @@
 #include <system_error>
 #include <vector>
 
+#include "tests/load/soaktable.h"
+
 namespace nTests {
 namespace {
 
 constexpr std::wstring_view kDriverProcess = L"winedevice.exe";
-constexpr uint64_t kBytesOfAKib = 1024;
-constexpr size_t kFirstRoom = 64 * 1024;
+constexpr uint64_t kBytesPerKib = 1024;
+constexpr size_t kInitialCapacity = 64 * 1024;
 
 using tProcess = SYSTEM_PROCESS_INFORMATION;
 
@@ -39,7 +39,7 @@ struct tHandleList {
 
 std::vector<std::byte> systemInformation(SYSTEM_INFORMATION_CLASS kind) {
   constexpr NTSTATUS kLengthMismatch = static_cast<NTSTATUS>(0xC0000004);
-  std::vector<std::byte> bytes(kFirstRoom);
+  std::vector<std::byte> bytes(kInitialCapacity);
   for (;;) {
     ULONG needed = 0;
     const NTSTATUS status =
@@ -48,7 +48,7 @@ std::vector<std::byte> systemInformation(SYSTEM_INFORMATION_CLASS kind) {
       return bytes;
     }
     if (status != kLengthMismatch) {
-      throw std::system_error(status, std::system_category(), "what the system has");
+      throw std::system_error(status, std::system_category(), "NtQuerySystemInformation");
     }
     bytes.resize(bytes.size() * 2);
   }
@@ -78,12 +78,12 @@ uint32_t handlesOf(uintptr_t process) {
 // The name of the handle's type.
 std::string kindOf(HANDLE handle) {
   constexpr auto kObjectTypeInformation = static_cast<OBJECT_INFORMATION_CLASS>(2);
-  alignas(UNICODE_STRING) std::array<std::byte, 1024> room{};
+  alignas(UNICODE_STRING) std::array<std::byte, 1024> buffer{};
   ULONG needed = 0;
-  if (NtQueryObject(handle, kObjectTypeInformation, room.data(), room.size(), &needed) < 0) {
+  if (NtQueryObject(handle, kObjectTypeInformation, buffer.data(), buffer.size(), &needed) < 0) {
     return "unknown";
   }
-  const auto& name = *reinterpret_cast<const UNICODE_STRING*>(room.data());
+  const auto& name = *reinterpret_cast<const UNICODE_STRING*>(buffer.data());
   // Type names are ASCII.
   const std::wstring_view wide(name.Buffer, name.Length / sizeof(wchar_t));
   std::string kind(wide.size(), ' ');
@@ -93,7 +93,7 @@ std::string kindOf(HANDLE handle) {
 }
 
 template <class Condition>
-tProcessSample sumOfThose(Condition belongs) {
+tProcessSample sumOver(Condition belongs) {
   tProcessSample sum{};
   const std::vector<std::byte> bytes = systemInformation(SystemProcessInformation);
   size_t offset = 0;
@@ -101,7 +101,7 @@ tProcessSample sumOfThose(Condition belongs) {
     const auto& process = *reinterpret_cast<const tProcess*>(bytes.data() + offset);
     if (belongs(process)) {
       sum.handles += handlesOf(reinterpret_cast<uintptr_t>(process.UniqueProcessId));
-      sum.privateKib += process.VirtualMemoryCounters.PagefileUsage / kBytesOfAKib;
+      sum.privateKib += process.VirtualMemoryCounters.PagefileUsage / kBytesPerKib;
     }
     step = process.NextEntryOffset;
   }
@@ -112,15 +112,15 @@ tProcessSample sumOfThose(Condition belongs) {
 
 tProcessSample sampleThisProcess() {
   const auto own = static_cast<uintptr_t>(GetCurrentProcessId());
-  return sumOfThose([own](const tProcess& process) {
+  return sumOver([own](const tProcess& process) {
     return reinterpret_cast<uintptr_t>(process.UniqueProcessId) == own;
   });
 }
 
 tHeapSample sampleHeaps() {
-  constexpr DWORD kMostHeaps = 64;
-  std::array<HANDLE, kMostHeaps> heaps{};
-  const DWORD count = std::min(GetProcessHeaps(kMostHeaps, heaps.data()), kMostHeaps);
+  constexpr DWORD kMaxHeaps = 64;
+  std::array<HANDLE, kMaxHeaps> heaps{};
+  const DWORD count = std::min(GetProcessHeaps(kMaxHeaps, heaps.data()), kMaxHeaps);
   tHeapSample sample{};
   for (HANDLE heap : std::span(heaps).first(count)) {
     PROCESS_HEAP_ENTRY entry{};
@@ -145,7 +145,7 @@ tHandleCounts countHandles() {
 }
 
 tProcessSample sampleDriverProcesses() {
-  return sumOfThose(isDriver);
+  return sumOver(isDriver);
 }
 
 }  // namespace nTests

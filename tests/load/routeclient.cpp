@@ -1,9 +1,12 @@
 #include "tests/load/routeclient.h"
 
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <string_view>
 #include <thread>
+
+#include "quenra.h"
 
 namespace nTests {
 namespace {
@@ -12,10 +15,19 @@ constexpr const char* kTerminals[] = {"TRIG_SMB",  "PXI_Trig0", "PXI_Trig1",
                                       "PXI_Trig2", "PXI_Trig3", "PXI_Trig4",
                                       "PXI_Trig5", "PXI_Trig6", "PXI_Trig7"};
 constexpr int32_t kDemoted = 101;
-constexpr auto kLongestNotice = std::chrono::seconds(20);
+constexpr auto kNoticeTimeout = std::chrono::seconds(20);
 constexpr auto kPause = std::chrono::milliseconds(1);
 
 }  // namespace
+
+std::string routingDevicePath() {
+  std::array<char, 256> path{};
+  uint64_t size = path.size();
+  const int32_t code =
+      QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_DEVICE_PATH, path.data(), &size);
+  require(code == 0, "reading the device path returns " + std::to_string(code));
+  return path.data();
+}
 
 tRouteClient::tRouteClient(const tRouteWork& work) : work_(work) {
   createSession();
@@ -27,20 +39,20 @@ tRouteClient::~tRouteClient() {
   std::free(output_);
 }
 
-void tRouteClient::takeDemotion(void* context, int32_t reason, zoerr_Status* status,
-                                void* notification) {
+void tRouteClient::receiveDemotion(void* context, int32_t reason, zoerr_Status* status,
+                                   void* notification) {
   auto& self = *static_cast<tRouteClient*>(context);
   ++self.inside_;
   if (self.isEnded_ || reason != kDemoted || status == nullptr || status->code != 0 ||
       notification == nullptr) {
-    self.wasToldWrongly_ = true;
+    self.wasCallbackInvalid_ = true;
   }
-  ++self.heard_;
-  ++self.work_.tally->heard;
+  ++self.delivered_;
+  ++self.work_.tally->delivered;
   --self.inside_;
 }
 
-char* tRouteClient::giveRoom(char* current, size_t required, const char*, size_t) {
+char* tRouteClient::reallocate(char* current, size_t required, const char*, size_t) {
   return static_cast<char*>(std::realloc(current, required));
 }
 
@@ -50,18 +62,18 @@ bool tRouteClient::succeeded(const char* what, int32_t expected) {
   zoerr_Status_release(&status_);
   status_ = zoerr_Status_initial();
   require(code >= 0 || code == expected || work_.faults == tFaults::anywhere,
-          std::string(what) + " gives " + std::to_string(code) + " " + description);
+          std::string(what) + " returns " + std::to_string(code) + " " + description);
   work_.tally->failures += code < 0 && code != expected ? 1 : 0;
   return code >= 0;
 }
 
 void tRouteClient::createSession() {
   work_.progress->enter(tStep::createSession);
-  session_ = zoroco_ra_quenra_createSessionWithDemotionFunc(work_.devicePath.c_str(), &giveRoom,
-                                                            &takeDemotion, this, &status_);
-  const bool isThere = session_ != nullptr;
-  require(succeeded("creating a session") == isThere, "a session comes with success only");
-  work_.tally->sessions += isThere ? 1 : 0;
+  session_ = zoroco_ra_quenra_createSessionWithDemotionFunc(work_.devicePath.c_str(), &reallocate,
+                                                            &receiveDemotion, this, &status_);
+  const bool isCreated = session_ != nullptr;
+  require(succeeded("creating a session") == isCreated, "a session is returned on success only");
+  work_.tally->sessions += isCreated ? 1 : 0;
 }
 
 void tRouteClient::end() {
@@ -70,7 +82,7 @@ void tRouteClient::end() {
   session_ = nullptr;
   require(inside_ == 0, "a callback still runs after its session was destroyed");
   isEnded_ = true;
-  require(!wasToldWrongly_, "a callback was told something wrong");
+  require(!wasCallbackInvalid_, "a callback received invalid arguments");
 }
 
 uint32_t tRouteClient::calculate() {
@@ -87,7 +99,7 @@ uint32_t tRouteClient::calculate() {
   const bool done = succeeded("calculating a route");
   const std::string answer = done && output_ != nullptr ? output_ : "";
   if (answer.substr(0, kStart.size()) != kStart) {
-    require(work_.faults == tFaults::anywhere, "there is no route but " + answer);
+    require(work_.faults == tFaults::anywhere, "expected a route, not " + answer);
     return 0;
   }
   return static_cast<uint32_t>(std::stoul(answer.substr(kStart.size())));
@@ -117,9 +129,9 @@ bool tRouteClient::program(uint32_t ticket) {
 void tRouteClient::checkPath(uint32_t ticket) {
   work_.progress->enter(tStep::path);
   zoroco_ra_quenra_getRouteTerminalPath(session_, ticket, &output_, &status_);
-  if (succeeded("asking for a path") && work_.faults == tFaults::none) {
-    const std::string wanted = R"([")" + from_ + R"(",")" + to_ + R"("])";
-    require(output_ == wanted, "the path is " + wanted + ", not " + output_);
+  if (succeeded("reading a path") && work_.faults == tFaults::none) {
+    const std::string expected = R"([")" + from_ + R"(",")" + to_ + R"("])";
+    require(output_ == expected, "the path is " + expected + ", not " + output_);
   }
 }
 
@@ -133,30 +145,30 @@ void tRouteClient::demote(uint32_t ticket) {
   }
 }
 
-void tRouteClient::hearOfDemotion(uint64_t heardBefore) {
+void tRouteClient::awaitDemotion(uint64_t deliveredBefore) {
   if (work_.faults == tFaults::anywhere) {
     return;
   }
-  work_.progress->enter(tStep::hearDemotion);
+  work_.progress->enter(tStep::awaitDemotion);
   ++work_.tally->awaited;
-  const auto deadline = std::chrono::steady_clock::now() + kLongestNotice;
-  while (heard_ == heardBefore) {
-    require(std::chrono::steady_clock::now() < deadline, "a demotion is not heard of");
+  const auto deadline = std::chrono::steady_clock::now() + kNoticeTimeout;
+  while (delivered_ == deliveredBefore) {
+    require(std::chrono::steady_clock::now() < deadline, "a demotion is not delivered");
     std::this_thread::sleep_for(kPause);
   }
 }
 
-void tRouteClient::takeDown(uint32_t ticket) {
+void tRouteClient::tearDown(uint32_t ticket) {
   work_.progress->enter(tStep::unprogram);
   zoroco_ra_quenra_unprogramRoute(session_, ticket, 0, 0);
   work_.progress->enter(tStep::unreserve);
   zoroco_ra_quenra_unreserveRoute(session_, ticket, 0, 0);
   work_.progress->enter(tStep::destroyRoute);
   zoroco_ra_quenra_destroyRoute(session_, ticket, 0, 0);
-  ++work_.tally->lives;
+  ++work_.tally->routes;
 }
 
-void tRouteClient::liveOnce() {
+void tRouteClient::useRoute() {
   if (session_ == nullptr) {
     return;
   }
@@ -164,7 +176,7 @@ void tRouteClient::liveOnce() {
   if (ticket == 0) {
     return;
   }
-  const uint64_t heardBefore = heard_;
+  const uint64_t deliveredBefore = delivered_;
   if (reserve(ticket)) {
     bool isDemoted = !program(ticket);
     checkPath(ticket);
@@ -175,13 +187,13 @@ void tRouteClient::liveOnce() {
       std::this_thread::sleep_for(kPause);
     }
     if (isDemoted) {
-      hearOfDemotion(heardBefore);
+      awaitDemotion(deliveredBefore);
     }
   }
-  takeDown(ticket);
+  tearDown(ticket);
 }
 
-void tRouteClient::leaveARouteBehind() {
+void tRouteClient::abandonRoute() {
   if (session_ == nullptr) {
     return;
   }
@@ -190,31 +202,32 @@ void tRouteClient::leaveARouteBehind() {
     if (work_.random->oneIn(2)) {
       program(ticket);
     }
-    ++work_.tally->leftBehind;
+    ++work_.tally->abandoned;
   }
 }
 
-void tRouteClient::lookAtTerminals() {
+void tRouteClient::iterateTerminals() {
   if (session_ == nullptr) {
     return;
   }
   work_.progress->enter(tStep::terminals);
-  zoroco_TerminalIterator* const walk = zoroco_ra_quenra_getAllTerminals(session_, &status_, 0);
+  zoroco_TerminalIterator* const iterator = zoroco_ra_quenra_getAllTerminals(session_, &status_, 0);
   uint32_t count = 0;
-  if (succeeded("walking over the terminals")) {
-    for (; !zoroco_ra_quenra_TerminalIterator_isEnd(walk); ++count) {
+  if (succeeded("iterating over the terminals")) {
+    for (; !zoroco_ra_quenra_TerminalIterator_isEnd(iterator); ++count) {
       const char* const name =
-          zoroco_ra_quenra_TerminalIterator_getStringAttribute(walk, "name", &status_);
+          zoroco_ra_quenra_TerminalIterator_getStringAttribute(iterator, "name", &status_);
       require(succeeded("naming a terminal") && name != nullptr, "every terminal has a name");
-      zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(session_, walk, "default", &status_);
-      succeeded("asking what resetting does");
-      zoroco_ra_quenra_TerminalIterator_next(walk, &status_);
-      require(succeeded("going on"), "a walk goes on");
+      zoroco_ra_quenra_TerminalIterator_calculateResetTerminal(session_, iterator, "default",
+                                                               &status_);
+      succeeded("calculating a reset");
+      zoroco_ra_quenra_TerminalIterator_next(iterator, &status_);
+      require(succeeded("moving to the next terminal"), "an iteration continues");
     }
     require(count == 11 || work_.faults == tFaults::anywhere,
             "there are 11 terminals, not " + std::to_string(count));
   }
-  zoroco_ra_quenra_TerminalIterator_destroy(walk);
+  zoroco_ra_quenra_TerminalIterator_destroy(iterator);
 }
 
 }  // namespace nTests

@@ -8,21 +8,22 @@
 
 #include "quenra_routing.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "tests/load/brokenpromise.h"
-#include "tests/load/tprogress.h"
-#include "tests/load/trandom.h"
+#include "tests/load/loadthread.h"
 
 namespace nTests {
+
+// The path of the routing device, as the library returns it.
+[[nodiscard]] std::string routingDevicePath();
 
 // A thread's counts of route operations. May be in zero-initialised shared memory.
 struct tRouteTally {
   std::atomic<uint64_t> sessions;
-  std::atomic<uint64_t> lives;      // routes that were calculated and destroyed
+  std::atomic<uint64_t> routes;     // calculated and destroyed
   std::atomic<uint64_t> conflicts;  // rejected reservations
-  std::atomic<uint64_t> heard;      // demotions delivered to a callback
+  std::atomic<uint64_t> delivered;  // demotions delivered to a callback
   std::atomic<uint64_t> awaited;    // certain demotions whose delivery was awaited
-  std::atomic<uint64_t> leftBehind;
-  std::atomic<uint64_t> failures;  // permitted failures
+  std::atomic<uint64_t> abandoned;  // routes left to the driver
+  std::atomic<uint64_t> failures;   // permitted failures
 };
 
 // The faults that a client permits.
@@ -41,7 +42,7 @@ struct tRouteWork {
   tFaults faults = tFaults::none;
 };
 
-// A session that uses one route after another. Throws tBrokenPromise if a contract is violated.
+// A session that uses one route after another. Throws tContractViolation if a contract is violated.
 class tRouteClient {
  public:
   explicit tRouteClient(const tRouteWork& work);
@@ -50,17 +51,18 @@ class tRouteClient {
   ~tRouteClient();
 
   // Calculates, reserves and programs a route, and tears it down.
-  void liveOnce();
+  void useRoute();
   // Leaves a reserved or programmed route to the driver. Only end() may follow.
-  void leaveARouteBehind();
+  void abandonRoute();
   // Iterates over the terminals.
-  void lookAtTerminals();
+  void iterateTerminals();
   // Destroys the session and checks that no callback runs afterwards.
   void end();
 
  private:
-  static void takeDemotion(void* context, int32_t reason, zoerr_Status* status, void* notification);
-  static char* giveRoom(char* current, size_t required, const char* text, size_t requiredAgain);
+  static void receiveDemotion(void* context, int32_t reason, zoerr_Status* status,
+                              void* notification);
+  static char* reallocate(char* current, size_t required, const char* text, size_t requiredAgain);
 
   // True if the last call succeeded; resets the status. Throws if the call failed with a code other
   // than `expected` and no faults are injected.
@@ -72,8 +74,8 @@ class tRouteClient {
   bool program(uint32_t ticket);
   void checkPath(uint32_t ticket);
   void demote(uint32_t ticket);
-  void hearOfDemotion(uint64_t heardBefore);
-  void takeDown(uint32_t ticket);
+  void awaitDemotion(uint64_t deliveredBefore);
+  void tearDown(uint32_t ticket);
 
   tRouteWork work_;
   zoroco_RoutingAdaptorSession* session_ = nullptr;
@@ -81,10 +83,10 @@ class tRouteClient {
   char* output_ = nullptr;
   std::string from_;
   std::string to_;
-  std::atomic<uint64_t> heard_ = 0;
+  std::atomic<uint64_t> delivered_ = 0;
   std::atomic<int> inside_ = 0;
   std::atomic<bool> isEnded_ = false;
-  std::atomic<bool> wasToldWrongly_ = false;
+  std::atomic<bool> wasCallbackInvalid_ = false;
 };
 
 }  // namespace nTests

@@ -1,17 +1,18 @@
-#include "tests/load/routeload.h"
+#include <windows.h>
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 
-#include "tests/load/balance.h"
+#include "tests/load/drivercontrol.h"
+#include "tests/load/loads.h"
 #include "tests/load/sharedload.h"
-#include "tests/load/watchdog.h"
-#include "tests/load/workerprocess.h"
 
 namespace nTests {
 namespace {
@@ -21,21 +22,68 @@ using nSimulator::tSimulatedMachine;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr auto kPatience = seconds(40);
-constexpr auto kLook = milliseconds(50);
-constexpr auto kProgress = seconds(5);
-constexpr uint32_t kLongestPauseOfTheDemoter = 8;  // milliseconds
+constexpr auto kStuckTimeout = seconds(40);
+constexpr auto kPollInterval = milliseconds(50);
+constexpr auto kProgressInterval = seconds(5);
+constexpr uint32_t kMaxDemoterPause = 8;  // milliseconds
 
 struct tStuck {};
 
 // The sums of all threads' tallies.
 struct tRouteTotals {
   uint64_t sessions = 0;
-  uint64_t lives = 0;
+  uint64_t routes = 0;
   uint64_t conflicts = 0;
-  uint64_t heard = 0;
+  uint64_t delivered = 0;
   uint64_t awaited = 0;
-  uint64_t leftBehind = 0;
+  uint64_t abandoned = 0;
+};
+
+// Another process of this program.
+class tWorkerProcess {
+ public:
+  // `arguments` follow the program's name; standard output and error are this process's own.
+  explicit tWorkerProcess(const std::string& arguments) {
+    std::array<char, MAX_PATH> program{};
+    GetModuleFileNameA(nullptr, program.data(), program.size());
+    std::string commandLine = '"' + std::string(program.data()) + "\" " + arguments;
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    if (!CreateProcessA(program.data(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                        nullptr, &startup, &process_)) {
+      throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                              commandLine);
+    }
+  }
+  tWorkerProcess(const tWorkerProcess&) = delete;
+  tWorkerProcess& operator=(const tWorkerProcess&) = delete;
+  // Kills the process if it still runs.
+  ~tWorkerProcess() {
+    if (!hasEnded()) {
+      kill();
+    }
+    CloseHandle(process_.hThread);
+    CloseHandle(process_.hProcess);
+  }
+
+  // Kills the process and waits for its end.
+  void kill() {
+    constexpr UINT kKilled = 9;
+    TerminateProcess(process_.hProcess, kKilled);
+    WaitForSingleObject(process_.hProcess, INFINITE);
+  }
+  [[nodiscard]] bool hasEnded() const {
+    return WaitForSingleObject(process_.hProcess, 0) == WAIT_OBJECT_0;
+  }
+  // The process must have ended.
+  [[nodiscard]] DWORD exitCode() const {
+    DWORD code = 0;
+    GetExitCodeProcess(process_.hProcess, &code);
+    return code;
+  }
+
+ private:
+  PROCESS_INFORMATION process_{};
 };
 
 // Demotes random routes of all sessions.
@@ -44,24 +92,12 @@ class tDemoter {
   explicit tDemoter(uint64_t seed)
       : random_(seed), thread_([this](const std::stop_token& stop) {
           while (!stop.stop_requested()) {
-            demoteOne();
-            std::this_thread::sleep_for(milliseconds(random_.below(kLongestPauseOfTheDemoter)));
+            demoteRandomRoute(machine_, random_);
+            std::this_thread::sleep_for(milliseconds(random_.below(kMaxDemoterPause)));
           }
         }) {}
 
  private:
-  void demoteOne() {
-    const auto routes = machine_.routes();
-    if (routes.empty()) {
-      return;
-    }
-    try {
-      machine_.demoteRoute(routes[random_.below(static_cast<uint32_t>(routes.size()))].ticket);
-    } catch (const nSimulator::tControlError&) {
-      // The route holds no line or no longer exists.
-    }
-  }
-
   tRandom random_;
   tSimulatedMachine machine_;
   std::jthread thread_;
@@ -76,14 +112,14 @@ class tRouteLoad {
         shared_(name_),
         load_(shared_.load()) {
     for (uint32_t worker = 0; worker < kWorkers; ++worker) {
-      for (size_t i = 0; i < kThreadsOfAWorker; ++i) {
+      for (size_t i = 0; i < kThreadsPerWorker; ++i) {
         watchdog_.watch("process " + std::to_string(worker) + " thread " + std::to_string(i),
                         load_.workers[worker][i].progress);
       }
     }
   }
 
-  // Throws tStuck and tBrokenPromise.
+  // Throws tStuck and tContractViolation.
   void run() {
     for (uint32_t worker = 0; worker < kWorkers; ++worker) {
       startWorker(worker);
@@ -92,34 +128,34 @@ class tRouteLoad {
     std::optional<tDemoter> demoter(random_.next());
     const auto start = tClock::now();
     auto nextKill = timeOfNextKill();
-    auto nextProgress = start + kProgress;
+    auto nextProgress = start + kProgressInterval;
     while (!isOver(start)) {
-      look();
-      if (plan_.killsPer != 0 && tClock::now() >= nextKill) {
+      poll();
+      if (plan_.killInterval != 0 && tClock::now() >= nextKill) {
         killOne();
         nextKill = timeOfNextKill();
       }
       if (tClock::now() >= nextProgress) {
-        tellProgress(start);
-        nextProgress += kProgress;
+        printProgress(start);
+        nextProgress += kProgressInterval;
       }
     }
     finish();
     demoter.reset();
     duration_ = tClock::now() - start;
     demotions_ = tSimulatedMachine().counters().reservationsDemoted - demotedBefore;
-    checkTheDriver();
+    checkDriver();
   }
 
   void report() const {
     const tRouteTotals all = sum();
     std::printf("lives %llu\nsessions %llu\nconflicts %llu\ndemotions %llu\nheard %llu\n",
-                number(all.lives), number(all.sessions), number(all.conflicts), number(demotions_),
-                number(all.heard));
-    std::printf("left-behind %llu\nkills %llu\nseconds %.1f\n", number(all.leftBehind),
+                number(all.routes), number(all.sessions), number(all.conflicts), number(demotions_),
+                number(all.delivered));
+    std::printf("left-behind %llu\nkills %llu\nseconds %.1f\n", number(all.abandoned),
                 number(kills_), duration_.count());
   }
-  [[nodiscard]] std::string whereTheThreadsStand() const { return watchdog_.report(); }
+  [[nodiscard]] std::string threadReport() const { return watchdog_.report(); }
 
  private:
   static unsigned long long number(uint64_t value) { return value; }
@@ -130,20 +166,21 @@ class tRouteLoad {
                                          ' ' + std::to_string(random_.next()));
   }
   [[nodiscard]] tClock::time_point timeOfNextKill() {
-    return tClock::now() + milliseconds(200 + random_.below(2000 * plan_.killsPer + 1));
+    return tClock::now() + milliseconds(200 + random_.below(2000 * plan_.killInterval + 1));
   }
   [[nodiscard]] bool isOver(tClock::time_point start) const {
-    return load_.shallEnd != 0 || sum().lives >= plan_.lives ||
+    return load_.isEndRequested != 0 || sum().routes >= plan_.routes ||
            (plan_.seconds != 0 && tClock::now() - start >= seconds(plan_.seconds));
   }
-  void look() {
-    std::this_thread::sleep_for(kLook);
-    if (watchdog_.seesAStuckThread()) {
+  // Throws if a thread is stuck or a process has ended unexpectedly.
+  void poll() {
+    std::this_thread::sleep_for(kPollInterval);
+    if (watchdog_.hasStuckThread()) {
       throw tStuck{};
     }
     for (uint32_t worker = 0; worker < kWorkers; ++worker) {
-      require(!workers_[worker]->hasEnded() || load_.shallEnd != 0,
-              "process " + std::to_string(worker) + " has ended by itself with exit code " +
+      require(!workers_[worker]->hasEnded() || load_.isEndRequested != 0,
+              "process " + std::to_string(worker) + " has ended unexpectedly with exit code " +
                   std::to_string(workers_[worker]->exitCode()));
     }
   }
@@ -154,43 +191,43 @@ class tRouteLoad {
     startWorker(worker);
   }
   void finish() {
-    load_.shallEnd = 1;
+    load_.isEndRequested = 1;
     for (auto& worker : workers_) {
       while (!worker->hasEnded()) {
-        look();
+        poll();
       }
     }
     require(load_.hasFailed == 0, load_.failure.data());
   }
-  void checkTheDriver() {
+  void checkDriver() {
     tSimulatedMachine machine;
-    const std::string imbalance = imbalanceOf(machine);
-    require(imbalance.empty(), "the driver's account is not balanced:\n" + imbalance);
-    tWorkerProcess last("take-every-line");
+    const std::string leaks = driverLeaks(machine);
+    require(leaks.empty(), "the driver leaks:\n" + leaks);
+    tWorkerProcess last("reserve-every-line");
     while (!last.hasEnded()) {
-      std::this_thread::sleep_for(kLook);
+      std::this_thread::sleep_for(kPollInterval);
     }
-    require(last.exitCode() == 0, "who comes last cannot have every line");
+    require(last.exitCode() == 0, "the last client cannot reserve every line");
   }
-  void tellProgress(tClock::time_point start) const {
+  void printProgress(tClock::time_point start) const {
     const tRouteTotals all = sum();
     const std::chrono::duration<double> passed = tClock::now() - start;
     std::fprintf(stderr,
                  "%4.0f s: %llu lives in %llu sessions, %llu conflicts, %llu demotions "
-                 "heard, %llu kills\n",
-                 passed.count(), number(all.lives), number(all.sessions), number(all.conflicts),
-                 number(all.heard), number(kills_));
+                 "delivered, %llu kills\n",
+                 passed.count(), number(all.routes), number(all.sessions), number(all.conflicts),
+                 number(all.delivered), number(kills_));
   }
   [[nodiscard]] tRouteTotals sum() const {
     tRouteTotals all;
     for (const auto& worker : load_.workers) {
       for (const tThreadLoad& thread : worker) {
         all.sessions += thread.tally.sessions;
-        all.lives += thread.tally.lives;
+        all.routes += thread.tally.routes;
         all.conflicts += thread.tally.conflicts;
-        all.heard += thread.tally.heard;
+        all.delivered += thread.tally.delivered;
         all.awaited += thread.tally.awaited;
-        all.leftBehind += thread.tally.leftBehind;
+        all.abandoned += thread.tally.abandoned;
       }
     }
     return all;
@@ -201,7 +238,7 @@ class tRouteLoad {
   std::string name_;
   tSharedLoad shared_;
   tLoad& load_;
-  tWatchdog watchdog_{kPatience};
+  tWatchdog watchdog_{kStuckTimeout};
   std::array<std::unique_ptr<tWorkerProcess>, kWorkers> workers_;
   uint64_t kills_ = 0;
   uint64_t demotions_ = 0;
@@ -216,13 +253,14 @@ int runRouteLoad(const tRouteLoadPlan& plan) {
   try {
     load.run();
     load.report();
-    return kEverythingHeld;
+    return kPassed;
   } catch (const tStuck&) {
-    std::fprintf(stderr, "a thread is stuck\n%s", load.whereTheThreadsStand().c_str());
+    std::fprintf(stderr, "a thread is stuck\n%s", load.threadReport().c_str());
     return kThreadStuck;
-  } catch (const tBrokenPromise& broken) {
-    std::fprintf(stderr, "broken: %s\n%s", broken.what(), load.whereTheThreadsStand().c_str());
-    return kPromiseBroken;
+  } catch (const tContractViolation& violation) {
+    std::fprintf(stderr, "contract violated: %s\n%s", violation.what(),
+                 load.threadReport().c_str());
+    return kContractViolated;
   }
 }
 

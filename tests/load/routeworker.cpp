@@ -1,46 +1,44 @@
-#include "tests/load/routeworker.h"
-
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <thread>
 #include <vector>
 
-#include "tests/load/devicepath.h"
+#include "tests/load/loads.h"
 #include "tests/load/routeclient.h"
 #include "tests/load/sharedload.h"
 
 namespace nTests {
 namespace {
 
-constexpr uint32_t kMostLivesOfASession = 20;
+constexpr uint32_t kMaxRoutesPerSession = 20;
 
 // Uses a session from its creation to its destruction.
 void runSession(const tRouteWork& work, const tLoad& load) {
   tRouteClient client(work);
   if (work.random->oneIn(4)) {
-    client.lookAtTerminals();
+    client.iterateTerminals();
   }
-  for (uint32_t lives = 1 + work.random->below(kMostLivesOfASession);
-       lives != 0 && load.shallEnd == 0; --lives) {
-    client.liveOnce();
+  for (uint32_t routes = 1 + work.random->below(kMaxRoutesPerSession);
+       routes != 0 && load.isEndRequested == 0; --routes) {
+    client.useRoute();
   }
   if (work.random->oneIn(4)) {
-    client.leaveARouteBehind();
+    client.abandonRoute();
   }
   client.end();
 }
 
-void runThread(tLoad& load, tThreadLoad& own, const std::string& who, uint64_t seed) {
+void runThread(tLoad& load, tThreadLoad& own, const std::string& name, uint64_t seed) {
   try {
     tRandom random(seed);
     nSimulator::tSimulatedMachine machine;
     const tRouteWork work{routingDevicePath(), &random, &own.progress, &own.tally, &machine};
-    while (load.shallEnd == 0) {
+    while (load.isEndRequested == 0) {
       runSession(work, load);
     }
   } catch (const std::exception& failure) {
-    noteFailure(load, who + ", " + nameOf(own.progress.step()) + ": " + failure.what());
+    recordFailure(load, name + ", " + nameOf(own.progress.step()) + ": " + failure.what());
   }
   own.progress.enter(tStep::ended);
 }
@@ -57,11 +55,11 @@ constexpr tLine kLines[] = {
     {"PXI_Trig4", "PXI_Trig5"},  {"PXI_Trig5", "PXI_Trig6"}, {"PXI_Trig6", "PXI_Trig7"},
 };
 
-char* giveRoom(char* current, size_t required, const char*, size_t) {
+char* reallocate(char* current, size_t required, const char*, size_t) {
   return static_cast<char*>(std::realloc(current, required));
 }
 
-void take(zoroco_RoutingAdaptorSession* session, const tLine& line) {
+void reserve(zoroco_RoutingAdaptorSession* session, const tLine& line) {
   zoerr_Status status = zoerr_Status_initial();
   char* output = nullptr;
   const std::string seeds =
@@ -77,7 +75,7 @@ void take(zoroco_RoutingAdaptorSession* session, const tLine& line) {
   const std::string answer = output == nullptr ? "" : output;
   zoerr_Status_release(&status);
   std::free(output);
-  require(code == 0, std::string("taking ") + line.to + " from " + line.from + " gives " +
+  require(code == 0, std::string("reserving ") + line.to + " from " + line.from + " returns " +
                          std::to_string(code) + " " + answer);
 }
 
@@ -87,7 +85,7 @@ int runRouteWorker(const std::string& loadName, uint32_t worker, uint64_t seed) 
   const tSharedLoad shared(loadName);
   tLoad& load = shared.load();
   std::vector<std::thread> threads;
-  for (size_t i = 0; i < kThreadsOfAWorker; ++i) {
+  for (size_t i = 0; i < kThreadsPerWorker; ++i) {
     threads.emplace_back([&load, worker, seed, i] {
       runThread(load, load.workers[worker][i],
                 "process " + std::to_string(worker) + " thread " + std::to_string(i),
@@ -100,14 +98,14 @@ int runRouteWorker(const std::string& loadName, uint32_t worker, uint64_t seed) 
   return load.hasFailed == 0 ? 0 : 1;
 }
 
-int takeEveryLine() {
+int reserveEveryLine() {
   zoerr_Status status = zoerr_Status_initial();
   zoroco_RoutingAdaptorSession* const session =
-      zoroco_ra_quenra_createSession(routingDevicePath().c_str(), &giveRoom, &status);
+      zoroco_ra_quenra_createSession(routingDevicePath().c_str(), &reallocate, &status);
   zoerr_Status_release(&status);
-  require(session != nullptr, "there is a session for who comes last");
+  require(session != nullptr, "the last client has a session");
   for (const tLine& line : kLines) {
-    take(session, line);
+    reserve(session, line);
   }
   // Closing the device releases the lines.
   zoroco_ra_quenra_destroySession(session);

@@ -1,20 +1,23 @@
+// The load that the processes of a test share.
 #ifndef TESTS_LOAD_SHAREDLOAD_H
 #define TESTS_LOAD_SHAREDLOAD_H
 
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
 #include <string>
+#include <system_error>
 
+#include "tests/load/loadthread.h"
 #include "tests/load/routeclient.h"
-#include "tests/load/tprogress.h"
 
 namespace nTests {
 
 inline constexpr size_t kWorkers = 2;
-inline constexpr size_t kThreadsOfAWorker = 8;
+inline constexpr size_t kThreadsPerWorker = 8;
 
 struct tThreadLoad {
   tProgress progress;
@@ -23,23 +26,40 @@ struct tThreadLoad {
 
 // State shared by the processes of a load. It survives the processes that are killed.
 struct tLoad {
-  std::atomic<uint32_t> shallEnd;
+  std::atomic<uint32_t> isEndRequested;
   std::atomic<uint32_t> hasFailed;
   std::array<char, 1024> failure;  // the first failure
-  std::array<std::array<tThreadLoad, kThreadsOfAWorker>, kWorkers> workers;
+  std::array<std::array<tThreadLoad, kThreadsPerWorker>, kWorkers> workers;
 };
 
-// Records the first failure; later ones are its consequences.
-void noteFailure(tLoad& load, const std::string& text) noexcept;
+// Records the first failure; later ones are its consequences. Requests the end of the load.
+inline void recordFailure(tLoad& load, const std::string& text) noexcept {
+  if (load.hasFailed.exchange(1) == 0) {
+    const size_t size = std::min(text.size(), load.failure.size() - 1);
+    std::copy_n(text.begin(), size, load.failure.begin());
+  }
+  load.isEndRequested = 1;
+}
 
 // Named shared memory that contains a load.
 class tSharedLoad {
  public:
   // Creates the memory or opens it. It exists until its last user closes it.
-  explicit tSharedLoad(const std::string& name);
+  explicit tSharedLoad(const std::string& name)
+      : mapping_(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(tLoad),
+                                    name.c_str())),
+        load_(static_cast<tLoad*>(MapViewOfFile(mapping_, FILE_MAP_ALL_ACCESS, 0, 0, 0))) {
+    if (load_ == nullptr) {
+      throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                              "memory shared as " + name);
+    }
+  }
   tSharedLoad(const tSharedLoad&) = delete;
   tSharedLoad& operator=(const tSharedLoad&) = delete;
-  ~tSharedLoad();
+  ~tSharedLoad() {
+    UnmapViewOfFile(load_);
+    CloseHandle(mapping_);
+  }
 
   [[nodiscard]] tLoad& load() const noexcept { return *load_; }
 

@@ -1,5 +1,3 @@
-#include "tests/load/soak.h"
-
 #include <windows.h>
 
 #include <algorithm>
@@ -7,7 +5,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -15,13 +12,11 @@
 #include <vector>
 
 #include "tests/builders/firmwareimagebuilder.h"
-#include "tests/load/balance.h"
-#include "tests/load/devicepath.h"
-#include "tests/load/mischief.h"
+#include "tests/builders/ttemporaryfolder.h"
+#include "tests/load/drivercontrol.h"
+#include "tests/load/loads.h"
 #include "tests/load/mixedcaller.h"
-#include "tests/load/routeload.h"
 #include "tests/load/soaktable.h"
-#include "tests/load/watchdog.h"
 
 namespace nTests {
 namespace {
@@ -32,11 +27,11 @@ using std::chrono::seconds;
 using tClock = std::chrono::steady_clock;
 
 constexpr size_t kThreads = 8;
-constexpr auto kPatience = seconds(60);
-constexpr auto kLook = milliseconds(20);
+constexpr auto kStuckTimeout = seconds(60);
+constexpr auto kPollInterval = milliseconds(20);
 // A short run has at least this number of rounds; a long run has rounds of this duration.
-constexpr uint32_t kFewestRounds = 24;
-constexpr auto kLongestRound = seconds(10);
+constexpr uint32_t kMinRounds = 24;
+constexpr auto kMaxRound = seconds(10);
 
 struct tStuck {};
 
@@ -46,55 +41,32 @@ struct tThread {
   tCallTally calls{};
 };
 
-// A temporary directory of this process for the files of firmware updates.
-class tTemporaryFolder {
- public:
-  tTemporaryFolder()
-      : path_(std::filesystem::temp_directory_path() /
-              ("quenra soak " + std::to_string(GetCurrentProcessId()))) {
-    empty();
-    SetEnvironmentVariableA("TMP", path_.string().c_str());
-    SetEnvironmentVariableA("TEMP", path_.string().c_str());
-  }
-  tTemporaryFolder(const tTemporaryFolder&) = delete;
-  tTemporaryFolder& operator=(const tTemporaryFolder&) = delete;
-  ~tTemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-
-  void empty() const {
-    std::filesystem::remove_all(path_);
-    std::filesystem::create_directories(path_);
-  }
-
- private:
-  std::filesystem::path path_;
-};
-
 class tSoak {
  public:
   explicit tSoak(const tSoakPlan& plan)
       : plan_(plan),
         round_(std::min<tClock::duration>(
-            kLongestRound, tClock::duration(seconds(plan.seconds)) / int{kFewestRounds})),
+            kMaxRound, tClock::duration(seconds(plan.seconds)) / int{kMinRounds})),
         random_(plan.seed) {
     for (size_t i = 0; i < kThreads; ++i) {
       watchdog_.watch("thread " + std::to_string(i), threads_[i].progress);
     }
+    // Firmware updates write their files there.
+    SetEnvironmentVariableW(L"TMP", temporary_.path().c_str());
+    SetEnvironmentVariableW(L"TEMP", temporary_.path().c_str());
   }
 
-  // Throws tStuck and tBrokenPromise.
+  // Throws tStuck and tContractViolation.
   void run() {
     while (tClock::now() - start_ < seconds(plan_.seconds)) {
       {
-        const tMischief mischief(random_.next());
+        const tFaultInjector injector(random_.next());
         runThreads(tFaults::anywhere, round_ * 2 / 3);
       }
       machine_.reset();
       runThreads(tFaults::none, round_ / 3);
-      const std::string imbalance = imbalanceOf(machine_);
-      require(imbalance.empty(), "the driver's account is not balanced:\n" + imbalance);
+      const std::string leaks = driverLeaks(machine_);
+      require(leaks.empty(), "the driver leaks:\n" + leaks);
       temporary_.empty();
       measure();
     }
@@ -105,27 +77,27 @@ class tSoak {
     std::printf("%s", soakTable(rows_).c_str());
     std::printf(
         "calls: %llu reads, %llu writes, %llu openings, %llu updates, %llu pending "
-        "requests, %llu routes, %llu demotions heard\n",
+        "requests, %llu routes, %llu demotions delivered\n",
         sum(&tCallTally::reads), sum(&tCallTally::writes), sum(&tCallTally::opens),
-        sum(&tCallTally::updates), sum(&tCallTally::pendings), sum(&tRouteTally::lives),
-        sum(&tRouteTally::heard));
-    if (rows_.size() < kFewestSoakRows) {
-      std::printf("verdict: too short to tell\n");
-      return kPromiseBroken;
+        sum(&tCallTally::updates), sum(&tCallTally::pendings), sum(&tRouteTally::routes),
+        sum(&tRouteTally::delivered));
+    if (rows_.size() < kMinSoakRows) {
+      std::printf("verdict: too short\n");
+      return kContractViolated;
     }
-    std::printf("handles at first: %s\nhandles at last:  %s\n",
+    std::printf("handles before: %s\nhandles after:  %s\n",
                 handleText(rows_.front().handles).c_str(),
                 handleText(rows_.back().handles).c_str());
-    const std::string complaints = growthComplaints(growthOf(rows_));
-    std::printf("verdict: %s", complaints.empty() ? "flat\n" : "growing\n");
-    std::printf("%s", complaints.c_str());
-    return complaints.empty() ? kEverythingHeld : kPromiseBroken;
+    const std::string findings = excessiveGrowth(growthOf(rows_));
+    std::printf("verdict: %s", findings.empty() ? "flat\n" : "growing\n");
+    std::printf("%s", findings.c_str());
+    return findings.empty() ? kPassed : kContractViolated;
   }
-  [[nodiscard]] std::string whereTheThreadsStand() const { return watchdog_.report(); }
+  [[nodiscard]] std::string threadReport() const { return watchdog_.report(); }
 
  private:
   void runThreads(tFaults faults, tClock::duration duration) {
-    shallEnd_ = false;
+    isEndRequested_ = false;
     {
       std::vector<std::jthread> running;
       for (tThread& thread : threads_) {
@@ -134,10 +106,10 @@ class tSoak {
             [this, faults, &thread, seed = random_.next()] { runThread(thread, seed, faults); });
       }
       const auto end = tClock::now() + duration;
-      while (!haveAllEnded()) {
-        std::this_thread::sleep_for(kLook);
-        shallEnd_ = shallEnd_ || tClock::now() >= end;
-        if (watchdog_.seesAStuckThread()) {
+      while (!haveThreadsEnded()) {
+        std::this_thread::sleep_for(kPollInterval);
+        isEndRequested_ = isEndRequested_ || tClock::now() >= end;
+        if (watchdog_.hasStuckThread()) {
           throwStuck(running);
         }
       }
@@ -159,17 +131,17 @@ class tSoak {
                            &own.calls,
                            &images_,
                            false});
-      while (!shallEnd_) {
-        caller.doSomething();
+      while (!isEndRequested_) {
+        caller.performRandomOperation();
       }
-    } catch (const std::exception& broken) {
+    } catch (const std::exception& violation) {
       const std::lock_guard lock(mutex_);
-      failure_ += std::string(nameOf(own.progress.step())) + ": " + broken.what() + '\n';
-      shallEnd_ = true;
+      failure_ += std::string(nameOf(own.progress.step())) + ": " + violation.what() + '\n';
+      isEndRequested_ = true;
     }
     own.progress.enter(tStep::ended);
   }
-  [[nodiscard]] bool haveAllEnded() const {
+  [[nodiscard]] bool haveThreadsEnded() const {
     return std::all_of(threads_.begin(), threads_.end(), [](const tThread& thread) {
       return thread.progress.step() == tStep::ended;
     });
@@ -180,7 +152,7 @@ class tSoak {
     const uint64_t calls = sum(&tCallTally::reads) + sum(&tCallTally::writes) +
                            sum(&tCallTally::opens) + sum(&tCallTally::updates) +
                            sum(&tCallTally::pendings) + sum(&tCallTally::others) +
-                           sum(&tRouteTally::lives);
+                           sum(&tRouteTally::routes);
     const uint64_t failures = sum(&tCallTally::failures) + sum(&tRouteTally::failures);
     rows_.push_back({passed.count(), calls, failures, sampleThisProcess(), sampleHeaps(),
                      countHandles(), sampleDriverProcesses()});
@@ -220,8 +192,8 @@ class tSoak {
       firmwareImage({tFirmwareSection("SAFEMODE").payload(firmwareBytes(30, 3)),
                      tFirmwareSection::capsule("driver.inf").payload(firmwareBytes(50, 4))})};
   std::array<tThread, kThreads> threads_;
-  tWatchdog watchdog_{kPatience};
-  std::atomic<bool> shallEnd_ = false;
+  tWatchdog watchdog_{kStuckTimeout};
+  std::atomic<bool> isEndRequested_ = false;
   std::mutex mutex_;
   std::string failure_;  // all failures, guarded by the mutex
   tClock::time_point start_ = tClock::now();
@@ -237,14 +209,14 @@ int runSoak(const tSoakPlan& plan) {
     soak.run();
     return soak.report();
   } catch (const tStuck&) {
-    std::fprintf(stderr, "a thread is stuck\n%s", soak.whereTheThreadsStand().c_str());
+    std::fprintf(stderr, "a thread is stuck\n%s", soak.threadReport().c_str());
     // No destructors: the stuck thread still uses the memory.
     std::fflush(stderr);
     std::_Exit(kThreadStuck);
-  } catch (const tBrokenPromise& broken) {
-    std::fprintf(stderr, "broken: %s\n", broken.what());
+  } catch (const tContractViolation& violation) {
+    std::fprintf(stderr, "contract violated: %s\n", violation.what());
     static_cast<void>(soak.report());
-    return kPromiseBroken;
+    return kContractViolated;
   }
 }
 

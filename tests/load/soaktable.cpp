@@ -12,25 +12,26 @@ namespace {
 
 // Handles must not grow, except for those that the system creates once on first use: for the names
 // of its own objects, and a semaphore for each of its locks at the first contention.
-struct tMadeLate {
+struct tLateHandles {
   std::string_view kind;
-  int64_t most;
+  int64_t maxCount;
 };
-constexpr tMadeLate kMadeLate[] = {{"Directory", 1}, {"Event", 1}, {"Mutant", 1}, {"Semaphore", 4}};
+constexpr tLateHandles kLateHandles[] = {
+    {"Directory", 1}, {"Event", 1}, {"Mutant", 1}, {"Semaphore", 4}};
 
-constexpr int64_t mostLateHandles(std::string_view kind) noexcept {
+constexpr int64_t maxLateHandles(std::string_view kind) noexcept {
   const auto* const found =
-      std::find_if(std::begin(kMadeLate), std::end(kMadeLate),
-                   [kind](const tMadeLate& each) { return each.kind == kind; });
-  return found == std::end(kMadeLate) ? 0 : found->most;
+      std::find_if(std::begin(kLateHandles), std::end(kLateHandles),
+                   [kind](const tLateHandles& each) { return each.kind == kind; });
+  return found == std::end(kLateHandles) ? 0 : found->maxCount;
 }
 
-constexpr int64_t kMostDriverHandles = 2;
+constexpr int64_t kMaxDriverHandleGrowth = 2;
 // The number of the system's own blocks varies.
-constexpr int64_t kMostHeapBlocks = 16;
-constexpr int64_t kMostGrowthKib = 1024;
-constexpr uint64_t kBytesOfAKib = 1024;
-constexpr size_t kMostRows = 24;
+constexpr int64_t kMaxHeapBlockGrowth = 16;
+constexpr int64_t kMaxGrowthKib = 1024;
+constexpr uint64_t kBytesPerKib = 1024;
+constexpr size_t kMaxTableRows = 24;
 // Rows excluded while caches fill and the system loads its modules.
 constexpr size_t kWarmUpRows = 2;
 
@@ -76,22 +77,22 @@ tSoakGrowth growthOf(const std::vector<tSoakRow>& rows) {
   return all;
 }
 
-std::string growthComplaints(const tSoakGrowth& growth) {
-  std::string complaints;
-  const auto hold = [&complaints](int64_t grown, int64_t most, const std::string& what) {
-    if (grown > most) {
-      complaints += std::to_string(grown) + " more " + what + '\n';
+std::string excessiveGrowth(const tSoakGrowth& all) {
+  std::string findings;
+  const auto check = [&findings](int64_t grown, int64_t limit, const std::string& resource) {
+    if (grown > limit) {
+      findings += std::to_string(grown) + " more " + resource + '\n';
     }
   };
-  for (size_t kind = 0; kind < growth.handles.size(); ++kind) {
+  for (size_t kind = 0; kind < all.handles.size(); ++kind) {
     const std::string_view name = kHandleKinds[kind];
-    hold(growth.handles[kind], mostLateHandles(name), "handles: " + std::string(name));
+    check(all.handles[kind], maxLateHandles(name), "handles: " + std::string(name));
   }
-  hold(growth.heapBlocks, kMostHeapBlocks, "blocks of the heaps");
-  hold(growth.privateKib, kMostGrowthKib, "KiB of private memory");
-  hold(growth.driverHandles, kMostDriverHandles, "handles of the driver");
-  hold(growth.driverPrivateKib, kMostGrowthKib, "KiB of the driver");
-  return complaints;
+  check(all.heapBlocks, kMaxHeapBlockGrowth, "blocks of the heaps");
+  check(all.privateKib, kMaxGrowthKib, "KiB of private memory");
+  check(all.driverHandles, kMaxDriverHandleGrowth, "handles of the driver");
+  check(all.driverPrivateKib, kMaxGrowthKib, "KiB of the driver");
+  return findings;
 }
 
 std::string soakTable(const std::vector<tSoakRow>& rows) {
@@ -99,7 +100,7 @@ std::string soakTable(const std::vector<tSoakRow>& rows) {
       "   time      calls   failures  handles  heap blocks  heap KiB  private KiB  driver: handles "
       " "
       "private KiB\n";
-  const size_t step = (rows.size() + kMostRows - 1) / kMostRows;
+  const size_t step = (rows.size() + kMaxTableRows - 1) / kMaxTableRows;
   for (size_t i = 0; i < rows.size(); i += step) {
     const tSoakRow& row = rows[i];
     std::array<char, 160> line{};
@@ -108,7 +109,7 @@ std::string soakTable(const std::vector<tSoakRow>& rows) {
                   static_cast<unsigned long long>(row.calls),
                   static_cast<unsigned long long>(row.failures), row.own.handles,
                   static_cast<unsigned long long>(row.heap.blocks),
-                  static_cast<unsigned long long>(row.heap.bytes / kBytesOfAKib),
+                  static_cast<unsigned long long>(row.heap.bytes / kBytesPerKib),
                   static_cast<unsigned long long>(row.own.privateKib), row.driver.handles,
                   static_cast<unsigned long long>(row.driver.privateKib));
     text += line.data();

@@ -45,16 +45,16 @@ std::vector<tSoakRow> rowsWith(Change change) {
   return rows;
 }
 
-std::string complaintsOf(const std::vector<tSoakRow>& rows) {
-  return growthComplaints(growthOf(rows));
+std::string excessiveGrowthOf(const std::vector<tSoakRow>& rows) {
+  return excessiveGrowth(growthOf(rows));
 }
 
-TEST(SoakTable, FlatMeasurements_GiveNoComplaint) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow&, uint32_t) {})), "");
+TEST(SoakTable, FlatMeasurements_ShowNoGrowth) {
+  EXPECT_EQ(excessiveGrowthOf(rowsWith([](tSoakRow&, uint32_t) {})), "");
 }
 
 TEST(SoakTable, WarmUp_IsNotGrowth) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
+  EXPECT_EQ(excessiveGrowthOf(rowsWith([](tSoakRow& row, uint32_t i) {
               row.own.privateKib -= i < 2 ? 9000 : 0;
               handlesOf(row, "File") -= i < 2 ? 3 : 0;
               row.heap.blocks -= i < 2 ? 200 : 0;
@@ -63,7 +63,7 @@ TEST(SoakTable, WarmUp_IsNotGrowth) {
 }
 
 TEST(SoakTable, Spikes_AreNotGrowth) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
+  EXPECT_EQ(excessiveGrowthOf(rowsWith([](tSoakRow& row, uint32_t i) {
               row.own.privateKib += i % 3 == 2 ? uint64_t{100} * i : 0;
               handlesOf(row, "File") += i % 3 == 2 ? i : 0;
               row.heap.blocks += i % 3 == 2 ? uint64_t{9} * i : 0;
@@ -71,8 +71,8 @@ TEST(SoakTable, Spikes_AreNotGrowth) {
             "");
 }
 
-TEST(SoakTable, ObjectsOfTheSystemThatComeLate_AreNotGrowth) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) {
+TEST(SoakTable, LateSystemObjects_AreNotGrowth) {
+  EXPECT_EQ(excessiveGrowthOf(rowsWith([](tSoakRow& row, uint32_t i) {
               handlesOf(row, "Directory") += i > 15 ? 1 : 0;
               handlesOf(row, "Event") += i > 15 ? 1 : 0;
               handlesOf(row, "Mutant") += i > 15 ? 1 : 0;
@@ -81,41 +81,41 @@ TEST(SoakTable, ObjectsOfTheSystemThatComeLate_AreNotGrowth) {
             "");
 }
 
-TEST(SoakTable, OneHandleOfAnyOtherKindThatComesLate_IsAComplaint) {
+TEST(SoakTable, LateHandleOfAnotherKind_IsGrowth) {
   for (const std::string_view kind : {"File", "IoCompletion", "Key", "Process", "Thread"}) {
-    EXPECT_EQ(complaintsOf(rowsWith(
+    EXPECT_EQ(excessiveGrowthOf(rowsWith(
                   [kind](tSoakRow& row, uint32_t i) { handlesOf(row, kind) += i > 15 ? 1 : 0; })),
               "1 more handles: " + std::string(kind) + '\n');
   }
 }
 
-TEST(SoakTable, HandlesThatAreLeaked_AreAComplaint) {
+TEST(SoakTable, LeakedHandles_AreGrowth) {
   for (const std::string_view kind : kHandleKinds) {
-    EXPECT_EQ(
-        complaintsOf(rowsWith([kind](tSoakRow& row, uint32_t i) { handlesOf(row, kind) += i; })),
-        "18 more handles: " + std::string(kind) + '\n');
+    EXPECT_EQ(excessiveGrowthOf(
+                  rowsWith([kind](tSoakRow& row, uint32_t i) { handlesOf(row, kind) += i; })),
+              "18 more handles: " + std::string(kind) + '\n');
   }
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.driver.handles += i; })),
+  EXPECT_EQ(excessiveGrowthOf(rowsWith([](tSoakRow& row, uint32_t i) { row.driver.handles += i; })),
             "18 more handles of the driver\n");
 }
 
-TEST(SoakTable, BlocksThatAreLeaked_AreAComplaint) {
-  EXPECT_EQ(complaintsOf(rowsWith([](tSoakRow& row, uint32_t i) { row.heap.blocks += i; })),
+TEST(SoakTable, LeakedBlocks_AreGrowth) {
+  EXPECT_EQ(excessiveGrowthOf(rowsWith([](tSoakRow& row, uint32_t i) { row.heap.blocks += i; })),
             "18 more blocks of the heaps\n");
 }
 
-TEST(SoakTable, MemoryThatGrowsAllTheTime_IsAComplaint) {
-  EXPECT_EQ(complaintsOf(rowsWith(
+TEST(SoakTable, SteadilyGrowingMemory_IsGrowth) {
+  EXPECT_EQ(excessiveGrowthOf(rowsWith(
                 [](tSoakRow& row, uint32_t i) { row.own.privateKib += uint64_t{100} * i; })),
             "1800 more KiB of private memory\n");
-  EXPECT_EQ(complaintsOf(rowsWith(
+  EXPECT_EQ(excessiveGrowthOf(rowsWith(
                 [](tSoakRow& row, uint32_t i) { row.driver.privateKib += uint64_t{100} * i; })),
             "1800 more KiB of the driver\n");
 }
 
-TEST(SoakTable, OneStepUp_IsNotGrowth) {
+TEST(SoakTable, SingleStep_IsNotGrowth) {
   for (const size_t step : {5u, 15u, 25u}) {
-    EXPECT_EQ(complaintsOf(rowsWith([step](tSoakRow& row, uint32_t i) {
+    EXPECT_EQ(excessiveGrowthOf(rowsWith([step](tSoakRow& row, uint32_t i) {
                 row.own.privateKib += i > step ? 5000 : 0;
               })),
               "");
@@ -128,7 +128,7 @@ TEST(SoakTable, Handles_AreReportedByKind) {
   EXPECT_EQ(handleText(handlesOf({})), "");
 }
 
-TEST(SoakTable, LongRun_IsThinnedOut) {
+TEST(SoakTable, LongRun_OmitsRows) {
   std::vector<tSoakRow> rows = rowsWith([](tSoakRow&, uint32_t) {});
   for (int i = 0; i < 5; ++i) {
     rows.insert(rows.end(), rows.begin(), rows.end());

@@ -7,19 +7,16 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <optional>
 #include <random>
 #include <thread>
 
 #include "quenra.h"
 #include "tests/builders/firmwareimagebuilder.h"
+#include "tests/builders/ttemporaryfolder.h"
 #include "tests/fakewindows/fakewindowstest.h"
-#include "tests/load/balance.h"
-#include "tests/load/devicepath.h"
-#include "tests/load/mischief.h"
+#include "tests/load/drivercontrol.h"
 #include "tests/load/mixedcaller.h"
-#include "tests/load/watchdog.h"
 
 namespace nTests {
 namespace {
@@ -31,9 +28,9 @@ using std::chrono::seconds;
 using tClock = std::chrono::steady_clock;
 
 constexpr size_t kThreads = 8;
-constexpr uint32_t kTurnsOfARound = 25;
+constexpr uint32_t kOperationsPerRound = 25;
 constexpr auto kDuration = seconds(3);
-constexpr auto kPatience = seconds(60);
+constexpr auto kStuckTimeout = seconds(60);
 constexpr const char* kDriverStoreTool = "C:\\Windows\\Sysnative\\pnputil.exe";
 
 uint64_t chooseSeed() {
@@ -79,16 +76,16 @@ constexpr tFailing kFailing[] = {
     {tCall::getFileAttributes, ERROR_PATH_NOT_FOUND},
     {tCall::createProcess, ERROR_BAD_EXE_FORMAT},
 };
-constexpr uint32_t kOneCallIn = 40;
+constexpr uint32_t kCallsPerFault = 40;
 
 // Requests on the control interface come from the test.
-bool isOfTheTest(tCall call, const std::string& argument) {
+bool isFromTest(tCall call, const std::string& argument) {
   constexpr uint32_t kControlDevice = 0x80A0;
   return call == tCall::deviceIoControl && std::stoul(argument) >> 16 == kControlDevice;
 }
 
 std::optional<uint32_t> decide(tRandom& random, tCall call, const std::string& argument) {
-  if (!random.oneIn(kOneCallIn) || isOfTheTest(call, argument)) {
+  if (!random.oneIn(kCallsPerFault) || isFromTest(call, argument)) {
     return std::nullopt;
   }
   std::optional<uint32_t> error;
@@ -115,17 +112,13 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
     FakeWindowsTest::SetUp();
     std::printf("QUENRA_LOAD_SEED=%llu\n", static_cast<unsigned long long>(seed));
     nFakeWindows::programs().install(kDriverStoreTool);
-    temporary = std::filesystem::temp_directory_path() /
-                ("quenra threads under load " + std::to_string(std::random_device{}()));
-    std::filesystem::create_directories(temporary);
-    setenv("TMPDIR", temporary.c_str(), 1);
+    setenv("TMPDIR", temporary.path().c_str(), 1);
     for (size_t i = 0; i < kThreads; ++i) {
       watchdog.watch("thread " + std::to_string(i), threads[i].progress);
     }
   }
   void TearDown() override {
     unsetenv("TMPDIR");
-    std::filesystem::remove_all(temporary);
     FakeWindowsTest::TearDown();
   }
 
@@ -137,11 +130,11 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
                          &images,
                          true});
     try {
-      for (uint32_t turn = 0; turn < kTurnsOfARound; ++turn) {
-        caller.doSomething();
+      for (uint32_t turn = 0; turn < kOperationsPerRound; ++turn) {
+        caller.performRandomOperation();
       }
-    } catch (const std::exception& broken) {
-      own.failure = std::string(nameOf(own.progress.step())) + ": " + broken.what();
+    } catch (const std::exception& violation) {
+      own.failure = std::string(nameOf(own.progress.step())) + ": " + violation.what();
     }
     own.progress.enter(tStep::ended);
   }
@@ -149,9 +142,9 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
   // Runs all threads and checks that they leave nothing open.
   void runRound(tFaults faults) {
     std::array<tSimulatedMachine, kThreads> machines;
-    std::optional<tMischief> mischief;
+    std::optional<tFaultInjector> injector;
     if (faults == tFaults::anywhere) {
-      mischief.emplace(random.next());
+      injector.emplace(random.next());
       faultPlan().decide([this](tCall call, const std::string& argument) {
         return decide(faultRandom, call, argument);
       });
@@ -163,26 +156,26 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
       });
     }
     waitForThreads(running);
-    mischief.reset();
+    injector.reset();
     for (const tThread& thread : threads) {
       EXPECT_EQ(thread.failure, "");
     }
     faultPlan().reset();
     nFakeWindows::objects().waitForThreads();
     EXPECT_EQ(nFakeWindows::objects().open().size(), kThreads) << "more than the machines' files";
-    EXPECT_EQ(imbalanceOf(machines[0]), "");
+    EXPECT_EQ(driverLeaks(machines[0]), "");
   }
 
   // Reports a stuck thread and aborts.
   void waitForThreads(std::vector<std::thread>& running) {
-    const auto allHaveEnded = [this] {
+    const auto haveThreadsEnded = [this] {
       return std::all_of(threads.begin(), threads.end(), [](const tThread& thread) {
         return thread.progress.step() == tStep::ended;
       });
     };
-    while (!allHaveEnded()) {
+    while (!haveThreadsEnded()) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
-      if (watchdog.seesAStuckThread()) {
+      if (watchdog.hasStuckThread()) {
         std::fprintf(stderr, "a thread is stuck\n%s", watchdog.report().c_str());
         std::abort();
       }
@@ -203,7 +196,7 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
   uint64_t seed = chooseSeed();
   tRandom random{seed};
   tRandom faultRandom{seed + 1};
-  std::filesystem::path temporary;
+  tTemporaryFolder temporary;
   std::string devicePath = routingDevicePath();
   std::vector<std::string> images{
       firmwareImage({tFirmwareSection("MARTEN").payload(firmwareBytes(300, 2)),
@@ -213,10 +206,10 @@ class ThreadsUnderLoad : public nFakeWindows::FakeWindowsTest {
       firmwareImage({tFirmwareSection("SAFEMODE").payload(firmwareBytes(30, 3)),
                      tFirmwareSection::capsule("driver.inf").payload(firmwareBytes(50, 4))})};
   std::array<tThread, kThreads> threads;
-  tWatchdog watchdog{kPatience};
+  tWatchdog watchdog{kStuckTimeout};
 };
 
-TEST_F(ThreadsUnderLoad, WithoutFaults_KeepEveryPromise) {
+TEST_F(ThreadsUnderLoad, WithoutFaults_FulfilTheContract) {
   for (const auto start = tClock::now(); tClock::now() - start < kDuration && !HasFailure();) {
     runRound(tFaults::none);
   }
@@ -224,7 +217,7 @@ TEST_F(ThreadsUnderLoad, WithoutFaults_KeepEveryPromise) {
   EXPECT_GT(sumOf(&tCallTally::reads), 0u);
 }
 
-TEST_F(ThreadsUnderLoad, WithFaults_LeaveNothingBehindAndTheNextRoundIsClean) {
+TEST_F(ThreadsUnderLoad, WithFaults_LeakNothingAndTheNextRoundIsClean) {
   for (const auto start = tClock::now(); tClock::now() - start < kDuration && !HasFailure();) {
     runRound(tFaults::anywhere);
     tSimulatedMachine().reset();

@@ -1,4 +1,4 @@
-#include "tests/load/watchdog.h"
+#include "tests/load/loadthread.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ class Watchdog : public testing::Test {
     second.enter(tStep::program);
     watchdog.watch("first", first);
     watchdog.watch("second", second);
-    EXPECT_FALSE(watchdog.seesAStuckThread(start));
+    EXPECT_FALSE(watchdog.hasStuckThread(start));
   }
 
   tProgress first;
@@ -26,38 +26,38 @@ class Watchdog : public testing::Test {
   tWatchdog::tClock::time_point start = tWatchdog::tClock::now();
 };
 
-TEST_F(Watchdog, ThreadsThatGoOn_AreNotStuck) {
+TEST_F(Watchdog, ProgressingThreads_AreNotStuck) {
   for (int i = 1; i < 10; ++i) {
     first.enter(tStep::reserve);
     second.enter(tStep::program);
-    EXPECT_FALSE(watchdog.seesAStuckThread(start + i * seconds(9)));
+    EXPECT_FALSE(watchdog.hasStuckThread(start + i * seconds(9)));
   }
 }
 
-TEST_F(Watchdog, ThreadThatStandsStill_IsStuckAfterTheWatchdogsPatience) {
+TEST_F(Watchdog, ThreadWithoutProgress_IsStuckAfterTheTimeout) {
   second.enter(tStep::unreserve);
-  EXPECT_FALSE(watchdog.seesAStuckThread(start + seconds(9)));
-  EXPECT_TRUE(watchdog.seesAStuckThread(start + seconds(11)));
+  EXPECT_FALSE(watchdog.hasStuckThread(start + seconds(9)));
+  EXPECT_TRUE(watchdog.hasStuckThread(start + seconds(11)));
 }
 
-TEST_F(Watchdog, ThreadThatGoesOnAgain_IsNotStuckAnyMore) {
+TEST_F(Watchdog, ThreadThatProgressesAgain_IsNoLongerStuck) {
   second.enter(tStep::program);
-  EXPECT_TRUE(watchdog.seesAStuckThread(start + seconds(11)));
+  EXPECT_TRUE(watchdog.hasStuckThread(start + seconds(11)));
   first.enter(tStep::program);
   second.enter(tStep::program);
-  EXPECT_FALSE(watchdog.seesAStuckThread(start + seconds(12)));
+  EXPECT_FALSE(watchdog.hasStuckThread(start + seconds(12)));
 }
 
-TEST_F(Watchdog, ThreadThatHasEnded_IsNeverStuck) {
+TEST_F(Watchdog, EndedThread_IsNeverStuck) {
   first.enter(tStep::ended);
   second.enter(tStep::ended);
-  EXPECT_FALSE(watchdog.seesAStuckThread(start + seconds(60)));
+  EXPECT_FALSE(watchdog.hasStuckThread(start + seconds(60)));
 }
 
-TEST_F(Watchdog, Report_SaysWhereEveryThreadStands) {
+TEST_F(Watchdog, Report_ListsTheStepOfEveryThread) {
   second.enter(tStep::unreserve);
-  EXPECT_FALSE(watchdog.seesAStuckThread(start + seconds(5)));
-  EXPECT_TRUE(watchdog.seesAStuckThread(start + seconds(11)));
+  EXPECT_FALSE(watchdog.hasStuckThread(start + seconds(5)));
+  EXPECT_TRUE(watchdog.hasStuckThread(start + seconds(11)));
   const std::string report = watchdog.report(start + seconds(11) + milliseconds(500));
   EXPECT_THAT(report, HasSubstr("first: reserving a route for 1"));
   EXPECT_THAT(report, HasSubstr(" s, step 1  <- stuck\n"));
