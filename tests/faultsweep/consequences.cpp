@@ -72,29 +72,29 @@ tExpectation ofListing(const std::string& interfaceClass, int32_t code) {
   return code < 0 ? reports(code) : tExpectation{tConsequence::withoutMarten, code};
 }
 
-tExpectation ofEntry(const tPlace& place) {
-  if (place.argument != "0") {
+tExpectation ofEntry(const tCallSite& site) {
+  if (site.argument != "0") {
     return kNothing;
   }
-  return isOf(kMartenInterfaceClass, place.belongsTo) ? tExpectation{tConsequence::withoutMarten}
-                                                      : reports(QUENRA_STATUS_NO_CONTROLLER);
+  return isOf(kMartenInterfaceClass, site.belongsTo) ? tExpectation{tConsequence::withoutMarten}
+                                                     : reports(QUENRA_STATUS_NO_CONTROLLER);
 }
 
 // ERROR_IO_PENDING is only a warning (a positive code). The next step then has no path to open, ...
-tExpectation ofPath(const tPlace& place, int32_t code) {
-  const bool isOpenedNext = !isOf(kDevicePathInterfaceClass, place.belongsTo);
+tExpectation ofPath(const tCallSite& site, int32_t code) {
+  const bool isOpenedNext = !isOf(kDevicePathInterfaceClass, site.belongsTo);
   return reports(code > 0 && isOpenedNext ? QUENRA_STATUS_NOT_FOUND : code);
 }
 
 // ... or no device for its requests.
-tExpectation ofDevice(const tPlace& place, int32_t code) {
+tExpectation ofDevice(const tCallSite& site, int32_t code) {
   if (code < 0) {
     return reports(code);
   }
-  if (place.belongsTo.find("marten") != std::string::npos) {
+  if (site.belongsTo.find("marten") != std::string::npos) {
     return {tConsequence::withoutMarten, code};
   }
-  const bool isRouter = place.belongsTo.find("devicepath") != std::string::npos;
+  const bool isRouter = site.belongsTo.find("devicepath") != std::string::npos;
   return reports(isRouter ? QUENRA_STATUS_INVALID_PARAMETER : QUENRA_STATUS_GENERIC_FAILURE);
 }
 
@@ -104,17 +104,17 @@ tExpectation ofEnvironment(int32_t code) {
                                                    : QUENRA_STATUS_UPDATE_ENVIRONMENT);
 }
 
-tExpectation ofRequest(const tPlace& place, int32_t code) {
+tExpectation ofRequest(const tCallSite& site, int32_t code) {
   if (code > 0) {
     // ERROR_IO_PENDING from the wait itself: the driver's reply is available by then.
-    return place.isAwaited ? kNothing : kNotAFailure;
+    return site.isAwaited ? kNothing : kNotAFailure;
   }
   // Only the first arming of a delivery is reported to a caller; later ones run on a thread.
-  const bool isRearmed = is(REQUEST_ARM_DELIVERY, place.argument) && place.belongsTo != "first";
+  const bool isRearmed = is(REQUEST_ARM_DELIVERY, site.argument) && site.belongsTo != "first";
   // The only code on which the library repeats the request.
-  const bool isTriedAgain =
-      is(REQUEST_GET_ROUTE_TERMINAL_PATH, place.argument) && code == DRIVER_STATUS_PATH_TOO_LONG;
-  return isSilent(place.argument) || isRearmed || isTriedAgain ? kNothing : reports(code);
+  const bool isRepeated =
+      is(REQUEST_GET_ROUTE_TERMINAL_PATH, site.argument) && code == DRIVER_STATUS_PATH_TOO_LONG;
+  return isSilent(site.argument) || isRearmed || isRepeated ? kNothing : reports(code);
 }
 
 }  // namespace
@@ -123,65 +123,65 @@ std::span<const tErrorRow> errorRows() {
   return kErrorRows;
 }
 
-std::vector<tPlace> placesOf(const std::vector<nFakeWindows::tCallRecord>& record) {
-  std::vector<tPlace> places;
+std::vector<tCallSite> callSitesOf(const std::vector<nFakeWindows::tCallRecord>& record) {
+  std::vector<tCallSite> sites;
   std::map<tCall, unsigned> counts;
   std::string interfaceClass;
   std::string device;
   bool isArmed = false;
   for (const nFakeWindows::tCallRecord& made : record) {
-    tPlace place{made.call, ++counts[made.call], made.argument, ""};
+    tCallSite site{made.call, ++counts[made.call], made.argument, ""};
     if (made.call == tCall::setupDiGetClassDevs) {
       interfaceClass = made.argument;
     } else if (made.call == tCall::setupDiEnumDeviceInterfaces ||
                made.call == tCall::setupDiGetDeviceInterfaceDetail) {
-      place.belongsTo = interfaceClass;
+      site.belongsTo = interfaceClass;
     } else if (made.call == tCall::createFile || made.call == tCall::createEvent) {
       device = made.call == tCall::createFile ? made.argument : device;
-      place.belongsTo = device;
+      site.belongsTo = device;
     } else if (made.call == tCall::deviceIoControl) {
-      place.belongsTo = isArmed ? "" : "first";
+      site.belongsTo = isArmed ? "" : "first";
       isArmed = isArmed || is(REQUEST_ARM_DELIVERY, made.argument);
     }
-    places.push_back(place);
+    sites.push_back(site);
   }
-  return places;
+  return sites;
 }
 
-std::vector<tPlace> awaitedRequestsOf(const std::vector<nFakeWindows::tCallRecord>& record) {
-  std::vector<tPlace> places = placesOf(record);
-  std::erase_if(places, [](const tPlace& place) {
-    return place.call != tCall::deviceIoControl || is(REQUEST_ARM_DELIVERY, place.argument) ||
-           is(REQUEST_REGISTER_NOTIFICATION, place.argument);
+std::vector<tCallSite> awaitedRequestsOf(const std::vector<nFakeWindows::tCallRecord>& record) {
+  std::vector<tCallSite> sites = callSitesOf(record);
+  std::erase_if(sites, [](const tCallSite& site) {
+    return site.call != tCall::deviceIoControl || is(REQUEST_ARM_DELIVERY, site.argument) ||
+           is(REQUEST_REGISTER_NOTIFICATION, site.argument);
   });
-  for (tPlace& place : places) {
-    place.isAwaited = true;
+  for (tCallSite& site : sites) {
+    site.isAwaited = true;
   }
-  return places;
+  return sites;
 }
 
-tExpectation expectationOf(const tPlace& place, const tErrorRow& reason) {
-  switch (place.call) {
+tExpectation expectationOf(const tCallSite& site, const tErrorRow& reason) {
+  switch (site.call) {
     case tCall::setupDiGetClassDevs:
-      return ofListing(place.argument, reason.code);
+      return ofListing(site.argument, reason.code);
     case tCall::setupDiEnumDeviceInterfaces:
-      return ofEntry(place);
+      return ofEntry(site);
     case tCall::setupDiGetDeviceInterfaceDetail:
-      return ofPath(place, reason.code);
+      return ofPath(site, reason.code);
     case tCall::createFile:
     case tCall::createEvent:
-      return ofDevice(place, reason.code);
+      return ofDevice(site, reason.code);
     case tCall::createIoCompletionPort:
       return reason.code < 0 ? reports(reason.code)
-                             : tExpectation{tConsequence::untold, reason.code};
+                             : tExpectation{tConsequence::withoutDemotions, reason.code};
     case tCall::deviceIoControl:
-      return ofRequest(place, reason.code);
+      return ofRequest(site, reason.code);
     case tCall::getModuleHandleEx:
     case tCall::beginThread:
       return reports(QUENRA_STATUS_INTERNAL_ERROR);
     case tCall::createDiskFile:
       // A failure to lock a file of the update is not reported.
-      return place.argument == "file" ? kNothing : ofEnvironment(reason.code);
+      return site.argument == "file" ? kNothing : ofEnvironment(reason.code);
     case tCall::multiByteToWideChar:
     case tCall::wideCharToMultiByte:
     case tCall::getTokenInformation:
@@ -211,7 +211,7 @@ tExpectation expectationOf(const tPlace& place, const tErrorRow& reason) {
   }
 }
 
-uint32_t errorAsToldBy(tCall call, uint32_t error) {
+uint32_t errorReportedBy(tCall call, uint32_t error) {
   switch (call) {
     case tCall::coInitializeEx:
     case tCall::coInitializeSecurity:

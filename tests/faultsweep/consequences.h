@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/faultsweep/trun.h"
+#include "tests/fakewindows/faultplan.h"
 
 namespace nTests {
 
@@ -20,7 +20,7 @@ struct tErrorRow {
 [[nodiscard]] std::span<const tErrorRow> errorRows();
 
 // A call of the library that can fail.
-struct tPlace {
+struct tCallSite {
   nFakeWindows::tCall call;
   unsigned nth;            // call of its function
   std::string argument;    // as in the record of calls
@@ -28,19 +28,20 @@ struct tPlace {
   bool isAwaited = false;  // a request that becomes pending and is waited for
 };
 
-// Derives the places of a run from its record.
-[[nodiscard]] std::vector<tPlace> placesOf(const std::vector<nFakeWindows::tCallRecord>& record);
+// Derives the sites of a run from its record.
+[[nodiscard]] std::vector<tCallSite> callSitesOf(
+    const std::vector<nFakeWindows::tCallRecord>& record);
 
 // The requests among them for which the library waits, marked as pending first.
-[[nodiscard]] std::vector<tPlace> awaitedRequestsOf(
+[[nodiscard]] std::vector<tCallSite> awaitedRequestsOf(
     const std::vector<nFakeWindows::tCallRecord>& record);
 
 enum class tConsequence : uint8_t {
-  none,           // not reported
-  code,           // the step reports it
-  withoutMarten,  // continues without a Marten; opening may report a warning
-  untold,         // the session is created with a warning; demotions are not delivered
-  notAFailure,    // the call does not fail with this error
+  none,              // not reported
+  code,              // the step reports it
+  withoutMarten,     // continues without a Marten; opening may report a warning
+  withoutDemotions,  // the session is created with a warning; demotions are not delivered
+  notAFailure,       // the call does not fail with this error
 };
 
 struct tExpectation {
@@ -48,11 +49,11 @@ struct tExpectation {
   int32_t code = 0;
 };
 
-// The consequence required when the call at a place fails for a reason.
-[[nodiscard]] tExpectation expectationOf(const tPlace& place, const tErrorRow& reason);
+// The consequence required when the call at a site fails for a reason.
+[[nodiscard]] tExpectation expectationOf(const tCallSite& site, const tErrorRow& reason);
 
 // The error as the function reports it.
-[[nodiscard]] uint32_t errorAsToldBy(nFakeWindows::tCall call, uint32_t error);
+[[nodiscard]] uint32_t errorReportedBy(nFakeWindows::tCall call, uint32_t error);
 
 }  // namespace nTests
 

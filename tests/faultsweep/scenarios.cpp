@@ -33,7 +33,7 @@ std::string hexadecimal(uint32_t number) {
   return text.data();
 }
 
-void nothingMore(const tRun&) {}
+void noFurtherCheck(const tRun&) {}
 
 // ---- The controller ----
 
@@ -116,12 +116,13 @@ void write(tRun& run) {
   run.single("text of both", [] { return writeText(QUENRA_TEXT_SETTING_OF_BOTH); });
   run.single("text of both, on the Marten",
              [] { return writeText(QUENRA_TEXT_SETTING_OF_BOTH + QUENRA_SELECTOR_MARTEN); });
-  run.single("text that only the Marten has", [] { return writeText(0x10000400); });
-  run.single("text that nobody has", [] { return writeText(QUENRA_ATTRIBUTE_PRODUCT_NAME); });
+  run.single("text of the Marten only",
+             [] { return writeText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION); });
+  run.single("text of no interface", [] { return writeText(QUENRA_ATTRIBUTE_PRODUCT_NAME); });
   run.single("number of the controller", [] {
     return QUENRA_setAttributeU32(QUENRA_HANDLE, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 7);
   });
-  run.single("number that nobody has", [] {
+  run.single("number of no interface", [] {
     return QUENRA_setAttributeU32(QUENRA_HANDLE,
                                   QUENRA_ATTRIBUTE_DRIVER_SETTING_2 + QUENRA_SELECTOR_MARTEN, 7);
   });
@@ -131,12 +132,12 @@ void write(tRun& run) {
 
 // ---- Firmware ----
 
-constexpr uint32_t kMarker = 0x10000400;
+constexpr uint32_t kMarker = QUENRA_ATTRIBUTE_FIRMWARE_VERSION;
 constexpr const char* kMarkerBefore = "1.4.0f7";
 constexpr const char* kMarkerAfter = "0.0.0f0";
 
 // A firmware image with a section of every kind.
-const std::string& wholeImage() {
+const std::string& completeImage() {
   static const std::string image =
       firmwareImage({tFirmwareSection("MARTEN").version("9.0.0f0").payload(firmwareBytes(2000, 2)),
                      tFirmwareSection("SAFEMODE").payload(firmwareBytes(30, 3)),
@@ -149,7 +150,7 @@ const std::string& wholeImage() {
 // Sets the marker to its value before an update.
 void prepareUpdate() {
   const tOffTheRecord offTheRecord;
-  static_cast<void>(wholeImage());
+  static_cast<void>(completeImage());
   nFakeWindows::programs().reset();
   nFakeWindows::programs().install("C:\\Windows\\Sysnative\\pnputil.exe");
   nSimulator::tSimulatedMachine machine;
@@ -162,15 +163,16 @@ void prepareUpdate() {
 void update(tRun& run, uint32_t options) {
   run.need("open", openController);
   run.need("update", [options] {
-    return QUENRA_updateFirmware2(QUENRA_HANDLE, wholeImage().data(), wholeImage().size(), options);
+    return QUENRA_updateFirmware2(QUENRA_HANDLE, completeImage().data(), completeImage().size(),
+                                  options);
   });
   run.silently("close", closeController);
 }
 void updateEverything(tRun& run) {
-  update(run, 1);
+  update(run, QUENRA_UPDATE_ALL);
 }
-void updateWhatIsOlder(tRun& run) {
-  update(run, 0);
+void updateOlderSections(tRun& run) {
+  update(run, QUENRA_UPDATE_NEWER);
 }
 
 // The marker must show whether the last update was carried out.
@@ -208,10 +210,10 @@ struct tClient {
 };
 
 // The client of the current run: reallocation functions have no context.
-tClient* theClient = nullptr;
+tClient* currentClient = nullptr;
 
-char* giveRoom(char*, size_t required, const char*, size_t) {
-  return required <= sizeof theClient->answer ? theClient->answer : nullptr;
+char* reallocate(char*, size_t required, const char*, size_t) {
+  return required <= sizeof currentClient->answer ? currentClient->answer : nullptr;
 }
 
 // Makes one call with its own status and returns the code.
@@ -229,13 +231,13 @@ void findDevice(tClient& client) {
   const tOffTheRecord offTheRecord;
   uint64_t size = sizeof client.name;
   EXPECT_EQ(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, client.name, &size), 0);
-  theClient = &client;
+  currentClient = &client;
 }
 
 void createSession(tRun& run, tClient& client) {
   run.need("create session", withStatus([&client](zoerr_Status& status) {
              client.session = zoroco_ra_quenra_createSessionWithDemotionFunc(
-                 client.name, giveRoom,
+                 client.name, reallocate,
                  [](void* context, int32_t, zoerr_Status*, void*) {
                    ++static_cast<tClient*>(context)->demotions;
                  },
@@ -260,7 +262,7 @@ void makeRoute(tRun& run, tClient& client) {
            }));
 }
 
-void takeDown(tRun& run, tClient& client) {
+void tearDown(tRun& run, tClient& client) {
   run.silently("unprogram",
                [&client] { zoroco_ra_quenra_unprogramRoute(client.session, client.ticket, 0, 0); });
   run.silently("unreserve",
@@ -313,20 +315,30 @@ void routingLife(tRun& run) {
   run.silently("announce", [&client] {
     zoroco_ra_quenra_beginExceptionalRouteDestruction(client.session, client.ticket, 0, 0);
   });
-  takeDown(run, client);
+  tearDown(run, client);
+}
+
+// Without a registration the driver delivers no demotion.
+void expectNoRegistration() {
+  const tOffTheRecord offTheRecord;
+  const tSimulatorCounters counters = nSimulator::tSimulatedMachine().counters();
+  EXPECT_EQ(counters.registrationsBegun, counters.registrationsEnded);
 }
 
 int32_t demote(tClient& client) {
-  // Without notifications no demotion is delivered: wait only briefly.
-  const int patienceMilliseconds = client.created == 0 ? 30000 : 10;
+  constexpr int kTimeoutMilliseconds = 30000;
   {
     const tOffTheRecord offTheRecord;
     nSimulator::tSimulatedMachine().demoteRoute(client.ticket);
   }
-  for (int i = 0; client.demotions == 0 && i < patienceMilliseconds; ++i) {
+  if (client.created != 0) {
+    expectNoRegistration();
+    return kNotDelivered;
+  }
+  for (int i = 0; client.demotions == 0 && i < kTimeoutMilliseconds; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  return client.demotions == 1 ? 0 : kNotTold;
+  return client.demotions == 1 ? 0 : kNotDelivered;
 }
 
 void demotion(tRun& run) {
@@ -335,28 +347,28 @@ void demotion(tRun& run) {
   createSession(run, client);
   makeRoute(run, client);
   run.need(kDemotionStep, [&client] { return demote(client); });
-  takeDown(run, client);
+  tearDown(run, client);
 }
 
-const std::set<int32_t> kOfTheController = {QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL,
+const std::set<int32_t> kControllerCodes = {QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL,
                                             QUENRA_STATUS_NO_CONTROLLER};
-const std::set<int32_t> kOfAnUpdate = {QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL,
-                                       QUENRA_STATUS_NO_CONTROLLER,
-                                       QUENRA_STATUS_UPDATE_ENVIRONMENT};
-const std::set<int32_t> kOfTheRouter = {QUENRA_STATUS_MEMORY_FULL};
+const std::set<int32_t> kUpdateCodes = {QUENRA_STATUS_OUT_OF_MEMORY, QUENRA_STATUS_MEMORY_FULL,
+                                        QUENRA_STATUS_NO_CONTROLLER,
+                                        QUENRA_STATUS_UPDATE_ENVIRONMENT};
+const std::set<int32_t> kRouterCodes = {QUENRA_STATUS_MEMORY_FULL};
 
 }  // namespace
 
 const std::vector<tScenario>& scenarios() {
   static const std::vector<tScenario> all = {
-      {"OpenAndClose", prepareController, openAndClose, nothingMore, kOfTheController},
-      {"EveryText", prepareController, readTexts, nothingMore, kOfTheController},
-      {"EveryNumber", prepareController, readNumbers, nothingMore, kOfTheController},
-      {"Writes", prepareController, write, nothingMore, kOfTheController},
-      {"WholeUpdate", prepareUpdate, updateEverything, checkMarker, kOfAnUpdate},
-      {"ComparingUpdate", prepareUpdate, updateWhatIsOlder, checkMarker, kOfAnUpdate},
-      {"RoutingLife", prepareController, routingLife, nothingMore, kOfTheRouter},
-      {"Demotion", prepareController, demotion, nothingMore, kOfTheRouter},
+      {"OpenAndClose", prepareController, openAndClose, noFurtherCheck, kControllerCodes},
+      {"EveryText", prepareController, readTexts, noFurtherCheck, kControllerCodes},
+      {"EveryNumber", prepareController, readNumbers, noFurtherCheck, kControllerCodes},
+      {"Writes", prepareController, write, noFurtherCheck, kControllerCodes},
+      {"CompleteUpdate", prepareUpdate, updateEverything, checkMarker, kUpdateCodes},
+      {"ComparingUpdate", prepareUpdate, updateOlderSections, checkMarker, kUpdateCodes},
+      {"RoutingLife", prepareController, routingLife, noFurtherCheck, kRouterCodes},
+      {"Demotion", prepareController, demotion, noFurtherCheck, kRouterCodes},
   };
   return all;
 }
