@@ -18,9 +18,9 @@ constexpr size_t kBytesOfDeliveries = 128;
 
 template <class Request>
 Request read(const tDriverRequest& request) {
-  Request record{};
-  std::memcpy(&record, request.input.data(), std::min(sizeof record, request.input.size()));
-  return record;
+  Request result{};
+  std::memcpy(&result, request.input.data(), std::min(sizeof result, request.input.size()));
+  return result;
 }
 
 std::span<uint8_t> memoryAt(uint64_t address, uint64_t size) {
@@ -34,7 +34,7 @@ tModelReply success(size_t size) {
 }
 
 // True for requests that the driver normally keeps pending.
-bool staysPending(uint32_t code) {
+bool isKeptPending(uint32_t code) {
   return code == REQUEST_ARM_DELIVERY || code == REQUEST_REGISTER_NOTIFICATION;
 }
 
@@ -44,11 +44,11 @@ uint32_t failure(tByteSource& bytes) {
   return error == ERROR_IO_PENDING ? DWORD{ERROR_GEN_FAILURE} : error;
 }
 
-tModelReply truth(const tDriverRequest& request) {
+tModelReply unchanged(const tDriverRequest& request) {
   return request.byModel();
 }
 
-tModelReply changed(const tDriverRequest& request, tByteSource& bytes) {
+tModelReply altered(const tDriverRequest& request, tByteSource& bytes) {
   const tModelReply reply = request.byModel();
   if (reply.windowsError == 0 && reply.size != 0) {
     for (int i = 0; i < 4; ++i) {
@@ -58,7 +58,7 @@ tModelReply changed(const tDriverRequest& request, tByteSource& bytes) {
   return reply;
 }
 
-tModelReply anything(const tDriverRequest& request, tByteSource& bytes) {
+tModelReply arbitrary(const tDriverRequest& request, tByteSource& bytes) {
   for (const std::span<uint8_t> offered : offeredTo(request)) {
     bytes.fill(offered.first(std::min<size_t>(offered.size(), bytes.byte())));
   }
@@ -76,19 +76,19 @@ tModelReply shortened(const tDriverRequest& request, tByteSource& bytes) {
 
 tModelReply answerBy(tByteSource& bytes, const tDriverRequest& request) {
   if (bytes.isEmpty()) {
-    return truth(request);
+    return unchanged(request);
   }
   switch (bytes.byte() % 8) {
     case 4:
-      return changed(request, bytes);
+      return altered(request, bytes);
     case 5:
-      return anything(request, bytes);
+      return arbitrary(request, bytes);
     case 6:
       return shortened(request, bytes);
     case 7:
       return {failure(bytes), 0};
     default:
-      return truth(request);
+      return unchanged(request);
   }
 }
 
@@ -107,9 +107,9 @@ uint32_t tByteSource::word() {
   return word;
 }
 
-void tByteSource::fill(std::span<uint8_t> room) {
-  for (uint8_t& place : room) {
-    place = byte();
+void tByteSource::fill(std::span<uint8_t> buffer) {
+  for (uint8_t& next : buffer) {
+    next = byte();
   }
 }
 
@@ -121,29 +121,29 @@ bool tByteSource::isEmpty() {
 std::vector<std::span<uint8_t>> offeredTo(const tDriverRequest& request) {
   switch (request.code) {
     case REQUEST_EXCHANGE_VALUES: {
-      const auto asked = read<tExchangeValuesRequest>(request);
-      return {memoryAt(asked.textBuffer, asked.textSize),
-              memoryAt(asked.tableBuffer, static_cast<uint64_t>(std::max(asked.tableSize, 0)))};
+      const auto record = read<tExchangeValuesRequest>(request);
+      return {memoryAt(record.textBuffer, record.textSize),
+              memoryAt(record.tableBuffer, static_cast<uint64_t>(std::max(record.tableSize, 0)))};
     }
     case REQUEST_GET_ATTRIBUTE: {
-      const auto asked = read<tGetAttributeRequest>(request);
-      return {memoryAt(asked.buffer, asked.size)};
+      const auto record = read<tGetAttributeRequest>(request);
+      return {memoryAt(record.buffer, record.size)};
     }
     case REQUEST_CALCULATE_ROUTE: {
-      const auto asked = read<tCalculateRouteRequest>(request);
-      return {memoryAt(asked.routes, uint64_t{asked.routeCapacity} * sizeof(tRouteRecord))};
+      const auto record = read<tCalculateRouteRequest>(request);
+      return {memoryAt(record.routes, uint64_t{record.routeCapacity} * sizeof(tRouteRecord))};
     }
     case REQUEST_RESERVE_ROUTE: {
-      const auto asked = read<tTicketListRequest>(request);
-      return {memoryAt(asked.buffer, uint64_t{asked.count} * sizeof(tRouteConflict))};
+      const auto record = read<tTicketListRequest>(request);
+      return {memoryAt(record.buffer, uint64_t{record.count} * sizeof(tRouteConflict))};
     }
     case REQUEST_GET_ROUTE_TERMINAL_PATH: {
-      const auto asked = read<tTicketListRequest>(request);
-      return {memoryAt(asked.buffer, uint64_t{asked.count} * sizeof(uint32_t))};
+      const auto record = read<tTicketListRequest>(request);
+      return {memoryAt(record.buffer, uint64_t{record.count} * sizeof(uint32_t))};
     }
     case REQUEST_GET_TOPOGRAPHY_NAME: {
-      const auto asked = read<tGetTopographyNameRequest>(request);
-      return {memoryAt(asked.buffer, asked.size)};
+      const auto record = read<tGetTopographyNameRequest>(request);
+      return {memoryAt(record.buffer, record.size)};
     }
     default:
       return {};
@@ -155,7 +155,7 @@ tMisbehavingDriver::tMisbehavingDriver(std::span<const uint8_t> bytes)
       others_(bytes.subspan(std::min(bytes.size(), kBytesOfDeliveries))) {}
 
 tModelReply tMisbehavingDriver::answer(const tDriverRequest& request) {
-  return answerBy(staysPending(request.code) ? deliveries_ : others_, request);
+  return answerBy(isKeptPending(request.code) ? deliveries_ : others_, request);
 }
 
 }  // namespace nTests

@@ -21,7 +21,7 @@ class tByteSource {
 
   [[nodiscard]] uint8_t byte();
   [[nodiscard]] uint32_t word();
-  void fill(std::span<uint8_t> room);
+  void fill(std::span<uint8_t> buffer);
   [[nodiscard]] bool isEmpty();
 
  private:
@@ -48,6 +48,17 @@ class tMisbehavingDriver {
   tByteSource deliveries_;
   tByteSource others_;
 };
+
+// Prepares the fake machine for the functions below. Call it once.
+void prepareMachine();
+
+// Runs a client that uses attributes, routes and demotions with this driver. Its buffers have the
+// exact size that it passes; `notices` determines the notices that the machine sends. Ends the
+// program if an object remains open.
+void runClient(nFakeWindows::tDriver driver, tByteSource& notices);
+
+// The same with a driver whose replies, completion times and repeated completions follow `bytes`.
+void runClientWithFaults(std::span<const uint8_t> bytes);
 
 }  // namespace nTests
 

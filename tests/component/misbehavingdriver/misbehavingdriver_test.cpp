@@ -17,7 +17,7 @@
 #include "quenra.h"
 #include "quenra_routing.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "tests/component/misbehavingdriver/clientlife.h"
+#include "tests/component/misbehavingdriver/misbehavingdriver.h"
 #include "tests/fakewindows/fakewindowstest.h"
 
 namespace nTests {
@@ -39,7 +39,7 @@ auto answering(uint32_t code, const Reply& reply) {
   };
 }
 
-char* giveRoom(char* current, size_t required, const char*, size_t) {
+char* reallocate(char* current, size_t required, const char*, size_t) {
   return static_cast<char*>(std::realloc(current, required));
 }
 
@@ -47,7 +47,7 @@ class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
  protected:
   void SetUp() override {
     FakeWindowsTest::SetUp();
-    prepareMachineForLives();
+    prepareMachine();
   }
   void TearDown() override {
     closeSession();
@@ -68,7 +68,7 @@ class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
     ASSERT_EQ(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, name, &size), 0);
     zoerr_Status status = zoerr_Status_initial();
     session = zoroco_ra_quenra_createSessionWithDemotionFunc(
-        name, giveRoom,
+        name, reallocate,
         [](void* context, int32_t, zoerr_Status*, void*) {
           ++*static_cast<std::atomic<int>*>(context);
         },
@@ -110,7 +110,7 @@ class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
     notice.notification = notification;
     nSimulator::tSimulatedMachine().notify(notice);
   }
-  [[nodiscard]] bool isTold(int times = 1) const {
+  [[nodiscard]] bool isDelivered(int times = 1) const {
     for (int i = 0; demotions < times && i < 20000; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
@@ -124,11 +124,11 @@ class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
 
 // ---- Replies ----
 
-TEST_F(MisbehavingDriver, EveryReplyCutAtAnyLength_IsSurvived) {
+TEST_F(MisbehavingDriver, TruncatedReplies_AreHandled) {
   for (uint32_t length = 0; length < 13; ++length) {
     SCOPED_TRACE(length);
     tByteSource notices;
-    liveWith(
+    runClient(
         [length](const tDriverRequest& request) {
           tModelReply reply = request.byModel();
           reply.size = std::min(reply.size, length);
@@ -138,7 +138,7 @@ TEST_F(MisbehavingDriver, EveryReplyCutAtAnyLength_IsSurvived) {
   }
 }
 
-TEST_F(MisbehavingDriver, StatusOfAnyValue_ArrivesAsItIs) {
+TEST_F(MisbehavingDriver, StatusOfAnyValue_IsReturnedUnchanged) {
   open();
   for (const int32_t code : {INT32_MIN, -1, 1, INT32_MAX}) {
     machine().useDriver(answering(REQUEST_GET_ATTRIBUTE, tGetAttributeReply{4, code}));
@@ -149,7 +149,7 @@ TEST_F(MisbehavingDriver, StatusOfAnyValue_ArrivesAsItIs) {
   close();
 }
 
-TEST_F(MisbehavingDriver, TextLongerThanItsBuffer_IsNotSaidToFillMore) {
+TEST_F(MisbehavingDriver, TextLongerThanItsBuffer_KeepsTheSizeOfTheBuffer) {
   open();
   machine().useDriver(answering(REQUEST_GET_ATTRIBUTE, tGetAttributeReply{0xFFFFFFFF, 0}));
   char text[8] = "";
@@ -161,11 +161,11 @@ TEST_F(MisbehavingDriver, TextLongerThanItsBuffer_IsNotSaidToFillMore) {
                                 tGetAttributeReply{0xFFFFFFFF, QUENRA_STATUS_BUFFER_TOO_SMALL}));
   EXPECT_EQ(QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, text, &size),
             QUENRA_STATUS_BUFFER_TOO_SMALL);
-  EXPECT_EQ(size, 0xFFFFFFFFu) << "what is needed is the driver's to say";
+  EXPECT_EQ(size, 0xFFFFFFFFu) << "the driver reports the size needed";
   close();
 }
 
-TEST_F(MisbehavingDriver, TableLargerThanAnyMachineHas_IsNotMadeRoomFor) {
+TEST_F(MisbehavingDriver, ImplausibleTableSize_FailsWithMemoryFull) {
   for (const auto& [text, table] : {std::pair<uint32_t, uint32_t>{0xFFFFFFFF, 0x7FFFFFFF},
                                     {0xFFFFFFFF, 16},
                                     {16, 0x7FFFFFFF},
@@ -180,7 +180,7 @@ TEST_F(MisbehavingDriver, TableLargerThanAnyMachineHas_IsNotMadeRoomFor) {
 
 // ---- Counts ----
 
-TEST_F(MisbehavingDriver, MoreRoutesThanThereIsRoomFor_AreCutToTheRoom) {
+TEST_F(MisbehavingDriver, MoreRoutesThanTheCapacity_AreTruncated) {
   openSession();
   machine().useDriver(answering(REQUEST_CALCULATE_ROUTE, tCalculateRouteReply{7, 0xFFFFFFFF, 0}));
   EXPECT_EQ(calculate(), 0);
@@ -188,7 +188,7 @@ TEST_F(MisbehavingDriver, MoreRoutesThanThereIsRoomFor_AreCutToTheRoom) {
   EXPECT_EQ(std::count(answer.begin(), answer.end(), '{'), 8) << "four routes, each with a set";
 }
 
-TEST_F(MisbehavingDriver, MoreConflictsThanCanBe_AreShortMemory) {
+TEST_F(MisbehavingDriver, ImplausibleConflictCount_FailsWithMemoryFull) {
   openSession();
   for (const uint32_t count : {1025u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
     machine().useDriver(
@@ -198,30 +198,30 @@ TEST_F(MisbehavingDriver, MoreConflictsThanCanBe_AreShortMemory) {
   }
 }
 
-TEST_F(MisbehavingDriver, PathThatGrowsBetweenTwoRequests_IsAskedForTwiceAndThenRefused) {
+TEST_F(MisbehavingDriver, PathThatGrowsBetweenRequests_FailsAfterTwoRequests) {
   openSession();
-  int asked = 0;
-  machine().useDriver([&asked](const tDriverRequest& request) {
+  int requests = 0;
+  machine().useDriver([&requests](const tDriverRequest& request) {
     if (request.code != REQUEST_GET_ROUTE_TERMINAL_PATH) {
       return request.byModel();
     }
-    const tTicketListReply reply{40u << ++asked, DRIVER_STATUS_PATH_TOO_LONG};
+    const tTicketListReply reply{40u << ++requests, DRIVER_STATUS_PATH_TOO_LONG};
     std::memcpy(request.output.data(), &reply, sizeof reply);
     return tModelReply{0, sizeof reply};
   });
   EXPECT_EQ(path(), DRIVER_STATUS_PATH_TOO_LONG);
-  EXPECT_EQ(asked, 2);
+  EXPECT_EQ(requests, 2);
   EXPECT_EQ(output, nullptr);
 }
 
-TEST_F(MisbehavingDriver, PathSaidToBeLongerThanItsBuffer_IsCutToTheBuffer) {
+TEST_F(MisbehavingDriver, PathLongerThanItsBuffer_IsTruncated) {
   openSession();
   machine().useDriver(answering(REQUEST_GET_ROUTE_TERMINAL_PATH, tTicketListReply{0xFFFFFFFF, 0}));
   EXPECT_EQ(path(), 0);
   EXPECT_LT(std::strlen(output), 4096u);
 }
 
-TEST_F(MisbehavingDriver, PathOfMoreTerminalsThanThereAre_IsShortMemory) {
+TEST_F(MisbehavingDriver, ImplausiblePathLength_FailsWithMemoryFull) {
   openSession();
   machine().useDriver(answering(REQUEST_GET_ROUTE_TERMINAL_PATH,
                                 tTicketListReply{0xFFFFFFFF, DRIVER_STATUS_PATH_TOO_LONG}));
@@ -237,11 +237,11 @@ TEST_F(MisbehavingDriver, NoticeForAnUnknownObject_IsDropped) {
     notify(0, address);
   }
   notify(0);
-  EXPECT_TRUE(isTold());
+  EXPECT_TRUE(isDelivered());
   EXPECT_EQ(demotions, 1);
 }
 
-TEST_F(MisbehavingDriver, PayloadLargerThanItsBuffer_IsNotReadAndEndsTheNotices) {
+TEST_F(MisbehavingDriver, PayloadLargerThanItsBuffer_EndsTheNotices) {
   for (const uint32_t size : {33u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
     demotions = 0;
     openSession();
@@ -253,11 +253,11 @@ TEST_F(MisbehavingDriver, PayloadLargerThanItsBuffer_IsNotReadAndEndsTheNotices)
   }
 }
 
-TEST_F(MisbehavingDriver, CompletionThatComesTwice_IsTakenOnce) {
+TEST_F(MisbehavingDriver, RepeatedCompletion_IsDeliveredOnce) {
   objects().repeatCompletions(2);
   openSession();
   notify(0);
-  EXPECT_TRUE(isTold());
+  EXPECT_TRUE(isDelivered());
   closeSession();
   objects().repeatCompletions(1);
   EXPECT_EQ(demotions, 1);
@@ -266,7 +266,7 @@ TEST_F(MisbehavingDriver, CompletionThatComesTwice_IsTakenOnce) {
 TEST_F(MisbehavingDriver, DeliveryShorterThanANotice_IsDropped) {
   openSession();
   notify(0);
-  EXPECT_TRUE(isTold());
+  EXPECT_TRUE(isDelivered());
   // The next three requests for a delivery complete immediately, without the bytes of a notice; the
   // fourth is armed.
   std::atomic<int> answered = 0;
@@ -275,21 +275,21 @@ TEST_F(MisbehavingDriver, DeliveryShorterThanANotice_IsDropped) {
     return isDelivery && ++answered < 4 ? tModelReply{0, 0} : request.byModel();
   });
   notify(0);
-  EXPECT_TRUE(isTold(2));
+  EXPECT_TRUE(isDelivered(2));
   closeSession();
   EXPECT_EQ(answered, 4);
-  EXPECT_EQ(demotions, 2) << "an old notice is not told again";
+  EXPECT_EQ(demotions, 2) << "an old notice is not delivered again";
 }
 
 // ---- Random replies ----
 
-TEST_F(MisbehavingDriver, ThousandsOfLivesOfLies_AreSurvived) {
+TEST_F(MisbehavingDriver, RandomFaults_CauseNoHarm) {
   for (uint32_t seed = 1; seed <= 3000; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     std::vector<uint8_t> bytes(random() % 2048);
     std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<uint8_t>(random()); });
-    liveWithLies(bytes);
+    runClientWithFaults(bytes);
   }
 }
 

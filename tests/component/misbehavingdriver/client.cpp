@@ -1,5 +1,4 @@
-#include "tests/component/misbehavingdriver/clientlife.h"
-
+// A client of the exports, run with a misbehaving driver.
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -28,25 +27,21 @@ using nFakeWindows::machine;
 using nFakeWindows::objects;
 using nFakeWindows::tOffTheRecord;
 
-[[noreturn]] void complain(const char* what) {
-  std::fprintf(stderr, "a client of a misbehaving driver: %s\n", what);
-  std::abort();
-}
-
-void require(bool condition, const char* what) {
+void require(bool condition, const char* failure) {
   if (!condition) {
-    complain(what);
+    std::fprintf(stderr, "a client of a misbehaving driver: %s\n", failure);
+    std::abort();
   }
 }
 
 // ---- Attributes ----
 
-void readText(uint32_t attribute, uint64_t room) {
-  const std::unique_ptr<char[]> buffer(room == 0 ? nullptr : new char[room]());
-  uint64_t size = room;
+void readText(uint32_t attribute, uint64_t capacity) {
+  const std::unique_ptr<char[]> buffer(capacity == 0 ? nullptr : new char[capacity]());
+  uint64_t size = capacity;
   const int32_t code = QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, buffer.get(), &size);
-  require(code < 0 || size <= room, "a text is said to be longer than its buffer");
-  require(code < 0 || room == 0 || std::memchr(buffer.get(), 0, room) != nullptr,
+  require(code < 0 || size <= capacity, "a text is reported as longer than its buffer");
+  require(code < 0 || capacity == 0 || std::memchr(buffer.get(), 0, capacity) != nullptr,
           "a text has no NUL");
 }
 
@@ -56,10 +51,10 @@ void useController() {
     return;
   }
   constexpr uint32_t kMartenText = QUENRA_ATTRIBUTE_FIRMWARE_VERSION + QUENRA_SELECTOR_MARTEN;
-  for (const unsigned room : {0u, 1u, 7u, 64u}) {
-    readText(kMartenText, room);
-    readText(QUENRA_ATTRIBUTE_PRODUCT_NAME, room);
-    readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS, room);
+  for (const unsigned capacity : {0u, 1u, 7u, 64u}) {
+    readText(kMartenText, capacity);
+    readText(QUENRA_ATTRIBUTE_PRODUCT_NAME, capacity);
+    readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS, capacity);
   }
   for (const uint32_t attribute :
        {uint32_t{QUENRA_ATTRIBUTE_PROCESSOR_SETTING}, uint32_t{QUENRA_ATTRIBUTE_DRIVER_SETTING_1},
@@ -75,7 +70,7 @@ void useController() {
 
 // ---- Routes ----
 
-char* giveRoom(char* current, size_t required, const char*, size_t) {
+char* reallocate(char* current, size_t required, const char*, size_t) {
   std::free(current);
   return static_cast<char*>(std::malloc(required));
 }
@@ -87,10 +82,10 @@ class tClient {
     std::array<char, 256> name{};
     uint64_t size = name.size();
     require(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, name.data(), &size) == 0,
-            "there is no device path");
+            "the device path is not read");
     with([&](zoerr_Status* status) {
       session = zoroco_ra_quenra_createSessionWithDemotionFunc(
-          name.data(), giveRoom,
+          name.data(), reallocate,
           [](void* context, int32_t, zoerr_Status*, void*) {
             ++*static_cast<std::atomic<int>*>(context);
           },
@@ -186,34 +181,34 @@ void useRoutes(tByteSource& notices) {
 
 }  // namespace
 
-void prepareMachineForLives() {
+void prepareMachine() {
   faultPlan().reset();
   machine().reset();
   nFakeWindows::com()->reset();
   nSimulator::tSimulatedMachine().setTable(tReferenceTable().build());
 }
 
-void liveWith(nFakeWindows::tDriver driver, tByteSource& notices) {
+void runClient(nFakeWindows::tDriver driver, tByteSource& notices) {
   machine().useDriver(std::move(driver));
   useController();
   useRoutes(notices);
   machine().useDriver(nullptr);
   objects().waitForThreads();
-  require(objects().open().empty(), "something is left open");
+  require(objects().open().empty(), "an object is left open");
 }
 
-void liveWithLies(std::span<const uint8_t> bytes) {
+void runClientWithFaults(std::span<const uint8_t> bytes) {
   constexpr size_t kBytesOfNotices = 64;
   faultPlan().reset();
-  const uint8_t manner = bytes.empty() ? 0 : bytes[0];
+  const uint8_t variant = bytes.empty() ? 0 : bytes[0];
   // Late completions are slow: one input in 32 uses them.
-  faultPlan().complete(manner % 32 == 1 ? nFakeWindows::tCompletion::later
-                                        : nFakeWindows::tCompletion::atOnce);
-  objects().repeatCompletions(manner / 32 % 3 + 1u);
+  faultPlan().complete(variant % 32 == 1 ? nFakeWindows::tCompletion::later
+                                         : nFakeWindows::tCompletion::atOnce);
+  objects().repeatCompletions(variant / 32 % 3 + 1u);
   const size_t bytesOfNotices = std::min(bytes.size(), kBytesOfNotices);
   tByteSource notices(bytes.first(bytesOfNotices));
   const auto driver = std::make_shared<tMisbehavingDriver>(bytes.subspan(bytesOfNotices));
-  liveWith(
+  runClient(
       [driver](const nFakeWindows::tDriverRequest& request) { return driver->answer(request); },
       notices);
   objects().repeatCompletions(1);
