@@ -24,9 +24,9 @@ namespace {
 
 using zoerr::tAppendResult;
 
-void require(bool holds, const char* promise) {
-  if (!holds) {
-    std::fprintf(stderr, "broken promise: %s\n", promise);
+void require(bool condition, const char* invariant) {
+  if (!condition) {
+    std::fprintf(stderr, "violated: %s\n", invariant);
     std::abort();
   }
 }

@@ -22,9 +22,9 @@ using namespace nQUENRA1400;
 using nTests::tPlainImage;
 using nTests::tPlainRecord;
 
-void require(bool holds, const char* promise) {
-  if (!holds) {
-    std::fprintf(stderr, "broken promise: %s\n", promise);
+void require(bool condition, const char* invariant) {
+  if (!condition) {
+    std::fprintf(stderr, "violated: %s\n", invariant);
     std::abort();
   }
 }

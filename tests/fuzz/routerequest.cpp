@@ -93,14 +93,14 @@ std::unique_ptr<char[]> exactCopy(const std::string& text) {
   return copy;
 }
 
-void checkRefusal(const zoerr::Status& status, bool isSound) {
+void checkRejection(const zoerr::Status& status, bool isSound) {
   require(status.code == QUENRA_STATUS_INVALID_PARAMETER,
-          "a request is refused as an invalid parameter");
+          "a rejected request fails with INVALID_PARAMETER");
   const auto description = treeOf(status.description);
   require(description && description->IsObject(), "the description is a JSON object");
   const std::string_view message = (*description)["zoroco_debug"].GetString();
   require(!isSound || message == "malformed JSON" || message == "JSON nested too deeply",
-          "a sound document is only refused for its depth or its texts");
+          "a sound document is rejected for its depth or its texts only");
 }
 
 }  // namespace
@@ -110,9 +110,9 @@ std::string textOf(const uint8_t* data, size_t size) {
   return text.substr(0, text.find('\0'));
 }
 
-void require(bool holds, const char* promise) {
-  if (!holds) {
-    std::fprintf(stderr, "broken promise: %s\n", promise);
+void require(bool condition, const char* invariant) {
+  if (!condition) {
+    std::fprintf(stderr, "violated: %s\n", invariant);
     std::abort();
   }
 }
@@ -151,25 +151,25 @@ const rapidjson::Value* lastMember(const rapidjson::Value& object, const char* n
 }
 
 void calculate(const tDocuments& documents, bool isSound) {
-  static tSession on;
+  static tSession fuzzed;
   const auto seeds = exactCopy(documents.seeds);
   const auto destinations = exactCopy(documents.destinations);
   const auto modifiers = exactCopy(documents.modifiers);
   char* output = nullptr;
   try {
-    on.session.calculateRoute({seeds.get(), destinations.get(), modifiers.get()}, &output,
-                              on.status);
-    require(isSound, "a document that is not sound is refused");
-    require(on.script.router.calls.size() == 1, "a request is sent once");
+    fuzzed.session.calculateRoute({seeds.get(), destinations.get(), modifiers.get()}, &output,
+                                  fuzzed.status);
+    require(isSound, "an unsound document is rejected");
+    require(fuzzed.script.router.calls.size() == 1, "a request is sent once");
     const auto routes = treeOf(output);
     require(routes && routes->IsArray(), "the answer is a JSON array");
   } catch (const zoerr::ExceptionBase& exception) {
-    require(on.script.router.calls.empty(), "a request that is refused is not sent");
-    require(output == nullptr, "a request that is refused has no answer");
-    checkRefusal(exception.status(), isSound);
+    require(fuzzed.script.router.calls.empty(), "a rejected request is not sent");
+    require(output == nullptr, "a rejected request has no answer");
+    checkRejection(exception.status(), isSound);
   }
   // Releases all memory: libFuzzer would otherwise run a leak check after every input.
-  on.script.router.calls = {};
+  fuzzed.script.router.calls = {};
   answer.reset();
   static_cast<void>(nFakeWindows::takeDebuggerOutput());
 }

@@ -22,7 +22,7 @@ struct tDocuments {
 [[nodiscard]] std::string textOf(const uint8_t* data, size_t size);
 
 // Ends the program unless the condition holds.
-void require(bool holds, const char* promise);
+void require(bool condition, const char* invariant);
 
 // Calculates routes with the documents in memory of exactly their size. The session must either
 // send the request once and answer with JSON, or send nothing and fail with invalid parameter and a

@@ -44,9 +44,9 @@ constexpr const char* kMarkerBefore = "1.4.0f7";
 constexpr std::string_view kMarkerMeanwhile = "0.0.0f0";
 constexpr const char* kTool = "C:\\Windows\\Sysnative\\pnputil.exe";
 
-void require(bool holds, const char* promise) {
-  if (!holds) {
-    std::fprintf(stderr, "broken promise: %s\n", promise);
+void require(bool condition, const char* invariant) {
+  if (!condition) {
+    std::fprintf(stderr, "violated: %s\n", invariant);
     std::abort();
   }
 }

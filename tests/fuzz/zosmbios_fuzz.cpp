@@ -27,9 +27,9 @@ using nZOAPALS100::tStatus;
 using tBytes = std::span<const uint8_t>;
 using tWalk = std::vector<tWalkedStructure>;
 
-void require(bool holds, const char* promise) {
-  if (!holds) {
-    std::fprintf(stderr, "broken promise: %s\n", promise);
+void require(bool condition, const char* invariant) {
+  if (!condition) {
+    std::fprintf(stderr, "violated: %s\n", invariant);
     std::abort();
   }
 }
@@ -185,7 +185,7 @@ void askText(cZoSmBiosProvider& provider, const tQuestion& question, tFieldId fi
     require(askText(provider, field, question.instance, answer.size - 1).code == kBufferTooSmall,
             "the size needed is the least");
   } else {
-    require(answer.size == question.size, "the size is told only when it is too small");
+    require(answer.size == question.size, "the size is reported only when it is too small");
     require(answer.code == 0 || answer.code == kNoString || answer.code == kFieldNotFound ||
                 answer.code == kTableMalformed,
             "a text's code");
