@@ -1,10 +1,23 @@
+// Windows builds have no other libraries.
+#include "bench/peers.h"
+
+#ifdef _WIN32
+
+namespace nBench {
+
+std::vector<tDecoder> otherLibraries() {
+  return {};
+}
+
+}  // namespace nBench
+
+#else
+
 #include <openssl/evp.h>
 
 #include <boost/crc.hpp>
 #include <cstdlib>
 #include <memory>
-
-#include "bench/peers.h"
 
 namespace nBench {
 namespace {
@@ -38,3 +51,5 @@ std::vector<tDecoder> otherLibraries() {
 }
 
 }  // namespace nBench
+
+#endif

@@ -1,3 +1,4 @@
+// The reference points of the measurements: other decoders, and memory alone.
 #ifndef BENCH_PEERS_H
 #define BENCH_PEERS_H
 
