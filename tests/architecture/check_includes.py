@@ -24,7 +24,7 @@ MAY_CALL_WINDOWS = (
     "simulator/driverstore/", "simulator/scenario/",
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
     "tools/quenra/firmware/files.cpp",
-    "tools/quenra/reading/tquenralibrary.cpp", "tools/quenra/update/tupdatefacts.cpp",
+    "tools/quenra/quenradll.h", "tools/quenra/update/tupdatefacts.cpp",
     "tools/quenra/update/tupdatelock.cpp",
     "tests/",
 )

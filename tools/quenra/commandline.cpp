@@ -1,29 +1,23 @@
 #include "tools/quenra/commandline.h"
 
-#include <span>
-#include <string_view>
-
 #include "tools/quenra/grammar/parser.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/streams.h"
-#include "tools/quenra/verbs/verbcontext.h"
+#include "tools/quenra/verbtable.h"
 
 namespace nCommandLine {
 namespace {
 
-using tWords = std::span<const char* const>;
-
-tExitCode report(const tCommandError& error, const tVerbContext& context, tWords words) {
+tExitCode report(const tCommandError& error, const tVerbContext& context, tCommandWords words) {
   printError(context.streams.error, error);
   if (context.json) {
-    writeErrorDocument(context.streams.out, error, verbIn(words));
+    writeErrorDocument(context.streams.out, error, verbIn(kGrammar, words));
   }
   return error.exitCode();
 }
 
-tExitCode runWords(const tVerbContext& context, tWords words) {
+tExitCode runWords(const tVerbContext& context, tCommandWords words) {
   try {
-    const tArguments arguments = parseArguments(words);
+    const tArguments arguments = parseArguments(kGrammar, words);
     return arguments.verb().run(arguments, context);
   } catch (const tCommandError& error) {
     return report(error, context, words);
@@ -54,8 +48,9 @@ tExitCode reportOutputFailure(const tStreams& streams) {
 }  // namespace
 
 int runCommandLine(int argc, const char* const* argv, tStreams& streams, const tPorts& ports) {
-  const tWords words = tWords(argv, static_cast<size_t>(argc)).subspan(argc > 0 ? 1 : 0);
-  tExitCode exitCode = runWords({ports, streams, wantsJson(words)}, words);
+  const tCommandWords words =
+      tCommandWords(argv, static_cast<size_t>(argc)).subspan(argc > 0 ? 1 : 0);
+  tExitCode exitCode = runWords({ports, streams, requestsJson(words), kGrammar}, words);
   if (!streams.out.flush()) {
     // The caller must not mistake a truncated answer for a complete one.
     exitCode = reportOutputFailure(streams);

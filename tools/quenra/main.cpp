@@ -19,8 +19,7 @@
 
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/output/waiting.h"
-#include "tools/quenra/reading/tquenralibrary.h"
-#include "tools/quenra/routing/tquenrarouting.h"
+#include "tools/quenra/quenradll.h"
 #include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/update/tupdatefacts.h"
 #include "tools/quenra/update/tupdatelock.h"

@@ -1,8 +1,7 @@
 #include <algorithm>
 
 #include "tests/component/commandline/commandlinetest.h"
-#include "tools/quenra/grammar/verbtable.h"
-#include "tools/quenra/grammar/wordsets.h"
+#include "tools/quenra/verbtable.h"
 
 namespace nTests {
 namespace {
@@ -23,14 +22,14 @@ class Completion : public CommandLineTest {
   }
   // No completions, or those that the scripts contain.
   static bool isKnown(const tWordSet* words) {
-    return words == nullptr || std::ranges::count(kWordSets, words) == 1;
+    return words == nullptr || std::ranges::count(kGrammar.wordSets, words) == 1;
   }
 };
 
 TEST_F(Completion, EveryScript_ContainsEveryVerbOptionAndWord) {
   for (const char* const shell : {"bash", "powershell"}) {
     const std::string script = scriptFor(shell);
-    for (const tVerbRow& verb : kVerbs) {
+    for (const tVerbRow& verb : kGrammar.verbs) {
       EXPECT_THAT(script, HasSubstr(verb.name));
       for (const tOptionRow& option : verb.options) {
         EXPECT_THAT(script, HasSubstr(option.name)) << verb.name;
@@ -41,7 +40,7 @@ TEST_F(Completion, EveryScript_ContainsEveryVerbOptionAndWord) {
         EXPECT_TRUE(isKnown(positional.words)) << positional.name << " of " << verb.name;
       }
     }
-    for (const tWordSet* const set : kWordSets) {
+    for (const tWordSet* const set : kGrammar.wordSets) {
       for (const tOfferedWord& offered : set->words()) {
         EXPECT_THAT(script, HasSubstr(offered.word)) << shell;
       }
@@ -52,7 +51,7 @@ TEST_F(Completion, EveryScript_ContainsEveryVerbOptionAndWord) {
 TEST_F(Completion, RouteEnds_OfferTheTerminals) {
   for (const char* const verb : {"route plan", "route connect"}) {
     for (const char* const name : {"--from", "--to"}) {
-      const auto& options = findVerb(verb)->options;
+      const auto& options = kGrammar.findVerb(verb)->options;
       const auto option = std::ranges::find(options, std::string_view(name), &tOptionRow::name);
       ASSERT_NE(option, options.end());
       EXPECT_EQ(option->words, &kTerminalWords) << verb << " " << name;
@@ -70,11 +69,11 @@ TEST_F(Completion, Set_OffersTheWritableAttributesOnly) {
   std::vector<std::string_view> names;
   std::ranges::transform(words, std::back_inserter(names), &tOfferedWord::word);
   EXPECT_THAT(names, ElementsAre("driver-setting-1", "driver-setting-2", "text-setting-of-both"));
-  EXPECT_EQ(findVerb("set")->positionals[0].words, &kWritableWords);
+  EXPECT_EQ(kGrammar.findVerb("set")->positionals[0].words, &kWritableWords);
 }
 
 TEST_F(Completion, DeviceOfASection_OffersTheDevices) {
-  const auto& options = findVerb("firmware build")->options;
+  const auto& options = kGrammar.findVerb("firmware build")->options;
   const auto device = std::ranges::find(options, std::string_view("--device"), &tOptionRow::name);
   ASSERT_NE(device, options.end());
   ASSERT_NE(device->words, nullptr);
@@ -90,7 +89,7 @@ TEST_F(Completion, Bash_FallsBackToFileNames) {
 }
 
 TEST_F(Completion, OfferedWords_NeedNoQuotingInAShell) {
-  for (const tWordSet* const set : kWordSets) {
+  for (const tWordSet* const set : kGrammar.wordSets) {
     EXPECT_FALSE(set->words().empty()) << set->name;
     for (const tOfferedWord& offered : set->words()) {
       EXPECT_EQ(offered.word.find_first_not_of(

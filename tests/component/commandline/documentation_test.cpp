@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "tests/component/commandline/repositoryfile.h"
-#include "tools/quenra/grammar/synopsis.h"
-#include "tools/quenra/grammar/verbtable.h"
+#include "tools/quenra/grammar/grammar.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/verbtable.h"
 
 namespace nTests {
 namespace {
@@ -33,7 +33,7 @@ TEST(Documentation, AttributeTable_IsTheCatalogue) {
 
 TEST(Documentation, SynopsisOfEveryVerb_IsTheGuides) {
   const std::vector<std::string> lines = linesOf("docs/command-line.md");
-  for (const tVerbRow& verb : kVerbs) {
+  for (const tVerbRow& verb : kGrammar.verbs) {
     const std::string documented = "    " + synopsis(verb);
     EXPECT_THAT(lines, testing::Contains(
                            testing::AnyOf(documented, testing::StartsWith(documented + "  "))));

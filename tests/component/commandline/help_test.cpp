@@ -1,7 +1,7 @@
 #include "quenra_version.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tools/quenra/grammar/verbtable.h"
 #include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/verbtable.h"
 
 namespace nTests {
 namespace {
@@ -15,14 +15,14 @@ TEST_F(Help, NamesEveryVerb) {
   const tRun result = run({"--help"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.error, IsEmpty());
-  for (const nCommandLine::tVerbRow& verb : nCommandLine::kVerbs) {
+  for (const nCommandLine::tVerbRow& verb : nCommandLine::kGrammar.verbs) {
     EXPECT_THAT(result.out, HasSubstr("\n  " + std::string(verb.name) + " "));
     EXPECT_THAT(result.out, HasSubstr(std::string(verb.summary) + "\n"));
   }
 }
 
 TEST_F(Help, EndsWithExamplesAndExitCodes) {
-  for (const nCommandLine::tVerbRow& verb : nCommandLine::kVerbs) {
+  for (const nCommandLine::tVerbRow& verb : nCommandLine::kGrammar.verbs) {
     std::vector<std::string> words = wordsOf(verb.name);
     words.emplace_back("--help");
     const std::string text = run(words).out;
@@ -61,7 +61,7 @@ TEST_F(Help, OfAGroup_TellsEachOfItsVerbs) {
   const tRun result = run({"firmware", "--help"});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(run({"help", "firmware"}).out, result.out);
-  for (const nCommandLine::tVerbRow& verb : nCommandLine::kVerbs) {
+  for (const nCommandLine::tVerbRow& verb : nCommandLine::kGrammar.verbs) {
     EXPECT_EQ(result.out.find("quenra " + std::string(verb.name)) != std::string::npos,
               verb.name.starts_with("firmware "))
         << verb.name;

@@ -1,9 +1,8 @@
-#include "tools/quenra/manual/manualpage.h"
+#include "tools/quenra/grammar/generatedtexts.h"
 
 #include "tests/component/commandline/commandlinetest.h"
 #include "tests/component/commandline/repositoryfile.h"
-#include "tools/quenra/grammar/verbtable.h"
-#include "tools/quenra/manual/roff.h"
+#include "tools/quenra/verbtable.h"
 
 namespace nTests {
 namespace {
@@ -14,8 +13,8 @@ using testing::HasSubstr;
 using ManualPage = CommandLineTest;
 
 TEST_F(ManualPage, NamesEveryVerbOptionExampleAndExitCode) {
-  const std::string page = manualPage();
-  for (const tVerbRow& verb : kVerbs) {
+  const std::string page = manualPage(kGrammar);
+  for (const tVerbRow& verb : kGrammar.verbs) {
     EXPECT_THAT(page, HasSubstr("\n.SS " + roffText(verb.name) + "\n"));
     EXPECT_THAT(page, HasSubstr("\n\\fBquenra " + roffText(verb.name) + "\\fR"));
     EXPECT_THAT(page, HasSubstr("\n" + roffText(verb.summary) + ".\n"));
@@ -36,8 +35,9 @@ TEST_F(ManualPage, NamesEveryVerbOptionExampleAndExitCode) {
 }
 
 TEST_F(ManualPage, IsPrintedByHelp) {
-  EXPECT_EQ(run({"help", "--manual"}).out, manualPage());
-  EXPECT_EQ(run({"help", "--manual", "--json"}).document()["text"].GetString(), manualPage());
+  EXPECT_EQ(run({"help", "--manual"}).out, manualPage(kGrammar));
+  EXPECT_EQ(run({"help", "--manual", "--json"}).document()["text"].GetString(),
+            manualPage(kGrammar));
   EXPECT_EQ(run({"help", "--manual", "get"}).exitCode, 2);
 }
 
@@ -46,7 +46,7 @@ TEST_F(ManualPage, CommittedPage_IsTheProgramsOwn) {
   for (const std::string& line : linesOf("docs/quenra.1")) {
     committed += line + "\n";
   }
-  EXPECT_EQ(committed, manualPage())
+  EXPECT_EQ(committed, manualPage(kGrammar))
       << "Print it anew: ./dev wine -- quenra help --manual > docs/quenra.1";
 }
 

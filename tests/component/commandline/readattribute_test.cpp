@@ -1,9 +1,8 @@
-#include "tools/quenra/reading/readattribute.h"
+#include "tools/quenra/reading/tcontroller.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/component/commandline/tscriptedlibrary.h"
-#include "tools/quenra/reading/tcontroller.h"
 
 namespace nTests {
 namespace {

@@ -1,7 +1,8 @@
 #include "quenra_attributes.h"
 #include "tests/component/commandline/commandlinetest.h"
 #include "tools/quenra/output/waiting.h"
-#include "tools/quenra/routing/answers.h"
+#include "tools/quenra/routing/routedocuments.h"
+#include "tools/quenra/routing/troutingsession.h"
 
 namespace nTests {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/quenra/output/valuetext.h"
+#include "tools/quenra/reading/readingoutput.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/quenra/grammar/verbtable.h"
+#include "tools/quenra/verbtable.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,11 +24,11 @@ tArguments parsed(std::string_view command) {
   for (const std::string& word : words) {
     pointers.push_back(word.c_str());
   }
-  return parseArguments(pointers);
+  return parseArguments(kGrammar, pointers);
 }
 
 TEST(VerbTable, EveryExample_IsACommandLineOfItsVerb) {
-  for (const tVerbRow& verb : kVerbs) {
+  for (const tVerbRow& verb : kGrammar.verbs) {
     ASSERT_FALSE(verb.examples.empty()) << verb.name;
     for (const tExampleRow& example : verb.examples) {
       EXPECT_EQ(&parsed(example.command).verb(), &verb) << example.command;
@@ -39,9 +39,9 @@ TEST(VerbTable, EveryExample_IsACommandLineOfItsVerb) {
 
 TEST(VerbTable, NamesAreUsedOnce) {
   std::set<std::string_view> verbs;
-  for (const tVerbRow& verb : kVerbs) {
+  for (const tVerbRow& verb : kGrammar.verbs) {
     EXPECT_TRUE(verbs.insert(verb.name).second) << verb.name;
-    EXPECT_EQ(findVerb(verb.name), &verb);
+    EXPECT_EQ(kGrammar.findVerb(verb.name), &verb);
     std::set<std::string_view> words;
     for (const tOptionRow& row : kOptionsOfTheProgram) {
       words.insert(row.name);
@@ -56,7 +56,7 @@ TEST(VerbTable, NamesAreUsedOnce) {
 }
 
 TEST(VerbTable, RowsAreWrittenAlike) {
-  for (const tVerbRow& verb : kVerbs) {
+  for (const tVerbRow& verb : kGrammar.verbs) {
     EXPECT_FALSE(verb.summary.ends_with('.')) << verb.name;
     EXPECT_TRUE(verb.details.empty() || verb.details.ends_with('.')) << verb.name;
     for (const tOptionRow& row : verb.options) {
@@ -70,7 +70,7 @@ TEST(VerbTable, RowsAreWrittenAlike) {
 }
 
 TEST(VerbTable, OptionsOfOneChoice_StandSideBySide) {
-  for (const tVerbRow& verb : kVerbs) {
+  for (const tVerbRow& verb : kGrammar.verbs) {
     std::set<std::string_view> closed;
     std::string_view open;
     for (const tOptionRow& row : verb.options) {
@@ -85,7 +85,7 @@ TEST(VerbTable, OptionsOfOneChoice_StandSideBySide) {
 
 TEST(VerbTable, ErrorSchema_KnowsEveryVerb) {
   const std::vector<std::string> lines = linesOf("docs/schema/error.schema.json");
-  for (const tVerbRow& verb : kVerbs) {
+  for (const tVerbRow& verb : kGrammar.verbs) {
     EXPECT_THAT(lines, testing::Contains("        \"" + std::string(verb.name) + "\","));
   }
 }

@@ -10,7 +10,7 @@
 
 #include "tests/component/protons/trace/debuggerlistener.h"
 #include "tests/component/zoarkra/sessiontest.h"
-#include "tools/quenra/catalogue/terminalcatalogue.h"
+#include "tools/quenra/verbtable.h"
 
 namespace nTests {
 namespace {
@@ -128,8 +128,8 @@ TEST(FindTopography, NameWithLineEnds_IsTracedAsOneLine) {
 
 TEST(TerminalCatalogue, Names_AreThoseOfTheLibraryInItsOrder) {
   std::vector<std::string> names;
-  for (const nCommandLine::tTerminalRow& row : nCommandLine::kTerminals) {
-    names.emplace_back(row.name);
+  for (const nCommandLine::tOfferedWord& row : nCommandLine::kTerminalNames) {
+    names.emplace_back(row.word);
   }
   std::vector<std::string> expected;
   for (const zoark::tTerminal& terminal :

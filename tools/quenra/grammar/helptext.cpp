@@ -1,83 +1,80 @@
-#include "tools/quenra/grammar/helptext.h"
+#include <cstddef>
 
-#include <CLI/CLI.hpp>
-#include <memory>
-
-#include "tools/quenra/grammar/helpfooter.h"
+#include "tools/quenra/grammar/generatedtexts.h"
 #include "tools/quenra/grammar/parser.h"
-#include "tools/quenra/grammar/parsername.h"
-#include "tools/quenra/grammar/synopsis.h"
-#include "tools/quenra/grammar/thelpformatter.h"
-#include "tools/quenra/grammar/verbtable.h"
-#include "tools/quenra/grammar/words.h"
 
 namespace nCommandLine {
 namespace {
 
-std::string programDescription() {
-  return "quenra - " + std::string(kProgramPurpose);
+// A term and its description from a column on; on a line of its own if the term leaves no gap.
+std::string item(std::string term, std::string_view description, size_t column, size_t gap) {
+  if (term.size() + gap > column) {
+    term.append("\n").append(column, ' ');
+  } else {
+    term.resize(column, ' ');
+  }
+  return term.append(description).append("\n");
 }
 
-// Builds a CLI11 application from the rows; CLI11 lays out the help.
-class tGrammar {
- public:
-  tGrammar() : program_(programDescription(), "quenra") {
-    const auto formatter = std::make_shared<tHelpFormatter>();
-    formatter->label("SUBCOMMAND", "VERB");
-    program_.formatter(formatter);
-    prepare(program_, helpFooter());
-    program_.set_version_flag(std::string(kVersionOption.name), "",
-                              std::string(kVersionOption.description));
-    program_.require_subcommand(0, 1);
-    for (const tVerbRow& verb : kVerbs) {
-      addVerb(verb);
-    }
-  }
+std::string termItem(std::string_view term, std::string_view description) {
+  return item("  " + std::string(term), description, 30, 1);
+}
 
-  std::string help(const tVerbRow& verb) {
-    return program_.get_subcommand(parserName(verb))->help("quenra");
-  }
-  std::string help() { return program_.help(); }
+std::string exampleItem(const tExampleRow& example) {
+  return item("  quenra " + std::string(example.command), example.effect, 44, 2);
+}
 
- private:
-  static void prepare(CLI::App& app, std::string footer) {
-    app.set_help_flag("-h," + std::string(kHelpOption.name), std::string(kHelpOption.description));
-    addOption(app, kJsonOption);
-    app.footer(std::move(footer));
+std::string optionItems(std::span<const tOptionRow> options) {
+  std::string text;
+  for (const tOptionRow& row : options) {
+    const std::string shortForm = row.name == kHelpOption.name ? "-h," : "";
+    text += termItem(shortForm + optionWithValue(row), row.description);
   }
+  return text;
+}
 
-  void addVerb(const tVerbRow& verb) {
-    CLI::App& app = *program_.add_subcommand(parserName(verb), std::string(verb.summary));
-    app.group("Verbs");
-    prepare(app, helpFooter(verb));
-    for (const tPositionalRow& row : verb.positionals) {
-      app.add_option(std::string(row.name))
-          ->description(std::string(row.description))
-          ->type_name(std::string(row.valueName));
-    }
-    for (const tOptionRow& row : verb.options) {
-      addOption(app, row);
-    }
+std::string exitCodes() {
+  std::string text = "\nExit codes:\n";
+  for (const tExitCodeRow& row : kExitCodes) {
+    text.append("  ").append(std::to_string(exitNumber(row.code)));
+    text.append("  ").append(row.meaning).append("\n");
   }
+  return text;
+}
 
-  static void addOption(CLI::App& app, const tOptionRow& row) {
-    if (row.valueName.empty()) {
-      app.add_flag(std::string(row.name))->description(std::string(row.description));
-    } else {
-      app.add_option(std::string(row.name))
-          ->description(std::string(row.description))
-          ->type_name(std::string(row.valueName));
-    }
+std::string programHelp(const tGrammar& grammar) {
+  std::string text = "quenra - " + std::string(grammar.purpose) +
+                     "\nUsage: quenra [OPTIONS] [VERB]\n\nOptions:\n" +
+                     optionItems(kOptionsOfTheProgram) + "\nVerbs:\n";
+  for (const tVerbRow& verb : grammar.verbs) {
+    text += termItem(verb.name, verb.summary);
   }
+  text += "\nExamples:\n";
+  for (const tVerbRow& verb : grammar.verbs) {
+    text += exampleItem(verb.examples.front());
+  }
+  return text + exitCodes();
+}
 
-  CLI::App program_;
-};
+std::string verbHelp(const tVerbRow& verb) {
+  std::string text = std::string(verb.summary) + "\nUsage: " + synopsis(verb) + "\n";
+  text += verb.positionals.empty() ? "" : "\nPositionals:\n";
+  for (const tPositionalRow& row : verb.positionals) {
+    text += termItem(row.valueName, row.description);
+  }
+  text += "\nOptions:\n" + optionItems(kOptionsOfEveryVerb) + optionItems(verb.options);
+  text += "\nExamples:\n";
+  for (const tExampleRow& example : verb.examples) {
+    text += exampleItem(example);
+  }
+  return text + exitCodes();
+}
 
 // The verbs of a group, each with its synopsis.
-std::string groupHelp(const tVerbGroupRow& group) {
+std::string groupHelp(const tGrammar& grammar, const tVerbGroupRow& group) {
   std::string text = std::string(group.summary) + "\n";
-  for (const tVerbRow& verb : kVerbs) {
-    if (!actionIn(group.name, verb).empty()) {
+  for (const tVerbRow& verb : grammar.verbs) {
+    if (!verb.actionIn(group.name).empty()) {
       text += "\n  " + synopsis(verb) + "\n      " + std::string(verb.summary) + "\n";
     }
   }
@@ -86,11 +83,11 @@ std::string groupHelp(const tVerbGroupRow& group) {
 
 }  // namespace
 
-std::string helpText(std::string_view verb) {
-  if (const tVerbGroupRow* const group = findVerbGroup(verb)) {
-    return groupHelp(*group);
+std::string helpText(const tGrammar& grammar, std::string_view verb) {
+  if (const tVerbGroupRow* const group = grammar.findGroup(verb)) {
+    return groupHelp(grammar, *group);
   }
-  return verb.empty() ? tGrammar().help() : tGrammar().help(knownVerb(verb));
+  return verb.empty() ? programHelp(grammar) : verbHelp(knownVerb(grammar, verb));
 }
 
 }  // namespace nCommandLine

@@ -5,15 +5,12 @@
 #include <iterator>
 #include <vector>
 
-#include "tools/quenra/grammar/synopsis.h"
-#include "tools/quenra/grammar/verbtable.h"
-#include "tools/quenra/grammar/words.h"
-#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/text/names.h"
 
 namespace nCommandLine {
 namespace {
 
+constexpr std::string_view kEndOfOptions = "--";
 constexpr std::string_view kShortHelp = "-h";
 // Replaces a missing value: the option ends the command line or precedes another option. No
 // argument can be equal to it.
@@ -29,10 +26,10 @@ std::string helpAdvice(std::string_view verb, std::string_view listed) {
   return advice.append(listed) + ".";
 }
 
-[[noreturn]] void refuseGroup(const tVerbGroupRow& group) {
+[[noreturn]] void rejectGroup(const tGrammar& grammar, const tVerbGroupRow& group) {
   std::vector<std::string> verbs;
-  for (const tVerbRow& verb : kVerbs) {
-    if (!actionIn(group.name, verb).empty()) {
+  for (const tVerbRow& verb : grammar.verbs) {
+    if (!verb.actionIn(group.name).empty()) {
       verbs.push_back(inQuotes(verb.name));
     }
   }
@@ -40,37 +37,37 @@ std::string helpAdvice(std::string_view verb, std::string_view listed) {
                       helpAdvice(group.name, "the verbs"), {});
 }
 
-[[noreturn]] void refuseWithoutVerb() {
+[[noreturn]] void rejectWithoutVerb(const tGrammar& grammar) {
   std::vector<std::string> verbs;
-  std::ranges::transform(kVerbs, std::back_inserter(verbs),
+  std::ranges::transform(grammar.verbs, std::back_inserter(verbs),
                          [](const tVerbRow& verb) { return std::string(verb.name); });
   throw tCommandError("VERB is missing: use " + alternatives(verbs), helpAdvice("", "the verbs"),
                       {});
 }
 
 // The words of a command line, split at its verb.
-struct tSpokenWords {
+struct tSplitWords {
   bool hasVerb = false;  // a verb can be an empty word
   std::string verb;      // one word, or a group and its action
   std::vector<std::string> before;
   std::vector<std::string> after;
 };
 
-tSpokenWords spokenWords(std::span<const char* const> words) {
-  tSpokenWords spoken;
+tSplitWords split(const tGrammar& grammar, tCommandWords words) {
+  tSplitWords result;
   bool isComplete = false;
   for (const std::string_view word : words) {
     if (isComplete) {
-      spoken.after.emplace_back(word);
+      result.after.emplace_back(word);
     } else if (word.starts_with('-')) {
-      spoken.before.emplace_back(word);
+      result.before.emplace_back(word);
     } else {
-      spoken.verb.append(spoken.hasVerb ? " " : "").append(word);
-      spoken.hasVerb = true;
-      isComplete = findVerbGroup(spoken.verb) == nullptr;
+      result.verb.append(result.hasVerb ? " " : "").append(word);
+      result.hasVerb = true;
+      isComplete = grammar.findGroup(result.verb) == nullptr;
     }
   }
-  return spoken;
+  return result;
 }
 
 bool hasOption(std::span<const std::string> words, std::string_view name) {
@@ -78,12 +75,12 @@ bool hasOption(std::span<const std::string> words, std::string_view name) {
   return std::find(words.begin(), end, name) != end;
 }
 
-bool wantsHelp(std::span<const std::string> words) {
-  return hasOption(words, nWords::kHelp) || hasOption(words, kShortHelp);
+bool requestsHelp(std::span<const std::string> words) {
+  return hasOption(words, kHelpOption.name) || hasOption(words, kShortHelp);
 }
 
 // "NAME or ID" of "NAME|ID"
-std::string spokenValueName(std::string_view valueName) {
+std::string alternativesIn(std::string_view valueName) {
   std::string text;
   for (const char character : valueName) {
     text += character == '|' ? std::string(" or ") : std::string(1, character);
@@ -91,23 +88,23 @@ std::string spokenValueName(std::string_view valueName) {
   return text;
 }
 
-// Reads words against rows of options and positionals. CLI11 splits the words into options, values and
-// positionals. This class checks their numbers, since the messages of CLI11 vary between versions.
+// Reads words against rows of options and positionals. CLI11 splits the words into options, values
+// and positionals. This class checks their numbers: the messages of CLI11 vary between versions, and
+// its exceptions do not name the option.
 class tWordReader {
  public:
   // `verb` is null for the words before the verb.
   tWordReader(const tVerbRow* verb, std::span<const tOptionRow> always, tArguments& arguments)
-      : verb_(verb), arguments_(arguments) {
+      : verb_(verb), options_(always.begin(), always.end()), arguments_(arguments) {
     app_.set_help_flag();
     app_.allow_windows_style_options(false);
     app_.allow_extras();
-    options_.assign(always.begin(), always.end());
     if (verb != nullptr) {
       options_.insert(options_.end(), verb->options.begin(), verb->options.end());
       positionals_ = verb->positionals;
     }
     for (const tOptionRow& row : options_) {
-      add(row);
+      addOption(row);
     }
     for (const tPositionalRow& row : positionals_) {
       app_.add_option(std::string(row.name));
@@ -115,34 +112,33 @@ class tWordReader {
   }
 
   void read(std::span<const std::string> words) {
-    refuseValuesOfFlags(words);
+    rejectValuesOfFlags(words);
     // CLI11 reads the words from the end of a vector.
     app_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
-    refuseExtras();
+    rejectExtras();
     std::ranges::for_each(options_, [this](const tOptionRow& row) { read(row); });
     std::ranges::for_each(positionals_, [this](const tPositionalRow& row) { read(row); });
   }
 
  private:
-  void add(const tOptionRow& row) {
-    const std::string name(row.name);
-    if (row.valueName.empty()) {
-      app_.add_flag(name);
-    } else {
-      CLI::Option& option = *app_.add_option(name);
-      option.expected(0, 1);
-      option.default_str(std::string(kMissingValue));
-      option.allow_extra_args(false);
-      option.multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  void addOption(const tOptionRow& row) {
+    if (row.isFlag()) {
+      app_.add_flag(std::string(row.name));
+      return;
     }
+    app_.add_option(std::string(row.name))
+        ->expected(0, 1)
+        ->default_str(std::string(kMissingValue))
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   }
 
-  [[noreturn]] void refuse(const std::string& fault) const {
+  [[noreturn]] void reject(const std::string& fault) const {
     throw tCommandError(
         fault, verb_ == nullptr ? helpAdvice("", "the verbs") : "Usage: " + synopsis(*verb_), {});
   }
 
-  [[noreturn]] void refuseOption(std::string_view name) const {
+  [[noreturn]] void rejectOption(std::string_view name) const {
     std::vector<std::string_view> names;
     std::ranges::transform(options_, std::back_inserter(names), &tOptionRow::name);
     throw tCommandError("unknown option " + inQuotes(name),
@@ -150,30 +146,30 @@ class tWordReader {
                         suggest(name, names));
   }
 
-  void refuseValuesOfFlags(std::span<const std::string> words) const {
+  void rejectValuesOfFlags(std::span<const std::string> words) const {
     for (const std::string& word : words) {
       if (word == kEndOfOptions) {
         return;
       }
       const std::string_view name = std::string_view(word).substr(0, word.find('='));
       const auto row = std::ranges::find(options_, name, &tOptionRow::name);
-      if (name.size() != word.size() && row != options_.end() && row->valueName.empty()) {
-        refuse(std::string(name) + " takes no value");
+      if (name.size() != word.size() && row != options_.end() && row->isFlag()) {
+        reject(std::string(name) + " takes no value");
       }
     }
   }
 
-  // Refuses words that match no row. CLI11 leaves the end-of-options mark among the remaining ones.
-  void refuseExtras() const {
+  // Rejects words that match no row. CLI11 leaves the end-of-options mark among the remaining ones.
+  void rejectExtras() const {
     std::vector<std::string> extras = app_.remaining();
     if (const auto end = std::ranges::find(extras, kEndOfOptions); end != extras.end()) {
       extras.erase(end);
     }
     for (const std::string& word : extras) {
       if (word.size() > 1 && word.front() == '-' && word != kEndOfOptions) {
-        refuseOption(std::string_view(word).substr(0, word.find('=')));
+        rejectOption(std::string_view(word).substr(0, word.find('=')));
       }
-      refuse("unexpected argument " + inQuotes(word));
+      reject("unexpected argument " + inQuotes(word));
     }
   }
 
@@ -182,27 +178,27 @@ class tWordReader {
     const std::string name(row.name);
     if (option.count() == 0) {
       if (row.required) {
-        refuse(name + " is missing");
+        reject(name + " is missing");
       }
       return;
     }
-    refuseSecondOfAChoice(row);
-    if (row.valueName.empty()) {
-      arguments_.give(name, "true");
+    rejectSecondOfAChoice(row);
+    if (row.isFlag()) {
+      arguments_.add(name, "true");
     } else if (option.count() > 1) {
-      refuse(name + " is given twice");
+      reject(name + " is given twice");
     } else if (option.results().front() == kMissingValue) {
-      refuse("the value of " + name + " is missing");
+      reject("the value of " + name + " is missing");
     } else {
-      arguments_.give(name, option.results().front());
+      arguments_.add(name, option.results().front());
     }
   }
 
-  void refuseSecondOfAChoice(const tOptionRow& row) const {
+  void rejectSecondOfAChoice(const tOptionRow& row) const {
     for (const tOptionRow& other : options_) {
       if (other.name != row.name && !row.choice.empty() && other.choice == row.choice &&
           arguments_.has(other.name)) {
-        refuse(std::string(other.name).append(" and ").append(row.name) +
+        reject(std::string(other.name).append(" and ").append(row.name) +
                " cannot be used together");
       }
     }
@@ -211,76 +207,76 @@ class tWordReader {
   void read(const tPositionalRow& row) {
     const CLI::Option& option = *app_.get_option(std::string(row.name));
     if (option.count() != 0) {
-      arguments_.give(row.name, option.results().front());
+      arguments_.add(row.name, option.results().front());
     } else if (row.required) {
-      refuse(spokenValueName(row.valueName) + " is missing");
+      reject(alternativesIn(row.valueName) + " is missing");
     }
   }
 
   const tVerbRow* verb_;
-  tArguments& arguments_;
   std::vector<tOptionRow> options_;
   std::span<const tPositionalRow> positionals_;
+  tArguments& arguments_;
   CLI::App app_;
 };
 
-tArguments helpOn(const tSpokenWords& spoken) {
-  tArguments arguments(kHelpAnswer);
-  if (spoken.hasVerb) {
-    arguments.give(nWords::kVerb, spoken.verb);
+tArguments helpOn(const tGrammar& grammar, const tSplitWords& words) {
+  tArguments arguments(*grammar.help);
+  if (words.hasVerb) {
+    arguments.add(kHelpTopic, words.verb);
   }
   return arguments;
 }
 
 }  // namespace
 
-const tVerbRow& knownVerb(std::string_view name) {
-  if (const tVerbGroupRow* const group = findVerbGroup(name)) {
-    refuseGroup(*group);
+const tVerbRow& knownVerb(const tGrammar& grammar, std::string_view name) {
+  if (const tVerbGroupRow* const group = grammar.findGroup(name)) {
+    rejectGroup(grammar, *group);
   }
-  const tVerbRow* const verb = findVerb(name);
+  const tVerbRow* const verb = grammar.findVerb(name);
   if (verb == nullptr) {
     std::vector<std::string_view> names;
-    std::ranges::transform(kVerbs, std::back_inserter(names), &tVerbRow::name);
+    std::ranges::transform(grammar.verbs, std::back_inserter(names), &tVerbRow::name);
     throw tCommandError("unknown verb " + inQuotes(name), helpAdvice("", "the verbs"),
                         suggest(name, names));
   }
   return *verb;
 }
 
-tArguments parseArguments(std::span<const char* const> words) {
-  const tSpokenWords spoken = spokenWords(words);
-  const bool isHelp = wantsHelp(spoken.before) || wantsHelp(spoken.after);
-  if (isHelp && (!spoken.hasVerb || findVerbGroup(spoken.verb) != nullptr)) {
-    return helpOn(spoken);
+tArguments parseArguments(const tGrammar& grammar, tCommandWords words) {
+  const tSplitWords parts = split(grammar, words);
+  const bool isHelp = requestsHelp(parts.before) || requestsHelp(parts.after);
+  if (isHelp && (!parts.hasVerb || grammar.findGroup(parts.verb) != nullptr)) {
+    return helpOn(grammar, parts);
   }
-  const tVerbRow* const verb = spoken.hasVerb ? &knownVerb(spoken.verb) : nullptr;
+  const tVerbRow* const verb = parts.hasVerb ? &knownVerb(grammar, parts.verb) : nullptr;
   if (isHelp) {
-    return helpOn(spoken);
+    return helpOn(grammar, parts);
   }
-  if (hasOption(spoken.before, nWords::kVersion)) {
-    return tArguments(kVersionAnswer);
+  if (hasOption(parts.before, kVersionOption.name)) {
+    return tArguments(*grammar.version);
   }
-  tArguments arguments(verb == nullptr ? kHelpAnswer : *verb);
-  tWordReader(nullptr, kOptionsOfTheProgram, arguments).read(spoken.before);
+  tArguments arguments(verb == nullptr ? *grammar.help : *verb);
+  tWordReader(nullptr, kOptionsOfTheProgram, arguments).read(parts.before);
   if (verb == nullptr) {
-    refuseWithoutVerb();
+    rejectWithoutVerb(grammar);
   }
-  tWordReader(verb, kOptionsOfEveryVerb, arguments).read(spoken.after);
+  tWordReader(verb, kOptionsOfEveryVerb, arguments).read(parts.after);
   return arguments;
 }
 
-bool wantsJson(std::span<const char* const> words) noexcept {
+bool requestsJson(tCommandWords words) noexcept {
   for (const std::string_view word : words) {
-    if (word == nWords::kJson || word == kEndOfOptions) {
-      return word == nWords::kJson;
+    if (word == kJsonOption.name || word == kEndOfOptions) {
+      return word == kJsonOption.name;
     }
   }
   return false;
 }
 
-std::string_view verbIn(std::span<const char* const> words) noexcept {
-  const tVerbRow* const verb = findVerb(spokenWords(words).verb);
+std::string_view verbIn(const tGrammar& grammar, tCommandWords words) noexcept {
+  const tVerbRow* const verb = grammar.findVerb(split(grammar, words).verb);
   return verb == nullptr ? std::string_view{} : verb->name;
 }
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "tools/quenra/reading/attributeaddress.h"
+#include "tools/quenra/reading/reading.h"
 
 namespace nCommandLine {
 

@@ -2,6 +2,20 @@
 
 namespace nCommandLine {
 
+std::string_view interfaceName(tInterface which) noexcept {
+  switch (which) {
+    case tInterface::controller:
+      return "controller";
+    case tInterface::marten:
+      return "marten";
+    case tInterface::both:
+      return "both";
+    case tInterface::byDefault:
+      break;
+  }
+  return "default";
+}
+
 std::string_view stateName(tReadingState state) noexcept {
   switch (state) {
     case tReadingState::value:

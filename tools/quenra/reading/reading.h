@@ -7,9 +7,37 @@
 #include <variant>
 
 #include "quenra_status.h"
-#include "tools/quenra/reading/attributeaddress.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nCommandLine {
+
+enum class tInterface : uint8_t {
+  byDefault = 0,
+  controller = 1,
+  marten = 2,
+  both = 3,  // encoded without a selector, which some attributes define as both interfaces
+};
+
+[[nodiscard]] std::string_view interfaceName(tInterface which) noexcept;
+
+// An attribute id split into attribute, instance and interface.
+struct tAttributeAddress {
+  uint32_t attribute;  // the id without selector and instance
+  uint8_t instance = 0;
+  tInterface which = tInterface::byDefault;
+
+  [[nodiscard]] constexpr uint32_t id() const noexcept {
+    const auto selector = which == tInterface::both ? 0 : static_cast<uint32_t>(which);
+    return attribute | selector << kSelectorShift | instance;
+  }
+  [[nodiscard]] constexpr tAttributeType type() const noexcept {
+    return static_cast<tAttributeType>(typeBits(attribute));
+  }
+
+  static constexpr unsigned kSelectorShift = 20;
+  static constexpr uint32_t kSelectorMask = 0x00F00000;
+  static constexpr uint32_t kInstanceMask = 0x000000FF;
+};
 
 // A text holds the bytes of the firmware, which need not be UTF-8.
 using tAttributeValue = std::variant<std::string, uint32_t>;

@@ -1,13 +1,22 @@
+// The controller: opening it, and reading one attribute or all of them.
 #ifndef TOOLS_QUENRA_READING_TCONTROLLER_H
 #define TOOLS_QUENRA_READING_TCONTROLLER_H
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
+#include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/reading/reading.h"
+#include "tools/quenra/tables/attributetable.h"
 
 namespace nCommandLine {
+
+// Reads a text of any length, or an unsigned value. The device path ignores the handle.
+[[nodiscard]] tReading readAttribute(iQuenra& library, uint64_t handle,
+                                     const tAttributeAddress& address);
 
 // Opens the controller and closes it in the destructor. A negative `code()` means that opening
 // failed.
@@ -34,6 +43,41 @@ class tController {
   uint64_t handle_ = 0;
   int32_t code_;
 };
+
+// ---- Opening ----
+
+// The exit code of a program that cannot open the controller.
+[[nodiscard]] tExitCode exitCodeOfOpening(int32_t code) noexcept;
+
+// A failure to open the controller, with its cause as far as the present device interfaces show it.
+struct tOpeningFault {
+  std::string fact;              // "cannot open the controller: ..."
+  tSiteExplanation explanation;  // of the code
+};
+
+// Precondition: the controller's code is negative.
+[[nodiscard]] tOpeningFault faultOfOpening(const tController& controller);
+
+// Throws tCommandError if opening the controller failed; adds its warning.
+void judgeOpening(int32_t code, std::vector<tWarning>& warnings);
+// As above, with the cause as far as the present device interfaces show it.
+void judgeOpening(const tController& controller, std::vector<tWarning>& warnings);
+
+// ---- The complete machine ----
+
+// Reads one attribute with all its instances, in order, or with the value of each interface. If the
+// machine has no instance or does not report their number, returns the reading of instance 0, which
+// holds the reason.
+struct tAttributeReadings {
+  const tAttributeRow* row;
+  std::vector<tReading> readings;
+};
+
+// The number of instances on this machine, limited to those that the library serves.
+[[nodiscard]] uint32_t countInstances(const tController& controller, const tInstanceRow& instances);
+
+// Reads every attribute of the table, in its order.
+[[nodiscard]] std::vector<tAttributeReadings> readMachine(const tController& controller);
 
 }  // namespace nCommandLine
 

@@ -2,11 +2,16 @@
 
 #include <cstdlib>
 
-#include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/routing/answers.h"
+#include "tools/quenra/reading/tcontroller.h"
 
 namespace nCommandLine {
 namespace {
+
+tExitCode exitCodeOf(const tReading& reading) noexcept {
+  return reading.state() == tReadingState::notAvailable   ? tExitCode::noController
+         : reading.state() == tReadingState::notSupported ? tExitCode::notSupported
+                                                          : tExitCode::failure;
+}
 
 class tRoutingStatus {
  public:
@@ -34,8 +39,8 @@ class tAnswer {
   [[nodiscard]] char** output() noexcept { return &text_; }
   [[nodiscard]] std::string_view text() const noexcept { return text_ == nullptr ? "" : text_; }
 
-  static char* giveRoom(char* current, size_t required, const char* /*text*/,
-                        size_t /*requiredAgain*/) noexcept {
+  static char* reallocate(char* current, size_t required, const char* /*text*/,
+                          size_t /*requiredAgain*/) noexcept {
     return static_cast<char*>(std::realloc(current, required));
   }
 
@@ -44,8 +49,8 @@ class tAnswer {
 };
 
 // Runs on a thread of the session.
-void tellDemotion(void* context, int32_t reason, zoerr_Status* /*status*/,
-                  void* /*notification*/) noexcept {
+void reportDemotion(void* context, int32_t reason, zoerr_Status* /*status*/,
+                    void* /*notification*/) noexcept {
   static_cast<tDemotions*>(context)->add(reason);
 }
 
@@ -54,10 +59,10 @@ std::string textOf(const char* text) {
 }
 
 // The maximum of the library; a longer path would end the process.
-constexpr size_t kLongestDevice = 256;
+constexpr size_t kMaxDeviceSize = 256;
 
 const std::string& judgedDevice(const std::string& device) {
-  if (device.size() > kLongestDevice) {
+  if (device.size() > kMaxDeviceSize) {
     throw tCommandError(tExitCode::failure, "the device has a path of more than 256 characters",
                         std::nullopt);
   }
@@ -111,12 +116,43 @@ class tWalk {
 
 }  // namespace
 
+std::string routingDevice(iQuenra& library) {
+  const tReading reading = readAttribute(library, 0, {QUENRA_ATTRIBUTE_DEVICE_PATH});
+  if (reading.state() != tReadingState::value) {
+    throw tCommandError(exitCodeOf(reading), "cannot find the trigger routing device",
+                        reading.code);
+  }
+  return std::get<std::string>(reading.value);
+}
+
+void tDemotions::add(int32_t reason) noexcept {
+  {
+    const std::scoped_lock lock(mutex_);
+    if (count_ < kCapacity) {
+      reasons_[(first_ + count_) % kCapacity] = reason;
+      ++count_;
+    }
+  }
+  added_.notify_one();
+}
+
+std::optional<int32_t> tDemotions::take(std::chrono::milliseconds time) {
+  std::unique_lock lock(mutex_);
+  if (!added_.wait_for(lock, time, [this] { return count_ > 0; })) {
+    return std::nullopt;
+  }
+  const int32_t reason = reasons_[first_];
+  first_ = (first_ + 1) % kCapacity;
+  --count_;
+  return reason;
+}
+
 tRoutingSession::tRoutingSession(iRouting& library, const std::string& device,
                                  tDemotions& demotions)
     : library_(library) {
   tRoutingStatus status;
-  session_ = library_.createSession(judgedDevice(device).c_str(), tAnswer::giveRoom, tellDemotion,
-                                    &demotions, status.get());
+  session_ = library_.createSession(judgedDevice(device).c_str(), tAnswer::reallocate,
+                                    reportDemotion, &demotions, status.get());
   if (status.code() == QUENRA_STATUS_BAD_SELECTOR) {
     refuseUnknownRouter(status.record());
   }
@@ -218,6 +254,33 @@ void tRoutingSession::judge(const zoerr_Status& status, const std::string& failu
   if (status.code > 0) {
     warnings_.push_back({"a step of the routing session", status.code});
   }
+}
+
+tHeldRoute::~tHeldRoute() {
+  if (failed_) {
+    session_.announceFailure(ticket_);
+  }
+  if (stage_ == tStage::programmed) {
+    session_.unprogram(ticket_);
+  }
+  if (stage_ != tStage::calculated) {
+    session_.unreserve(ticket_);
+  }
+  session_.destroy(ticket_);
+}
+
+void tHeldRoute::reserve() {
+  failed_ = true;  // until the step is done
+  session_.reserve(ticket_);
+  stage_ = tStage::reserved;
+  failed_ = false;
+}
+
+void tHeldRoute::program() {
+  failed_ = true;  // until the step is done
+  session_.program(ticket_);
+  stage_ = tStage::programmed;
+  failed_ = false;
 }
 
 }  // namespace nCommandLine

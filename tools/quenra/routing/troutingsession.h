@@ -1,16 +1,46 @@
+// A session with the trigger router, and the routes that it holds.
 #ifndef TOOLS_QUENRA_ROUTING_TROUTINGSESSION_H
 #define TOOLS_QUENRA_ROUTING_TROUTINGSESSION_H
 
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
 #include <cstdint>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/routing/irouting.h"
-#include "tools/quenra/routing/tdemotions.h"
+#include "tools/quenra/routing/routedocuments.h"
 
 namespace nCommandLine {
+
+// The path of the device for routing sessions. Throws tCommandError on failure.
+[[nodiscard]] std::string routingDevice(iQuenra& library);
+
+// Queue of demotions from the session's callback thread to the thread that prints them.
+class tDemotions {
+ public:
+  // Demotions are rare. A full queue drops further ones.
+  static constexpr size_t kCapacity = 64;
+
+  // Allocates nothing: the callback cannot report a failure to the library.
+  void add(int32_t reason) noexcept;
+  // Removes and returns the oldest demotion; empty if none arrives within the time.
+  [[nodiscard]] std::optional<int32_t> take(std::chrono::milliseconds time);
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable added_;
+  std::array<int32_t, kCapacity> reasons_{};
+  size_t first_ = 0;
+  size_t count_ = 0;
+};
 
 struct tTerminal {
   static constexpr uint32_t kNoBusLine = ZOROCO_NO_BUS_LINE;
@@ -26,18 +56,6 @@ struct tTerminal {
   bool isOwned = false;
   bool isAlias = false;
   bool isMaskedOut = false;
-};
-
-struct tWantedRoute {
-  std::string from;
-  std::string to;
-  bool inverted = false;
-};
-
-struct tRoute {
-  uint32_t ticket = 0;
-  uint32_t cost = 0;
-  bool inverted = false;
 };
 
 // Owns a session with the routing device. Throws a failure of the library as tCommandError and
@@ -73,6 +91,37 @@ class tRoutingSession {
   iRouting& library_;
   iRouting::tSession* session_ = nullptr;
   std::vector<tWarning> warnings_;
+};
+
+// A calculated route. The destructor undoes the completed steps in reverse order and destroys the
+// route.
+class tHeldRoute {
+ public:
+  tHeldRoute(tRoutingSession& session, uint32_t ticket) noexcept
+      : session_(session), ticket_(ticket) {}
+  tHeldRoute(const tHeldRoute&) = delete;
+  tHeldRoute& operator=(const tHeldRoute&) = delete;
+  ~tHeldRoute();
+
+  // Each throws tCommandError on failure.
+  void reserve();
+  void program();
+  [[nodiscard]] std::vector<std::string> path() const { return session_.path(ticket_); }
+
+  // Marks the route as failed: the destructor announces the failure to the driver first.
+  void hasFailed() noexcept { failed_ = true; }
+
+ private:
+  enum class tStage : uint8_t {
+    calculated,
+    reserved,
+    programmed
+  };
+
+  tRoutingSession& session_;
+  uint32_t ticket_;
+  tStage stage_ = tStage::calculated;
+  bool failed_ = false;
 };
 
 }  // namespace nCommandLine

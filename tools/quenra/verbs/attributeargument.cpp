@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
 namespace {

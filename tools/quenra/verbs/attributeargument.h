@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "tools/quenra/grammar/arguments.h"
-#include "tools/quenra/reading/attributeaddress.h"
+#include "tools/quenra/grammar/grammar.h"
+#include "tools/quenra/reading/reading.h"
 #include "tools/quenra/tables/attributetable.h"
 
 namespace nCommandLine {

@@ -1,15 +1,13 @@
-#include "tools/quenra/verbs/firmwarebuild.h"
-
 #include <algorithm>
 #include <iterator>
 
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/imagebuilder.h"
 #include "tools/quenra/firmware/sectionoutput.h"
-#include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/text/names.h"
 #include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
 namespace {

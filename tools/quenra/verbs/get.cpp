@@ -1,15 +1,10 @@
-#include "tools/quenra/verbs/get.h"
-
 #include <vector>
 
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/readingjson.h"
-#include "tools/quenra/output/valuetext.h"
-#include "tools/quenra/reading/machinereading.h"
-#include "tools/quenra/reading/readattribute.h"
+#include "tools/quenra/reading/readingoutput.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/verbs/attributeargument.h"
-#include "tools/quenra/verbs/opening.h"
+#include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
 namespace {

@@ -1,20 +1,20 @@
-#include "tools/quenra/verbs/info.h"
-
+// The verbs that read the complete machine, and that let the library test itself.
 #include <map>
 #include <string>
 #include <vector>
 
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/readingjson.h"
 #include "tools/quenra/output/table.h"
-#include "tools/quenra/output/valuetext.h"
-#include "tools/quenra/reading/machinereading.h"
+#include "tools/quenra/reading/readingoutput.h"
+#include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/verbs/opening.h"
+#include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
 namespace {
+
+// ---- info ----
 
 using tMachine = std::vector<tAttributeReadings>;
 
@@ -121,6 +121,30 @@ void printDocument(std::ostream& stream, const tMachine& machine, tExitCode exit
   document.writeTo(stream);
 }
 
+// ---- self-test ----
+
+int32_t runTest(iQuenra& library, std::vector<tWarning>& warnings) {
+  const tController controller(library);
+  judgeOpening(controller, warnings);
+  const int32_t code = controller.selfTest();
+  if (code < 0) {
+    throw tCommandError(tExitCode::failure, "the self-test failed", code);
+  }
+  if (code > 0) {
+    warnings.push_back({"the self-test", code});
+  }
+  return code;
+}
+
+void printSelfTest(std::ostream& stream, int32_t code, const std::vector<tWarning>& warnings) {
+  tJsonDocument document("self-test", tExitCode::done, warnings);
+  document.beginObject("selfTest");
+  document.truth("passed", true);
+  document.status("status", code);
+  document.endObject();
+  document.writeTo(stream);
+}
+
 }  // namespace
 
 tExitCode runInfo(const tArguments& /*arguments*/, const tVerbContext& context) {
@@ -142,6 +166,18 @@ tExitCode runInfo(const tArguments& /*arguments*/, const tVerbContext& context) 
     printTable(context.streams, machine);
   }
   return exitCode;
+}
+
+tExitCode runSelfTest(const tArguments& /*arguments*/, const tVerbContext& context) {
+  std::vector<tWarning> warnings;
+  const int32_t code = runTest(context.ports.library, warnings);
+  printWarnings(context.streams.error, warnings);
+  if (context.json) {
+    printSelfTest(context.streams.out, code, warnings);
+  } else {
+    context.streams.out << "self-test: passed\n";
+  }
+  return tExitCode::done;
 }
 
 }  // namespace nCommandLine

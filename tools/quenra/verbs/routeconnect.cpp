@@ -1,16 +1,11 @@
-#include "tools/quenra/verbs/routeconnect.h"
-
 #include <algorithm>
 #include <limits>
 
-#include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/waiting.h"
-#include "tools/quenra/routing/routeoutput.h"
-#include "tools/quenra/routing/routingdevice.h"
-#include "tools/quenra/routing/theldroute.h"
 #include "tools/quenra/text/numbertext.h"
-#include "tools/quenra/verbs/routearguments.h"
+#include "tools/quenra/verbs/routes.h"
+#include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
 namespace {

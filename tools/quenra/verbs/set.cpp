@@ -1,16 +1,12 @@
-#include "tools/quenra/verbs/set.h"
-
 #include <vector>
 
-#include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/readingjson.h"
-#include "tools/quenra/output/valuetext.h"
+#include "tools/quenra/reading/readingoutput.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/text/numbertext.h"
 #include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/verbs/attributeargument.h"
-#include "tools/quenra/verbs/opening.h"
+#include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
 namespace {

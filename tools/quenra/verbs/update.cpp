@@ -1,15 +1,13 @@
-#include "tools/quenra/verbs/update.h"
-
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/sectionoutput.h"
-#include "tools/quenra/grammar/words.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/waiting.h"
+#include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/update/planoutput.h"
 #include "tools/quenra/update/theldupdatelock.h"
 #include "tools/quenra/update/tprogress.h"
-#include "tools/quenra/verbs/opening.h"
+#include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
 namespace {

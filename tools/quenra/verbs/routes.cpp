@@ -1,0 +1,189 @@
+#include "tools/quenra/verbs/routes.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/table.h"
+#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/utf8text.h"
+#include "tools/quenra/verbs/verbs.h"
+
+namespace nCommandLine {
+namespace {
+
+// ---- Arguments ----
+
+void judgeTerminal(const std::string& name, const std::vector<tTerminal>& terminals) {
+  if (std::ranges::find(terminals, name, &tTerminal::name) == terminals.end()) {
+    std::vector<std::string_view> names;
+    std::ranges::transform(terminals, std::back_inserter(names), &tTerminal::name);
+    throw tCommandError("unknown terminal '" + name + "'",
+                        "Run 'quenra terminals' to list the terminals.", suggest(name, names));
+  }
+}
+
+// ---- terminals ----
+
+std::string yesOrNo(bool truth) {
+  return truth ? "yes" : "no";
+}
+
+std::string busLineOf(const tTerminal& terminal) {
+  return terminal.busLine == tTerminal::kNoBusLine
+             ? "-"
+             : printableText(terminal.busType) + " " + std::to_string(terminal.busLine);
+}
+
+void printTerminalTable(const tStreams& streams, const std::vector<tTerminal>& terminals) {
+  tTable table;
+  table.addRow({"Terminal", "Id", "For", "External", "Owned", "Bus line"});
+  for (const tTerminal& terminal : terminals) {
+    table.addRow({printableText(terminal.name), std::to_string(terminal.id),
+                  terminal.visibility == "public" ? "everybody" : "the controller",
+                  yesOrNo(terminal.isExternal), yesOrNo(terminal.isOwned), busLineOf(terminal)});
+  }
+  table.write(streams.out, tStyle(streams.outTakesStyles));
+}
+
+void writeTerminal(tJsonDocument& document, const tTerminal& terminal) {
+  document.beginObject();
+  document.text("name", terminal.name);
+  document.number("id", terminal.id);
+  document.text("visibility", terminal.visibility);
+  document.truth("external", terminal.isExternal);
+  document.truth("owned", terminal.isOwned);
+  document.optionalText("busType", terminal.busType);
+  document.optionalText("busName", terminal.busName);
+  if (terminal.busLine == tTerminal::kNoBusLine) {
+    document.null("busLine");
+  } else {
+    document.number("busLine", terminal.busLine);
+  }
+  document.truth("alias", terminal.isAlias);
+  document.text("canonicalName", terminal.canonicalName);
+  document.truth("maskedOut", terminal.isMaskedOut);
+  document.endObject();
+}
+
+void printTerminals(std::ostream& stream, const std::vector<tTerminal>& terminals,
+                    const std::vector<tWarning>& warnings) {
+  tJsonDocument document("terminals", tExitCode::done, warnings);
+  document.beginArray("terminals");
+  for (const tTerminal& terminal : terminals) {
+    writeTerminal(document, terminal);
+  }
+  document.endArray();
+  document.writeTo(stream);
+}
+
+// ---- route plan ----
+
+struct tPlannedRoute {
+  tRoute route;
+  std::vector<std::string> path;
+};
+
+// Destroys every calculated route again, also if another one fails.
+std::vector<tPlannedRoute> planned(tRoutingSession& session, const tWantedRoute& wanted) {
+  std::vector<tPlannedRoute> routes;
+  for (const tRoute& route : session.calculate(wanted)) {
+    const tHeldRoute held(session, route.ticket);
+    routes.push_back({route, held.path()});
+  }
+  if (routes.empty()) {
+    refuseRoute(wanted);
+  }
+  return routes;
+}
+
+void printRouteTable(const tStreams& streams, const std::vector<tPlannedRoute>& routes) {
+  tTable table;
+  table.addRow({"Path", "Inverted", "Cost"});
+  for (const tPlannedRoute& planned : routes) {
+    table.addRow({pathText(planned.path), planned.route.inverted ? "yes" : "no",
+                  std::to_string(planned.route.cost)});
+  }
+  table.write(streams.out, tStyle(streams.outTakesStyles));
+}
+
+void printRoutes(std::ostream& stream, const tWantedRoute& wanted,
+                 const std::vector<tPlannedRoute>& routes, const std::vector<tWarning>& warnings) {
+  tJsonDocument document("route-plan", tExitCode::done, warnings);
+  document.text("from", wanted.from);
+  document.text("to", wanted.to);
+  document.beginArray("routes");
+  for (const tPlannedRoute& planned : routes) {
+    document.beginObject();
+    writeRoute(document, planned.route, planned.path);
+    document.endObject();
+  }
+  document.endArray();
+  document.writeTo(stream);
+}
+
+}  // namespace
+
+tWantedRoute wantedRoute(const tArguments& arguments, tRoutingSession& session) {
+  const std::vector<tTerminal> terminals = session.terminals();
+  tWantedRoute wanted{arguments.text(nWords::kFrom), arguments.text(nWords::kTo),
+                      arguments.has(nWords::kInvert)};
+  judgeTerminal(wanted.from, terminals);
+  judgeTerminal(wanted.to, terminals);
+  return wanted;
+}
+
+void refuseRoute(const tWantedRoute& wanted) {
+  throw tCommandError(tExitCode::notSupported,
+                      "there is no route from " + wanted.from + " to " + wanted.to +
+                          (wanted.inverted ? " that inverts the signal" : ""),
+                      std::nullopt);
+}
+
+std::string pathText(const std::vector<std::string>& path) {
+  std::string text;
+  for (const std::string& terminal : path) {
+    text.append(text.empty() ? "" : " -> ").append(terminal.empty() ? "?" : terminal);
+  }
+  return printableText(text);
+}
+
+void writeRoute(tJsonDocument& document, const tRoute& route,
+                const std::vector<std::string>& path) {
+  document.truth("inverted", route.inverted);
+  document.number("cost", route.cost);
+  document.beginArray("path");
+  for (const std::string& terminal : path) {
+    document.textItem(terminal);
+  }
+  document.endArray();
+}
+
+tExitCode runTerminals(const tArguments& /*arguments*/, const tVerbContext& context) {
+  tDemotions demotions;
+  tRoutingSession session(context.ports.routing, routingDevice(context.ports.library), demotions);
+  const std::vector<tTerminal> terminals = session.terminals();
+  printWarnings(context.streams.error, session.warnings());
+  if (context.json) {
+    printTerminals(context.streams.out, terminals, session.warnings());
+  } else {
+    printTerminalTable(context.streams, terminals);
+  }
+  return tExitCode::done;
+}
+
+tExitCode runRoutePlan(const tArguments& arguments, const tVerbContext& context) {
+  tDemotions demotions;
+  tRoutingSession session(context.ports.routing, routingDevice(context.ports.library), demotions);
+  const tWantedRoute wanted = wantedRoute(arguments, session);
+  const std::vector<tPlannedRoute> routes = planned(session, wanted);
+  printWarnings(context.streams.error, session.warnings());
+  if (context.json) {
+    printRoutes(context.streams.out, wanted, routes, session.warnings());
+  } else {
+    printRouteTable(context.streams, routes);
+  }
+  return tExitCode::done;
+}
+
+}  // namespace nCommandLine

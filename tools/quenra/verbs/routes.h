@@ -1,0 +1,29 @@
+// What the verbs of routes share: their arguments, and routes as text and as JSON.
+#ifndef TOOLS_QUENRA_VERBS_ROUTES_H
+#define TOOLS_QUENRA_VERBS_ROUTES_H
+
+#include <string>
+#include <vector>
+
+#include "tools/quenra/grammar/grammar.h"
+#include "tools/quenra/output/tjsondocument.h"
+#include "tools/quenra/routing/troutingsession.h"
+
+namespace nCommandLine {
+
+// Parses the route arguments of a verb. Throws tCommandError, with suggestions, for a terminal that
+// the session does not have.
+[[nodiscard]] tWantedRoute wantedRoute(const tArguments& arguments, tRoutingSession& session);
+
+// Throws tCommandError for a verb that found no route.
+[[noreturn]] void refuseRoute(const tWantedRoute& wanted);
+
+// "TRIG_SMB -> PXI_Trig0", with a question mark for a terminal unknown to the library.
+[[nodiscard]] std::string pathText(const std::vector<std::string>& path);
+
+// Writes the members of a route into the open object.
+void writeRoute(tJsonDocument& document, const tRoute& route, const std::vector<std::string>& path);
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,117 @@
+// The verbs of the command line: what a verb receives, the names of its arguments, and the function
+// that runs it.
+#ifndef TOOLS_QUENRA_VERBS_VERBS_H
+#define TOOLS_QUENRA_VERBS_VERBS_H
+
+#include <string_view>
+
+#include "tools/quenra/grammar/grammar.h"
+#include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/streams.h"
+#include "tools/quenra/output/waiting.h"
+#include "tools/quenra/reading/iquenra.h"
+#include "tools/quenra/routing/irouting.h"
+#include "tools/quenra/update/iupdatefacts.h"
+#include "tools/quenra/update/iupdatelock.h"
+
+namespace nCommandLine {
+
+// The interfaces of the program to its machine, besides its streams and files.
+struct tPorts {
+  iQuenra& library;
+  iRouting& routing;
+  iUpdateFacts& updateFacts;
+  iInterruption& interruption;
+  iUpdateLock& updateLock;
+};
+
+// The arguments of every verb. A verb prints its answer and returns the exit code, or throws
+// tCommandError; until then it prints nothing but progress messages, and none with --json.
+struct tVerbContext {
+  const tPorts& ports;
+  tStreams& streams;
+  bool json;
+  const tGrammar& grammar;
+};
+
+// The names of positionals and options, shared by the rows and the verbs that read them.
+namespace nWords {
+inline constexpr std::string_view kAction = "action";
+inline constexpr std::string_view kAttribute = "attribute";
+inline constexpr std::string_view kCode = "code";
+inline constexpr std::string_view kImage = "image";
+inline constexpr std::string_view kPayload = "payload";
+inline constexpr std::string_view kShell = "shell";
+inline constexpr std::string_view kValue = "value";
+
+inline constexpr std::string_view kAllowAnyPath = "--allow-any-path";
+inline constexpr std::string_view kAppend = "--append";
+inline constexpr std::string_view kBoth = "--both";
+inline constexpr std::string_view kController = "--controller";
+inline constexpr std::string_view kDevice = "--device";
+inline constexpr std::string_view kFileName = "--file-name";
+inline constexpr std::string_view kFirmwareVersion = "--firmware-version";
+inline constexpr std::string_view kFor = "--for";
+inline constexpr std::string_view kForce = "--force";
+inline constexpr std::string_view kFrom = "--from";
+inline constexpr std::string_view kInstance = "--instance";
+inline constexpr std::string_view kInvert = "--invert";
+inline constexpr std::string_view kLineLength = "--line-length";
+inline constexpr std::string_view kManual = "--manual";
+inline constexpr std::string_view kMarten = "--marten";
+inline constexpr std::string_view kNoWait = "--no-wait";
+inline constexpr std::string_view kOnlyNewer = "--only-newer";
+inline constexpr std::string_view kOutput = "--output";
+inline constexpr std::string_view kPlan = "--plan";
+inline constexpr std::string_view kTo = "--to";
+}  // namespace nWords
+
+// ---- The controller ----
+
+// `quenra info`: all attributes by subject. Shows an absent attribute as absent. Any other failure
+// to read one sets the exit code to `failure`; the remaining attributes are still shown.
+[[nodiscard]] tExitCode runInfo(const tArguments& arguments, const tVerbContext& context);
+// `quenra get`: one attribute.
+[[nodiscard]] tExitCode runGet(const tArguments& arguments, const tVerbContext& context);
+// `quenra set`: writes one attribute.
+[[nodiscard]] tExitCode runSet(const tArguments& arguments, const tVerbContext& context);
+// `quenra self-test`: opens the controller and lets the library test itself.
+[[nodiscard]] tExitCode runSelfTest(const tArguments& arguments, const tVerbContext& context);
+
+// ---- Trigger routes ----
+
+// `quenra terminals`: the trigger terminals of the controller.
+[[nodiscard]] tExitCode runTerminals(const tArguments& arguments, const tVerbContext& context);
+// `quenra route plan`: lists the routes between two terminals without connecting any.
+[[nodiscard]] tExitCode runRoutePlan(const tArguments& arguments, const tVerbContext& context);
+// `quenra route connect`: connects two terminals and holds the route.
+[[nodiscard]] tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& context);
+
+// ---- Firmware ----
+
+// `quenra firmware inspect`: shows a firmware image.
+[[nodiscard]] tExitCode runFirmwareInspect(const tArguments& arguments,
+                                           const tVerbContext& context);
+// `quenra firmware verify`: checks a firmware image.
+[[nodiscard]] tExitCode runFirmwareVerify(const tArguments& arguments, const tVerbContext& context);
+// `quenra firmware build`: builds a firmware image.
+[[nodiscard]] tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& context);
+// `quenra update`: applies a firmware image, or prints the plan of the update.
+[[nodiscard]] tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context);
+
+// ---- Reference; no controller is needed ----
+
+// `quenra attributes`: the table of attributes.
+[[nodiscard]] tExitCode runAttributes(const tArguments& arguments, const tVerbContext& context);
+// `quenra explain`: meaning and remedy of a status code.
+[[nodiscard]] tExitCode runExplain(const tArguments& arguments, const tVerbContext& context);
+// `quenra completion`: the script that a shell loads.
+[[nodiscard]] tExitCode runCompletion(const tArguments& arguments, const tVerbContext& context);
+// `quenra help` and --help: the help of the program or of a verb, or the manual page.
+[[nodiscard]] tExitCode runHelp(const tArguments& arguments, const tVerbContext& context);
+// `quenra --version`.
+[[nodiscard]] tExitCode runVersion(const tArguments& arguments, const tVerbContext& context);
+
+}  // namespace nCommandLine
+
+#endif

@@ -1,0 +1,296 @@
+#include "tools/quenra/verbtable.h"
+
+#include "tools/quenra/verbs/verbs.h"
+
+namespace nCommandLine {
+namespace {
+
+constexpr std::string_view kInterface = "interface";
+
+constexpr tOptionRow kInstance{nWords::kInstance, "N",
+                               "Memory module, processor or list position, from 0"};
+
+// ---- info ----
+
+constexpr tExampleRow kInfoExamples[] = {
+    {"info", "all that this machine reports"},
+    {"info --json", "the same for a program"},
+};
+
+// ---- get ----
+
+constexpr tPositionalRow kGetPositionals[] = {
+    {nWords::kAttribute, "NAME|ID",
+     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kReadableWords},
+};
+constexpr tOptionRow kGetOptions[] = {
+    kInstance,
+    {nWords::kController, "", "Read from the controller interface", kInterface},
+    {nWords::kMarten, "", "Read from the Marten interface", kInterface},
+};
+constexpr tExampleRow kGetExamples[] = {
+    {"get product-name", "one attribute by its name"},
+    {"get 0x10000100", "... and by its id"},
+    {"get memory-size --instance 1", "the second populated memory module"},
+    {"get firmware-version --controller", "the BIOS, not the Marten"},
+};
+
+// ---- set ----
+
+constexpr tPositionalRow kSetPositionals[] = {
+    {nWords::kAttribute, "NAME|ID",
+     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kWritableWords},
+    {nWords::kValue, "VALUE",
+     "A text, or a number in decimal or in hexadecimal after 0x, without its unit"},
+};
+constexpr tOptionRow kSetOptions[] = {
+    kInstance,
+    {nWords::kController, "", "Write to the controller interface, the default of numbers",
+     kInterface},
+    {nWords::kMarten, "", "Write to the Marten interface", kInterface},
+    {nWords::kBoth, "", "Write to both, the default of text-setting-of-both", kInterface},
+};
+constexpr tExampleRow kSetExamples[] = {
+    {"set driver-setting-1 7", "a number"},
+    {"set driver-setting-2 0x1F --marten", "... on the Marten interface"},
+    {"set text-setting-of-both rack-7", "a text for both interfaces"},
+    {"set text-setting-of-both --marten -- -7", "... for one, beginning with a dash"},
+};
+
+// ---- self-test ----
+
+constexpr tExampleRow kSelfTestExamples[] = {
+    {"self-test", "check that the controller can be opened and used"},
+};
+
+// ---- terminals, route ----
+
+constexpr tOptionRow kFrom{nWords::kFrom, "A", "Source terminal", {}, true, &kTerminalWords};
+constexpr tOptionRow kTo{nWords::kTo, "B", "Destination terminal", {}, true, &kTerminalWords};
+constexpr tOptionRow kInvert{nWords::kInvert, "", "Invert the signal"};
+
+constexpr tExampleRow kTerminalsExamples[] = {
+    {"terminals", "the ends that a route can have"},
+};
+constexpr tOptionRow kRoutePlanOptions[] = {kFrom, kTo, kInvert};
+constexpr tExampleRow kRoutePlanExamples[] = {
+    {"route plan --from TRIG_SMB --to PXI_Trig0", "the routes, with their paths and costs"},
+};
+constexpr tOptionRow kRouteConnectOptions[] = {
+    kFrom,
+    kTo,
+    kInvert,
+    {nWords::kFor, "SECONDS", "Hold the route for SECONDS instead of until Ctrl-C"},
+};
+constexpr tExampleRow kRouteConnectExamples[] = {
+    {"route connect --from TRIG_SMB --to PXI_Trig0", "until Ctrl-C"},
+    {"route connect --from PXI_Trig0 --to TRIG_SMB --invert --for 60", "a minute, inverted"},
+};
+
+// ---- firmware ----
+
+constexpr tPositionalRow kImagePositionals[] = {
+    {nWords::kImage, "IMAGE", "File of the firmware image"},
+};
+constexpr tPositionalRow kPayloadPositionals[] = {
+    {nWords::kPayload, "PAYLOAD", "File of the bytes that the device is to receive"},
+};
+constexpr tOptionRow kFirmwareBuildOptions[] = {
+    {nWords::kOutput, "IMAGE", "File of the firmware image; must not exist", {}, true},
+    {nWords::kDevice,
+     "BIOS|MARTEN|SAFEMODE",
+     "The device that the section is for",
+     {},
+     true,
+     &kDeviceWords},
+    {nWords::kFirmwareVersion, "VERSION", "The version of the payload, such as 1.4.2f7", {}, true},
+    {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that plain name"},
+    {nWords::kLineLength, "N", "Characters in a line of the payload, 76 without; 0 for one line"},
+    {nWords::kAppend, "", "Add the section to an existing image"},
+    {nWords::kForce, "", "Replace an existing image"},
+};
+constexpr tExampleRow kFirmwareInspectExamples[] = {
+    {"firmware inspect update.fwi", "what is in an image"},
+};
+constexpr tExampleRow kFirmwareVerifyExamples[] = {
+    {"firmware verify update.fwi", "whether an update would apply it"},
+};
+constexpr tExampleRow kFirmwareBuildExamples[] = {
+    {"firmware build a.bin --output update.fwi --device MARTEN --firmware-version 1.4.2f7",
+     "an image of one section"},
+    {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 3.1.0f2",
+     "... and a second one"},
+};
+
+// ---- update ----
+
+constexpr tOptionRow kUpdateOptions[] = {
+    {nWords::kOnlyNewer, "", "Leave out the firmware of a device for which a section is not newer"},
+    {nWords::kForce, "", "With --only-newer, compare although an update awaits a restart"},
+    {nWords::kAllowAnyPath, "", "Accept file names that are not plain, such as paths"},
+    {nWords::kNoWait, "", "Fail when another update is running, instead of waiting for its end"},
+    {nWords::kPlan, "", "Change nothing; show the plan and every obstacle"},
+};
+constexpr tExampleRow kUpdateExamples[] = {
+    {"update --plan update.fwi", "the plan of an update, and its obstacles"},
+    {"update update.fwi", "apply the image, whatever versions are installed"},
+    {"update update.fwi --only-newer", "... except firmware that is not newer"},
+};
+
+// ---- attributes ----
+
+constexpr tExampleRow kAttributesExamples[] = {
+    {"attributes", "names, ids and types"},
+};
+
+// ---- explain ----
+
+constexpr tPositionalRow kExplainPositionals[] = {
+    {nWords::kCode, "CODE", "The code in decimal or in hexadecimal after 0x, or its constant",
+     &kStatusWords},
+};
+constexpr tExampleRow kExplainExamples[] = {
+    {"explain -26934", "what a code means and what to do"},
+    {"explain QUENRA_STATUS_BUSY", "... by its constant"},
+};
+
+// ---- completion ----
+
+constexpr tPositionalRow kCompletionPositionals[] = {
+    {nWords::kShell, "bash|powershell", "The shell", &kShellWords},
+};
+constexpr tExampleRow kCompletionExamples[] = {
+    {"completion bash", "the script; 'source <(...)' loads it"},
+    {"completion powershell", "... for '| Out-String | Invoke-Expression'"},
+};
+
+// ---- help ----
+
+constexpr tPositionalRow kHelpPositionals[] = {
+    {kHelpTopic, "VERB", "The verb", &kVerbWords, false},
+    {nWords::kAction, "ACTION", "Its second word, where it has one", nullptr, false},
+};
+constexpr tOptionRow kHelpOptions[] = {
+    {nWords::kManual, "", "Print the manual page quenra(1) instead, as man reads it"},
+};
+constexpr tExampleRow kHelpExamples[] = {
+    {"help get", "all about one verb"},
+    {"help --manual", "the manual page; '| man -l -' shows it"},
+};
+
+constexpr tVerbGroupRow kGroups[] = {
+    {"route", "Plan trigger routes, and connect them", &kRouteWords},
+    {"firmware", "Look at firmware images, and make them", &kFirmwareWords},
+};
+
+// clang-format off
+constexpr tVerbRow kRows[] = {
+    {"info", "Show all attributes of this machine, by subject",
+     "An attribute that the machine does not have is shown as such and is not an error. Other reads that "
+     "fail are shown with their code, and the rest is shown as always.",
+     {}, {}, kInfoExamples, runInfo},
+
+    {"get", "Show one attribute",
+     "On a terminal a number comes with its unit and its meaning; elsewhere the bare value is printed. "
+     "Without an interface option the library chooses the interface.",
+     kGetPositionals, kGetOptions, kGetExamples, runGet},
+
+    {"set", "Write one attribute",
+     "The driver decides which attributes it accepts. Numbers go to the controller interface, or with "
+     "--marten to the Marten interface. A text goes to the controller interface, or to the Marten "
+     "interface where the controller does not accept it; text-setting-of-both goes to both, or with "
+     "--marten to the Marten interface alone. On a terminal a line confirms the value that was "
+     "written; elsewhere success is silent. A value that begins with a dash follows --, after all "
+     "options.",
+     kSetPositionals, kSetOptions, kSetExamples, runSet},
+
+    {"self-test", "Test the controller",
+     "Opens the controller and lets the library test itself; that a controller can be opened is all "
+     "there is to test.",
+     {}, {}, kSelfTestExamples, runSelfTest},
+
+    {"terminals", "List the trigger terminals",
+     "A trigger route begins and ends at one of them: the trigger lines of the chassis, the trigger "
+     "connector, the watchdog.",
+     {}, {}, kTerminalsExamples, runTerminals},
+
+    {"route plan", "Show the routes between two terminals",
+     "The driver calculates them; nothing is reserved. A cost far above the others is that of a line "
+     "that another route holds. Without a route the exit code is 3.",
+     {}, kRoutePlanOptions, kRoutePlanExamples, runRoutePlan},
+
+    {"route connect", "Connect two terminals",
+     "Calculates a route, reserves it, programs it, and holds it until Ctrl-C or for the given time; "
+     "then releases it in order. When other routes hold a line that it needs, their tickets and "
+     "sessions are reported. When the driver demotes the route and takes its line away, the standard "
+     "error stream reports it at once, and the exit code is 1.",
+     {}, kRouteConnectOptions, kRouteConnectExamples, runRouteConnect},
+
+    {"firmware inspect", "Show the sections of a firmware image",
+     "Each section with its device, type, version, file name, size and CRC, its place in the order of "
+     "application, and what the library would say to it. A section that the library refuses is shown "
+     "with the reason; the sections behind it are judged all the same, though one fault keeps all of "
+     "an image from being applied. Needs no controller.",
+     kImagePositionals, {}, kFirmwareInspectExamples, runFirmwareInspect},
+
+    {"firmware verify", "Check whether an update would apply a firmware image",
+     "The exit code is 1 when a section is refused or has a file name that is not plain, or the file has "
+     "no section; every fault is printed on the standard error stream. The devices of the machine and "
+     "their versions are not considered. Needs no controller.",
+     kImagePositionals, {}, kFirmwareVerifyExamples, runFirmwareVerify},
+
+    {"firmware build", "Make a firmware image, a section at a time",
+     "A version has the form major.minor.update, a phase letter (d, a, b or f) and a build number: "
+     "1.4.2f7. The image is read back before it is written, and an existing file is replaced with "
+     "--force only. Needs no controller.",
+     kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples, runFirmwareBuild},
+
+    {"update", "Apply a firmware image, or show its plan",
+     "Prints the plan, shows the elapsed time of the update, and reports the result of each section. An "
+     "update with an obstacle is not started: every obstacle is printed on the standard error stream "
+     "with a remedy. An update that would send, install and write nothing does not call the library. "
+     "Ctrl-C does not interrupt an update that has started. With --plan nothing is changed, and the "
+     "exit code is that of the update.",
+     kImagePositionals, kUpdateOptions, kUpdateExamples, runUpdate},
+
+    {"attributes", "List every attribute with its id, type, access and unit",
+     "Needs no controller.",
+     {}, {}, kAttributesExamples, runAttributes},
+
+    {"explain", "Say what a status code means and what to do",
+     "Codes that the library does not define are those of the driver, which the library passes on. "
+     "Needs no controller.",
+     kExplainPositionals, {}, kExplainExamples, runExplain},
+
+    {"completion", "Print the script that completes command lines in a shell",
+     "Shells then complete verbs, options, names of attributes, terminals and devices, constants of "
+     "status codes, and file names. Needs no controller.",
+     kCompletionPositionals, {}, kCompletionExamples, runCompletion},
+
+    {"help", "Show the help of the program or of a verb",
+     "",
+     kHelpPositionals, kHelpOptions, kHelpExamples, runHelp},
+};
+// clang-format on
+
+constexpr tVerbRow kHelpVerb{"help", "", "", {}, {}, {}, runHelp};
+constexpr tVerbRow kVersionVerb{"version", "", "", {}, {}, {}, runVersion};
+
+constexpr const tWordSet* kWordSets[] = {
+    &kReadableWords, &kWritableWords, &kStatusWords, &kVerbWords,     &kFirmwareWords,
+    &kRouteWords,    &kShellWords,    &kDeviceWords, &kTerminalWords,
+};
+
+}  // namespace
+
+constinit const tGrammar kGrammar{
+    "show the controller of a PXI chassis and change its settings",
+    kRows,
+    kGroups,
+    kWordSets,
+    &kVerbWords,
+    &kHelpVerb,
+    &kVersionVerb,
+};
+
+}  // namespace nCommandLine
