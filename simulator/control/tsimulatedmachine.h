@@ -13,6 +13,9 @@
 
 namespace nSimulator {
 
+// Returns the paths of the present device interfaces of a class, in the system's order.
+[[nodiscard]] std::vector<std::string> presentInterfaces(const tInterfaceClass& interfaceClass);
+
 // The simulated machine cannot be reached, or rejects a request.
 class tControlError : public std::runtime_error {
  public:

@@ -1,8 +1,8 @@
 #include "simulator/driver/driver.h"
 
 enum {
-  kMostDevices = 8,
-  kMostHardwareIdBytes = 256
+  kMaxDevices = 8,
+  kMaxHardwareIdBytes = 256
 };
 
 static const tDeviceRole kRoles[] = {
@@ -12,7 +12,7 @@ static const tDeviceRole kRoles[] = {
     {L"root\\quenra_control", &kSimulatorControlInterfaceClass, kSimulatorInterfaceControl},
 };
 
-static tDevice* theDevices[kMostDevices];
+static tDevice* theDevices[kMaxDevices];
 
 static WCHAR lowerCase(WCHAR character) {
   return character >= L'A' && character <= L'Z' ? (WCHAR)(character + (L'a' - L'A')) : character;
@@ -28,7 +28,7 @@ static bool areSame(const WCHAR* left, const WCHAR* right) {
 
 /* The first hardware id of the device identifies its role. */
 static const tDeviceRole* roleOf(DEVICE_OBJECT* physicalDevice) {
-  WCHAR hardwareIds[kMostHardwareIdBytes / sizeof(WCHAR)] = {0};
+  WCHAR hardwareIds[kMaxHardwareIdBytes / sizeof(WCHAR)] = {0};
   ULONG size = 0;
   const NTSTATUS status =
       IoGetDeviceProperty(physicalDevice, DevicePropertyHardwareID,
@@ -68,7 +68,7 @@ static void showIfPresent(tDevice* device, const tSimulatorPresence* presence) {
 }
 
 void showPresentInterfaces(const tSimulatorPresence* presence) {
-  for (size_t i = 0; i < kMostDevices; ++i) {
+  for (size_t i = 0; i < kMaxDevices; ++i) {
     if (theDevices[i] != NULL) {
       showIfPresent(theDevices[i], presence);
     }
@@ -78,18 +78,18 @@ void showPresentInterfaces(const tSimulatorPresence* presence) {
 /* Assigns the lowest free index among the devices of its role. */
 static bool enlist(tDevice* device) {
   tDevice** freeSlot = NULL;
-  uint32_t taken = 0;
-  for (size_t i = 0; i < kMostDevices; ++i) {
+  uint32_t usedIndexes = 0;
+  for (size_t i = 0; i < kMaxDevices; ++i) {
     if (theDevices[i] == NULL) {
       freeSlot = freeSlot == NULL ? &theDevices[i] : freeSlot;
     } else if (theDevices[i]->role == device->role) {
-      taken |= 1u << theDevices[i]->index;
+      usedIndexes |= 1u << theDevices[i]->index;
     }
   }
   if (freeSlot == NULL) {
     return false;
   }
-  while ((taken & 1u << device->index) != 0) {
+  while ((usedIndexes & 1u << device->index) != 0) {
     ++device->index;
   }
   *freeSlot = device;
@@ -97,11 +97,24 @@ static bool enlist(tDevice* device) {
 }
 
 static void delist(const tDevice* device) {
-  for (size_t i = 0; i < kMostDevices; ++i) {
+  for (size_t i = 0; i < kMaxDevices; ++i) {
     if (theDevices[i] == device) {
       theDevices[i] = NULL;
     }
   }
+}
+
+static void removeDevice(tDevice* device) {
+  lockMachine();
+  device->started = false;
+  showIfPresent(device, lockedPresence());
+  delist(device);
+  unlockMachine();
+  RtlFreeUnicodeString(&device->interfaceName);
+  if (device->lower != NULL) {
+    IoDetachDevice(device->lower);
+  }
+  IoDeleteDevice(device->self);
 }
 
 NTSTATUS NTAPI addDevice(DRIVER_OBJECT* driver, DEVICE_OBJECT* physicalDevice) {
@@ -139,15 +152,39 @@ NTSTATUS NTAPI addDevice(DRIVER_OBJECT* driver, DEVICE_OBJECT* physicalDevice) {
   return STATUS_SUCCESS;
 }
 
-void removeDevice(tDevice* device) {
+/* ---- Plug and play ---- */
+
+static NTSTATUS passDown(const tDevice* device, IRP* irp) {
+  IoSkipCurrentIrpStackLocation(irp);
+  return IoCallDriver(device->lower, irp);
+}
+
+static void setStarted(tDevice* device, bool started) {
   lockMachine();
-  device->started = false;
-  showIfPresent(device, lockedPresence());
-  delist(device);
+  device->started = started;
+  showPresentInterfaces(lockedPresence());
   unlockMachine();
-  RtlFreeUnicodeString(&device->interfaceName);
-  if (device->lower != NULL) {
-    IoDetachDevice(device->lower);
+}
+
+NTSTATUS NTAPI dispatchPlugAndPlay(DEVICE_OBJECT* deviceObject, IRP* irp) {
+  tDevice* device = deviceObject->DeviceExtension;
+  irp->IoStatus.Status = STATUS_SUCCESS;
+  switch (IoGetCurrentIrpStackLocation(irp)->MinorFunction) {
+    case IRP_MN_START_DEVICE:
+      setStarted(device, true);
+      return passDown(device, irp);
+    case IRP_MN_STOP_DEVICE:
+    case IRP_MN_SURPRISE_REMOVAL:
+      setStarted(device, false);
+      return passDown(device, irp);
+    case IRP_MN_REMOVE_DEVICE: {
+      DEVICE_OBJECT* lower = device->lower;
+      IoSkipCurrentIrpStackLocation(irp);
+      const NTSTATUS status = IoCallDriver(lower, irp);
+      removeDevice(device);
+      return status;
+    }
+    default:
+      return passDown(device, irp);
   }
-  IoDeleteDevice(device->self);
 }

@@ -8,6 +8,16 @@
 
 #include "simulator/model/model.h"
 
+/* driver.c: the machine that serves the devices. */
+
+void lockMachine(void);
+void unlockMachine(void);
+/* The caller holds the machine's lock. */
+tModel* lockedMachine(void);
+const tSimulatorPresence* lockedPresence(void);
+
+/* devices.c: the devices of the driver. */
+
 /* The role of a device: the interface that it registers. */
 typedef struct tDeviceRole {
   const WCHAR* hardwareId;
@@ -26,41 +36,19 @@ typedef struct tDevice {
   bool shown; /* the interface is enabled */
 } tDevice;
 
-/* machine.c: the machine that serves the devices. The listener is called on every change of
- * presence, with the machine locked or not yet in use. */
-typedef void tPresenceListener(const tSimulatorPresence* presence);
-void initialiseMachine(tPresenceListener* listener);
-void lockMachine(void);
-void unlockMachine(void);
-/* The caller holds the machine's lock. */
-tModel* lockedMachine(void);
-const tSimulatorPresence* lockedPresence(void);
-
-/* devices.c: the devices of the driver. */
 DRIVER_ADD_DEVICE addDevice;
-void removeDevice(tDevice* device);
-/* Enables the interfaces that are present in the machine and disables the others. */
-tPresenceListener showPresentInterfaces;
-
-/* Dispatch routines: plugandplay.c, files.c, requests.c. */
 DRIVER_DISPATCH dispatchPlugAndPlay;
+/* Enables the interfaces that are present in the machine and disables the others. The machine is
+ * locked, or not yet in use. */
+void showPresentInterfaces(const tSimulatorPresence* presence);
+
+/* requests.c: files and requests. */
+
 DRIVER_DISPATCH dispatchCreate;
 DRIVER_DISPATCH dispatchCleanUp;
 DRIVER_DISPATCH dispatchClose;
 DRIVER_DISPATCH dispatchDeviceControl;
-
-/* The record that dispatchCreate stored in the file object. */
-tModelFile modelFileOf(const FILE_OBJECT* file);
-
-/* Completes an IRP. */
-NTSTATUS completeIrp(IRP* irp, NTSTATUS status, ULONG_PTR information);
-/* The status that Windows converts back to this Windows error for the caller. */
-NTSTATUS statusOfWindowsError(uint32_t windowsError);
-
-/* pendingirps.c: IRPs that the machine keeps pending. The caller holds the machine's lock. */
-uint64_t tokenOf(const IRP* irp);
-/* Returns STATUS_PENDING; the IRP may already be completed. */
-NTSTATUS keepPending(IRP* irp);
+/* Completes an IRP that the machine kept pending. The caller holds the machine's lock. */
 void completePendingIrp(void* context, uint64_t token, uint32_t windowsError, const void* output,
                         uint32_t size);
 

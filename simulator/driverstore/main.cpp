@@ -8,7 +8,7 @@
 #include <string>
 
 #include "simulator/model/sha256.h"
-#include "simulator/scenario/driverstore.h"
+#include "simulator/scenario/servicescenarios.h"
 #include "simulator/scenario/wine.h"
 
 namespace nSimulator {
@@ -61,7 +61,7 @@ int run() {
   run.commandLine = GetCommandLineA();
   run.file = fileOf(run.commandLine);
   readFile(run);
-  noteDriverStoreRun(run);
+  recordDriverStoreRun(run);
   const tDriverStoreBehaviour behaviour = driverStoreBehaviour();
   Sleep(behaviour.seconds * 1000);
   if (behaviour.exitCode != 0) {

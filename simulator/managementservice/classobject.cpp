@@ -5,7 +5,7 @@
 
 #include "simulator/managementservice/managementobjects.h"
 #include "simulator/managementservice/tcomobject.h"
-#include "simulator/scenario/encryption.h"
+#include "simulator/scenario/servicescenarios.h"
 #include "simulator/scenario/wine.h"
 
 namespace nSimulator {
@@ -40,9 +40,9 @@ constexpr tStep kSteps[] = {
 class tMachineScenario final : public iManagementScenario {
  public:
   std::optional<HRESULT> failureOf(tManagementStep step) noexcept override {
-    const tStep& asked = kSteps[static_cast<size_t>(step)];
+    const tStep& known = kSteps[static_cast<size_t>(step)];
     try {
-      return encryption().failingStep == asked.name ? std::optional(asked.failure) : std::nullopt;
+      return encryption().failingStep == known.name ? std::optional(known.failure) : std::nullopt;
     } catch (const std::exception&) {
       return static_cast<HRESULT>(WBEM_E_FAILED);
     }

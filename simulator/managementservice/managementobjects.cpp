@@ -5,7 +5,6 @@
 
 #include "simulator/managementservice/tcomobject.h"
 #include "simulator/managementservice/unusedmethods.h"
-#include "simulator/managementservice/widetext.h"
 
 namespace nSimulator {
 namespace {
@@ -27,6 +26,18 @@ constexpr const OLECHAR* kQuery =
     L"SELECT ProtectionStatus FROM Win32_EncryptableVolume WHERE DriveLetter = 'C:'";
 constexpr const OLECHAR* kProperty = L"ProtectionStatus";
 
+// Without the C library, whose wchar_t has another size in native builds. False if `text` is null.
+constexpr bool isText(const WCHAR* text, const WCHAR* expected) noexcept {
+  if (text == nullptr) {
+    return false;
+  }
+  while (*text == *expected && *text != 0) {
+    ++text;
+    ++expected;
+  }
+  return *text == *expected;
+}
+
 // The service's codes have an enumeration type instead of HRESULT.
 constexpr HRESULT resultOf(WBEMSTATUS status) noexcept {
   return static_cast<HRESULT>(status);
@@ -34,7 +45,7 @@ constexpr HRESULT resultOf(WBEMSTATUS status) noexcept {
 
 // Creates the object that a method returns.
 template <class Object, class Interface, class... Arguments>
-HRESULT handOver(Interface** place, Arguments&&... arguments) noexcept {
+HRESULT returnNew(Interface** place, Arguments&&... arguments) noexcept {
   try {
     *place = makeComObject<Object>(std::forward<Arguments>(arguments)...);
     return S_OK;
@@ -96,7 +107,7 @@ class tVolumes final : public tComObject<tUnusedVolumes> {
     if (next_ == volumes_.size()) {
       return resultOf(WBEM_S_FALSE);
     }
-    const HRESULT result = handOver<tVolumeObject>(objects, scenario(), volumes_[next_]);
+    const HRESULT result = returnNew<tVolumeObject>(objects, scenario(), volumes_[next_]);
     if (SUCCEEDED(result)) {
       ++next_;
       *returned = 1;
@@ -130,7 +141,7 @@ class tServices final : public tComObject<tUnusedServices> {
     if (const auto failure = scenario()->failureOf(tManagementStep::query)) {
       return *failure;
     }
-    return handOver<tVolumes>(result, scenario());
+    return returnNew<tVolumes>(result, scenario());
   }
 
  private:
@@ -158,7 +169,7 @@ class tLocator final : public tComObject<IWbemLocator> {
     if (const auto failure = scenario()->failureOf(tManagementStep::connect)) {
       return *failure;
     }
-    return handOver<tServices>(services, scenario());
+    return returnNew<tServices>(services, scenario());
   }
 };
 
@@ -168,7 +179,7 @@ IWbemLocator* makeLocator(const std::shared_ptr<iManagementScenario>& scenario,
                           HRESULT& result) noexcept {
   IWbemLocator* locator = nullptr;
   const auto failure = scenario->failureOf(tManagementStep::locator);
-  result = failure ? *failure : handOver<tLocator>(&locator, scenario);
+  result = failure ? *failure : returnNew<tLocator>(&locator, scenario);
   return locator;
 }
 

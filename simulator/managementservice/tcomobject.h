@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "simulator/managementservice/imanagementscenario.h"
+#include "simulator/managementservice/managementobjects.h"
 
 namespace nSimulator {
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* kOwnKey = "Software\\QuenraSimulator";
 
-std::string wholePath(const std::string& path) {
+std::string fullPath(const std::string& path) {
   return std::string(kOwnKey) + '\\' + path;
 }
 
@@ -21,12 +21,12 @@ void requireSuccess(LSTATUS result, const std::string& path) {
   }
 }
 
-struct tMadeKey {
+struct tCreatedKey {
   HKEY key;
   bool isNew;
 };
 
-tMadeKey make(const std::string& path) {
+tCreatedKey create(const std::string& path) {
   HKEY key = nullptr;
   DWORD disposition = 0;
   requireSuccess(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
@@ -38,9 +38,9 @@ tMadeKey make(const std::string& path) {
 }  // namespace
 
 tVolatileKey::tVolatileKey(const std::string& path) {
-  const tMadeKey made = make(wholePath(path));
-  key_ = made.key;
-  isNew_ = made.isNew;
+  const tCreatedKey created = create(fullPath(path));
+  key_ = created.key;
+  isNew_ = created.isNew;
 }
 
 tVolatileKey::tVolatileKey(tVolatileKey&& other) noexcept
@@ -53,10 +53,10 @@ tVolatileKey::~tVolatileKey() {
 }
 
 void tVolatileKey::remove(const std::string& path) {
-  const std::string whole = wholePath(path);
-  const LSTATUS result = RegDeleteTreeA(HKEY_LOCAL_MACHINE, whole.c_str());
+  const std::string full = fullPath(path);
+  const LSTATUS result = RegDeleteTreeA(HKEY_LOCAL_MACHINE, full.c_str());
   if (result != ERROR_FILE_NOT_FOUND) {
-    requireSuccess(result, whole);
+    requireSuccess(result, full);
   }
 }
 

@@ -2,6 +2,8 @@
 #ifndef SIMULATOR_SCENARIO_WINE_H
 #define SIMULATOR_SCENARIO_WINE_H
 
+#include <windows.h>
+
 namespace nSimulator {
 
 // An export of Wine's ntdll that Windows' ntdll does not have.
@@ -15,7 +17,12 @@ template <class Find>
 }
 
 // True if this process runs under Wine.
-[[nodiscard]] bool runsUnderWine() noexcept;
+[[nodiscard]] inline bool runsUnderWine() noexcept {
+  return isWine([](const char* library, const char* function) noexcept {
+    const HMODULE module = GetModuleHandleA(library);
+    return module == nullptr ? nullptr : GetProcAddress(module, function);
+  });
+}
 
 // Runs `act`, the work of a simulated system component, under Wine; elsewhere returns `refusal`.
 template <class Answer, class Act>

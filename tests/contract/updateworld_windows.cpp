@@ -4,8 +4,7 @@
 #include <functional>
 #include <utility>
 
-#include "simulator/scenario/driverstore.h"
-#include "simulator/scenario/encryption.h"
+#include "simulator/scenario/servicescenarios.h"
 #include "tests/contract/updateworld.h"
 
 namespace nTests {

@@ -12,11 +12,19 @@
 
 #include "simulator/managementservice/managementobjects.h"
 #include "simulator/managementservice/tcomobject.h"
-#include "simulator/managementservice/widetext.h"
 #include "tests/fakewindows/faultplan.h"
 
 namespace nFakeWindows {
 namespace {
+
+// Without the C library, whose wchar_t has another size.
+constexpr size_t lengthOf(const WCHAR* text) noexcept {
+  size_t length = 0;
+  while (text[length] != 0) {
+    ++length;
+  }
+  return length;
+}
 
 using nSimulator::tManagementStep;
 using nSimulator::tVolume;
@@ -257,7 +265,7 @@ BSTR WINAPI SysAllocString(const OLECHAR* text) {
   if (faultPlan().enter(kCall)) {
     return nullptr;
   }
-  const size_t length = nSimulator::lengthOf(text);
+  const size_t length = lengthOf(text);
   auto* const memory = new OLECHAR[kPrefix + length + 1]();
   const auto bytes = static_cast<uint32_t>(length * sizeof(OLECHAR));
   std::memcpy(memory, &bytes, sizeof bytes);

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/managementservice/imanagementscenario.h"
+#include "simulator/managementservice/managementobjects.h"
 
 namespace nFakeWindows {
 

@@ -3,15 +3,13 @@
 #include <iostream>
 #include <thread>
 
-#include "simulator/control/deviceinterfaces.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "simulator/quenra-sim/installation/driver.h"
 #include "simulator/quenra-sim/installation/services.h"
 #include "simulator/quenra-sim/installation/steps.h"
 #include "simulator/quenra-sim/verbs/output.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
-#include "simulator/scenario/driverstore.h"
-#include "simulator/scenario/encryption.h"
+#include "simulator/scenario/servicescenarios.h"
 
 namespace nSimulator {
 namespace {

@@ -11,8 +11,7 @@
 #include "simulator/quenra-sim/verbs/arguments.h"
 #include "simulator/quenra-sim/verbs/output.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
-#include "simulator/scenario/driverstore.h"
-#include "simulator/scenario/encryption.h"
+#include "simulator/scenario/servicescenarios.h"
 #include "tools/quenra/text/utf8text.h"
 
 namespace nSimulator {

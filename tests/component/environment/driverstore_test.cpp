@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "simulator/scenario/driverstore.h"
+#include "simulator/scenario/servicescenarios.h"
 #include "source/user/update/driverpackage.h"
 #include "tests/component/user/readingtest.h"
 

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <thread>
 
-#include "simulator/scenario/encryption.h"
+#include "simulator/scenario/servicescenarios.h"
 #include "source/user/preconditions/preconditions.h"
 #include "tests/component/user/readingtest.h"
 

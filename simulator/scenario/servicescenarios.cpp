@@ -1,4 +1,4 @@
-#include "simulator/scenario/driverstore.h"
+#include "simulator/scenario/servicescenarios.h"
 
 #include <array>
 #include <cstdio>
@@ -7,6 +7,10 @@
 
 namespace nSimulator {
 namespace {
+
+constexpr const char* kEncryption = "Encryption";
+constexpr const char* kProtection = "Protection";
+constexpr const char* kFailingStep = "FailingStep";
 
 constexpr const char* kBehaviour = "DriverStore";
 constexpr const char* kSeconds = "Seconds";
@@ -40,6 +44,20 @@ tVolatileKey newRun() {
 
 }  // namespace
 
+tEncryption encryption() {
+  const tVolatileKey key(kEncryption);
+  tEncryption found;
+  found.protection = key.text(kProtection).value_or(found.protection);
+  found.failingStep = key.text(kFailingStep).value_or(found.failingStep);
+  return found;
+}
+
+void setEncryption(const tEncryption& encryption) {
+  tVolatileKey key(kEncryption);
+  key.setText(kProtection, encryption.protection);
+  key.setText(kFailingStep, encryption.failingStep);
+}
+
 tDriverStoreBehaviour driverStoreBehaviour() {
   const tVolatileKey key(kBehaviour);
   return {static_cast<uint32_t>(key.number(kSeconds).value_or(0)),
@@ -52,7 +70,7 @@ void setDriverStoreBehaviour(const tDriverStoreBehaviour& behaviour) {
   key.setNumber(kExitCode, behaviour.exitCode);
 }
 
-void noteDriverStoreRun(const tDriverStoreRun& run) {
+void recordDriverStoreRun(const tDriverStoreRun& run) {
   tVolatileKey key = newRun();
   key.setText(kCommandLine, run.commandLine);
   key.setText(kFile, run.file);
