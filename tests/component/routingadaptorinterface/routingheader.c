@@ -11,6 +11,17 @@ _Static_assert(offsetof(zoerr_Status, capacity) == 4, "");
 _Static_assert(offsetof(zoerr_Status, reallocate) == 8, "");
 _Static_assert(offsetof(zoerr_Status, description) == 16, "");
 
+/* The numbers are part of the interface; tests name them by symbols. */
+_Static_assert(QUENRA_STATUS_BAD_SELECTOR == -50003, "");
+_Static_assert(QUENRA_STATUS_MEMORY_FULL == -52000, "");
+_Static_assert(QUENRA_STATUS_REQUEST_NOT_SUPPORTED == -52002, "");
+_Static_assert(QUENRA_STATUS_INVALID_PARAMETER == -52005, "");
+_Static_assert(QUENRA_STATUS_NOT_FOUND == -52006, "");
+_Static_assert(QUENRA_STATUS_INTERNAL_ERROR == -52008, "");
+_Static_assert(QUENRA_STATUS_ACCESS_DENIED == -52009, "");
+_Static_assert(QUENRA_STATUS_PATH_TOO_LONG == -52019, "");
+_Static_assert(QUENRA_STATUS_ROUTE_CONFLICT == -89137, "");
+
 #define ENTRY(name) \
   { #name, (void (*)(void))(name) }
 

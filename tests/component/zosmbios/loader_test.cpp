@@ -1,20 +1,79 @@
+// The loader on a scripted firmware-table service, and the shortage of memory for a table or its index.
 #include <gtest/gtest.h>
+#include <windows.h>
 
+#include <algorithm>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/builders/smbiostablebuilder.h"
 #include "tests/component/protons/status/shortmemory.h"
-#include "tests/component/zosmbios/firmwaretableservice.h"
 #include "tests/component/zosmbios/ttestprovider.h"
 #include "zosmbios/czosmbioswindowsprovider.h"
 #include "zosmbios/fieldid.h"
+#include "zosmbios/tstructuretable.h"
 
 namespace nTests {
 namespace {
 
-using namespace nQUENRA1400::nZOSMBIOS_1_1;
+// The operating system's firmware-table service as the loader calls it: scripted answers and
+// recorded calls.
+struct tFirmwareTableService {
+  std::vector<uint8_t> answer;           // with the header that precedes the structures
+  std::optional<uint32_t> reportedSize;  // the answer to the first call; the answer's size if none
+  std::optional<uint32_t> receivedSize;  // the answer to the second call; likewise
+  uint32_t firstError = 0;               // the last error that each call leaves
+  uint32_t secondError = 0;
+
+  struct tCall {
+    uint32_t provider;
+    uint32_t table;
+    bool hasBuffer;
+    uint32_t size;
+    bool operator==(const tCall&) const = default;
+  };
+  std::vector<tCall> calls;
+};
+
+// The instance that the loader calls.
+tFirmwareTableService& firmwareTableService() {
+  static tFirmwareTableService service;
+  return service;
+}
+
+DWORD lastError = 0;
+
+}  // namespace
+}  // namespace nTests
+
+extern "C" {
+
+DWORD WINAPI GetLastError() {
+  return nTests::lastError;
+}
+
+UINT WINAPI GetSystemFirmwareTable(DWORD provider, DWORD table, PVOID buffer, DWORD size) {
+  nTests::tFirmwareTableService& service = nTests::firmwareTableService();
+  service.calls.push_back({provider, table, buffer != nullptr, size});
+  const auto actualSize = static_cast<uint32_t>(service.answer.size());
+  if (buffer == nullptr) {
+    nTests::lastError = service.firstError;
+    return service.reportedSize.value_or(actualSize);
+  }
+  nTests::lastError = service.secondError;
+  std::copy_n(service.answer.begin(), std::min(size, actualSize), static_cast<uint8_t*>(buffer));
+  return service.receivedSize.value_or(actualSize);
+}
+
+}  // extern "C"
+
+namespace nTests {
+namespace {
+
 using nZOAPALS100::tStatus;
+using namespace nQUENRA1400::nZOSMBIOS_1_1;
 using tCalls = std::vector<tFirmwareTableService::tCall>;
 
 constexpr uint32_t kRawSmbios = 0x52534D42;
@@ -24,11 +83,11 @@ std::vector<uint8_t> structures() {
 }
 
 // The service's answer: calling method, major, minor, revision, length, structures.
-std::vector<uint8_t> rawTable(const std::vector<uint8_t>& table, size_t toldLength,
+std::vector<uint8_t> rawTable(const std::vector<uint8_t>& table, size_t declaredLength,
                               uint8_t major = 3, uint8_t minor = 4) {
   std::vector<uint8_t> raw{0x5A, major, minor, 0x5B};
   for (unsigned shift = 0; shift < 32; shift += 8) {
-    raw.push_back(static_cast<uint8_t>(toldLength >> shift));
+    raw.push_back(static_cast<uint8_t>(declaredLength >> shift));
   }
   raw.insert(raw.end(), table.begin(), table.end());
   return raw;
@@ -45,7 +104,7 @@ class Loader : public testing::Test {
 
   void load() { provider_.load(status_); }
   void expectFailure(uint32_t line, uint32_t osError) {
-    EXPECT_EQ(status_.code, -240060);
+    EXPECT_EQ(status_.code, QUENRA_STATUS_SMBIOS_NO_TABLE);
     EXPECT_STREQ(status_.component, "quenra");
     EXPECT_STREQ(status_.file, "dep_mirror\\deps\\zosmbios\\includes\\czosmbioswindowsprovider");
     EXPECT_EQ(status_.line, line);
@@ -60,7 +119,7 @@ class Loader : public testing::Test {
       load();
       EXPECT_TRUE(shortMemory.wasMet());
     }
-    EXPECT_EQ(status_.code, -52000);
+    EXPECT_EQ(status_.code, QUENRA_STATUS_MEMORY_FULL);
     EXPECT_STREQ(status_.file, "memoryallocation");
     EXPECT_EQ(status_.line, 327u);
     EXPECT_FALSE(provider_.hasTable());
@@ -89,7 +148,7 @@ TEST_F(Loader, Version_IsMajorAndMinor) {
   EXPECT_EQ(readString(provider_, kVersionText).text, "3.4");
 }
 
-TEST_F(Loader, LargestVersion_FitsItsText) {
+TEST_F(Loader, MaximumVersion_FitsItsText) {
   service().answer = rawTable(structures(), structures().size(), 255, 255);
   load();
   EXPECT_EQ(readString(provider_, kVersionText).text, "255.255");
@@ -104,7 +163,7 @@ TEST_F(Loader, Length_EndsTheTable) {
   EXPECT_EQ(provider_.table().bytes().size(), structures().size());
 }
 
-TEST_F(Loader, LengthOfTheWholeAnswer_IsTaken) {
+TEST_F(Loader, LengthOfTheCompleteAnswer_IsAccepted) {
   load();
   EXPECT_EQ(provider_.table().bytes().size(), structures().size());
 }
@@ -116,7 +175,7 @@ TEST_F(Loader, LengthOneByteTooLarge_IsNoTable) {
   expectFailure(69, 13);
 }
 
-TEST_F(Loader, LargestLength_IsNoTable) {
+TEST_F(Loader, MaximumLength_IsNoTable) {
   service().answer = rawTable(structures(), 0xFFFFFFFF);
   load();
   expectFailure(69, 0);
@@ -142,7 +201,7 @@ TEST_F(Loader, AnswerSmallerThanItsHeader_IsNoTable) {
 }
 
 TEST_F(Loader, SizeZero_IsNoTableWithTheSystemsError) {
-  service().toldSize = 0;
+  service().reportedSize = 0;
   service().firstError = 1168;
   load();
   expectFailure(48, 1168);
@@ -170,7 +229,7 @@ TEST_F(Loader, NoSecondAnswer_IsNoTableWithTheSystemsError) {
   expectFailure(69, 5);
 }
 
-TEST_F(Loader, NoMemoryForTheAnswer_IsReportedAndAsksNoFurther) {
+TEST_F(Loader, NoMemoryForTheAnswer_IsReportedAndMakesNoFurtherCall) {
   loadShortOfMemory(1);
   EXPECT_EQ(service().calls.size(), 1u);
 }
@@ -190,13 +249,13 @@ TEST_F(Loader, Again_ReplacesTheTable) {
 
 TEST_F(Loader, AgainWithoutSuccess_LeavesNoTable) {
   load();
-  service().toldSize = 0;
+  service().reportedSize = 0;
   service().firstError = 7;
   load();
   expectFailure(48, 7);
 }
 
-TEST_F(Loader, StatusWithAnError_AsksNothingAndKeepsTheTable) {
+TEST_F(Loader, StatusWithAnError_MakesNoCallAndKeepsTheTable) {
   load();
   service().calls.clear();
   tStatus failed;
@@ -214,9 +273,9 @@ TEST_F(Loader, FirstReader_LoadsForAll) {
 }
 
 TEST_F(Loader, ReaderAfterAFailure_TriesAgain) {
-  service().toldSize = 0;
-  EXPECT_EQ(readByte(), -240060);
-  service().toldSize.reset();
+  service().reportedSize = 0;
+  EXPECT_EQ(readByte(), QUENRA_STATUS_SMBIOS_NO_TABLE);
+  service().reportedSize.reset();
   EXPECT_EQ(readByte(), 42);
 }
 
@@ -225,6 +284,64 @@ TEST_F(Loader, InstalledTable_IsNotReplacedByAReader) {
   provider_.install(table, std::string_view("9.9"), status_);
   EXPECT_EQ(readByte(), 44);
   EXPECT_TRUE(service().calls.empty());
+}
+
+std::vector<uint8_t> tableWith(uint8_t value) {
+  return tSmbiosTableBuilder().structure(8, {1}).structure(9, {value}).build();
+}
+
+void expectByte(tTestProvider& provider, uint8_t expected) {
+  uint8_t value = 0;
+  EXPECT_EQ(provider.readByte(byteField(9, 4), 0, &value), 0);
+  EXPECT_EQ(value, expected);
+}
+
+// Installs while the nth allocation fails, and checks that there was one.
+void installShortOfMemory(tTestProvider& provider, uint8_t value, unsigned nth, tStatus& status) {
+  const std::vector<uint8_t> table = tableWith(value);
+  const tShortMemory shortMemory(nth);
+  provider.install(table, std::string_view("2.0"), status);
+  EXPECT_TRUE(shortMemory.wasMet());
+}
+
+TEST(ShortMemory, NoneForTheTable_KeepsTheOldOne) {
+  tTestProvider provider(tableWith(42), "3.4");
+  tStatus status;
+  installShortOfMemory(provider, 43, 1, status);
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
+  EXPECT_STREQ(status.file, "memoryallocation");
+  EXPECT_EQ(status.line, 327u);
+  expectByte(provider, 42);
+  EXPECT_STREQ(provider.versionText(), "3.4");
+}
+
+TEST(ShortMemory, NoneForTheFirstTable_LeavesNone) {
+  tTestProvider provider;
+  tStatus status;
+  installShortOfMemory(provider, 43, 1, status);
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
+  EXPECT_FALSE(provider.hasTable());
+}
+
+TEST(ShortMemory, IndexWithoutMemory_FindsNothing) {
+  const std::vector<uint8_t> table = tableWith(42);
+  tStructureIndex index;
+  {
+    const tShortMemory shortMemory(1);
+    index.build(tStructureTable(table));
+    EXPECT_TRUE(shortMemory.wasMet());
+  }
+  EXPECT_FALSE(index.isUsable());
+  EXPECT_EQ(index.findStructure(9, 0), std::nullopt);
+}
+
+TEST(ShortMemory, NoneForTheIndex_FallsBackToTheWalk) {
+  tTestProvider provider(tableWith(42), "3.4");
+  tStatus status;
+  installShortOfMemory(provider, 43, 2, status);
+  EXPECT_EQ(status.code, 0);
+  expectByte(provider, 43);
+  EXPECT_STREQ(provider.versionText(), "2.0");
 }
 
 }  // namespace

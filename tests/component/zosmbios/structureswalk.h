@@ -14,10 +14,39 @@ struct tWalkedStructure {
   size_t offset;
   uint8_t type;
 };
-std::vector<tWalkedStructure> walkStructures(std::span<const uint8_t> table);
 
-std::optional<size_t> walkedStructure(const std::vector<tWalkedStructure>& structures, uint8_t type,
-                                      uint32_t instance);
+// The two NULs that end a structure; the table's size when there are none.
+inline size_t endOfStrings(std::span<const uint8_t> table, size_t from) {
+  for (size_t i = from; i + 1 < table.size(); ++i) {
+    if (table[i] == 0 && table[i + 1] == 0) {
+      return i + 2;
+    }
+  }
+  return table.size();
+}
+
+inline std::vector<tWalkedStructure> walkStructures(std::span<const uint8_t> table) {
+  std::vector<tWalkedStructure> structures;
+  size_t offset = 0;
+  while (offset < table.size()) {
+    structures.push_back({offset, table[offset]});
+    if (offset + 1 == table.size()) {
+      break;
+    }
+    offset = endOfStrings(table, offset + table[offset + 1]);
+  }
+  return structures;
+}
+
+inline std::optional<size_t> walkedStructure(const std::vector<tWalkedStructure>& structures,
+                                             uint8_t type, uint32_t instance) {
+  for (const tWalkedStructure& structure : structures) {
+    if (structure.type == type && instance-- == 0) {
+      return structure.offset;
+    }
+  }
+  return std::nullopt;
+}
 
 }  // namespace nTests
 

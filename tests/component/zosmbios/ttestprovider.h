@@ -8,9 +8,17 @@
 #include <string_view>
 #include <vector>
 
+#include "quenra_status.h"
 #include "zosmbios/czosmbiosprovider.h"
 
 namespace nTests {
+
+// The numbers are part of the interface; tests name them by symbols.
+static_assert(QUENRA_STATUS_SMBIOS_NO_STRING == 240050);
+static_assert(QUENRA_STATUS_SMBIOS_BUFFER_TOO_SMALL == -240051);
+static_assert(QUENRA_STATUS_SMBIOS_NOT_FOUND == -240052);
+static_assert(QUENRA_STATUS_SMBIOS_MALFORMED == -240053);
+static_assert(QUENRA_STATUS_SMBIOS_NO_TABLE == -240060);
 
 inline constexpr char kProviderFile[] = "dep_mirror\\deps\\zosmbios\\includes\\czosmbiosprovider";
 
