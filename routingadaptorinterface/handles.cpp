@@ -67,7 +67,7 @@ bool tLiveHandles::remove(const void* handle, tHandleKind kind, tCondition condi
   }
   entries_.erase(entries_.begin() + (entry - entries_.data()));
   if (entries_.empty()) {
-    // The table is never destroyed: the last handle takes the memory with it.
+    // The table is never destroyed: its memory is released with the last handle.
     std::vector<tEntry>().swap(entries_);
   }
   return true;

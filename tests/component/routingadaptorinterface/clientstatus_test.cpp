@@ -23,6 +23,8 @@ using zoroco::mergeIntoClient;
 using zoroco::runSilently;
 using zoroco::runWithoutThrowing;
 
+// ---- The record of the header ----
+
 constexpr tStatusFunctions kStatusFunctionsOfCpp{&zoerr_Status_initial, &zoerr_Status_reallocate,
                                                  &zoerr_Status_release};
 
@@ -97,6 +99,8 @@ INSTANTIATE_TEST_SUITE_P(In, ClientStatus,
                          testing::Values(tLanguage{"C", &kStatusFunctionsOfC},
                                          tLanguage{"Cpp", &kStatusFunctionsOfCpp}),
                          [](const auto& language) { return std::string(language.param.name); });
+
+// ---- The merge into a client's record ----
 
 struct tSource : zoerr::tOwnedStatus {
   explicit tSource(int32_t newCode, const char* file = "file") {
@@ -252,6 +256,8 @@ TEST(MergeIntoClient, Reallocation_IsCalledWithTheBytesNeeded) {
   EXPECT_EQ(requested, std::vector<uint32_t>{needed});
   EXPECT_EQ(descriptionOf(recordOf(client)), kDescription);
 }
+
+// ---- Exceptions of an operation ----
 
 TEST(RoutingBoundary, Success_ReturnsTheResultAndKeepsTheStatus) {
   tClientStatus client;

@@ -22,18 +22,12 @@ const std::vector<const char*> kU32Names{"busLine", "id"};
 const std::vector<const char*> kUnknownNames{"Name", "name ", " name", "",
                                              "nam",  "names", "ID",    nullptr};
 
-const tFailure kUnknownAttribute{
-    QUENRA_STATUS_BAD_SELECTOR,
-    R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
-    R"("line":450,"component":"quenra"})"};
-const tFailure kUnknownMode{
-    QUENRA_STATUS_BAD_SELECTOR,
-    R"({"error_constant":"zopalerr_badSelector","file":"zoarkra\\arkroutingadaptor",)"
-    R"("line":512,"component":"quenra"})"};
-const tFailure kPastTheEnd{
-    QUENRA_STATUS_INVALID_PARAMETER,
-    R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
-    R"("line":431,"component":"quenra"})"};
+const tFailure kPastTheEnd =
+    failureAtLine(431, QUENRA_STATUS_INVALID_PARAMETER, "zoapalerr_invalidParameter");
+const tFailure kUnknownAttribute =
+    failureAtLine(450, QUENRA_STATUS_BAD_SELECTOR, "zopalerr_badSelector");
+const tFailure kUnknownMode =
+    failureAtLine(512, QUENRA_STATUS_BAD_SELECTOR, "zopalerr_badSelector");
 
 class TerminalIterator : public testing::Test {
  protected:

@@ -15,6 +15,8 @@
 namespace nTests {
 namespace {
 
+// ---- The path capacity of the process ----
+
 // A client whose answers last until the next one.
 char* supplyScratchBuffer(char*, size_t required, const char*, size_t) {
   thread_local std::vector<char> buffer;
@@ -78,6 +80,8 @@ TEST(PathCapacity, RaisedByManyThreads_ServesThemAll) {
   }
 }
 
+// ---- Demotions during a session ----
+
 // A device that delivers demotions without a pause, from its start until it is stopped.
 class tBusyDevice final : public zoark::iRoutingDevice {
  public:
@@ -114,7 +118,7 @@ void countDemotion(void* context, int32_t, zoerr_Status*, void*) {
   client.isCalled = true;
 }
 
-TEST(SessionThreads, DemotionsDuringTheWholeSession_FindACompleteClient) {
+TEST(SessionThreads, DemotionsDuringASession_FindACompleteClient) {
   for (int round = 0; round < 50; ++round) {
     tClient client;
     zoerr::tOwnedStatus status;

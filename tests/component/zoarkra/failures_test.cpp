@@ -15,6 +15,8 @@ using nFakeWindows::faultPlan;
 using nFakeWindows::tAllocationPlan;
 using nFakeWindows::tCall;
 
+// ---- Memory of the operations ----
+
 // A client with a static buffer.
 char* supplyStaticBuffer(char*, size_t required, const char*, size_t) {
   static std::array<char, 1 << 16> buffer;
@@ -206,6 +208,8 @@ TEST_F(Memory, ShortageDuringTheCreationOfASession_LeavesNothing) {
 TEST_F(Memory, ShortageForAnIterator_EndsTheCall) {
   failEveryAllocation([&] { static_cast<void>(session_->getAllTerminals(status_, 0)); });
 }
+
+// ---- Opening and starting a device ----
 
 constexpr uint32_t kAccessDenied = 5;
 

@@ -8,6 +8,8 @@
 namespace nTests {
 namespace {
 
+// ---- Calculation ----
+
 constexpr const char* kSeeds =
     R"([{"terminal":"TRIG_SMB","cost":1,"constraints":{"inversionNeeded":true}},)"
     R"({"terminal":"PXI_Trig7","cost":2,"constraints":{}}])";

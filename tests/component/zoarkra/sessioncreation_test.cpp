@@ -122,10 +122,7 @@ TEST_F(SessionCreation, WarningsOfTheDriver_AreMergedIntoTheStatus) {
 
 TEST_F(SessionCreation, NullName_FailsWithInvalidParameter) {
   EXPECT_EQ(failureOf([&] { create(client_, nullptr); }),
-            (tFailure{QUENRA_STATUS_INVALID_PARAMETER,
-                      R"({"error_constant":"zoapalerr_invalidParameter",)"
-                      R"("file":"zoarkra\\arkroutingadaptor","line":203,)"
-                      R"("component":"quenra"})"}));
+            failureAtLine(203, QUENRA_STATUS_INVALID_PARAMETER, "zoapalerr_invalidParameter"));
   EXPECT_EQ(script_.events, (tStrings{"stop", "closed"}));
 }
 

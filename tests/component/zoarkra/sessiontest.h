@@ -43,6 +43,20 @@ inline tFailure failureOfRouter(int32_t code) {
   return {code, R"({"file":"router","line":9,"component":"driver"})"};
 }
 
+// A failure that a session or an iterator raises at a line.
+inline tFailure failureAtLine(uint32_t line, int32_t code, const std::string& errorConstant) {
+  return {code, R"({"error_constant":")" + errorConstant +
+                    R"(","file":"zoarkra\\arkroutingadaptor","line":)" + std::to_string(line) +
+                    R"(,"component":"quenra"})"};
+}
+
+inline const tFailure kOutputMissing =
+    failureAtLine(118, QUENRA_STATUS_INVALID_PARAMETER, "zoapalerr_invalidParameter");
+inline const tFailure kNoBuffer =
+    failureAtLine(127, QUENRA_STATUS_MEMORY_FULL, "zoapalerr_memoryFull");
+inline const tFailure kCountImplausible =
+    failureAtLine(288, QUENRA_STATUS_MEMORY_FULL, "zoapalerr_memoryFull");
+
 // A client's output argument. Its buffers have exactly the size that the library requests, so that the
 // address sanitizer reports a write past them. One at a time.
 class tAnswer {
@@ -107,19 +121,6 @@ class SessionTest : public testing::Test {
   std::unique_ptr<zoark::ARKRoutingAdaptorSession> session_;
   tAnswer answer_;
 };
-
-inline const tFailure kNoBuffer{
-    QUENRA_STATUS_MEMORY_FULL,
-    R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
-    R"("line":127,"component":"quenra"})"};
-inline const tFailure kCountImplausible{
-    QUENRA_STATUS_MEMORY_FULL,
-    R"({"error_constant":"zoapalerr_memoryFull","file":"zoarkra\\arkroutingadaptor",)"
-    R"("line":288,"component":"quenra"})"};
-inline const tFailure kOutputMissing{
-    QUENRA_STATUS_INVALID_PARAMETER,
-    R"({"error_constant":"zoapalerr_invalidParameter","file":"zoarkra\\arkroutingadaptor",)"
-    R"("line":118,"component":"quenra"})"};
 
 }  // namespace nTests
 

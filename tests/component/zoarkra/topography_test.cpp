@@ -126,6 +126,8 @@ TEST(FindTopography, NameWithLineEnds_IsTracedAsOneLine) {
       << failure.description;
 }
 
+// ---- The list of the command line ----
+
 TEST(TerminalCatalogue, Names_AreThoseOfTheLibraryInItsOrder) {
   std::vector<std::string> names;
   for (const nCommandLine::tOfferedWord& row : nCommandLine::kTerminalNames) {

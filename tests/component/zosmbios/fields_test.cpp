@@ -12,9 +12,10 @@
 namespace nTests {
 namespace {
 
-using nQUENRA1400::nZOSMBIOS_1_1::tStructureOffset;
 using nZOAPALS100::tStatus;
 using namespace nQUENRA1400::nZOSMBIOS_1_1;
+
+// ---- Structures ----
 
 // The structure's offset; the test fails unless a missing one is reported as documented.
 std::optional<uint32_t> find(const std::vector<uint8_t>& table, uint8_t type, uint32_t instance) {
@@ -130,6 +131,8 @@ INSTANTIATE_TEST_SUITE_P(
                     tSearch{"StructureOnTheLastByte", {9, 4, 1, 1, 'a', 0, 0, 7}, 7, 0, 7},
                     tSearch{"ThirdNulIsAStructureOfTypeZero", {9, 4, 1, 1, 0, 0, 0}, 0, 0, 6}),
     kNameOfSearch);
+
+// ---- The bounds of fields ----
 
 struct tVerdict {
   int32_t code;
@@ -255,6 +258,8 @@ TEST(CheckField, StatusWithAnError_DoesNothing) {
   EXPECT_EQ(status.code, -3);
   EXPECT_EQ(status.line, 1u);
 }
+
+// ---- Numeric readers ----
 
 struct tByteReader {
   using tValue = uint8_t;

@@ -286,6 +286,8 @@ TEST_F(Loader, InstalledTable_IsNotReplacedByAReader) {
   EXPECT_TRUE(service().calls.empty());
 }
 
+// ---- Shortage of memory ----
+
 std::vector<uint8_t> tableWith(uint8_t value) {
   return tSmbiosTableBuilder().structure(8, {1}).structure(9, {value}).build();
 }

@@ -21,6 +21,8 @@ using tStrings = std::vector<std::string>;
 
 constexpr tFieldId kField = textField(9, 4);
 
+// ---- Strings of a structure ----
+
 // A structure of type 9 whose byte at offset 4 is the number of a string.
 std::vector<uint8_t> structureWith(uint8_t number, const tStrings& strings) {
   return tSmbiosTableBuilder().structure(9, {number}, strings).build();
@@ -257,6 +259,8 @@ TEST(GetString, FailedLoad_ReturnsItsCodeForEveryClassAndIsTriedAgain) {
   EXPECT_EQ(provider.loads(), 3);
 }
 
+// ---- Buffer sizes ----
+
 class StringSize : public testing::Test {
  protected:
   static constexpr uint32_t kNeeded = 6;  // "hello" and its NUL
@@ -325,6 +329,8 @@ TEST_F(StringSize, NoSize_IsAnInvalidParameter) {
   EXPECT_EQ(status.line, 488u);
   EXPECT_EQ(buffer, '#');
 }
+
+// ---- The version text ----
 
 const std::vector<uint8_t> kTable{127, 4, 0, 0, 0, 0};
 

@@ -24,6 +24,8 @@ namespace {
 using nZOAPALS100::tStatus;
 using namespace nQUENRA1400::nZOSMBIOS_1_1;
 
+// ---- Installation ----
+
 std::vector<uint8_t> tableWith(uint8_t value, const char* text = "text") {
   return tSmbiosTableBuilder().structure(9, {value, 1}, {text}).build();
 }
@@ -125,6 +127,8 @@ TEST(Readers, OnSeveralThreads_SeeTheSameTable) {
   }
   EXPECT_EQ(wrong, 0);
 }
+
+// ---- Damaged tables ----
 
 std::vector<uint8_t> goodTable() {
   return tSmbiosTableBuilder()
