@@ -5,20 +5,43 @@
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
 
+#include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include "tests/component/commandline/tscriptedfacts.h"
-#include "tests/component/commandline/tscriptedinterruption.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
 #include "tests/component/commandline/tscriptedlock.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/output/streams.h"
+#include "tools/quenra/output/waiting.h"
 
 namespace nTests {
+
+// A user who presses Ctrl-C immediately or never.
+class tScriptedInterruption final : public nCommandLine::iInterruption {
+ public:
+  void await() noexcept override { isAwaited = true; }
+  [[nodiscard]] bool hasCome() noexcept override {
+    ++asked;
+    return isAwaited && comes;
+  }
+  // For another thread: waits until hasCome() was called this many times.
+  void waitUntilAsked(int times) const {
+    while (asked < times) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }
+
+  bool isAwaited = false;
+  bool comes = false;
+  std::atomic<int> asked = 0;
+};
 
 // The exit code and output of one run of the program.
 struct tRun {

@@ -37,22 +37,26 @@ TEST_F(Get, AttributeIsFoundByNameConstantAndId) {
   const std::string names[] = {"product-name", "PRODUCT_NAME", "QUENRA_ATTRIBUTE_PRODUCT_NAME",
                                "0x10000100", "268435712"};
   for (const std::string& name : names) {
-    EXPECT_EQ(idReadBy({"get", name}), 0x10000100u) << name;
+    EXPECT_EQ(idReadBy({"get", name}), QUENRA_ATTRIBUTE_PRODUCT_NAME) << name;
   }
 }
 
 TEST_F(Get, InstanceAndInterface_GoIntoTheId) {
-  EXPECT_EQ(idReadBy({"get", "memory-size", "--instance", "1"}), 0x2000D001u);
-  EXPECT_EQ(idReadBy({"get", "memory-size", "--instance=0x10"}), 0x2000D010u);
-  EXPECT_EQ(idReadBy({"get", "firmware-version", "--controller"}), 0x10100400u);
-  EXPECT_EQ(idReadBy({"get", "--marten", "firmware-version"}), 0x10200400u);
+  EXPECT_EQ(idReadBy({"get", "memory-size", "--instance", "1"}), QUENRA_ATTRIBUTE_MEMORY_SIZE + 1);
+  EXPECT_EQ(idReadBy({"get", "memory-size", "--instance=0x10"}), QUENRA_ATTRIBUTE_MEMORY_SIZE + 16);
+  EXPECT_EQ(idReadBy({"get", "firmware-version", "--controller"}),
+            QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_CONTROLLER);
+  EXPECT_EQ(idReadBy({"get", "--marten", "firmware-version"}),
+            QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN);
 }
 
-TEST_F(Get, IdMayHoldInstanceAndInterfaceItself) {
-  EXPECT_EQ(idReadBy({"get", "0x2000D002"}), 0x2000D002u);
-  EXPECT_EQ(idReadBy({"get", "0x10200400"}), 0x10200400u);
-  EXPECT_EQ(idReadBy({"get", "0x10200400", "--marten"}), 0x10200400u);
-  EXPECT_EQ(idReadBy({"get", "0x2000D002", "--instance", "2"}), 0x2000D002u);
+TEST_F(Get, IdMayContainInstanceAndInterface) {
+  EXPECT_EQ(idReadBy({"get", "0x2000D002"}), QUENRA_ATTRIBUTE_MEMORY_SIZE + 2);
+  EXPECT_EQ(idReadBy({"get", "0x10200400"}),
+            QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN);
+  EXPECT_EQ(idReadBy({"get", "0x10200400", "--marten"}),
+            QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN);
+  EXPECT_EQ(idReadBy({"get", "0x2000D002", "--instance", "2"}), QUENRA_ATTRIBUTE_MEMORY_SIZE + 2);
 }
 
 TEST_F(Get, IdThatContradictsTheOptions_IsWrongUsage) {
@@ -61,7 +65,7 @@ TEST_F(Get, IdThatContradictsTheOptions_IsWrongUsage) {
   EXPECT_THAT(library_.reads, IsEmpty());
 }
 
-TEST_F(Get, IdOutsideTheCatalogue_IsAskedOfTheLibrary) {
+TEST_F(Get, IdOutsideTheTable_IsReadFromTheLibrary) {
   library_.number(0x20212300, 5);
   const tRun result = run({"get", "0x20212300", "--json"});
   EXPECT_EQ(result.exitCode, 0);
@@ -91,14 +95,14 @@ TEST_F(Get, BothInterfaces_AreWrongUsage) {
   EXPECT_EQ(run({"get", "firmware-version", "--controller", "--marten"}).exitCode, 2);
 }
 
-TEST_F(Get, UnknownName_IsMetWithASuggestion) {
+TEST_F(Get, UnknownName_GetsASuggestion) {
   const tRun result = run({"get", "product-nam"});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.out, IsEmpty());
   EXPECT_THAT(result.error, HasSubstr("Did you mean product-name?"));
 }
 
-TEST_F(Get, NotSupported_IsSaidWithoutAnythingOnTheOutput) {
+TEST_F(Get, NotSupported_IsReportedOnTheErrorStreamOnly) {
   const tRun result = run({"get", "serial-number"});
   EXPECT_EQ(result.exitCode, 3);
   EXPECT_THAT(result.out, IsEmpty());
@@ -115,11 +119,12 @@ TEST_F(Get, NotSupportedWithJson_IsAnAnswer) {
   EXPECT_EQ(document["exitCode"].GetInt(), 3);
   EXPECT_STREQ(document["attribute"]["state"].GetString(), "notSupported");
   EXPECT_TRUE(document["attribute"]["value"].IsNull());
-  EXPECT_EQ(document["attribute"]["status"]["code"].GetInt(), -26934);
+  EXPECT_EQ(document["attribute"]["status"]["code"].GetInt(), QUENRA_STATUS_NOT_SUPPORTED);
 }
 
 TEST_F(Get, InterfaceThatThisMachineLacks_IsNotAvailable) {
-  library_.code(0x10200400, QUENRA_STATUS_NO_CONTROLLER);
+  library_.code(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN,
+                QUENRA_STATUS_NO_CONTROLLER);
   const tRun text = run({"get", "firmware-version", "--marten"});
   EXPECT_EQ(text.exitCode, 3);
   EXPECT_THAT(text.error, HasSubstr(" is not available: the machine has no Marten interface\n"
@@ -151,7 +156,7 @@ TEST_F(Get, CodeOfTheDriver_IsPassedOnWithoutAConstant) {
   EXPECT_EQ(document["exitCode"].GetInt(), 1);
 }
 
-TEST_F(Get, NoController_HasAnExitCodeOfItsOwn) {
+TEST_F(Get, NoController_HasItsExitCode) {
   library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
   const tRun result = run({"get", "product-name", "--json"});
   EXPECT_EQ(result.exitCode, 4);
@@ -159,7 +164,7 @@ TEST_F(Get, NoController_HasAnExitCodeOfItsOwn) {
   const auto document = result.document();
   EXPECT_STREQ(document["kind"].GetString(), "error");
   EXPECT_STREQ(document["command"].GetString(), "get");
-  EXPECT_EQ(document["error"]["code"].GetInt(), -26932);
+  EXPECT_EQ(document["error"]["code"].GetInt(), QUENRA_STATUS_NO_CONTROLLER);
 }
 
 TEST_F(Get, InstanceThatTheMachineLacks_IsReportedWithTheirNumber) {
@@ -179,14 +184,15 @@ TEST_F(Get, InstanceThatTheMachineLacks_IsReportedWithTheirNumber) {
               HasSubstr("quenra: product-name has no instances\n"));
 }
 
-TEST_F(Get, InstanceThatTheMachineHas_IsNotBlamed) {
+TEST_F(Get, PresentInstance_IsNotReportedAsTheCause) {
   library_.number(QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT, 3);
   EXPECT_THAT(run({"get", "memory-part-number", "--instance", "2"}).error,
               HasSubstr("memory-part-number, instance 2 is not supported on this machine\n"));
 }
 
 TEST_F(Get, InstanceOnTheMarten_IsNotAvailable) {
-  library_.code(0x2020D001, QUENRA_STATUS_NO_CONTROLLER);
+  library_.code(QUENRA_ATTRIBUTE_MEMORY_SIZE | QUENRA_SELECTOR_MARTEN | 1,
+                QUENRA_STATUS_NO_CONTROLLER);
   EXPECT_THAT(run({"get", "memory-size", "--instance", "1", "--marten"}).error,
               HasSubstr("is not available: the Marten interface has instance 0 only\n"));
 }

@@ -11,6 +11,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using SelfTest = CommandLineTest;
+
+// ---- info ----
 
 class Info : public CommandLineTest {
  protected:
@@ -46,25 +49,25 @@ TEST_F(Info, NamesEveryAttribute) {
   }
 }
 
-TEST_F(Info, AttributeThatTheMachineLacks_IsShownAsSuch) {
+TEST_F(Info, AbsentAttribute_IsShownAsNotSupported) {
   const tRun result = run({"info"});
   EXPECT_THAT(result.out, testing::ContainsRegex("\n  serial-number +not supported\n"));
   EXPECT_EQ(result.exitCode, 0);
 }
 
-TEST_F(Info, AttributeWhoseDeviceIsAbsent_IsShownAsSuch) {
+TEST_F(Info, AttributeOfAnAbsentDevice_IsShownAsNotAvailable) {
   library_.code(QUENRA_ATTRIBUTE_DEVICE_PATH, QUENRA_STATUS_NO_CONTROLLER);
   const tRun result = run({"info"});
   EXPECT_THAT(result.out, testing::ContainsRegex("\n  device-path +not available\n"));
   EXPECT_EQ(result.exitCode, 0);
 }
 
-TEST_F(Info, CountedInstances_AreReadAsOftenAsTheyAreThere) {
+TEST_F(Info, CountedInstances_AreReadOnceEach) {
   run({"info"});
   EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_MEMORY_SIZE), 2);
 }
 
-TEST_F(Info, ListWithAnAbsurdCount_EndsWhereTheLibraryDoes) {
+TEST_F(Info, ImplausibleCount_IsLimitedToTheInstancesOfTheLibrary) {
   library_.number(QUENRA_ATTRIBUTE_SLOT_COUNT, 255);
   library_.number(QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT, 70000);
   run({"info"});
@@ -73,12 +76,13 @@ TEST_F(Info, ListWithAnAbsurdCount_EndsWhereTheLibraryDoes) {
 }
 
 TEST_F(Info, FirmwareVersions_AreARowForTheBiosAndARowForTheMarten) {
-  library_.text(0x10100400, "2.1.0f3");
-  library_.code(0x10200400, QUENRA_STATUS_NO_CONTROLLER);
+  library_.text(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_CONTROLLER, "2.1.0f3");
+  library_.code(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN,
+                QUENRA_STATUS_NO_CONTROLLER);
   EXPECT_THAT(run({"info"}).out,
               testing::ContainsRegex("\n  firmware-version.BIOS. +2.1.0f3\n"
                                      "  firmware-version.Marten. +not available\n"));
-  library_.text(0x10200400, "1.4.0f7");
+  library_.text(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN, "1.4.0f7");
   const auto document = run({"info", "--json"}).document();
   std::vector<std::string> versions;
   for (const auto& reading : document["subjects"][0]["attributes"].GetArray()) {
@@ -96,7 +100,7 @@ TEST_F(Info, EmptyList_IsShownOnceAsNotSupported) {
   EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_BRIDGE_LOCATION), 1);
 }
 
-TEST_F(Info, ProcessorsAreShownAsFarAsTheyHaveNames) {
+TEST_F(Info, NamedProcessors_AreShown) {
   library_.text(QUENRA_ATTRIBUTE_PROCESSOR_VERSION + 1, "");
   library_.text(QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER + 1, "Maker");
   library_.number(QUENRA_ATTRIBUTE_PROCESSOR_STEPPING + 1, 6);
@@ -105,7 +109,7 @@ TEST_F(Info, ProcessorsAreShownAsFarAsTheyHaveNames) {
   EXPECT_THAT(result.out, Not(HasSubstr("processor-stepping[2]")));
 }
 
-TEST_F(Info, NamelessProcessorsOfAMalformedTable_DoNotGoOnForEver) {
+TEST_F(Info, NamelessProcessorsOfAMalformedTable_EndTheCount) {
   for (uint32_t i = 0; i < 256; ++i) {
     library_.code(QUENRA_ATTRIBUTE_PROCESSOR_VERSION + i, QUENRA_STATUS_SUCCESS);
     library_.code(QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER + i, QUENRA_STATUS_SUCCESS);
@@ -114,7 +118,7 @@ TEST_F(Info, NamelessProcessorsOfAMalformedTable_DoNotGoOnForEver) {
   EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_PROCESSOR_STEPPING), 1);
 }
 
-TEST_F(Info, FailedReads_AreShownAndReportedTogetherAndTheRestStays) {
+TEST_F(Info, FailedReads_AreReportedTogetherBesideTheOtherReadings) {
   library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, QUENRA_STATUS_TIME_OUT);
   library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_2, QUENRA_STATUS_TIME_OUT);
   const tRun result = run({"info"});
@@ -135,7 +139,7 @@ TEST_F(Info, FailedReadWithJson_IsPartOfTheDocument) {
       itemWith(itemWith(document["subjects"], "subject", "driver")["attributes"], "name",
                "driver-setting-1");
   EXPECT_STREQ(attribute["state"].GetString(), "failed");
-  EXPECT_EQ(attribute["status"]["code"].GetInt(), -52007);
+  EXPECT_EQ(attribute["status"]["code"].GetInt(), QUENRA_STATUS_TIME_OUT);
 }
 
 TEST_F(Info, NoController_IsReported) {
@@ -160,6 +164,51 @@ TEST_F(Info, Document_HoldsEverySubjectAndAttribute) {
 TEST_F(Info, EscapeCodes_AppearOnATerminalOnly) {
   EXPECT_THAT(run({"info"}).out, Not(HasSubstr("\x1B")));
   EXPECT_THAT(runOnTerminal({"info"}).out, HasSubstr("\x1B[1mIdentity\x1B[0m"));
+}
+
+// ---- self-test ----
+
+TEST_F(SelfTest, Success_IsALineAndADocument) {
+  const tRun result = run({"self-test"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "self-test: passed\n");
+  EXPECT_THAT(result.error, IsEmpty());
+  EXPECT_EQ(library_.selfTests, 1);
+
+  const auto document = run({"self-test", "--json"}).document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "selfTest"));
+  EXPECT_STREQ(document["kind"].GetString(), "self-test");
+  EXPECT_THAT(memberNames(document["selfTest"]), ElementsAre("passed", "status"));
+  EXPECT_TRUE(document["selfTest"]["passed"].GetBool());
+  EXPECT_EQ(document["selfTest"]["status"]["code"].GetInt(), 0);
+}
+
+TEST_F(SelfTest, Failure_IsAnErrorWithItsCode) {
+  library_.selfTestCode = QUENRA_STATUS_INVALID_HANDLE;
+  const tRun result = run({"self-test", "--json"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, HasSubstr("the self-test failed\n"));
+  EXPECT_THAT(result.error, HasSubstr("QUENRA_STATUS_INVALID_HANDLE"));
+  EXPECT_STREQ(result.document()["kind"].GetString(), "error");
+  EXPECT_STREQ(result.document()["command"].GetString(), "self-test");
+}
+
+TEST_F(SelfTest, NoController_IsNotTested) {
+  library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
+  EXPECT_EQ(run({"self-test"}).exitCode, 4);
+  EXPECT_EQ(library_.selfTests, 0);
+}
+
+TEST_F(SelfTest, Warnings_DoNotMakeItFail) {
+  library_.openCode = 77;
+  library_.selfTestCode = 78;
+  const tRun result = run({"self-test", "--json"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.error, HasSubstr("warning: opening the controller\n  77\n"));
+  EXPECT_THAT(result.error, HasSubstr("warning: the self-test\n  78\n"));
+  EXPECT_EQ(result.document()["warnings"].Size(), 2u);
+  EXPECT_TRUE(result.document()["selfTest"]["passed"].GetBool());
 }
 
 }  // namespace

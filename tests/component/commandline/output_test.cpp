@@ -1,6 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #ifdef _WIN32
 #include <windows.h>
 #endif
@@ -11,13 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "tests/component/commandline/tscriptedfacts.h"
-#include "tests/component/commandline/tscriptedinterruption.h"
-#include "tests/component/commandline/tscriptedlibrary.h"
-#include "tests/component/commandline/tscriptedlock.h"
-#include "tests/component/commandline/tscriptedrouting.h"
+#include "tests/component/commandline/commandlinetest.h"
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/output/streams.h"
+#include "tools/quenra/output/table.h"
 
 namespace nTests {
 namespace {
@@ -154,6 +148,56 @@ TEST(Output, FullDiskAfterAFailedSet_IsAPlainFailure) {
       setWithOutputThatFails(std::errc::no_space_on_device, QUENRA_STATUS_TIME_OUT);
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.error.find("The change was applied"), std::string::npos);
+}
+
+// ---- Tables ----
+
+std::string written(const nCommandLine::tTable& table, bool styles) {
+  std::ostringstream stream;
+  table.write(stream, nCommandLine::tStyle(styles));
+  return stream.str();
+}
+
+TEST(Table, ColumnsAreAlignedWithoutTrailingSpaces) {
+  nCommandLine::tTable table;
+  table.addRow({"a", "long cell", "x"});
+  table.addRow({"longer", "b", "y"});
+  table.addRow({"c", "d", ""});
+  EXPECT_EQ(written(table, false),
+            "a       long cell  x\n"
+            "longer  b          y\n"
+            "c       d\n");
+}
+
+TEST(Table, EmptyCellInTheMiddle_KeepsItsColumn) {
+  nCommandLine::tTable table;
+  table.addRow({"a", "", "x"});
+  table.addRow({"b", "unit", "y"});
+  EXPECT_EQ(written(table, false), "a        x\nb  unit  y\n");
+}
+
+TEST(Table, TextBeyondAscii_IsAlignedByCharacters) {
+  nCommandLine::tTable table;
+  table.addRow({"\xC3\xA9\xC3\xA9", "x"});
+  table.addRow({"ab", "y"});
+  EXPECT_EQ(written(table, false), "\xC3\xA9\xC3\xA9  x\nab  y\n");
+}
+
+TEST(Table, HeadingsAreSetApart) {
+  nCommandLine::tTable table;
+  table.addHeading("One");
+  table.addRow({"a", "x"});
+  table.addHeading("Two");
+  table.addRow({"b", "y"});
+  EXPECT_EQ(written(table, false), "One\na  x\n\nTwo\nb  y\n");
+}
+
+TEST(Table, Styles_AreUsedOnlyWhereSupported) {
+  nCommandLine::tTable table;
+  table.addHeading("One");
+  table.addRow({"a", "x"}, true);
+  EXPECT_EQ(written(table, true), "\x1B[1mOne\x1B[0m\na  \x1B[2mx\x1B[0m\n");
+  EXPECT_EQ(written(table, false), "One\na  x\n");
 }
 
 // ---- Reasons ----

@@ -27,7 +27,7 @@ class Routing : public CommandLineTest {
   void SetUp() override { library_.text(QUENRA_ATTRIBUTE_DEVICE_PATH, kDevice); }
 
   // The calls to the router after the calculation, without the end of the session.
-  std::vector<std::string> callsBehindCalculation() const {
+  std::vector<std::string> callsAfterCalculation() const {
     std::vector<std::string> calls;
     for (size_t i = 2; i + 1 < routing_.calls.size(); ++i) {
       calls.push_back(routing_.calls[i]);
@@ -127,7 +127,7 @@ TEST_F(Routing, EveryFailingStep_IsReportedAndClosesTheSession) {
   }
 }
 
-TEST_F(Routing, MisspeltTerminal_IsMetWithASuggestion) {
+TEST_F(Routing, MisspeltTerminal_GetsASuggestion) {
   const tRun result = run({"route", "plan", "--from", "TRIG_SMB", "--to", "PXI_Trg0"});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.error, HasSubstr("unknown terminal 'PXI_Trg0'\n  Did you mean PXI_Trig0?"));
@@ -149,7 +149,7 @@ TEST_F(Routing, Warnings_GoToTheErrorStreamAndTheDocument) {
   EXPECT_EQ(result.document()["warnings"][0]["code"].GetInt(), 77);
 }
 
-TEST_F(RoutePlan, Routes_AreATableAndAreForgotten) {
+TEST_F(RoutePlan, Routes_AreATableAndAreDestroyed) {
   routing_.routes = kTwoRoutes;
   const tRun result = run(routeWords("plan"));
   EXPECT_EQ(result.exitCode, 0);
@@ -157,10 +157,10 @@ TEST_F(RoutePlan, Routes_AreATableAndAreForgotten) {
             "Path                   Inverted  Cost\n"
             "TRIG_SMB -> PXI_Trig0  no        1\n"
             "TRIG_SMB -> PXI_Trig0  yes       2\n");
-  EXPECT_THAT(callsBehindCalculation(), ElementsAre("path 7", "destroy 7", "path 8", "destroy 8"));
+  EXPECT_THAT(callsAfterCalculation(), ElementsAre("path 7", "destroy 7", "path 8", "destroy 8"));
 }
 
-TEST_F(RoutePlan, Request_SaysWhatIsWanted) {
+TEST_F(RoutePlan, Request_ContainsTheArguments) {
   static_cast<void>(run(routeWords("plan")));
   EXPECT_EQ(routing_.calls[1],
             R"(calculate [{"terminal":"TRIG_SMB","cost":0,"constraints":{}}] ["PXI_Trig0"] )"
@@ -170,7 +170,7 @@ TEST_F(RoutePlan, Request_SaysWhatIsWanted) {
   EXPECT_THAT(routing_.calls[1], testing::EndsWith(R"( {"required":{"inversionNeeded":true}})"));
 }
 
-TEST_F(RoutePlan, TerminalThatTheLibraryDoesNotKnow_IsAQuestionMark) {
+TEST_F(RoutePlan, UnknownTerminal_IsAQuestionMark) {
   routing_.path = R"(["TRIG_SMB","","PXI_Trig0"])";
   EXPECT_THAT(run(routeWords("plan")).out, HasSubstr("TRIG_SMB -> ? -> PXI_Trig0"));
 }
@@ -196,24 +196,24 @@ TEST_F(RoutePlan, NoRoute_IsNotSupported) {
   }
 }
 
-TEST_F(RouteConnect, Route_IsMadeHeldAndTakenDownInOrder) {
+TEST_F(RouteConnect, Route_IsConnectedHeldAndReleasedInOrder) {
   const tRun result = run(routeWords("connect", {"--for", "0"}));
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.out,
               StartsWith("connected: TRIG_SMB -> PXI_Trig0, for 0.0 s\ntaken down after "));
   EXPECT_THAT(result.error, IsEmpty());
-  EXPECT_THAT(callsBehindCalculation(), ElementsAre("reserve 7", "program 7", "path 7",
-                                                    "unprogram 7", "unreserve 7", "destroy 7"));
+  EXPECT_THAT(callsAfterCalculation(), ElementsAre("reserve 7", "program 7", "path 7",
+                                                   "unprogram 7", "unreserve 7", "destroy 7"));
   EXPECT_TRUE(interruption_.isAwaited);
 }
 
-TEST_F(RouteConnect, CtrlC_TakesItDownAndIsNoFailure) {
+TEST_F(RouteConnect, CtrlC_ReleasesTheRouteAndIsNoFailure) {
   interruption_.comes = true;
   const tRun result = run(routeWords("connect"));
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.out, StartsWith("connected: TRIG_SMB -> PXI_Trig0, until Ctrl-C\n"));
   EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
-  EXPECT_EQ(callsBehindCalculation().back(), "destroy 7");
+  EXPECT_EQ(callsAfterCalculation().back(), "destroy 7");
 }
 
 TEST_F(RouteConnect, Time_IsKept) {
@@ -232,7 +232,7 @@ TEST_F(RouteConnect, Demotions_AreReportedAndMakeItAFailure) {
                         "carries no signal any more\n"));
   EXPECT_THAT(result.error, HasSubstr("the library reports the reason 102;"));
   EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
-  const std::vector<std::string> calls = callsBehindCalculation();
+  const std::vector<std::string> calls = callsAfterCalculation();
   EXPECT_THAT(std::vector(calls.begin() + 3, calls.end()),
               ElementsAre("failed 7", "unprogram 7", "unreserve 7", "destroy 7"));
 }
@@ -267,7 +267,7 @@ TEST_F(RouteConnect, Conflict_NamesTheHolders) {
               HasSubstr("  Advice: End the programs that hold these routes, or choose "
                         "another trigger line. The driver does not reveal which "
                         "program a session belongs to.\n"));
-  EXPECT_THAT(callsBehindCalculation(), ElementsAre("reserve 7", "failed 7", "destroy 7"));
+  EXPECT_THAT(callsAfterCalculation(), ElementsAre("reserve 7", "failed 7", "destroy 7"));
 }
 
 TEST_F(RouteConnect, ConflictWithJson_HasTheHoldersAsNumbers) {
@@ -290,31 +290,31 @@ TEST_F(RouteConnect, TimeOutOfRange_IsNamedWithTheRange) {
 TEST_F(RouteConnect, FailingStep_UndoesTheStepsBefore) {
   routing_.codes["program"] = QUENRA_STATUS_BUSY;
   EXPECT_EQ(run(routeWords("connect")).exitCode, 1);
-  EXPECT_THAT(callsBehindCalculation(),
+  EXPECT_THAT(callsAfterCalculation(),
               ElementsAre("reserve 7", "program 7", "failed 7", "unreserve 7", "destroy 7"));
 }
 
-TEST_F(RouteConnect, RouteOfTheOtherPolarity_IsNotTaken) {
+TEST_F(RouteConnect, RouteOfTheOtherPolarity_IsNotConnected) {
   routing_.routes = kTwoRoutes;
   static_cast<void>(run(routeWords("connect", {"--for", "0", "--invert"})));
-  EXPECT_THAT(callsBehindCalculation(), ElementsAre("destroy 7", "reserve 8", "program 8", "path 8",
-                                                    "unprogram 8", "unreserve 8", "destroy 8"));
+  EXPECT_THAT(callsAfterCalculation(), ElementsAre("destroy 7", "reserve 8", "program 8", "path 8",
+                                                   "unprogram 8", "unreserve 8", "destroy 8"));
   routing_.routes = kInvertedRoute;
   routing_.calls.clear();
   const tRun result = run(routeWords("connect", {"--for", "0"}));
   EXPECT_EQ(result.exitCode, 3);
   EXPECT_THAT(result.error, HasSubstr("inverts the signal; add --invert to connect it\n"));
-  EXPECT_THAT(callsBehindCalculation(), ElementsAre("destroy 8"));
+  EXPECT_THAT(callsAfterCalculation(), ElementsAre("destroy 8"));
 }
 
-TEST_F(RouteConnect, InvalidTime_IsRefusedBeforeAnythingIsOpened) {
+TEST_F(RouteConnect, InvalidTime_IsRejectedBeforeOpening) {
   for (const char* const time : {"", "x", "1.5", "-1", "4294967296"}) {
     EXPECT_EQ(run(routeWords("connect", {"--for", time})).exitCode, 2) << time;
   }
   EXPECT_THAT(routing_.calls, IsEmpty());
 }
 
-TEST(Answers, MembersOfUnexpectedTypes_AreIgnored) {
+TEST(RouteDocuments, MembersOfUnexpectedTypes_AreIgnored) {
   using namespace nCommandLine;
   for (const char* const text : {"", "{", "{}", "null", "[1]", R"([{"ticket":-1,"cost":1}])",
                                  R"([{"sessionId":-1,"ticket":1}])"}) {
@@ -324,13 +324,13 @@ TEST(Answers, MembersOfUnexpectedTypes_AreIgnored) {
   }
 }
 
-TEST(Answers, HoldersOfLargeSessions_AreComplete) {
+TEST(RouteDocuments, HoldersOfLargeSessions_AreComplete) {
   EXPECT_THAT(
       nCommandLine::holdersIn(R"([{"sessionId":18446744073709551615,"ticket":4294967295}])"),
       ElementsAre(nCommandLine::tRouteHolder{18446744073709551615u, 4294967295u}));
 }
 
-TEST(Demotions, ComeInTheirOrder) {
+TEST(Demotions, AreQueuedInOrder) {
   using std::chrono::milliseconds;
   nCommandLine::tDemotions demotions;
   EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
@@ -343,7 +343,7 @@ TEST(Demotions, ComeInTheirOrder) {
   EXPECT_EQ(demotions.take(milliseconds(0)), std::nullopt);
 }
 
-TEST(Demotions, ThatDoNotFit_AreDropped) {
+TEST(Demotions, BeyondTheCapacity_AreDropped) {
   using std::chrono::milliseconds;
   constexpr auto kCapacity = static_cast<int32_t>(nCommandLine::tDemotions::kCapacity);
   nCommandLine::tDemotions demotions;

@@ -38,7 +38,7 @@ TEST_F(Set, Success_IsSilentForScripts) {
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.out, IsEmpty());
   EXPECT_THAT(result.error, IsEmpty());
-  EXPECT_THAT(library_.writes, ElementsAre(tWrite{0x20044C00, 7u}));
+  EXPECT_THAT(library_.writes, ElementsAre(tWrite{QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 7u}));
   EXPECT_THAT(library_.reads, IsEmpty());
 }
 
@@ -51,14 +51,15 @@ TEST_F(Set, Success_IsConfirmedOnATerminal) {
             "text-setting-of-both: set to a\\x1B[31m\n");
 }
 
-TEST_F(Set, Number_IsTakenInDecimalAndHexadecimal) {
+TEST_F(Set, DecimalAndHexadecimalNumbers_AreAccepted) {
   EXPECT_EQ(writtenBy({"set", "driver-setting-2", "4294967295"}),
-            (tWrite{0x20051400, 0xFFFFFFFFu}));
-  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "0xfF"}), (tWrite{0x20051400, 255u}));
-  EXPECT_EQ(writtenBy({"set", "0x20051400", "0"}), (tWrite{0x20051400, 0u}));
+            (tWrite{QUENRA_ATTRIBUTE_DRIVER_SETTING_2, 0xFFFFFFFFu}));
+  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "0xfF"}),
+            (tWrite{QUENRA_ATTRIBUTE_DRIVER_SETTING_2, 255u}));
+  EXPECT_EQ(writtenBy({"set", "0x20051400", "0"}), (tWrite{QUENRA_ATTRIBUTE_DRIVER_SETTING_2, 0u}));
 }
 
-TEST_F(Set, TextOfAnyCharacters_IsWrittenAsItIs) {
+TEST_F(Set, TextOfAnyCharacters_IsWrittenUnchanged) {
   const std::string texts[] = {"rack 7",
                                "",
                                "12",
@@ -72,41 +73,55 @@ TEST_F(Set, TextOfAnyCharacters_IsWrittenAsItIs) {
                                "K\xC3\xB6ln \xE6\xBC\xA2 \xF0\x9F\x94\xA7",
                                "a\nb"};
   for (const std::string& text : texts) {
-    EXPECT_EQ(writtenBy({"set", "product-name", text}), (tWrite{0x10000100, text}));
+    EXPECT_EQ(writtenBy({"set", "product-name", text}),
+              (tWrite{QUENRA_ATTRIBUTE_PRODUCT_NAME, text}));
   }
 }
 
-TEST_F(Set, ValueThatBeginsWithADash_StandsBehindTwo) {
-  EXPECT_EQ(writtenBy({"set", "product-name", "--", "--json"}), (tWrite{0x10000100, "--json"}));
-  EXPECT_EQ(writtenBy({"set", "--", "product-name", "-x"}), (tWrite{0x10000100, "-x"}));
-  EXPECT_EQ(writtenBy({"set", "product-name", "--", "--"}), (tWrite{0x10000100, "--"}));
-  EXPECT_EQ(writtenBy({"set", "product-name", "--", "++"}), (tWrite{0x10000100, "++"}));
-  EXPECT_EQ(writtenBy({"set", "product-name", "-5"}), (tWrite{0x10000100, "-5"}));
-  EXPECT_EQ(writtenBy({"set", "product-name", "++"}), (tWrite{0x10000100, "++"}));
-  EXPECT_EQ(writtenBy({"set", "product-name", "-"}), (tWrite{0x10000100, "-"}));
+TEST_F(Set, ValueThatBeginsWithADash_FollowsTwoDashes) {
+  EXPECT_EQ(writtenBy({"set", "product-name", "--", "--json"}),
+            (tWrite{QUENRA_ATTRIBUTE_PRODUCT_NAME, "--json"}));
+  EXPECT_EQ(writtenBy({"set", "--", "product-name", "-x"}),
+            (tWrite{QUENRA_ATTRIBUTE_PRODUCT_NAME, "-x"}));
+  EXPECT_EQ(writtenBy({"set", "product-name", "--", "--"}),
+            (tWrite{QUENRA_ATTRIBUTE_PRODUCT_NAME, "--"}));
+  EXPECT_EQ(writtenBy({"set", "product-name", "--", "++"}),
+            (tWrite{QUENRA_ATTRIBUTE_PRODUCT_NAME, "++"}));
+  EXPECT_EQ(writtenBy({"set", "product-name", "-5"}),
+            (tWrite{QUENRA_ATTRIBUTE_PRODUCT_NAME, "-5"}));
+  EXPECT_EQ(writtenBy({"set", "product-name", "++"}),
+            (tWrite{QUENRA_ATTRIBUTE_PRODUCT_NAME, "++"}));
+  EXPECT_EQ(writtenBy({"set", "product-name", "-"}), (tWrite{QUENRA_ATTRIBUTE_PRODUCT_NAME, "-"}));
   for (const char* const value : {"-x", "--martn"}) {
     EXPECT_THAT(refusalOf({"set", "product-name", value}), HasSubstr("quenra set --help"));
   }
 }
 
 TEST_F(Set, NumberGoesToTheControllerUnlessTheMartenIsSelected) {
-  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "1"}).id, 0x20051400u);
-  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "1", "--controller"}).id, 0x20151400u);
-  EXPECT_EQ(writtenBy({"set", "--marten", "driver-setting-2", "1"}).id, 0x20251400u);
-  EXPECT_EQ(writtenBy({"set", "0x20251400", "1"}).id, 0x20251400u);
-  EXPECT_EQ(writtenBy({"set", "memory-size", "1", "--instance", "2"}).id, 0x2000D002u);
+  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "1"}).id, QUENRA_ATTRIBUTE_DRIVER_SETTING_2);
+  EXPECT_EQ(writtenBy({"set", "driver-setting-2", "1", "--controller"}).id,
+            QUENRA_ATTRIBUTE_DRIVER_SETTING_2 | QUENRA_SELECTOR_CONTROLLER);
+  EXPECT_EQ(writtenBy({"set", "--marten", "driver-setting-2", "1"}).id,
+            QUENRA_ATTRIBUTE_DRIVER_SETTING_2 | QUENRA_SELECTOR_MARTEN);
+  EXPECT_EQ(writtenBy({"set", "0x20251400", "1"}).id,
+            QUENRA_ATTRIBUTE_DRIVER_SETTING_2 | QUENRA_SELECTOR_MARTEN);
+  EXPECT_EQ(writtenBy({"set", "memory-size", "1", "--instance", "2"}).id,
+            QUENRA_ATTRIBUTE_MEMORY_SIZE + 2);
 }
 
 TEST_F(Set, TextSettingOfBoth_GoesToBothOrToTheMarten) {
   for (const char* const name : {"text-setting-of-both", "QUENRA_TEXT_SETTING_OF_BOTH",
                                  "Text_Setting_of_both", "0x18000000"}) {
-    EXPECT_EQ(writtenBy({"set", name, "a"}), (tWrite{0x18000000, "a"})) << name;
-    EXPECT_EQ(writtenBy({"set", name, "a", "--both"}), (tWrite{0x18000000, "a"})) << name;
-    EXPECT_EQ(writtenBy({"set", name, "a", "--marten"}), (tWrite{0x18200000, "a"})) << name;
+    EXPECT_EQ(writtenBy({"set", name, "a"}), (tWrite{QUENRA_TEXT_SETTING_OF_BOTH, "a"})) << name;
+    EXPECT_EQ(writtenBy({"set", name, "a", "--both"}), (tWrite{QUENRA_TEXT_SETTING_OF_BOTH, "a"}))
+        << name;
+    EXPECT_EQ(writtenBy({"set", name, "a", "--marten"}),
+              (tWrite{QUENRA_TEXT_SETTING_OF_BOTH | QUENRA_SELECTOR_MARTEN, "a"}))
+        << name;
   }
 }
 
-TEST_F(Set, IdThatTheLibraryCannotWrite_IsRefused) {
+TEST_F(Set, IdThatTheLibraryCannotWrite_IsRejected) {
   EXPECT_THAT(
       refusalOf({"set", "text-setting-of-both", "a", "--controller"}),
       HasSubstr("text-setting-of-both cannot be written to the controller interface alone\n"));
@@ -132,7 +147,7 @@ TEST_F(Set, AtMostOneInterface_CanBeChosen) {
   static_cast<void>(refusalOf({"set", "driver-setting-1", "1", "--controller", "--both"}));
 }
 
-TEST_F(Set, ValueThatIsNoNumber_IsRefused) {
+TEST_F(Set, InvalidNumber_IsRejected) {
   for (const char* const value : {"", "-1", "+1", " 1", "1 ", "4294967296", "0x", "0x1FFFFFFFF",
                                   "1.5", "3200 MT/s", "yes", "1e3"}) {
     EXPECT_THAT(refusalOf({"set", "memory-speed", value}),
@@ -143,7 +158,7 @@ TEST_F(Set, ValueThatIsNoNumber_IsRefused) {
   }
 }
 
-TEST_F(Set, ValueThatIsNoUnicodeText_IsRefused) {
+TEST_F(Set, InvalidUnicode_IsRejected) {
   for (const char* const value : {"a\xFF", "\xC0\x80", "\xED\xA0\x80", "\xE6\xBC"}) {
     EXPECT_THAT(refusalOf({"set", "product-name", value}),
                 HasSubstr("the value is not a Unicode text\n  Texts are written as UTF-8."));
@@ -160,7 +175,7 @@ TEST_F(Set, MissingAndFurtherWords_AreWrongUsage) {
               HasSubstr("Did you mean text-setting-of-both"));
 }
 
-TEST_F(Set, SettingThatIsOnlyWritten_IsNotRead) {
+TEST_F(Set, WriteOnlySetting_IsNotRead) {
   const tRun result = run({"get", "text-setting-of-both"});
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.error, HasSubstr("text-setting-of-both can only be written"));
@@ -199,7 +214,8 @@ TEST_F(Set, TextThatIsTooLong_IsWrongUsageAndReachesNoDriver) {
               HasSubstr("quenra: the text has 3000 bytes; at most 255 are accepted\n"));
   EXPECT_THAT(refusalOf({"set", "text-setting-of-both", std::string(254, 'x') + "\xC3\xA9"}),
               HasSubstr("the text has 256 bytes"));
-  EXPECT_EQ(writtenBy({"set", "product-name", std::string(255, 'x')}).id, 0x10000100u);
+  EXPECT_EQ(writtenBy({"set", "product-name", std::string(255, 'x')}).id,
+            QUENRA_ATTRIBUTE_PRODUCT_NAME);
 }
 
 TEST_F(Set, FailureOfTheLibrary_IsAnErrorDocument) {
@@ -210,10 +226,10 @@ TEST_F(Set, FailureOfTheLibrary_IsAnErrorDocument) {
   EXPECT_STREQ(document["kind"].GetString(), "error");
   EXPECT_STREQ(document["command"].GetString(), "set");
   EXPECT_STREQ(document["error"]["message"].GetString(), "cannot write driver-setting-1");
-  EXPECT_EQ(document["error"]["code"].GetInt(), -26935);
+  EXPECT_EQ(document["error"]["code"].GetInt(), QUENRA_STATUS_INVALID_VALUE);
 }
 
-TEST_F(Set, NoController_HasAnExitCodeOfItsOwn) {
+TEST_F(Set, NoController_HasItsExitCode) {
   library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
   EXPECT_EQ(run({"set", "driver-setting-1", "1"}).exitCode, 4);
   EXPECT_THAT(library_.writes, IsEmpty());
@@ -247,7 +263,7 @@ TEST_F(Set, Document_HasThePromisedMembers) {
   EXPECT_EQ(attribute["status"]["code"].GetInt(), 0);
 }
 
-TEST_F(Set, DocumentOfTheSettingOfBoth_SaysWhereItWent) {
+TEST_F(Set, DocumentOfTheSettingOfBoth_NamesItsInterface) {
   const tWords words{"set", "text-setting-of-both",
                      "Gr\xC3\xBC\xC3\x9F"
                      "e",

@@ -21,8 +21,8 @@ constexpr tTerminalRow kTerminals[] = {
 };
 
 // Opaque handles: no code dereferences them.
-char sessionPlace = 0;
-char iteratorPlace = 0;
+char sessionHandle = 0;
+char iteratorHandle = 0;
 
 std::string firstWord(const std::string& call) {
   return call.substr(0, call.find(' '));
@@ -46,13 +46,13 @@ bool tScriptedRouting::take(const std::string& call, zoerr_Status* status) {
 }
 
 void tScriptedRouting::answer(const std::string& text, char** output, zoerr_Status* status) const {
-  char* const room = reallocate_(*output, text.size() + 1, text.c_str(), text.size() + 1);
-  if (room == nullptr) {
+  char* const buffer = reallocate_(*output, text.size() + 1, text.c_str(), text.size() + 1);
+  if (buffer == nullptr) {
     status->code = QUENRA_STATUS_MEMORY_FULL;
     return;
   }
-  std::memcpy(room, text.c_str(), text.size() + 1);
-  *output = room;
+  std::memcpy(buffer, text.c_str(), text.size() + 1);
+  *output = buffer;
 }
 
 void tScriptedRouting::demote(int32_t reason) {
@@ -62,8 +62,8 @@ void tScriptedRouting::demote(int32_t reason) {
 }
 
 void tScriptedRouting::demoteOnItsThread(std::vector<int32_t> reasons) {
-  thread_ = std::thread([this, told = std::move(reasons)] {
-    for (const int32_t reason : told) {
+  thread_ = std::thread([this, list = std::move(reasons)] {
+    for (const int32_t reason : list) {
       demote(reason);
     }
   });
@@ -81,7 +81,7 @@ tScriptedRouting::tSession* tScriptedRouting::createSession(const char* device,
   reallocate_ = reallocate;
   callback_ = callback;
   context_ = context;
-  return reinterpret_cast<tSession*>(&sessionPlace);
+  return reinterpret_cast<tSession*>(&sessionHandle);
 }
 
 void tScriptedRouting::destroySession(tSession* session) noexcept {
@@ -147,7 +147,7 @@ tScriptedRouting::tIterator* tScriptedRouting::getAllTerminals(tSession* /*sessi
   }
   terminal_ = 0;
   ++iterators;
-  return reinterpret_cast<tIterator*>(&iteratorPlace);
+  return reinterpret_cast<tIterator*>(&iteratorHandle);
 }
 
 void tScriptedRouting::next(tIterator* /*iterator*/, zoerr_Status* status) noexcept {

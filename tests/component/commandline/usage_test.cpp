@@ -1,3 +1,4 @@
+#include "quenra_attributes.h"
 #include "tests/component/commandline/commandlinetest.h"
 
 namespace nTests {
@@ -37,7 +38,7 @@ const tWords kWrong[] = {{},
                          {"firmware inspect"},
                          {"firmware", "build", "x"}};
 
-TEST_F(Usage, WrongUsage_HasItsExitCodeAndARemedyAndNothingOnTheOutput) {
+TEST_F(Usage, WrongUsage_HasItsExitCodeAndARemedyAndNoOutput) {
   for (const tWords& words : kWrong) {
     const tRun result = run(words);
     EXPECT_EQ(result.exitCode, 2) << testing::PrintToString(words);
@@ -78,19 +79,19 @@ TEST_F(Usage, CommandOfTheErrorDocument_IsNullWithoutAVerb) {
   EXPECT_TRUE(run({"inof", "--json"}).document()["command"].IsNull());
 }
 
-TEST_F(Usage, Json_IsTakenBeforeAndAfterTheVerb) {
+TEST_F(Usage, JsonBeforeOrAfterTheVerb_IsAccepted) {
   EXPECT_STREQ(run({"--json", "attributes"}).document()["kind"].GetString(), "attributes");
   EXPECT_STREQ(run({"attributes", "--json", "--json"}).document()["kind"].GetString(),
                "attributes");
 }
 
-TEST_F(Usage, MisspeltVerb_IsMetWithASuggestion) {
+TEST_F(Usage, MisspeltVerb_GetsASuggestion) {
   EXPECT_THAT(run({"inof"}).error, HasSubstr("unknown verb 'inof'\n  Did you mean info?\n"));
   EXPECT_THAT(run({"attribute"}).error, HasSubstr("Did you mean attributes?"));
   EXPECT_THAT(run({"firmware", "verfy"}).error, HasSubstr("Did you mean firmware verify?"));
 }
 
-TEST_F(Usage, MisspeltOption_IsMetWithASuggestion) {
+TEST_F(Usage, MisspeltOption_GetsASuggestion) {
   EXPECT_EQ(run({"info", "--jsn"}).error,
             "quenra: unknown option '--jsn'\n"
             "  Did you mean --json?\n"
@@ -117,7 +118,7 @@ TEST_F(Usage, MissingWord_IsNamedWithTheUsage) {
   EXPECT_THAT(run({}).error, HasSubstr("quenra: VERB is missing: use info, get, "));
 }
 
-TEST_F(Usage, WordThatCannotStandThere_IsNamed) {
+TEST_F(Usage, UnexpectedWord_IsNamed) {
   EXPECT_THAT(run({"get", "product-name", "--instance", "1", "--instance", "2"}).error,
               HasSubstr("quenra: --instance is given twice\n"));
   EXPECT_THAT(run({"get", "firmware-version", "--controller", "--marten"}).error,
@@ -142,11 +143,11 @@ TEST_F(Usage, ValueOfAnOption_FollowsItOrItsEqualsSign) {
     library_.reads.clear();
     EXPECT_EQ(run(words).exitCode, 3);
     ASSERT_FALSE(library_.reads.empty());
-    EXPECT_EQ(library_.reads.front(), 0x2000D001u);
+    EXPECT_EQ(library_.reads.front(), QUENRA_ATTRIBUTE_MEMORY_SIZE + 1);
   }
 }
 
-TEST_F(Usage, GroupWithoutAnAction_IsMetWithItsActions) {
+TEST_F(Usage, GroupWithoutAnAction_ListsItsActions) {
   EXPECT_THAT(run({"route"}).error,
               HasSubstr("incomplete command: use 'route plan' or 'route connect'\n"
                         "  Run 'quenra route --help' to list the verbs.\n"));

@@ -13,6 +13,7 @@ namespace nTests {
 namespace {
 
 using namespace nCommandLine;
+using tRows = std::vector<std::vector<std::string>>;
 
 tArguments parsed(std::string_view command) {
   std::istringstream stream{std::string(command)};
@@ -69,7 +70,7 @@ TEST(VerbTable, RowsAreWrittenAlike) {
   }
 }
 
-TEST(VerbTable, OptionsOfOneChoice_StandSideBySide) {
+TEST(VerbTable, OptionsOfOneChoice_AreAdjacent) {
   for (const tVerbRow& verb : kGrammar.verbs) {
     std::set<std::string_view> closed;
     std::string_view open;
@@ -83,10 +84,33 @@ TEST(VerbTable, OptionsOfOneChoice_StandSideBySide) {
   }
 }
 
-TEST(VerbTable, ErrorSchema_KnowsEveryVerb) {
+TEST(VerbTable, ErrorSchema_ListsEveryVerb) {
   const std::vector<std::string> lines = linesOf("docs/schema/error.schema.json");
   for (const tVerbRow& verb : kGrammar.verbs) {
     EXPECT_THAT(lines, testing::Contains("        \"" + std::string(verb.name) + "\","));
+  }
+}
+
+TEST(Documentation, SynopsisOfEveryVerb_IsInTheGuide) {
+  const std::vector<std::string> lines = linesOf("docs/command-line.md");
+  for (const tVerbRow& verb : kGrammar.verbs) {
+    const std::string documented = "    " + synopsis(verb);
+    EXPECT_THAT(lines, testing::Contains(
+                           testing::AnyOf(documented, testing::StartsWith(documented + "  "))));
+  }
+}
+
+TEST(Documentation, ExitCodeTable_IsThatOfTheProgram) {
+  tRows expected;
+  for (const tExitCodeRow& row : kExitCodes) {
+    expected.push_back({std::to_string(exitNumber(row.code)), std::string(row.meaning)});
+  }
+  const tRows documented = tableUnder("docs/command-line.md", "## Exit codes");
+  ASSERT_EQ(documented.size(), expected.size());
+  for (size_t i = 0; i < expected.size(); ++i) {
+    ASSERT_GE(documented[i].size(), 2u);
+    EXPECT_EQ(documented[i][0], expected[i][0]);
+    EXPECT_EQ(documented[i][1], expected[i][1]);
   }
 }
 

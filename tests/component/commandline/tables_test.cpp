@@ -1,26 +1,27 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <set>
 
 #include "tests/component/commandline/repositoryfile.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
+#include "tools/quenra/text/numbertext.h"
 
 namespace nTests {
 namespace {
 
 using namespace nCommandLine;
+using tRows = std::vector<std::vector<std::string>>;
 
-TEST(AttributeCatalogue, HoldsExactlyTheAttributesOfTheHeader) {
-  std::map<std::string, int64_t> catalogue;
+TEST(AttributeTable, HoldsExactlyTheAttributesOfTheHeader) {
+  std::map<std::string, int64_t> table;
   for (const tAttributeRow& row : kAttributes) {
-    EXPECT_TRUE(catalogue.emplace(constantOf(row), row.id).second) << row.name << " appears twice";
+    EXPECT_TRUE(table.emplace(constantOf(row), row.id).second) << row.name << " appears twice";
   }
-  EXPECT_EQ(catalogue, enumeratorsOf("include/quenra_attributes.h", "QUENRA_ATTRIBUTE_"));
+  EXPECT_EQ(table, enumeratorsOf("include/quenra_attributes.h", "QUENRA_ATTRIBUTE_"));
 }
 
-TEST(AttributeCatalogue, NamesAreThoseOfTheHeadersInventory) {
+TEST(AttributeTable, NamesAreThoseOfTheHeadersInventory) {
 #define EXPECT_SAME_NAME(id, itsName) EXPECT_EQ(attributeNamed(id), itsName);
   const auto attributeNamed = [](uint32_t id) {
     const tAttributeRow* const row = findAttribute(id);
@@ -31,7 +32,7 @@ TEST(AttributeCatalogue, NamesAreThoseOfTheHeadersInventory) {
 #undef EXPECT_SAME_NAME
 }
 
-TEST(AttributeCatalogue, KeepsSubjectsTogetherInTheirOrder) {
+TEST(AttributeTable, KeepsSubjectsTogetherInTheirOrder) {
   std::vector<const tSubjectRow*> order;
   for (const tAttributeRow& row : kAttributes) {
     if (order.empty() || order.back() != row.subject) {
@@ -41,7 +42,7 @@ TEST(AttributeCatalogue, KeepsSubjectsTogetherInTheirOrder) {
   EXPECT_THAT(order, testing::ElementsAreArray(kSubjects));
 }
 
-TEST(AttributeCatalogue, SaysSomethingAboutEveryAttribute) {
+TEST(AttributeTable, DescribesEveryAttribute) {
   std::set<std::string_view> descriptions;
   for (const tAttributeRow& row : kAttributes) {
     EXPECT_FALSE(row.description.empty()) << row.name;
@@ -50,30 +51,30 @@ TEST(AttributeCatalogue, SaysSomethingAboutEveryAttribute) {
   }
 }
 
-TEST(AttributeCatalogue, EveryRowIsFoundByIdAndByAnyOfItsNames) {
+TEST(AttributeTable, EveryRowIsFoundByIdAndByAnyOfItsNames) {
   for (const tAttributeRow& row : kAttributes) {
     EXPECT_EQ(findAttribute(row.id), &row);
     EXPECT_EQ(findAttribute(row.name), &row);
     EXPECT_EQ(findAttribute(std::string_view(constantOf(row))), &row);
   }
-  EXPECT_EQ(findAttribute("Product_Name"), findAttribute(uint32_t{0x10000100}));
+  EXPECT_EQ(findAttribute("Product_Name"), findAttribute(uint32_t{QUENRA_ATTRIBUTE_PRODUCT_NAME}));
 }
 
-TEST(AttributeCatalogue, UnknownNamesAndIds_AreNotFound) {
+TEST(AttributeTable, UnknownNamesAndIds_AreNotFound) {
   EXPECT_EQ(findAttribute("product"), nullptr);
   EXPECT_EQ(findAttribute(""), nullptr);
-  EXPECT_EQ(findAttribute(uint32_t{0x10000101}), nullptr);
+  EXPECT_EQ(findAttribute(uint32_t{QUENRA_ATTRIBUTE_PRODUCT_NAME + 1}), nullptr);
 }
 
-TEST(StatusCatalogue, HoldsExactlyTheCodesOfTheHeader) {
-  std::map<std::string, int64_t> catalogue;
+TEST(StatusTable, HoldsExactlyTheCodesOfTheHeader) {
+  std::map<std::string, int64_t> table;
   for (const tStatusRow& row : kStatuses) {
-    EXPECT_TRUE(catalogue.emplace(row.constant, row.code).second) << row.constant;
+    EXPECT_TRUE(table.emplace(row.constant, row.code).second) << row.constant;
   }
-  EXPECT_EQ(catalogue, enumeratorsOf("include/quenra_status.h", "QUENRA_STATUS_"));
+  EXPECT_EQ(table, enumeratorsOf("include/quenra_status.h", "QUENRA_STATUS_"));
 }
 
-TEST(StatusCatalogue, GivesMeaningAndAdviceAsSentences) {
+TEST(StatusTable, GivesMeaningAndAdviceAsSentences) {
   for (const tStatusRow& row : kStatuses) {
     EXPECT_TRUE(row.meaning.ends_with('.')) << row.constant;
     EXPECT_TRUE(row.advice.ends_with('.')) << row.constant;
@@ -81,12 +82,31 @@ TEST(StatusCatalogue, GivesMeaningAndAdviceAsSentences) {
   }
 }
 
-TEST(StatusCatalogue, CodeOfTheDriver_IsExplainedBySign) {
+TEST(StatusTable, CodeOfTheDriver_IsExplainedBySign) {
   const tStatusExplanation failure = explainStatus(-7);
   const tStatusExplanation warning = explainStatus(7);
   EXPECT_FALSE(failure.known());
   EXPECT_THAT(std::string(failure.meaning), testing::StartsWith("A failure"));
   EXPECT_THAT(std::string(warning.meaning), testing::StartsWith("A warning"));
+}
+
+// ---- Documentation ----
+
+std::string cell(std::string_view text) {
+  return std::string(text.empty() ? "-" : text);
+}
+
+TEST(Documentation, Attributes_AreThoseOfTheTable) {
+  tRows expected;
+  std::vector<tAttributeRow> rows(kAttributes.begin(), kAttributes.end());
+  rows.insert(rows.end(), std::begin(kSettings), std::end(kSettings));
+  for (const tAttributeRow& row : rows) {
+    expected.push_back({hexadecimalText(row.id, 8), cell(row.name), cell(typeName(row.type())),
+                        cell(accessName(row.access)), cell(instancesText(row)), cell(row.unit),
+                        cell(row.description), cell(row.source)});
+  }
+  EXPECT_THAT(tableUnder("docs/attributes.md", "## All attributes"),
+              testing::ElementsAreArray(expected));
 }
 
 }  // namespace
