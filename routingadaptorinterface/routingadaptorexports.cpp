@@ -1,7 +1,7 @@
 #include <memory>
 
 #include "quenra_routing.h"
-#include "routingadaptorinterface/exceptionboundary.h"
+#include "routingadaptorinterface/clientstatus.h"
 #include "routingadaptorinterface/handles.h"
 #include "zoarkra/arkroutingadaptorsession.h"
 

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "routingadaptorinterface/clientstatus.h"
-#include "routingadaptorinterface/exceptionboundary.h"
 #include "tests/component/protons/status/descriptiontext.h"
 #include "tests/component/routingadaptorinterface/routingclient.h"
 #include "tests/component/routingadaptorinterface/routingheader.h"
