@@ -2,6 +2,7 @@
 // Native only.
 #include <array>
 #include <functional>
+#include <map>
 #include <new>
 
 #include "tests/component/zoarkra/routingdevicetest.h"
@@ -224,27 +225,24 @@ std::ostream& operator<<(std::ostream& out, const tReport& report) {
   return out << report.code << " " << report.file << " " << report.line;
 }
 
-// The code and location that the device reports when the nth call of a function fails.
-tReport reportOf(tCall call, unsigned nth) {
-  const bool first = nth == 1;
-  switch (call) {
-    case tCall::createFile:
-      return {QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 43};
-    case tCall::createEvent:
-      return {QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 51};
-    case tCall::createIoCompletionPort:
-      return first ? tReport{QUENRA_STATUS_ACCESS_DENIED, "tionotification", 31}
-                   : tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 315};
-    case tCall::beginThread:
-      return {QUENRA_STATUS_INTERNAL_ERROR, "thread", 471};
-    case tCall::deviceIoControl:
-      return first ? tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 333}
-                   : tReport{QUENRA_STATUS_ACCESS_DENIED, "tionotification", 134};
-    default:
-      // A failed wait or clean-up has no effect.
-      return {0, "", 0};
-  }
-}
+// The code and location that the device reports when the first or the second call of a function fails.
+const std::map<tCall, std::array<tReport, 2>> kReports{
+    {tCall::createFile,
+     {tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 43},
+      tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 43}}},
+    {tCall::createEvent,
+     {tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 51},
+      tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 51}}},
+    {tCall::createIoCompletionPort,
+     {tReport{QUENRA_STATUS_ACCESS_DENIED, "tionotification", 31},
+      tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 315}}},
+    {tCall::beginThread,
+     {tReport{QUENRA_STATUS_INTERNAL_ERROR, "thread", 471},
+      tReport{QUENRA_STATUS_INTERNAL_ERROR, "thread", 471}}},
+    {tCall::deviceIoControl,
+     {tReport{QUENRA_STATUS_ACCESS_DENIED, "tdeviceinterfaceproxy", 333},
+      tReport{QUENRA_STATUS_ACCESS_DENIED, "tionotification", 134}}},
+};
 
 class DeviceFailures : public RoutingDeviceTest {
  protected:
@@ -257,8 +255,7 @@ class DeviceFailures : public RoutingDeviceTest {
 };
 
 TEST_F(DeviceFailures, FailureOfEachCall_HasItsLocationAndLeavesNothing) {
-  for (const tCall call : {tCall::createFile, tCall::createEvent, tCall::createIoCompletionPort,
-                           tCall::beginThread, tCall::deviceIoControl}) {
+  for (const auto& [call, reports] : kReports) {
     for (unsigned nth = 1; nth <= 2; ++nth) {
       faultPlan().reset();
       start();
@@ -269,7 +266,7 @@ TEST_F(DeviceFailures, FailureOfEachCall_HasItsLocationAndLeavesNothing) {
       faultPlan().reset();
       faultPlan().failCall(call, nth, kAccessDenied);
       SCOPED_TRACE(std::string(nFakeWindows::nameOf(call)) + ", call " + std::to_string(nth));
-      EXPECT_EQ(start(), reportOf(call, nth));
+      EXPECT_EQ(start(), reports[nth - 1]);
       device.reset();
       faultPlan().reset();
       EXPECT_EQ(start(), (tReport{0, "", 0})) << "the next start succeeds";

@@ -12,10 +12,18 @@
 namespace nTests {
 namespace {
 
-// Long enough for a late call to be observed.
-constexpr auto kSettleTime = std::chrono::milliseconds(20);
-
-class RoutingDevice : public RoutingDeviceTest {};
+class RoutingDevice : public RoutingDeviceTest {
+ protected:
+  // Notifies the device, if it is registered.
+  bool isRegistered() {
+    try {
+      notify(machine());
+      return true;
+    } catch (const nSimulator::tControlError&) {
+      return false;
+    }
+  }
+};
 
 TEST_F(RoutingDevice, Demotion_ReachesTheListener) {
   openAndStart();
@@ -72,7 +80,8 @@ TEST_F(RoutingDevice, DestructionWhileTheListenerRuns_WaitsForIt) {
     device.reset();
     destroyed = true;
   });
-  std::this_thread::sleep_for(kSettleTime);
+  // The destruction ends the registration before it waits.
+  EXPECT_TRUE(becomesTrue([&] { return !isRegistered(); }));
   EXPECT_FALSE(destroyed);
   listener.mayLeave = true;
   destroyer.join();
@@ -99,7 +108,7 @@ TEST_F(RoutingDevice, DestructionWhileDemotionsArrive_DeliversNothingAfterwards)
     EXPECT_TRUE(becomesTrue([&] { return listener.count > 3; }));
     device.reset();
     const size_t delivered = listener.count;
-    std::this_thread::sleep_for(kSettleTime);
+    EXPECT_FALSE(isRegistered());
     EXPECT_EQ(listener.count, delivered);
     over = true;
     notifier.join();
@@ -149,18 +158,17 @@ using tSteps = std::vector<std::string>;
 
 // The step of a release that a call carries out; empty for any other call.
 std::string stepOf(const tCallRecord& record) {
-  switch (record.call) {
-    case tCall::deviceIoControl:
-      return record.argument == std::to_string(REQUEST_UNREGISTER_NOTIFICATION) ? "unregister" : "";
-    case tCall::postQueuedCompletionStatus:
-      return "wake the reader";
-    case tCall::waitForSingleObject:
-      return "join the reader";
-    case tCall::closeHandle:
-      return "close the " + record.argument;
-    default:
-      return "";
+  if (record.call == tCall::deviceIoControl &&
+      record.argument == std::to_string(REQUEST_UNREGISTER_NOTIFICATION)) {
+    return "unregister";
   }
+  if (record.call == tCall::postQueuedCompletionStatus) {
+    return "wake the reader";
+  }
+  if (record.call == tCall::waitForSingleObject) {
+    return "join the reader";
+  }
+  return record.call == tCall::closeHandle ? "close the " + record.argument : "";
 }
 
 tSteps steps() {
