@@ -21,8 +21,7 @@
 #include "tools/quenra/output/waiting.h"
 #include "tools/quenra/quenradll.h"
 #include "tools/quenra/text/utf8text.h"
-#include "tools/quenra/update/tupdatefacts.h"
-#include "tools/quenra/update/tupdatelock.h"
+#include "tools/quenra/update/updateonwindows.h"
 
 namespace {
 

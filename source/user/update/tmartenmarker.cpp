@@ -6,6 +6,7 @@
 #include "quenra_attributes.h"
 #include "source/user/failuresites.h"
 #include "source/user/machine/drivercalls.h"
+#include "source/user/update/updateplan.h"
 
 namespace nQUENRA1400 {
 namespace {
@@ -16,7 +17,6 @@ constexpr auto kSizeImplausible = sessionLocation(1701);
 constexpr uint32_t kMaxSize = 1u << 20;
 
 constexpr uint32_t kMarker = QUENRA_ATTRIBUTE_FIRMWARE_VERSION;
-constexpr std::string_view kIncomplete = "0.0.0f0";
 
 // Writes the text without a NUL.
 void write(nZOAPAL000::iInterfaceProxy_hostMarten& marten, std::string_view text,
@@ -67,7 +67,7 @@ void tMartenMarker::overwrite(zoerr::Status& status) {
   }
   saved_ = std::move(before);
   nZOAPALS100::tStatus record = recordFor(status);
-  write(*marten_, kIncomplete, record);
+  write(*marten_, kIncompleteVersion, record);
   status.mergeFrom(record);
 }
 

@@ -13,6 +13,10 @@
 
 namespace nQUENRA1400 {
 
+// The version of a Marten whose firmware is incomplete, until a restart completes it. An update writes it
+// before it sends anything.
+inline constexpr std::string_view kIncompleteVersion = "0.0.0f0";
+
 // Packs a version such as "1.4.0f7" into a number that is larger for a later version: major 0 to 255,
 // minor and update 0 to 15, phase d, a, b or f, and build 0 to 16383. Characters after the build are
 // ignored. Returns 0 for a text of any other form.

@@ -1,7 +1,7 @@
 #ifndef TESTS_COMPONENT_COMMANDLINE_TSCRIPTEDFACTS_H
 #define TESTS_COMPONENT_COMMANDLINE_TSCRIPTEDFACTS_H
 
-#include "tools/quenra/update/iupdatefacts.h"
+#include "tools/quenra/update/updateports.h"
 
 namespace nTests {
 

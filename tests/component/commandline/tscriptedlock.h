@@ -3,7 +3,7 @@
 
 #include <deque>
 
-#include "tools/quenra/update/iupdatelock.h"
+#include "tools/quenra/update/updateports.h"
 
 namespace nTests {
 

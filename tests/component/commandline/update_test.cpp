@@ -8,8 +8,8 @@
 #include "tests/component/commandline/commandlinetest.h"
 #include "tests/component/commandline/repositoryfile.h"
 #include "tests/component/commandline/temporaryfolder.h"
-#include "tools/quenra/update/tprogress.h"
 #include "tools/quenra/update/updateplan.h"
+#include "tools/quenra/update/updaterun.h"
 
 namespace nTests {
 namespace {

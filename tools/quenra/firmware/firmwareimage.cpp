@@ -1,22 +1,28 @@
 #include "tools/quenra/firmware/firmwareimage.h"
 
+#include <rapidjson/document.h>
+
 #include <algorithm>
+#include <iterator>
 #include <memory>
 
+#include "source/user/failuresites.h"
 #include "source/user/firmware/decoding/selection.h"
+#include "source/user/firmware/imageformat.h"
 #include "source/user/firmware/tfirmwareimageparser.h"
 #include "source/user/firmware/timagetext.h"
+#include "tools/quenra/tables/statustable.h"
 
 namespace nCommandLine {
 namespace {
 
+namespace nImageFormat = nQUENRA1400::nImageFormat;
+namespace nImageSites = nQUENRA1400::nImageSites;
 using nQUENRA1400::tFirmwareImageParser;
 using nQUENRA1400::tFirmwarePayloads;
 using nQUENRA1400::tImageText;
 using nQUENRA1400::tSectionHeaders;
 using nQUENRA1400::nFirmwareDecoding::bestKernels;
-
-constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 
 // Runs the parser and owns its records.
 class tParserRun {
@@ -35,6 +41,52 @@ class tParserRun {
   tFirmwarePayloads records_;
   zoerr::tOwnedStatus status_;
 };
+
+// One row for each error that docs/firmware-image.md lists.
+struct tFaultText {
+  const nQUENRA1400::tFailureSite& site;
+  std::string_view reason;
+  std::string_view remedy;
+};
+// clang-format off
+constexpr tFaultText kFaults[] = {
+    {nImageSites::kUnknownHeaderVersion, "HeaderVersion is not 1",
+     "Use a newer version of the library, or an older image."},
+    {nImageSites::kUnknownUpdateType, "UpdateType is neither FWUpdate nor CapsuleUpdate",
+     "Values are case-sensitive, and nothing may follow them."},
+    {nImageSites::kUnknownTargetDevice, "TargetDevice is none of BIOS, MARTEN and SAFEMODE",
+     "Values are case-sensitive, and nothing may follow them."},
+    {nImageSites::kPayloadNotAllocated, "the empty line that ends the header is missing, or memory for the payload is short",
+     "End the header with an empty line; lines end in CR LF."},
+    {nImageSites::kByteCountDiffers, "the payload does not decode to ByteCount bytes",
+     "Fetch the image again: it was truncated or changed, or its header has no end."},
+    {nImageSites::kCrcDiffers, "CRC mismatch",
+     "Fetch the image again: it was changed, or built with another CRC."},
+    {nImageSites::kNumberEmpty, "a number of the header is empty",
+     "Give HeaderVersion, CRC and ByteCount a number."},
+    {nImageSites::kNumberNotDelimited, "a number of the header is missing, or its line does not end",
+     "Give the section HeaderVersion, CRC and ByteCount; lines end in CR LF."},
+    {nImageSites::kTextMissing, "a text of the header is missing",
+     "Give the section UpdateType, Version and TargetDevice, and a BIOS capsule TargetFileName."},
+    {nImageSites::kTextEmpty, "a text of the header is empty",
+     "Give UpdateType, Version, TargetDevice and TargetFileName a value."},
+    {nImageSites::kQuoteNotClosed, "a double quote of the header is never closed",
+     "Close it, or leave both out."},
+};
+// clang-format on
+
+// `status` holds an error.
+tSectionFault faultOf(const zoerr::Status& status) {
+  const uint32_t line = lineOf(status);
+  const auto* const row = std::ranges::find_if(kFaults, [&](const tFaultText& fault) {
+    return fault.site.code == status.code && fault.site.location.line == line;
+  });
+  if (row != std::end(kFaults)) {
+    return {status.code, line, row->reason, row->remedy};
+  }
+  const tStatusExplanation explanation = explainStatus(status.code);
+  return {status.code, line, explanation.meaning, explanation.advice};
+}
 
 constexpr tSectionFault kLineFeeds{0, 0, "header lines end in LF; CR LF is required",
                                    "Convert the line ends of the image to CR LF."};
@@ -92,11 +144,11 @@ void judge(std::vector<tImageSection>& sections, std::string_view bytes) {
 }
 
 void decode(tImageSection& section, const tImageText& text, size_t end) {
-  const size_t headerEnd = text.find(kHeaderEnd, section.position);
-  if (headerEnd == tImageText::kNotFound || headerEnd + kHeaderEnd.size() > end) {
+  const size_t headerEnd = text.find(nImageFormat::kHeaderEnd, section.position);
+  if (headerEnd == tImageText::kNotFound || headerEnd + nImageFormat::kHeaderEnd.size() > end) {
     return;
   }
-  const size_t start = headerEnd + kHeaderEnd.size();
+  const size_t start = headerEnd + nImageFormat::kHeaderEnd.size();
   section.textSize = end - start;
   if (!section.fault) {
     section.byteCount = section.header.byteCount;
@@ -111,7 +163,7 @@ void decode(tImageSection& section, const tImageText& text, size_t end) {
 }
 
 bool goesFirst(const tImageSection& section) {
-  return section.header.isBiosWith("FWUpdate") || section.header.isDriverPackage;
+  return section.header.isBiosWith(nImageFormat::kFirmwareUpdate) || section.header.isDriverPackage;
 }
 
 void setOrder(std::vector<tImageSection>& sections) {
@@ -139,6 +191,14 @@ std::string_view reasonOfNoSection(std::string_view bytes) {
 }
 
 }  // namespace
+
+uint32_t lineOf(const zoerr::Status& status) {
+  rapidjson::Document description;
+  description.Parse(status.description == nullptr ? "" : status.description);
+  const bool hasLine = !description.HasParseError() && description.IsObject() &&
+                       description.HasMember("line") && description["line"].IsUint();
+  return hasLine ? description["line"].GetUint() : 0;
+}
 
 size_t tFirmwareImage::faults() const noexcept {
   return static_cast<size_t>(std::ranges::count_if(

@@ -1,4 +1,5 @@
-// The library's verdict on each section of a firmware image, including those after a refused one.
+// The sections of a firmware image: the library's verdict on each, including those after a refused one,
+// the remarks on those that it accepts, and the text of a new one.
 #ifndef TOOLS_QUENRA_FIRMWARE_FIRMWAREIMAGE_H
 #define TOOLS_QUENRA_FIRMWARE_FIRMWAREIMAGE_H
 
@@ -10,11 +11,27 @@
 #include <vector>
 
 #include "source/user/firmware/tsectionheaders.h"
-#include "tools/quenra/firmware/sectionfault.h"
-#include "tools/quenra/firmware/sectionremark.h"
 #include "tools/quenra/output/diagnostics.h"
+#include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nCommandLine {
+
+// ---- Reading ----
+
+// The reason why the library refuses a section of a firmware image.
+struct tSectionFault {
+  int32_t code = 0;
+  uint32_t line = 0;        // of the site that reported the fault; 0 if unknown
+  std::string_view reason;  // a sentence without its full stop
+  std::string_view remedy;  // a sentence
+};
+
+// A property of a section that the library accepts although it can harm the user's machine.
+struct tSectionRemark {
+  std::string fact;        // a sentence without its full stop
+  std::string remedy;      // a sentence
+  bool isRefused = false;  // an update requires --allow-any-path
+};
 
 struct tImageSection {
   size_t position = 0;  // offset in the image, in bytes
@@ -46,6 +63,38 @@ struct tFirmwareImage {
 // The error for a file without sections, with its remedy. The library accepts such a file and marks
 // the Marten as updated, so the command line must refuse it.
 [[nodiscard]] tCommandError notAnImage(const std::string& path, const tFirmwareImage& image);
+
+// The line in the description of a status; 0 if the description has none.
+[[nodiscard]] uint32_t lineOf(const zoerr::Status& status);
+
+// ---- Values of a header ----
+
+// The reason why a file name of an image is not one plain path component; empty if it is one. The
+// library joins the name to its folder, so any other name can write elsewhere with its rights.
+[[nodiscard]] std::optional<std::string> faultOfFileName(std::string_view name);
+
+// True if a text is a version that the library can compare: major.minor.update, a phase letter d, a, b
+// or f, and a build number, as in 1.4.2f7.
+[[nodiscard]] bool isFirmwareVersion(std::string_view text) noexcept;
+
+// "'3.0' is not a version of the form 1.4.2f7"
+[[nodiscard]] std::string notAVersion(std::string_view text);
+
+[[nodiscard]] std::vector<tSectionRemark> remarksOn(std::string_view version,
+                                                    std::string_view fileName);
+
+// ---- Building ----
+
+struct tNewSection {
+  std::string device;
+  std::string version;
+  std::string fileName;  // empty for a firmware update, else a capsule
+  std::string_view payload;
+  size_t lineLength = 0;  // 0: the payload in one line
+};
+
+// The text of a section, with a line end at its end.
+[[nodiscard]] std::string sectionText(const tNewSection& section);
 
 }  // namespace nCommandLine
 

@@ -1,18 +1,20 @@
-#include "tools/quenra/firmware/imagebuilder.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <memory>
 
+#include "source/user/firmware/decoding/plainsteps.h"
 #include "source/user/firmware/decoding/selection.h"
+#include "source/user/firmware/imageformat.h"
 #include "tools/quenra/text/numbertext.h"
 
 namespace nCommandLine {
 namespace {
 
-constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kAlphabet =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+namespace nImageFormat = nQUENRA1400::nImageFormat;
+using nImageFormat::kLineEnd;
+
 constexpr size_t kGroupBytes = 3;
 constexpr size_t kGroupCharacters = 4;
 
@@ -23,7 +25,7 @@ void appendGroup(std::string& text, std::string_view group) {
   }
   for (size_t i = 0; i < kGroupCharacters; ++i) {
     const uint32_t sextet = bits >> (18 - 6 * i) & 0x3F;
-    text += i <= group.size() ? kAlphabet[sextet] : '=';
+    text += i <= group.size() ? nQUENRA1400::nFirmwareDecoding::kBase64Alphabet[sextet] : '=';
   }
 }
 
@@ -59,17 +61,18 @@ std::string sectionText(const tNewSection& section) {
   const std::string payload = base64(section.payload);
   std::string text;
   const auto line = [&text](std::string_view key, std::string_view value) {
-    text.append(key).append("::").append(value).append(kLineEnd);
+    text.append(key).append(value).append(kLineEnd);
   };
-  line("HeaderVersion", "1");
-  line("UpdateType", section.fileName.empty() ? "FWUpdate" : "CapsuleUpdate");
-  line("Version", section.version);
-  line("TargetDevice", section.device);
+  line(nImageFormat::kHeaderVersionKey, std::to_string(nImageFormat::kHeaderVersion));
+  line(nImageFormat::kUpdateTypeKey,
+       section.fileName.empty() ? nImageFormat::kFirmwareUpdate : nImageFormat::kCapsuleUpdate);
+  line(nImageFormat::kVersionKey.substr(1), section.version);
+  line(nImageFormat::kTargetDeviceKey, section.device);
   if (!section.fileName.empty()) {
-    line("TargetFileName", section.fileName);
+    line(nImageFormat::kTargetFileNameKey, section.fileName);
   }
-  line("CRC", hexadecimalText(crcOf(payload), 8));
-  line("ByteCount", std::to_string(section.payload.size()));
+  line(nImageFormat::kCrcKey, hexadecimalText(crcOf(payload), 8));
+  line(nImageFormat::kByteCountKey, std::to_string(section.payload.size()));
   return text.append(kLineEnd).append(wrapped(payload, section.lineLength));
 }
 

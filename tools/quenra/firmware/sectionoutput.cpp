@@ -1,5 +1,6 @@
 #include "tools/quenra/firmware/sectionoutput.h"
 
+#include "source/user/failuresites.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/text/numbertext.h"
@@ -35,9 +36,8 @@ std::string difference(const tImageSection& section) {
 
 // True if the payload does not match the size or the CRC of the header.
 bool isAboutThePayload(const tSectionFault& fault) noexcept {
-  constexpr uint32_t kByteCountDiffers = 241;
-  constexpr uint32_t kCrcDiffers = 258;
-  return fault.line == kByteCountDiffers || fault.line == kCrcDiffers;
+  using namespace nQUENRA1400::nImageSites;
+  return fault.line == kByteCountDiffers.location.line || fault.line == kCrcDiffers.location.line;
 }
 
 std::string codeAndLine(const tSectionFault& fault) {

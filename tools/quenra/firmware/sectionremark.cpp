@@ -1,4 +1,4 @@
-#include "tools/quenra/firmware/sectionremark.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 
 #include <algorithm>
 #include <cctype>

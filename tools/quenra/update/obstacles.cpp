@@ -1,35 +1,42 @@
-#include "tools/quenra/update/obstacles.h"
+#include "tools/quenra/update/updateplan.h"
 
 #include <algorithm>
+#include <cctype>
 #include <iterator>
+#include <utility>
 
 #include "quenra_status.h"
+#include "source/user/failuresites.h"
+#include "source/user/update/driverpackage.h"
 #include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/output/streams.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/update/driverstore.h"
 
 namespace nCommandLine {
 namespace {
 
-constexpr uint32_t kNoMartenLine = 1868;
-constexpr uint32_t kEligibilityUnknownLine = 1798;
-constexpr uint32_t kNotEligibleLine = 1810;
-constexpr uint32_t kProtectedLine = 1787;
+namespace nUpdateSites = nQUENRA1400::nUpdateSites;
+using nQUENRA1400::tFailureSite;
 
-// The fault of each step in determining the encryption of drive C:, by the line that reports it.
+// The fault of each step in determining the encryption of drive C:.
 struct tProtectionStep {
-  uint32_t line;
+  const tFailureSite& site;
   std::string_view fact;
 };
 constexpr tProtectionStep kProtectionSteps[] = {
-    {2831, "COM cannot be started"},
-    {2847, "the security of COM cannot be set up"},
-    {2863, "the management service is not there"},
-    {2879, "the management service has no volume encryption, or does not let this user ask"},
-    {2912, "the management service does not answer the question"},
+    {nUpdateSites::kComNotInitialised, "COM cannot be started"},
+    {nUpdateSites::kComSecurityRefused, "the security of COM cannot be set up"},
+    {nUpdateSites::kNoLocator, "the management service is not there"},
+    {nUpdateSites::kNamespaceNotReached,
+     "the management service has no volume encryption, or does not let this user ask"},
+    {nUpdateSites::kQueryFailed, "the management service does not answer the question"},
 };
 
 using tObstacles = std::vector<tObstacle>;
+
+tObstacle obstacleAt(const tFailureSite& site, std::string fact, std::string remedy) {
+  return {std::move(fact), std::move(remedy), site.code, site.location.line};
+}
 
 std::string adviceFor(int32_t code) {
   return std::string(explainStatus(code).advice);
@@ -37,8 +44,9 @@ std::string adviceFor(int32_t code) {
 
 void addDrive(const tDriveProtection& drive, tObstacles& obstacles) {
   if (drive.code < 0) {
-    const auto* const step =
-        std::ranges::find(kProtectionSteps, drive.line, &tProtectionStep::line);
+    const auto* const step = std::ranges::find(
+        kProtectionSteps, drive.line,
+        [](const tProtectionStep& candidate) { return candidate.site.location.line; });
     std::string fact = "whether drive C: is encrypted cannot be found out";
     if (step != std::end(kProtectionSteps)) {
       fact.append(": ").append(step->fact);
@@ -48,22 +56,23 @@ void addDrive(const tDriveProtection& drive, tObstacles& obstacles) {
                          "service running and the feature of drive encryption installed.",
                          drive.code, drive.line});
   } else if (drive.isOn) {
-    obstacles.push_back({"drive C: is encrypted, and the protection is on",
-                         adviceFor(QUENRA_STATUS_DRIVE_PROTECTED), QUENRA_STATUS_DRIVE_PROTECTED,
-                         kProtectedLine});
+    obstacles.push_back(obstacleAt(nUpdateSites::kDriveEncrypted,
+                                   "drive C: is encrypted, and the protection is on",
+                                   adviceFor(nUpdateSites::kDriveEncrypted.code)));
   }
 }
 
 void addEligibility(const tReading& takesUpdates, tObstacles& obstacles) {
   if (takesUpdates.state() != tReadingState::value) {
-    obstacles.push_back({"whether the machine takes firmware cannot be read of its SMBIOS table",
-                         "Update the machine's firmware by the means of its maker.",
-                         QUENRA_STATUS_NO_CONTROLLER, kEligibilityUnknownLine});
+    obstacles.push_back(
+        obstacleAt(nUpdateSites::kEligibilityUnknown,
+                   "whether the machine takes firmware cannot be read of its SMBIOS table",
+                   "Update the machine's firmware by the means of its maker."));
   } else if (std::get<uint32_t>(takesUpdates.value) == 0) {
-    obstacles.push_back({"the machine takes no firmware: firmware-update-support is 0",
-                         "Look in the machine's setup for a lock of its firmware; some machines "
-                         "have none that could be lifted.",
-                         QUENRA_STATUS_NOT_SUPPORTED, kNotEligibleLine});
+    obstacles.push_back(obstacleAt(
+        nUpdateSites::kNotEligible, "the machine takes no firmware: firmware-update-support is 0",
+        "Look in the machine's setup for a lock of its firmware; some machines "
+        "have none that could be lifted."));
   }
 }
 
@@ -75,9 +84,10 @@ void addSection(const tPlannedSection& planned, tObstacles& obstacles) {
     obstacles.push_back({faultText(*planned.section), std::string(fault->remedy), fault->code,
                          fault->line, planned.number});
   } else {
-    obstacles.push_back({"the section is for a Marten, and this machine has none",
-                         "Use an image without this section, or install the Marten's driver.",
-                         QUENRA_STATUS_INVALID_IMAGE, kNoMartenLine, planned.number});
+    obstacles.push_back(
+        obstacleAt(*planned.refusal, "the section is for a Marten, and this machine has none",
+                   "Use an image without this section, or install the Marten's driver."));
+    obstacles.back().section = planned.number;
   }
 }
 
@@ -96,7 +106,7 @@ void addPendingRestart(const tUpdateSituation& situation, tObstacles& obstacles)
   if (options.onlyNewer && !options.force && situation.machine != nullptr &&
       situation.machine->awaitsRestart()) {
     obstacles.push_back({"an update awaits a restart: the Marten reports version " +
-                             std::string(kRestartMarker) +
+                             std::string(nQUENRA1400::kIncompleteVersion) +
                              ", and --only-newer cannot compare until the restart",
                          "Restart the machine and run the update again. With --force the "
                          "comparison counts the Marten as the oldest version.",
@@ -123,8 +133,9 @@ void addTool(const tUpdateSituation& situation, iUpdateFacts& facts, tObstacles&
   if (package == situation.plan.end()) {
     return;
   }
-  if (const auto fault = faultOf(facts.driverStoreTool())) {
-    obstacles.push_back({fault->fact, fault->remedy, fault->code, fault->line, package->number});
+  if (const auto obstacle = obstacleOf(facts.driverStoreTool())) {
+    obstacles.push_back(*obstacle);
+    obstacles.back().section = package->number;
   }
   const std::string folder = facts.temporaryFolder();
   if (folder.find(' ') != std::string::npos) {
@@ -136,7 +147,54 @@ void addTool(const tUpdateSituation& situation, iUpdateFacts& facts, tObstacles&
   }
 }
 
+// ---- The driver-store tool ----
+
+constexpr std::string_view kWindowsFolder = "C:\\Windows";
+constexpr std::string_view kTool = nQUENRA1400::kDriverStoreTool;
+
+// Not a copy: updates of the system would not replace it, and its owner could change it.
+constexpr const char* kMakeLink =
+    "As an administrator, run 'mklink /d C:\\Windows\\Sysnative C:\\Windows\\System32': a link, "
+    "never "
+    "a copy of the tool.";
+
+bool isWindowsFolder(std::string_view path) {
+  return std::ranges::equal(path, kWindowsFolder, [](unsigned char one, unsigned char other) {
+    return std::tolower(one) == std::tolower(other);
+  });
+}
+
 }  // namespace
+
+tObstacle toolNotStarted(const std::error_code& reason) {
+  return obstacleAt(
+      nUpdateSites::kToolNotStarted,
+      "the driver-store tool could not be started" + (reason ? ": " + reasonOf(reason) : ""),
+      "Check that " + std::string(kTool) + " is the system's own tool. " + kMakeLink);
+}
+
+std::optional<tObstacle> obstacleOf(const tDriverStoreTool& tool) {
+  if (!isWindowsFolder(tool.windowsFolder)) {
+    return tObstacle{
+        "Windows is installed in '" + tool.windowsFolder + "', and the library starts " +
+            std::string(kTool),
+        "Install the driver package with the tool of this Windows, and use an image without it.",
+        std::nullopt};
+  }
+  if (!tool.exists) {
+    return obstacleAt(
+        nUpdateSites::kToolMissing,
+        "the system has no " + std::string(kTool) + " to install a driver package with", kMakeLink);
+  }
+  if (!tool.isSystemOwned) {
+    const std::string owner = tool.owner.empty() ? "an unknown account" : "'" + tool.owner + "'";
+    return tObstacle{"the owner of " + std::string(kTool) + " is " + owner +
+                         ", not SYSTEM, Administrators or TrustedInstaller",
+                     std::string("Remove the tool: its owner could replace it. ") + kMakeLink,
+                     std::nullopt};
+  }
+  return tool.startFailure ? std::optional(toolNotStarted(tool.startFailure)) : std::nullopt;
+}
 
 tObstacles findObstacles(const tUpdateSituation& situation, iUpdateFacts& facts) {
   tObstacles obstacles;

@@ -118,7 +118,7 @@ void printPlan(const tStreams& streams, const tUpdateMachine* machine,
   streams.out << "installed: " << installedText(machine) << '\n';
   if (machine != nullptr && machine->awaitsRestart()) {
     streams.out << "an update awaits a restart: until then the Marten reports version "
-                << kRestartMarker << '\n';
+                << nQUENRA1400::kIncompleteVersion << '\n';
   }
   tTable table;
   table.addRow({"Section", "Device", "Version", "File", "Bytes", std::string(heading)});

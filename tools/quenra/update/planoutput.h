@@ -7,9 +7,7 @@
 
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/output/tjsondocument.h"
-#include "tools/quenra/update/obstacles.h"
 #include "tools/quenra/update/updateplan.h"
-#include "tools/quenra/update/updateresult.h"
 
 namespace nCommandLine {
 

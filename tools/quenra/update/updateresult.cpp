@@ -1,11 +1,10 @@
-#include "tools/quenra/update/updateresult.h"
+#include "tools/quenra/update/updateplan.h"
 
 #include <algorithm>
 
 #include "quenra_status.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/update/driverstore.h"
 
 namespace nCommandLine {
 namespace {
@@ -29,9 +28,13 @@ tSectionResult resultOfSuccess(const tPlannedSection& planned) noexcept {
       return tSectionResult::applied;
     case tSectionAction::installPackage:
       return tSectionResult::handedOver;
-    default:
-      return tSectionResult::notApplied;
+    case tSectionAction::nothing:
+    case tSectionAction::leaveOut:
+    case tSectionAction::refuse:
+    case tSectionAction::keepBack:
+      break;
   }
+  return tSectionResult::notApplied;
 }
 
 std::vector<tSectionResult> allOf(const tPlan& plan, tSectionResult result) {
@@ -60,7 +63,7 @@ tUpdateResult failureOfTool(int32_t code, const tPlan& plan, tIterator package,
     }
   }
   result.sections[failed] = tSectionResult::failed;
-  const tDriverStoreFault fault = faultOf(tool).value_or(toolNotStarted({}));
+  const tObstacle fault = obstacleOf(tool).value_or(toolNotStarted({}));
   result.failure = tUpdateFailure{
       fault.fact, {fault.fact + ".", fault.remedy}, code, fault.line, package->number};
   return result;

@@ -2,7 +2,7 @@
 #include <iterator>
 
 #include "tools/quenra/firmware/files.h"
-#include "tools/quenra/firmware/imagebuilder.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/firmware/sectionoutput.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/text/names.h"

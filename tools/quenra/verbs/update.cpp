@@ -5,8 +5,7 @@
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/update/planoutput.h"
-#include "tools/quenra/update/theldupdatelock.h"
-#include "tools/quenra/update/tprogress.h"
+#include "tools/quenra/update/updaterun.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {

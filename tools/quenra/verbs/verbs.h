@@ -11,8 +11,7 @@
 #include "tools/quenra/output/waiting.h"
 #include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/routing/irouting.h"
-#include "tools/quenra/update/iupdatefacts.h"
-#include "tools/quenra/update/iupdatelock.h"
+#include "tools/quenra/update/updateports.h"
 
 namespace nCommandLine {
 

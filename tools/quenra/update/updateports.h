@@ -1,6 +1,8 @@
-#ifndef TOOLS_QUENRA_UPDATE_IUPDATEFACTS_H
-#define TOOLS_QUENRA_UPDATE_IUPDATEFACTS_H
+// Interfaces of the machine that an update runs on. Tests replace them.
+#ifndef TOOLS_QUENRA_UPDATE_UPDATEPORTS_H
+#define TOOLS_QUENRA_UPDATE_UPDATEPORTS_H
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <system_error>
@@ -39,6 +41,29 @@ class iUpdateFacts {
   [[nodiscard]] virtual std::string temporaryFolder() = 0;
   // Creates a folder there and removes it again. Clear on success.
   [[nodiscard]] virtual std::error_code temporaryFolderFailure() = 0;
+};
+
+enum class tLockState : uint8_t {
+  acquired,
+  abandoned,  // acquired; the process that held the lock ended without releasing it
+  busy,
+  failed,
+};
+
+// The machine-wide lock that admits one update at a time, across all sessions and users. Acquire
+// and release it on the same thread.
+class iUpdateLock {
+ public:
+  iUpdateLock() = default;
+  iUpdateLock(const iUpdateLock&) = delete;
+  iUpdateLock& operator=(const iUpdateLock&) = delete;
+  virtual ~iUpdateLock() = default;
+
+  // Waits at most `timeout`.
+  [[nodiscard]] virtual tLockState acquire(std::chrono::milliseconds timeout) noexcept = 0;
+  // The reason of the last `failed`.
+  [[nodiscard]] virtual std::error_code failure() const noexcept = 0;
+  virtual void release() noexcept = 0;
 };
 
 }  // namespace nCommandLine

@@ -1,4 +1,4 @@
-#include "tools/quenra/update/tupdatefacts.h"
+#include "tools/quenra/update/updateonwindows.h"
 
 #include <windows.h>
 // Need the types of windows.h.
@@ -11,7 +11,7 @@
 
 #include "source/user/preconditions/preconditions.h"
 #include "source/user/update/driverpackage.h"
-#include "tools/quenra/firmware/sectionfault.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
@@ -153,6 +153,29 @@ std::error_code tUpdateFacts::temporaryFolderFailure() {
   }
   RemoveDirectoryW(folder.c_str());
   return {};
+}
+
+tLockState tUpdateLock::acquire(std::chrono::milliseconds timeout) noexcept {
+  if (!mutex_) {
+    mutex_.reset(CreateMutexW(nullptr, FALSE, L"Global\\quenra-firmware-update"));
+  }
+  const DWORD waited =
+      mutex_ ? WaitForSingleObject(mutex_.get(), static_cast<DWORD>(timeout.count())) : WAIT_FAILED;
+  switch (waited) {
+    case WAIT_OBJECT_0:
+      return tLockState::acquired;
+    case WAIT_ABANDONED:
+      return tLockState::abandoned;
+    case WAIT_TIMEOUT:
+      return tLockState::busy;
+    default:
+      failure_ = windowsError(GetLastError());
+      return tLockState::failed;
+  }
+}
+
+void tUpdateLock::release() noexcept {
+  ReleaseMutex(mutex_.get());
 }
 
 }  // namespace nCommandLine

@@ -1,14 +1,32 @@
-#ifndef TOOLS_QUENRA_UPDATE_TPROGRESS_H
-#define TOOLS_QUENRA_UPDATE_TPROGRESS_H
+// The lock and the progress of a running update.
+#ifndef TOOLS_QUENRA_UPDATE_UPDATERUN_H
+#define TOOLS_QUENRA_UPDATE_UPDATERUN_H
 
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <ostream>
 
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/output/waiting.h"
+#include "tools/quenra/update/updateports.h"
 
 namespace nCommandLine {
+
+// Holds the lock of updates. Concurrent updates would mix their firmware and restore each other's
+// version marker.
+class tHeldUpdateLock {
+ public:
+  // If another update holds the lock, prints a message to `error` and waits; throws tCommandError
+  // instead if `waits` is false. Also throws it on an interruption and on a failure of the lock.
+  tHeldUpdateLock(iUpdateLock& lock, iInterruption& interruption, std::ostream& error, bool waits);
+  tHeldUpdateLock(const tHeldUpdateLock&) = delete;
+  tHeldUpdateLock& operator=(const tHeldUpdateLock&) = delete;
+  ~tHeldUpdateLock() { lock_.release(); }
+
+ private:
+  iUpdateLock& lock_;
+};
 
 // The interval at which the elapsed time is printed.
 struct tRhythm {

@@ -1,10 +1,19 @@
-#ifndef TOOLS_QUENRA_UPDATE_TUPDATELOCK_H
-#define TOOLS_QUENRA_UPDATE_TUPDATELOCK_H
+#ifndef TOOLS_QUENRA_UPDATE_UPDATEONWINDOWS_H
+#define TOOLS_QUENRA_UPDATE_UPDATEONWINDOWS_H
 
-#include "tools/quenra/update/iupdatelock.h"
+#include "tools/quenra/update/updateports.h"
 #include "zoapal/protons/handles/windowsu/tuniquehandle.h"
 
 namespace nCommandLine {
+
+// Examines the machine with the same system calls as the library.
+class tUpdateFacts final : public iUpdateFacts {
+ public:
+  [[nodiscard]] tDriveProtection driveProtection() noexcept override;
+  [[nodiscard]] tDriverStoreTool driverStoreTool() override;
+  [[nodiscard]] std::string temporaryFolder() override;
+  [[nodiscard]] std::error_code temporaryFolderFailure() override;
+};
 
 // A mutex in the global namespace, because the sessions of all users share one controller. It has
 // the default security of its creator, so that accounts other than administrators cannot hold it.
