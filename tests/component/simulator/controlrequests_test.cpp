@@ -1,3 +1,9 @@
+#include <map>
+#include <string>
+#include <vector>
+
+#include "protocol/controllerrequests.h"
+#include "tests/component/commandline/repositoryfile.h"
 #include "tests/component/simulator/modeltest.h"
 
 namespace nTests {
@@ -5,7 +11,7 @@ namespace {
 
 class ModelControl : public ModelTest {};
 
-TEST_F(ModelControl, Start_TellsTheHostThePresence) {
+TEST_F(ModelControl, Start_ReportsThePresenceToTheHost) {
   ASSERT_EQ(presences.size(), 1u);
   EXPECT_EQ(presences[0].controllers, 1u);
   EXPECT_EQ(presences[0].martens, 1u);
@@ -13,50 +19,55 @@ TEST_F(ModelControl, Start_TellsTheHostThePresence) {
 }
 
 TEST_F(ModelControl, PresenceThatChanges_IsReportedToTheHostOnce) {
-  const tSimulatorPresence wanted = {2, 0, 1};
-  ASSERT_EQ(control(SIMULATOR_SET_PRESENCE, wanted).windowsError, 0u);
-  ASSERT_EQ(control(SIMULATOR_SET_PRESENCE, wanted).windowsError, 0u);
+  const tSimulatorPresence requested = {2, 0, 1};
+  ASSERT_EQ(control(SIMULATOR_SET_PRESENCE, requested).windowsError, kWindowsErrorNone);
+  ASSERT_EQ(control(SIMULATOR_SET_PRESENCE, requested).windowsError, kWindowsErrorNone);
   EXPECT_EQ(presences.size(), 2u);
-  const auto told = recordOf<tSimulatorPresence>(control(SIMULATOR_GET_PRESENCE, {}, 12));
-  EXPECT_EQ(told.controllers, 2u);
-  EXPECT_EQ(told.martens, 0u);
+  const auto reported = recordOf<tSimulatorPresence>(control(SIMULATOR_GET_PRESENCE, {}, 12));
+  EXPECT_EQ(reported.controllers, 2u);
+  EXPECT_EQ(reported.martens, 0u);
 }
 
-TEST_F(ModelControl, PresenceThatIsImpossible_IsRefused) {
-  for (const tSimulatorPresence& wanted :
+TEST_F(ModelControl, PresenceOutOfRange_IsRejected) {
+  for (const tSimulatorPresence& requested :
        {tSimulatorPresence{3, 0, 0}, tSimulatorPresence{0, 3, 0}, tSimulatorPresence{0, 0, 2}}) {
-    EXPECT_EQ(control(SIMULATOR_SET_PRESENCE, wanted).windowsError, 87u);
+    EXPECT_EQ(control(SIMULATOR_SET_PRESENCE, requested).windowsError,
+              kWindowsErrorInvalidParameter);
   }
   EXPECT_EQ(presences.size(), 1u);
 }
 
-TEST_F(ModelControl, TableAndText_AreTakenUpToTheirCapacity) {
+TEST_F(ModelControl, TableAndText_AreAcceptedUpToTheirCapacity) {
   const std::vector<uint8_t> largest(SIMULATOR_TABLE_CAPACITY, 7);
-  EXPECT_EQ(control(SIMULATOR_SET_TABLE, largest).windowsError, 0u);
+  EXPECT_EQ(control(SIMULATOR_SET_TABLE, largest).windowsError, kWindowsErrorNone);
   EXPECT_EQ(control(SIMULATOR_GET_TABLE, {}, SIMULATOR_TABLE_CAPACITY).bytes, largest);
-  EXPECT_EQ(control(SIMULATOR_GET_TABLE, {}, SIMULATOR_TABLE_CAPACITY - 1).windowsError, 122u);
+  EXPECT_EQ(control(SIMULATOR_GET_TABLE, {}, SIMULATOR_TABLE_CAPACITY - 1).windowsError,
+            kWindowsErrorInsufficientBuffer);
   const std::vector<uint8_t> tooLarge(SIMULATOR_TABLE_CAPACITY + 1, 7);
-  EXPECT_EQ(control(SIMULATOR_SET_TABLE, tooLarge).windowsError, 87u);
+  EXPECT_EQ(control(SIMULATOR_SET_TABLE, tooLarge).windowsError, kWindowsErrorInvalidParameter);
   EXPECT_EQ(control(SIMULATOR_SET_VERSION_TEXT, std::vector<uint8_t>(SIMULATOR_TEXT_CAPACITY))
                 .windowsError,
-            0u);
+            kWindowsErrorNone);
   EXPECT_EQ(control(SIMULATOR_SET_VERSION_TEXT, std::vector<uint8_t>(SIMULATOR_TEXT_CAPACITY + 1))
                 .windowsError,
-            87u);
-  EXPECT_EQ(control(SIMULATOR_SET_TABLE).windowsError, 0u) << "a table of no bytes is a table";
+            kWindowsErrorInvalidParameter);
+  EXPECT_EQ(control(SIMULATOR_SET_TABLE).windowsError, kWindowsErrorNone) << "a table may be empty";
 }
 
-TEST_F(ModelControl, AttributesThatMakeNoSense_AreRefused) {
+TEST_F(ModelControl, AttributesOfAnotherInterfaceOrTooLarge_AreRejected) {
   tSimulatorAttribute attribute{};
   attribute.interfaceKind = kSimulatorInterfaceDevicePath;
-  EXPECT_EQ(control(SIMULATOR_SET_ATTRIBUTE, attribute).windowsError, 87u);
-  EXPECT_EQ(control(SIMULATOR_REMOVE_ATTRIBUTE, attribute).windowsError, 87u);
+  EXPECT_EQ(control(SIMULATOR_SET_ATTRIBUTE, attribute).windowsError,
+            kWindowsErrorInvalidParameter);
+  EXPECT_EQ(control(SIMULATOR_REMOVE_ATTRIBUTE, attribute).windowsError,
+            kWindowsErrorInvalidParameter);
   attribute.interfaceKind = kSimulatorInterfaceMarten;
   attribute.size = SIMULATOR_VALUE_CAPACITY + 1;
-  EXPECT_EQ(control(SIMULATOR_SET_ATTRIBUTE, attribute).windowsError, 87u);
+  EXPECT_EQ(control(SIMULATOR_SET_ATTRIBUTE, attribute).windowsError,
+            kWindowsErrorInvalidParameter);
 }
 
-TEST_F(ModelControl, AttributesBeyondTheCapacity_AreRefused) {
+TEST_F(ModelControl, AttributesBeyondTheCapacity_AreRejected) {
   tSimulatorAttribute attribute{};
   attribute.interfaceKind = kSimulatorInterfaceMarten;
   uint32_t error = 0;
@@ -64,24 +75,25 @@ TEST_F(ModelControl, AttributesBeyondTheCapacity_AreRefused) {
     attribute.attribute = 0x70000000 + i;
     error = control(SIMULATOR_SET_ATTRIBUTE, attribute).windowsError;
   }
-  EXPECT_EQ(error, 1450u);
+  EXPECT_EQ(error, kWindowsErrorNoSystemResources);
   attribute.attribute = 0x70000000;
-  EXPECT_EQ(control(SIMULATOR_SET_ATTRIBUTE, attribute).windowsError, 0u)
-      << "one that is there can still be changed";
+  EXPECT_EQ(control(SIMULATOR_SET_ATTRIBUTE, attribute).windowsError, kWindowsErrorNone)
+      << "an existing one can still be changed";
 }
 
-TEST_F(ModelControl, InputOfAWrongSize_IsRefused) {
+TEST_F(ModelControl, InputOfAWrongSize_IsRejected) {
   const std::vector<uint8_t> oneByte(1);
   for (const uint32_t code :
        {SIMULATOR_RESET, SIMULATOR_SET_PRESENCE, SIMULATOR_GET_PRESENCE, SIMULATOR_GET_TABLE,
         SIMULATOR_SET_ATTRIBUTE, SIMULATOR_REMOVE_ATTRIBUTE, SIMULATOR_ADD_SCRIPT,
         SIMULATOR_CLEAR_SCRIPTS, SIMULATOR_READ_LOG, SIMULATOR_CLEAR_LOG}) {
-    EXPECT_EQ(control(code, oneByte, 1).windowsError, 87u) << std::hex << code;
+    EXPECT_EQ(control(code, oneByte, 1).windowsError, kWindowsErrorInvalidParameter)
+        << std::hex << code;
   }
-  EXPECT_EQ(control(SIMULATOR_CONTROL_CODE(0x9FF)).windowsError, 1u);
+  EXPECT_EQ(control(SIMULATOR_CONTROL_CODE(0x9FF)).windowsError, kWindowsErrorInvalidFunction);
 }
 
-TEST_F(ModelControl, Reset_BringsTheDefaultMachineBack) {
+TEST_F(ModelControl, Reset_RestoresTheDefaultMachine) {
   const tAnswer before = control(SIMULATOR_GET_TABLE, {}, SIMULATOR_TABLE_CAPACITY);
   control(SIMULATOR_SET_TABLE);
   control(SIMULATOR_SET_PRESENCE, tSimulatorPresence{0, 0, 0});
@@ -90,20 +102,22 @@ TEST_F(ModelControl, Reset_BringsTheDefaultMachineBack) {
   script.action = kSimulatorActionAnswerCode;
   control(SIMULATOR_ADD_SCRIPT, script);
   request(kSimulatorInterfaceController, 1, {}, 0);
-  ASSERT_EQ(control(SIMULATOR_RESET).windowsError, 0u);
+  ASSERT_EQ(control(SIMULATOR_RESET).windowsError, kWindowsErrorNone);
   EXPECT_EQ(control(SIMULATOR_GET_TABLE, {}, SIMULATOR_TABLE_CAPACITY).bytes, before.bytes);
   EXPECT_EQ(recordOf<tSimulatorPresence>(control(SIMULATOR_GET_PRESENCE, {}, 12)).controllers, 1u);
   EXPECT_TRUE(log().empty());
-  EXPECT_EQ(request(kSimulatorInterfaceController, 1, {}, 0).windowsError, 1u) << "not scripted";
+  EXPECT_EQ(request(kSimulatorInterfaceController, 1, {}, 0).windowsError,
+            kWindowsErrorInvalidFunction)
+      << "not scripted";
   EXPECT_EQ(presences.size(), 3u);
 }
 
 // ---- The log ----
 
-TEST_F(ModelControl, Log_KeepsWhatWasSentAndAnswered) {
-  tGetAttributeRequest asked{};
-  asked.attribute = 0x12345678;
-  request(kSimulatorInterfaceMarten, REQUEST_GET_ATTRIBUTE, asked, 8);
+TEST_F(ModelControl, Log_StoresRequestAndReply) {
+  tGetAttributeRequest sent{};
+  sent.attribute = 0x12345678;
+  request(kSimulatorInterfaceMarten, REQUEST_GET_ATTRIBUTE, sent, 8);
   const auto entries = log();
   ASSERT_EQ(entries.size(), 1u);
   EXPECT_EQ(entries[0].sequence, 1u);
@@ -112,8 +126,8 @@ TEST_F(ModelControl, Log_KeepsWhatWasSentAndAnswered) {
   EXPECT_EQ(entries[0].interfaceKind, uint32_t{kSimulatorInterfaceMarten});
   EXPECT_EQ(entries[0].requestCode, REQUEST_GET_ATTRIBUTE);
   EXPECT_EQ(entries[0].inputSize, 24u);
-  EXPECT_EQ(std::memcmp(entries[0].input, &asked, sizeof asked), 0)
-      << "what was sent, although the reply has overwritten it";
+  EXPECT_EQ(std::memcmp(entries[0].input, &sent, sizeof sent), 0)
+      << "the request, although the reply has overwritten it";
   EXPECT_EQ(entries[0].outputSize, 8u);
   int32_t status = 0;
   std::memcpy(&status, entries[0].output + 4, sizeof status);
@@ -133,7 +147,7 @@ TEST_F(ModelControl, Log_KeepsTheLatestEntries) {
   EXPECT_TRUE(log(SIMULATOR_LOG_CAPACITY + 11).empty());
 }
 
-TEST_F(ModelControl, Log_GivesWhatThereIsRoomFor) {
+TEST_F(ModelControl, Log_ReturnsTheEntriesThatFitTheBuffer) {
   for (unsigned i = 0; i < 3; ++i) {
     request(kSimulatorInterfaceMarten, 1, {}, 0);
   }
@@ -143,15 +157,34 @@ TEST_F(ModelControl, Log_GivesWhatThereIsRoomFor) {
       request(kSimulatorInterfaceControl, SIMULATOR_READ_LOG, from, 2 * entry + 1).bytes.size(),
       2 * entry);
   EXPECT_EQ(request(kSimulatorInterfaceControl, SIMULATOR_READ_LOG, from, entry - 1).windowsError,
-            122u);
+            kWindowsErrorInsufficientBuffer);
 }
 
-TEST_F(ModelControl, Log_ClearedCountsFromOneAgain) {
+TEST_F(ModelControl, ClearedLog_NumbersFromOneAgain) {
   request(kSimulatorInterfaceMarten, 1, {}, 0);
   control(SIMULATOR_CLEAR_LOG);
   EXPECT_TRUE(log().empty());
   request(kSimulatorInterfaceMarten, 1, {}, 0);
   EXPECT_EQ(log().at(0).sequence, 1u);
+}
+
+// ---- The document ----
+
+TEST(SimulatorLimits, Document_ListsTheCapacities) {
+  std::map<std::string, std::string> documented;
+  for (const std::vector<std::string>& row : tableUnder("docs/simulator.md", "## Limits")) {
+    documented[row[0]] = row[1];
+  }
+  const std::map<std::string, std::string> capacities = {
+      {"routing sessions, as registered notifications",
+       std::to_string(SIMULATOR_NOTIFICATION_CAPACITY)},
+      {"routes", std::to_string(SIMULATOR_ROUTE_CAPACITY)},
+      {"pending requests", std::to_string(SIMULATOR_PENDING_CAPACITY)},
+      {"attributes of both interfaces", std::to_string(SIMULATOR_ATTRIBUTE_CAPACITY)},
+      {"scripted answers", std::to_string(SIMULATOR_SCRIPT_CAPACITY)},
+      {"requests of the log", std::to_string(SIMULATOR_LOG_CAPACITY)},
+      {"received firmware payloads", std::to_string(SIMULATOR_PAYLOAD_CAPACITY)}};
+  EXPECT_EQ(documented, capacities);
 }
 
 }  // namespace

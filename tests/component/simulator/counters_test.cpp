@@ -26,10 +26,10 @@ class ModelCounters : public ModelTest {
     std::memcpy(memory.data() + address, &record, sizeof record);
   }
   template <class Record>
-  tAnswer ask(uint32_t code, const Record& asked, uint32_t room, uint64_t token = 0) {
-    std::vector<uint8_t> bytes(sizeof asked);
-    std::memcpy(bytes.data(), &asked, sizeof asked);
-    return request(kRouting, code, bytes, room, token);
+  tAnswer send(uint32_t code, const Record& sent, uint32_t capacity, uint64_t token = 0) {
+    std::vector<uint8_t> bytes(sizeof sent);
+    std::memcpy(bytes.data(), &sent, sizeof sent);
+    return request(kRouting, code, bytes, capacity, token);
   }
   // Calculates routes to the first line and to another terminal; returns the ticket of the first.
   uint32_t calculate(uint32_t other = kTrig0 + 1) {
@@ -37,19 +37,19 @@ class ModelCounters : public ModelTest {
     put(kDestinations, kTrig0);
     put(kDestinations + 4, other);
     put(kModifiers, tRouteModifiers{});
-    ask(REQUEST_CALCULATE_ROUTE,
-        tCalculateRouteRequest{kModifiers, kSeeds, 1, 0, kDestinations, 2, 0, kRoutes, 4, 0},
-        sizeof(tCalculateRouteReply));
+    send(REQUEST_CALCULATE_ROUTE,
+         tCalculateRouteRequest{kModifiers, kSeeds, 1, 0, kDestinations, 2, 0, kRoutes, 4, 0},
+         sizeof(tCalculateRouteReply));
     tRouteRecord record{};
     std::memcpy(&record, memory.data() + kRoutes, sizeof record);
     return record.ticket;
   }
   void step(uint32_t code, uint32_t ticket) {
-    ask(code, tTicketRequest{ticket, 0}, sizeof(tStatusReply));
+    send(code, tTicketRequest{ticket, 0}, sizeof(tStatusReply));
   }
   uint32_t calculateAndReserve() {
     const uint32_t ticket = calculate();
-    ask(REQUEST_RESERVE_ROUTE, tTicketListRequest{ticket, 0, 0, 0, 0}, sizeof(tTicketListReply));
+    send(REQUEST_RESERVE_ROUTE, tTicketListRequest{ticket, 0, 0, 0, 0}, sizeof(tTicketListReply));
     return ticket;
   }
   uint32_t calculateAndProgram() {
@@ -58,7 +58,7 @@ class ModelCounters : public ModelTest {
     return ticket;
   }
   void registerAndArm() {
-    ask(REQUEST_REGISTER_NOTIFICATION, tRegisterNotificationRequest{7, 1, 0}, 0, 0x10);
+    send(REQUEST_REGISTER_NOTIFICATION, tRegisterNotificationRequest{7, 1, 0}, 0, 0x10);
     request(kRouting, REQUEST_ARM_DELIVERY, {}, sizeof(tNotificationDelivery), 0x20);
   }
   void notify() {
@@ -74,7 +74,7 @@ TEST_F(ModelCounters, BeforeAnything_AreZero) {
   EXPECT_EQ(std::memcmp(&counted, &zeros, sizeof zeros), 0);
 }
 
-TEST_F(ModelCounters, RouteThatItsClientTakesDown_EndsEachStep) {
+TEST_F(ModelCounters, RouteReleasedByItsClient_EndsEachStep) {
   const uint32_t ticket = calculateAndProgram();
   EXPECT_EQ(counters().routesCalculated, 2u);
   EXPECT_EQ(counters().reservationsBegun, 1u);
@@ -82,7 +82,7 @@ TEST_F(ModelCounters, RouteThatItsClientTakesDown_EndsEachStep) {
   EXPECT_EQ(counters().programmingsEnded, 0u);
   step(REQUEST_UNPROGRAM_ROUTE, ticket);
   EXPECT_EQ(counters().programmingsEnded, 1u);
-  EXPECT_EQ(counters().reservationsBegun, 1u) << "it was reserved all the time";
+  EXPECT_EQ(counters().reservationsBegun, 1u) << "it stayed reserved";
   step(REQUEST_UNRESERVE_ROUTE, ticket);
   EXPECT_EQ(counters().reservationsEnded, 1u);
   EXPECT_EQ(counters().routesGone, 0u);
@@ -91,7 +91,7 @@ TEST_F(ModelCounters, RouteThatItsClientTakesDown_EndsEachStep) {
   EXPECT_EQ(counters().reservationsReleased, 0u);
 }
 
-TEST_F(ModelCounters, StepThatIsRefused_IsNotCounted) {
+TEST_F(ModelCounters, RejectedStep_IsNotCounted) {
   const uint32_t ticket = calculate();
   step(REQUEST_PROGRAM_ROUTE, ticket);
   step(REQUEST_UNRESERVE_ROUTE, ticket);
@@ -122,7 +122,7 @@ TEST_F(ModelCounters, RoutesOfAnEndedSession_AreReleased) {
   EXPECT_EQ(counters().programmingsEnded, 1u);
 }
 
-TEST_F(ModelCounters, Reset_EndsWhatIsThereAndKeepsTheCounts) {
+TEST_F(ModelCounters, Reset_EndsEveryObjectAndKeepsTheCounts) {
   calculateAndProgram();
   registerAndArm();
   control(SIMULATOR_RESET);
@@ -142,20 +142,20 @@ TEST_F(ModelCounters, Notices_AreDeliveredOrDropped) {
   for (uint32_t i = 0; i <= SIMULATOR_NOTIFICATION_CAPACITY; ++i) {
     notify();
   }
-  EXPECT_EQ(counters().noticesDropped, 1u) << "that one is too many to hold back";
+  EXPECT_EQ(counters().noticesDropped, 1u) << "one more than the capacity for held notices";
   request(kRouting, REQUEST_ARM_DELIVERY, {}, sizeof(tNotificationDelivery), 0x30);
   EXPECT_EQ(counters().noticesDelivered, 2u);
-  EXPECT_EQ(counters().deliveriesArmed, 1u) << "the second was over at once";
+  EXPECT_EQ(counters().deliveriesArmed, 1u) << "the second completed immediately";
   cleanUp(1);
   EXPECT_EQ(counters().noticesRaised, counters().noticesDelivered + counters().noticesDropped);
   EXPECT_EQ(counters().registrationsBegun, counters().registrationsEnded);
 }
 
 TEST_F(ModelCounters, RequestsThatStayPending_AreCountedUntilTheyEnd) {
-  tPendingNarrowRequest form{};
-  form.handleAddress = 0x100;
-  std::vector<uint8_t> bytes(sizeof form);
-  std::memcpy(bytes.data(), &form, sizeof form);
+  tPendingNarrowRequest arguments{};
+  arguments.handleAddress = 0x100;
+  std::vector<uint8_t> bytes(sizeof arguments);
+  std::memcpy(bytes.data(), &arguments, sizeof arguments);
   request(kSimulatorInterfaceController, REQUEST_PENDING_NARROW, bytes, 0, 0x10);
   request(kSimulatorInterfaceController, REQUEST_PENDING_NARROW, bytes, 0, 0x20);
   EXPECT_EQ(counters().pendingBegun, 2u);
@@ -175,10 +175,11 @@ TEST_F(ModelCounters, Files_AreCountedUnlessTheyAreForControl) {
   EXPECT_EQ(counters().filesClosed, 3u);
 }
 
-TEST_F(ModelCounters, RequestedWronglyOrWithoutSpace_AreNotReturned) {
-  EXPECT_EQ(control(SIMULATOR_READ_COUNTERS, uint32_t{1}).windowsError, 87u);
+TEST_F(ModelCounters, RequestWithInputOrASmallBuffer_IsRejected) {
+  EXPECT_EQ(control(SIMULATOR_READ_COUNTERS, uint32_t{1}).windowsError,
+            kWindowsErrorInvalidParameter);
   EXPECT_EQ(control(SIMULATOR_READ_COUNTERS, {}, sizeof(tSimulatorCounters) - 1).windowsError,
-            122u);
+            kWindowsErrorInsufficientBuffer);
 }
 
 }  // namespace

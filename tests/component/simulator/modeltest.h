@@ -18,8 +18,6 @@ namespace nTests {
 
 inline constexpr uint64_t kProcess = 77;
 
-inline constexpr uint32_t kPending = 997;
-
 struct tCompletion {
   uint64_t token;
   uint32_t windowsError;
@@ -40,20 +38,20 @@ class ModelTest : public testing::Test {
     modelInitialise(model_.get(), &host);
   }
 
-  // Sends a request; the output buffer has `room` bytes. With a token it can be kept pending.
+  // Sends a request; the output buffer has `capacity` bytes. With a token it can be kept pending.
   tAnswer request(tSimulatorInterface kind, uint32_t code, std::span<const uint8_t> input,
-                  uint32_t room, uint64_t token = 0, uint64_t file = 1) {
+                  uint32_t capacity, uint64_t token = 0, uint64_t file = 1) {
     // One buffer for input and output, as with METHOD_BUFFERED of Windows.
-    std::vector<uint8_t> buffer(std::max<size_t>(input.size(), room));
+    std::vector<uint8_t> buffer(std::max<size_t>(input.size(), capacity));
     std::copy(input.begin(), input.end(), buffer.begin());
-    const tModelRequest asked = {
-        {file, kProcess, kind}, code, buffer.data(), static_cast<uint32_t>(input.size()),
-        buffer.data(),          room, token};
-    const tModelReply reply = modelRequest(model_.get(), &asked);
-    if (reply.windowsError == kPending) {
+    const tModelRequest sent = {
+        {file, kProcess, kind}, code,     buffer.data(), static_cast<uint32_t>(input.size()),
+        buffer.data(),          capacity, token};
+    const tModelReply reply = modelRequest(model_.get(), &sent);
+    if (reply.windowsError == kWindowsErrorIoPending) {
       modelPended(model_.get(), token);
     }
-    EXPECT_LE(reply.size, room) << "more than there is room for";
+    EXPECT_LE(reply.size, capacity) << "more than the buffer holds";
     if (reply.windowsError != 0) {
       EXPECT_EQ(reply.size, 0u) << "a request that fails has no reply";
     }
@@ -63,13 +61,13 @@ class ModelTest : public testing::Test {
   // The same with a record as input.
   template <class Record>
   requires(!std::is_convertible_v<Record, std::span<const uint8_t>>) tAnswer
-      request(tSimulatorInterface kind, uint32_t code, const Record& input, uint32_t room) {
+      request(tSimulatorInterface kind, uint32_t code, const Record& input, uint32_t capacity) {
     std::vector<uint8_t> bytes(sizeof input);
     std::memcpy(bytes.data(), &input, sizeof input);
-    return request(kind, code, std::span<const uint8_t>(bytes), room);
+    return request(kind, code, std::span<const uint8_t>(bytes), capacity);
   }
-  tAnswer control(uint32_t code, std::span<const uint8_t> input = {}, uint32_t room = 0) {
-    return request(kSimulatorInterfaceControl, code, input, room);
+  tAnswer control(uint32_t code, std::span<const uint8_t> input = {}, uint32_t capacity = 0) {
+    return request(kSimulatorInterfaceControl, code, input, capacity);
   }
   template <class Record>
   requires(!std::is_convertible_v<Record, std::span<const uint8_t>>) tAnswer
@@ -112,7 +110,7 @@ class ModelTest : public testing::Test {
   std::vector<uint8_t> memory = std::vector<uint8_t>(0x20000, 0xEE);
   std::vector<tSimulatorPresence> presences;
   std::vector<uint64_t> signalled;  // events
-  bool eventsAreGood = true;
+  bool eventsAreValid = true;
   std::vector<tCompletion> completions;
 
  private:
@@ -140,7 +138,7 @@ class ModelTest : public testing::Test {
   static bool signalEvent(void* context, uint64_t process, uint64_t event) {
     EXPECT_EQ(process, kProcess);
     self(context).signalled.push_back(event);
-    return self(context).eventsAreGood;
+    return self(context).eventsAreValid;
   }
   static void completeRequest(void* context, uint64_t token, uint32_t windowsError,
                               const void* output, uint32_t size) {

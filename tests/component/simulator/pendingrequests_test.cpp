@@ -17,13 +17,13 @@ constexpr uint64_t kEvent = 0x44;
 class ModelPending : public ModelTest {
  protected:
   static std::vector<uint8_t> narrow(uint64_t handleAddress = kHandleAddress) {
-    tPendingNarrowRequest form{};
-    form.handleAddress = handleAddress;
-    form.event = kEvent;
-    form.b = 5;
-    form.a = 6;
-    form.c = 7;
-    return bytes(form);
+    tPendingNarrowRequest arguments{};
+    arguments.handleAddress = handleAddress;
+    arguments.event = kEvent;
+    arguments.b = 5;
+    arguments.a = 6;
+    arguments.c = 7;
+    return bytes(arguments);
   }
   template <class Record>
   static std::vector<uint8_t> bytes(const Record& record) {
@@ -38,7 +38,7 @@ class ModelPending : public ModelTest {
     return request(kController, REQUEST_END_PENDING, bytes(tEndPendingRequest{handle}), 0, 0, file)
         .windowsError;
   }
-  uint64_t handedOver() const {
+  uint64_t receivedHandle() const {
     uint64_t handle = 0;
     std::memcpy(&handle, memory.data() + kHandleAddress, sizeof handle);
     return handle;
@@ -60,18 +60,18 @@ class ModelPending : public ModelTest {
   }
   void accept(tSimulatorAcceptance acceptance) {
     ASSERT_EQ(control(SIMULATOR_SET_ACCEPTANCE, static_cast<uint32_t>(acceptance)).windowsError,
-              0u);
+              kWindowsErrorNone);
   }
 };
 
 TEST_F(ModelPending, Request_IsAcceptedOnceItsHostIsReady) {
-  EXPECT_EQ(begin(11), kPending);
+  EXPECT_EQ(begin(11), kWindowsErrorIoPending);
   EXPECT_THAT(signalled, ElementsAre(kEvent));
-  EXPECT_NE(handedOver(), 0u);
+  EXPECT_NE(receivedHandle(), 0u);
   EXPECT_THAT(completions, IsEmpty());
   ASSERT_THAT(pending(), SizeIs(1));
   const tSimulatorPendingRequest record = pending()[0];
-  EXPECT_EQ(record.handle, handedOver());
+  EXPECT_EQ(record.handle, receivedHandle());
   EXPECT_EQ(record.process, kProcess);
   EXPECT_EQ(record.b, 5u);
   EXPECT_EQ(record.a, 6u);
@@ -79,99 +79,107 @@ TEST_F(ModelPending, Request_IsAcceptedOnceItsHostIsReady) {
 }
 
 TEST_F(ModelPending, WideRequest_KeepsItsWideValue) {
-  tPendingWideRequest form{};
-  form.handleAddress = kHandleAddress;
-  form.event = kEvent;
-  form.b = 0x123456789A;
-  EXPECT_EQ(request(kController, REQUEST_PENDING_WIDE, bytes(form), 0, 11).windowsError, kPending);
+  tPendingWideRequest arguments{};
+  arguments.handleAddress = kHandleAddress;
+  arguments.event = kEvent;
+  arguments.b = 0x123456789A;
+  EXPECT_EQ(request(kController, REQUEST_PENDING_WIDE, bytes(arguments), 0, 11).windowsError,
+            kWindowsErrorIoPending);
   EXPECT_EQ(pending()[0].b, 0x123456789Au);
 }
 
-TEST_F(ModelPending, EveryInterfaceOfTheDriver_TakesThem) {
+TEST_F(ModelPending, EveryInterfaceOfTheDriver_AcceptsThem) {
   for (const auto kind :
        {kSimulatorInterfaceController, kSimulatorInterfaceMarten, kSimulatorInterfaceDevicePath}) {
-    EXPECT_EQ(request(kind, REQUEST_PENDING_NARROW, narrow(), 0, 11).windowsError, kPending);
+    EXPECT_EQ(request(kind, REQUEST_PENDING_NARROW, narrow(), 0, 11).windowsError,
+              kWindowsErrorIoPending);
   }
-  EXPECT_EQ(control(REQUEST_PENDING_NARROW, narrow()).windowsError, 1u);
+  EXPECT_EQ(control(REQUEST_PENDING_NARROW, narrow()).windowsError, kWindowsErrorInvalidFunction);
 }
 
-TEST_F(ModelPending, RequestOfAWrongSize_IsRefused) {
-  std::vector<uint8_t> form = narrow();
-  form.push_back(0);
-  EXPECT_EQ(request(kController, REQUEST_PENDING_NARROW, form, 0, 11).windowsError, 87u);
-  form.resize(23);
-  EXPECT_EQ(request(kController, REQUEST_PENDING_NARROW, form, 0, 11).windowsError, 87u);
-  EXPECT_EQ(request(kController, REQUEST_PENDING_WIDE, narrow(), 0, 11).windowsError, 87u);
-  EXPECT_EQ(request(kController, REQUEST_END_PENDING, form, 0).windowsError, 87u);
+TEST_F(ModelPending, RequestOfAWrongSize_IsRejected) {
+  std::vector<uint8_t> arguments = narrow();
+  arguments.push_back(0);
+  EXPECT_EQ(request(kController, REQUEST_PENDING_NARROW, arguments, 0, 11).windowsError,
+            kWindowsErrorInvalidParameter);
+  arguments.resize(23);
+  EXPECT_EQ(request(kController, REQUEST_PENDING_NARROW, arguments, 0, 11).windowsError,
+            kWindowsErrorInvalidParameter);
+  EXPECT_EQ(request(kController, REQUEST_PENDING_WIDE, narrow(), 0, 11).windowsError,
+            kWindowsErrorInvalidParameter);
+  EXPECT_EQ(request(kController, REQUEST_END_PENDING, arguments, 0).windowsError,
+            kWindowsErrorInvalidParameter);
   EXPECT_THAT(pending(), IsEmpty());
 }
 
-TEST_F(ModelPending, RequestThatItsHostCannotKeep_IsRefused) {
-  EXPECT_EQ(begin(0), 87u);
+TEST_F(ModelPending, RequestThatItsHostCannotKeepPending_IsRejected) {
+  EXPECT_EQ(begin(0), kWindowsErrorInvalidParameter);
 }
 
 TEST_F(ModelPending, EndedRequest_CompletesWithSuccess) {
   begin(11);
-  EXPECT_EQ(end(handedOver()), 0u);
-  EXPECT_THAT(completions, ElementsAre(tCompletion{11, 0}));
+  EXPECT_EQ(end(receivedHandle()), kWindowsErrorNone);
+  EXPECT_THAT(completions, ElementsAre(tCompletion{11, kWindowsErrorNone}));
   EXPECT_THAT(pending(), IsEmpty());
-  EXPECT_EQ(end(handedOver()), 1168u) << "it is over";
+  EXPECT_EQ(end(receivedHandle()), kWindowsErrorNotFound) << "it has ended";
 }
 
 TEST_F(ModelPending, Handle_BelongsToItsFile) {
   begin(11, 1);
-  EXPECT_EQ(end(handedOver(), 2), 1168u);
-  EXPECT_EQ(end(0), 1168u);
+  EXPECT_EQ(end(receivedHandle(), 2), kWindowsErrorNotFound);
+  EXPECT_EQ(end(0), kWindowsErrorNotFound);
   EXPECT_THAT(pending(), SizeIs(1));
 }
 
 TEST_F(ModelPending, Handles_AreNeverUsedTwice) {
   begin(11);
-  const uint64_t first = handedOver();
+  const uint64_t first = receivedHandle();
   end(first);
   begin(12);
-  EXPECT_NE(handedOver(), first);
+  EXPECT_NE(receivedHandle(), first);
 }
 
-TEST_F(ModelPending, RequestThatWaits_IsAcceptedOnCommand) {
+TEST_F(ModelPending, WaitingRequest_IsAcceptedOnCommand) {
   accept(kSimulatorAcceptLater);
   begin(11);
   begin(12);
   EXPECT_THAT(signalled, IsEmpty());
   EXPECT_EQ(pending()[0].handle, 0u);
-  EXPECT_EQ(end(0), 1168u) << "no request is known by no handle";
-  EXPECT_EQ(control(SIMULATOR_ACCEPT_PENDING).windowsError, 0u);
+  EXPECT_EQ(end(0), kWindowsErrorNotFound) << "0 is not a handle";
+  EXPECT_EQ(control(SIMULATOR_ACCEPT_PENDING).windowsError, kWindowsErrorNone);
   EXPECT_THAT(signalled, SizeIs(2));
   EXPECT_NE(pending()[0].handle, pending()[1].handle);
-  EXPECT_EQ(control(SIMULATOR_ACCEPT_PENDING).windowsError, 0u);
+  EXPECT_EQ(control(SIMULATOR_ACCEPT_PENDING).windowsError, kWindowsErrorNone);
   EXPECT_THAT(signalled, SizeIs(2)) << "accepted once";
 }
 
 TEST_F(ModelPending, RequestThatIsNeverAccepted_CompletesAtOnce) {
   accept(kSimulatorAcceptNever);
-  EXPECT_EQ(begin(11), 0u);
+  EXPECT_EQ(begin(11), kWindowsErrorNone);
   EXPECT_THAT(signalled, IsEmpty());
   EXPECT_THAT(pending(), IsEmpty());
 }
 
 TEST_F(ModelPending, CallerWhoseMemoryCannotBeWritten_FailsTheRequest) {
-  EXPECT_EQ(request(kController, REQUEST_PENDING_NARROW, narrow(0), 0, 11).windowsError, kPending);
-  eventsAreGood = false;
-  EXPECT_EQ(begin(12), kPending);
-  EXPECT_THAT(completions, ElementsAre(tCompletion{11, 998}, tCompletion{12, 6}));
+  EXPECT_EQ(request(kController, REQUEST_PENDING_NARROW, narrow(0), 0, 11).windowsError,
+            kWindowsErrorIoPending);
+  eventsAreValid = false;
+  EXPECT_EQ(begin(12), kWindowsErrorIoPending);
+  EXPECT_THAT(completions, ElementsAre(tCompletion{11, kWindowsErrorNoAccess},
+                                       tCompletion{12, kWindowsErrorInvalidHandle}));
   EXPECT_THAT(pending(), IsEmpty());
 }
 
 TEST_F(ModelPending, CompletedFromTheMachinesSide_HasThatError) {
   begin(11);
   begin(12);
-  const uint64_t second = handedOver();
-  EXPECT_EQ(complete(second, 121), 0u);
-  EXPECT_EQ(complete(second, 121), 1168u);
+  const uint64_t second = receivedHandle();
+  EXPECT_EQ(complete(second, 121), kWindowsErrorNone);
+  EXPECT_EQ(complete(second, 121), kWindowsErrorNotFound);
   accept(kSimulatorAcceptLater);
   begin(13);
   begin(14);
-  EXPECT_EQ(complete(0, 21), 0u);
+  EXPECT_EQ(complete(0, 21), kWindowsErrorNone);
   EXPECT_THAT(completions,
               ElementsAre(tCompletion{12, 121}, tCompletion{13, 21}, tCompletion{14, 21}));
   EXPECT_THAT(pending(), SizeIs(1));
@@ -183,36 +191,37 @@ TEST_F(ModelPending, ClosedFile_HasNothingPending) {
   begin(13, 1);
   cleanUp(1);
   cleanUp(1);
-  EXPECT_THAT(completions, ElementsAre(tCompletion{11, 995}, tCompletion{13, 995}));
+  EXPECT_THAT(completions, ElementsAre(tCompletion{11, kWindowsErrorOperationAborted},
+                                       tCompletion{13, kWindowsErrorOperationAborted}));
   EXPECT_THAT(pending(), SizeIs(1));
 }
 
-TEST_F(ModelPending, CancelledRequest_IsForgotten) {
+TEST_F(ModelPending, CancelledRequest_IsRemoved) {
   begin(11);
   EXPECT_TRUE(cancel(11));
   EXPECT_FALSE(cancel(11));
   EXPECT_THAT(completions, IsEmpty()) << "its host completes it";
   EXPECT_THAT(pending(), IsEmpty());
   EXPECT_EQ(log().back().event, static_cast<uint32_t>(kSimulatorEventCompleted));
-  EXPECT_EQ(log().back().windowsError, 995u);
+  EXPECT_EQ(log().back().windowsError, kWindowsErrorOperationAborted);
 }
 
-TEST_F(ModelPending, Reset_CompletesEverythingAndAcceptsAtOnceAgain) {
+TEST_F(ModelPending, Reset_CompletesEveryRequestAndRestoresImmediateAcceptance) {
   accept(kSimulatorAcceptLater);
   begin(11);
-  EXPECT_EQ(control(SIMULATOR_RESET).windowsError, 0u);
-  EXPECT_THAT(completions, ElementsAre(tCompletion{11, 995}));
+  EXPECT_EQ(control(SIMULATOR_RESET).windowsError, kWindowsErrorNone);
+  EXPECT_THAT(completions, ElementsAre(tCompletion{11, kWindowsErrorOperationAborted}));
   begin(12);
   EXPECT_THAT(signalled, SizeIs(1));
 }
 
-TEST_F(ModelPending, Log_TellsTheLifeOfARequest) {
+TEST_F(ModelPending, Log_ShowsTheEventsOfARequest) {
   begin(11);
-  end(handedOver());
+  end(receivedHandle());
   const std::vector<tSimulatorLogEntry> entries = log();
   ASSERT_THAT(entries, SizeIs(4));
   EXPECT_EQ(entries[0].event, static_cast<uint32_t>(kSimulatorEventRequest));
-  EXPECT_EQ(entries[0].windowsError, kPending);
+  EXPECT_EQ(entries[0].windowsError, kWindowsErrorIoPending);
   EXPECT_EQ(entries[1].event, static_cast<uint32_t>(kSimulatorEventAccepted));
   EXPECT_EQ(entries[1].requestCode, uint32_t{REQUEST_PENDING_NARROW});
   EXPECT_EQ(entries[2].event, static_cast<uint32_t>(kSimulatorEventRequest));
@@ -224,21 +233,24 @@ TEST_F(ModelPending, Log_TellsTheLifeOfARequest) {
   }
 }
 
-TEST_F(ModelPending, ControlRequestsThatMakeNoSense_AreRefused) {
-  EXPECT_EQ(control(SIMULATOR_SET_ACCEPTANCE, uint32_t{3}).windowsError, 87u);
-  EXPECT_EQ(control(SIMULATOR_SET_ACCEPTANCE).windowsError, 87u);
-  EXPECT_EQ(control(SIMULATOR_ACCEPT_PENDING, uint32_t{0}).windowsError, 87u);
-  EXPECT_EQ(control(SIMULATOR_READ_PENDING, uint32_t{0}).windowsError, 87u);
-  EXPECT_EQ(complete(1, kPending), 87u);
-  EXPECT_EQ(complete(1, 65536), 87u);
+TEST_F(ModelPending, InvalidControlRequests_AreRejected) {
+  EXPECT_EQ(control(SIMULATOR_SET_ACCEPTANCE, uint32_t{3}).windowsError,
+            kWindowsErrorInvalidParameter);
+  EXPECT_EQ(control(SIMULATOR_SET_ACCEPTANCE).windowsError, kWindowsErrorInvalidParameter);
+  EXPECT_EQ(control(SIMULATOR_ACCEPT_PENDING, uint32_t{0}).windowsError,
+            kWindowsErrorInvalidParameter);
+  EXPECT_EQ(control(SIMULATOR_READ_PENDING, uint32_t{0}).windowsError,
+            kWindowsErrorInvalidParameter);
+  EXPECT_EQ(complete(1, kWindowsErrorIoPending), kWindowsErrorInvalidParameter);
+  EXPECT_EQ(complete(1, 65536), kWindowsErrorInvalidParameter);
 }
 
-TEST_F(ModelPending, ScriptThatLeavesARequestPending_IsRefused) {
+TEST_F(ModelPending, ScriptThatLeavesARequestPending_IsRejected) {
   tSimulatorScript script{};
   script.interfaceKind = kController;
   script.action = kSimulatorActionFail;
-  script.windowsError = kPending;
-  EXPECT_EQ(control(SIMULATOR_ADD_SCRIPT, script).windowsError, 87u);
+  script.windowsError = kWindowsErrorIoPending;
+  EXPECT_EQ(control(SIMULATOR_ADD_SCRIPT, script).windowsError, kWindowsErrorInvalidParameter);
 }
 
 TEST_F(ModelPending, ScriptedStatusOnARequestWithoutReply_WritesNothing) {
@@ -246,9 +258,9 @@ TEST_F(ModelPending, ScriptedStatusOnARequestWithoutReply_WritesNothing) {
   script.interfaceKind = kController;
   script.action = kSimulatorActionAddCode;
   script.driverStatus = -1;
-  ASSERT_EQ(control(SIMULATOR_ADD_SCRIPT, script).windowsError, 0u);
+  ASSERT_EQ(control(SIMULATOR_ADD_SCRIPT, script).windowsError, kWindowsErrorNone);
   accept(kSimulatorAcceptNever);
-  EXPECT_EQ(begin(11), 0u);
+  EXPECT_EQ(begin(11), kWindowsErrorNone);
 }
 
 }  // namespace

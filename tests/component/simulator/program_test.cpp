@@ -32,7 +32,7 @@ tRun run(tWords words, bool isWine) {
   return {exitCode, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
 
-TEST(OutsideWine, EveryVerb_IsRefused) {
+TEST(OutsideWine, EveryVerb_IsRejected) {
   for (const tWords& words :
        {tWords{"install"}, tWords{"uninstall"}, tWords{"reset"}, tWords{"driver-store", "missing"},
         tWords{"encryption", "on"}, tWords{"status"}, tWords{"scenario", "--martens", "0"}}) {
@@ -51,7 +51,7 @@ TEST(OutsideWine, Help_IsPrinted) {
   EXPECT_THAT(result.out, HasSubstr("install"));
 }
 
-TEST(Usage, FaultyWord_IsNamed) {
+TEST(Usage, InvalidWord_IsReported) {
   const std::pair<tWords, const char*> cases[] = {
       {{"foo"}, "quenra-sim: unknown subcommand 'foo'; run 'quenra-sim --help' for help\n"},
       {{}, "quenra-sim: a subcommand is missing; run 'quenra-sim --help' for help\n"},

@@ -25,8 +25,8 @@ constexpr uint32_t kTrig1 = 5;
 class ModelRouter : public ModelTest {
  protected:
   template <class Record>
-  Record call(uint32_t code, const std::vector<uint8_t>& asked, uint64_t file) {
-    return recordOf<Record>(request(kRouting, code, asked, sizeof(Record), 0, file));
+  Record call(uint32_t code, const std::vector<uint8_t>& sent, uint64_t file) {
+    return recordOf<Record>(request(kRouting, code, sent, sizeof(Record), 0, file));
   }
   template <class Record>
   static std::vector<uint8_t> bytes(const Record& record) {
@@ -47,16 +47,16 @@ class ModelRouter : public ModelTest {
     put(kSeeds, seeds);
     put(kDestinations, destinations);
     put(kModifiers, std::vector<tRouteModifiers>{modifiers});
-    tCalculateRouteRequest asked{};
-    asked.modifiers = kModifiers;
-    asked.seeds = kSeeds;
-    asked.seedCount = static_cast<uint32_t>(seeds.size());
-    asked.destinations = kDestinations;
-    asked.destinationCount = static_cast<uint32_t>(destinations.size());
-    asked.options = options;
-    asked.routes = kRoutes;
-    asked.routeCapacity = asked.destinationCount * 2;
-    return call<tCalculateRouteReply>(REQUEST_CALCULATE_ROUTE, bytes(asked), file);
+    tCalculateRouteRequest sent{};
+    sent.modifiers = kModifiers;
+    sent.seeds = kSeeds;
+    sent.seedCount = static_cast<uint32_t>(seeds.size());
+    sent.destinations = kDestinations;
+    sent.destinationCount = static_cast<uint32_t>(destinations.size());
+    sent.options = options;
+    sent.routes = kRoutes;
+    sent.routeCapacity = sent.destinationCount * 2;
+    return call<tCalculateRouteReply>(REQUEST_CALCULATE_ROUTE, bytes(sent), file);
   }
   tRouteRecord route(uint32_t index) {
     tRouteRecord record{};
@@ -71,8 +71,9 @@ class ModelRouter : public ModelTest {
   int32_t step(uint32_t code, uint32_t ticket, uint64_t file = 1) {
     return call<tStatusReply>(code, bytes(tTicketRequest{ticket, 0}), file).driverStatus;
   }
-  tTicketListReply list(uint32_t code, uint32_t ticket, uint32_t room, uint64_t file = 1) {
-    return call<tTicketListReply>(code, bytes(tTicketListRequest{ticket, 0, kList, room, 0}), file);
+  tTicketListReply list(uint32_t code, uint32_t ticket, uint32_t capacity, uint64_t file = 1) {
+    return call<tTicketListReply>(code, bytes(tTicketListRequest{ticket, 0, kList, capacity, 0}),
+                                  file);
   }
   int32_t reserve(uint32_t ticket, uint64_t file = 1) {
     return list(REQUEST_RESERVE_ROUTE, ticket, 8, file).driverStatus;
@@ -98,7 +99,7 @@ TEST_F(ModelRouter, RouteFromTheCheapestSeed_IsFound) {
   EXPECT_EQ(reply.value, 1u);
   EXPECT_EQ(route(0).destination, kTrig0);
   EXPECT_EQ(route(0).seed, 1u);
-  EXPECT_EQ(route(0).cost, 5u) << "the seed's, and two from line to line";
+  EXPECT_EQ(route(0).cost, 5u) << "3 of the seed, 2 between lines";
   EXPECT_EQ(route(0).inverts, 0u);
   EXPECT_NE(route(0).ticket, 0u);
 }
@@ -109,14 +110,14 @@ TEST_F(ModelRouter, EveryDestination_HasItsRoute) {
   EXPECT_EQ(route(2).destination, 11u);
 }
 
-TEST_F(ModelRouter, RequiredInversion_IsTheOnlyWay) {
+TEST_F(ModelRouter, RequiredInversion_IsTheOnlyRoute) {
   EXPECT_EQ(calculate({{kConnector, 0, 0}}, {kTrig0}, {1, 0}).routeCount, 1u);
   EXPECT_EQ(route(0).inverts, 1u);
   EXPECT_EQ(calculate({{kConnector, 0, 0}}, {kWatchdog}, {1, 0}).routeCount, 0u)
       << "the watchdog has no inverter";
 }
 
-TEST_F(ModelRouter, OptionalInversion_IsOfferedBesideThePlainWay) {
+TEST_F(ModelRouter, OptionalInversion_IsOfferedBesideThePlainRoute) {
   EXPECT_EQ(calculate({{kConnector, 0, 0}}, {kTrig0}, {0, 1}).routeCount, 2u);
   EXPECT_EQ(route(0).inverts, 0u);
   EXPECT_EQ(route(1).inverts, 1u);
@@ -129,36 +130,37 @@ TEST_F(ModelRouter, SeedThatNeedsInversion_StartsInvertingRoutesOnly) {
 }
 
 TEST_F(ModelRouter, TerminalsThatCannotBeRouted_HaveNoRoute) {
-  EXPECT_EQ(calculate({{1, 0, 0}}, {kTrig0}).routeCount, 0u) << "nothing floats a line";
+  EXPECT_EQ(calculate({{1, 0, 0}}, {kTrig0}).routeCount, 0u)
+      << "the floating terminal is not a source";
   EXPECT_EQ(calculate({{kConnector, 0, 0}}, {1}).routeCount, 0u);
   EXPECT_EQ(calculate({{kTrig0, 0, 0}}, {kTrig0}).routeCount, 0u) << "from itself";
   EXPECT_EQ(calculate({}, {kTrig0}).routeCount, 0u);
   EXPECT_EQ(calculate({{kConnector, 0, 0}}, {}).driverStatus, 0);
 }
 
-TEST_F(ModelRouter, UnknownTerminals_AreRefusedAndNothingIsLeft) {
+TEST_F(ModelRouter, UnknownTerminals_AreRejectedAndLeaveNoRoute) {
   EXPECT_EQ(calculate({{0, 0, 0}}, {kTrig0}).driverStatus, SIMULATOR_STATUS_NO_SUCH_TERMINAL);
   EXPECT_EQ(calculate({{kConnector, 0, 0}}, {kTrig0, 12}).driverStatus,
             SIMULATOR_STATUS_NO_SUCH_TERMINAL);
   EXPECT_THAT(routes(), IsEmpty());
 }
 
-TEST_F(ModelRouter, MemoryThatCannotBeReached_IsRefusedAndNothingIsLeft) {
+TEST_F(ModelRouter, InaccessibleMemory_IsRejectedAndLeavesNoRoute) {
   put(kSeeds, std::vector<tRouteSeed>{{kConnector, 0, 0}});
   put(kDestinations, std::vector<uint32_t>{kTrig0});
   const tCalculateRouteRequest good{kModifiers, kSeeds, 1, 0, kDestinations, 1, 0, kRoutes, 2, 0};
   for (uint64_t tCalculateRouteRequest::*address :
        {&tCalculateRouteRequest::modifiers, &tCalculateRouteRequest::seeds,
         &tCalculateRouteRequest::destinations, &tCalculateRouteRequest::routes}) {
-    tCalculateRouteRequest asked = good;
-    asked.*address = 0xFFFFFFFFF0;
-    EXPECT_EQ(call<tCalculateRouteReply>(REQUEST_CALCULATE_ROUTE, bytes(asked), 1).driverStatus,
+    tCalculateRouteRequest sent = good;
+    sent.*address = 0xFFFFFFFFF0;
+    EXPECT_EQ(call<tCalculateRouteReply>(REQUEST_CALCULATE_ROUTE, bytes(sent), 1).driverStatus,
               SIMULATOR_STATUS_BAD_ADDRESS);
   }
   EXPECT_THAT(routes(), IsEmpty());
 }
 
-TEST_F(ModelRouter, TakenLine_CostsMoreUnlessReservationsAreIgnored) {
+TEST_F(ModelRouter, ReservedLine_CostsMoreUnlessReservationsAreIgnored) {
   reserve(ticketTo(kTrig0));
   calculate({{kWatchdog, 0, 0}}, {kTrig0}, {}, 2);
   EXPECT_EQ(route(0).cost, 1001u);
@@ -166,7 +168,7 @@ TEST_F(ModelRouter, TakenLine_CostsMoreUnlessReservationsAreIgnored) {
   EXPECT_EQ(route(0).cost, 1u);
 }
 
-TEST_F(ModelRouter, MoreRoutesThanItKeeps_AreRefused) {
+TEST_F(ModelRouter, RoutesBeyondTheCapacity_AreRejected) {
   while (routes().size() < SIMULATOR_ROUTE_CAPACITY) {
     ticketTo(kTrig0);
   }
@@ -177,7 +179,7 @@ TEST_F(ModelRouter, MoreRoutesThanItKeeps_AreRefused) {
 
 // ---- The life of a route ----
 
-TEST_F(ModelRouter, Steps_HaveTheirOrder) {
+TEST_F(ModelRouter, StepsOutOfOrder_AreRejected) {
   const uint32_t ticket = ticketTo(kTrig0);
   EXPECT_EQ(step(REQUEST_PROGRAM_ROUTE, ticket), SIMULATOR_STATUS_WRONG_ORDER);
   EXPECT_EQ(step(REQUEST_UNRESERVE_ROUTE, ticket), SIMULATOR_STATUS_WRONG_ORDER);
@@ -212,19 +214,19 @@ TEST_F(ModelRouter, Ticket_BelongsToItsSession) {
             SIMULATOR_STATUS_NO_SUCH_TICKET);
 }
 
-TEST_F(ModelRouter, LineHeldByAnotherSource_IsRefusedWithItsHolder) {
+TEST_F(ModelRouter, LineHeldByAnotherSource_IsRejectedWithItsHolder) {
   const uint32_t held = ticketTo(kTrig0, 7);
   ASSERT_EQ(reserve(held, 7), 0);
-  const uint32_t wanted = ticketTo(kTrig0, 8, kWatchdog);
-  const tTicketListReply refused = list(REQUEST_RESERVE_ROUTE, wanted, 8, 8);
-  EXPECT_EQ(refused.driverStatus, DRIVER_STATUS_ROUTE_CONFLICT);
-  EXPECT_EQ(refused.count, 1u);
+  const uint32_t requested = ticketTo(kTrig0, 8, kWatchdog);
+  const tTicketListReply rejected = list(REQUEST_RESERVE_ROUTE, requested, 8, 8);
+  EXPECT_EQ(rejected.driverStatus, DRIVER_STATUS_ROUTE_CONFLICT);
+  EXPECT_EQ(rejected.count, 1u);
   tRouteConflict conflict{};
   std::memcpy(&conflict, memory.data() + kList, sizeof conflict);
   EXPECT_EQ(conflict.session, 7u);
   EXPECT_EQ(conflict.ticket, held);
   step(REQUEST_UNRESERVE_ROUTE, held, 7);
-  EXPECT_EQ(reserve(wanted, 8), 0);
+  EXPECT_EQ(reserve(requested, 8), 0);
 }
 
 TEST_F(ModelRouter, LineHeldByTheSameSource_IsShared) {
@@ -232,17 +234,17 @@ TEST_F(ModelRouter, LineHeldByTheSameSource_IsShared) {
   EXPECT_EQ(reserve(ticketTo(kTrig0, 8), 8), 0);
 }
 
-TEST_F(ModelRouter, MoreConflictsThanThereIsRoomFor_AreCounted) {
+TEST_F(ModelRouter, ConflictsBeyondTheBuffer_AreCounted) {
   for (uint64_t session = 1; session <= 9; ++session) {
     ASSERT_EQ(reserve(ticketTo(kTrig0, session), session), 0);
   }
-  const tTicketListReply refused =
+  const tTicketListReply rejected =
       list(REQUEST_RESERVE_ROUTE, ticketTo(kTrig0, 20, kWatchdog), 8, 20);
-  EXPECT_EQ(refused.count, 9u);
-  EXPECT_EQ(memory[kList + 8 * sizeof(tRouteConflict)], 0xEE) << "the ninth has no room";
+  EXPECT_EQ(rejected.count, 9u);
+  EXPECT_EQ(memory[kList + 8 * sizeof(tRouteConflict)], 0xEE) << "the ninth is not written";
 }
 
-TEST_F(ModelRouter, EndOfASession_ReleasesWhatItHeld) {
+TEST_F(ModelRouter, EndOfASession_ReleasesItsRoutes) {
   const uint32_t ticket = ticketTo(kTrig0, 7);
   reserve(ticket, 7);
   step(REQUEST_PROGRAM_ROUTE, ticket, 7);
@@ -271,8 +273,8 @@ TEST_F(ModelRouter, Path_LeadsFromTheSourceToTheDestination) {
   EXPECT_THAT(path, ElementsAre(kConnector, kTrig0));
 }
 
-TEST_F(ModelRouter, PathThatIsTooLong_TellsItsLength) {
-  ASSERT_EQ(control(SIMULATOR_SET_PATH_LENGTH, uint32_t{40}).windowsError, 0u);
+TEST_F(ModelRouter, PathThatIsTooLong_ReturnsItsLength) {
+  ASSERT_EQ(control(SIMULATOR_SET_PATH_LENGTH, uint32_t{40}).windowsError, kWindowsErrorNone);
   const uint32_t ticket = ticketTo(kTrig0);
   const tTicketListReply tooLong = list(REQUEST_GET_ROUTE_TERMINAL_PATH, ticket, 39);
   EXPECT_EQ(tooLong.driverStatus, DRIVER_STATUS_PATH_TOO_LONG);
@@ -285,12 +287,13 @@ TEST_F(ModelRouter, PathThatIsTooLong_TellsItsLength) {
   EXPECT_EQ(path[1], 4u);
   EXPECT_EQ(path[38], 9u);
   EXPECT_EQ(path[39], kTrig0);
-  EXPECT_EQ(control(SIMULATOR_SET_PATH_LENGTH, uint32_t{1}).windowsError, 87u);
+  EXPECT_EQ(control(SIMULATOR_SET_PATH_LENGTH, uint32_t{1}).windowsError,
+            kWindowsErrorInvalidParameter);
 }
 
 // ---- Terminals and the topography ----
 
-TEST_F(ModelRouter, TopographyName_IsWrittenAsFarAsThereIsRoom) {
+TEST_F(ModelRouter, TopographyName_IsTruncatedToTheBuffer) {
   const auto name = [this](uint64_t buffer, uint32_t size) {
     return call<tStatusReply>(REQUEST_GET_TOPOGRAPHY_NAME,
                               bytes(tGetTopographyNameRequest{buffer, size, 0}), 1)
@@ -307,7 +310,7 @@ TEST_F(ModelRouter, TopographyName_IsWrittenAsFarAsThereIsRoom) {
   EXPECT_EQ(std::memcmp(memory.data() + kList + 0x200, "other\xEE", 6), 0);
 }
 
-TEST_F(ModelRouter, ResetTerminal_DemotesTheRoutesThatDroveIt) {
+TEST_F(ModelRouter, ResetTerminal_DemotesTheRoutesThatDriveIt) {
   const uint32_t ticket = ticketTo(kTrig0);
   reserve(ticket);
   step(REQUEST_PROGRAM_ROUTE, ticket);
@@ -336,14 +339,16 @@ TEST_F(ModelRouter, RestingSource_IsReturnedForBothStates) {
 }
 
 TEST_F(ModelRouter, DemotedRoute_LosesItsLineAndItsSessionIsNotified) {
-  const tRegisterNotificationRequest asked{0xABCD, ROUTING_NOTIFICATION_DEMOTED, 0};
-  EXPECT_EQ(request(kRouting, REQUEST_REGISTER_NOTIFICATION, bytes(asked), 0, 50, 7).windowsError,
-            kPending);
-  EXPECT_EQ(request(kRouting, REQUEST_ARM_DELIVERY, {}, 48, 51, 7).windowsError, kPending);
+  const tRegisterNotificationRequest sent{0xABCD, ROUTING_NOTIFICATION_DEMOTED, 0};
+  EXPECT_EQ(request(kRouting, REQUEST_REGISTER_NOTIFICATION, bytes(sent), 0, 50, 7).windowsError,
+            kWindowsErrorIoPending);
+  EXPECT_EQ(request(kRouting, REQUEST_ARM_DELIVERY, {}, 48, 51, 7).windowsError,
+            kWindowsErrorIoPending);
   const uint32_t ticket = ticketTo(kTrig0, 7);
-  EXPECT_EQ(control(SIMULATOR_DEMOTE_ROUTE, ticket).windowsError, 1168u) << "it holds nothing yet";
+  EXPECT_EQ(control(SIMULATOR_DEMOTE_ROUTE, ticket).windowsError, kWindowsErrorNotFound)
+      << "it holds no line yet";
   reserve(ticket, 7);
-  EXPECT_EQ(control(SIMULATOR_DEMOTE_ROUTE, ticket).windowsError, 0u);
+  EXPECT_EQ(control(SIMULATOR_DEMOTE_ROUTE, ticket).windowsError, kWindowsErrorNone);
   ASSERT_THAT(completions, SizeIs(1));
   EXPECT_EQ(completions[0].token, 51u);
   tNotificationDelivery delivery{};

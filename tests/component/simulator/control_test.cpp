@@ -1,11 +1,13 @@
-#include "simulator/control/requestlogtext.h"
-
+// The client of the control interface: the text of the log, and changes of a table.
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <vector>
 
 #include "protocol/controllerrequests.h"
 #include "protocol/pendingrequests.h"
+#include "simulator/control/requestlogtext.h"
+#include "simulator/control/tableedit.h"
 
 namespace nTests {
 namespace {
@@ -28,7 +30,7 @@ tSimulatorLogEntry entryOf(uint32_t code, const Request& request, const Reply& r
   return entry;
 }
 
-TEST(RequestLogText, TellsOpeningAndClosing) {
+TEST(RequestLogText, OpeningAndClosing_ShowTheFile) {
   tSimulatorLogEntry entry{};
   entry.sequence = 1;
   entry.process = 88;
@@ -40,7 +42,7 @@ TEST(RequestLogText, TellsOpeningAndClosing) {
   EXPECT_EQ(requestLogLine(entry), "1 process 88 marten#3 close");
 }
 
-TEST(RequestLogText, NamesTheMembersOfARequestAndItsReply) {
+TEST(RequestLogText, RequestAndReply_ShowTheirMembersByName) {
   tGetAttributeRequest request{};
   request.attribute = 0x20044C00;
   request.buffer = 0x7FFE1000;
@@ -57,7 +59,7 @@ TEST(RequestLogText, NamesTheMembersOfARequestAndItsReply) {
       "caller=0 -> text-size=5 table-size=6 status=0");
 }
 
-TEST(RequestLogText, TellsTheLifeOfAPendingRequest) {
+TEST(RequestLogText, PendingRequest_IsShownWithItsEvents) {
   tPendingWideRequest request{};
   request.handleAddress = 0x7FFE1000;
   request.event = 0x44;
@@ -83,7 +85,7 @@ TEST(RequestLogText, TellsTheLifeOfAPendingRequest) {
             "995");
 }
 
-TEST(RequestLogText, NamesTheMembersOfANarrowRequestAndOfItsEnd) {
+TEST(RequestLogText, NarrowRequestAndItsEnd_ShowTheirMembersByName) {
   tPendingNarrowRequest request{};
   request.a = 65535;
   request.b = 0xFFFFFFFF;
@@ -98,7 +100,7 @@ TEST(RequestLogText, NamesTheMembersOfANarrowRequestAndOfItsEnd) {
   EXPECT_EQ(requestLogLine(entry), "12 process 88 controller#3 end-pending handle=9 ->");
 }
 
-TEST(RequestLogText, TellsAWindowsErrorInsteadOfAReply) {
+TEST(RequestLogText, FailedRequest_ShowsTheWindowsError) {
   tSimulatorLogEntry entry = entryOf(REQUEST_GET_ATTRIBUTE, tGetAttributeRequest{}, uint8_t{0});
   entry.windowsError = 121;
   EXPECT_EQ(requestLogLine(entry),
@@ -106,7 +108,7 @@ TEST(RequestLogText, TellsAWindowsErrorInsteadOfAReply) {
             "Windows error 121");
 }
 
-TEST(RequestLogText, MarksWhatWasNotSent) {
+TEST(RequestLogText, MembersThatWereNotSent_AreMissing) {
   tSimulatorLogEntry entry =
       entryOf(REQUEST_GET_ATTRIBUTE, tGetAttributeRequest{}, tGetAttributeReply{});
   entry.inputSize = 20;
@@ -116,9 +118,63 @@ TEST(RequestLogText, MarksWhatWasNotSent) {
             "caller=(missing) -> size=0 status=(missing)");
 }
 
-TEST(RequestLogText, ShowsTheBytesOfAnUnknownRequest) {
+TEST(RequestLogText, UnknownRequest_ShowsItsBytes) {
   const tSimulatorLogEntry entry = entryOf(0x12345678, uint16_t{0xAB01}, uint8_t{0xFF});
   EXPECT_EQ(requestLogLine(entry), "12 process 88 controller#3 0x12345678 01 AB -> FF");
+}
+
+// ---- Changes of a table ----
+
+using nSimulator::changeStructureByte;
+using nSimulator::removeStructures;
+using tBytes = std::vector<uint8_t>;
+
+// Two structures of six bytes, the first with a string, and the end mark.
+const tBytes kTable{0x9D, 6, 1, 0, 10, 11, 'a', 0, 0,  //
+                    0x9E, 6, 2, 0, 20, 21, 0,   0,     //
+                    0x9D, 6, 3, 0, 30, 31, 0,   0,     //
+                    0x7F, 4, 4, 0, 0,  0};
+
+TEST(TableEdit, ChangedByte_IsInTheFirstStructureOfTheType) {
+  tBytes table = kTable;
+  EXPECT_TRUE(changeStructureByte(table, 0x9D, 5, 99));
+  tBytes expected = kTable;
+  expected[5] = 99;
+  EXPECT_EQ(table, expected);
+  EXPECT_TRUE(changeStructureByte(table, 0x9E, 4, 98));
+  expected[13] = 98;
+  EXPECT_EQ(table, expected);
+}
+
+TEST(TableEdit, OffsetOutsideTheFormattedArea_ChangesNothing) {
+  for (const uint8_t offset : {uint8_t{0}, uint8_t{3}, uint8_t{6}, uint8_t{255}}) {
+    tBytes table = kTable;
+    EXPECT_FALSE(changeStructureByte(table, 0x9D, offset, 99));
+    EXPECT_EQ(table, kTable);
+  }
+}
+
+TEST(TableEdit, AbsentStructure_ChangesNothing) {
+  tBytes table = kTable;
+  EXPECT_FALSE(changeStructureByte(table, 0x9F, 4, 99));
+  EXPECT_FALSE(removeStructures(table, 0x9F));
+  EXPECT_EQ(table, kTable);
+}
+
+TEST(TableEdit, RemovedType_HasNoStructureLeft) {
+  tBytes table = kTable;
+  EXPECT_TRUE(removeStructures(table, 0x9D));
+  EXPECT_EQ(table, (tBytes{0x9E, 6, 2, 0, 20, 21, 0, 0, 0x7F, 4, 4, 0, 0, 0}));
+}
+
+TEST(TableEdit, MalformedTable_ChangesNothing) {
+  for (size_t size = 0; size < 9; ++size) {
+    tBytes cut(kTable.begin(), kTable.begin() + static_cast<ptrdiff_t>(size));
+    EXPECT_FALSE(changeStructureByte(cut, 0x9D, 4, 99)) << size;
+    EXPECT_FALSE(removeStructures(cut, 0x9D)) << size;
+  }
+  tBytes shortHeader{0x9D, 3, 0, 0, 0, 0};
+  EXPECT_FALSE(changeStructureByte(shortHeader, 0x9D, 4, 99));
 }
 
 }  // namespace
