@@ -27,9 +27,7 @@ class ModelCounters : public ModelTest {
   }
   template <class Record>
   tAnswer send(uint32_t code, const Record& sent, uint32_t capacity, uint64_t token = 0) {
-    std::vector<uint8_t> bytes(sizeof sent);
-    std::memcpy(bytes.data(), &sent, sizeof sent);
-    return request(kRouting, code, bytes, capacity, token);
+    return request(kRouting, code, bytes(sent), capacity, token);
   }
   // Calculates routes to the first line and to another terminal; returns the ticket of the first.
   uint32_t calculate(uint32_t other = kTrig0 + 1) {
@@ -154,10 +152,8 @@ TEST_F(ModelCounters, Notices_AreDeliveredOrDropped) {
 TEST_F(ModelCounters, RequestsThatStayPending_AreCountedUntilTheyEnd) {
   tPendingNarrowRequest arguments{};
   arguments.handleAddress = 0x100;
-  std::vector<uint8_t> bytes(sizeof arguments);
-  std::memcpy(bytes.data(), &arguments, sizeof arguments);
-  request(kSimulatorInterfaceController, REQUEST_PENDING_NARROW, bytes, 0, 0x10);
-  request(kSimulatorInterfaceController, REQUEST_PENDING_NARROW, bytes, 0, 0x20);
+  request(kSimulatorInterfaceController, REQUEST_PENDING_NARROW, bytes(arguments), 0, 0x10);
+  request(kSimulatorInterfaceController, REQUEST_PENDING_NARROW, bytes(arguments), 0, 0x20);
   EXPECT_EQ(counters().pendingBegun, 2u);
   EXPECT_EQ(counters().pendingEnded, 0u);
   cancel(0x10);

@@ -110,14 +110,7 @@ class ModelFirmware : public ModelTest {
     return recordOf<tStatusReply>(request(kind, code, sent, 4)).driverStatus;
   }
   std::vector<tSimulatorPayload> firmware() {
-    const tAnswer answer = control(SIMULATOR_READ_FIRMWARE, {},
-                                   SIMULATOR_PAYLOAD_CAPACITY * sizeof(tSimulatorPayload));
-    EXPECT_EQ(answer.windowsError, kWindowsErrorNone);
-    std::vector<tSimulatorPayload> payloads(answer.bytes.size() / sizeof(tSimulatorPayload));
-    if (!payloads.empty()) {
-      std::memcpy(payloads.data(), answer.bytes.data(), answer.bytes.size());
-    }
-    return payloads;
+    return records<tSimulatorPayload>(SIMULATOR_READ_FIRMWARE, SIMULATOR_PAYLOAD_CAPACITY);
   }
   std::span<const uint8_t> callerBytes(uint64_t address, size_t size) const {
     return std::span(memory).subspan(address, size);

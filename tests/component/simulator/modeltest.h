@@ -58,13 +58,17 @@ class ModelTest : public testing::Test {
     buffer.resize(reply.size);
     return {reply.windowsError, buffer};
   }
+  template <class Record>
+  static std::vector<uint8_t> bytes(const Record& record) {
+    std::vector<uint8_t> result(sizeof record);
+    std::memcpy(result.data(), &record, sizeof record);
+    return result;
+  }
   // The same with a record as input.
   template <class Record>
   requires(!std::is_convertible_v<Record, std::span<const uint8_t>>) tAnswer
       request(tSimulatorInterface kind, uint32_t code, const Record& input, uint32_t capacity) {
-    std::vector<uint8_t> bytes(sizeof input);
-    std::memcpy(bytes.data(), &input, sizeof input);
-    return request(kind, code, std::span<const uint8_t>(bytes), capacity);
+    return request(kind, code, std::span<const uint8_t>(bytes(input)), capacity);
   }
   tAnswer control(uint32_t code, std::span<const uint8_t> input = {}, uint32_t capacity = 0) {
     return request(kSimulatorInterfaceControl, code, input, capacity);
@@ -81,15 +85,20 @@ class ModelTest : public testing::Test {
     std::memcpy(&record, answer.bytes.data(), std::min(answer.bytes.size(), sizeof record));
     return record;
   }
-  std::vector<tSimulatorLogEntry> log(uint64_t from = 1) {
-    const tAnswer answer =
-        request(kSimulatorInterfaceControl, SIMULATOR_READ_LOG, from,
-                static_cast<uint32_t>(SIMULATOR_LOG_CAPACITY * sizeof(tSimulatorLogEntry)));
-    std::vector<tSimulatorLogEntry> entries(answer.bytes.size() / sizeof(tSimulatorLogEntry));
-    if (!entries.empty()) {
-      std::memcpy(entries.data(), answer.bytes.data(), answer.bytes.size());
+  // Reads at most `capacity` records with a control request.
+  template <class Record>
+  std::vector<Record> records(uint32_t code, uint32_t capacity,
+                              std::span<const uint8_t> input = {}) {
+    const tAnswer answer = control(code, input, capacity * uint32_t{sizeof(Record)});
+    EXPECT_EQ(answer.windowsError, kWindowsErrorNone);
+    std::vector<Record> result(answer.bytes.size() / sizeof(Record));
+    if (!result.empty()) {
+      std::memcpy(result.data(), answer.bytes.data(), answer.bytes.size());
     }
-    return entries;
+    return result;
+  }
+  std::vector<tSimulatorLogEntry> log(uint64_t from = 1) {
+    return records<tSimulatorLogEntry>(SIMULATOR_READ_LOG, SIMULATOR_LOG_CAPACITY, bytes(from));
   }
 
   void open(uint64_t file, tSimulatorInterface kind) {

@@ -25,12 +25,6 @@ class ModelPending : public ModelTest {
     arguments.c = 7;
     return bytes(arguments);
   }
-  template <class Record>
-  static std::vector<uint8_t> bytes(const Record& record) {
-    std::vector<uint8_t> result(sizeof record);
-    std::memcpy(result.data(), &record, sizeof record);
-    return result;
-  }
   uint32_t begin(uint64_t token, uint64_t file = 1) {
     return request(kController, REQUEST_PENDING_NARROW, narrow(), 0, token, file).windowsError;
   }
@@ -44,15 +38,7 @@ class ModelPending : public ModelTest {
     return handle;
   }
   std::vector<tSimulatorPendingRequest> pending() {
-    const tAnswer answer =
-        control(SIMULATOR_READ_PENDING, {},
-                SIMULATOR_PENDING_CAPACITY * uint32_t{sizeof(tSimulatorPendingRequest)});
-    std::vector<tSimulatorPendingRequest> records(answer.bytes.size() /
-                                                  sizeof(tSimulatorPendingRequest));
-    if (!records.empty()) {
-      std::memcpy(records.data(), answer.bytes.data(), answer.bytes.size());
-    }
-    return records;
+    return records<tSimulatorPendingRequest>(SIMULATOR_READ_PENDING, SIMULATOR_PENDING_CAPACITY);
   }
   uint32_t complete(uint64_t handle, uint32_t windowsError) {
     return control(SIMULATOR_COMPLETE_PENDING, tSimulatorCompletion{handle, windowsError, 0})

@@ -29,12 +29,6 @@ class ModelRouter : public ModelTest {
     return recordOf<Record>(request(kRouting, code, sent, sizeof(Record), 0, file));
   }
   template <class Record>
-  static std::vector<uint8_t> bytes(const Record& record) {
-    std::vector<uint8_t> result(sizeof record);
-    std::memcpy(result.data(), &record, sizeof record);
-    return result;
-  }
-  template <class Record>
   void put(uint64_t address, const std::vector<Record>& records) {
     if (!records.empty()) {
       std::memcpy(memory.data() + address, records.data(), records.size() * sizeof(Record));
@@ -79,13 +73,7 @@ class ModelRouter : public ModelTest {
     return list(REQUEST_RESERVE_ROUTE, ticket, 8, file).driverStatus;
   }
   std::vector<tSimulatorRoute> routes() {
-    const tAnswer answer = control(SIMULATOR_READ_ROUTES, {},
-                                   SIMULATOR_ROUTE_CAPACITY * uint32_t{sizeof(tSimulatorRoute)});
-    std::vector<tSimulatorRoute> records(answer.bytes.size() / sizeof(tSimulatorRoute));
-    if (!records.empty()) {
-      std::memcpy(records.data(), answer.bytes.data(), answer.bytes.size());
-    }
-    return records;
+    return records<tSimulatorRoute>(SIMULATOR_READ_ROUTES, SIMULATOR_ROUTE_CAPACITY);
   }
 };
 
