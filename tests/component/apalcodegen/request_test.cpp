@@ -1,17 +1,24 @@
-// The bytes of each request that a typed interface sends.
+// The bytes of each request that a typed interface sends, and the sending that all of them share.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
-#include "tests/component/apalcodegen/hexbytes.h"
+#include "codegen/apalcodegen/marshalling.h"
+#include "quenra_status.h"
 #include "tests/component/apalcodegen/requests.h"
+#include "tests/component/apalcodegen/trecordingdevice.h"
 
 namespace nTests {
 namespace {
 
+using nQUENRA1400::nZOAPAL000::sendRequest;
 using nZOAPALS100::mergeStatus;
 using nZOAPALS100::tStatus;
+
+// ---- Requests of the typed interfaces ----
 
 // The golden bytes with the caller's status code in its place.
 std::string goldenRequest(const tRequestPromise& promise, std::string_view callerStatus) {
@@ -33,7 +40,7 @@ TEST_P(EveryRequest, OnACleanStatus_IsTheGoldenBytes) {
   EXPECT_EQ(request.outSize, GetParam().replySize);
 }
 
-TEST_P(EveryRequest, OnAWarning_TakesItsCodeAlong) {
+TEST_P(EveryRequest, OnAWarning_ContainsItsCode) {
   tStatus status;
   mergeStatus(status, 5, {"caller", 1});
   send(status);
@@ -41,7 +48,7 @@ TEST_P(EveryRequest, OnAWarning_TakesItsCodeAlong) {
   EXPECT_EQ(hexadecimalOf(device_.requests()[0].in), goldenRequest(GetParam(), "05 00 00 00"));
 }
 
-TEST_P(EveryRequest, OnALargeWarning_TakesAllItsBytesAlong) {
+TEST_P(EveryRequest, OnALargeWarning_ContainsAllItsBytes) {
   tStatus status;
   mergeStatus(status, 0x7A7B7C7D, {"caller", 1});
   send(status);
@@ -51,17 +58,17 @@ TEST_P(EveryRequest, OnALargeWarning_TakesAllItsBytesAlong) {
 
 TEST_P(EveryRequest, OnAnError_IsNotSent) {
   tStatus status;
-  mergeStatus(status, -52003, {"caller", 1});
+  mergeStatus(status, QUENRA_STATUS_GENERIC_FAILURE, {"caller", 1});
   send(status);
   EXPECT_TRUE(device_.requests().empty());
   EXPECT_EQ(outs_, tOuts());
-  EXPECT_EQ(status.code, -52003);
+  EXPECT_EQ(status.code, QUENRA_STATUS_GENERIC_FAILURE);
   EXPECT_STREQ(status.file, "caller");
 }
 
 TEST_P(EveryRequest, TransportStatus_IsFreshButForTheCallersCode) {
   tStatus status;
-  mergeStatus(status, 5, "component", "caller", 77);
+  mergeStatus(status, 5, {"caller", 77, "component"});
   status.extension[0] = 9;
   send(status);
   ASSERT_EQ(device_.requests().size(), 1u);
@@ -86,7 +93,7 @@ TEST_P(EveryRequest, SentTwice_IsTheSameTwice) {
 
 INSTANTIATE_TEST_SUITE_P(Sent, EveryRequest, testing::ValuesIn(kAllRequests), nameOf);
 
-TEST(ExchangeValues, ToAskForTheSizes_SendsZeros) {
+TEST(ExchangeValues, QueryOfTheSizes_SendsZeros) {
   tRecordingDevice device;
   nQUENRA1400::nZOAPAL000::tInterfaceProxy_hostController controller(device);
   tStatus status;
@@ -122,10 +129,64 @@ TYPED_TEST(TypedInterface, AsAChannel_PassesThroughToItsDevice) {
                            testing::StrEq("end"), testing::StrEq("close")));
 }
 
+TYPED_TEST(TypedInterface, AsAChannel_SendsRequestsToItsDevice) {
+  tRecordingDevice device;
+  device.answerWith({9});
+  TypeParam typed(device);
+  nQUENRA1400::nZOAPAL000::iInterfaceProxy& channel = typed;
+  tStatus status;
+  const uint8_t request = 5;
+  uint8_t reply = 0;
+  EXPECT_EQ(channel.deviceControl(0x1234, &request, sizeof request, &reply, sizeof reply, status),
+            1u);
+  EXPECT_EQ(reply, 9);
+  ASSERT_EQ(device.requests().size(), 1u);
+  EXPECT_EQ(device.requests()[0].code, 0x1234u);
+  EXPECT_EQ(device.requests()[0].in, std::vector<uint8_t>{5});
+}
+
 TYPED_TEST(TypedInterface, Destroyed_LeavesItsDeviceOpen) {
   tRecordingDevice device;
   { const TypeParam typed(device); }
   EXPECT_TRUE(device.passedThrough().empty());
+}
+
+// ---- Sending ----
+
+using tReply = std::array<std::byte, 4>;
+
+constexpr std::byte kOld{0xEE};
+constexpr std::array kRequest{std::byte{1}, std::byte{2}};
+
+TEST(SendRequest, ShortReply_IsFollowedByZeros) {
+  tRecordingDevice device;
+  device.answerWith({7, 8});
+  tReply reply{kOld, kOld, kOld, kOld};
+  tStatus status;
+  EXPECT_TRUE(sendRequest(device, 0x1234, kRequest, reply, status));
+  EXPECT_EQ(reply, (tReply{std::byte{7}, std::byte{8}, std::byte{0}, std::byte{0}}));
+}
+
+TEST(SendRequest, StatusWithAnError_SendsNothingAndLeavesTheReply) {
+  tRecordingDevice device;
+  tReply reply{kOld, kOld, kOld, kOld};
+  tStatus status;
+  mergeStatus(status, -3, {"caller", 1});
+  EXPECT_FALSE(sendRequest(device, 0x1234, kRequest, reply, status));
+  EXPECT_TRUE(device.requests().empty());
+  EXPECT_EQ(reply, (tReply{kOld, kOld, kOld, kOld}));
+}
+
+TEST(SendRequest, TransportFailure_IsReportedAndMerged) {
+  tRecordingDevice device;
+  device.transportWill([](tStatus& transport) {
+    mergeStatus(transport, QUENRA_STATUS_ACCESS_DENIED, {"device", 110});
+  });
+  tReply reply{};
+  tStatus status;
+  EXPECT_FALSE(sendRequest(device, 0x1234, kRequest, reply, status));
+  EXPECT_EQ(status.code, QUENRA_STATUS_ACCESS_DENIED);
+  EXPECT_STREQ(status.file, "device");
 }
 
 }  // namespace

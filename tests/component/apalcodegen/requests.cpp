@@ -1,8 +1,9 @@
 #include "tests/component/apalcodegen/requests.h"
 
+#include <array>
+#include <cstdio>
 #include <ostream>
-
-#include "tests/component/apalcodegen/hexbytes.h"
+#include <sstream>
 
 namespace nTests {
 namespace {
@@ -265,6 +266,25 @@ std::ostream& operator<<(std::ostream& out, const tRequestPromise& promise) {
 
 std::string nameOf(const testing::TestParamInfo<tRequestPromise>& info) {
   return info.param.name;
+}
+
+std::vector<uint8_t> bytesOf(std::string_view hexadecimal) {
+  std::istringstream words{std::string(hexadecimal)};
+  std::vector<uint8_t> bytes;
+  for (std::string word; words >> word;) {
+    bytes.push_back(static_cast<uint8_t>(std::stoul(word, nullptr, 16)));
+  }
+  return bytes;
+}
+
+std::string hexadecimalOf(std::span<const uint8_t> bytes) {
+  std::string text;
+  for (const uint8_t byte : bytes) {
+    std::array<char, 4> word{};
+    std::snprintf(word.data(), word.size(), "%s%02x", text.empty() ? "" : " ", byte);
+    text += word.data();
+  }
+  return text;
 }
 
 }  // namespace nTests

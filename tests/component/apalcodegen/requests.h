@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
@@ -71,6 +73,10 @@ class EveryRequest : public testing::TestWithParam<tRequestPromise> {
   tTypedInterfaces interfaces_{device_};
   tOuts outs_;
 };
+
+// Convert "0A ff 00" to bytes, and bytes to "0a ff 00".
+std::vector<uint8_t> bytesOf(std::string_view hexadecimal);
+std::string hexadecimalOf(std::span<const uint8_t> bytes);
 
 std::string nameOf(const testing::TestParamInfo<tRequestPromise>& info);
 
