@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "protocol/interfaces.h"
+#include "quenra_status.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
@@ -58,7 +59,7 @@ class DriverTest : public tDriverTestBase {
     machine_ = std::make_unique<nSimulator::tSimulatedMachine>();
     machine_->reset();
     openController(proxy, status);
-    ASSERT_EQ(status.code, 0);
+    ASSERT_EQ(status.code, QUENRA_STATUS_SUCCESS);
     machine_->clearLog();
   }
   void TearDown() override {

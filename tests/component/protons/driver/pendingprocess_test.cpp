@@ -1,6 +1,7 @@
 // Requests of a process that dies.
 #include <string>
 
+#include "quenra_status.h"
 #include "tests/component/protons/driver/drivertest.h"
 
 namespace nTests {
@@ -67,7 +68,7 @@ TEST_F(PendingRequest, OfAProcessThatDies_IsCancelledAndTheMachineGoesOn) {
   }
   EXPECT_NE(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
   proxy.endPendingRequest(request);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST_F(PendingRequest, OfAProcessThatDiesBeforeItIsAccepted_IsCancelled) {

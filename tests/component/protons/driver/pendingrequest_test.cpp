@@ -6,6 +6,7 @@
 
 #include "protocol/controllerrequests.h"
 #include "protocol/pendingrequests.h"
+#include "quenra_status.h"
 #include "tests/component/protons/driver/drivertest.h"
 
 namespace nTests {
@@ -18,7 +19,7 @@ using testing::SizeIs;
 
 TEST_F(PendingRequest, Begun_IsPendingUntilItIsEnded) {
   const uint64_t handle = proxy.beginPendingRequest(7, 8, 9, request, status);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_NE(handle, 0u);
   EXPECT_EQ(request.handle(), handle);
   const std::vector<tSimulatorPendingRequest> pending = machine().pending();
@@ -65,7 +66,7 @@ TEST_F(PendingRequest, OnAWarning_IsBegunAndKeepsIt) {
 TEST_F(PendingRequest, OnAClosedProxy_IsLocatedAtLine115) {
   proxy.close();
   EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
-  expectFailure(-52003, 115);
+  expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 115);
   EXPECT_EQ(request.handle(), 0u);
 }
 
@@ -75,13 +76,13 @@ TEST_F(PendingRequest, ManyAtOnce_EachHaveTheirHandle) {
   for (tPendingRequest& each : requests) {
     handles.push_back(proxy.beginPendingRequest(1, handles.size(), 3, each, status));
   }
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   std::sort(handles.begin(), handles.end());
   EXPECT_EQ(std::unique(handles.begin(), handles.end()), handles.end());
   EXPECT_NE(handles.front(), 0u);
   // One more than the machine's limit.
   EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
-  expectFailure(-52000, 115);
+  expectFailure(QUENRA_STATUS_MEMORY_FULL, 115);
   for (tPendingRequest& each : requests) {
     proxy.endPendingRequest(each);
   }
@@ -172,7 +173,7 @@ TEST_F(PendingRequest, AcceptedLate_IsWaitedFor) {
   EXPECT_EQ(machine().pending().at(0).handle, 0u) << "not accepted yet";
   machine().acceptPending();
   starter.join();
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_NE(request.handle(), 0u);
   proxy.endPendingRequest(request);
   EXPECT_EQ(pendingCount(), 0u);
@@ -181,7 +182,7 @@ TEST_F(PendingRequest, AcceptedLate_IsWaitedFor) {
 TEST_F(PendingRequest, RefusedAtOnce_FailsAtTheCall) {
   script(21, REQUEST_PENDING_NARROW);  // ERROR_NOT_READY
   EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
-  EXPECT_EQ(status.code, -52010);
+  EXPECT_EQ(status.code, QUENRA_STATUS_NOT_READY);
   // Windows decides whether a refusal arrives with the call or as a completion.
   EXPECT_TRUE(status.line == 115 || status.line == 110) << status.line;
   EXPECT_EQ(request.handle(), 0u);
@@ -193,14 +194,14 @@ TEST_F(PendingRequest, RefusedWhileWaitingToBeAccepted_FailsAfterTheWait) {
   EXPECT_TRUE(becomesTrue([&] { return pendingCount() == 1; }));
   machine().completePending(0, 121);  // ERROR_SEM_TIMEOUT
   starter.join();
-  expectFailure(-52007, 110);
+  expectFailure(QUENRA_STATUS_TIME_OUT, 110);
   EXPECT_EQ(request.handle(), 0u);
 }
 
 TEST_F(PendingRequest, CompletedWithoutBeingAccepted_IsNotPendingAndNoError) {
   machine().setAcceptance(kSimulatorAcceptNever);
   EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(request.handle(), 0u);
   proxy.endPendingRequest(request);
   EXPECT_THAT(logged(kSimulatorEventRequest), SizeIs(1)) << "nothing to end";
@@ -214,7 +215,7 @@ TEST_F(PendingRequest, CompletedByTheDriverWithAnError_IsStillTheCallersToEnd) {
   // The driver no longer knows the handle and refuses; the request is released nevertheless.
   proxy.endPendingRequest(request);
   EXPECT_EQ(request.handle(), 0u);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(logged(kSimulatorEventRequest).back().windowsError, 1168u);
 }
 
@@ -234,7 +235,7 @@ TEST_F(PendingRequest, WithAnInvalidEvent_IsRefusedByTheDriver) {
   form.handleAddress = reinterpret_cast<uintptr_t>(&handle);
   form.event = 0xABCDE0;
   proxy.deviceControl(REQUEST_PENDING_NARROW, &form, sizeof form, nullptr, 0, status);
-  EXPECT_EQ(status.code, -52003);
+  EXPECT_EQ(status.code, QUENRA_STATUS_GENERIC_FAILURE);
   EXPECT_EQ(pendingCount(), 0u);
 }
 
@@ -242,7 +243,7 @@ TEST_F(PendingRequest, WithAnAddressThatCannotBeWritten_IsRefusedByTheDriver) {
   tPendingNarrowRequest form{};
   form.handleAddress = 16;
   proxy.deviceControl(REQUEST_PENDING_NARROW, &form, sizeof form, nullptr, 0, status);
-  EXPECT_LT(status.code, 0);
+  EXPECT_LT(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(pendingCount(), 0u);
 }
 
@@ -260,7 +261,7 @@ TEST_F(PendingRequest, LetsOtherCallsThrough) {
   }
   EXPECT_EQ(pendingCount(), 1u);
   proxy.endPendingRequest(request);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST_F(PendingRequest, BegunAndEndedByManyThreadsBesideOtherCalls_LeavesNothing) {
@@ -277,7 +278,7 @@ TEST_F(PendingRequest, BegunAndEndedByManyThreadsBesideOtherCalls_LeavesNothing)
         proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &asked, sizeof asked, &reply, sizeof reply,
                             own);
         proxy.endPendingRequest(ownRequest);
-        EXPECT_EQ(own.code, 0);
+        EXPECT_EQ(own.code, QUENRA_STATUS_SUCCESS);
       }
     });
   }
@@ -304,7 +305,7 @@ TEST_F(PendingRequest, OfAnotherFile_CannotBeEnded) {
   const uint64_t handle = proxy.beginPendingRequest(1, 2, 3, request, status);
   tDeviceInterfaceProxy other;
   openController(other, status);
-  ASSERT_EQ(status.code, 0);
+  ASSERT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   const tEndPendingRequest end{handle};
   tStatus refused;
   other.deviceControl(REQUEST_END_PENDING, &end, sizeof end, nullptr, 0, refused);

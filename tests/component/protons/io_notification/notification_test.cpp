@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "protocol/pendingrequests.h"
+#include "quenra_status.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
 
 namespace nTests {
@@ -34,7 +35,7 @@ class NotificationReader : public NotificationTest {
 
 TEST_F(NotificationReader, WakeUp_EndsTheWait) {
   reader->wake(status);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   const tNotice notice = waitOn(*reader);
   EXPECT_EQ(notice.kind, kWakeUp);
   EXPECT_EQ(notice.notification, nullptr);
@@ -43,7 +44,7 @@ TEST_F(NotificationReader, WakeUp_EndsTheWait) {
 
 TEST_F(NotificationReader, NothingInTime_IsATimeOutAtLine59) {
   const tNotice notice = waitOn(*reader, kShortTime);
-  EXPECT_EQ(notice.code, -52007);
+  EXPECT_EQ(notice.code, QUENRA_STATUS_TIME_OUT);
   EXPECT_EQ(notice.line, 59u);
   EXPECT_EQ(notice.notification, nullptr);
   EXPECT_EQ(notice.kind, kDelivered) << "no wake-up";
@@ -64,7 +65,7 @@ TEST_F(NotificationReader, OnAStatusInError_WaitsAndWakesNot) {
 
 TEST_F(NotificationReader, Enabled_ReceivesThePayload) {
   EXPECT_TRUE(notification.enable(*reader, proxy, kMask, status));
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_TRUE(notification.isEnabled());
   notify("seven");
   const tNotice notice = waitOn(*reader);
@@ -127,14 +128,14 @@ TEST_F(NotificationReader, PayloadThatIsTooLarge_IsRefusedAndNothingMoreDelivere
     tooLarge.payloadSize = size;
     machine().notify(tooLarge);
     const tNotice notice = waitOn(*reader);
-    EXPECT_EQ(notice.code, -52024) << size;
+    EXPECT_EQ(notice.code, QUENRA_STATUS_NOTIFICATION_TOO_LARGE) << size;
     EXPECT_EQ(notice.line, 76u);
     EXPECT_EQ(notice.notification, nullptr);
     EXPECT_EQ(notice.kind, kDelivered);
     EXPECT_EQ(notice.payload, "");
     const size_t armed = requests(REQUEST_ARM_DELIVERY);
     notify("held back");
-    EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
+    EXPECT_EQ(waitOn(*reader, kShortTime).code, QUENRA_STATUS_TIME_OUT);
     EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), armed);
     // Only closing the device lets the reader arm a delivery again.
     notification.disable();
@@ -195,7 +196,7 @@ TEST_F(NotificationReader, OfAnotherReader_CannotShareAProxy) {
   tIONotification second;
   ASSERT_TRUE(notification.enable(*reader, proxy, 1, status));
   EXPECT_FALSE(second.enable(other, proxy, 2, status));
-  expectFailure(-52005, 315);
+  expectFailure(QUENRA_STATUS_INVALID_PARAMETER, 315);
   EXPECT_FALSE(second.isEnabled());
   notify("first", 1);
   EXPECT_EQ(waitOn(*reader).payload, "first") << "the first goes on";
@@ -250,7 +251,7 @@ TEST_F(NotificationReader, EnabledAgain_IsRegisteredOnce) {
   EXPECT_EQ(first.notification, &notification) << "identified although a later one exists";
   notify("once");
   EXPECT_EQ(waitOn(*reader).payload, "once");
-  EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
+  EXPECT_EQ(waitOn(*reader, kShortTime).code, QUENRA_STATUS_TIME_OUT);
 }
 
 TEST_F(NotificationReader, EnabledOnAStatusInError_AsksNothing) {
@@ -262,7 +263,7 @@ TEST_F(NotificationReader, EnabledOnAStatusInError_AsksNothing) {
 TEST_F(NotificationReader, EnabledOnAClosedProxy_Fails) {
   proxy.close();
   EXPECT_FALSE(notification.enable(*reader, proxy, kMask, status));
-  EXPECT_LT(status.code, 0);
+  EXPECT_LT(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(status.line, 315u);
 }
 
@@ -283,7 +284,7 @@ TEST_F(NotificationReader, OrdinaryRequests_NeverReachThePort) {
   tPendingRequest request;
   EXPECT_NE(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
   proxy.endPendingRequest(request);
-  EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
+  EXPECT_EQ(waitOn(*reader, kShortTime).code, QUENRA_STATUS_TIME_OUT);
 }
 
 TEST_F(NotificationReader, RefusedRegistration_IsLocatedAtLine134) {
@@ -291,11 +292,12 @@ TEST_F(NotificationReader, RefusedRegistration_IsLocatedAtLine134) {
   const bool enabled = notification.enable(*reader, proxy, kMask, status);
   // A driver's refusal arrives with the call, or as a failed completion, which readers skip.
   if (!enabled) {
-    EXPECT_EQ(status.code, -52009);
+    EXPECT_EQ(status.code, QUENRA_STATUS_ACCESS_DENIED);
     EXPECT_EQ(status.line, 134u);
     EXPECT_STREQ(status.file, "tionotification");
   }
-  EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007) << "failed completions are skipped";
+  EXPECT_EQ(waitOn(*reader, kShortTime).code, QUENRA_STATUS_TIME_OUT)
+      << "failed completions are skipped";
 }
 
 TEST_F(NotificationReader, DeliveryThatFails_IsSkipped) {
@@ -304,7 +306,7 @@ TEST_F(NotificationReader, DeliveryThatFails_IsSkipped) {
   script(5, REQUEST_ARM_DELIVERY);
   EXPECT_EQ(waitOn(*reader).payload, "one") << "that arming again fails is not told";
   notify("two");
-  EXPECT_EQ(waitOn(*reader, kShortTime).code, -52007);
+  EXPECT_EQ(waitOn(*reader, kShortTime).code, QUENRA_STATUS_TIME_OUT);
 }
 
 // ---- A reader with a thread ----
@@ -364,7 +366,7 @@ class ThreadedReader : public NotificationTest {
 
 TEST_F(ThreadedReader, HandsEveryNoticeToItsCallback) {
   reader->start(hear, status);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_TRUE(reader->isRunning());
   notification.enable(*reader, proxy, kMask, status);
   notify("one");
@@ -456,7 +458,7 @@ TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
     openController(ownProxy, own);
     tIONotification ownNotification;
     ownNotification.enable(*ownReader, ownProxy, kMask, own);
-    ASSERT_EQ(own.code, 0);
+    ASSERT_EQ(own.code, QUENRA_STATUS_SUCCESS);
     std::atomic<bool> over = false;
     std::thread teller([&] {
       nSimulator::tSimulatedMachine telling;

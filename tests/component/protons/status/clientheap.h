@@ -1,9 +1,12 @@
 #ifndef TESTS_COMPONENT_PROTONS_STATUS_CLIENTHEAP_H
 #define TESTS_COMPONENT_PROTONS_STATUS_CLIENTHEAP_H
 
+#include <algorithm>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
+#include "zoapal/protons/status/descriptionwriter.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nTests {
@@ -37,6 +40,77 @@ class tClientHeap {
  private:
   static std::vector<char>& buffer();
 };
+
+inline std::vector<uint32_t>& tClientHeap::requests() {
+  static std::vector<uint32_t> requests;
+  return requests;
+}
+
+inline std::vector<char>& tClientHeap::buffer() {
+  static std::vector<char> buffer;
+  return buffer;
+}
+
+inline bool tClientHeap::giveExactly(zoerr::Status& status, uint32_t newCapacity) {
+  requests().push_back(newCapacity);
+  if (newCapacity == 0) {
+    buffer() = {};
+    status.description = nullptr;
+    status.capacity = 0;
+    return true;
+  }
+  if (newCapacity <= status.capacity) {
+    return true;
+  }
+  const std::string_view text = status.description == nullptr
+                                    ? zoerr::kEmptyDescription
+                                    : std::string_view(status.description);
+  std::vector<char> grown(newCapacity);
+  std::copy(text.begin(), text.end(), grown.begin());
+  grown.back() = 'J';
+  buffer() = std::move(grown);
+  status.description = buffer().data();
+  status.capacity = newCapacity;
+  return true;
+}
+
+inline bool tClientHeap::giveUpTo600(zoerr::Status& status, uint32_t newCapacity) {
+  return newCapacity <= 600 ? giveExactly(status, newCapacity) : refuse(status, newCapacity);
+}
+
+inline bool tClientHeap::refuse(zoerr::Status&, uint32_t newCapacity) {
+  requests().push_back(newCapacity);
+  return false;
+}
+
+inline bool tClientHeap::pretend(zoerr::Status&, uint32_t newCapacity) {
+  requests().push_back(newCapacity);
+  return true;
+}
+
+inline bool tClientHeap::giveWithoutMarker(zoerr::Status& status, uint32_t newCapacity) {
+  const bool given = giveExactly(status, newCapacity);
+  if (newCapacity != 0) {
+    buffer().back() = '\0';
+  }
+  return given;
+}
+
+inline bool tClientHeap::giveUnusableText(zoerr::Status& status, uint32_t newCapacity) {
+  const bool given = giveExactly(status, newCapacity);
+  if (newCapacity != 0) {
+    buffer().front() = '"';
+  }
+  return given;
+}
+
+inline zoerr::Status tClientHeap::statusWithDescription(uint32_t capacity) {
+  zoerr::Status status;
+  status.reallocate = &giveExactly;
+  giveExactly(status, capacity);
+  requests().clear();
+  return status;
+}
 
 }  // namespace nTests
 

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "quenra_status.h"
 #include "tests/component/protons/status/descriptiontext.h"
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
 #include "zoapal/protons/status/zoerrstatus.h"
@@ -79,7 +80,7 @@ TEST(ShortMemory, AllocateOrReport_ReportsMemoryFullWithItsPlace) {
     const tShortMemory shortMemory(1);
     EXPECT_EQ(allocateOrReport(100, status), nullptr);
   }
-  EXPECT_EQ(status.code, -52000);
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
   EXPECT_STREQ(status.component, "quenra");
   EXPECT_STREQ(status.file, "memoryallocation");
   EXPECT_EQ(status.line, 327u);

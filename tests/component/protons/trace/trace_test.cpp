@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "quenra_status.h"
 #include "tests/component/protons/trace/debuggerlistener.h"
 #include "zoapal/protons/trace/ttrace.h"
 
@@ -147,7 +148,7 @@ TEST_F(Trace, GetConfiguration_WithoutNeededSize_CopiesTheText) {
 TEST_F(Trace, Trace_ForwardsToItsDestination) {
   tStatus status;
   tTrace trace(destination, status);
-  ASSERT_EQ(status.code, 0);
+  ASSERT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   trace.write("one");
   trace.writeCounted("twofold", 3);
   EXPECT_THAT(listener.take(), ElementsAre("one", "two"));

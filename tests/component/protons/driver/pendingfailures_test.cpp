@@ -1,6 +1,7 @@
 // Each Windows call of a pending request fails in turn.
 #include <algorithm>
 
+#include "quenra_status.h"
 #include "tests/component/protons/driver/drivertest.h"
 
 namespace nTests {
@@ -40,7 +41,7 @@ class PendingFailures : public PendingRequest {
 TEST_F(PendingFailures, WithoutAnEventForTheAcceptance_IsLocatedAtLine238) {
   faultPlan().failCall(tCall::createEvent, 1, ERROR_NO_SYSTEM_RESOURCES);
   EXPECT_EQ(begin(), 0u);
-  expectFailure(-52000, 238);
+  expectFailure(QUENRA_STATUS_MEMORY_FULL, 238);
   EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
   expectNothingLeft();
 }
@@ -48,7 +49,7 @@ TEST_F(PendingFailures, WithoutAnEventForTheAcceptance_IsLocatedAtLine238) {
 TEST_F(PendingFailures, WithoutAThread_IsLocatedAtLine264) {
   faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
-  expectFailure(-52009, 264);
+  expectFailure(QUENRA_STATUS_ACCESS_DENIED, 264);
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
   expectNothingLeft();
 }
@@ -56,7 +57,7 @@ TEST_F(PendingFailures, WithoutAThread_IsLocatedAtLine264) {
 TEST_F(PendingFailures, ModuleThatCannotBeReferenced_StartsNoWorker) {
   faultPlan().failCall(tCall::getModuleHandleEx, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
-  expectFailure(-52009, 264);
+  expectFailure(QUENRA_STATUS_ACCESS_DENIED, 264);
   EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
   expectNothingLeft();
 }
@@ -72,14 +73,14 @@ TEST_F(PendingFailures, RunningWorker_HoldsTheModuleUntilItEnds) {
 TEST_F(PendingFailures, WithoutAThreadAndWithoutALastError_IsAGenericFailure) {
   faultPlan().failCall(tCall::beginThread, 1, ERROR_SUCCESS);
   EXPECT_EQ(begin(), 0u);
-  expectFailure(-52003, 264);
+  expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 264);
   expectNothingLeft();
 }
 
 TEST_F(PendingFailures, WorkerWithoutAnEvent_IsLocatedAtLine115) {
   faultPlan().failCall(tCall::createEvent, 2, ERROR_NO_SYSTEM_RESOURCES);
   EXPECT_EQ(begin(), 0u);
-  expectFailure(-52000, 115);
+  expectFailure(QUENRA_STATUS_MEMORY_FULL, 115);
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
   expectNothingLeft();
 }
@@ -87,14 +88,14 @@ TEST_F(PendingFailures, WorkerWithoutAnEvent_IsLocatedAtLine115) {
 TEST_F(PendingFailures, WorkerWhoseRequestFailsImmediately_IsLocatedAtLine115) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
-  expectFailure(-52009, 115);
+  expectFailure(QUENRA_STATUS_ACCESS_DENIED, 115);
   expectNothingLeft();
 }
 
 TEST_F(PendingFailures, WorkerWhoseRequestFailsLater_IsLocatedAtLine110) {
   faultPlan().complete(nFakeWindows::tCompletion::later, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
-  expectFailure(-52009, 110);
+  expectFailure(QUENRA_STATUS_ACCESS_DENIED, 110);
   expectNothingLeft();
 }
 
@@ -103,7 +104,7 @@ TEST_F(PendingFailures, WorkerThatCannotWaitBeforeItIsAccepted_CancelsItsRequest
   faultPlan().reset();
   faultPlan().failCall(tCall::getOverlappedResult, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
-  expectFailure(-52009, 110);
+  expectFailure(QUENRA_STATUS_ACCESS_DENIED, 110);
   EXPECT_EQ(pendingCount(), 0u);
   machine().setAcceptance(kSimulatorAcceptAtOnce);
   expectNothingLeft();
@@ -115,7 +116,7 @@ TEST_F(PendingFailures, WorkerThatCannotWaitOnceItIsAccepted_CancelsItsRequest) 
   EXPECT_TRUE(becomesTrue([this] { return pendingCount() == 0; }));
   faultPlan().reset();
   proxy.endPendingRequest(request);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   expectNothingLeft();
 }
 
@@ -129,7 +130,7 @@ TEST_F(PendingFailures, RequestThatCannotBeCancelled_IsWaitedForAllTheSame) {
   EXPECT_EQ(pendingCount(), 1u);
   machine().completePending(0, ERROR_OPERATION_ABORTED);
   starter.join();
-  expectFailure(-52009, 110);
+  expectFailure(QUENRA_STATUS_ACCESS_DENIED, 110);
   machine().setAcceptance(kSimulatorAcceptAtOnce);
   expectNothingLeft();
 }
@@ -137,7 +138,7 @@ TEST_F(PendingFailures, RequestThatCannotBeCancelled_IsWaitedForAllTheSame) {
 TEST_F(PendingFailures, WaitForBeingAcceptedThatFails_IsTriedAgain) {
   faultPlan().failCall(tCall::waitForMultipleObjects, 1, ERROR_INVALID_HANDLE);
   EXPECT_NE(begin(), 0u);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(faultPlan().callCount(tCall::waitForMultipleObjects), 2u);
   proxy.endPendingRequest(request);
   expectNothingLeft();
@@ -190,7 +191,7 @@ TEST_F(PendingFailures, AnyCallThatFails_LeavesNothingBehind) {
     EXPECT_EQ(nFakeWindows::objects().open().size(), 1u) << "the test's own channel";
     status = {};
     openController(proxy, status);
-    ASSERT_EQ(status.code, 0);
+    ASSERT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   }
 }
 

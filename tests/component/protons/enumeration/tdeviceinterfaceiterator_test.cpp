@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "quenra_status.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "tests/fakewindows/fakewindowstest.h"
 
@@ -41,14 +42,14 @@ TEST_F(DeviceInterfaceIterator, WalksThePresentInterfacesInOrder) {
   EXPECT_EQ(i.getDevicePath(status).text, pathOf(1));
   i.next();
   EXPECT_TRUE(i.isEnd());
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST_F(DeviceInterfaceIterator, WithoutInterfaces_IsAtItsEndWithoutAnError) {
   usePresence(0);
   const tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_TRUE(i.isEnd());
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST_F(DeviceInterfaceIterator, OnAStatusInError_CallsNothing) {
@@ -70,7 +71,7 @@ TEST_F(DeviceInterfaceIterator, SetThatCannotBeCreated_IsLocatedAtLine45) {
     EXPECT_TRUE(i.isEnd());
     i.next();
   }
-  EXPECT_EQ(status.code, -52005);
+  EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER);
   EXPECT_STREQ(status.file, "tdeviceinterfaceiterator");
   EXPECT_EQ(status.line, 45u);
   EXPECT_STREQ(status.component, "quenra");
@@ -82,7 +83,7 @@ TEST_F(DeviceInterfaceIterator, ListingThatBreaksOff_IsSilentlyTheEnd) {
   faultPlan().failCall(tCall::setupDiEnumDeviceInterfaces, 1, ERROR_ACCESS_DENIED);
   const tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_TRUE(i.isEnd());
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST_F(DeviceInterfaceIterator, PathAskedForTwice_IsFetchedOnce) {
@@ -96,14 +97,14 @@ TEST_F(DeviceInterfaceIterator, PathThatJustFits_IsFetched) {
   machine().usePath({kSimulatorInterfaceController, 0}, std::string(251, 'p'));
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_EQ(i.getDevicePath(status).text, std::string(251, 'p'));
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST_F(DeviceInterfaceIterator, PathOneCharacterTooLong_IsLocatedAtLine224) {
   machine().usePath({kSimulatorInterfaceController, 0}, std::string(252, 'p'));
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_TRUE(i.getDevicePath(status).isEmpty());
-  EXPECT_EQ(status.code, -52019);
+  EXPECT_EQ(status.code, QUENRA_STATUS_PATH_TOO_LONG);
   EXPECT_EQ(status.line, 224u);
 }
 
@@ -114,7 +115,7 @@ TEST_F(DeviceInterfaceIterator, PathAtTheEnd_IsEmptyAndAnError) {
   EXPECT_TRUE(i.isEnd());
   EXPECT_TRUE(i.getDevicePath(status).isEmpty());
   EXPECT_STREQ(i.getDevicePath(status).text, "");
-  EXPECT_EQ(status.code, -52005);
+  EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(status.line, 232u);
 }
 
@@ -122,7 +123,7 @@ TEST_F(DeviceInterfaceIterator, DetailThatCannotBeRead_IsLocatedAtLine232) {
   faultPlan().failCall(tCall::setupDiGetDeviceInterfaceDetail, 1, ERROR_DEVICE_REMOVED);
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_TRUE(i.getDevicePath(status).isEmpty());
-  EXPECT_EQ(status.code, -52020);
+  EXPECT_EQ(status.code, QUENRA_STATUS_DEVICE_REMOVED);
   EXPECT_EQ(status.line, 232u);
 }
 
@@ -137,7 +138,7 @@ TEST_F(DeviceInterfaceIterator, OpensTheCurrentInterface) {
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   tDeviceInterfaceProxy proxy;
   i.openCurrent(proxy, status);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_TRUE(proxy.isOpen());
 }
 

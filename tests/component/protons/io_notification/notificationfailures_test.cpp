@@ -1,4 +1,5 @@
 // Each Windows call of a notification fails in turn.
+#include "quenra_status.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
 #include "tests/fakewindows/debugger.h"
 
@@ -40,7 +41,7 @@ class NotificationFailures : public NotificationTest {
       another = std::thread([&] {
         tStatus own;
         next.enable(*reader, proxy, kMask, own);
-        EXPECT_EQ(own.code, 0);
+        EXPECT_EQ(own.code, QUENRA_STATUS_SUCCESS);
       });
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
     });
@@ -70,7 +71,7 @@ class NotificationFailures : public NotificationTest {
 TEST_F(NotificationFailures, PortThatRefusesTheDevice_IsLocatedAtLine315AndTriedAgainNextTime) {
   faultPlan().failCall(tCall::createIoCompletionPort, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
-  expectFailureOf("tdeviceinterfaceproxy", -52009, 315);
+  expectFailureOf("tdeviceinterfaceproxy", QUENRA_STATUS_ACCESS_DENIED, 315);
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
   expectTheNextWorks();
 }
@@ -78,7 +79,7 @@ TEST_F(NotificationFailures, PortThatRefusesTheDevice_IsLocatedAtLine315AndTried
 TEST_F(NotificationFailures, PortThatRefusesTheDeviceWithAWarning_LeavesNoThreadWaiting) {
   faultPlan().failCall(tCall::createIoCompletionPort, 1, ERROR_IO_PENDING);
   EXPECT_FALSE(enable());
-  expectFailureOf("tdeviceinterfaceproxy", 52011, 315);
+  expectFailureOf("tdeviceinterfaceproxy", QUENRA_STATUS_IO_PENDING, 315);
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 0u);
   expectTheNextWorks();
 }
@@ -103,14 +104,14 @@ TEST_F(NotificationFailures, DeviceThatCouldNotBeAssociated_IsAssociatedByTheNex
 TEST_F(NotificationFailures, RegistrationThatCannotBeSent_WithoutALastError_IsAFailureAllTheSame) {
   faultPlan().failCall(tCall::deviceIoControl, 2, 0);
   EXPECT_FALSE(enable());
-  expectFailureOf("tionotification", -52003, 134);
+  expectFailureOf("tionotification", QUENRA_STATUS_GENERIC_FAILURE, 134);
   expectTheNextWorks();
 }
 
 TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsLocatedAtLine333) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
-  expectFailureOf("tdeviceinterfaceproxy", -52009, 333);
+  expectFailureOf("tdeviceinterfaceproxy", QUENRA_STATUS_ACCESS_DENIED, 333);
   EXPECT_EQ(faultPlan().callCount(tCall::deviceIoControl), 1u) << "nothing is registered";
 }
 
@@ -167,14 +168,14 @@ TEST_F(NotificationFailures, RefusedRegistration_ReaderDestroyed_WaitsForNoPacke
 TEST_F(NotificationFailures, RegistrationThatCannotBeSent_IsLocatedAtLine134) {
   faultPlan().failCall(tCall::deviceIoControl, 2, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
-  expectFailureOf("tionotification", -52009, 134);
+  expectFailureOf("tionotification", QUENRA_STATUS_ACCESS_DENIED, 134);
   expectTheNextWorks();
 }
 
 TEST_F(NotificationFailures, RequestsThatArePendingFirst_AreNoFailure) {
   faultPlan().complete(nFakeWindows::tCompletion::later);
   EXPECT_TRUE(enable());
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   nFakeWindows::objects().waitForThreads();
   faultPlan().reset();
   notify("later");
@@ -194,7 +195,7 @@ TEST_F(NotificationFailures, UnregisteringThatFails_CancelsTheRegistration) {
 TEST_F(NotificationFailures, WakeUpThatCannotBePosted_IsLocatedAtLine101) {
   faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, ERROR_INVALID_HANDLE);
   reader->wake(status);
-  expectFailureOf("tionotification", -52003, 101);
+  expectFailureOf("tionotification", QUENRA_STATUS_GENERIC_FAILURE, 101);
 }
 
 TEST_F(NotificationFailures, ThreadOnAStatusInError_IsNotStarted) {
@@ -209,7 +210,7 @@ TEST_F(NotificationFailures, ThreadOnAStatusInError_IsNotStarted) {
 TEST_F(NotificationFailures, WaitThatFails_IsLocatedAtLine59) {
   faultPlan().failCall(tCall::getQueuedCompletionStatus, 1, ERROR_ACCESS_DENIED);
   const tNotice notice = waitOn(*reader);
-  EXPECT_EQ(notice.code, -52009);
+  EXPECT_EQ(notice.code, QUENRA_STATUS_ACCESS_DENIED);
   EXPECT_EQ(notice.line, 59u);
   EXPECT_EQ(notice.notification, nullptr);
 }
@@ -225,14 +226,14 @@ TEST_F(NotificationFailures, WaitThatFailsOnTheThread_IsHandedToTheCallbackAndTh
 TEST_F(NotificationFailures, ThreadThatCannotBeStarted_IsLocatedAtLine471) {
   faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
   reader->start(countFailures, status);
-  expectFailureOf("thread", -52008, 471);
+  expectFailureOf("thread", QUENRA_STATUS_INTERNAL_ERROR, 471);
   EXPECT_FALSE(reader->isRunning());
   EXPECT_EQ(faultPlan().callCount(tCall::getThreadPriority), 0u);
 }
 
 TEST_F(NotificationFailures, ThreadOfNormalPriority_KeepsIt) {
   reader->start(countFailures, status);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(faultPlan().callCount(tCall::setThreadPriority), 0u);
 }
 
@@ -240,7 +241,7 @@ TEST_F(NotificationFailures, ThreadOfAnotherPriority_GetsTheNormalOne) {
   nFakeWindows::startThreadsWithPriority(THREAD_PRIORITY_LOWEST);
   reader->start(countFailures, status);
   nFakeWindows::startThreadsWithPriority(THREAD_PRIORITY_NORMAL);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_TRUE(reader->isRunning());
   EXPECT_EQ(faultPlan().callCount(tCall::setThreadPriority), 1u);
 }
@@ -248,7 +249,7 @@ TEST_F(NotificationFailures, ThreadOfAnotherPriority_GetsTheNormalOne) {
 TEST_F(NotificationFailures, PriorityThatCannotBeRead_IsSet) {
   faultPlan().failCall(tCall::getThreadPriority, 1, ERROR_ACCESS_DENIED);
   reader->start(countFailures, status);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(faultPlan().callCount(tCall::setThreadPriority), 1u);
 }
 
@@ -258,7 +259,7 @@ TEST_F(NotificationFailures,
   faultPlan().failCall(tCall::setThreadPriority, 1, ERROR_ACCESS_DENIED);
   reader->start(countFailures, status);
   nFakeWindows::startThreadsWithPriority(THREAD_PRIORITY_NORMAL);
-  expectFailureOf("thread", -52008, 866);
+  expectFailureOf("thread", QUENRA_STATUS_INTERNAL_ERROR, 866);
   EXPECT_FALSE(reader->isRunning());
   reader.reset();
   EXPECT_EQ(faultPlan().callCount(tCall::waitForSingleObject), 1u) << "it is waited for";
@@ -267,7 +268,7 @@ TEST_F(NotificationFailures,
 TEST_F(NotificationFailures, PriorityOfAThreadThatIsNotStarted_IsLocatedAtLine859) {
   tThread thread;
   thread.setPriority(THREAD_PRIORITY_NORMAL, status);
-  expectFailureOf("thread", -52010, 859);
+  expectFailureOf("thread", QUENRA_STATUS_NOT_READY, 859);
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 
@@ -286,7 +287,7 @@ TEST_F(NotificationFailures, LastWakeUpThatCannotBePosted_IsTriedAgain) {
 TEST_F(NotificationFailures, ThreadThatCannotBeNamed_RunsAllTheSame) {
   faultPlan().failCall(tCall::addVectoredExceptionHandler, 1, ERROR_NOT_ENOUGH_MEMORY);
   reader->start(countFailures, status);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_TRUE(reader->isRunning());
 }
 
@@ -386,7 +387,7 @@ TEST_F(NotificationFailures, WaitForTheThreadThatNeverSucceeds_EndsTheProcess) {
 TEST_F(NotificationFailures, ModuleThatCannotBeReferenced_StartsNoThread) {
   faultPlan().failCall(tCall::getModuleHandleEx, 1, ERROR_ACCESS_DENIED);
   reader->start(countFailures, status);
-  expectFailureOf("thread", -52008, 471);
+  expectFailureOf("thread", QUENRA_STATUS_INTERNAL_ERROR, 471);
   EXPECT_FALSE(reader->isRunning());
   EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
 }

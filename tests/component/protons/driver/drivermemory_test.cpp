@@ -1,10 +1,41 @@
+// Pending requests and notifications when memory is short.
+
+#include "quenra_status.h"
+#include "tests/component/protons/driver/drivertest.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
 #include "tests/fakewindows/allocationplan.h"
 
 namespace nTests {
 namespace {
 
+using nFakeWindows::faultPlan;
 using nFakeWindows::tAllocationPlan;
+using nFakeWindows::tCall;
+using PendingMemory = PendingRequest;
+
+TEST_F(PendingMemory, Begun_AllocatesOnce) {
+  unsigned allocations = 0;
+  {
+    const tAllocationPlan plan(0);
+    ASSERT_NE(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
+    proxy.endPendingRequest(request);
+    allocations = plan.count();
+  }
+  EXPECT_EQ(allocations, 1u);
+}
+
+TEST_F(PendingMemory, ShortOfMemory_IsNotBegun) {
+  const unsigned threads = faultPlan().callCount(tCall::beginThread);
+  {
+    const tAllocationPlan plan(1);
+    EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
+  }
+  expectFailure(QUENRA_STATUS_MEMORY_FULL, 246);
+  EXPECT_EQ(faultPlan().callCount(tCall::beginThread), threads);
+  status = {};
+  EXPECT_NE(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
+  proxy.endPendingRequest(request);
+}
 
 class NotificationMemory : public NotificationTest {};
 
@@ -25,14 +56,14 @@ TEST_F(NotificationMemory, EachFailingAllocation_ReportsMemoryFullAndLeavesNothi
     proxy.close();
     tStatus own;
     openController(proxy, own);
-    ASSERT_EQ(own.code, 0);
+    ASSERT_EQ(own.code, QUENRA_STATUS_SUCCESS);
     tIONotificationReader reader(makePort());
     tIONotification notification;
     {
       const tAllocationPlan plan(nth);
       EXPECT_FALSE(notification.enable(reader, proxy, kMask, own));
     }
-    EXPECT_EQ(own.code, -52000);
+    EXPECT_EQ(own.code, QUENRA_STATUS_MEMORY_FULL);
     EXPECT_EQ(own.line, nth <= 2 ? 315u : 120u);
     own = {};
     EXPECT_TRUE(notification.enable(reader, proxy, kMask, own)) << "the next time works";
@@ -49,7 +80,7 @@ TEST_F(NotificationMemory, ReaderMadeWithoutMemory_EnablesNothing) {
   }
   tIONotification notification;
   EXPECT_FALSE(notification.enable(*reader, proxy, kMask, status));
-  EXPECT_EQ(status.code, -52000);
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
   status = {};
   reader->wake(status);
   EXPECT_EQ(waitOn(*reader).kind, kWakeUp);

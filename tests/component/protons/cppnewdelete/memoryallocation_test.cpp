@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "quenra_status.h"
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
 
 namespace nTests {
@@ -24,20 +25,20 @@ TEST(AllocateOrReport, SomeBytes_AreTheCallersToUse) {
   const tMemory memory(allocateOrReport(100, status));
   ASSERT_NE(memory, nullptr);
   std::memset(memory.get(), 1, 100);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST(AllocateOrReport, NoBytes_IsNotAFailure) {
   tStatus status;
   const tMemory memory(allocateOrReport(0, status));
   EXPECT_NE(memory, nullptr);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST(AllocateOrReport, MoreThanThereIs_ReportsMemoryFullWithItsPlace) {
   tStatus status;
   EXPECT_EQ(allocateOrReport(SIZE_MAX, status), nullptr);
-  EXPECT_EQ(status.code, -52000);
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
   EXPECT_STREQ(status.component, "quenra");
   EXPECT_STREQ(status.file, "memoryallocation");
   EXPECT_EQ(status.line, 327u);
@@ -45,7 +46,7 @@ TEST(AllocateOrReport, MoreThanThereIs_ReportsMemoryFullWithItsPlace) {
 
 TEST(AllocateOrReport, StatusHoldsAnError_AllocatesNothing) {
   tStatus status;
-  mergeStatus(status, -3, "first", "first file", 1);
+  mergeStatus(status, -3, {"first file", 1, "first"});
   EXPECT_EQ(allocateOrReport(100, status), nullptr);
   EXPECT_EQ(status.code, -3);
   EXPECT_STREQ(status.file, "first file");
@@ -53,7 +54,7 @@ TEST(AllocateOrReport, StatusHoldsAnError_AllocatesNothing) {
 
 TEST(AllocateOrReport, StatusHoldsAWarning_Allocates) {
   tStatus status;
-  mergeStatus(status, 5, "first", "first file", 1);
+  mergeStatus(status, 5, {"first file", 1, "first"});
   const tMemory memory(allocateOrReport(100, status));
   EXPECT_NE(memory, nullptr);
   EXPECT_EQ(status.code, 5);
@@ -61,9 +62,9 @@ TEST(AllocateOrReport, StatusHoldsAWarning_Allocates) {
 
 TEST(AllocateOrReport, FailureOnAWarning_ReplacesIt) {
   tStatus status;
-  mergeStatus(status, 5, "first", "first file", 1);
+  mergeStatus(status, 5, {"first file", 1, "first"});
   EXPECT_EQ(allocateOrReport(SIZE_MAX, status), nullptr);
-  EXPECT_EQ(status.code, -52000);
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
 }
 
 TEST(AllocateBytes, Buffer_ReportsAndOwns) {
@@ -72,7 +73,7 @@ TEST(AllocateBytes, Buffer_ReportsAndOwns) {
   ASSERT_NE(buffer, nullptr);
   std::fill_n(buffer.get(), 3, uint8_t{1});
   EXPECT_EQ(allocateBytes(SIZE_MAX, status), nullptr);
-  EXPECT_EQ(status.code, -52000);
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
 }
 
 TEST(AllocateZeroedBytes, Buffer_IsZeroAndOwned) {
@@ -82,19 +83,19 @@ TEST(AllocateZeroedBytes, Buffer_IsZeroAndOwned) {
   EXPECT_TRUE(
       std::all_of(buffer.get(), buffer.get() + 100, [](uint8_t byte) { return byte == 0; }));
   EXPECT_NE(allocateZeroedBytes(0, status), nullptr);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
 TEST(AllocateZeroedBytes, MoreThanThereIs_IsReported) {
   tStatus status;
   EXPECT_EQ(allocateZeroedBytes(SIZE_MAX, status), nullptr);
-  EXPECT_EQ(status.code, -52000);
+  EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
   EXPECT_EQ(status.line, 327u);
 }
 
 TEST(AllocateZeroedBytes, OnAnError_IsNull) {
   tStatus status;
-  mergeStatus(status, -5, "first", "first file", 1);
+  mergeStatus(status, -5, {"first file", 1, "first"});
   EXPECT_EQ(allocateZeroedBytes(1, status), nullptr);
   EXPECT_EQ(status.code, -5);
 }

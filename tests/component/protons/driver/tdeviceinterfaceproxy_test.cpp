@@ -1,10 +1,15 @@
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "protocol/controllerrequests.h"
+#include "quenra_status.h"
 #include "tests/fakewindows/fakewindowstest.h"
 
 namespace nTests {
@@ -16,6 +21,7 @@ using nFakeWindows::tCall;
 using nFakeWindows::tCompletion;
 using nQUENRA1400::nZOAPAL000::tDeviceInterfaceProxy;
 using nZOAPALS100::tStatus;
+using tBytes = std::vector<uint8_t>;
 
 std::string controllerPath() {
   return machine().pathOf({kSimulatorInterfaceController, 0});
@@ -29,7 +35,7 @@ class DeviceInterfaceProxy : public nFakeWindows::FakeWindowsTest {
   }
   void open() {
     proxy.open(controllerPath().c_str(), status);
-    ASSERT_EQ(status.code, 0);
+    ASSERT_EQ(status.code, QUENRA_STATUS_SUCCESS);
     faultPlan().reset();
   }
   // Requests the sizes of the SMBIOS table; the reply has 12 bytes.
@@ -75,7 +81,7 @@ TEST_F(DeviceInterfaceProxy, OpensByADevicePath) {
 TEST_F(DeviceInterfaceProxy, OpenedTwice_ClosesTheFirst) {
   open();
   proxy.open(controllerPath().c_str(), status);
-  EXPECT_EQ(status.code, 0);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(nFakeWindows::objects().open().size(), 2u);
 }
 
@@ -88,14 +94,14 @@ TEST_F(DeviceInterfaceProxy, OpenOnAStatusInError_CallsNothing) {
 
 TEST_F(DeviceInterfaceProxy, MissingFile_IsLocatedAtLine43) {
   proxy.open("\\\\?\\nothing", status);
-  expectFailure(-52006, 43);
+  expectFailure(QUENRA_STATUS_NOT_FOUND, 43);
   EXPECT_FALSE(proxy.isOpen());
 }
 
 TEST_F(DeviceInterfaceProxy, EventThatCannotBeCreated_IsLocatedAtLine51AndClosesTheFile) {
   faultPlan().failCall(tCall::createEvent, 1, ERROR_NO_SYSTEM_RESOURCES);
   proxy.open(controllerPath().c_str(), status);
-  expectFailure(-52000, 51);
+  expectFailure(QUENRA_STATUS_MEMORY_FULL, 51);
   EXPECT_FALSE(proxy.isOpen());
   EXPECT_EQ(nFakeWindows::objects().open().size(), 0u);
 }
@@ -106,7 +112,7 @@ TEST_F(DeviceInterfaceProxy, ErrorsWithoutACodeOfTheirOwn_AreGenericFailures) {
     faultPlan().reset();
     faultPlan().failCall(tCall::createFile, 1, error);
     proxy.open(controllerPath().c_str(), own);
-    EXPECT_EQ(own.code, -52003);
+    EXPECT_EQ(own.code, QUENRA_STATUS_GENERIC_FAILURE);
   }
 }
 
@@ -115,8 +121,8 @@ TEST_F(DeviceInterfaceProxy, ErrorsWithoutACodeOfTheirOwn_AreGenericFailures) {
 TEST_F(DeviceInterfaceProxy, Request_ReturnsTheBytesOfItsReply) {
   open();
   EXPECT_EQ(exchange(), 12u);
-  EXPECT_EQ(status.code, 0);
-  EXPECT_EQ(reply.driverStatus, -240563);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
+  EXPECT_EQ(reply.driverStatus, QUENRA_STATUS_DRIVER_BUFFER_TOO_SMALL);
   EXPECT_EQ(faultPlan().callCount(tCall::getOverlappedResult), 0u);
 }
 
@@ -124,8 +130,8 @@ TEST_F(DeviceInterfaceProxy, RequestThatIsPendingFirst_IsWaitedFor) {
   open();
   faultPlan().complete(tCompletion::later);
   EXPECT_EQ(exchange(), 12u);
-  EXPECT_EQ(status.code, 0);
-  EXPECT_EQ(reply.driverStatus, -240563);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
+  EXPECT_EQ(reply.driverStatus, QUENRA_STATUS_DRIVER_BUFFER_TOO_SMALL);
   EXPECT_EQ(faultPlan().callCount(tCall::getOverlappedResult), 1u);
 }
 
@@ -133,7 +139,7 @@ TEST_F(DeviceInterfaceProxy, RequestRefusedImmediately_IsLocatedAtLine115) {
   open();
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_NOT_READY);
   EXPECT_EQ(exchange(), 0u);
-  expectFailure(-52010, 115);
+  expectFailure(QUENRA_STATUS_NOT_READY, 115);
   EXPECT_EQ(reply.driverStatus, 7) << "the reply is left alone";
 }
 
@@ -141,7 +147,7 @@ TEST_F(DeviceInterfaceProxy, RequestThatFailsWhilePending_IsLocatedAtLine110) {
   open();
   faultPlan().complete(tCompletion::later, ERROR_SEM_TIMEOUT);
   EXPECT_EQ(exchange(), 0u);
-  expectFailure(-52007, 110);
+  expectFailure(QUENRA_STATUS_TIME_OUT, 110);
 }
 
 TEST_F(DeviceInterfaceProxy, WaitThatFails_DoesNotLeaveTheRequestBehind) {
@@ -155,7 +161,7 @@ TEST_F(DeviceInterfaceProxy, WaitThatFails_DoesNotLeaveTheRequestBehind) {
     EXPECT_EQ(proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &request, sizeof request, &reply,
                                   sizeof reply, own),
               0u);
-    EXPECT_EQ(own.code, -52003);
+    EXPECT_EQ(own.code, QUENRA_STATUS_GENERIC_FAILURE);
     EXPECT_EQ(own.line, 110u);
     EXPECT_EQ(faultPlan().callCount(tCall::cancelIoEx), 1u);
     nFakeWindows::objects().waitForThreads();
@@ -165,7 +171,7 @@ TEST_F(DeviceInterfaceProxy, WaitThatFails_DoesNotLeaveTheRequestBehind) {
 TEST_F(DeviceInterfaceProxy, RequestUnknownToTheDriver_IsNotSupported) {
   open();
   proxy.deviceControl(0x807BFFF0, nullptr, 0, nullptr, 0, status);
-  expectFailure(-52002, 115);
+  expectFailure(QUENRA_STATUS_REQUEST_NOT_SUPPORTED, 115);
 }
 
 TEST_F(DeviceInterfaceProxy, RequestOnAStatusInError_IsNotSent) {
@@ -184,7 +190,7 @@ TEST_F(DeviceInterfaceProxy, RequestOnAWarning_IsSent) {
 
 TEST_F(DeviceInterfaceProxy, RequestOnAClosedProxy_IsLocatedAtLine115WithoutACall) {
   EXPECT_EQ(exchange(), 0u);
-  expectFailure(-52003, 115);
+  expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 115);
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 
@@ -194,31 +200,31 @@ TEST_F(DeviceInterfaceProxy, FailedRead_IsLocatedAtLine153OrAfterWaitingAtLine14
   open();
   char buffer[8] = {};
   EXPECT_EQ(proxy.read(buffer, sizeof buffer, status), 0u);
-  expectFailure(-52002, 153);
+  expectFailure(QUENRA_STATUS_REQUEST_NOT_SUPPORTED, 153);
   status = {};
   faultPlan().complete(tCompletion::later);
   EXPECT_EQ(proxy.read(buffer, sizeof buffer, status), 0u);
-  expectFailure(-52002, 148);
+  expectFailure(QUENRA_STATUS_REQUEST_NOT_SUPPORTED, 148);
 }
 
 TEST_F(DeviceInterfaceProxy, FailedWrite_IsLocatedAtLine194OrAfterWaitingAtLine189) {
   open();
   const char buffer[8] = {};
   EXPECT_EQ(proxy.write(buffer, sizeof buffer, status), 0u);
-  expectFailure(-52002, 194);
+  expectFailure(QUENRA_STATUS_REQUEST_NOT_SUPPORTED, 194);
   status = {};
   faultPlan().complete(tCompletion::later);
   EXPECT_EQ(proxy.write(buffer, sizeof buffer, status), 0u);
-  expectFailure(-52002, 189);
+  expectFailure(QUENRA_STATUS_REQUEST_NOT_SUPPORTED, 189);
 }
 
 TEST_F(DeviceInterfaceProxy, ReadAndWriteOnAClosedProxy_AreLocatedAfterTheCall) {
   char buffer[8] = {};
   proxy.read(buffer, sizeof buffer, status);
-  expectFailure(-52003, 153);
+  expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 153);
   status = {};
   proxy.write(buffer, sizeof buffer, status);
-  expectFailure(-52003, 194);
+  expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 194);
 }
 
 // ---- Overlapping requests ----
@@ -236,7 +242,7 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequests_EachGetTheirOwnReply) {
         EXPECT_EQ(proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &request, sizeof request, &ownReply,
                                       sizeof ownReply, own),
                   12u);
-        EXPECT_EQ(ownReply.driverStatus, -240563);
+        EXPECT_EQ(ownReply.driverStatus, QUENRA_STATUS_DRIVER_BUFFER_TOO_SMALL);
       }
     });
   }
@@ -257,8 +263,8 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsLocatedA
                         sizeof ownReply, second);
   });
   EXPECT_EQ(exchange(), 12u);
-  EXPECT_EQ(status.code, 0);
-  EXPECT_EQ(second.code, -52000);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
+  EXPECT_EQ(second.code, QUENRA_STATUS_MEMORY_FULL);
   EXPECT_EQ(second.line, 115u);
 }
 
@@ -267,7 +273,7 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsLocatedA
 TEST_F(DeviceInterfaceProxy, DeliveryWithoutAPort_IsLocatedAtLine333) {
   open();
   proxy.armDelivery(status);
-  expectFailure(-52003, 333);
+  expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 333);
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 
@@ -277,6 +283,155 @@ TEST_F(DeviceInterfaceProxy, DeliveryOnAStatusInError_CallsNothing) {
   proxy.armDelivery(status);
   EXPECT_FALSE(proxy.associate(nullptr, nullptr, status));
   EXPECT_EQ(status.code, -1);
+  EXPECT_EQ(faultPlan().callCount(), 0u);
+}
+
+constexpr uint32_t kCapacity = 8;
+constexpr uint8_t kUntouched = 0xCC;
+// More than any transfer here.
+constexpr uint8_t kFirstByte = 0xA0;
+
+uint8_t byteAt(size_t index) {
+  return static_cast<uint8_t>(kFirstByte + index);
+}
+
+tBytes pattern(size_t size) {
+  tBytes bytes(size);
+  for (size_t i = 0; i < size; ++i) {
+    bytes[i] = byteAt(i);
+  }
+  return bytes;
+}
+
+struct tCase {
+  std::string name;
+  tCompletion completion;
+  uint32_t transferred;  // of kCapacity bytes
+};
+
+class DeviceTransfer : public nFakeWindows::FakeWindowsTest,
+                       public testing::WithParamInterface<tCase> {
+ protected:
+  void SetUp() override {
+    FakeWindowsTest::SetUp();
+    proxy.open(machine().pathOf({kSimulatorInterfaceController, 0}).c_str(), status);
+    ASSERT_EQ(status.code, QUENRA_STATUS_SUCCESS);
+    faultPlan().reset();
+  }
+  void TearDown() override {
+    proxy.close();
+    FakeWindowsTest::TearDown();
+  }
+
+  // Makes the driver fill every read completely and count `size` bytes of it.
+  void serveReads(uint32_t size, uint32_t windowsError = ERROR_SUCCESS) {
+    machine().useTransferDriver({.read =
+                                     [this, size, windowsError](std::span<uint8_t> buffer) {
+                                       requestedSizes.push_back(buffer.size());
+                                       const tBytes bytes = pattern(buffer.size());
+                                       std::copy(bytes.begin(), bytes.end(), buffer.begin());
+                                       return tModelReply{windowsError, size};
+                                     },
+                                 .write = nullptr});
+  }
+  // Makes the driver accept `size` bytes of every write.
+  void serveWrites(uint32_t size) {
+    machine().useTransferDriver(
+        {.read = nullptr, .write = [this, size](std::span<const uint8_t> buffer) {
+           written.emplace_back(buffer.begin(), buffer.end());
+           return tModelReply{ERROR_SUCCESS, size};
+         }});
+  }
+  void expectOneCall(tCall call) {
+    const bool isPendingFirst = GetParam().completion == tCompletion::later;
+    EXPECT_EQ(faultPlan().callCount(call), 1u);
+    EXPECT_EQ(faultPlan().callCount(tCall::getOverlappedResult), isPendingFirst ? 1u : 0u);
+    EXPECT_EQ(faultPlan().callCount(), isPendingFirst ? 2u : 1u);
+  }
+
+  tStatus status;
+  tDeviceInterfaceProxy proxy;
+  std::vector<size_t> requestedSizes;
+  std::vector<tBytes> written;
+};
+
+TEST_P(DeviceTransfer, Read_ReturnsTheByteCountAndFillsThatManyBytes) {
+  serveReads(GetParam().transferred);
+  faultPlan().complete(GetParam().completion);
+  tBytes buffer(kCapacity + 1, kUntouched);
+  EXPECT_EQ(proxy.read(buffer.data(), kCapacity, status), GetParam().transferred);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
+  tBytes expected(kCapacity + 1, kUntouched);
+  std::copy_n(pattern(kCapacity).begin(), GetParam().transferred, expected.begin());
+  EXPECT_EQ(buffer, expected);
+  EXPECT_EQ(requestedSizes, std::vector<size_t>{kCapacity});
+  expectOneCall(tCall::readFile);
+}
+
+TEST_P(DeviceTransfer, Write_ReturnsTheByteCountAndPassesEveryByte) {
+  serveWrites(GetParam().transferred);
+  faultPlan().complete(GetParam().completion);
+  const tBytes bytes = pattern(kCapacity);
+  EXPECT_EQ(proxy.write(bytes.data(), kCapacity, status), GetParam().transferred);
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
+  EXPECT_EQ(written, std::vector<tBytes>{bytes});
+  expectOneCall(tCall::writeFile);
+}
+
+TEST_P(DeviceTransfer, OnAWarning_KeepsTheWarning) {
+  serveReads(GetParam().transferred);
+  faultPlan().complete(GetParam().completion);
+  status.code = QUENRA_STATUS_IO_PENDING;
+  tBytes buffer(kCapacity);
+  EXPECT_EQ(proxy.read(buffer.data(), kCapacity, status), GetParam().transferred);
+  serveWrites(GetParam().transferred);
+  EXPECT_EQ(proxy.write(buffer.data(), kCapacity, status), GetParam().transferred);
+  EXPECT_EQ(status.code, QUENRA_STATUS_IO_PENDING);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, DeviceTransfer,
+                         testing::Values(tCase{"AllAtOnce", tCompletion::atOnce, kCapacity},
+                                         tCase{"SomeAtOnce", tCompletion::atOnce, 3},
+                                         tCase{"NoneAtOnce", tCompletion::atOnce, 0},
+                                         tCase{"AllLater", tCompletion::later, kCapacity},
+                                         tCase{"SomeLater", tCompletion::later, 3},
+                                         tCase{"NoneLater", tCompletion::later, 0}),
+                         [](const auto& transfer) { return transfer.param.name; });
+
+class DeviceTransferOnce : public DeviceTransfer {};
+
+TEST_F(DeviceTransferOnce, SizesOfEveryTransfer_ReachTheDriverUnchanged) {
+  for (const uint32_t size : {0u, 1u, kCapacity, 4096u, 100'000u}) {
+    tBytes buffer(size);
+    serveReads(size);
+    EXPECT_EQ(proxy.read(buffer.data(), size, status), size);
+    EXPECT_EQ(buffer, pattern(size));
+    EXPECT_EQ(requestedSizes.back(), size);
+    serveWrites(size);
+    EXPECT_EQ(proxy.write(buffer.data(), size, status), size);
+    EXPECT_EQ(written.back(), buffer);
+  }
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
+}
+
+TEST_F(DeviceTransferOnce, ReadThatFails_ReturnsNoBytesAndKeepsWhatTheDriverTransferred) {
+  serveReads(3, ERROR_HANDLE_EOF);
+  tBytes buffer(kCapacity, kUntouched);
+  EXPECT_EQ(proxy.read(buffer.data(), kCapacity, status), 0u);
+  EXPECT_EQ(status.code, QUENRA_STATUS_END_OF_FILE);
+  EXPECT_EQ(status.line, 153u);
+  EXPECT_EQ((tBytes{buffer.begin(), buffer.begin() + 4}),
+            (tBytes{byteAt(0), byteAt(1), byteAt(2), kUntouched}));
+}
+
+TEST_F(DeviceTransferOnce, OnAStatusInError_CallsNothing) {
+  serveReads(kCapacity);
+  status.code = QUENRA_STATUS_GENERIC_FAILURE;
+  tBytes buffer(kCapacity, kUntouched);
+  EXPECT_EQ(proxy.read(buffer.data(), kCapacity, status), 0u);
+  EXPECT_EQ(proxy.write(buffer.data(), kCapacity, status), 0u);
+  EXPECT_EQ(status.code, QUENRA_STATUS_GENERIC_FAILURE);
+  EXPECT_EQ(buffer, tBytes(kCapacity, kUntouched));
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 

@@ -1,17 +1,26 @@
-#include "zoapal/protons/trace/assertion.h"
-
+// Assertions and failing locks, in the fake Windows.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
+
 #include <csignal>
 
+#include "tests/component/protons/trace/debuggerlistener.h"
 #include "tests/fakewindows/debugger.h"
+#include "tests/fakewindows/fakewindowstest.h"
+#include "zoapal/protons/trace/assertion.h"
+#include "zoapal/protons/trace/ttrace.h"
 
 namespace nTests {
 namespace {
 
+using nFakeWindows::faultPlan;
 using nFakeWindows::kAssertionExitCode;
+using nFakeWindows::tCall;
 using nQUENRA1400::nZOAPAL000::assertionFailed;
+using nQUENRA1400::nZOAPAL000::tConsoleTraceDestination;
+using nQUENRA1400::nZOAPAL000::tTrace;
+using TraceFault = nFakeWindows::FakeWindowsTest;
 
 // The complete output of the process.
 constexpr const char* kLine = "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$";
@@ -58,6 +67,31 @@ TEST_F(Assertion, FailedUnderDebuggerThatResumes_EndsWithStatusBreakpoint) {
         failAssertion();
       },
       testing::ExitedWithCode(kAssertionExitCode), kLine);
+}
+
+TEST_F(TraceFault, LockThatCannotBeCreated_IsReportedAndTheTraceWritesNothing) {
+  tDebuggerListener listener;
+  tConsoleTraceDestination destination;
+  nZOAPALS100::tStatus status;
+  faultPlan().failCall(tCall::initializeCriticalSectionEx, 1, ERROR_NOT_ENOUGH_MEMORY);
+  {
+    tTrace trace(destination, status);
+    EXPECT_EQ(status.code, nZOAPALS100::kMemoryFull);
+    trace.write("one");
+    trace.writeCounted("two", 3);
+  }
+  EXPECT_EQ(listener.take(), std::vector<std::string>());
+}
+
+TEST_F(TraceFault, DestroyedTrace_LeavesNoLock) {
+  tConsoleTraceDestination destination;
+  nZOAPALS100::tStatus status;
+  const int before = nFakeWindows::criticalSections();
+  {
+    const tTrace trace(destination, status);
+    EXPECT_EQ(nFakeWindows::criticalSections(), before + 1);
+  }
+  EXPECT_EQ(nFakeWindows::criticalSections(), before);
 }
 
 }  // namespace
