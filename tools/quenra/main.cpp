@@ -87,8 +87,8 @@ class tConsole {
 // Ctrl-C, Ctrl-Break, a closed console, log-off and shutdown.
 class tConsoleInterruption final : public nCommandLine::iInterruption {
  public:
-  void await() noexcept override { SetConsoleCtrlHandler(handleEvent, TRUE); }
-  [[nodiscard]] bool hasCome() noexcept override { return occurred_; }
+  void intercept() noexcept override { SetConsoleCtrlHandler(handleEvent, TRUE); }
+  [[nodiscard]] bool hasOccurred() noexcept override { return occurred_; }
 
  private:
   // Runs on a thread of the system. Windows ends the process when this returns from a close event.

@@ -26,21 +26,21 @@ namespace nTests {
 // A user who presses Ctrl-C immediately or never.
 class tScriptedInterruption final : public nCommandLine::iInterruption {
  public:
-  void await() noexcept override { isAwaited = true; }
-  [[nodiscard]] bool hasCome() noexcept override {
-    ++asked;
-    return isAwaited && comes;
+  void intercept() noexcept override { isIntercepted = true; }
+  [[nodiscard]] bool hasOccurred() noexcept override {
+    ++polls;
+    return isIntercepted && isPressed;
   }
-  // For another thread: waits until hasCome() was called this many times.
-  void waitUntilAsked(int times) const {
-    while (asked < times) {
+  // For another thread: waits until hasOccurred() was called this many times.
+  void waitForPolls(int times) const {
+    while (polls < times) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
   }
 
-  bool isAwaited = false;
-  bool comes = false;
-  std::atomic<int> asked = 0;
+  bool isIntercepted = false;
+  bool isPressed = false;
+  std::atomic<int> polls = 0;
 };
 
 // The exit code and output of one run of the program.

@@ -204,11 +204,11 @@ TEST_F(RouteConnect, Route_IsConnectedHeldAndReleasedInOrder) {
   EXPECT_THAT(result.error, IsEmpty());
   EXPECT_THAT(callsAfterCalculation(), ElementsAre("reserve 7", "program 7", "path 7",
                                                    "unprogram 7", "unreserve 7", "destroy 7"));
-  EXPECT_TRUE(interruption_.isAwaited);
+  EXPECT_TRUE(interruption_.isIntercepted);
 }
 
 TEST_F(RouteConnect, CtrlC_ReleasesTheRouteAndIsNoFailure) {
-  interruption_.comes = true;
+  interruption_.isPressed = true;
   const tRun result = run(routeWords("connect"));
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.out, StartsWith("connected: TRIG_SMB -> PXI_Trig0, until Ctrl-C\n"));
@@ -239,7 +239,7 @@ TEST_F(RouteConnect, Demotions_AreReportedAndMakeItAFailure) {
 
 TEST_F(RouteConnect, Document_HasThePromisedMembers) {
   routing_.afterProgramming = [this] { routing_.demote(101); };
-  interruption_.comes = true;
+  interruption_.isPressed = true;
   const tRun result = run(routeWords("connect", {"--json"}));
   EXPECT_EQ(result.exitCode, 1);
   const auto document = result.document();

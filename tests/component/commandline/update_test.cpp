@@ -320,7 +320,7 @@ TEST_F(UpdateVerb, Image_GoesToTheLibraryAsItIs) {
       testing::EndsWith(" s\n"
                         "  section 2, BIOS 1.0.0f0, 9 bytes: sent to the controller interface\n"
                         "  section 1, MARTEN 1.4.2f7, 9 bytes: sent to the Marten interface\n"));
-  EXPECT_TRUE(interruption_.isAwaited);
+  EXPECT_TRUE(interruption_.isIntercepted);
 }
 
 TEST_F(UpdateVerb, OnlyNewer_IsTheLibrarysOption) {
@@ -419,7 +419,7 @@ TEST_F(UpdateVerb, ObstaclesOfThePlan_StopTheUpdateBeforeItStarts) {
   EXPECT_FALSE(update["started"].GetBool());
   EXPECT_EQ(update["obstacles"].Size(), 2u);
   EXPECT_THAT(library_.updates, IsEmpty());
-  EXPECT_FALSE(interruption_.isAwaited);
+  EXPECT_FALSE(interruption_.isIntercepted);
 }
 
 TEST_F(UpdateVerb, MachineThatAcceptsNoFirmware_IsNotSupported) {
@@ -669,15 +669,15 @@ TEST_F(UpdateVerb, Document_HasThePromisedMembers) {
 }
 
 TEST_F(UpdateVerb, CtrlC_StopsNothing) {
-  interruption_.comes = true;
-  library_.duringUpdate = [this] { interruption_.waitUntilAsked(2); };
+  interruption_.isPressed = true;
+  library_.duringUpdate = [this] { interruption_.waitForPolls(2); };
   const tRun result = run({"update", fileOf({section("BIOS", "1.0.0f0")})});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.error, "quenra: this cannot be stopped half-way; wait until it is over\n");
 }
 
 TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
-  library_.duringUpdate = [this] { interruption_.waitUntilAsked(interruption_.asked + 2); };
+  library_.duringUpdate = [this] { interruption_.waitForPolls(interruption_.polls + 2); };
   const tRun result = runOnTerminal({"update", fileOf({section("BIOS", "1.0.0f0")})});
   EXPECT_THAT(result.out, HasSubstr("leave the machine on\n\rupdating: "));
   EXPECT_THAT(result.out, HasSubstr(" s\rupdating: "));
@@ -712,7 +712,7 @@ TEST_F(UpdateVerb, AnotherUpdateWithNoWait_IsAFailure) {
 
 TEST_F(UpdateVerb, CtrlCDuringTheWait_EndsItAndChangesNothing) {
   lock_.states = {tLockState::busy, tLockState::busy};
-  interruption_.comes = true;
+  interruption_.isPressed = true;
   const tRun result = run({"update", fileOf({section("BIOS", "4.0.0f0")})});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(
@@ -792,7 +792,7 @@ TEST(Progress, ElsewhereThanOnATerminal_IsALineNowAndThen) {
   nCommandLine::tProgress progress("updating", streams, interruption, false,
                                    {milliseconds(10), milliseconds(100)});
   EXPECT_EQ(progress.run([&interruption] {
-    interruption.waitUntilAsked(30);
+    interruption.waitForPolls(30);
     return 7;
   }),
             7);

@@ -15,9 +15,9 @@ class iInterruption {
   iInterruption& operator=(const iInterruption&) = delete;
   virtual ~iInterruption() = default;
 
-  // From this call on, an interruption no longer ends the program; the program polls hasCome.
-  virtual void await() noexcept = 0;
-  [[nodiscard]] virtual bool hasCome() noexcept = 0;
+  // From this call on, an interruption no longer ends the program; the program polls hasOccurred.
+  virtual void intercept() noexcept = 0;
+  [[nodiscard]] virtual bool hasOccurred() noexcept = 0;
 };
 
 // Measures from its creation.

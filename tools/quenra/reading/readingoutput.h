@@ -14,7 +14,7 @@ namespace nCommandLine {
 // The value alone, for scripts: a text, or a decimal number.
 [[nodiscard]] std::string plainValue(const tAttributeValue& value);
 
-// The value for people: with its unit, and with the name of a number.
+// The value for people: with its unit, and with the name that the table has for a number.
 [[nodiscard]] std::string shownValue(const tAttributeRow* row, const tAttributeValue& value);
 
 // The unit of the number itself; empty if it has none.

@@ -48,7 +48,7 @@ std::string failureOf(const std::string& cause) {
   return std::string(kFailure) + ": " + cause;
 }
 
-tOpeningFault tooMany(uint32_t count, const std::string& kind, const std::string& supported) {
+tOpeningFailure tooMany(uint32_t count, const std::string& kind, const std::string& supported) {
   return {failureOf(std::to_string(count) + " " + kind + " interfaces are present; " + supported),
           {{}, "Disable the others in the system's device manager."}};
 }
@@ -172,7 +172,7 @@ tExitCode exitCodeOfOpening(int32_t code) noexcept {
   }
 }
 
-void judgeOpening(int32_t code, std::vector<tWarning>& warnings) {
+void checkOpening(int32_t code, std::vector<tWarning>& warnings) {
   if (code < 0) {
     throw tCommandError(exitCodeOfOpening(code), kFailure, code);
   }
@@ -181,15 +181,15 @@ void judgeOpening(int32_t code, std::vector<tWarning>& warnings) {
   }
 }
 
-tOpeningFault faultOfOpening(const tController& controller) {
+tOpeningFailure explainOpeningFailure(const tController& controller) {
   const int32_t code = controller.code();
   const uint32_t controllers = controller.presentInterfaces(tInterface::controller);
   const uint32_t martens = controller.presentInterfaces(tInterface::marten);
-  const bool isRefusedForTheirNumber = code == QUENRA_STATUS_GENERIC_FAILURE;
-  if (isRefusedForTheirNumber && controllers > 1) {
+  const bool isRejectedForTheirNumber = code == QUENRA_STATUS_GENERIC_FAILURE;
+  if (isRejectedForTheirNumber && controllers > 1) {
     return tooMany(controllers, "controller", "exactly 1 is supported");
   }
-  if (isRefusedForTheirNumber && martens > 1) {
+  if (isRejectedForTheirNumber && martens > 1) {
     return tooMany(martens, "Marten", "at most 1 is supported");
   }
   // The codes for an SMBIOS table that cannot be read, or that names an unsupported machine.
@@ -204,19 +204,19 @@ tOpeningFault faultOfOpening(const tController& controller) {
   return {kFailure, {}};
 }
 
-void judgeOpening(const tController& controller, std::vector<tWarning>& warnings) {
+void checkOpening(const tController& controller, std::vector<tWarning>& warnings) {
   const int32_t code = controller.code();
   if (code < 0) {
-    const tOpeningFault fault = faultOfOpening(controller);
+    const tOpeningFailure fault = explainOpeningFailure(controller);
     throw tCommandError(exitCodeOfOpening(code), fault.fact, code, fault.explanation);
   }
-  judgeOpening(code, warnings);
+  checkOpening(code, warnings);
 }
 
 // ---- The complete machine ----
 
 uint32_t countInstances(const tController& controller, const tInstanceRow& instances) {
-  if (instances.most == 1) {
+  if (instances.maximum == 1) {
     return 1;
   }
   if (instances.countAttribute == 0) {
@@ -224,7 +224,7 @@ uint32_t countInstances(const tController& controller, const tInstanceRow& insta
   }
   const tReading reading = controller.read({instances.countAttribute});
   return reading.state() == tReadingState::value
-             ? std::min(std::get<uint32_t>(reading.value), instances.most)
+             ? std::min(std::get<uint32_t>(reading.value), instances.maximum)
              : 0;
 }
 

@@ -50,24 +50,23 @@ class tController {
 [[nodiscard]] tExitCode exitCodeOfOpening(int32_t code) noexcept;
 
 // A failure to open the controller, with its cause as far as the present device interfaces show it.
-struct tOpeningFault {
+struct tOpeningFailure {
   std::string fact;              // "cannot open the controller: ..."
   tSiteExplanation explanation;  // of the code
 };
 
 // Precondition: the controller's code is negative.
-[[nodiscard]] tOpeningFault faultOfOpening(const tController& controller);
+[[nodiscard]] tOpeningFailure explainOpeningFailure(const tController& controller);
 
 // Throws tCommandError if opening the controller failed; adds its warning.
-void judgeOpening(int32_t code, std::vector<tWarning>& warnings);
+void checkOpening(int32_t code, std::vector<tWarning>& warnings);
 // As above, with the cause as far as the present device interfaces show it.
-void judgeOpening(const tController& controller, std::vector<tWarning>& warnings);
+void checkOpening(const tController& controller, std::vector<tWarning>& warnings);
 
 // ---- The complete machine ----
 
-// Reads one attribute with all its instances, in order, or with the value of each interface. If the
-// machine has no instance or does not report their number, returns the reading of instance 0, which
-// holds the reason.
+// The readings of an attribute: of all its instances, in order, or of each interface. If the machine
+// has no instance or does not report their number, the reading of instance 0, which holds the reason.
 struct tAttributeReadings {
   const tAttributeRow* row;
   std::vector<tReading> readings;

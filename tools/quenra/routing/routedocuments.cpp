@@ -44,12 +44,12 @@ bool inverts(const rapidjson::Value& route) {
 
 }  // namespace
 
-std::string seedsText(const tWantedRoute& wanted) {
-  return written([&wanted](tWriter& writer) {
+std::string seedsText(const tRouteRequest& request) {
+  return written([&request](tWriter& writer) {
     writer.StartArray();
     writer.StartObject();
     writer.Key("terminal");
-    writeText(writer, wanted.from);
+    writeText(writer, request.from);
     writer.Key("cost");
     writer.Uint(0);
     writer.Key("constraints");
@@ -60,20 +60,20 @@ std::string seedsText(const tWantedRoute& wanted) {
   });
 }
 
-std::string destinationsText(const tWantedRoute& wanted) {
-  return written([&wanted](tWriter& writer) {
+std::string destinationsText(const tRouteRequest& request) {
+  return written([&request](tWriter& writer) {
     writer.StartArray();
-    writeText(writer, wanted.to);
+    writeText(writer, request.to);
     writer.EndArray();
   });
 }
 
-std::string modifiersText(const tWantedRoute& wanted) {
-  return written([&wanted](tWriter& writer) {
+std::string modifiersText(const tRouteRequest& request) {
+  return written([&request](tWriter& writer) {
     writer.StartObject();
     writer.Key("required");
     writer.StartObject();
-    if (wanted.inverted) {
+    if (request.inverted) {
       writer.Key(kInversion);
       writer.Bool(true);
     }

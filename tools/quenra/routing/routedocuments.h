@@ -11,7 +11,7 @@
 
 namespace nCommandLine {
 
-struct tWantedRoute {
+struct tRouteRequest {
   std::string from;
   std::string to;
   bool inverted = false;
@@ -23,9 +23,9 @@ struct tRoute {
   bool inverted = false;
 };
 
-[[nodiscard]] std::string seedsText(const tWantedRoute& wanted);
-[[nodiscard]] std::string destinationsText(const tWantedRoute& wanted);
-[[nodiscard]] std::string modifiersText(const tWantedRoute& wanted);
+[[nodiscard]] std::string seedsText(const tRouteRequest& request);
+[[nodiscard]] std::string destinationsText(const tRouteRequest& request);
+[[nodiscard]] std::string modifiersText(const tRouteRequest& request);
 
 // Items that violate the contract are skipped.
 [[nodiscard]] std::vector<tRoute> routesIn(std::string_view answer);

@@ -61,7 +61,7 @@ std::string textOf(const char* text) {
 // The maximum of the library; a longer path would end the process.
 constexpr size_t kMaxDeviceSize = 256;
 
-const std::string& judgedDevice(const std::string& device) {
+const std::string& checkedDevice(const std::string& device) {
   if (device.size() > kMaxDeviceSize) {
     throw tCommandError(tExitCode::failure, "the device has a path of more than 256 characters",
                         std::nullopt);
@@ -69,7 +69,7 @@ const std::string& judgedDevice(const std::string& device) {
   return device;
 }
 
-[[noreturn]] void refuseUnknownRouter(const zoerr_Status& status) {
+[[noreturn]] void rejectUnknownRouter(const zoerr_Status& status) {
   const std::string name = unknownRouterIn(textOf(status.description));
   throw tCommandError(tExitCode::notSupported,
                       "this version does not support the router of this machine" +
@@ -151,12 +151,12 @@ tRoutingSession::tRoutingSession(iRouting& library, const std::string& device,
                                  tDemotions& demotions)
     : library_(library) {
   tRoutingStatus status;
-  session_ = library_.createSession(judgedDevice(device).c_str(), tAnswer::reallocate,
+  session_ = library_.createSession(checkedDevice(device).c_str(), tAnswer::reallocate,
                                     reportDemotion, &demotions, status.get());
   if (status.code() == QUENRA_STATUS_BAD_SELECTOR) {
-    refuseUnknownRouter(status.record());
+    rejectUnknownRouter(status.record());
   }
-  judge(status.record(), "cannot open a routing session");
+  check(status.record(), "cannot open a routing session");
 }
 
 tRoutingSession::~tRoutingSession() {
@@ -171,7 +171,7 @@ std::vector<tTerminal> tRoutingSession::terminals() {
     terminals.push_back(readTerminal(walk.at(), status.record()));
     library_.next(walk.at(), status.get());
   }
-  judge(status.record(), "cannot list the terminals");
+  check(status.record(), "cannot list the terminals");
   return terminals;
 }
 
@@ -197,12 +197,12 @@ tTerminal tRoutingSession::readTerminal(iRouting::tIterator* iterator, zoerr_Sta
   return terminal;
 }
 
-std::vector<tRoute> tRoutingSession::calculate(const tWantedRoute& wanted) {
+std::vector<tRoute> tRoutingSession::calculate(const tRouteRequest& request) {
   tRoutingStatus status;
   tAnswer answer;
-  library_.calculateRoute(session_, seedsText(wanted).c_str(), destinationsText(wanted).c_str(),
-                          modifiersText(wanted).c_str(), answer.output(), status.get());
-  judge(status.record(), "cannot calculate the route");
+  library_.calculateRoute(session_, seedsText(request).c_str(), destinationsText(request).c_str(),
+                          modifiersText(request).c_str(), answer.output(), status.get());
+  check(status.record(), "cannot calculate the route");
   return routesIn(answer.text());
 }
 
@@ -214,20 +214,20 @@ void tRoutingSession::reserve(uint32_t ticket) {
   if (status.code() < 0 && !holders.empty()) {
     throw heldRouteError(holders, status.code());
   }
-  judge(status.record(), "cannot reserve the route");
+  check(status.record(), "cannot reserve the route");
 }
 
 void tRoutingSession::program(uint32_t ticket) {
   tRoutingStatus status;
   library_.programRoute(session_, ticket, status.get());
-  judge(status.record(), "cannot program the route");
+  check(status.record(), "cannot program the route");
 }
 
 std::vector<std::string> tRoutingSession::path(uint32_t ticket) {
   tRoutingStatus status;
   tAnswer answer;
   library_.getRouteTerminalPath(session_, ticket, answer.output(), status.get());
-  judge(status.record(), "cannot read the terminals of the route");
+  check(status.record(), "cannot read the terminals of the route");
   return terminalsIn(answer.text());
 }
 
@@ -247,7 +247,7 @@ void tRoutingSession::announceFailure(uint32_t ticket) noexcept {
   library_.beginExceptionalRouteDestruction(session_, ticket);
 }
 
-void tRoutingSession::judge(const zoerr_Status& status, const std::string& failure) {
+void tRoutingSession::check(const zoerr_Status& status, const std::string& failure) {
   if (status.code < 0) {
     throw tCommandError(tExitCode::failure, failure, status.code);
   }

@@ -71,7 +71,7 @@ class tRoutingSession {
   [[nodiscard]] std::vector<tTerminal> terminals();
 
   // Empty if no such route exists.
-  [[nodiscard]] std::vector<tRoute> calculate(const tWantedRoute& wanted);
+  [[nodiscard]] std::vector<tRoute> calculate(const tRouteRequest& request);
   void reserve(uint32_t ticket);
   void program(uint32_t ticket);
   [[nodiscard]] std::vector<std::string> path(uint32_t ticket);
@@ -85,7 +85,7 @@ class tRoutingSession {
   [[nodiscard]] const std::vector<tWarning>& warnings() const noexcept { return warnings_; }
 
  private:
-  void judge(const zoerr_Status& status, const std::string& failure);
+  void check(const zoerr_Status& status, const std::string& failure);
   [[nodiscard]] tTerminal readTerminal(iRouting::tIterator* iterator, zoerr_Status& status) const;
 
   iRouting& library_;
@@ -109,7 +109,7 @@ class tHeldRoute {
   [[nodiscard]] std::vector<std::string> path() const { return session_.path(ticket_); }
 
   // Marks the route as failed: the destructor announces the failure to the driver first.
-  void hasFailed() noexcept { failed_ = true; }
+  void markFailed() noexcept { failed_ = true; }
 
  private:
   enum class tStage : uint8_t {

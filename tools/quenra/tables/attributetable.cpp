@@ -224,8 +224,8 @@ std::vector<std::string> suggestAttributes(std::string_view name) {
 std::vector<std::string> suggestWritable(std::string_view name) {
   std::vector<std::string_view> names = namesOf(kAttributes);
   std::ranges::copy(namesOf(kSettings), std::back_inserter(names));
-  const std::string wanted = withoutPrefix(name, kConstantPrefix);
-  return suggest(withoutPrefix(wanted, kSettingPrefix), names);
+  const std::string attributeName = withoutPrefix(name, kConstantPrefix);
+  return suggest(withoutPrefix(attributeName, kSettingPrefix), names);
 }
 
 const tAttributeRow* countingAttribute(const tInstanceRow& instances) noexcept {

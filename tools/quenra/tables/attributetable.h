@@ -33,7 +33,7 @@ struct tInstanceRow {
   // Id of the attribute whose value is the number of instances; 0 if no attribute counts them.
   uint32_t countAttribute = 0;
   // The library serves at most this many instances, even if the count is greater.
-  uint32_t most = 1;
+  uint32_t maximum = 1;
 };
 
 struct tNamedValue {

@@ -178,9 +178,9 @@ tStatusExplanation explainStatus(int32_t code) noexcept {
 }
 
 const tStatusRow* findStatus(std::string_view name) {
-  const std::string wanted = nameIn(name);
-  const auto row = std::ranges::find_if(kStatuses, [&wanted](const tStatusRow& candidate) {
-    return nameIn(candidate.constant) == wanted;
+  const std::string sought = nameIn(name);
+  const auto row = std::ranges::find_if(kStatuses, [&sought](const tStatusRow& candidate) {
+    return nameIn(candidate.constant) == sought;
   });
   return row == kStatuses.end() ? nullptr : &*row;
 }

@@ -59,14 +59,14 @@ std::string comparableName(std::string_view name) {
 
 std::vector<std::string> suggest(std::string_view name,
                                  const std::vector<std::string_view>& candidates) {
-  const std::string wanted = comparableName(name);
-  const size_t tolerance = std::max<size_t>(1, wanted.size() / 3);
+  const std::string sought = comparableName(name);
+  const size_t tolerance = std::max<size_t>(1, sought.size() / 3);
   std::vector<tCandidate> found;
   for (const std::string_view candidate : candidates) {
     const std::string comparable = comparableName(candidate);
-    const size_t distance = editDistance(wanted, comparable);
+    const size_t distance = editDistance(sought, comparable);
     const bool near = distance <= tolerance;
-    const bool part = wanted.size() >= kMinPartSize && comparable.find(wanted) != std::string::npos;
+    const bool part = sought.size() >= kMinPartSize && comparable.find(sought) != std::string::npos;
     if (near || part) {
       found.push_back({!near, distance, candidate});
     }

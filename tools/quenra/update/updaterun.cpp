@@ -16,10 +16,10 @@ constexpr std::chrono::milliseconds kInterval(100);
 tLockState waitForEnd(iUpdateLock& lock, iInterruption& interruption, std::ostream& error) {
   error << "quenra: another update is running; waiting for its end (Ctrl-C ends the wait)"
         << std::endl;
-  interruption.await();
+  interruption.intercept();
   tLockState state = tLockState::busy;
   while (state == tLockState::busy) {
-    if (interruption.hasCome()) {
+    if (interruption.hasOccurred()) {
       throw tCommandError(tExitCode::failure,
                           "interrupted while another update was running; nothing was changed",
                           std::nullopt);
@@ -55,7 +55,7 @@ tHeldUpdateLock::tHeldUpdateLock(iUpdateLock& lock, iInterruption& interruption,
 }
 
 int32_t tProgress::run(const std::function<int32_t()>& call) {
-  interruption_.await();
+  interruption_.intercept();
   const tStopwatch stopwatch;
   nextLine_ = rhythm_.elsewhere;
   std::future<int32_t> result = std::async(std::launch::async, call);
@@ -86,7 +86,7 @@ void tProgress::show() {
 }
 
 void tProgress::answerInterruption() {
-  if (interruption_.hasCome() && !interruptionAnswered_) {
+  if (interruption_.hasOccurred() && !interruptionAnswered_) {
     interruptionAnswered_ = true;
     streams_.error << (streams_.outIsTerminal && !isSilent_ ? "\n" : "")
                    << "quenra: this cannot be stopped half-way; wait until it is over" << std::endl;

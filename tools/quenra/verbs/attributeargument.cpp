@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kIdDigits = 8;
 
-[[noreturn]] void refuse(const std::string& what, std::vector<std::string> suggestions = {}) {
+[[noreturn]] void reject(const std::string& what, std::vector<std::string> suggestions = {}) {
   throw tCommandError(what, "Run 'quenra attributes' to list all attributes.",
                       std::move(suggestions));
 }
@@ -28,20 +28,20 @@ const tAttributeRow* findRow(uint32_t attribute, tPurpose purpose) noexcept {
 }
 
 // An id may already contain a selector and an instance.
-tWantedAttribute attributeById(const std::string& text, tPurpose purpose) {
+tAttributeArgument attributeById(const std::string& text, tPurpose purpose) {
   const auto id = parseUnsigned(text);
   if (!id) {
-    refuse(numberFault(text, "a name or an id"));
+    reject(numberFault(text, "a name or an id"));
   }
   const uint32_t type = typeBits(*id);
   if (type != static_cast<uint32_t>(tAttributeType::text) &&
       type != static_cast<uint32_t>(tAttributeType::unsigned32)) {
-    refuse("'" + text + "' is not an attribute id: ids begin with 0x1 (text) or 0x2 (unsigned)");
+    reject("'" + text + "' is not an attribute id: ids begin with 0x1 (text) or 0x2 (unsigned)");
   }
   const uint32_t selector =
       (*id & tAttributeAddress::kSelectorMask) >> tAttributeAddress::kSelectorShift;
   if (selector > static_cast<uint32_t>(tInterface::marten)) {
-    refuse("'" + text + "' selects an interface that does not exist");
+    reject("'" + text + "' selects an interface that does not exist");
   }
   const uint32_t attribute =
       *id & ~(tAttributeAddress::kSelectorMask | tAttributeAddress::kInstanceMask);
@@ -53,7 +53,7 @@ tWantedAttribute attributeById(const std::string& text, tPurpose purpose) {
 const tAttributeRow& settingByName(const std::string& text, tPurpose purpose) {
   const tAttributeRow* const row = findSetting(text);
   if (row == nullptr) {
-    refuse("unknown attribute '" + text + "'",
+    reject("unknown attribute '" + text + "'",
            purpose == tPurpose::reading ? suggestAttributes(text) : suggestWritable(text));
   }
   if (purpose == tPurpose::reading) {
@@ -63,7 +63,7 @@ const tAttributeRow& settingByName(const std::string& text, tPurpose purpose) {
   return *row;
 }
 
-tWantedAttribute attributeByName(const std::string& text, tPurpose purpose) {
+tAttributeArgument attributeByName(const std::string& text, tPurpose purpose) {
   const tAttributeRow* const attribute = findAttribute(text);
   const tAttributeRow& row = attribute == nullptr ? settingByName(text, purpose) : *attribute;
   return {&row, {row.id}};
@@ -83,41 +83,41 @@ void applyInstance(const std::string& text, tAttributeAddress& address) {
   address.instance = static_cast<uint8_t>(*instance);
 }
 
-void applyInterface(tInterface wanted, tAttributeAddress& address) {
-  if (address.which != tInterface::byDefault && address.which != wanted) {
+void applyInterface(tInterface which, tAttributeAddress& address) {
+  if (address.which != tInterface::byDefault && address.which != which) {
     throw tCommandError(
-        "the id selects another interface than --" + std::string(interfaceName(wanted)),
+        "the id selects another interface than --" + std::string(interfaceName(which)),
         "Select the interface in one place.", {});
   }
-  address.which = wanted;
+  address.which = which;
 }
 
-tWantedAttribute wantedAttribute(const tArguments& arguments, tPurpose purpose) {
+tAttributeArgument parseAttributeArgument(const tArguments& arguments, tPurpose purpose) {
   const std::string text = arguments.text(nWords::kAttribute);
-  tWantedAttribute wanted =
+  tAttributeArgument argument =
       looksLikeNumber(text) ? attributeById(text, purpose) : attributeByName(text, purpose);
   if (const auto instance = arguments.optional(nWords::kInstance)) {
-    applyInstance(*instance, wanted.address);
+    applyInstance(*instance, argument.address);
   }
   if (arguments.has(nWords::kController)) {
-    applyInterface(tInterface::controller, wanted.address);
+    applyInterface(tInterface::controller, argument.address);
   }
   if (arguments.has(nWords::kMarten)) {
-    applyInterface(tInterface::marten, wanted.address);
+    applyInterface(tInterface::marten, argument.address);
   }
   if (arguments.has(nWords::kBoth)) {
-    applyInterface(tInterface::both, wanted.address);
+    applyInterface(tInterface::both, argument.address);
   }
-  return wanted;
+  return argument;
 }
 
 }  // namespace
 
-std::string tWantedAttribute::name() const {
+std::string tAttributeArgument::name() const {
   return row == nullptr ? hexadecimalText(address.attribute, kIdDigits) : std::string(row->name);
 }
 
-std::string tWantedAttribute::label() const {
+std::string tAttributeArgument::label() const {
   std::string text = name();
   if (address.instance != 0) {
     text += ", instance " + std::to_string(address.instance);
@@ -128,12 +128,12 @@ std::string tWantedAttribute::label() const {
   return text;
 }
 
-tWantedAttribute attributeToRead(const tArguments& arguments) {
-  return wantedAttribute(arguments, tPurpose::reading);
+tAttributeArgument parseAttributeToRead(const tArguments& arguments) {
+  return parseAttributeArgument(arguments, tPurpose::reading);
 }
 
-tWantedAttribute attributeToWrite(const tArguments& arguments) {
-  return wantedAttribute(arguments, tPurpose::writing);
+tAttributeArgument parseAttributeToWrite(const tArguments& arguments) {
+  return parseAttributeArgument(arguments, tPurpose::writing);
 }
 
 }  // namespace nCommandLine

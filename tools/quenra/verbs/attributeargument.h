@@ -9,7 +9,7 @@
 
 namespace nCommandLine {
 
-struct tWantedAttribute {
+struct tAttributeArgument {
   const tAttributeRow* row;  // null for an id outside the table, which the driver may support
   tAttributeAddress address;
 
@@ -20,8 +20,8 @@ struct tWantedAttribute {
 };
 
 // Parses the attribute arguments of a verb. Throws tCommandError if they match no attribute.
-[[nodiscard]] tWantedAttribute attributeToRead(const tArguments& arguments);
-[[nodiscard]] tWantedAttribute attributeToWrite(const tArguments& arguments);
+[[nodiscard]] tAttributeArgument parseAttributeToRead(const tArguments& arguments);
+[[nodiscard]] tAttributeArgument parseAttributeToWrite(const tArguments& arguments);
 
 }  // namespace nCommandLine
 

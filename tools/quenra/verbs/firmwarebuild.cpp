@@ -16,65 +16,65 @@ constexpr std::string_view kDevices[] = {"BIOS", "MARTEN", "SAFEMODE"};
 // The line length of mail programs and base64(1).
 constexpr uint32_t kDefaultLineLength = 76;
 // The Base64 text is a third longer and must stay within the 32-bit positions of the format.
-constexpr size_t kLargestPayload = size_t{1} << 31;
+constexpr size_t kMaxPayloadSize = size_t{1} << 31;
 
-[[noreturn]] void refuse(const std::string& what, std::string advice,
+[[noreturn]] void reject(const std::string& what, std::string advice,
                          std::vector<std::string> suggestions = {}) {
   throw tCommandError(what, std::move(advice), std::move(suggestions));
 }
 
-std::string wantedDevice(const tArguments& arguments) {
+std::string parseDevice(const tArguments& arguments) {
   std::string device = arguments.text(nWords::kDevice);
   if (std::ranges::find(kDevices, device) == std::end(kDevices)) {
-    refuse("there is no device '" + device + "'", "It is BIOS, MARTEN or SAFEMODE.",
+    reject("there is no device '" + device + "'", "It is BIOS, MARTEN or SAFEMODE.",
            suggest(device, {std::begin(kDevices), std::end(kDevices)}));
   }
   if (arguments.optional(nWords::kFileName) == "") {
-    refuse("the file name is empty",
+    reject("the file name is empty",
            "Leave --file-name out for firmware that is sent to the device.");
   }
   if (arguments.has(nWords::kFileName) && device != "BIOS") {
-    refuse("only a section for the BIOS has a file name", "Leave the file name out.");
+    reject("only a section for the BIOS has a file name", "Leave the file name out.");
   }
   return device;
 }
 
-std::string wantedVersion(const tArguments& arguments) {
+std::string parseVersion(const tArguments& arguments) {
   std::string version = arguments.text(nWords::kFirmwareVersion);
   if (version.empty()) {
-    refuse("the version is empty", "Give a version such as 1.4.2f7.");
+    reject("the version is empty", "Give a version such as 1.4.2f7.");
   }
   if (!isFirmwareVersion(version)) {
-    refuse(notAVersion(version),
+    reject(notAVersion(version),
            "Give major.minor.update, a phase letter (d, a, b or f) and a build number. The library "
            "counts any other text as the oldest version.");
   }
   return version;
 }
 
-std::string wantedFileName(const tArguments& arguments) {
+std::string parseFileName(const tArguments& arguments) {
   std::string name = arguments.text(nWords::kFileName);
   if (const auto fault = faultOfFileName(name)) {
-    refuse("the file name '" + name + "' is not plain: " + *fault,
+    reject("the file name '" + name + "' is not plain: " + *fault,
            "Give a name without a folder. The update writes the file into a folder of its own.");
   }
   return name;
 }
 
-size_t wantedLineLength(const tArguments& arguments) {
+size_t parseLineLength(const tArguments& arguments) {
   const auto given = arguments.optional(nWords::kLineLength);
   const auto length = given ? parseUnsigned(*given) : kDefaultLineLength;
   if (!length) {
-    refuse("'" + *given + "' is no line length", "Give a number of characters, or 0 for one line.");
+    reject("'" + *given + "' is no line length", "Give a number of characters, or 0 for one line.");
   }
   return *length;
 }
 
 // Never overwrites the payload, nor an existing image without --append or --force.
-void judgeFiles(const std::string& payload, const std::string& output,
+void checkFiles(const std::string& payload, const std::string& output,
                 const tArguments& arguments) {
   if (isSameFile(payload, output)) {
-    refuse("'" + payload + "' is the payload and the output",
+    reject("'" + payload + "' is the payload and the output",
            "Give the image a path of its own; --force does not replace the payload.");
   }
   const bool mayExist = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
@@ -86,7 +86,7 @@ void judgeFiles(const std::string& payload, const std::string& output,
 
 std::string payloadOf(const std::string& path) {
   std::string payload = readFile(path);
-  if (payload.size() > kLargestPayload) {
+  if (payload.size() > kMaxPayloadSize) {
     throw tCommandError(tExitCode::failure, "'" + path + "' is too large for a firmware image",
                         std::nullopt);
   }
@@ -105,16 +105,17 @@ size_t sectionsIn(const std::string& path, std::string_view bytes, const tArgume
   return image.sections.size();
 }
 
-bool isAsWanted(const tImageSection& section, const tNewSection& wanted) {
-  return section.header.version == wanted.version && section.header.targetDevice == wanted.device &&
-         section.header.targetFileName == wanted.fileName &&
-         section.header.byteCount == wanted.payload.size();
+bool matches(const tImageSection& section, const tNewSection& expected) {
+  return section.header.version == expected.version &&
+         section.header.targetDevice == expected.device &&
+         section.header.targetFileName == expected.fileName &&
+         section.header.byteCount == expected.payload.size();
 }
 
 // Reads the image back: that reveals values which the format cannot represent, such as a name in
 // quotes, and an image to append to that ends in a NUL.
-void judge(const tFirmwareImage& image, size_t before, const tNewSection& wanted) {
-  if (image.sections.size() != before + 1 || !isAsWanted(image.sections.back(), wanted)) {
+void checkResult(const tFirmwareImage& image, size_t before, const tNewSection& expected) {
+  if (image.sections.size() != before + 1 || !matches(image.sections.back(), expected)) {
     throw tCommandError(tExitCode::failure,
                         "the section would be read back from the image with other values",
                         std::nullopt, "Check the existing image with 'quenra firmware inspect'.");
@@ -139,12 +140,12 @@ void print(const tVerbContext& context, const std::string& path, const tFirmware
 
 tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& context) {
   tNewSection section;
-  section.device = wantedDevice(arguments);
-  section.version = wantedVersion(arguments);
-  section.fileName = wantedFileName(arguments);
-  section.lineLength = wantedLineLength(arguments);
+  section.device = parseDevice(arguments);
+  section.version = parseVersion(arguments);
+  section.fileName = parseFileName(arguments);
+  section.lineLength = parseLineLength(arguments);
   const std::string path = arguments.text(nWords::kOutput);
-  judgeFiles(arguments.text(nWords::kPayload), path, arguments);
+  checkFiles(arguments.text(nWords::kPayload), path, arguments);
   const std::string payload = payloadOf(arguments.text(nWords::kPayload));
   section.payload = payload;
 
@@ -152,7 +153,7 @@ tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& cont
   const size_t before = sectionsIn(path, bytes, arguments);
   bytes += sectionText(section);
   const tFirmwareImage image = inspectImage(bytes);
-  judge(image, before, section);
+  checkResult(image, before, section);
   const bool replaces = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
   writeFile(path, bytes, replaces ? tExistingFile::replace : tExistingFile::keep);
   print(context, path, image);

@@ -21,39 +21,39 @@ struct tAnswer {
 };
 
 // "memory-size has 3 instances (0 to 2)"; empty if the machine has the instance.
-std::string instanceFaultOf(const tController& controller, const tWantedAttribute& wanted) {
-  const uint8_t instance = wanted.address.instance;
-  if (wanted.row == nullptr || (wanted.row->instances->most == 1 && instance == 0)) {
+std::string instanceFaultOf(const tController& controller, const tAttributeArgument& argument) {
+  const uint8_t instance = argument.address.instance;
+  if (argument.row == nullptr || (argument.row->instances->maximum == 1 && instance == 0)) {
     return "";
   }
-  if (wanted.row->instances->most == 1) {
-    return wanted.name() + " has no instances";
+  if (argument.row->instances->maximum == 1) {
+    return argument.name() + " has no instances";
   }
-  const uint32_t count = countInstances(controller, *wanted.row->instances);
+  const uint32_t count = countInstances(controller, *argument.row->instances);
   if (instance < count) {
     return "";
   }
   switch (count) {
     case 0:
-      return wanted.name() + " has no instances on this machine";
+      return argument.name() + " has no instances on this machine";
     case 1:
-      return wanted.name() + " has 1 instance (0)";
+      return argument.name() + " has 1 instance (0)";
     default:
-      return wanted.name() + " has " + std::to_string(count) + " instances (0 to " +
+      return argument.name() + " has " + std::to_string(count) + " instances (0 to " +
              std::to_string(count - 1) + ")";
   }
 }
 
-tAnswer readWanted(iQuenra& library, const tWantedAttribute& wanted,
+tAnswer readAnswer(iQuenra& library, const tAttributeArgument& argument,
                    std::vector<tWarning>& warnings) {
-  if (needsNoController(wanted.address)) {
-    return {readAttribute(library, 0, wanted.address)};
+  if (needsNoController(argument.address)) {
+    return {readAttribute(library, 0, argument.address)};
   }
   const tController controller(library);
-  judgeOpening(controller, warnings);
-  const tReading reading = controller.read(wanted.address);
+  checkOpening(controller, warnings);
+  const tReading reading = controller.read(argument.address);
   return {reading, reading.state() == tReadingState::notSupported
-                       ? instanceFaultOf(controller, wanted)
+                       ? instanceFaultOf(controller, argument)
                        : ""};
 }
 
@@ -83,46 +83,47 @@ std::string absenceOf(const tAttributeAddress& address) {
   return "the SMBIOS table lacks a field that decides it";
 }
 
-std::string remedyFor(const tWantedAttribute& wanted, const tAnswer& answer) {
+std::string remedyFor(const tAttributeArgument& argument, const tAnswer& answer) {
   if (answer.reading.state() == tReadingState::notAvailable) {
-    return wanted.address.which == tInterface::marten ? "Leave out the Marten interface." : "";
+    return argument.address.which == tInterface::marten ? "Leave out the Marten interface." : "";
   }
-  return answer.instanceFault.empty() || wanted.row->instances->most > 1
+  return answer.instanceFault.empty() || argument.row->instances->maximum > 1
              ? "Run 'quenra info' to list what this machine has."
              : "Leave out the instance.";
 }
 
-tCommandError errorOf(const tWantedAttribute& wanted, const tAnswer& answer) {
+tCommandError errorOf(const tAttributeArgument& argument, const tAnswer& answer) {
   const tReading& reading = answer.reading;
   const tExitCode exitCode = exitCodeOf(reading);
   switch (reading.state()) {
     case tReadingState::notSupported:
       return {exitCode,
-              answer.instanceFault.empty() ? wanted.label() + " is not supported on this machine"
+              answer.instanceFault.empty() ? argument.label() + " is not supported on this machine"
                                            : answer.instanceFault,
-              reading.code, tSiteExplanation{{}, remedyFor(wanted, answer)}};
+              reading.code, tSiteExplanation{{}, remedyFor(argument, answer)}};
     case tReadingState::notAvailable:
-      return {exitCode, wanted.label() + " is not available: " + absenceOf(wanted.address),
+      return {exitCode, argument.label() + " is not available: " + absenceOf(argument.address),
               reading.code,
               tSiteExplanation{"The interface is not present, or the field that decides the value "
                                "cannot be read.",
-                               remedyFor(wanted, answer)}};
+                               remedyFor(argument, answer)}};
     default:
-      return {exitCode, "cannot read " + wanted.label(), reading.code};
+      return {exitCode, "cannot read " + argument.label(), reading.code};
   }
 }
 
-void printDocument(std::ostream& stream, const tWantedAttribute& wanted, const tReading& reading,
-                   const std::vector<tWarning>& warnings) {
+void printDocument(std::ostream& stream, const tAttributeArgument& argument,
+                   const tReading& reading, const std::vector<tWarning>& warnings) {
   tJsonDocument document("get", exitCodeOf(reading), warnings);
   document.beginObject("attribute");
-  writeReading(document, wanted.row, reading);
+  writeReading(document, argument.row, reading);
   document.endObject();
   document.writeTo(stream);
 }
 
-void printValue(const tStreams& streams, const tWantedAttribute& wanted, const tReading& reading) {
-  streams.out << (streams.outIsTerminal ? shownValue(wanted.row, reading.value)
+void printValue(const tStreams& streams, const tAttributeArgument& argument,
+                const tReading& reading) {
+  streams.out << (streams.outIsTerminal ? shownValue(argument.row, reading.value)
                                         : plainValue(reading.value))
               << '\n';
 }
@@ -130,25 +131,25 @@ void printValue(const tStreams& streams, const tWantedAttribute& wanted, const t
 }  // namespace
 
 tExitCode runGet(const tArguments& arguments, const tVerbContext& context) {
-  const tWantedAttribute wanted = attributeToRead(arguments);
+  const tAttributeArgument argument = parseAttributeToRead(arguments);
   std::vector<tWarning> warnings;
-  const tAnswer answer = readWanted(context.ports.library, wanted, warnings);
+  const tAnswer answer = readAnswer(context.ports.library, argument, warnings);
   const tReading& reading = answer.reading;
   if (reading.code > 0) {
-    warnings.push_back({"reading " + wanted.label(), reading.code});
+    warnings.push_back({"reading " + argument.label(), reading.code});
   }
   const tExitCode exitCode = exitCodeOf(reading);
   if (exitCode != tExitCode::done && exitCode != tExitCode::notSupported) {
-    throw errorOf(wanted, answer);
+    throw errorOf(argument, answer);
   }
   printWarnings(context.streams.error, warnings);
   if (exitCode == tExitCode::notSupported) {
-    printError(context.streams.error, errorOf(wanted, answer));
+    printError(context.streams.error, errorOf(argument, answer));
   }
   if (context.json) {
-    printDocument(context.streams.out, wanted, reading, warnings);
+    printDocument(context.streams.out, argument, reading, warnings);
   } else if (exitCode == tExitCode::done) {
-    printValue(context.streams, wanted, reading);
+    printValue(context.streams, argument, reading);
   }
   return exitCode;
 }

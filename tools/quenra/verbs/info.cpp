@@ -19,7 +19,7 @@ namespace {
 using tMachine = std::vector<tAttributeReadings>;
 
 bool hasInstances(const tAttributeRow& row) noexcept {
-  return row.instances->most > 1;
+  return row.instances->maximum > 1;
 }
 
 // "memory-size[1]" for an attribute with instances, "firmware-version[BIOS]" for one with a value
@@ -125,7 +125,7 @@ void printDocument(std::ostream& stream, const tMachine& machine, tExitCode exit
 
 int32_t runTest(iQuenra& library, std::vector<tWarning>& warnings) {
   const tController controller(library);
-  judgeOpening(controller, warnings);
+  checkOpening(controller, warnings);
   const int32_t code = controller.selfTest();
   if (code < 0) {
     throw tCommandError(tExitCode::failure, "the self-test failed", code);
@@ -150,7 +150,7 @@ void printSelfTest(std::ostream& stream, int32_t code, const std::vector<tWarnin
 tExitCode runInfo(const tArguments& /*arguments*/, const tVerbContext& context) {
   std::vector<tWarning> warnings;
   const tController controller(context.ports.library);
-  judgeOpening(controller, warnings);
+  checkOpening(controller, warnings);
   const tMachine machine = readMachine(controller);
   addWarnings(machine, warnings);
   printWarnings(context.streams.error, warnings);

@@ -46,7 +46,7 @@ void printAttributeTable(const tStreams& streams) {
 void writeInstanceCount(tJsonDocument& document, const tInstanceRow& instances) {
   const tAttributeRow* const counter = countingAttribute(instances);
   document.beginObject("instanceCount");
-  document.number("maximum", instances.most);
+  document.number("maximum", instances.maximum);
   document.optionalText("attribute", counter == nullptr ? "" : counter->name);
   document.endObject();
 }

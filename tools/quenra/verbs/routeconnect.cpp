@@ -13,10 +13,10 @@ namespace {
 using std::chrono::milliseconds;
 
 // The polling interval for interruptions.
-constexpr milliseconds kAttention{100};
+constexpr milliseconds kPollInterval{100};
 
 // The time to hold the route; unlimited without the option.
-milliseconds wantedTime(const tArguments& arguments) {
+milliseconds parseHoldTime(const tArguments& arguments) {
   const auto given = arguments.optional(nWords::kFor);
   if (!given) {
     return milliseconds::max();
@@ -30,9 +30,9 @@ milliseconds wantedTime(const tArguments& arguments) {
 }
 
 // The first route with the requested polarity.
-tRoute chosenRoute(tRoutingSession& session, const tWantedRoute& wanted) {
-  const std::vector<tRoute> routes = session.calculate(wanted);
-  const auto chosen = std::ranges::find(routes, wanted.inverted, &tRoute::inverted);
+tRoute chooseRoute(tRoutingSession& session, const tRouteRequest& request) {
+  const std::vector<tRoute> routes = session.calculate(request);
+  const auto chosen = std::ranges::find(routes, request.inverted, &tRoute::inverted);
   for (const tRoute& route : routes) {
     if (chosen == routes.end() || route.ticket != chosen->ticket) {
       session.destroy(route.ticket);
@@ -40,12 +40,12 @@ tRoute chosenRoute(tRoutingSession& session, const tWantedRoute& wanted) {
   }
   if (chosen == routes.end() && !routes.empty()) {
     throw tCommandError(tExitCode::notSupported,
-                        "the route from " + wanted.from + " to " + wanted.to +
+                        "the route from " + request.from + " to " + request.to +
                             " inverts the signal; add --invert to connect it",
                         std::nullopt);
   }
   if (chosen == routes.end()) {
-    refuseRoute(wanted);
+    rejectWithoutRoute(request);
   }
   return *chosen;
 }
@@ -95,7 +95,7 @@ class tReporter {
     error_ << "quenra: the route was demoted after " << elapsedText(demotion.after) << ": "
            << reasonText(demotion.reason) << "; it carries no signal any more" << std::endl;
   }
-  void takenDown(const tHolding& holding) {
+  void released(const tHolding& holding) {
     stream_ << prefix_ << "taken down after " << elapsedText(holding.held) << std::endl;
   }
 
@@ -115,11 +115,11 @@ class tHolder {
     const tStopwatch stopwatch;
     do {
       const milliseconds rest = std::max(time - stopwatch.elapsed(), milliseconds(0));
-      if (const auto reason = demotions_.take(std::min(rest, kAttention))) {
+      if (const auto reason = demotions_.take(std::min(rest, kPollInterval))) {
         holding.demotions.push_back({*reason, stopwatch.elapsed()});
         reporter_.demoted(holding.demotions.back());
       }
-      holding.interrupted = interruption_.hasCome();
+      holding.interrupted = interruption_.hasOccurred();
     } while (!holding.interrupted && stopwatch.elapsed() < time);
     holding.held = stopwatch.elapsed();
   }
@@ -141,10 +141,10 @@ tHolding connect(tRoutingSession& session, const tRoute& chosen, milliseconds ti
     reporter.connected(holding, time);
     holder.hold(holding, time);
     if (!holding.demotions.empty()) {
-      route.hasFailed();
+      route.markFailed();
     }
   }
-  reporter.takenDown(holding);
+  reporter.released(holding);
   return holding;
 }
 
@@ -159,11 +159,11 @@ void writeDemotions(tJsonDocument& document, const tHolding& holding) {
   document.endArray();
 }
 
-void printDocument(std::ostream& stream, const tWantedRoute& wanted, const tHolding& holding,
+void printDocument(std::ostream& stream, const tRouteRequest& request, const tHolding& holding,
                    const std::vector<tWarning>& warnings) {
   tJsonDocument document("route-connect", holding.exitCode(), warnings);
-  document.text("from", wanted.from);
-  document.text("to", wanted.to);
+  document.text("from", request.from);
+  document.text("to", request.to);
   document.beginObject("route");
   writeRoute(document, holding.route, holding.path);
   document.number("ticket", holding.route.ticket);
@@ -177,18 +177,18 @@ void printDocument(std::ostream& stream, const tWantedRoute& wanted, const tHold
 }  // namespace
 
 tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& context) {
-  const milliseconds time = wantedTime(arguments);
+  const milliseconds time = parseHoldTime(arguments);
   tDemotions demotions;
   tRoutingSession session(context.ports.routing, routingDevice(context.ports.library), demotions);
-  const tWantedRoute wanted = wantedRoute(arguments, session);
+  const tRouteRequest request = parseRouteRequest(arguments, session);
   // Called before the first step, so that an interruption runs the teardown.
-  context.ports.interruption.await();
+  context.ports.interruption.intercept();
   tReporter reporter(context);
   tHolder holder(demotions, context.ports.interruption, reporter);
-  const tHolding holding = connect(session, chosenRoute(session, wanted), time, reporter, holder);
+  const tHolding holding = connect(session, chooseRoute(session, request), time, reporter, holder);
   printWarnings(context.streams.error, session.warnings());
   if (context.json) {
-    printDocument(context.streams.out, wanted, holding, session.warnings());
+    printDocument(context.streams.out, request, holding, session.warnings());
   }
   return holding.exitCode();
 }

@@ -14,7 +14,7 @@ namespace {
 
 // ---- Arguments ----
 
-void judgeTerminal(const std::string& name, const std::vector<tTerminal>& terminals) {
+void checkTerminal(const std::string& name, const std::vector<tTerminal>& terminals) {
   if (std::ranges::find(terminals, name, &tTerminal::name) == terminals.end()) {
     std::vector<std::string_view> names;
     std::ranges::transform(terminals, std::back_inserter(names), &tTerminal::name);
@@ -85,14 +85,14 @@ struct tPlannedRoute {
 };
 
 // Destroys every calculated route again, also if another one fails.
-std::vector<tPlannedRoute> planned(tRoutingSession& session, const tWantedRoute& wanted) {
+std::vector<tPlannedRoute> planned(tRoutingSession& session, const tRouteRequest& request) {
   std::vector<tPlannedRoute> routes;
-  for (const tRoute& route : session.calculate(wanted)) {
+  for (const tRoute& route : session.calculate(request)) {
     const tHeldRoute held(session, route.ticket);
     routes.push_back({route, held.path()});
   }
   if (routes.empty()) {
-    refuseRoute(wanted);
+    rejectWithoutRoute(request);
   }
   return routes;
 }
@@ -107,11 +107,11 @@ void printRouteTable(const tStreams& streams, const std::vector<tPlannedRoute>& 
   table.write(streams.out, tStyle(streams.outTakesStyles));
 }
 
-void printRoutes(std::ostream& stream, const tWantedRoute& wanted,
+void printRoutes(std::ostream& stream, const tRouteRequest& request,
                  const std::vector<tPlannedRoute>& routes, const std::vector<tWarning>& warnings) {
   tJsonDocument document("route-plan", tExitCode::done, warnings);
-  document.text("from", wanted.from);
-  document.text("to", wanted.to);
+  document.text("from", request.from);
+  document.text("to", request.to);
   document.beginArray("routes");
   for (const tPlannedRoute& planned : routes) {
     document.beginObject();
@@ -124,19 +124,19 @@ void printRoutes(std::ostream& stream, const tWantedRoute& wanted,
 
 }  // namespace
 
-tWantedRoute wantedRoute(const tArguments& arguments, tRoutingSession& session) {
+tRouteRequest parseRouteRequest(const tArguments& arguments, tRoutingSession& session) {
   const std::vector<tTerminal> terminals = session.terminals();
-  tWantedRoute wanted{arguments.text(nWords::kFrom), arguments.text(nWords::kTo),
-                      arguments.has(nWords::kInvert)};
-  judgeTerminal(wanted.from, terminals);
-  judgeTerminal(wanted.to, terminals);
-  return wanted;
+  tRouteRequest request{arguments.text(nWords::kFrom), arguments.text(nWords::kTo),
+                        arguments.has(nWords::kInvert)};
+  checkTerminal(request.from, terminals);
+  checkTerminal(request.to, terminals);
+  return request;
 }
 
-void refuseRoute(const tWantedRoute& wanted) {
+void rejectWithoutRoute(const tRouteRequest& request) {
   throw tCommandError(tExitCode::notSupported,
-                      "there is no route from " + wanted.from + " to " + wanted.to +
-                          (wanted.inverted ? " that inverts the signal" : ""),
+                      "there is no route from " + request.from + " to " + request.to +
+                          (request.inverted ? " that inverts the signal" : ""),
                       std::nullopt);
 }
 
@@ -175,11 +175,11 @@ tExitCode runTerminals(const tArguments& /*arguments*/, const tVerbContext& cont
 tExitCode runRoutePlan(const tArguments& arguments, const tVerbContext& context) {
   tDemotions demotions;
   tRoutingSession session(context.ports.routing, routingDevice(context.ports.library), demotions);
-  const tWantedRoute wanted = wantedRoute(arguments, session);
-  const std::vector<tPlannedRoute> routes = planned(session, wanted);
+  const tRouteRequest request = parseRouteRequest(arguments, session);
+  const std::vector<tPlannedRoute> routes = planned(session, request);
   printWarnings(context.streams.error, session.warnings());
   if (context.json) {
-    printRoutes(context.streams.out, wanted, routes, session.warnings());
+    printRoutes(context.streams.out, request, routes, session.warnings());
   } else {
     printRouteTable(context.streams, routes);
   }

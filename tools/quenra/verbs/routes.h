@@ -13,10 +13,11 @@ namespace nCommandLine {
 
 // Parses the route arguments of a verb. Throws tCommandError, with suggestions, for a terminal that
 // the session does not have.
-[[nodiscard]] tWantedRoute wantedRoute(const tArguments& arguments, tRoutingSession& session);
+[[nodiscard]] tRouteRequest parseRouteRequest(const tArguments& arguments,
+                                              tRoutingSession& session);
 
 // Throws tCommandError for a verb that found no route.
-[[noreturn]] void refuseRoute(const tWantedRoute& wanted);
+[[noreturn]] void rejectWithoutRoute(const tRouteRequest& request);
 
 // "TRIG_SMB -> PXI_Trig0", with a question mark for a terminal unknown to the library.
 [[nodiscard]] std::string pathText(const std::vector<std::string>& path);

@@ -11,7 +11,7 @@
 namespace nCommandLine {
 namespace {
 
-[[noreturn]] void refuse(const std::string& what, std::string advice) {
+[[noreturn]] void reject(const std::string& what, std::string advice) {
   throw tCommandError(what, std::move(advice), {});
 }
 
@@ -19,13 +19,13 @@ bool isSettingOfBoth(const tAttributeAddress& address) noexcept {
   return address.attribute == QUENRA_TEXT_SETTING_OF_BOTH;
 }
 
-void judgeSettingOfBoth(tWantedAttribute& wanted) {
-  tAttributeAddress& address = wanted.address;
+void checkSettingOfBoth(tAttributeArgument& argument) {
+  tAttributeAddress& address = argument.address;
   if (address.instance != 0) {
-    refuse(wanted.name() + " has no instances", "Leave the instance out.");
+    reject(argument.name() + " has no instances", "Leave the instance out.");
   }
   if (address.which == tInterface::controller) {
-    refuse(wanted.name() + " cannot be written to the controller interface alone",
+    reject(argument.name() + " cannot be written to the controller interface alone",
            "It goes to both interfaces, or with --marten to the Marten interface.");
   }
   if (address.which == tInterface::byDefault) {
@@ -33,30 +33,30 @@ void judgeSettingOfBoth(tWantedAttribute& wanted) {
   }
 }
 
-// The library evaluates the selector for some attributes only. Refuses a selector it would ignore.
-void judgeInterface(tWantedAttribute& wanted) {
-  const tAttributeAddress& address = wanted.address;
+// The library evaluates the selector for some attributes only. Rejects a selector it would ignore.
+void checkInterface(tAttributeArgument& argument) {
+  const tAttributeAddress& address = argument.address;
   if (isSettingOfBoth(address)) {
-    judgeSettingOfBoth(wanted);
+    checkSettingOfBoth(argument);
   } else if (address.which == tInterface::both) {
-    refuse(wanted.name() + " cannot be written to both interfaces at once",
+    reject(argument.name() + " cannot be written to both interfaces at once",
            "Only text-setting-of-both can.");
   } else if (address.type() == tAttributeType::text && address.which != tInterface::byDefault) {
-    refuse(
-        "the interface of " + wanted.name() + " cannot be chosen",
+    reject(
+        "the interface of " + argument.name() + " cannot be chosen",
         "A text goes to the controller interface, or to the Marten interface where the controller "
         "does not accept it.");
   }
 }
 
-void judgeText(const std::string& text) {
+void checkText(const std::string& text) {
   // The limit of QUENRA_setAttributeUTF8.
   constexpr size_t kMaxTextSize = 255;
   if (!isUtf8(text)) {
-    refuse("the value is not a Unicode text", "Texts are written as UTF-8.");
+    reject("the value is not a Unicode text", "Texts are written as UTF-8.");
   }
   if (text.size() > kMaxTextSize) {
-    refuse("the text has " + std::to_string(text.size()) + " bytes; at most " +
+    reject("the text has " + std::to_string(text.size()) + " bytes; at most " +
                std::to_string(kMaxTextSize) + " are accepted",
            "Shorten the text; a character outside ASCII has 2 to 4 bytes.");
   }
@@ -64,19 +64,19 @@ void judgeText(const std::string& text) {
 
 tAttributeValue parsedValue(tAttributeType type, const std::string& text) {
   if (type == tAttributeType::text) {
-    judgeText(text);
+    checkText(text);
     return text;
   }
   const auto number = parseUnsigned(text);
   if (!number) {
-    refuse(numberFault(text, "an unsigned 32-bit number"),
+    reject(numberFault(text, "an unsigned 32-bit number"),
            "Give it in decimal, or in hexadecimal after 0x, without its unit.");
   }
   return *number;
 }
 
 // Part of a sentence: "product-name is read-only on this machine".
-std::string placeOf(tInterface which) {
+std::string subjectOf(tInterface which) {
   switch (which) {
     case tInterface::controller:
       return "the controller interface";
@@ -87,23 +87,23 @@ std::string placeOf(tInterface which) {
   }
 }
 
-tCommandError refusalOf(const tWantedAttribute& wanted, int32_t code) {
-  const tInterface which = wanted.address.which;
-  const bool isReadable = wanted.row != nullptr && wanted.row->isReadable();
+tCommandError refusalOf(const tAttributeArgument& argument, int32_t code) {
+  const tInterface which = argument.address.which;
+  const bool isReadable = argument.row != nullptr && argument.row->isReadable();
   return {
       tExitCode::notSupported,
-      isReadable ? wanted.name() + " is read-only on " + placeOf(which)
-                 : placeOf(which == tInterface::both ? tInterface::byDefault : which) +
-                       " does not accept " + wanted.name(),
+      isReadable ? argument.name() + " is read-only on " + subjectOf(which)
+                 : subjectOf(which == tInterface::both ? tInterface::byDefault : which) +
+                       " does not accept " + argument.name(),
       code,
       tSiteExplanation{{}, "Run 'quenra attributes' to list the attributes that can be written."}};
 }
 
 // The controller is open, so an interface or a field of the SMBIOS table is missing.
-tCommandError absenceOf(const tWantedAttribute& wanted, int32_t code) {
-  const bool isMarten = wanted.address.which == tInterface::marten;
+tCommandError absenceOf(const tAttributeArgument& argument, int32_t code) {
+  const bool isMarten = argument.address.which == tInterface::marten;
   return {tExitCode::notSupported,
-          wanted.label() + " is not available: " +
+          argument.label() + " is not available: " +
               (isMarten ? "the machine has no Marten interface"
                         : "the SMBIOS table lacks the fields that allow text settings"),
           code,
@@ -112,37 +112,38 @@ tCommandError absenceOf(const tWantedAttribute& wanted, int32_t code) {
                                     : "Update the machine's firmware, which makes the table."}};
 }
 
-void judgeWriting(const tWantedAttribute& wanted, int32_t code, std::vector<tWarning>& warnings) {
+void checkWriting(const tAttributeArgument& argument, int32_t code,
+                  std::vector<tWarning>& warnings) {
   if (code > 0) {
-    warnings.push_back({"writing " + wanted.label(), code});
+    warnings.push_back({"writing " + argument.label(), code});
   }
   if (code == QUENRA_STATUS_NOT_SUPPORTED) {
-    throw refusalOf(wanted, code);
+    throw refusalOf(argument, code);
   }
   if (code == QUENRA_STATUS_NO_CONTROLLER) {
-    throw absenceOf(wanted, code);
+    throw absenceOf(argument, code);
   }
   if (code < 0) {
-    throw tCommandError(tExitCode::failure, "cannot write " + wanted.label(), code);
+    throw tCommandError(tExitCode::failure, "cannot write " + argument.label(), code);
   }
 }
 
-int32_t write(iQuenra& library, const tWantedAttribute& wanted, const tAttributeValue& value,
+int32_t write(iQuenra& library, const tAttributeArgument& argument, const tAttributeValue& value,
               std::vector<tWarning>& warnings) {
   const tController controller(library);
-  judgeOpening(controller, warnings);
-  const int32_t code = controller.write(wanted.address, value);
-  judgeWriting(wanted, code, warnings);
+  checkOpening(controller, warnings);
+  const int32_t code = controller.write(argument.address, value);
+  checkWriting(argument, code, warnings);
   return code;
 }
 
-void printDocument(std::ostream& stream, const tWantedAttribute& wanted,
+void printDocument(std::ostream& stream, const tAttributeArgument& argument,
                    const tAttributeValue& value, int32_t code,
                    const std::vector<tWarning>& warnings) {
   tJsonDocument document("set", tExitCode::done, warnings);
   document.beginObject("attribute");
-  writeAddress(document, wanted.row, wanted.address);
-  writeValue(document, wanted.row, value);
+  writeAddress(document, argument.row, argument.address);
+  writeValue(document, argument.row, value);
   document.status("status", code);
   document.endObject();
   document.writeTo(stream);
@@ -151,18 +152,21 @@ void printDocument(std::ostream& stream, const tWantedAttribute& wanted,
 }  // namespace
 
 tExitCode runSet(const tArguments& arguments, const tVerbContext& context) {
-  tWantedAttribute wanted = attributeToWrite(arguments);
-  judgeInterface(wanted);
-  const tAttributeValue value = parsedValue(wanted.address.type(), arguments.text(nWords::kValue));
+  tAttributeArgument argument = parseAttributeToWrite(arguments);
+  checkInterface(argument);
+  const tAttributeValue value =
+      parsedValue(argument.address.type(), arguments.text(nWords::kValue));
 
   std::vector<tWarning> warnings;
-  const int32_t code = write(context.ports.library, wanted, value, warnings);
-  context.streams.appliedChange = wanted.label() + " is set to " + shownValue(wanted.row, value);
+  const int32_t code = write(context.ports.library, argument, value, warnings);
+  context.streams.appliedChange =
+      argument.label() + " is set to " + shownValue(argument.row, value);
   printWarnings(context.streams.error, warnings);
   if (context.json) {
-    printDocument(context.streams.out, wanted, value, code, warnings);
+    printDocument(context.streams.out, argument, value, code, warnings);
   } else if (context.streams.outIsTerminal) {
-    context.streams.out << wanted.label() << ": set to " << shownValue(wanted.row, value) << '\n';
+    context.streams.out << argument.label() << ": set to " << shownValue(argument.row, value)
+                        << '\n';
   }
   return tExitCode::done;
 }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kVerb = "update";
 
-struct tWantedUpdate {
+struct tUpdateRequest {
   std::string path;
   tUpdateOptions options;
   std::string bytes;
@@ -29,20 +29,20 @@ tUpdateOptions optionsOf(const tArguments& arguments) {
   return options;
 }
 
-tWantedUpdate wantedUpdate(const tArguments& arguments) {
-  tWantedUpdate wanted{arguments.text(nWords::kImage), optionsOf(arguments), {}, {}};
-  wanted.bytes = readFile(wanted.path);
-  wanted.image = inspectImage(wanted.bytes);
-  if (wanted.image.sections.empty()) {
-    throw notAnImage(wanted.path, wanted.image);
+tUpdateRequest parseUpdateRequest(const tArguments& arguments) {
+  tUpdateRequest request{arguments.text(nWords::kImage), optionsOf(arguments), {}, {}};
+  request.bytes = readFile(request.path);
+  request.image = inspectImage(request.bytes);
+  if (request.image.sections.empty()) {
+    throw notAnImage(request.path, request.image);
   }
-  return wanted;
+  return request;
 }
 
 // ---- The plan ----
 
 struct tPlanAnswer {
-  const tWantedUpdate& wanted;
+  const tUpdateRequest& request;
   std::vector<tWarning> warnings;
   std::optional<tUpdateMachine> machine;
   std::vector<tPlannedSection> sections;
@@ -67,22 +67,23 @@ tExitCode exitCodeOf(int32_t openingCode, const std::vector<tObstacle>& obstacle
 
 // The obstacle for a controller that cannot be opened.
 tObstacle obstacleOf(const tController& controller) {
-  const tOpeningFault fault = faultOfOpening(controller);
+  const tOpeningFailure fault = explainOpeningFailure(controller);
   const std::string& remedy = fault.explanation.advice;
   return {fault.fact,
           remedy.empty() ? std::string(explainStatus(controller.code()).advice) : remedy,
           controller.code()};
 }
 
-tPlanAnswer plan(const tController& controller, const tPorts& ports, const tWantedUpdate& wanted) {
-  tPlanAnswer answer{wanted, {}, {}, {}, {}};
+tPlanAnswer plan(const tController& controller, const tPorts& ports,
+                 const tUpdateRequest& request) {
+  tPlanAnswer answer{request, {}, {}, {}, {}};
   if (controller.code() >= 0) {
-    judgeOpening(controller.code(), answer.warnings);
+    checkOpening(controller.code(), answer.warnings);
     answer.machine = readUpdateMachine(controller);
   }
-  answer.sections = planSections(wanted.image, answer.machineOrNull(), wanted.options.onlyNewer);
+  answer.sections = planSections(request.image, answer.machineOrNull(), request.options.onlyNewer);
   answer.obstacles =
-      findObstacles({answer.machineOrNull(), answer.sections, wanted.options}, ports.updateFacts);
+      findObstacles({answer.machineOrNull(), answer.sections, request.options}, ports.updateFacts);
   if (controller.code() < 0) {
     answer.obstacles.insert(answer.obstacles.begin(), obstacleOf(controller));
   }
@@ -91,15 +92,15 @@ tPlanAnswer plan(const tController& controller, const tPorts& ports, const tWant
 }
 
 // Writes the members that begin the documents of plans and of updates.
-void writeWanted(tJsonDocument& document, const tPlanAnswer& answer) {
-  document.text("path", answer.wanted.path);
-  document.truth("onlyNewer", answer.wanted.options.onlyNewer);
+void writeRequest(tJsonDocument& document, const tPlanAnswer& answer) {
+  document.text("path", answer.request.path);
+  document.truth("onlyNewer", answer.request.options.onlyNewer);
   writeInstalled(document, answer.machineOrNull());
 }
 
 void printPlanDocument(std::ostream& stream, const tPlanAnswer& answer) {
   tJsonDocument document("update-plan", answer.exitCode, answer.warnings);
-  writeWanted(document, answer);
+  writeRequest(document, answer);
   writePlan(document, answer.sections);
   writeObstacles(document, answer.obstacles);
   document.writeTo(stream);
@@ -112,9 +113,9 @@ std::string conclusionOf(const tPlanAnswer& answer) {
   return changesAnything(answer.sections) ? "no obstacle was found" : "nothing to do";
 }
 
-tExitCode runPlan(const tWantedUpdate& wanted, const tVerbContext& context) {
+tExitCode runPlan(const tUpdateRequest& request, const tVerbContext& context) {
   const tController controller(context.ports.library);
-  const tPlanAnswer answer = plan(controller, context.ports, wanted);
+  const tPlanAnswer answer = plan(controller, context.ports, request);
   if (context.json) {
     printPlanDocument(context.streams.out, answer);
   } else {
@@ -122,7 +123,7 @@ tExitCode runPlan(const tWantedUpdate& wanted, const tVerbContext& context) {
     context.streams.out << conclusionOf(answer) << std::endl;
   }
   printWarnings(context.streams.error, answer.warnings);
-  printRemarks(context.streams.error, answer.sections, wanted.options);
+  printRemarks(context.streams.error, answer.sections, request.options);
   printObstacles(context.streams.error, answer.obstacles);
   return answer.exitCode;
 }
@@ -139,7 +140,7 @@ tCommandError errorOf(const tPlanAnswer& answer) {
           tSiteExplanation{first.fact + ".", first.remedy}};
 }
 
-tExitCode refuse(const tPlanAnswer& answer, const tVerbContext& context) {
+tExitCode reject(const tPlanAnswer& answer, const tVerbContext& context) {
   printWarnings(context.streams.error, answer.warnings);
   printObstacles(context.streams.error, answer.obstacles);
   context.streams.error << "quenra: the update was not started; nothing was changed\n";
@@ -148,7 +149,7 @@ tExitCode refuse(const tPlanAnswer& answer, const tVerbContext& context) {
     writeError(document, errorOf(answer), kVerb);
     document.beginObject(kVerb);
     document.truth("started", false);
-    writeWanted(document, answer);
+    writeRequest(document, answer);
     writePlan(document, answer.sections);
     writeObstacles(document, answer.obstacles);
     document.endObject();
@@ -163,7 +164,7 @@ std::string factOf(const tPlanAnswer& answer, const tUpdateFailure& failure) {
   if (!failure.section) {
     return failure.fact;
   }
-  const auto& section = answer.wanted.image.sections[*failure.section - 1];
+  const auto& section = answer.request.image.sections[*failure.section - 1];
   return "section " + std::to_string(*failure.section) + ", " +
          std::string(section.header.targetDevice) + ": " + failure.fact;
 }
@@ -174,7 +175,8 @@ void writeFailure(tJsonDocument& document, const tPlanAnswer& answer,
   document.text("fact", failure.fact);
   if (failure.section) {
     document.number("section", static_cast<int64_t>(*failure.section));
-    document.text("device", answer.wanted.image.sections[*failure.section - 1].header.targetDevice);
+    document.text("device",
+                  answer.request.image.sections[*failure.section - 1].header.targetDevice);
   } else {
     document.null("section");
     document.null("device");
@@ -201,7 +203,7 @@ tExitCode fail(int32_t code, const tPlanAnswer& answer, const tVerbContext& cont
     writeError(document, error, kVerb);
     document.beginObject(kVerb);
     document.truth("started", true);
-    writeWanted(document, answer);
+    writeRequest(document, answer);
     writePlan(document, answer.sections, result);
     writeFailure(document, answer, failure);
     document.endObject();
@@ -215,7 +217,7 @@ tExitCode fail(int32_t code, const tPlanAnswer& answer, const tVerbContext& cont
 void printDocument(std::ostream& stream, const tPlanAnswer& answer, std::string_view outcome,
                    std::chrono::milliseconds elapsed) {
   tJsonDocument document(kVerb, tExitCode::done, answer.warnings);
-  writeWanted(document, answer);
+  writeRequest(document, answer);
   writePlan(document, answer.sections, successOf(answer.sections));
   document.number("elapsedMilliseconds", elapsed.count());
   document.text("outcome", outcome);
@@ -235,10 +237,10 @@ tExitCode reportNothingToDo(const tPlanAnswer& answer, const tVerbContext& conte
 
 tExitCode apply(const tController& controller, tPlanAnswer& answer, const tVerbContext& context) {
   tStreams& streams = context.streams;
-  const tWantedUpdate& wanted = answer.wanted;
+  const tUpdateRequest& request = answer.request;
   tProgress progress("updating", streams, context.ports.interruption, context.json);
   const int32_t code =
-      progress.run([&] { return controller.update(wanted.bytes, wanted.options.onlyNewer); });
+      progress.run([&] { return controller.update(request.bytes, request.options.onlyNewer); });
   if (code < 0) {
     return fail(code, answer, context);
   }
@@ -256,17 +258,17 @@ tExitCode apply(const tController& controller, tPlanAnswer& answer, const tVerbC
   return tExitCode::done;
 }
 
-tExitCode runWanted(const tWantedUpdate& wanted, const tVerbContext& context) {
+tExitCode carryOut(const tUpdateRequest& request, const tVerbContext& context) {
   tStreams& streams = context.streams;
   const tController controller(context.ports.library);
-  tPlanAnswer answer = plan(controller, context.ports, wanted);
+  tPlanAnswer answer = plan(controller, context.ports, request);
   if (!answer.obstacles.empty()) {
-    return refuse(answer, context);
+    return reject(answer, context);
   }
   if (!context.json) {
     printPlan(streams, answer.machineOrNull(), answer.sections, "What will be done");
   }
-  printRemarks(streams.error, answer.sections, wanted.options);
+  printRemarks(streams.error, answer.sections, request.options);
   if (!changesAnything(answer.sections)) {
     return reportNothingToDo(answer, context);
   }
@@ -284,14 +286,14 @@ tExitCode runWanted(const tWantedUpdate& wanted, const tVerbContext& context) {
 }  // namespace
 
 tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context) {
-  const tWantedUpdate wanted = wantedUpdate(arguments);
+  const tUpdateRequest request = parseUpdateRequest(arguments);
   if (arguments.has(nWords::kPlan)) {
-    return runPlan(wanted, context);
+    return runPlan(request, context);
   }
   // Held from before the plan is made: another update would change the machine that it describes.
   const tHeldUpdateLock lock(context.ports.updateLock, context.ports.interruption,
                              context.streams.error, !arguments.has(nWords::kNoWait));
-  return runWanted(wanted, context);
+  return carryOut(request, context);
 }
 
 }  // namespace nCommandLine
