@@ -1,6 +1,7 @@
 #include "tests/contract/contracttest.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <ostream>
 
@@ -72,7 +73,7 @@ tTextRead readText(uint32_t attribute, uint64_t size) {
 
   tTextRead result{0, "", size};
   result.code = QUENRA_getAttributeUTF8(QUENRA_HANDLE, attribute, buffer.data(), &result.size);
-  EXPECT_EQ(buffer.back(), '#') << "written behind the buffer's end";
+  EXPECT_EQ(buffer.back(), '#') << "written past the buffer's end";
   buffer.pop_back();
   result.text.assign(buffer.begin(), std::find(buffer.begin(), buffer.end(), '\0'));
   return result;
@@ -82,6 +83,12 @@ tUnsignedRead readUnsigned(uint32_t attribute) {
   tUnsignedRead result{0, kUntouchedValue};
   result.code = QUENRA_getAttributeU32(QUENRA_HANDLE, attribute, &result.value);
   return result;
+}
+
+std::unique_ptr<char[]> unterminatedText(size_t length) {
+  auto text = std::make_unique<char[]>(length);
+  std::memset(text.get(), 'x', length);
+  return text;
 }
 
 }  // namespace nTests

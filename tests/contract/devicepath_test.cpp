@@ -17,10 +17,10 @@ TEST_F(DevicePath, WithoutAnOpenController_IsRead) {
 }
 
 TEST_F(DevicePath, WithAnyHandle_IsRead) {
-  for (const uint64_t handle : {uint64_t{0}, uint64_t{0x514E5241}, ~uint64_t{0}}) {
+  for (const uint64_t handle : {uint64_t{0}, QUENRA_HANDLE, ~uint64_t{0}}) {
     char buffer[256] = "";
     uint64_t size = sizeof buffer;
-    EXPECT_EQ(QUENRA_getAttributeUTF8(handle, 0x18000100, buffer, &size), 0);
+    EXPECT_EQ(QUENRA_getAttributeUTF8(handle, QUENRA_ATTRIBUTE_DEVICE_PATH, buffer, &size), 0);
     EXPECT_EQ(buffer, path());
   }
 }
@@ -30,13 +30,13 @@ TEST_F(DevicePath, InABufferThatJustFits_IsRead) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_DEVICE_PATH, needed), (tTextRead{0, path(), needed}));
 }
 
-TEST_F(DevicePath, InABufferOneByteTooSmall_TellsTheSizeNeeded) {
+TEST_F(DevicePath, InABufferOneByteTooSmall_ReportsTheSizeNeeded) {
   const uint64_t needed = path().size() + 1;
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_DEVICE_PATH, needed - 1),
             (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, kUntouchedText, needed}));
 }
 
-TEST_F(DevicePath, WithSizeZeroAndNoBuffer_TellsTheSizeNeeded) {
+TEST_F(DevicePath, WithSizeZeroAndNoBuffer_ReportsTheSizeNeeded) {
   uint64_t size = 0;
   EXPECT_EQ(QUENRA_getAttributeUTF8(0, QUENRA_ATTRIBUTE_DEVICE_PATH, nullptr, &size),
             QUENRA_STATUS_BUFFER_TOO_SMALL);

@@ -50,7 +50,7 @@ class Opening : public ContractTest {
   }
 };
 
-TEST_F(Opening, GivesTheOneHandle) {
+TEST_F(Opening, ReturnsTheHandle) {
   uint64_t handle = 0;
   EXPECT_EQ(QUENRA_openController(&handle), QUENRA_STATUS_SUCCESS);
   EXPECT_EQ(handle, 0x514E5241u);
@@ -75,7 +75,7 @@ TEST_F(Opening, TwiceAndClosedOnce_StaysOpen) {
   EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_MEMORY_MODULE_COUNT).code, QUENRA_STATUS_INVALID_HANDLE);
 }
 
-TEST_F(Opening, Twice_AsksTheDriverOnce) {
+TEST_F(Opening, Twice_QueriesTheDriverOnce) {
   machine().clearLog();
   open();
   const size_t afterTheFirst = machine().log().size();
@@ -141,7 +141,7 @@ TEST_F(Opening, SecondMartenInterface_FailsWithGenericFailureAndClosesBoth) {
   EXPECT_EQ(count(kSimulatorEventClose, kSimulatorInterfaceMarten), 1u);
 }
 
-TEST_F(Opening, AfterAFailure_TriesEverythingAgain) {
+TEST_F(Opening, AfterAFailure_RepeatsEveryStep) {
   usePresence(0, 0);
   ASSERT_EQ(openOnce(), QUENRA_STATUS_NO_CONTROLLER);
   usePresence(1, 1);
@@ -159,7 +159,7 @@ TEST_F(Opening, AfterAClose_InstallsTheTableAgain) {
 
 // ---- Fetching the table ----
 
-TEST_F(Opening, FirstAsksForSizes_ThenHandsOverBuffersOfThose) {
+TEST_F(Opening, QueriesTheSizes_ThenPassesBuffersOfThatSize) {
   machine().clearLog();
   ASSERT_EQ(openOnce(), 0);
   const auto exchanges = requests(REQUEST_EXCHANGE_VALUES);
@@ -188,7 +188,7 @@ TEST_F(Opening, FirstAsksForSizes_ThenHandsOverBuffersOfThose) {
   EXPECT_EQ(numberAt(28, 4), 0u);
 }
 
-TEST_F(Opening, FirstExchangeFailing_GivesTheDriversCodeAndClosesAll) {
+TEST_F(Opening, FirstExchangeFailing_ReturnsTheDriversCodeAndClosesAll) {
   machine().clearLog();
   answer(REQUEST_EXCHANGE_VALUES, kSimulatorActionAnswerCode, -1);
   EXPECT_EQ(openOnce(), -1);
@@ -206,7 +206,7 @@ TEST_F(Opening, FirstExchangeWithAWarning_SucceedsWithTheWarning) {
   EXPECT_EQ(exchanges.at(1).input[28], 1) << "the driver is told of the warning";
 }
 
-TEST_F(Opening, FirstExchangeWithoutComplaint_GoesOnWithItsSizes) {
+TEST_F(Opening, FirstExchangeThatSucceeds_ContinuesWithItsSizes) {
   answerExchange(0, {16, static_cast<uint32_t>(tReferenceTable().build().size()), 0});
   EXPECT_EQ(openOnce(), 0);
 }
@@ -217,7 +217,7 @@ TEST_F(Opening, ANegativeTableSize_FailsWithMemoryFull) {
   EXPECT_EQ(requests(REQUEST_EXCHANGE_VALUES).size(), 1u);
 }
 
-TEST_F(Opening, SecondExchangeFailing_GivesTheDriversCode) {
+TEST_F(Opening, SecondExchangeFailing_ReturnsTheDriversCode) {
   answer(REQUEST_EXCHANGE_VALUES, kSimulatorActionAnswerCode, -77, 1);
   EXPECT_EQ(openOnce(), -77);
 }
@@ -235,7 +235,7 @@ TEST_F(Opening, TableShrunkBetweenTheExchanges_UsesTheSmallerSize) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PRODUCT_NAME), text("BW-8135"));
 }
 
-TEST_F(Opening, SecondExchangePromisingMoreThanThereIsRoom_IsNotBelieved) {
+TEST_F(Opening, SecondExchangeReportingMoreThanItsBuffer_IsLimited) {
   // The driver filled nothing, so the machine is not supported; no byte past the buffer is read.
   answerExchange(1, {0xFFFFFFFF, 0xFFFFFFFF, 0});
   EXPECT_EQ(openOnce(), QUENRA_STATUS_NO_CONTROLLER);
@@ -253,7 +253,7 @@ TEST_F(Opening, VersionTextWithoutNulOrTooLong_DoesNoHarm) {
   EXPECT_EQ(openOnce(), 0);
 }
 
-TEST_F(Opening, RequestRefusedByTheSystem_GivesTheMappedCode) {
+TEST_F(Opening, RequestRejectedByTheSystem_ReturnsTheMappedCode) {
   answer(REQUEST_EXCHANGE_VALUES, kSimulatorActionFail, 5);
   EXPECT_EQ(openOnce(), QUENRA_STATUS_ACCESS_DENIED);
 }
@@ -334,7 +334,7 @@ TEST_F(Opening, WithoutMemoryArray_FailsWithNotSupported) {
   EXPECT_EQ(openOn(tReferenceTable().remove(0x10)), QUENRA_STATUS_NOT_SUPPORTED);
 }
 
-TEST_F(Opening, WithFewerDevicesThanTheArraySays_FailsWithNotSupported) {
+TEST_F(Opening, WithFewerDevicesThanTheArrayReports_FailsWithNotSupported) {
   tReferenceTable table;
   table.structure(0x10).word(0x0D, 5);
   EXPECT_EQ(openOn(table), QUENRA_STATUS_NOT_SUPPORTED);

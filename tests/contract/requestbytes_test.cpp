@@ -1,4 +1,4 @@
-// The requests that reach the driver, byte by byte.
+// The requests that reach the driver, byte by byte. Numbers instead of symbols: the tests pin them.
 #include <bit>
 #include <cstdlib>
 #include <cstring>

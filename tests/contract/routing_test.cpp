@@ -95,7 +95,7 @@ TEST_F(Routing, RequiredInversion_IsPartOfTheAnswer) {
               HasSubstr(R"("indexOfStartingSeed":0,"constraints":{"inversionNeeded":true}}])"));
 }
 
-TEST_F(Routing, LineOfAnotherSession_IsRefusedWithItsHolder) {
+TEST_F(Routing, LineOfAnotherSession_IsRejectedWithItsHolder) {
   tRoutingClient holder;
   tRoutingClient client;
   const uint32_t held = holder.ticketFor("TRIG_SMB", "PXI_Trig0");
@@ -151,7 +151,7 @@ std::vector<uint32_t> capacitiesOf(const std::vector<tSimulatorLogEntry>& entrie
   return capacities;
 }
 
-TEST_F(Routing, PathBufferTooSmallForTheTransport_IsOfferedOnceMore) {
+TEST_F(Routing, PathBufferTooSmallForTheTransport_IsRepeatedOnce) {
   tRoutingClient client;
   const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
   failPathRequests(machine(), 1);
@@ -176,7 +176,7 @@ TEST_F(Routing, PathBufferTooSmallForTheTransportTwice_FailsWithPathTooLong) {
   EXPECT_EQ(requests(REQUEST_GET_ROUTE_TERMINAL_PATH).size(), 2u);
 }
 
-TEST_F(Routing, StepOutOfOrder_IsRefusedByTheDriver) {
+TEST_F(Routing, StepOutOfOrder_IsRejectedByTheDriver) {
   tRoutingClient client;
   const uint32_t ticket = client.ticketFor("TRIG_SMB", "PXI_Trig0");
   zoroco_ra_quenra_programRoute(client.session, ticket, &client.status);
@@ -193,7 +193,7 @@ TEST_F(Routing, UnknownTicket_CanBeTornDown) {
   EXPECT_EQ(client.status.code, 0);
 }
 
-TEST_F(Routing, UnknownTerminal_IsRefusedByTheDriver) {
+TEST_F(Routing, UnknownTerminal_IsRejectedByTheDriver) {
   tRoutingClient client;
   EXPECT_EQ(client.calculate("TRIG_SMB", "PXI_Trig8"), "(none)");
   EXPECT_EQ(client.status.code, SIMULATOR_STATUS_NO_SUCH_TERMINAL);

@@ -140,6 +140,7 @@ TEST_P(TextTable, WithAStructureThatIsTooShort_IsNotSupported) {
   EXPECT_EQ(readText(row.attribute), noText(kNotSupported));
 }
 
+// Numbers instead of symbols: the table pins the ids.
 INSTANTIATE_TEST_SUITE_P(
     Rows, TextTable,
     testing::Values(
@@ -473,7 +474,7 @@ TEST_F(TextFromMarten, EmptyWithoutNulAndSizeZero_NeedsOneByte) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 1), (tTextRead{0, "", 0}));
 }
 
-TEST_F(TextFromMarten, RefusedByTheDriver_LeavesTheSize) {
+TEST_F(TextFromMarten, RejectedByTheDriver_LeavesTheSize) {
   open();
   machine().removeAttribute(kSimulatorInterfaceMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION);
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), noText(kNotSupported));

@@ -21,8 +21,8 @@ using testing::SizeIs;
 
 constexpr auto kController = kSimulatorInterfaceController;
 constexpr auto kMarten = kSimulatorInterfaceMarten;
-constexpr uint32_t kMarker = 0x10000400;
-constexpr uint32_t kMartenVersion = 0x10200400;
+constexpr uint32_t kMarker = QUENRA_ATTRIBUTE_FIRMWARE_VERSION;
+constexpr uint32_t kMartenVersion = QUENRA_ATTRIBUTE_FIRMWARE_VERSION + QUENRA_SELECTOR_MARTEN;
 constexpr uint32_t kCompare = 0;
 constexpr uint32_t kEverything = 1;
 
@@ -183,7 +183,7 @@ class Update : public ContractTest {
 
 // ---- Destinations ----
 
-TEST_F(Update, EveryKindOfSection_GoesWhereItBelongs) {
+TEST_F(Update, EveryKindOfSection_IsInstalledAtItsDestination) {
   const std::vector<tFirmwareSection> sections{marten(), safeMode(), driverPackage(), bios()};
   EXPECT_EQ(update(sections), 0);
   // Driver packages and the BIOS come first, the later section before the earlier one.
@@ -418,7 +418,7 @@ TEST_F(Update, MalformedImage_ChangesNothing) {
   EXPECT_THAT(folders(), IsEmpty());
 }
 
-TEST_F(Update, MartenSectionWithoutAMarten_IsRefusedForAllOptions) {
+TEST_F(Update, MartenSectionWithoutAMarten_IsRejectedForAllOptions) {
   QUENRA_closeController(QUENRA_HANDLE);
   usePresence(1, 0);
   open();
@@ -454,27 +454,27 @@ TEST_F(Update, MarkerThatCannotBeWritten_StopsTheUpdateAndIsRestored) {
   EXPECT_THAT(folders(), IsEmpty());
 }
 
-TEST_F(Update, FirmwareThatTheDriverRefuses_FailsWithItsCodeAndRestoresTheMarker) {
+TEST_F(Update, FirmwareThatTheDriverRejects_FailsWithItsCodeAndRestoresTheMarker) {
   failSends(kController, -123);
   EXPECT_EQ(update({bios(), marten()}), -123);
   EXPECT_THAT(received(), IsEmpty()) << "no later payload is sent";
   EXPECT_EQ(installedMarker(), "1.4.0f7");
 }
 
-TEST_F(Update, MartenFirmwareThatTheDriverRefuses_RestoresTheMarkerAfterTheBios) {
+TEST_F(Update, MartenFirmwareThatTheDriverRejects_RestoresTheMarkerAfterTheBios) {
   failSends(kMarten, -124);
   EXPECT_EQ(update({bios(), marten()}), -124);
   EXPECT_THAT(received(), ElementsAre(to(kController, bios())));
   EXPECT_EQ(installedMarker(), "1.4.0f7");
 }
 
-TEST_F(Update, PayloadThatTheDriverRefuses_LeavesTheFilesOfTheImage) {
+TEST_F(Update, PayloadThatTheDriverRejects_LeavesTheFilesOfTheImage) {
   failSends(kMarten, -124);
   EXPECT_EQ(update({marten(), driverPackage(), tFirmwareSection::capsule("bios.cap")}), -124);
   EXPECT_THAT(files(), ElementsAre("bios.cap", "driver.inf"));
 }
 
-TEST_F(Update, ExistingFile_IsReplacedAsAWhole) {
+TEST_F(Update, ExistingFile_IsReplacedCompletely) {
   const fs::path file = temporary_.path() / "beside.cap";
   std::ofstream(file) << std::string(10000, 'x');
   const tFirmwareSection capsule = tFirmwareSection::capsule("../beside.cap");
@@ -495,7 +495,7 @@ TEST_F(Update, FileThatCannotBeWrittenToItsEnd_IsNotReported) {
   }
 }
 
-TEST_F(Update, WarningOfTheDriver_IsKeptAndTheUpdateGoesOn) {
+TEST_F(Update, WarningOfTheDriver_IsKeptAndTheUpdateContinues) {
   tSimulatorScript warning{};
   warning.interfaceKind = kController;
   warning.requestCode = REQUEST_CONTROLLER_SEND_COMMAND;

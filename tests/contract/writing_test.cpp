@@ -138,7 +138,7 @@ TEST_F(Writing, ATextThatTheMachineForbids_GoesToAnOpenMarten) {
   EXPECT_EQ(writes(), (tWrites{{kMarten, kText}}));
 }
 
-TEST_F(Writing, ATextThatTheControllerDoesNotTake_GoesToMarten) {
+TEST_F(Writing, ATextThatTheControllerRejects_GoesToMarten) {
   useTable(writableTable());
   machine().refuseWrites(kController, kText);
   open();
@@ -147,7 +147,7 @@ TEST_F(Writing, ATextThatTheControllerDoesNotTake_GoesToMarten) {
   EXPECT_EQ(writes(), (tWrites{{kController, kText}, {kMarten, kText}}));
 }
 
-TEST_F(Writing, ATextThatNeitherTakes_IsNotSupported) {
+TEST_F(Writing, ATextThatBothReject_IsNotSupported) {
   useTable(writableTable());
   machine().refuseWrites(kController, kText);
   machine().refuseWrites(kMarten, kText);
@@ -155,7 +155,7 @@ TEST_F(Writing, ATextThatNeitherTakes_IsNotSupported) {
   EXPECT_EQ(write(kText, "abc"), QUENRA_STATUS_NOT_SUPPORTED);
 }
 
-TEST_F(Writing, ATextOnAMachineThatDoesNotTell_FailsWithNoControllerAndIsNotOfferedToMarten) {
+TEST_F(Writing, ATextOnAMachineWithoutThatField_FailsWithNoControllerAndIsNotSentToMarten) {
   useTable(tReferenceTable().remove(0x9D));
   open();
   machine().clearLog();
@@ -163,7 +163,7 @@ TEST_F(Writing, ATextOnAMachineThatDoesNotTell_FailsWithNoControllerAndIsNotOffe
   EXPECT_TRUE(writes().empty());
 }
 
-TEST_F(Writing, ATextSelectedOnMarten_IsOfferedToTheControllerFirstAllTheSame) {
+TEST_F(Writing, ATextSelectedOnMarten_IsSentToTheControllerFirst) {
   useTable(writableTable());
   open();
   machine().clearLog();
@@ -171,7 +171,7 @@ TEST_F(Writing, ATextSelectedOnMarten_IsOfferedToTheControllerFirstAllTheSame) {
   EXPECT_EQ(writes(), (tWrites{{kController, kText | QUENRA_SELECTOR_MARTEN}}));
 }
 
-TEST_F(Writing, AnotherFailureOfTheController_IsNotOfferedToMarten) {
+TEST_F(Writing, AnotherFailureOfTheController_IsNotSentToMarten) {
   useTable(writableTable());
   refuse(kController, -77);
   open();
@@ -187,10 +187,11 @@ TEST_F(Writing, TheSettingOfBoth_GoesToBoth) {
   open();
   machine().clearLog();
   EXPECT_EQ(write(kBoth, "abc"), 0);
-  EXPECT_EQ(writes(), (tWrites{{kController, 0x18000000}, {kMarten, 0x18200000}}));
+  EXPECT_EQ(writes(), (tWrites{{kController, kBoth}, {kMarten, kBoth | QUENRA_SELECTOR_MARTEN}}));
   machine().clearLog();
   EXPECT_EQ(write(kBoth | QUENRA_SELECTOR_CONTROLLER, "abc"), 0);
-  EXPECT_EQ(writes(), (tWrites{{kController, 0x18100000}, {kMarten, 0x18200000}}));
+  EXPECT_EQ(writes(), (tWrites{{kController, kBoth | QUENRA_SELECTOR_CONTROLLER},
+                               {kMarten, kBoth | QUENRA_SELECTOR_MARTEN}}));
 }
 
 TEST_F(Writing, TheSettingOfBoth_SelectedOnMarten_SkipsTheController) {
@@ -198,7 +199,7 @@ TEST_F(Writing, TheSettingOfBoth_SelectedOnMarten_SkipsTheController) {
   open();
   machine().clearLog();
   EXPECT_EQ(write(kBoth | QUENRA_SELECTOR_MARTEN, "abc"), 0);
-  EXPECT_EQ(writes(), (tWrites{{kMarten, 0x18200000}}));
+  EXPECT_EQ(writes(), (tWrites{{kMarten, kBoth | QUENRA_SELECTOR_MARTEN}}));
 }
 
 TEST_F(Writing, TheSettingOfBoth_WithoutMarten_NeedsTheControllerOnly) {
@@ -209,7 +210,7 @@ TEST_F(Writing, TheSettingOfBoth_WithoutMarten_NeedsTheControllerOnly) {
   EXPECT_EQ(write(kBoth | QUENRA_SELECTOR_MARTEN, "abc"), 0) << "nothing is written, nothing fails";
 }
 
-TEST_F(Writing, TheSettingOfBoth_ThatTheControllerDoesNotTake_IsNotSupported) {
+TEST_F(Writing, TheSettingOfBoth_ThatTheControllerRejects_IsNotSupported) {
   useTable(writableTable());
   refuse(kController, QUENRA_STATUS_NOT_SUPPORTED);
   open();
@@ -218,7 +219,7 @@ TEST_F(Writing, TheSettingOfBoth_ThatTheControllerDoesNotTake_IsNotSupported) {
   EXPECT_EQ(writes().size(), 1u) << "Marten is not asked";
 }
 
-TEST_F(Writing, TheSettingOfBoth_ThatMartenDoesNotTake_IsNoFailure) {
+TEST_F(Writing, TheSettingOfBoth_ThatMartenRejects_IsNoFailure) {
   useTable(writableTable());
   refuse(kMarten, QUENRA_STATUS_NOT_SUPPORTED);
   open();
@@ -276,10 +277,12 @@ TEST_F(Writing, ANumberSelectedOnMarten_GoesThereAndAnyOtherToTheController) {
 TEST_F(Writing, ANumberOnAClosedMarten_FailsWithNoController) {
   usePresence(1, 0);
   open();
-  EXPECT_EQ(QUENRA_setAttributeU32(QUENRA_HANDLE, 0x20251400, 3), QUENRA_STATUS_NO_CONTROLLER);
+  EXPECT_EQ(QUENRA_setAttributeU32(QUENRA_HANDLE,
+                                   QUENRA_ATTRIBUTE_DRIVER_SETTING_2 + QUENRA_SELECTOR_MARTEN, 3),
+            QUENRA_STATUS_NO_CONTROLLER);
 }
 
-TEST_F(Writing, ANumberThatTheDriverRefuses_IsNotOfferedToMarten) {
+TEST_F(Writing, ANumberThatTheDriverRejects_IsNotSentToMarten) {
   open();
   machine().clearLog();
   EXPECT_EQ(QUENRA_setAttributeU32(QUENRA_HANDLE, QUENRA_ATTRIBUTE_PROCESSOR_SETTING, 3),
@@ -288,9 +291,11 @@ TEST_F(Writing, ANumberThatTheDriverRefuses_IsNotOfferedToMarten) {
 }
 
 TEST_F(Writing, ANumberOnABadHandle_FailsWithInvalidHandle) {
-  EXPECT_EQ(QUENRA_setAttributeU32(QUENRA_HANDLE, 0x20044C00, 3), QUENRA_STATUS_INVALID_HANDLE);
+  EXPECT_EQ(QUENRA_setAttributeU32(QUENRA_HANDLE, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 3),
+            QUENRA_STATUS_INVALID_HANDLE);
   open();
-  EXPECT_EQ(QUENRA_setAttributeU32(1, 0x20044C00, 3), QUENRA_STATUS_INVALID_HANDLE);
+  EXPECT_EQ(QUENRA_setAttributeU32(1, QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 3),
+            QUENRA_STATUS_INVALID_HANDLE);
 }
 
 // ---- The self-test ----
