@@ -58,7 +58,7 @@ TEST_F(FakeCom, Object_LivesAsLongAsItsReferences) {
   CoUninitialize();
 }
 
-TEST_F(FakeCom, InterfaceThatAnObjectDoesNotHave_IsRefused) {
+TEST_F(FakeCom, UnsupportedInterface_IsRejected) {
   ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
   void* object = nullptr;
   EXPECT_EQ(create(kManagementLocatorClass, &object), E_NOINTERFACE);
@@ -78,7 +78,7 @@ TEST_F(FakeComDeathTest, UnbalancedUse_Stops) {
       "COM ends while an object is alive");
 }
 
-TEST_F(FakeComDeathTest, TextOrValueThatIsNotThere_Stops) {
+TEST_F(FakeComDeathTest, InvalidTextOrValue_Stops) {
   EXPECT_DEATH(
       {
         const BSTR text = SysAllocString(L"x");

@@ -49,7 +49,7 @@ TEST_F(FakeWindows, Listing_EndsWithNoMoreItems) {
   EXPECT_TRUE(SetupDiDestroyDeviceInfoList(set));
 }
 
-TEST_F(FakeWindows, Detail_TellsTheSizeAlsoWhenItDoesNotFit) {
+TEST_F(FakeWindows, Detail_ReportsTheSizeWhenItDoesNotFit) {
   const HDEVINFO set = list();
   SP_DEVICE_INTERFACE_DATA data{};
   data.cbSize = sizeof data;
@@ -68,7 +68,7 @@ TEST_F(FakeWindows, Detail_TellsTheSizeAlsoWhenItDoesNotFit) {
   SetupDiDestroyDeviceInfoList(set);
 }
 
-TEST_F(FakeWindows, FileThatIsNotThere_IsNotFound) {
+TEST_F(FakeWindows, MissingFile_IsNotFound) {
   EXPECT_EQ(CreateFileA("\\\\?\\nothing", GENERIC_READ | GENERIC_WRITE,
                         FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr),
             INVALID_HANDLE_VALUE);
@@ -115,7 +115,7 @@ TEST_F(FakeWindows, RequestThatIsPending_SignalsItsEventWhenItCompletes) {
   exchange.expectCompletion();
 }
 
-TEST_F(FakeWindows, RequestTooFarGoneToBeCancelled_Completes) {
+TEST_F(FakeWindows, UncancellableRequest_Completes) {
   faultPlan().complete(tCompletion::uncancellable);
   const HANDLE file = open();
   tExchange exchange(file);
@@ -161,7 +161,7 @@ TEST_F(FakeWindows, SignalledEvent_StaysSignalled) {
   CloseHandle(manual);
 }
 
-TEST_F(FakeWindows, LastError_IsTheThreadsOwn) {
+TEST_F(FakeWindows, LastError_IsPerThread) {
   SetLastError(5);
   std::thread([] {
     EXPECT_EQ(GetLastError(), 0u);
@@ -170,7 +170,7 @@ TEST_F(FakeWindows, LastError_IsTheThreadsOwn) {
   EXPECT_EQ(GetLastError(), 5u);
 }
 
-TEST_F(FakeWindows, UnreachableMemory_IsRefusedByTheDriver) {
+TEST_F(FakeWindows, UnreachableMemory_IsRejectedByTheDriver) {
   const HANDLE file = open(0);
   char target[64] = {};
   machine().makeUnreachable(target, sizeof target);
@@ -187,7 +187,7 @@ TEST_F(FakeWindows, UnreachableMemory_IsRefusedByTheDriver) {
   CloseHandle(file);
 }
 
-TEST_F(FakeWindows, FirmwareTable_TellsItsSizeAndNeedsRoom) {
+TEST_F(FakeWindows, FirmwareTable_ReportsItsSizeAndRequiresABuffer) {
   machine().useFirmwareTable({1, 2, 3});
   uint8_t buffer[3] = {};
   EXPECT_EQ(GetSystemFirmwareTable(0x52534D42, 0, nullptr, 0), 3u);
@@ -216,7 +216,7 @@ TEST_F(FakeWindows, PlannedFailure_HitsTheNthCallOfAFunction) {
   EXPECT_EQ(faultPlan().callCount(), 5u);
 }
 
-TEST_F(FakeWindows, Record_TellsTheCallsInOrder) {
+TEST_F(FakeWindows, Record_ListsTheCallsInOrder) {
   const HANDLE file = open();
   CloseHandle(file);
   const auto calls = faultPlan().calls();

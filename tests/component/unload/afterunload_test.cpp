@@ -1,5 +1,5 @@
 // Exports called by a static destructor that runs after the library's own. The process ends with an
-// exit code of the destructor's if one of them is wrong.
+// exit code of the destructor if one of them misbehaves.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -27,9 +27,10 @@ struct tClient {
   tClient(const tClient&) = delete;
   tClient& operator=(const tClient&) = delete;
   ~tClient() {
-    if (const int wrong = isUsed ? firstWrongExport(kExports, session) : 0; wrong != 0) {
-      std::fprintf(stderr, "after unloading, export %d is wrong\n", wrong);
-      _exit(wrong);
+    if (const int misbehaving = isUsed ? firstMisbehavingExport(kExports, session) : 0;
+        misbehaving != 0) {
+      std::fprintf(stderr, "after unloading, export %d misbehaves\n", misbehaving);
+      _exit(misbehaving);
     }
     nFakeWindows::objects().waitForThreads();
   }

@@ -19,9 +19,9 @@ struct tExports {
   decltype(&zoroco_ra_quenra_destroySession) destroySession;
 };
 
-// Returns the number of the first export that misbehaves, 0 if none does. The
-// controller is open; `session` is live and is destroyed.
-inline int firstWrongExport(const tExports& exports, zoroco_RoutingAdaptorSession* session) {
+// Returns the number of the first export that misbehaves, or 0. The controller is open; `session` is
+// valid and is destroyed.
+inline int firstMisbehavingExport(const tExports& exports, zoroco_RoutingAdaptorSession* session) {
   uint64_t handle = 17;
   if (exports.open(&handle) != QUENRA_STATUS_NOT_READY || handle != 17) {
     return 1;

@@ -68,7 +68,7 @@ TEST_F(Module, UnloadedWithOpenSession_StaysMappedAndReportsDemotions) {
   load();
   destroySession(session);
   FreeLibrary(module);
-  EXPECT_TRUE(becomesTrue([] { return !isLoaded(); })) << "the thread has given its reference back";
+  EXPECT_TRUE(becomesTrue([] { return !isLoaded(); })) << "the thread has released its reference";
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ struct tClient {
   ~tClient() {
     if (session != nullptr) {
       TerminateProcess(GetCurrentProcess(),
-                       static_cast<UINT>(nTests::firstWrongExport(exports, session)));
+                       static_cast<UINT>(nTests::firstMisbehavingExport(exports, session)));
     }
   }
 };
