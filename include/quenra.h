@@ -85,20 +85,23 @@ void QUENRA_closeController(uint64_t handle);
  * attribute: an id of QUENRA_TextAttribute, with instance and selector where they apply.
  * buffer:    out; receives the text as UTF-8, and a NUL. The library does not check that a text of
  *            the machine or the driver is valid UTF-8. After a failure the content is unspecified.
- * size:      in: the buffer's size in bytes; 0 to query the size needed. Out: with
- *            QUENRA_STATUS_BUFFER_TOO_SMALL the size needed, NUL included; with success or a warning
- *            from the Marten interface the bytes that the driver filled; else unchanged.
+ * size:      in: the buffer's size in bytes; 0 to query the size needed.
+ *            out: with QUENRA_STATUS_BUFFER_TOO_SMALL the size needed, NUL included; for a text of the
+ *            Marten interface, with success or a warning, the bytes that the driver filled; otherwise
+ *            unchanged.
  *
- * A query with size 0 does not show that there is a text: a text that means that there is none ("Not
- * Applicable", a version that repeats the BIOS version) has a size, and the read that follows returns
- * QUENRA_STATUS_NOT_SUPPORTED and leaves an empty text in the buffer. A field that is malformed in the
- * machine's table returns 0, to the query and to the read, with size and buffer unchanged: store a NUL
- * in the buffer before the call.
+ * To read a text of any length, repeat the call with a buffer of *size bytes for as long as it returns
+ * QUENRA_STATUS_BUFFER_TOO_SMALL.
  *
- * The library terminates a text of the Marten interface that the driver returns without a NUL. When
- * such a text fills the buffer, the code is QUENRA_STATUS_BUFFER_TOO_SMALL, *size is one byte larger,
- * and the buffer holds an empty text. To read a text of any length, repeat the call with a buffer of
- * *size bytes for as long as it returns QUENRA_STATUS_BUFFER_TOO_SMALL.
+ * A query of the size does not show that the text is available. A placeholder in the machine's table
+ * ("Not Applicable", or a version that repeats the BIOS version) has a size, but the read that follows
+ * returns QUENRA_STATUS_NOT_SUPPORTED and leaves an empty text in the buffer. For a field that is
+ * malformed in the table, query and read return 0 and leave size and buffer unchanged: store a NUL in
+ * the buffer before the call.
+ *
+ * The library adds the NUL that is missing from a text of the Marten interface. If the buffer has no
+ * byte left for it, the call returns QUENRA_STATUS_BUFFER_TOO_SMALL, increases *size by one, and leaves
+ * an empty text in the buffer.
  *
  * QUENRA_ATTRIBUTE_DEVICE_PATH needs no open controller and accepts any handle. With a selector or an
  * instance it is an unknown id.
@@ -156,12 +159,13 @@ QUENRA_RETURNS_STATUS int32_t QUENRA_getAttributeDBL(uint64_t handle, uint32_t a
 
 /* Writes a text attribute. The driver decides which attributes it accepts.
  *
- * attribute: the library offers an ordinary id, with any selector, to the controller interface, if the
- *            machine's table permits text settings. If the controller interface does not support it, or
- *            the table permits none, the library offers it to the Marten interface.
- *            QUENRA_TEXT_SETTING_OF_BOTH is written to both interfaces, or with QUENRA_SELECTOR_MARTEN to
- *            the Marten interface alone; a Marten interface that is not present or does not support it
- *            is no failure, a controller interface is, and the Marten interface then receives nothing.
+ * attribute: with QUENRA_TEXT_SETTING_OF_BOTH the library writes the text to the controller interface
+ *            and then to the Marten interface; with QUENRA_SELECTOR_MARTEN as well, to the Marten
+ *            interface alone. If the controller interface fails, or the machine's table permits no text
+ *            settings, the call fails and the Marten interface receives nothing. A Marten interface that
+ *            is not present or does not support the setting is not a failure.
+ *            Any other id, with any selector, goes to the controller interface. If that does not support
+ *            it, or the machine's table permits no text settings, it goes to the Marten interface.
  * text:      at most QUENRA_MAX_TEXT_SETTING_LENGTH bytes and a NUL, sent to the driver as they are: the
  *            library does not check that they are valid UTF-8.
  *
@@ -213,19 +217,19 @@ QUENRA_RETURNS_STATUS int32_t QUENRA_updateFirmware(uint64_t handle,
  * can read the files but not change them. A folder that cannot be protected like that counts as one that
  * cannot be created, and a file that another process has open for writing as one that cannot be opened.
  * The files stay, after a failure too; only if one of them cannot be opened, or a driver package cannot be
- * installed, the library removes the folder with its contents. A file name of the image can lead out of the
- * folder, to every file that the caller may write: the library refuses neither absolute paths nor "..".
+ * installed, the library removes the folder with its contents. A file name in the image may be absolute or
+ * contain "..": the library then writes outside the folder, to any file that the caller may write.
  *
- * On a machine with a Marten, every update that returns 0 or a warning leaves the marker
- * QUENRA_ATTRIBUTE_FIRMWARE_VERSION of the Marten at "0.0.0f0", which is older than any other version,
- * also when the image has no section or the bytes are not an image. The exception is an update with
+ * On a machine with a Marten, every update that returns 0 or a warning sets the version marker of the
+ * Marten (see QUENRA_ATTRIBUTE_FIRMWARE_VERSION) to "0.0.0f0", which is older than any other version, even
+ * if the image has no section or the bytes are not an image. The exception is an update with
  * QUENRA_UPDATE_NEWER that finds both devices current: it changes nothing.
  *
  * QUENRA_UPDATE_NEWER compares a version of the form 1.4.2f7: major.minor.update, a phase letter (d, a, b,
  * f, in this order) and a build number; at most 255.15.15 and 16383. Any other text counts as the oldest
- * version, in the image and on the machine. All sections of a device take part, also those that are
- * files: one section that is not newer marks its device as current, and the library sends none of that
- * device's sections. It writes all files and installs all driver packages regardless.
+ * version, in the image and on the machine. The library compares every section of a device, those
+ * that are files included. If one section is not newer, the device counts as current and the library sends
+ * none of its sections. It writes all files and installs all driver packages regardless.
  *
  * The library starts the system's driver-store tool for a driver package and waits for its end, at most
  * five minutes. It does not evaluate the result: an update that returns 0 does not show that the package

@@ -12,12 +12,14 @@
  * add a selector to address an interface. Reading an attribute that a machine does not have returns
  * QUENRA_STATUS_NOT_SUPPORTED.
  *
- * Selectors of a read. The default reads from the machine's table or the controller interface. If that
- * has no value for an unsigned attribute, instance 0 is read from an open Marten interface. The
- * controller's selector and the values 3 to 15 mean the same, except that the controller's selector reads
- * QUENRA_ATTRIBUTE_FIRMWARE_VERSION from the BIOS. The Marten's selector reads an unsigned attribute of
- * any number, and QUENRA_ATTRIBUTE_FIRMWARE_VERSION, from the Marten interface; for every other text it
- * only requires that this interface is open.
+ * Selectors of a read:
+ *
+ *   0        from the machine's table or the controller interface. If these have no value for instance 0
+ *            of an unsigned attribute, from an open Marten interface.
+ *   1        as 0, except that QUENRA_ATTRIBUTE_FIRMWARE_VERSION is the BIOS version.
+ *   2        unsigned attributes of any number, and QUENRA_ATTRIBUTE_FIRMWARE_VERSION, from the Marten
+ *            interface. Other texts as 0, but only if the Marten interface is open.
+ *   3 to 15  as 0.
  *
  * The maker defines the content of its SMBIOS structures (types 0x96 to 0xB4); the names below describe
  * no more than the way in which the library uses the fields. */
@@ -64,9 +66,9 @@ enum QUENRA_TextAttribute {
   QUENRA_ATTRIBUTE_SERIAL_NUMBER = 0x10000200,
   /* Not supported when it repeats the BIOS version. */
   QUENRA_ATTRIBUTE_SYSTEM_VERSION = 0x10000300,
-  /* The BIOS version. If the Marten interface is open and the controller's selector is not set, a text
-   * of the Marten instead: with the Marten's selector the installed version, else the version marker,
-   * which reads "0.0.0f0" after an update. */
+  /* With QUENRA_SELECTOR_CONTROLLER, and on a machine without a Marten, the BIOS version. On a machine
+   * with a Marten, with QUENRA_SELECTOR_MARTEN the installed version of the Marten, otherwise its version
+   * marker, which reads "0.0.0f0" after an update. */
   QUENRA_ATTRIBUTE_FIRMWARE_VERSION = 0x10000400,
   /* A text of structure 0x96, on platforms of generation 7 or later and unless it is "Not
    * Applicable". */

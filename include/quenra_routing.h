@@ -9,15 +9,14 @@
  *     reads no other argument. Otherwise it reports by the merge rule: the first error is kept; an
  *     error replaces a warning (a positive code); a warning replaces only success (0). Without a
  *     record, with a null or misaligned pointer, the function does nothing.
- *  2. Results. A function that fails returns 0, false or null. A walk over the terminals checks the
- *     status: next does nothing while the record holds an error, and isEnd, which has no status, stays
- *     false then, so that a loop over isEnd alone does not end.
+ *  2. Results. A function that fails returns 0, false or null. A loop over the terminals must check the
+ *     status as well as isEnd: while the record holds an error, next does nothing and isEnd, which has
+ *     no status, stays false.
  *  3. Handles. The client owns a session and its terminal iterators from their creation until it
  *     destroys them. A null, destroyed or foreign handle fails with QUENRA_STATUS_INVALID_PARAMETER
- *     where there is a status, and is ignored elsewhere. The value of a destroyed handle is used
- *     again for another object at the earliest when 256 more sessions and iterators have been
- *     destroyed. The library cannot detect that one thread destroys a session that another thread
- *     uses.
+ *     where there is a status, and is ignored elsewhere. The library does not use the
+ *     value of a destroyed handle for another object before 256 more sessions and iterators have been
+ *     destroyed. It cannot detect that one thread destroys a session that another thread uses.
  *  4. Threads. A session and its iterators are used by one thread at a time; different sessions are
  *     independent. The demotion callback runs on a thread of the session.
  *  5. Texts. Arguments end with a NUL. JSON texts are UTF-8; the name of a device is text of the
@@ -55,11 +54,11 @@
  *     that no longer has the functions cannot destroy a session, and its callback must stay loaded as
  *     long as the session exists: a library that supplied the callback and is unloaded earlier leaves
  *     the session calling unmapped code.
- * 10. Exceptions. No function throws, and the client's functions must not throw either. When one
- *     does, the library reports QUENRA_STATUS_INTERNAL_ERROR, by the merge rule, where the call has
- *     a status: the reallocation function of a session ends its call, that of a status leaves the
- *     code without a description and does not replace an error. Exceptions of a demotion callback,
- *     and of the release of its status, are dropped. */
+ * 10. Exceptions. No function throws, and the client's functions must not throw either. If one does,
+ *     a call with a status reports QUENRA_STATUS_INTERNAL_ERROR by the merge rule. An exception of a
+ *     session's reallocation function ends the call; an exception of a status's reallocation function
+ *     leaves the code without a description. The library drops exceptions of a demotion callback, and
+ *     of the release of the callback's status. */
 #ifndef QUENRA_ROUTING_H
 #define QUENRA_ROUTING_H
 
@@ -121,14 +120,17 @@ extern "C" {
 /* The outcome of a chain of calls. Start with zoerr_Status_initial(), end with
  * zoerr_Status_release().
  *
- * description: the particulars of a failure, as one JSON object: its location ("file", "line",
- *              "component"), and where they apply "error_constant", the name of the code, which codes of
- *              the driver do not have; "zoark_debug", an unknown topography; and for an invalid request
- *              "zoroco_debug", the fault, "json", the document, "constraint", "expected_type" and
- *              "actual_type", a constraint of the wrong type, and "offset", a byte of the document.
- *              "json" repeats the client's bytes: if the document is not valid UTF-8, neither is the
- *              description. Null if there is none. The client owns it: the library changes its size
- *              only through `reallocate`.
+ * description: the particulars of a failure, as one JSON object; null if there are none. The client owns
+ *              it: the library changes its size only through `reallocate`. Members, where they apply:
+ *                "file", "line", "component"  the location of the failure
+ *                "error_constant"             the name of the code; codes of the driver have none
+ *                "zoark_debug"                an unknown topography
+ *              and for an invalid request:
+ *                "zoroco_debug"               the fault
+ *                "json"                       the document, byte for byte: the description is valid UTF-8
+ *                                             only if the document is
+ *                "constraint", "expected_type", "actual_type"  a constraint of the wrong type
+ *                "offset"                     the position of the fault in the document, in bytes
  * capacity:    the size of the description's buffer in bytes. After the text and its NUL the buffer
  *              is zero, except for its last byte, which is 'J'.
  * reallocate:  makes the buffer at least newCapacity bytes, keeping the text, or "{}" for a new

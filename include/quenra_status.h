@@ -83,7 +83,9 @@ enum QUENRA_Status {
   QUENRA_STATUS_ROUTE_CONFLICT = -89137,
   /* A buffer is too small for the SMBIOS table that the driver returns. */
   QUENRA_STATUS_DRIVER_BUFFER_TOO_SMALL = -240563,
-  /* Codes of the simulated machine's driver; another driver can report others. */
+
+  /* ---- Codes of the simulated machine's driver; another driver can report others ---- */
+
   /* The router has no terminal of that name. */
   QUENRA_STATUS_NO_SUCH_TERMINAL = -240601,
   /* No route of the session has the ticket. */
