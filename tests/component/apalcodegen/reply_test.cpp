@@ -74,7 +74,7 @@ TEST_P(DriverAnswer, ErrorOnAWarning_ReplacesIt) {
   expectCodeOfTheDriver(status, -7);
 }
 
-TEST_P(DriverAnswer, ShortRecordOfEightBytes_TakesTheCodeAlone) {
+TEST_P(DriverAnswer, ShortRecordOfEightBytes_StoresTheCodeAlone) {
   device_.answerWith(replyWith(-7));
   const auto memory = std::make_unique<uint64_t[]>(1);
   const uint32_t structSize = 8;
@@ -204,7 +204,7 @@ TEST_P(TransportFailure, ExtensionOfTenWords_CopiesAllAndNoMore) {
   EXPECT_EQ(wordsOf(status), (tWords{1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
 }
 
-TEST_P(TransportFailure, ShortRecordOfEightBytes_TakesTheCodeAlone) {
+TEST_P(TransportFailure, ShortRecordOfEightBytes_StoresTheCodeAlone) {
   failWith({1, 2, 3});
   const auto memory = std::make_unique<uint64_t[]>(1);
   const uint32_t structSize = 8;

@@ -35,7 +35,7 @@ TEST(AllocateOrReport, NoBytes_IsNotAFailure) {
   EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
-TEST(AllocateOrReport, MoreThanThereIs_ReportsMemoryFullWithItsPlace) {
+TEST(AllocateOrReport, ImpossibleSize_ReportsMemoryFullWithItsLocation) {
   tStatus status;
   EXPECT_EQ(allocateOrReport(SIZE_MAX, status), nullptr);
   EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
@@ -86,7 +86,7 @@ TEST(AllocateZeroedBytes, Buffer_IsZeroAndOwned) {
   EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
-TEST(AllocateZeroedBytes, MoreThanThereIs_IsReported) {
+TEST(AllocateZeroedBytes, ImpossibleSize_ReportsMemoryFull) {
   tStatus status;
   EXPECT_EQ(allocateZeroedBytes(SIZE_MAX, status), nullptr);
   EXPECT_EQ(status.code, QUENRA_STATUS_MEMORY_FULL);
@@ -112,7 +112,7 @@ TEST(AllocateZeroedText, NoCharacters_StillHoldsANul) {
   EXPECT_EQ(text[0], '\0');
 }
 
-TEST(AllocateZeroedText, MoreThanThereIs_IsNull) {
+TEST(AllocateZeroedText, ImpossibleSize_IsNull) {
   EXPECT_EQ(allocateZeroedText(UINT64_MAX), nullptr);
 }
 

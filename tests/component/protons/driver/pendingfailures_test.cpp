@@ -38,7 +38,7 @@ class PendingFailures : public PendingRequest {
   }
 };
 
-TEST_F(PendingFailures, WithoutAnEventForTheAcceptance_IsLocatedAtLine238) {
+TEST_F(PendingFailures, WithoutAnEventForTheAcceptance_ReportsItsLocation) {
   faultPlan().failCall(tCall::createEvent, 1, ERROR_NO_SYSTEM_RESOURCES);
   EXPECT_EQ(begin(), 0u);
   expectFailure(QUENRA_STATUS_MEMORY_FULL, 238);
@@ -46,7 +46,7 @@ TEST_F(PendingFailures, WithoutAnEventForTheAcceptance_IsLocatedAtLine238) {
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, WithoutAThread_IsLocatedAtLine264) {
+TEST_F(PendingFailures, WithoutAThread_ReportsItsLocation) {
   faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
   expectFailure(QUENRA_STATUS_ACCESS_DENIED, 264);
@@ -77,7 +77,7 @@ TEST_F(PendingFailures, WithoutAThreadAndWithoutALastError_IsAGenericFailure) {
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, WorkerWithoutAnEvent_IsLocatedAtLine115) {
+TEST_F(PendingFailures, WorkerWithoutAnEvent_ReportsItsLocation) {
   faultPlan().failCall(tCall::createEvent, 2, ERROR_NO_SYSTEM_RESOURCES);
   EXPECT_EQ(begin(), 0u);
   expectFailure(QUENRA_STATUS_MEMORY_FULL, 115);
@@ -85,14 +85,14 @@ TEST_F(PendingFailures, WorkerWithoutAnEvent_IsLocatedAtLine115) {
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, WorkerWhoseRequestFailsImmediately_IsLocatedAtLine115) {
+TEST_F(PendingFailures, WorkerWhoseRequestFailsImmediately_ReportsItsLocation) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
   expectFailure(QUENRA_STATUS_ACCESS_DENIED, 115);
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, WorkerWhoseRequestFailsLater_IsLocatedAtLine110) {
+TEST_F(PendingFailures, WorkerWhoseRequestFailsLater_ReportsItsLocation) {
   faultPlan().complete(nFakeWindows::tCompletion::later, ERROR_ACCESS_DENIED);
   EXPECT_EQ(begin(), 0u);
   expectFailure(QUENRA_STATUS_ACCESS_DENIED, 110);
@@ -120,7 +120,7 @@ TEST_F(PendingFailures, WorkerThatCannotWaitOnceItIsAccepted_CancelsItsRequest) 
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, RequestThatCannotBeCancelled_IsWaitedForAllTheSame) {
+TEST_F(PendingFailures, RequestThatCannotBeCancelled_IsWaitedFor) {
   machine().setAcceptance(kSimulatorAcceptLater);
   faultPlan().reset();
   faultPlan().failCall(tCall::getOverlappedResult, 1, ERROR_ACCESS_DENIED);
@@ -176,7 +176,7 @@ TEST_F(PendingFailures, NothingIsClosedTwiceAndNothingIsKept) {
   expectNothingLeft();
 }
 
-TEST_F(PendingFailures, AnyCallThatFails_LeavesNothingBehind) {
+TEST_F(PendingFailures, AnyCallThatFails_LeavesNoObjectOpen) {
   for (unsigned nth = 1; nth <= 12; ++nth) {
     SCOPED_TRACE(nth);
     faultPlan().reset();

@@ -63,7 +63,7 @@ TEST_F(PendingRequest, OnAWarning_IsBegunAndKeepsIt) {
   proxy.endPendingRequest(request);
 }
 
-TEST_F(PendingRequest, OnAClosedProxy_IsLocatedAtLine115) {
+TEST_F(PendingRequest, OnAClosedProxy_ReportsItsLocation) {
   proxy.close();
   EXPECT_EQ(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
   expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 115);
@@ -162,17 +162,18 @@ TEST_F(PendingRequestForm, OfTheEndIsTheHandle) {
 
 TEST_F(PendingRequest, AcceptedLate_IsWaitedFor) {
   machine().setAcceptance(kSimulatorAcceptLater);
-  std::atomic<bool> begun = false;
+  std::atomic<bool> isAccepted = false;
+  bool returnedAccepted = false;
   std::thread starter([&] {
     proxy.beginPendingRequest(1, 2, 3, request, status);
-    begun = true;
+    returnedAccepted = isAccepted;
   });
   EXPECT_TRUE(becomesTrue([&] { return pendingCount() == 1; }));
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  EXPECT_FALSE(begun);
   EXPECT_EQ(machine().pending().at(0).handle, 0u) << "not accepted yet";
+  isAccepted = true;
   machine().acceptPending();
   starter.join();
+  EXPECT_TRUE(returnedAccepted);
   EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_NE(request.handle(), 0u);
   proxy.endPendingRequest(request);
@@ -252,9 +253,9 @@ TEST_F(PendingRequest, WithAnAddressThatCannotBeWritten_IsRefusedByTheDriver) {
 TEST_F(PendingRequest, LetsOtherCallsThrough) {
   ASSERT_NE(proxy.beginPendingRequest(1, 2, 3, request, status), 0u);
   for (int i = 0; i < 10; ++i) {
-    const tExchangeValuesRequest asked{};
+    const tExchangeValuesRequest exchange{};
     tExchangeValuesReply reply{};
-    EXPECT_EQ(proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &asked, sizeof asked, &reply,
+    EXPECT_EQ(proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &exchange, sizeof exchange, &reply,
                                   sizeof reply, status),
               sizeof reply);
     EXPECT_EQ(reply.driverStatus, DRIVER_STATUS_BUFFER_TOO_SMALL);
@@ -273,10 +274,10 @@ TEST_F(PendingRequest, BegunAndEndedByManyThreadsBesideOtherCalls_LeavesNothing)
         tPendingRequest ownRequest;
         const uint64_t b = i % 2 == 0 ? 5 : uint64_t{5} << 32;
         EXPECT_NE(proxy.beginPendingRequest(1, b, 3, ownRequest, own), 0u);
-        const tExchangeValuesRequest asked{};
+        const tExchangeValuesRequest exchange{};
         tExchangeValuesReply reply{};
-        proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &asked, sizeof asked, &reply, sizeof reply,
-                            own);
+        proxy.deviceControl(REQUEST_EXCHANGE_VALUES, &exchange, sizeof exchange, &reply,
+                            sizeof reply, own);
         proxy.endPendingRequest(ownRequest);
         EXPECT_EQ(own.code, QUENRA_STATUS_SUCCESS);
       }

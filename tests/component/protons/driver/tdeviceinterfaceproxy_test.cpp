@@ -92,13 +92,13 @@ TEST_F(DeviceInterfaceProxy, OpenOnAStatusInError_CallsNothing) {
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 
-TEST_F(DeviceInterfaceProxy, MissingFile_IsLocatedAtLine43) {
+TEST_F(DeviceInterfaceProxy, MissingFile_ReportsItsLocation) {
   proxy.open("\\\\?\\nothing", status);
   expectFailure(QUENRA_STATUS_NOT_FOUND, 43);
   EXPECT_FALSE(proxy.isOpen());
 }
 
-TEST_F(DeviceInterfaceProxy, EventThatCannotBeCreated_IsLocatedAtLine51AndClosesTheFile) {
+TEST_F(DeviceInterfaceProxy, EventThatCannotBeCreated_ReportsItsLocationAndClosesTheFile) {
   faultPlan().failCall(tCall::createEvent, 1, ERROR_NO_SYSTEM_RESOURCES);
   proxy.open(controllerPath().c_str(), status);
   expectFailure(QUENRA_STATUS_MEMORY_FULL, 51);
@@ -135,7 +135,7 @@ TEST_F(DeviceInterfaceProxy, RequestThatIsPendingFirst_IsWaitedFor) {
   EXPECT_EQ(faultPlan().callCount(tCall::getOverlappedResult), 1u);
 }
 
-TEST_F(DeviceInterfaceProxy, RequestRefusedImmediately_IsLocatedAtLine115) {
+TEST_F(DeviceInterfaceProxy, RequestRefusedImmediately_ReportsItsLocation) {
   open();
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_NOT_READY);
   EXPECT_EQ(exchange(), 0u);
@@ -143,14 +143,14 @@ TEST_F(DeviceInterfaceProxy, RequestRefusedImmediately_IsLocatedAtLine115) {
   EXPECT_EQ(reply.driverStatus, 7) << "the reply is left alone";
 }
 
-TEST_F(DeviceInterfaceProxy, RequestThatFailsWhilePending_IsLocatedAtLine110) {
+TEST_F(DeviceInterfaceProxy, RequestThatFailsWhilePending_ReportsItsLocation) {
   open();
   faultPlan().complete(tCompletion::later, ERROR_SEM_TIMEOUT);
   EXPECT_EQ(exchange(), 0u);
   expectFailure(QUENRA_STATUS_TIME_OUT, 110);
 }
 
-TEST_F(DeviceInterfaceProxy, WaitThatFails_DoesNotLeaveTheRequestBehind) {
+TEST_F(DeviceInterfaceProxy, WaitThatFails_CancelsTheRequest) {
   open();
   for (const tCompletion completion : {tCompletion::uncancellable, tCompletion::never}) {
     tStatus own;
@@ -188,7 +188,7 @@ TEST_F(DeviceInterfaceProxy, RequestOnAWarning_IsSent) {
   EXPECT_EQ(status.code, 5);
 }
 
-TEST_F(DeviceInterfaceProxy, RequestOnAClosedProxy_IsLocatedAtLine115WithoutACall) {
+TEST_F(DeviceInterfaceProxy, RequestOnAClosedProxy_ReportsItsLocationWithoutACall) {
   EXPECT_EQ(exchange(), 0u);
   expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 115);
   EXPECT_EQ(faultPlan().callCount(), 0u);
@@ -196,7 +196,7 @@ TEST_F(DeviceInterfaceProxy, RequestOnAClosedProxy_IsLocatedAtLine115WithoutACal
 
 // ---- Reading and writing ----
 
-TEST_F(DeviceInterfaceProxy, FailedRead_IsLocatedAtLine153OrAfterWaitingAtLine148) {
+TEST_F(DeviceInterfaceProxy, FailedRead_ReportsTheLocationOfTheCallOrOfTheWait) {
   open();
   char buffer[8] = {};
   EXPECT_EQ(proxy.read(buffer, sizeof buffer, status), 0u);
@@ -207,7 +207,7 @@ TEST_F(DeviceInterfaceProxy, FailedRead_IsLocatedAtLine153OrAfterWaitingAtLine14
   expectFailure(QUENRA_STATUS_REQUEST_NOT_SUPPORTED, 148);
 }
 
-TEST_F(DeviceInterfaceProxy, FailedWrite_IsLocatedAtLine194OrAfterWaitingAtLine189) {
+TEST_F(DeviceInterfaceProxy, FailedWrite_ReportsTheLocationOfTheCallOrOfTheWait) {
   open();
   const char buffer[8] = {};
   EXPECT_EQ(proxy.write(buffer, sizeof buffer, status), 0u);
@@ -218,7 +218,7 @@ TEST_F(DeviceInterfaceProxy, FailedWrite_IsLocatedAtLine194OrAfterWaitingAtLine1
   expectFailure(QUENRA_STATUS_REQUEST_NOT_SUPPORTED, 189);
 }
 
-TEST_F(DeviceInterfaceProxy, ReadAndWriteOnAClosedProxy_AreLocatedAfterTheCall) {
+TEST_F(DeviceInterfaceProxy, ReadAndWriteOnAClosedProxy_ReportTheLocationOfTheCall) {
   char buffer[8] = {};
   proxy.read(buffer, sizeof buffer, status);
   expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 153);
@@ -251,7 +251,7 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequests_EachGetTheirOwnReply) {
   }
 }
 
-TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsLocatedAtLine115) {
+TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_ReportsItsLocation) {
   open();
   faultPlan().failEveryCall(tCall::createEvent, ERROR_NO_SYSTEM_RESOURCES);
   // While the first request is pending, the second needs an event of its own.
@@ -270,7 +270,7 @@ TEST_F(DeviceInterfaceProxy, OverlappingRequestWithoutAnEventOfItsOwn_IsLocatedA
 
 // ---- Deliveries ----
 
-TEST_F(DeviceInterfaceProxy, DeliveryWithoutAPort_IsLocatedAtLine333) {
+TEST_F(DeviceInterfaceProxy, DeliveryWithoutAPort_ReportsItsLocation) {
   open();
   proxy.armDelivery(status);
   expectFailure(QUENRA_STATUS_GENERIC_FAILURE, 333);

@@ -64,7 +64,7 @@ TEST_F(DeviceInterfaceIterator, OnAStatusInError_CallsNothing) {
   EXPECT_EQ(status.code, -1);
 }
 
-TEST_F(DeviceInterfaceIterator, SetThatCannotBeCreated_IsLocatedAtLine45) {
+TEST_F(DeviceInterfaceIterator, SetThatCannotBeCreated_ReportsItsLocation) {
   faultPlan().failCall(tCall::setupDiGetClassDevs, 1, ERROR_INVALID_PARAMETER);
   {
     tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
@@ -86,7 +86,7 @@ TEST_F(DeviceInterfaceIterator, ListingThatBreaksOff_IsSilentlyTheEnd) {
   EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
-TEST_F(DeviceInterfaceIterator, PathAskedForTwice_IsFetchedOnce) {
+TEST_F(DeviceInterfaceIterator, PathReadTwice_IsFetchedOnce) {
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_EQ(i.getDevicePath(status).length, pathOf(0).size() + 1);
   EXPECT_EQ(i.getDevicePath(status).text, pathOf(0));
@@ -100,7 +100,7 @@ TEST_F(DeviceInterfaceIterator, PathThatJustFits_IsFetched) {
   EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
 }
 
-TEST_F(DeviceInterfaceIterator, PathOneCharacterTooLong_IsLocatedAtLine224) {
+TEST_F(DeviceInterfaceIterator, PathOneCharacterTooLong_ReportsItsLocation) {
   machine().usePath({kSimulatorInterfaceController, 0}, std::string(252, 'p'));
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_TRUE(i.getDevicePath(status).isEmpty());
@@ -119,7 +119,7 @@ TEST_F(DeviceInterfaceIterator, PathAtTheEnd_IsEmptyAndAnError) {
   EXPECT_EQ(status.line, 232u);
 }
 
-TEST_F(DeviceInterfaceIterator, DetailThatCannotBeRead_IsLocatedAtLine232) {
+TEST_F(DeviceInterfaceIterator, DetailThatCannotBeRead_ReportsItsLocation) {
   faultPlan().failCall(tCall::setupDiGetDeviceInterfaceDetail, 1, ERROR_DEVICE_REMOVED);
   tDeviceInterfaceIterator i(kControllerInterfaceClass, status);
   EXPECT_TRUE(i.getDevicePath(status).isEmpty());

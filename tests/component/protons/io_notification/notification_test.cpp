@@ -42,7 +42,7 @@ TEST_F(NotificationReader, WakeUp_EndsTheWait) {
   EXPECT_EQ(notice.payload, "");
 }
 
-TEST_F(NotificationReader, NothingInTime_IsATimeOutAtLine59) {
+TEST_F(NotificationReader, NoNoticeInTime_ReportsATimeOut) {
   const tNotice notice = waitOn(*reader, kShortTime);
   EXPECT_EQ(notice.code, QUENRA_STATUS_TIME_OUT);
   EXPECT_EQ(notice.line, 59u);
@@ -83,11 +83,11 @@ TEST_F(NotificationReader, Requests_AreAsTheDriverKnowsThem) {
   EXPECT_EQ(sent[0].inputSize, 0u);
   EXPECT_EQ(sent[1].requestCode, 0x0022FC08u);
   EXPECT_EQ(sent[1].inputSize, 16u);
-  tRegisterNotificationRequest asked{};
-  std::memcpy(&asked, sent[1].input, sizeof asked);
-  EXPECT_EQ(asked.notification, notification.address());
-  EXPECT_EQ(asked.mask, kMask);
-  EXPECT_EQ(asked.padding, 0u);
+  tRegisterNotificationRequest sentRequest{};
+  std::memcpy(&sentRequest, sent[1].input, sizeof sentRequest);
+  EXPECT_EQ(sentRequest.notification, notification.address());
+  EXPECT_EQ(sentRequest.mask, kMask);
+  EXPECT_EQ(sentRequest.padding, 0u);
   machine().clearLog();
   notification.disable();
   const std::vector<tSimulatorLogEntry> ended = logged(kSimulatorEventRequest);
@@ -107,10 +107,10 @@ TEST_F(NotificationReader, ManyNotices_AllArriveInOrder) {
     received += waitOn(*reader).payload;
   }
   EXPECT_EQ(received, "abcdefghij");
-  EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), 11u) << "armed again behind each";
+  EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), 11u) << "armed again after each";
 }
 
-TEST_F(NotificationReader, PayloadOf32Bytes_IsPassedOnWhole) {
+TEST_F(NotificationReader, PayloadOf32Bytes_IsDeliveredComplete) {
   notification.enable(*reader, proxy, kMask, status);
   const std::string payload = "0123456789abcdefghijklmnopqrstuv";
   ASSERT_EQ(payload.size(), 32u);
@@ -222,7 +222,7 @@ TEST_F(NotificationReader, EnabledAtSecondReader_FirstReader_NoLongerKnowsIt) {
   keeper.disable();
 }
 
-TEST_F(NotificationReader, Disabled_TellsThatItsRegistrationHasEnded) {
+TEST_F(NotificationReader, Disabled_ReportsTheEndOfItsRegistration) {
   notification.enable(*reader, proxy, kMask, status);
   notification.disable();
   EXPECT_FALSE(notification.isEnabled());
@@ -235,7 +235,7 @@ TEST_F(NotificationReader, Disabled_TellsThatItsRegistrationHasEnded) {
   EXPECT_EQ(requests(REQUEST_UNREGISTER_NOTIFICATION), 1u);
 }
 
-TEST_F(NotificationReader, DisabledOnAClosedProxy_AsksNothing) {
+TEST_F(NotificationReader, DisabledOnAClosedProxy_SendsNothing) {
   notification.enable(*reader, proxy, kMask, status);
   proxy.close();
   notification.disable();
@@ -254,7 +254,7 @@ TEST_F(NotificationReader, EnabledAgain_IsRegisteredOnce) {
   EXPECT_EQ(waitOn(*reader, kShortTime).code, QUENRA_STATUS_TIME_OUT);
 }
 
-TEST_F(NotificationReader, EnabledOnAStatusInError_AsksNothing) {
+TEST_F(NotificationReader, EnabledOnAStatusInError_SendsNothing) {
   status.code = -1;
   EXPECT_FALSE(notification.enable(*reader, proxy, kMask, status));
   EXPECT_THAT(logged(kSimulatorEventRequest), IsEmpty());
@@ -287,7 +287,7 @@ TEST_F(NotificationReader, OrdinaryRequests_NeverReachThePort) {
   EXPECT_EQ(waitOn(*reader, kShortTime).code, QUENRA_STATUS_TIME_OUT);
 }
 
-TEST_F(NotificationReader, RefusedRegistration_IsLocatedAtLine134) {
+TEST_F(NotificationReader, RefusedRegistration_ReportsItsLocation) {
   script(5, REQUEST_REGISTER_NOTIFICATION);
   const bool enabled = notification.enable(*reader, proxy, kMask, status);
   // A driver's refusal arrives with the call, or as a failed completion, which readers skip.
@@ -304,7 +304,7 @@ TEST_F(NotificationReader, DeliveryThatFails_IsSkipped) {
   notification.enable(*reader, proxy, kMask, status);
   notify("one");
   script(5, REQUEST_ARM_DELIVERY);
-  EXPECT_EQ(waitOn(*reader).payload, "one") << "that arming again fails is not told";
+  EXPECT_EQ(waitOn(*reader).payload, "one") << "a failure to arm again is not reported";
   notify("two");
   EXPECT_EQ(waitOn(*reader, kShortTime).code, QUENRA_STATUS_TIME_OUT);
 }
@@ -479,7 +479,7 @@ TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
     ownProxy.close();
     over = true;
     teller.join();
-    EXPECT_EQ(heard.count(), count) << "nothing is told any more";
+    EXPECT_EQ(heard.count(), count) << "no more notices";
   }
 }
 

@@ -154,7 +154,7 @@ constexpr tFailureSite kFailureSites[] = {
 
 class FailureSite : public FailureSiteTest, public testing::WithParamInterface<tFailureSite> {};
 
-TEST_P(FailureSite, Provoked_ReportsItsCodeAndPlace) {
+TEST_P(FailureSite, Provoked_ReportsItsCodeAndLocation) {
   GetParam().provoke(*this);
   EXPECT_EQ(status.code, GetParam().code);
   EXPECT_STREQ(status.component, "quenra");

@@ -68,7 +68,7 @@ class NotificationFailures : public NotificationTest {
   tIONotification notification;
 };
 
-TEST_F(NotificationFailures, PortThatRefusesTheDevice_IsLocatedAtLine315AndTriedAgainNextTime) {
+TEST_F(NotificationFailures, PortThatRefusesTheDevice_ReportsItsLocationAndIsTriedAgainNextTime) {
   faultPlan().failCall(tCall::createIoCompletionPort, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
   expectFailureOf("tdeviceinterfaceproxy", QUENRA_STATUS_ACCESS_DENIED, 315);
@@ -101,14 +101,14 @@ TEST_F(NotificationFailures, DeviceThatCouldNotBeAssociated_IsAssociatedByTheNex
   next.disable();
 }
 
-TEST_F(NotificationFailures, RegistrationThatCannotBeSent_WithoutALastError_IsAFailureAllTheSame) {
+TEST_F(NotificationFailures, RegistrationThatCannotBeSent_WithoutALastError_IsAFailure) {
   faultPlan().failCall(tCall::deviceIoControl, 2, 0);
   EXPECT_FALSE(enable());
   expectFailureOf("tionotification", QUENRA_STATUS_GENERIC_FAILURE, 134);
   expectTheNextWorks();
 }
 
-TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_IsLocatedAtLine333) {
+TEST_F(NotificationFailures, DeliveryThatCannotBeArmed_ReportsItsLocation) {
   faultPlan().failCall(tCall::deviceIoControl, 1, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
   expectFailureOf("tdeviceinterfaceproxy", QUENRA_STATUS_ACCESS_DENIED, 333);
@@ -165,7 +165,7 @@ TEST_F(NotificationFailures, RefusedRegistration_ReaderDestroyed_WaitsForNoPacke
   EXPECT_EQ(faultPlan().callCount(tCall::getQueuedCompletionStatus), 0u);
 }
 
-TEST_F(NotificationFailures, RegistrationThatCannotBeSent_IsLocatedAtLine134) {
+TEST_F(NotificationFailures, RegistrationThatCannotBeSent_ReportsItsLocation) {
   faultPlan().failCall(tCall::deviceIoControl, 2, ERROR_ACCESS_DENIED);
   EXPECT_FALSE(enable());
   expectFailureOf("tionotification", QUENRA_STATUS_ACCESS_DENIED, 134);
@@ -192,7 +192,7 @@ TEST_F(NotificationFailures, UnregisteringThatFails_CancelsTheRegistration) {
   EXPECT_THROW(notify("nobody"), nSimulator::tControlError);
 }
 
-TEST_F(NotificationFailures, WakeUpThatCannotBePosted_IsLocatedAtLine101) {
+TEST_F(NotificationFailures, WakeUpThatCannotBePosted_ReportsItsLocation) {
   faultPlan().failCall(tCall::postQueuedCompletionStatus, 1, ERROR_INVALID_HANDLE);
   reader->wake(status);
   expectFailureOf("tionotification", QUENRA_STATUS_GENERIC_FAILURE, 101);
@@ -207,7 +207,7 @@ TEST_F(NotificationFailures, ThreadOnAStatusInError_IsNotStarted) {
   EXPECT_EQ(faultPlan().callCount(tCall::beginThread), 0u);
 }
 
-TEST_F(NotificationFailures, WaitThatFails_IsLocatedAtLine59) {
+TEST_F(NotificationFailures, WaitThatFails_ReportsItsLocation) {
   faultPlan().failCall(tCall::getQueuedCompletionStatus, 1, ERROR_ACCESS_DENIED);
   const tNotice notice = waitOn(*reader);
   EXPECT_EQ(notice.code, QUENRA_STATUS_ACCESS_DENIED);
@@ -223,7 +223,7 @@ TEST_F(NotificationFailures, WaitThatFailsOnTheThread_IsHandedToTheCallbackAndTh
       becomesTrue([] { return faultPlan().callCount(tCall::getQueuedCompletionStatus) == 2; }));
 }
 
-TEST_F(NotificationFailures, ThreadThatCannotBeStarted_IsLocatedAtLine471) {
+TEST_F(NotificationFailures, ThreadThatCannotBeStarted_ReportsItsLocation) {
   faultPlan().failCall(tCall::beginThread, 1, ERROR_ACCESS_DENIED);
   reader->start(countFailures, status);
   expectFailureOf("thread", QUENRA_STATUS_INTERNAL_ERROR, 471);
@@ -254,7 +254,7 @@ TEST_F(NotificationFailures, PriorityThatCannotBeRead_IsSet) {
 }
 
 TEST_F(NotificationFailures,
-       PriorityThatCannotBeSet_IsToldAtLine866_AndTheThreadEndsWithItsReader) {
+       PriorityThatCannotBeSet_ReportsItsLocationAndTheThreadEndsWithItsReader) {
   nFakeWindows::startThreadsWithPriority(THREAD_PRIORITY_LOWEST);
   faultPlan().failCall(tCall::setThreadPriority, 1, ERROR_ACCESS_DENIED);
   reader->start(countFailures, status);
@@ -265,7 +265,7 @@ TEST_F(NotificationFailures,
   EXPECT_EQ(faultPlan().callCount(tCall::waitForSingleObject), 1u) << "it is waited for";
 }
 
-TEST_F(NotificationFailures, PriorityOfAThreadThatIsNotStarted_IsLocatedAtLine859) {
+TEST_F(NotificationFailures, PriorityOfAThreadThatIsNotStarted_ReportsItsLocation) {
   tThread thread;
   thread.setPriority(THREAD_PRIORITY_NORMAL, status);
   expectFailureOf("thread", QUENRA_STATUS_NOT_READY, 859);
@@ -284,7 +284,7 @@ TEST_F(NotificationFailures, LastWakeUpThatCannotBePosted_IsTriedAgain) {
   }
 }
 
-TEST_F(NotificationFailures, ThreadThatCannotBeNamed_RunsAllTheSame) {
+TEST_F(NotificationFailures, ThreadThatCannotBeNamed_Runs) {
   faultPlan().failCall(tCall::addVectoredExceptionHandler, 1, ERROR_NOT_ENOUGH_MEMORY);
   reader->start(countFailures, status);
   EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
@@ -406,7 +406,7 @@ TEST_F(NotificationFailures, ThreadThatCannotBeStarted_ReleasesTheModule) {
   EXPECT_EQ(nFakeWindows::moduleReferences(), 0);
 }
 
-TEST_F(NotificationFailures, AnyCallThatFails_LeavesNothingBehind) {
+TEST_F(NotificationFailures, AnyCallThatFails_LeavesNoObjectOpen) {
   for (unsigned nth = 1; nth <= 24; ++nth) {
     SCOPED_TRACE(nth);
     faultPlan().reset();

@@ -263,7 +263,7 @@ TEST_P(Literal, IsWrittenWithoutQuotes) {
   EXPECT_TRUE(isJson(buffer.data()));
 }
 
-TEST_P(Literal, NeedsExactlyItsRoom) {
+TEST_P(Literal, NeedsExactlyItsSpace) {
   const tLiteral literal = GetParam();
   const std::string after = "{\"k\":" + std::string(literal.written) + "}";
   const auto enough = static_cast<uint32_t>(after.size() + 2);
@@ -287,7 +287,7 @@ INSTANTIATE_TEST_SUITE_P(
                     tLiteral{&realNumber<99960>, "100.0"}, tLiteral{&boolean<true>, "true"},
                     tLiteral{&boolean<false>, "false"}, tLiteral{&zoerr::appendNull, "null"}));
 
-TEST(DescriptionWriter, LargestRealNumber_HasRoom) {
+TEST(DescriptionWriter, LargestRealNumber_Fits) {
   std::vector<char> buffer(512);
   zoerr::resetDescription(buffer.data(), 512);
   const double lowest = std::numeric_limits<double>::lowest();
@@ -309,7 +309,7 @@ TEST(DescriptionWriter, RealNumberThatIsNotFinite_IsNull) {
   }
 }
 
-TEST(DescriptionWriter, StrayByteInTheFreeRoom_EndsTheRoom) {
+TEST(DescriptionWriter, StrayByteInTheFreeSpace_EndsTheSpace) {
   tBuffer buffer("{}", 64);
   buffer.set(12, 'x');
   EXPECT_EQ(buffer.append("k", "1234"), tAppendResult::noSpace);

@@ -39,7 +39,7 @@ TEST_F(ExceptionTest, Fresh_HoldsNothing) {
   EXPECT_STREQ(exception.what(), "");
 }
 
-TEST_F(ExceptionTest, OfASuccess_HoldsNothingAndTakesNothing) {
+TEST_F(ExceptionTest, OfASuccess_HoldsNothingAndLeavesTheDescription) {
   tOwnedStatus status;
   ASSERT_TRUE(zoerr::defaultReallocate(status, 4));
   const ExceptionBase exception(status);
@@ -48,7 +48,7 @@ TEST_F(ExceptionTest, OfASuccess_HoldsNothingAndTakesNothing) {
   EXPECT_NE(status.description, nullptr);
 }
 
-TEST_F(ExceptionTest, OfAFailure_TakesItsDescriptionOver) {
+TEST_F(ExceptionTest, OfAFailure_TakesOwnershipOfItsDescription) {
   const char* const buffer = raised.description;
   const Exception exception(raised);
   EXPECT_EQ(exception.status().code, -77);

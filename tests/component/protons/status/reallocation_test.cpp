@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(Requests, DefaultReallocate,
                                          tGrowth{1024, 1024}, tGrowth{1025, 2048},
                                          tGrowth{65537, 131072}));
 
-TEST(DefaultReallocateOnce, CapacityThatIsThere_ChangesNothing) {
+TEST(DefaultReallocateOnce, SufficientCapacity_ChangesNothing) {
   tOwnedStatus status;
   ASSERT_TRUE(defaultReallocate(status, 600));
   const char* const buffer = status.description;
@@ -140,7 +140,7 @@ TEST_F(ClientReallocation, PretendedToHaveGrown_StoresTheCodeAlone) {
   expectCodeWithoutDescription(status);
 }
 
-TEST_F(ClientReallocation, CapacityWithoutADescription_IsNotBelieved) {
+TEST_F(ClientReallocation, CapacityWithoutADescription_IsIgnored) {
   zoerr::Status status = statusOf(&tClientHeap::refuse);
   status.capacity = 100;
   EXPECT_TRUE(status.set(-3, kPlace));
@@ -171,7 +171,7 @@ TEST_F(ClientReallocation, DescriptionOfTheClient_GrowsByTwiceLessFour) {
   EXPECT_EQ(descriptionOf(status), R"({"file":")" + file + R"(","line":1,"component":"quenra"})");
 }
 
-TEST_F(ClientReallocation, RefusedOnTheWay_KeepsTheMembersThatFit) {
+TEST_F(ClientReallocation, RefusedAfterAMember_KeepsTheMembersThatFit) {
   zoerr::Status status = tClientHeap::statusWithDescription(24);
   status.reallocate = &tClientHeap::refuse;
   EXPECT_TRUE(status.set(-3, {"file", 1}));
@@ -179,14 +179,14 @@ TEST_F(ClientReallocation, RefusedOnTheWay_KeepsTheMembersThatFit) {
   EXPECT_EQ(descriptionOf(status), R"({"file":"file"})");
 }
 
-TEST_F(ClientReallocation, PretendedOnTheWay_KeepsTheMembersThatFit) {
+TEST_F(ClientReallocation, PretendedAfterAMember_KeepsTheMembersThatFit) {
   zoerr::Status status = tClientHeap::statusWithDescription(24);
   status.reallocate = &tClientHeap::pretend;
   EXPECT_TRUE(status.set(-3, {"file", 1}));
   EXPECT_EQ(descriptionOf(status), R"({"file":"file"})");
 }
 
-TEST_F(ClientReallocation, MissingOnTheWay_KeepsTheMembersThatFit) {
+TEST_F(ClientReallocation, MissingAfterAMember_KeepsTheMembersThatFit) {
   zoerr::Status status = tClientHeap::statusWithDescription(24);
   status.reallocate = nullptr;
   EXPECT_TRUE(status.set(-3, {"file", 1}));
@@ -216,7 +216,7 @@ TEST_F(ClientReallocation, Release_GoesThroughTheClient) {
   EXPECT_EQ(status.description, nullptr);
 }
 
-TEST_F(ClientReallocation, ReleaseWithoutADescription_DoesNotBotherTheClient) {
+TEST_F(ClientReallocation, ReleaseWithoutADescription_DoesNotCallTheClient) {
   zoerr::Status status = statusOf(&tClientHeap::giveExactly);
   status.releaseDescription();
   EXPECT_TRUE(tClientHeap::requests().empty());

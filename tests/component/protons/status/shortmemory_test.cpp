@@ -62,7 +62,7 @@ TEST(ShortMemory, CopiedException_KeepsItsCodeAlone) {
   EXPECT_EQ(copy.status().description, nullptr);
 }
 
-TEST(ShortMemory, MergeFrom_TellsSoAndKeepsTheCode) {
+TEST(ShortMemory, MergeFrom_FailsAndKeepsTheCode) {
   tStatus failure;
   mergeStatus(failure, -3, {"file", 1});
   tOwnedStatus status;
@@ -74,7 +74,7 @@ TEST(ShortMemory, MergeFrom_TellsSoAndKeepsTheCode) {
   EXPECT_EQ(status.description, nullptr);
 }
 
-TEST(ShortMemory, AllocateOrReport_ReportsMemoryFullWithItsPlace) {
+TEST(ShortMemory, AllocateOrReport_ReportsMemoryFullWithItsLocation) {
   tStatus status;
   {
     const tShortMemory shortMemory(1);

@@ -65,7 +65,7 @@ std::ostream& operator<<(std::ostream& out, const tMerge& merge) {
 
 class MergeRule : public testing::TestWithParam<tMerge> {};
 
-TEST_P(MergeRule, Record_KeepsOrTakesCodeAndLocationTogether) {
+TEST_P(MergeRule, Record_KeepsOrStoresCodeAndLocationTogether) {
   const auto [current, next, stored] = GetParam();
   tStatus status = statusWith(current);
   const tStatus before = status;
@@ -108,7 +108,7 @@ TEST(MergeStatus, CodeStored_EndsTheExtensionAtItsFirstWord) {
   EXPECT_EQ(status.extension[0], 0u);
 }
 
-TEST(MergeStatus, LocationRecord_IsTakenOverWithItsComponent) {
+TEST(MergeStatus, LocationRecord_IsStoredWithItsComponent) {
   tStatus status;
   EXPECT_TRUE(mergeStatus(status, -3, {"some file", 47}));
   EXPECT_STREQ(status.component, "quenra");
@@ -159,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(Characters, ComponentLength, testing::Values(0, 1, 8, 9
 
 class FileLength : public testing::TestWithParam<size_t> {};
 
-TEST_P(FileLength, UpToAHundredCharacters_IsStoredWhole) {
+TEST_P(FileLength, UpToAHundredCharacters_IsStoredComplete) {
   tStatus status;
   std::fill(std::begin(status.file), std::end(status.file), '#');
   const std::string file = lettersOf(GetParam());
@@ -184,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(Characters, LongFileLength, testing::Values(101, 102, 1
 
 class ShortStructSize : public testing::TestWithParam<uint32_t> {};
 
-TEST_P(ShortStructSize, InAFullSizedBuffer_TakesTheCodeAndNothingElse) {
+TEST_P(ShortStructSize, InAFullSizedBuffer_StoresTheCodeAndNothingElse) {
   const tStatusBytes bytes(208, GetParam());
   EXPECT_TRUE(mergeStatus(bytes.record(), -3, "quenra", "file", 99));
   EXPECT_EQ(bytes.code(), -3);
@@ -201,7 +201,7 @@ TEST(MergeStatus, ShortRecordOfEightBytes_IsNotLeft) {
 
 class FullStructSize : public testing::TestWithParam<uint32_t> {};
 
-TEST_P(FullStructSize, TakesTheLocationAndLeavesWhatFollows) {
+TEST_P(FullStructSize, StoresTheLocationAndLeavesTheBytesAfterIt) {
   const uint32_t structSize = GetParam();
   const tStatusBytes bytes(std::max<size_t>(structSize, 304), structSize);
   EXPECT_TRUE(mergeStatus(bytes.record(), -3, "quenra", "file", 99));

@@ -43,7 +43,7 @@ TEST_F(CriticalSection, KeepsThreadsApart) {
   EXPECT_FALSE(section.isInitialised());
 }
 
-TEST_F(CriticalSection, ThatCannotBeCreated_IsLocatedAtLine31AndNotDestroyed) {
+TEST_F(CriticalSection, CreationThatFails_ReportsItsLocationAndIsNotDestroyed) {
   faultPlan().failCall(tCall::initializeCriticalSectionEx, 1, ERROR_NOT_ENOUGH_MEMORY);
   tCriticalSection section;
   nZOAPALS100::tStatus status;
