@@ -7,12 +7,12 @@ namespace {
 
 constexpr nZOAPALS100::tSourceLocation kAllocationFailed{"memoryallocation", 327};
 
-// No object is larger. Asking the heap for more would stop a program under a checking allocator.
-constexpr size_t kLargestObject = PTRDIFF_MAX;
+// No object is larger. Some checking allocators terminate the process when a larger size is requested.
+constexpr size_t kMaxObjectSize = PTRDIFF_MAX;
 
 // At least one byte; null when memory is short.
 void* zeroedMemory(size_t bytes) noexcept {
-  return bytes > kLargestObject ? nullptr : std::calloc(std::max(bytes, size_t{1}), 1);
+  return bytes > kMaxObjectSize ? nullptr : std::calloc(std::max(bytes, size_t{1}), 1);
 }
 
 }  // namespace
@@ -21,7 +21,7 @@ void* allocateOrReport(size_t bytes, nZOAPALS100::tStatus& status) noexcept {
   if (status.isError()) {
     return nullptr;
   }
-  void* const memory = bytes > kLargestObject ? nullptr : std::malloc(std::max(bytes, size_t{1}));
+  void* const memory = bytes > kMaxObjectSize ? nullptr : std::malloc(std::max(bytes, size_t{1}));
   if (memory == nullptr) {
     mergeStatus(status, nZOAPALS100::kMemoryFull, kAllocationFailed);
   }

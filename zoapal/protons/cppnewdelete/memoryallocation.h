@@ -18,7 +18,7 @@ struct tFree {
 using tByteBuffer = std::unique_ptr<uint8_t[], tFree>;
 using tCharBuffer = std::unique_ptr<char[], tFree>;
 
-// Allocates from the C heap; the memory is to be given to std::free. Never null without an error in
+// Allocates from the C heap; release the memory with std::free. Never null without an error in
 // the status, also for 0 bytes. Null when the status holds an error already, and with kMemoryFull
 // when memory is short.
 [[nodiscard]] void* allocateOrReport(size_t bytes, nZOAPALS100::tStatus& status) noexcept;
@@ -28,7 +28,7 @@ using tCharBuffer = std::unique_ptr<char[], tFree>;
   return tByteBuffer(static_cast<uint8_t*>(allocateOrReport(bytes, status)));
 }
 
-// The same, zeroed. Much of it costs nothing before it is used.
+// The same, zeroed. The system supplies large zeroed memory page by page as it is used.
 [[nodiscard]] tByteBuffer allocateZeroedBytes(size_t bytes, nZOAPALS100::tStatus& status) noexcept;
 
 // Zeroed memory for `bytes` characters, at least one; null when memory is short.

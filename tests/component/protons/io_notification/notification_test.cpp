@@ -148,7 +148,7 @@ TEST_F(NotificationReader, PayloadThatIsTooLarge_IsRefusedAndNothingMoreDelivere
 
 TEST_F(NotificationReader, NoticeForAnUnknownAddress_HasNoNotification) {
   notification.enable(*reader, proxy, kMask, status);
-  notify("lie", kMask, 0xDEADBEEF0);
+  notify("stray", kMask, 0xDEADBEEF0);
   tNotice notice = waitOn(*reader);
   EXPECT_EQ(notice.notification, nullptr);
   EXPECT_EQ(notice.kind, kDelivered);
@@ -230,7 +230,7 @@ TEST_F(NotificationReader, Disabled_ReportsTheEndOfItsRegistration) {
   EXPECT_EQ(notice.kind, kRegistrationEnded);
   EXPECT_EQ(notice.notification, &notification);
   EXPECT_EQ(notice.payload, "");
-  EXPECT_THROW(notify("nobody listens"), nSimulator::tControlError);
+  EXPECT_THROW(notify("unregistered"), nSimulator::tControlError);
   notification.disable();
   EXPECT_EQ(requests(REQUEST_UNREGISTER_NOTIFICATION), 1u);
 }
@@ -312,7 +312,7 @@ TEST_F(NotificationReader, DeliveryThatFails_IsSkipped) {
 // ---- A reader with a thread ----
 
 // The arguments of the callback, recorded for the tests.
-struct tHeard {
+struct tReceived {
   std::mutex mutex;
   std::vector<std::string> payloads;
   std::vector<uint32_t> kinds;
@@ -331,27 +331,27 @@ struct tHeard {
     return kinds.size();
   }
 };
-tHeard heard;
+tReceived received;
 
-void hear(uint32_t kind, tIONotification*, const uint8_t* payload, uint32_t payloadSize,
-          tStatus&) noexcept {
+void receive(uint32_t kind, tIONotification*, const uint8_t* payload, uint32_t payloadSize,
+             tStatus&) noexcept {
   {
-    const std::lock_guard lock(heard.mutex);
-    heard.kinds.push_back(kind);
-    heard.payloads.emplace_back(payload, payload + payloadSize);
+    const std::lock_guard lock(received.mutex);
+    received.kinds.push_back(kind);
+    received.payloads.emplace_back(payload, payload + payloadSize);
   }
-  heard.isInside = true;
-  while (!heard.mayLeave) {
+  received.isInside = true;
+  while (!received.mayLeave) {
     std::this_thread::yield();
   }
-  heard.isInside = false;
+  received.isInside = false;
 }
 
 class ThreadedReader : public NotificationTest {
  protected:
   void SetUp() override {
     NotificationTest::SetUp();
-    heard.reset();
+    received.reset();
     reader = std::make_unique<tThreadedIONotificationReader>(makePort());
   }
   void TearDown() override {
@@ -365,47 +365,47 @@ class ThreadedReader : public NotificationTest {
 };
 
 TEST_F(ThreadedReader, HandsEveryNoticeToItsCallback) {
-  reader->start(hear, status);
+  reader->start(receive, status);
   EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
   EXPECT_TRUE(reader->isRunning());
   notification.enable(*reader, proxy, kMask, status);
   notify("one");
   notify("two");
-  EXPECT_TRUE(becomesTrue([] { return heard.count() == 2; }));
+  EXPECT_TRUE(becomesTrue([] { return received.count() == 2; }));
   notification.disable();
-  EXPECT_TRUE(becomesTrue([] { return heard.count() == 3; }));
+  EXPECT_TRUE(becomesTrue([] { return received.count() == 3; }));
   reader.reset();
-  EXPECT_THAT(heard.kinds, ElementsAre(kDelivered, kDelivered, kRegistrationEnded));
-  EXPECT_THAT(heard.payloads, ElementsAre("one", "two", ""));
+  EXPECT_THAT(received.kinds, ElementsAre(kDelivered, kDelivered, kRegistrationEnded));
+  EXPECT_THAT(received.payloads, ElementsAre("one", "two", ""));
 }
 
 TEST_F(ThreadedReader, WokenBeforeAnything_EndsWithoutACallback) {
   tStatus woken;
   reader->wake(woken);
-  reader->start(hear, status);
+  reader->start(receive, status);
   reader.reset();
-  EXPECT_EQ(heard.count(), 0u);
+  EXPECT_EQ(received.count(), 0u);
 }
 
 TEST_F(ThreadedReader, NeverStarted_EndsAtOnce) {
   EXPECT_FALSE(reader->isRunning());
   reader.reset();
-  EXPECT_EQ(heard.count(), 0u);
+  EXPECT_EQ(received.count(), 0u);
 }
 
 TEST_F(ThreadedReader, StartedOnAStatusInError_IsNot) {
   status.code = -1;
-  reader->start(hear, status);
+  reader->start(receive, status);
   EXPECT_FALSE(reader->isRunning());
   EXPECT_EQ(status.code, -1);
 }
 
 TEST_F(ThreadedReader, DestroyedWhileItsCallbackRuns_WaitsForIt) {
-  reader->start(hear, status);
+  reader->start(receive, status);
   notification.enable(*reader, proxy, kMask, status);
-  heard.mayLeave = false;
+  received.mayLeave = false;
   notify("slow");
-  EXPECT_TRUE(becomesTrue([] { return heard.isInside.load(); }));
+  EXPECT_TRUE(becomesTrue([] { return received.isInside.load(); }));
   std::atomic<bool> destroyed = false;
   std::thread destroyer([&] {
     notification.disable();
@@ -414,34 +414,34 @@ TEST_F(ThreadedReader, DestroyedWhileItsCallbackRuns_WaitsForIt) {
   });
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
   EXPECT_FALSE(destroyed);
-  heard.mayLeave = true;
+  received.mayLeave = true;
   destroyer.join();
   EXPECT_TRUE(destroyed);
-  EXPECT_FALSE(heard.isInside);
+  EXPECT_FALSE(received.isInside);
 }
 
 TEST_F(ThreadedReader, CallbackRunning_DisableDoesNotWaitForIt) {
-  reader->start(hear, status);
+  reader->start(receive, status);
   notification.enable(*reader, proxy, kMask, status);
-  heard.mayLeave = false;
+  received.mayLeave = false;
   notify("slow");
-  ASSERT_TRUE(becomesTrue([] { return heard.isInside.load(); }));
+  ASSERT_TRUE(becomesTrue([] { return received.isInside.load(); }));
   notification.disable();
-  EXPECT_TRUE(heard.isInside) << "the callback has not returned yet";
-  heard.mayLeave = true;
+  EXPECT_TRUE(received.isInside) << "the callback has not returned yet";
+  received.mayLeave = true;
 }
 
 TEST_F(ThreadedReader, EnabledAgainWhileNoticesArrive_EndsEveryRegistrationOnce) {
   constexpr size_t kRounds = 50;
-  reader->start(hear, status);
+  reader->start(receive, status);
   for (size_t round = 0; round < kRounds; ++round) {
     ASSERT_TRUE(notification.enable(*reader, proxy, kMask, status));
     notify("x");
   }
   notification.disable();
   const auto ended = [] {
-    const std::lock_guard lock(heard.mutex);
-    return std::count(heard.kinds.begin(), heard.kinds.end(), kRegistrationEnded);
+    const std::lock_guard lock(received.mutex);
+    return std::count(received.kinds.begin(), received.kinds.end(), kRegistrationEnded);
   };
   EXPECT_TRUE(becomesTrue([&] { return ended() == kRounds; }));
   reader.reset();
@@ -450,10 +450,10 @@ TEST_F(ThreadedReader, EnabledAgainWhileNoticesArrive_EndsEveryRegistrationOnce)
 
 TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
   for (int round = 0; round < 10; ++round) {
-    heard.reset();
+    received.reset();
     tStatus own;
     auto ownReader = std::make_unique<tThreadedIONotificationReader>(makePort());
-    ownReader->start(hear, own);
+    ownReader->start(receive, own);
     tDeviceInterfaceProxy ownProxy;
     openController(ownProxy, own);
     tIONotification ownNotification;
@@ -472,19 +472,19 @@ TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
         }
       }
     });
-    EXPECT_TRUE(becomesTrue([] { return heard.count() > 3; }));
+    EXPECT_TRUE(becomesTrue([] { return received.count() > 3; }));
     ownNotification.disable();
     ownReader.reset();
-    const size_t count = heard.count();
+    const size_t count = received.count();
     ownProxy.close();
     over = true;
     teller.join();
-    EXPECT_EQ(heard.count(), count) << "no more notices";
+    EXPECT_EQ(received.count(), count) << "no more notices";
   }
 }
 
 TEST_F(ThreadedReader, ManyNotificationsEnabledAtOnce_AssociateTheirProxyOnce) {
-  reader->start(hear, status);
+  reader->start(receive, status);
   std::vector<std::unique_ptr<tIONotification>> many;
   for (int i = 0; i < 8; ++i) {
     many.push_back(std::make_unique<tIONotification>());
@@ -501,7 +501,7 @@ TEST_F(ThreadedReader, ManyNotificationsEnabledAtOnce_AssociateTheirProxyOnce) {
   }
   EXPECT_EQ(requests(REQUEST_ARM_DELIVERY), 1u);
   notify("all", 1);
-  EXPECT_TRUE(becomesTrue([] { return heard.count() == 8; }));
+  EXPECT_TRUE(becomesTrue([] { return received.count() == 8; }));
   for (auto& each : many) {
     each->disable();
   }

@@ -189,7 +189,7 @@ TEST_F(NotificationFailures, UnregisteringThatFails_CancelsTheRegistration) {
   notification.disable();
   EXPECT_FALSE(notification.isEnabled());
   EXPECT_EQ(faultPlan().callCount(tCall::cancelIoEx), 1u);
-  EXPECT_THROW(notify("nobody"), nSimulator::tControlError);
+  EXPECT_THROW(notify("unregistered"), nSimulator::tControlError);
 }
 
 TEST_F(NotificationFailures, WakeUpThatCannotBePosted_ReportsItsLocation) {
