@@ -76,9 +76,8 @@ tByteBuffer decodePayload(std::span<const uint8_t> text, const tSectionHeader& h
 void addRecord(tFirmwarePayloads& records, const tSectionHeader& header, tByteBuffer data) {
   const tFirmwarePayload record{nullptr, header.byteCount, header.targetDevice, header.version,
                                 header.targetFileName};
-  const bool goesFirst = header.isBiosWith(nImageFormat::kFirmwareUpdate) || header.isDriverPackage;
   tFirmwarePayload& added =
-      goesFirst ? records.emplace_front(record) : records.emplace_back(record);
+      header.isAppliedFirst() ? records.emplace_front(record) : records.emplace_back(record);
   // Only a record that is in the list can hand its data to the caller.
   added.data = data.release();
 }

@@ -51,6 +51,10 @@ struct tSectionHeader {
   [[nodiscard]] bool isBiosWith(std::string_view type) const noexcept {
     return targetDevice == nImageFormat::kBios && updateType == type;
   }
+  // True if the section goes to the front of the order of application.
+  [[nodiscard]] bool isAppliedFirst() const noexcept {
+    return isBiosWith(nImageFormat::kFirmwareUpdate) || isDriverPackage;
+  }
 };
 
 // Reads the headers of an image, section by section, in the order of the image.

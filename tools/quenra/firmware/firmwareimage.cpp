@@ -162,14 +162,10 @@ void decode(tImageSection& section, const tImageText& text, size_t end) {
   section.crc = decoded.crc;
 }
 
-bool goesFirst(const tImageSection& section) {
-  return section.header.isBiosWith(nImageFormat::kFirmwareUpdate) || section.header.isDriverPackage;
-}
-
 void setOrder(std::vector<tImageSection>& sections) {
   std::vector<tImageSection*> order;
   for (tImageSection& section : sections) {
-    order.insert(goesFirst(section) ? order.begin() : order.end(), &section);
+    order.insert(section.header.isAppliedFirst() ? order.begin() : order.end(), &section);
   }
   for (size_t i = 0; i < order.size(); ++i) {
     order[i]->order = i + 1;
