@@ -54,7 +54,7 @@ TEST_F(AllocationFailures, TheFirst_IsOfTheSession) {
   EXPECT_EQ(faultPlan().callCount(), 0u) << "nothing is opened without a session";
 }
 
-TEST_F(AllocationFailures, OfTheSession_AreReportedAtLine121) {
+TEST_F(AllocationFailures, OfTheSession_AreReportedAsOutOfMemory) {
   nQUENRA1400::nZOAPAL000::tStartUp startUp;
   nQUENRA1400::tProcessState state(startUp);
   state.load();

@@ -66,17 +66,17 @@ TEST_F(ProcessState, FailedInitialisationOfTheLock_IsReportedByTheStartUpState) 
   EXPECT_FALSE(startUp.isReady());
   zoerr::tOwnedStatus status;
   startUp.mergeInto(status);
-  EXPECT_EQ(outcomeOf(status), (tOutcome{-52000, "tcriticalsection", 31}));
+  EXPECT_EQ(outcomeOf(status), (tOutcome{QUENRA_STATUS_MEMORY_FULL, "tcriticalsection", 31}));
   state.unload();
 }
 
-TEST_F(ProcessState, WithoutSession_FailsAtLine184) {
+TEST_F(ProcessState, WithoutSession_FailsWithInvalidHandle) {
   nQUENRA1400::nZOAPAL000::tStartUp startUp;
   nQUENRA1400::tProcessState state(startUp);
   state.load();
   zoerr::tOwnedStatus status;
   EXPECT_EQ(state.session(status), nullptr);
-  EXPECT_EQ(outcomeOf(status), sessionFailure(-26931, 184));
+  EXPECT_EQ(outcomeOf(status), sessionFailure(QUENRA_STATUS_INVALID_HANDLE, 184));
   state.unload();
 }
 
@@ -96,13 +96,13 @@ class DevicePathAttribute : public SessionTest {
 
 TEST_F(DevicePathAttribute, FailedCreationOfTheList_IsNoController) {
   faultPlan().failCall(tCall::setupDiGetClassDevs, 1, ERROR_ACCESS_DENIED);
-  EXPECT_EQ(read(), -26932);
+  EXPECT_EQ(read(), QUENRA_STATUS_NO_CONTROLLER);
   EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 0u);
 }
 
 TEST_F(DevicePathAttribute, FailedEnumeration_IsNoController) {
   faultPlan().failCall(tCall::setupDiEnumDeviceInterfaces, 1, ERROR_ACCESS_DENIED);
-  EXPECT_EQ(read(), -26932);
+  EXPECT_EQ(read(), QUENRA_STATUS_NO_CONTROLLER);
   EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 1u);
 }
 
@@ -121,13 +121,13 @@ TEST_F(DevicePathAttribute, SeveralInterfaces_ReportTheFirst) {
 
 TEST_F(DevicePathAttribute, FailedDetail_ReturnsTheMappedCode) {
   faultPlan().failCall(tCall::setupDiGetDeviceInterfaceDetail, 1, ERROR_ACCESS_DENIED);
-  EXPECT_EQ(read(), -52009);
+  EXPECT_EQ(read(), QUENRA_STATUS_ACCESS_DENIED);
   EXPECT_EQ(faultPlan().callCount(tCall::setupDiDestroyDeviceInfoList), 1u);
 }
 
 TEST_F(DevicePathAttribute, PathOf252Characters_IsTooLong) {
   nFakeWindows::machine().usePath({kSimulatorInterfaceDevicePath, 0}, std::string(252, 'p'));
-  EXPECT_EQ(read(), -52019);
+  EXPECT_EQ(read(), QUENRA_STATUS_PATH_TOO_LONG);
   nFakeWindows::machine().usePath({kSimulatorInterfaceDevicePath, 0}, std::string(251, 'p'));
   EXPECT_EQ(read(), 0);
 }

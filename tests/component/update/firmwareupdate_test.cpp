@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "protocol/controllerrequests.h"
 #include "tests/component/update/updatetest.h"
 
 namespace nTests {

@@ -52,37 +52,37 @@ std::vector<tSectionAction> actions(const std::vector<tSectionFacts>& sections,
   return actions;
 }
 
-TEST(UpdatePlan, WithoutComparison_AppliesEverySectionByDeviceAndFile) {
+TEST(PlanUpdate, WithoutComparison_AppliesEverySectionByDeviceAndFile) {
   EXPECT_THAT(actions({bios(), marten(), capsule("driver.inf"), capsule("driver.inf.bin"),
                        capsule("setup.bin"), safeMode()}),
               ElementsAre(sendToController, sendToMarten, installPackage, installPackage, writeFile,
                           nothing));
 }
 
-TEST(UpdatePlan, InstalledVersionIsOlder_AppliesTheSection) {
+TEST(PlanUpdate, InstalledVersionIsOlder_AppliesTheSection) {
   EXPECT_THAT(actions({compared(bios(), kOld), compared(marten(), kOld)}),
               ElementsAre(sendToController, sendToMarten));
 }
 
-TEST(UpdatePlan, InstalledVersionIsEqualOrLater_LeavesOutItsDevice) {
+TEST(PlanUpdate, InstalledVersionIsEqualOrLater_LeavesOutItsDevice) {
   EXPECT_THAT(actions({compared(bios(), kNew), compared(marten(), kOld)}),
               ElementsAre(leaveOut, sendToMarten));
   EXPECT_THAT(actions({compared(bios(), kOld), compared(marten(), kNew + 1)}),
               ElementsAre(sendToController, leaveOut));
 }
 
-TEST(UpdatePlan, OneCurrentSection_MarksItsDeviceForTheCompleteImage) {
+TEST(PlanUpdate, OneCurrentSection_MarksItsDeviceForTheCompleteImage) {
   EXPECT_THAT(actions({bios(), compared(bios(), kNew)}), ElementsAre(leaveOut, leaveOut));
   EXPECT_THAT(actions({compared(marten(), kNew), marten()}), ElementsAre(leaveOut, leaveOut));
 }
 
-TEST(UpdatePlan, BiosIsCurrent_WritesAndInstallsFilesAllTheSame) {
+TEST(PlanUpdate, BiosIsCurrent_WritesAndInstallsFilesAllTheSame) {
   EXPECT_THAT(actions({compared(capsule("driver.inf"), kNew), compared(capsule("a.bin"), kNew),
                        compared(bios(), kNew), safeMode()}),
               ElementsAre(installPackage, writeFile, leaveOut, nothing));
 }
 
-TEST(UpdatePlan, BothDevicesAreCurrent_LeavesOutEverything) {
+TEST(PlanUpdate, BothDevicesAreCurrent_LeavesOutEverything) {
   const tSectionFacts sections[] = {compared(bios(), kNew), compared(marten(), kNew),
                                     capsule("driver.inf"), safeMode()};
   const auto plan = planUpdate(sections, true);
@@ -92,7 +92,7 @@ TEST(UpdatePlan, BothDevicesAreCurrent_LeavesOutEverything) {
   }
 }
 
-TEST(UpdatePlan, OneDeviceIsCurrentOrNoSection_IsNotEverythingCurrent) {
+TEST(PlanUpdate, OneDeviceIsCurrentOrNoSection_IsNotEverythingCurrent) {
   const tSectionFacts sections[] = {compared(bios(), kNew)};
   EXPECT_FALSE(planUpdate(sections, true).isEverythingCurrent);
   EXPECT_FALSE(planUpdate({}, true).isEverythingCurrent);
@@ -100,7 +100,7 @@ TEST(UpdatePlan, OneDeviceIsCurrentOrNoSection_IsNotEverythingCurrent) {
 }
 
 // A current Marten is no reason for a machine without one to leave the section out.
-TEST(UpdatePlan, MartenSectionWithoutMarten_IsRefusedAndKeepsOthersBack) {
+TEST(PlanUpdate, MartenSectionWithoutMarten_IsRefusedAndKeepsOthersBack) {
   const tSectionFacts sections[] = {bios(), compared(marten(), kNew), capsule("driver.inf")};
   const auto plan = planUpdate(sections, false);
   ASSERT_EQ(plan.sections.size(), 3u);
@@ -118,7 +118,7 @@ TEST(UpdatePlan, MartenSectionWithoutMarten_IsRefusedAndKeepsOthersBack) {
 }
 
 // The parser has reported the fault: the plan names no site of its own.
-TEST(UpdatePlan, FaultySection_IsRefusedWithoutASite) {
+TEST(PlanUpdate, FaultySection_IsRefusedWithoutASite) {
   const tSectionFacts sections[] = {bios(), faulty(marten())};
   const auto plan = planUpdate(sections, false);
   EXPECT_EQ(plan.sections[0].action, keepBack);
@@ -126,7 +126,7 @@ TEST(UpdatePlan, FaultySection_IsRefusedWithoutASite) {
   EXPECT_EQ(plan.refusal(), nullptr);
 }
 
-TEST(UpdatePlan, ActionsThatSendInstallOrWrite_ChangeTheMachine) {
+TEST(PlanUpdate, ActionsThatSendInstallOrWrite_ChangeTheMachine) {
   for (const auto action : {sendToController, sendToMarten, installPackage, writeFile}) {
     EXPECT_TRUE(changesMachine(action));
   }

@@ -14,7 +14,7 @@
 namespace nTests {
 
 inline constexpr const char* kDriverStoreTool = "C:\\Windows\\Sysnative\\pnputil.exe";
-inline constexpr uint32_t kMarker = 0x10000400;
+inline constexpr uint32_t kMarker = QUENRA_ATTRIBUTE_FIRMWARE_VERSION;
 inline constexpr char kMarkerBefore[] = "1.4.0f7";
 inline constexpr char kMarkerAfter[] = "0.0.0f0";
 

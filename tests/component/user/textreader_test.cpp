@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <memory>
@@ -6,13 +8,21 @@
 
 #include "quenra_attributes.h"
 #include "quenra_status.h"
+#include "source/user/attributes/normalisedtext.h"
 #include "tests/component/user/readingtest.h"
 
 namespace nTests {
 namespace {
 
+using nQUENRA1400::tNormalisedText;
+using nQUENRA1400::tSegments;
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
 constexpr uint32_t kLists[] = {QUENRA_ATTRIBUTE_SLOT_LOCATION, QUENRA_ATTRIBUTE_BRIDGE_LOCATION,
                                QUENRA_ATTRIBUTE_BRIDGE_MEMBERS};
+
+// ---- The SMBIOS table ----
 
 class TextReader : public ReadingTest {
  protected:
@@ -30,88 +40,104 @@ TEST_F(TextReader, OnAStatusInError_DoesNothing) {
   zoerr::tOwnedStatus status;
   status.code = -1;
   uint64_t size = sizeof buffer;
-  readTextAttribute(access(), 0x10000100, buffer, &size, status);
+  readTextAttribute(access(), QUENRA_ATTRIBUTE_PRODUCT_NAME, buffer, &size, status);
   EXPECT_EQ(status.code, -1);
   EXPECT_STREQ(buffer, "untouched");
 }
 
-TEST_F(TextReader, SelectedOnAClosedMarten_FailsAtLine449) {
-  EXPECT_EQ(readText(0x10200100), (tFailure{-26932, 449}));
+TEST_F(TextReader, SelectedOnAClosedMarten_FailsWithNoController) {
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PRODUCT_NAME | QUENRA_SELECTOR_MARTEN),
+            (tFailure{QUENRA_STATUS_NO_CONTROLLER, 449}));
 }
 
-TEST_F(TextReader, UnknownAttribute_FailsAtLine893) {
-  EXPECT_EQ(readText(0x10000900), (tFailure{-26934, 893}));
+TEST_F(TextReader, UnknownAttribute_FailsWithNotSupported) {
+  EXPECT_EQ(readText(0x10000900), (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 893}));
 }
 
-TEST_F(TextReader, SerialNumberNotApplicable_FailsAtLine493) {
+TEST_F(TextReader, SerialNumberNotApplicable_FailsWithNotSupported) {
   tReferenceTable table;
   table.structure(0x01).text(0x07, "Not Applicable");
   install(table);
-  EXPECT_EQ(readText(0x10000200), (tFailure{-26934, 493}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SERIAL_NUMBER), (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 493}));
   EXPECT_STREQ(buffer, "");
 }
 
-TEST_F(TextReader, VersionThatRepeatsTheBiosVersion_FailsAtLine622) {
+TEST_F(TextReader, VersionThatRepeatsTheBiosVersion_FailsWithNotSupported) {
   tReferenceTable table;
   table.structure(0x01).text(0x06, "B-1.23");
   install(table);
-  EXPECT_EQ(readText(0x10000300), (tFailure{-26934, 622}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SYSTEM_VERSION),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 622}));
 }
 
-TEST_F(TextReader, IdentifierOnAnEarlyPlatform_FailsAtLine545) {
+TEST_F(TextReader, IdentifierOnAnEarlyPlatform_FailsWithNotSupported) {
   tReferenceTable table;
   table.structure(0x96).byte(0x04, 6);
   install(table);
-  EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 545}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 545}));
 }
 
-TEST_F(TextReader, IdentifierNotApplicable_FailsAtLine537) {
+TEST_F(TextReader, IdentifierNotApplicable_FailsWithNotSupported) {
   tReferenceTable table;
   table.structure(0x96).text(0x0D, "Not Applicable");
   install(table);
-  EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 537}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 537}));
 }
 
 TEST_F(TextReader, IdentifierWithoutPlatformGeneration_DependsOnTheMartens) {
   tReferenceTable table;
   table.remove(0x96);
   install(table);
-  EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 2569}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2569}));
   martenIsOpen = true;
-  marten.answerNumber(0x28000200, 6);
-  EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 545}));
-  marten.answerNumber(0x28000200, 7);
-  EXPECT_EQ(readText(0x10000700), (tFailure{-26934, 2569})) << "the text itself is absent";
+  marten.answerNumber(QUENRA_ATTRIBUTE_PLATFORM_GENERATION, 6);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 545}));
+  marten.answerNumber(QUENRA_ATTRIBUTE_PLATFORM_GENERATION, 7);
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2569}))
+      << "the text itself is absent";
 }
 
-TEST_F(TextReader, AbsentString_FailsAtLine2555) {
+TEST_F(TextReader, AbsentString_FailsWithNotSupported) {
   tReferenceTable table;
   table.structure(0x9C).byte(0x04, 0);
   install(table);
-  EXPECT_EQ(readText(0x10038400), (tFailure{-26934, 2555}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_TEXT_3),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2555}));
 }
 
-TEST_F(TextReader, ShortBuffer_FailsAtLine2562) {
-  EXPECT_EQ(readText(0x10038400, 3), (tFailure{-26930, 2562}));
+TEST_F(TextReader, ShortBuffer_FailsWithBufferTooSmall) {
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_TEXT_3, 3),
+            (tFailure{QUENRA_STATUS_BUFFER_TOO_SMALL, 2562}));
 }
 
-TEST_F(TextReader, AbsentStructure_FailsAtLine2569) {
+TEST_F(TextReader, AbsentStructure_FailsWithNotSupported) {
   install(tReferenceTable().remove(0x9C));
-  EXPECT_EQ(readText(0x10038400), (tFailure{-26934, 2569}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_TEXT_3),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2569}));
 }
 
-TEST_F(TextReader, ShortBufferForALocation_FailsAtLine2770) {
-  EXPECT_EQ(readText(0x1001F400, 5), (tFailure{-26930, 2770}));
+TEST_F(TextReader, ShortBufferForALocation_FailsWithBufferTooSmall) {
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BUS_LOCATION, 5),
+            (tFailure{QUENRA_STATUS_BUFFER_TOO_SMALL, 2770}));
 }
 
-TEST_F(TextReader, ModuleBeyondTheCount_FailsAtLine2534) {
-  EXPECT_EQ(readText(0x1000CC02), (tFailure{-26934, 2534}));
+TEST_F(TextReader, ModuleBeyondTheCount_FailsWithNotSupported) {
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_MEMORY_MANUFACTURER | 2),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2534}));
 }
 
 TEST_F(TextReader, PositionBeyondAList_FailsAtTheListsLine) {
-  EXPECT_EQ(readText(0x10025904), (tFailure{-26934, 732}));
-  EXPECT_EQ(readText(0x1006A505), (tFailure{-26934, 795}));
-  EXPECT_EQ(readText(0x1006A605), (tFailure{-26934, 858}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SLOT_LOCATION | 4),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 732}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_LOCATION | 5),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 795}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS | 5),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 858}));
 }
 
 TEST_F(TextReader, PositionBeyondTheCapacityOfAList_FailsAtTheListsLine) {
@@ -119,9 +145,12 @@ TEST_F(TextReader, PositionBeyondTheCapacityOfAList_FailsAtTheListsLine) {
   table.structure(0x98).byte(0x04, 255);
   table.structure(0xA3).byte(0x06, 255);
   install(table);
-  EXPECT_EQ(readText(0x10025904), (tFailure{-26934, 732}));
-  EXPECT_EQ(readText(0x1006A505), (tFailure{-26934, 795}));
-  EXPECT_EQ(readText(0x1006A605), (tFailure{-26934, 858}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SLOT_LOCATION | 4),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 732}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_LOCATION | 5),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 795}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BRIDGE_MEMBERS | 5),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 858}));
 }
 
 // The count of a list that the table cuts off reads as 0, without an error of its own.
@@ -136,7 +165,7 @@ TEST_F(TextReader, ListCutOffByTheTable_FailsAtTheListsLine) {
   EXPECT_STREQ(buffer, "untouched");
 }
 
-TEST_F(TextReader, ListEndingBeforeItsCount_FailsAtLine2569) {
+TEST_F(TextReader, ListEndingBeforeItsCount_FailsWithNotSupported) {
   tReferenceTable table;
   table.structure(0x98).cutTo(0x04);
   table.structure(0xA3).cutTo(0x06);
@@ -146,7 +175,7 @@ TEST_F(TextReader, ListEndingBeforeItsCount_FailsAtLine2569) {
   }
 }
 
-TEST_F(TextReader, ListEndingBeforeItsEntries_FailsAtLine2569) {
+TEST_F(TextReader, ListEndingBeforeItsEntries_FailsWithNotSupported) {
   tReferenceTable table;
   table.structure(0x98).cutTo(0x05);
   table.structure(0xA3).cutTo(0x07);
@@ -167,9 +196,10 @@ TEST_F(TextReader, ListEntryWithoutItsString_ReadsAsNothing) {
   }
 }
 
-TEST_F(TextReader, ListWithoutItsStructure_FailsAtLine2569) {
+TEST_F(TextReader, ListWithoutItsStructure_FailsWithNotSupported) {
   install(tReferenceTable().remove(0x98));
-  EXPECT_EQ(readText(0x10025900), (tFailure{-26934, 2569}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_SLOT_LOCATION),
+            (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2569}));
 }
 
 // ---- The Marten interface ----
@@ -210,8 +240,6 @@ class TextFromMartenDouble : public ReadingTest {
   tFailure failure{};  // of the last read
 };
 
-using namespace std::string_view_literals;
-
 TEST_F(TextFromMartenDouble, Request_CarriesSizeAndEarlierWarning) {
   marten.answerText(kVersion, "M-1");
   zoerr::tOwnedStatus status;
@@ -223,7 +251,7 @@ TEST_F(TextFromMartenDouble, Request_CarriesSizeAndEarlierWarning) {
   EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{kVersion, 100, 5}));
 }
 
-TEST_F(TextFromMartenDouble, WithoutBuffer_FailsAtLine2771WithoutARequest) {
+TEST_F(TextFromMartenDouble, WithoutBuffer_FailsWithInvalidParameterAndNoRequest) {
   zoerr::tOwnedStatus status;
   uint64_t size = 100;
   readTextAttribute(access(), kVersion, nullptr, &size, status);
@@ -343,7 +371,7 @@ TEST_F(TextReader, LongestText_IsReadCompletely) {
   tReferenceTable table;
   table.structure(0x97).text(0x04, longest);
   install(table);
-  EXPECT_EQ(readText(0x1001F400), (tFailure{0, 0}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_BUS_LOCATION), (tFailure{0, 0}));
   EXPECT_EQ(buffer, longest);
 }
 
@@ -351,15 +379,60 @@ TEST_F(TextReader, SuccessfulReadOfALocation_DropsAnEarlierWarning) {
   zoerr::tOwnedStatus status;
   status.code = 5;
   uint64_t size = sizeof buffer;
-  readTextAttribute(access(), 0x1001F400, buffer, &size, status);
+  readTextAttribute(access(), QUENRA_ATTRIBUTE_BUS_LOCATION, buffer, &size, status);
   EXPECT_EQ(status.code, 0);
   EXPECT_STREQ(buffer, "07:12");
 }
 
 TEST_F(TextReader, WithoutAnyTable_ReadsAsNothing) {
   provider.clear();
-  EXPECT_EQ(readText(0x10000100), (tFailure{0, 0}));
+  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PRODUCT_NAME), (tFailure{0, 0}));
   EXPECT_STREQ(buffer, "untouched");
+}
+
+// ---- Normalised texts ----
+
+struct tCase {
+  std::string text;
+  std::string one;                // as one segment
+  std::string separatedByCommas;  // as segments separated by commas
+};
+class NormalisedText : public testing::TestWithParam<tCase> {};
+
+TEST_P(NormalisedText, HasTwoDigitsInEachLeadingGroup) {
+  EXPECT_EQ(tNormalisedText(GetParam().text, tSegments::one).view(), GetParam().one);
+  EXPECT_EQ(tNormalisedText(GetParam().text, tSegments::separatedByCommas).view(),
+            GetParam().separatedByCommas);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Texts, NormalisedText,
+    testing::Values(tCase{"7:12", "07:12", "07:12"}, tCase{"17:2", "17:2", "17:2"},
+                    tCase{"1:2,3:4", "01:2,3:4", "01:2,03:4"}, tCase{"7", "7", "7"},
+                    tCase{"7:", "07:", "07:"}, tCase{"::", "0::", "0::"}, tCase{":", ":", ":"},
+                    tCase{",:5", "0,:5", "0,:5"}, tCase{",", ",", ","},
+                    tCase{"12:3,4:5,67:8,9:", "12:3,4:5,67:8,9:", "12:3,04:5,67:8,09:"},
+                    tCase{"a:b:c", "0a:b:c", "0a:b:c"}, tCase{"1,2:3", "1,2:3", "1,02:3"}));
+
+TEST(NormalisedTextOfNothing, IsOneNulCharacter) {
+  EXPECT_EQ(tNormalisedText("", tSegments::one).view(), "\0"s);
+  EXPECT_EQ(tNormalisedText("", tSegments::separatedByCommas).view(), "\0"s);
+}
+
+TEST(NormalisedTextOfTheLongestString, FitsTheCapacity) {
+  std::string text;
+  std::string expected;
+  while (text.size() < 126) {
+    text += "1:,";
+    expected += "01:,";
+  }
+  EXPECT_EQ(tNormalisedText(text, tSegments::separatedByCommas).view(), expected);
+  const std::string longest(128, ':');
+  EXPECT_EQ(tNormalisedText(longest, tSegments::one).view(), "0" + longest);
+}
+
+TEST(NormalisedTextOfMoreThanTheLongestString, IsCutToIt) {
+  const std::string longest(128, ':');
+  EXPECT_EQ(tNormalisedText(std::string(1000, ':'), tSegments::one).view(), "0" + longest);
 }
 
 }  // namespace

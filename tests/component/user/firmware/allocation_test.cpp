@@ -8,7 +8,7 @@ namespace {
 
 using ParserWithoutMemory = ParserTest;
 
-TEST_F(ParserWithoutMemory, RefusedAtAnyTime_IsReportedAndKeepsWhatIsThere) {
+TEST_F(ParserWithoutMemory, AllocationThatFails_IsReportedAndKeepsEarlierRecords) {
   const std::string longText(100, 'v');
   const std::string image = firmwareImage(
       {tFirmwareSection("MARTEN").version(longText), tFirmwareSection("BIOS").version(longText),
@@ -28,7 +28,7 @@ TEST_F(ParserWithoutMemory, RefusedAtAnyTime_IsReportedAndKeepsWhatIsThere) {
       break;
     }
     ++refused;
-    EXPECT_EQ(status.code, -26933) << "allocation " << nth;
+    EXPECT_EQ(status.code, QUENRA_STATUS_OUT_OF_MEMORY) << "allocation " << nth;
     EXPECT_EQ(lineOf(status), 214u) << "allocation " << nth;
     EXPECT_LT(records.size(), 3u) << "allocation " << nth;
     for (const auto& record : records) {

@@ -1,4 +1,4 @@
-// Every kernel against the reference, on texts that end with their allocation.
+// The kernels of every instruction set give the same results, and the choice between them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -226,7 +226,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Kernels, testing::ValuesIn(allKernels().begin(), al
                            return name;
                          });
 
-TEST(PlainSteps, ChangeNoByteBehindTheirRoom) {
+TEST(PlainSteps, ChangeNoBytePastTheirCapacity) {
   const std::string text = encodeBase64(firmwareBytes(90));
   for (size_t length = 0; length <= text.size(); ++length) {
     const tExactText exact(std::string_view(text).substr(0, length));
@@ -239,6 +239,60 @@ TEST(PlainSteps, ChangeNoByteBehindTheirRoom) {
     ASSERT_EQ(std::vector<uint8_t>(data.get(), data.get() + bytes), expected);
     ASSERT_EQ(~updateRegister(0xFFFFFFFF, data.get(), bytes), firmwareCrc(expected));
   }
+}
+
+// ---- The choice ----
+
+constexpr tProcessorFeatures kEverything{.popcnt = true,
+                                         .pclmul = true,
+                                         .avx2 = true,
+                                         .avx512f = true,
+                                         .avx512bw = true,
+                                         .avx512vbmi = true,
+                                         .avx512vbmi2 = true,
+                                         .vpclmulqdq = true};
+
+tProcessorFeatures without(bool tProcessorFeatures::*feature) {
+  tProcessorFeatures features = kEverything;
+  features.*feature = false;
+  return features;
+}
+
+TEST(KernelSelection, ProcessorWithEveryFeature_GetsAvx512) {
+  EXPECT_EQ(&kernelsFor(kEverything), &kAvx512Kernels);
+}
+
+TEST(KernelSelection, ProcessorWithoutAnyPartOfAvx512_GetsAvx2) {
+  for (const auto feature : {&tProcessorFeatures::avx512f, &tProcessorFeatures::avx512bw,
+                             &tProcessorFeatures::avx512vbmi, &tProcessorFeatures::avx512vbmi2,
+                             &tProcessorFeatures::vpclmulqdq}) {
+    EXPECT_EQ(&kernelsFor(without(feature)), &kAvx2Kernels);
+  }
+}
+
+TEST(KernelSelection, Avx512WithoutAnyPartOfAvx2_GetsPlain) {
+  for (const auto feature :
+       {&tProcessorFeatures::avx2, &tProcessorFeatures::pclmul, &tProcessorFeatures::popcnt}) {
+    EXPECT_EQ(&kernelsFor(without(feature)), &kPlainKernels);
+  }
+}
+
+TEST(KernelSelection, ProcessorOfAvx2Only_GetsAvx2) {
+  EXPECT_EQ(&kernelsFor({.popcnt = true, .pclmul = true, .avx2 = true}), &kAvx2Kernels);
+}
+
+TEST(KernelSelection, ProcessorWithoutFeatures_GetsPlain) {
+  EXPECT_EQ(&kernelsFor({}), &kPlainKernels);
+}
+
+TEST(KernelSelection, ThisMachine_GetsTheFirstSupported) {
+  for (const tChoice& choice : allKernels()) {
+    if (choice.isSupported()) {
+      EXPECT_EQ(&bestKernels(), &choice.kernels);
+      return;
+    }
+  }
+  FAIL() << "the last ones run on every processor";
 }
 
 }  // namespace

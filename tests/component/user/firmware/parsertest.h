@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "quenra_status.h"
 #include "source/user/firmware/tfirmwareimageparser.h"
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/component/user/readingtest.h"

@@ -104,7 +104,7 @@ TEST_F(Parser, OnAStatusWithAWarning_ParsesAndReportsErrors) {
   zoerr::tOwnedStatus status;
   status.code = 1;
   nQUENRA1400::tFirmwareImageParser().Parse(records, image.data(), image.size(), status);
-  EXPECT_EQ(status.code, -26938);
+  EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_IMAGE);
   EXPECT_EQ(records.size(), 1u);
 }
 
@@ -185,7 +185,7 @@ TEST_F(Parser, QuotedNothing_IsAText) {
   EXPECT_THAT(versions(), ElementsAre(""));
 }
 
-TEST_F(Parser, PayloadWithNul_GoesOnBehindItToTheEndOfTheImage) {
+TEST_F(Parser, PayloadWithNul_ContinuesAfterItToTheEndOfTheImage) {
   tFirmwareSection section("MARTEN");
   const std::string text = encodeBase64(section.data());
   section.payloadText(text.substr(0, 40) + '\0' + text.substr(40));
@@ -193,7 +193,7 @@ TEST_F(Parser, PayloadWithNul_GoesOnBehindItToTheEndOfTheImage) {
   EXPECT_EQ(data(0), section.data());
 }
 
-TEST_F(Parser, SectionsBehindANul_BelongToThePayloadBeforeIt) {
+TEST_F(Parser, SectionsAfterANul_BelongToThePayloadBeforeIt) {
   tFirmwareSection section("MARTEN");
   const std::string rest = emptySection("hidden");
   std::vector<uint8_t> decoded = plainDecode(encodeBase64(section.data()) + rest);
@@ -285,9 +285,10 @@ TEST_F(Parser, SectionsWithoutCapsuleOfTheBios_HaveNoFileName) {
 
 // ---- Each failure with its code and line ----
 
-TEST_F(Parser, OtherHeaderVersion_FailsAtLine164) {
+TEST_F(Parser, OtherHeaderVersion_FailsWithImageVersion) {
   for (const std::string_view version : {"2", "0", "0X1", "\"1\"", "x", "-1", "4294967297"}) {
-    EXPECT_EQ(parse({tFirmwareSection().with("HeaderVersion", version)}), (tFailure{-26941, 164}))
+    EXPECT_EQ(parse({tFirmwareSection().with("HeaderVersion", version)}),
+              (tFailure{QUENRA_STATUS_IMAGE_VERSION, 164}))
         << version;
   }
   for (const std::string_view version : {"1", " 1", "+1", "1abc", "0x1", "0x1x", "-4294967295"}) {
@@ -295,32 +296,36 @@ TEST_F(Parser, OtherHeaderVersion_FailsAtLine164) {
   }
 }
 
-TEST_F(Parser, OtherUpdateType_FailsAtLine176) {
+TEST_F(Parser, OtherUpdateType_FailsWithInvalidImage) {
   for (const std::string_view type : {"fwupdate", "FWUpdate ", "FWUpdat", "\"\""}) {
-    EXPECT_EQ(parse({tFirmwareSection("BIOS", type)}), (tFailure{-26938, 176})) << type;
+    EXPECT_EQ(parse({tFirmwareSection("BIOS", type)}), (tFailure{QUENRA_STATUS_INVALID_IMAGE, 176}))
+        << type;
   }
 }
 
-TEST_F(Parser, OtherTargetDevice_FailsAtLine186) {
+TEST_F(Parser, OtherTargetDevice_FailsWithInvalidImage) {
   for (const std::string_view device : {"bios", "BIOS2", " BIOS", "SAFE MODE", "\"\""}) {
-    EXPECT_EQ(parse({tFirmwareSection(device)}), (tFailure{-26938, 186})) << device;
+    EXPECT_EQ(parse({tFirmwareSection(device)}), (tFailure{QUENRA_STATUS_INVALID_IMAGE, 186}))
+        << device;
   }
 }
 
-TEST_F(Parser, HeaderEndInALaterSection_FailsAtLine214) {
+TEST_F(Parser, HeaderEndInALaterSection_FailsWithOutOfMemory) {
   EXPECT_EQ(parse({tFirmwareSection("MARTEN").payload({}).separator(""), tFirmwareSection()}),
-            (tFailure{-26933, 214}));
+            (tFailure{QUENRA_STATUS_OUT_OF_MEMORY, 214}));
 }
 
-TEST_F(Parser, OtherByteCount_FailsAtLine241) {
+TEST_F(Parser, OtherByteCount_FailsWithInvalidImage) {
   for (const std::string_view count : {"99", "101", "0", "-100", "4294967396", "0x100000064"}) {
-    EXPECT_EQ(parse({tFirmwareSection().with("ByteCount", count)}), (tFailure{-26938, 241}))
+    EXPECT_EQ(parse({tFirmwareSection().with("ByteCount", count)}),
+              (tFailure{QUENRA_STATUS_INVALID_IMAGE, 241}))
         << count;
   }
 }
 
-TEST_F(Parser, HeaderWithoutEnd_FailsAtLine241) {
-  EXPECT_EQ(parse({tFirmwareSection().separator("")}), (tFailure{-26938, 241}));
+TEST_F(Parser, HeaderWithoutEnd_FailsWithInvalidImage) {
+  EXPECT_EQ(parse({tFirmwareSection().separator("")}),
+            (tFailure{QUENRA_STATUS_INVALID_IMAGE, 241}));
 }
 
 TEST_F(Parser, HeaderWithoutEnd_HasThePayloadFromTheFourthByteOfTheImage) {
@@ -332,59 +337,69 @@ TEST_F(Parser, HeaderWithoutEnd_HasThePayloadFromTheFourthByteOfTheImage) {
   EXPECT_EQ(data(0), plainDecode(image.substr(3)));
 }
 
-TEST_F(Parser, OtherCrc_FailsAtLine258) {
+TEST_F(Parser, OtherCrc_FailsWithInvalidImage) {
   const uint32_t crc = firmwareCrc(tFirmwareSection().data());
   EXPECT_EQ(parse({tFirmwareSection().with("CRC", std::to_string(crc + 1))}),
-            (tFailure{-26938, 258}));
-  EXPECT_EQ(parse({tFirmwareSection().with("CRC", "0")}), (tFailure{-26938, 258}));
+            (tFailure{QUENRA_STATUS_INVALID_IMAGE, 258}));
+  EXPECT_EQ(parse({tFirmwareSection().with("CRC", "0")}),
+            (tFailure{QUENRA_STATUS_INVALID_IMAGE, 258}));
   // CRC-32C, whose polynomial is the same, of the digits 1 to 9.
   EXPECT_EQ(parse({tFirmwareSection()
                        .payloadText("MTIzNDU2Nzg5")
                        .with("ByteCount", "9")
                        .with("CRC", "0xe3069283")}),
-            (tFailure{-26938, 258}));
+            (tFailure{QUENRA_STATUS_INVALID_IMAGE, 258}));
 }
 
-TEST_F(Parser, EmptyNumber_FailsAtLine339) {
+TEST_F(Parser, EmptyNumber_FailsWithInvalidImage) {
   for (const std::string_view key : {"HeaderVersion", "CRC", "ByteCount"}) {
-    EXPECT_EQ(parse({tFirmwareSection().with(key, "")}), (tFailure{-26938, 339})) << key;
-  }
-}
-
-TEST_F(Parser, MissingNumber_FailsAtLine351) {
-  for (const std::string_view key : {"CRC", "ByteCount"}) {
-    EXPECT_EQ(parse({tFirmwareSection().without(key)}), (tFailure{-26933, 351})) << key;
-  }
-}
-
-TEST_F(Parser, NumberWithoutLineEnd_FailsAtLine351) {
-  const std::string header = "UpdateType::FWUpdate\r\nVersion::1\r\nTargetDevice::BIOS\r\n";
-  for (const std::string_view end : {"", "\r", "\n", "\n\r"}) {
-    EXPECT_EQ(parse("HeaderVersion::1" + std::string(end)), (tFailure{-26933, 351}));
-    EXPECT_EQ(parse("HeaderVersion::1\r\n" + header + "ByteCount::0\r\nCRC::0" + std::string(end)),
-              (tFailure{-26933, 351}));
-  }
-  EXPECT_EQ(parse(std::string("HeaderVersion::1") + '\0' + "\r\n" + header),
-            (tFailure{-26933, 351}));
-}
-
-TEST_F(Parser, MissingText_FailsAtLine409) {
-  for (const std::string_view key : {"UpdateType", "Version", "TargetDevice", "TargetFileName"}) {
-    EXPECT_EQ(parse({tFirmwareSection::capsule("a").without(key)}), (tFailure{-26938, 409})) << key;
-  }
-}
-
-TEST_F(Parser, EmptyText_FailsAtLine425) {
-  for (const std::string_view key : {"UpdateType", "Version", "TargetDevice", "TargetFileName"}) {
-    EXPECT_EQ(parse({tFirmwareSection::capsule("a").with(key, "")}), (tFailure{-26938, 425}))
+    EXPECT_EQ(parse({tFirmwareSection().with(key, "")}),
+              (tFailure{QUENRA_STATUS_INVALID_IMAGE, 339}))
         << key;
   }
 }
 
-TEST_F(Parser, QuoteThatIsNotClosed_FailsAtLine487) {
+TEST_F(Parser, MissingNumber_FailsWithOutOfMemory) {
+  for (const std::string_view key : {"CRC", "ByteCount"}) {
+    EXPECT_EQ(parse({tFirmwareSection().without(key)}),
+              (tFailure{QUENRA_STATUS_OUT_OF_MEMORY, 351}))
+        << key;
+  }
+}
+
+TEST_F(Parser, NumberWithoutLineEnd_FailsWithOutOfMemory) {
+  const std::string header = "UpdateType::FWUpdate\r\nVersion::1\r\nTargetDevice::BIOS\r\n";
+  for (const std::string_view end : {"", "\r", "\n", "\n\r"}) {
+    EXPECT_EQ(parse("HeaderVersion::1" + std::string(end)),
+              (tFailure{QUENRA_STATUS_OUT_OF_MEMORY, 351}));
+    EXPECT_EQ(parse("HeaderVersion::1\r\n" + header + "ByteCount::0\r\nCRC::0" + std::string(end)),
+              (tFailure{QUENRA_STATUS_OUT_OF_MEMORY, 351}));
+  }
+  EXPECT_EQ(parse(std::string("HeaderVersion::1") + '\0' + "\r\n" + header),
+            (tFailure{QUENRA_STATUS_OUT_OF_MEMORY, 351}));
+}
+
+TEST_F(Parser, MissingText_FailsWithInvalidImage) {
+  for (const std::string_view key : {"UpdateType", "Version", "TargetDevice", "TargetFileName"}) {
+    EXPECT_EQ(parse({tFirmwareSection::capsule("a").without(key)}),
+              (tFailure{QUENRA_STATUS_INVALID_IMAGE, 409}))
+        << key;
+  }
+}
+
+TEST_F(Parser, EmptyText_FailsWithInvalidImage) {
+  for (const std::string_view key : {"UpdateType", "Version", "TargetDevice", "TargetFileName"}) {
+    EXPECT_EQ(parse({tFirmwareSection::capsule("a").with(key, "")}),
+              (tFailure{QUENRA_STATUS_INVALID_IMAGE, 425}))
+        << key;
+  }
+}
+
+TEST_F(Parser, QuoteThatIsNotClosed_FailsWithInvalidImage) {
   for (const std::string_view key : {"UpdateType", "Version", "TargetDevice", "TargetFileName"}) {
     for (const std::string_view text : {"\"", "\"a", "a\""}) {
-      EXPECT_EQ(parse({tFirmwareSection::capsule("a").with(key, text)}), (tFailure{-26938, 487}))
+      EXPECT_EQ(parse({tFirmwareSection::capsule("a").with(key, text)}),
+                (tFailure{QUENRA_STATUS_INVALID_IMAGE, 487}))
           << key << text;
     }
   }
@@ -394,16 +409,16 @@ TEST_F(Parser, FailedSection_LeavesTheRecordsBeforeIt) {
   EXPECT_EQ(parse({tFirmwareSection("BIOS").version("1"), tFirmwareSection("MARTEN").version("2"),
                    tFirmwareSection("BIOS").version("3").with("CRC", "1"),
                    tFirmwareSection("BIOS").version("4")}),
-            (tFailure{-26938, 258}));
+            (tFailure{QUENRA_STATUS_INVALID_IMAGE, 258}));
   EXPECT_THAT(versions(), ElementsAre("1", "2"));
   EXPECT_EQ(data(0), tFirmwareSection().data());
 }
 
 TEST_F(Parser, FirstFieldThatCannotBeRead_IsTheOneReported) {
   EXPECT_EQ(parse({tFirmwareSection().with("HeaderVersion", "2").without("UpdateType")}),
-            (tFailure{-26938, 409}));
+            (tFailure{QUENRA_STATUS_INVALID_IMAGE, 409}));
   EXPECT_EQ(parse({tFirmwareSection("bios").without("CRC").with("ByteCount", "")}),
-            (tFailure{-26933, 351}));
+            (tFailure{QUENRA_STATUS_OUT_OF_MEMORY, 351}));
   EXPECT_TRUE(records.empty());
 }
 
@@ -423,7 +438,7 @@ TEST_F(Parser, KeysThatASectionLacks_AreTakenFromLaterOnes) {
 TEST_F(Parser, VersionWithoutLineFeedBeforeIt_IsNotFound) {
   EXPECT_EQ(parse("HeaderVersion::1\r\nUpdateType::FWUpdate\r\n Version::1\r\n"
                   "TargetDevice::BIOS\r\nCRC::0\r\nByteCount::0\r\n\r\n"),
-            (tFailure{-26938, 409}));
+            (tFailure{QUENRA_STATUS_INVALID_IMAGE, 409}));
 }
 
 TEST_F(Parser, KeyInsideAPayload_IsFound) {
@@ -436,7 +451,7 @@ TEST_F(Parser, KeyInsideAPayload_IsFound) {
   EXPECT_THAT(versions(), ElementsAre("!"));
 }
 
-TEST_F(Parser, HeaderBehindAnEarlyEmptyLine_IsHeaderAndPayload) {
+TEST_F(Parser, HeaderAfterAnEarlyEmptyLine_IsHeaderAndPayload) {
   const std::string start = "HeaderVersion::1\r\n\r\n";
   const std::string image =
       withCrcOfZero(start +
@@ -451,7 +466,7 @@ TEST_F(Parser, TextWithoutLineEnd_GoesToTheEndOfTheText) {
   const std::string header =
       "HeaderVersion::1\r\nUpdateType::FWUpdate\r\nTargetDevice::MARTEN\r\nCRC::0\r\nByteCount::0";
   // The payload ends with the image, so the version consists of characters that decoding skips.
-  EXPECT_EQ(parse(header + "\r\n\r\n\nVersion::"), (tFailure{-26938, 425}));
+  EXPECT_EQ(parse(header + "\r\n\r\n\nVersion::"), (tFailure{QUENRA_STATUS_INVALID_IMAGE, 425}));
   const auto payload = plainDecode("Version");
   const std::string counted =
       "HeaderVersion::1\r\nUpdateType::FWUpdate\r\nTargetDevice::MARTEN\r\n"
@@ -472,7 +487,7 @@ TEST_F(Parser, ThousandsOfSectionsThatShareOneKey_ParseInOneSweep) {
 
 TEST_F(Parser, TextFullOfColons_IsSearchedToItsEnd) {
   EXPECT_EQ(parse(std::string(100000, ':') + "HeaderVersion:" + std::string(1000, ':')),
-            (tFailure{-26933, 351}));
+            (tFailure{QUENRA_STATUS_OUT_OF_MEMORY, 351}));
 }
 
 // ---- Against the plain implementation ----

@@ -1,5 +1,6 @@
 #include "source/user/preconditions/preconditions.h"
 
+#include <gtest/gtest.h>
 #include <windows.h>
 // Both need windows.h first.
 #include <objbase.h>
@@ -7,7 +8,9 @@
 
 #include <thread>
 
+#include "tests/builders/smbiostablebuilder.h"
 #include "tests/component/session/sessiontest.h"
+#include "tests/component/user/readingtest.h"
 
 namespace nTests {
 namespace {
@@ -16,30 +19,29 @@ using nFakeWindows::com;
 using nFakeWindows::faultPlan;
 using nFakeWindows::tCall;
 
-constexpr int32_t kUpdateEnvironment = -26937;
 constexpr auto kRefused = static_cast<uint32_t>(E_ACCESSDENIED);
 
-struct tAnswer {
+struct tEncryption {
   bool isEncrypted = false;
   tOutcome outcome;
-  bool operator==(const tAnswer&) const = default;
+  bool operator==(const tEncryption&) const = default;
 };
-void PrintTo(const tAnswer& answer, std::ostream* out) {
+void PrintTo(const tEncryption& answer, std::ostream* out) {
   *out << (answer.isEncrypted ? "encrypted, " : "not encrypted, ");
   PrintTo(answer.outcome, out);
 }
 
-tAnswer ask() {
+tEncryption queryEncryption() {
   zoerr::tOwnedStatus status;
   const bool isEncrypted = nQUENRA1400::IsSystemDriveEncrypted(status);
   return {isEncrypted, outcomeOf(status)};
 }
 
-tAnswer failureAt(uint32_t line) {
-  return {false, sessionFailure(kUpdateEnvironment, line)};
+tEncryption failureAt(uint32_t line) {
+  return {false, sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, line)};
 }
-const tAnswer kEncrypted = {true, success()};
-const tAnswer kNotEncrypted = {false, success()};
+const tEncryption kEncrypted = {true, success()};
+const tEncryption kNotEncrypted = {false, success()};
 
 // Fails a test that leaks a COM object, a string or a value, or leaves COM initialised.
 class DriveEncryption : public nFakeWindows::FakeWindowsTest {
@@ -65,63 +67,63 @@ class DriveEncryption : public nFakeWindows::FakeWindowsTest {
 
 TEST_F(DriveEncryption, ProtectionOn_IsTheOnlyThingThatCounts) {
   com()->useVolumes({{VT_I4, 1}});
-  EXPECT_EQ(ask(), kEncrypted);
+  EXPECT_EQ(queryEncryption(), kEncrypted);
 }
 
 TEST_F(DriveEncryption, ProtectionOffOrUnknown_IsNoObstacle) {
   expectUses(4);
   for (const LONG protection : {0, 2, 3, -1}) {
     com()->useVolumes({{VT_I4, protection}});
-    EXPECT_EQ(ask(), kNotEncrypted) << protection;
+    EXPECT_EQ(queryEncryption(), kNotEncrypted) << protection;
   }
 }
 
 TEST_F(DriveEncryption, UnsignedNumber_CountsAsWell) {
   com()->useVolumes({{VT_UI4, 1}});
-  EXPECT_EQ(ask(), kEncrypted);
+  EXPECT_EQ(queryEncryption(), kEncrypted);
 }
 
 TEST_F(DriveEncryption, ValueThatIsNotA32BitNumber_IsNoObstacle) {
   expectUses(5);
   for (const VARTYPE type : {VT_NULL, VT_EMPTY, VT_BSTR, VT_I2, VT_BOOL}) {
     com()->useVolumes({{type, 1}});
-    EXPECT_EQ(ask(), kNotEncrypted) << type;
+    EXPECT_EQ(queryEncryption(), kNotEncrypted) << type;
   }
 }
 
 TEST_F(DriveEncryption, WithoutSuchAVolume_IsNoObstacle) {
   com()->useVolumes({});
-  EXPECT_EQ(ask(), kNotEncrypted);
+  EXPECT_EQ(queryEncryption(), kNotEncrypted);
   EXPECT_EQ(faultPlan().callCount(tCall::get), 0u);
 }
 
 TEST_F(DriveEncryption, OfSeveralVolumes_TheFirstCounts) {
   expectUses(2);
   com()->useVolumes({{VT_I4, 1}, {VT_I4, 0}});
-  EXPECT_EQ(ask(), kEncrypted);
+  EXPECT_EQ(queryEncryption(), kEncrypted);
   com()->useVolumes({{VT_I4, 0}, {VT_I4, 1}});
-  EXPECT_EQ(ask(), kNotEncrypted);
+  EXPECT_EQ(queryEncryption(), kNotEncrypted);
   EXPECT_EQ(faultPlan().callCount(tCall::next), 2u) << "one object each time";
 }
 
-TEST_F(DriveEncryption, SecurityThatIsThereAlready_IsTaken) {
+TEST_F(DriveEncryption, SecuritySetByTheProcess_IsAccepted) {
   com()->initialiseSecurity();
   com()->useVolumes({{VT_I4, 1}});
-  EXPECT_EQ(ask(), kEncrypted);
+  EXPECT_EQ(queryEncryption(), kEncrypted);
 }
 
 TEST_F(DriveEncryption, AskedAgain_AnswersAgain) {
   expectUses(3);
   com()->useVolumes({{VT_I4, 1}});
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(ask(), kEncrypted);
+    EXPECT_EQ(queryEncryption(), kEncrypted);
   }
 }
 
 TEST_F(DriveEncryption, ThreadInTheSameModel_KeepsCom) {
   enter(COINIT_MULTITHREADED);
   com()->useVolumes({{VT_I4, 1}});
-  EXPECT_EQ(ask(), kEncrypted);
+  EXPECT_EQ(queryEncryption(), kEncrypted);
   EXPECT_TRUE(com()->isThreadInside());
   leave();
 }
@@ -129,7 +131,7 @@ TEST_F(DriveEncryption, ThreadInTheSameModel_KeepsCom) {
 TEST_F(DriveEncryption, ThreadInAnApartment_FailsAndKeepsCom) {
   expectNoUse();
   enter(COINIT_APARTMENTTHREADED);
-  EXPECT_EQ(ask(), failureAt(2831));
+  EXPECT_EQ(queryEncryption(), failureAt(2831));
   EXPECT_TRUE(com()->isThreadInside()) << "what the caller has begun the caller ends";
   leave();
 }
@@ -161,7 +163,7 @@ TEST_F(DriveEncryption, ManyThreadsAtOnce_EachKeepItsOwnCom) {
   for (unsigned i = 0; i < kThreads; ++i) {
     threads.emplace_back([&encrypted] {
       for (unsigned time = 0; time < kTimes; ++time) {
-        encrypted += ask() == kEncrypted ? 1 : 0;
+        encrypted += queryEncryption() == kEncrypted ? 1 : 0;
       }
     });
   }
@@ -176,7 +178,7 @@ struct tFailingCall {
   tCall call;
   unsigned nth;
   uint32_t result;
-  tAnswer answer;
+  tEncryption answer;
   bool usesCom = true;
 };
 void PrintTo(const tFailingCall& failing, std::ostream* out) {
@@ -190,7 +192,7 @@ TEST_P(DriveEncryptionFailures, EachIsReportedAndLeavesNothingOpen) {
   com()->useVolumes({{VT_I4, 1}});
   expectUses(GetParam().usesCom ? 1 : 0);
   faultPlan().failCall(GetParam().call, GetParam().nth, GetParam().result);
-  EXPECT_EQ(ask(), GetParam().answer);
+  EXPECT_EQ(queryEncryption(), GetParam().answer);
   EXPECT_EQ(com()->open(), std::vector<std::string>());
 }
 
@@ -215,6 +217,52 @@ INSTANTIATE_TEST_SUITE_P(
                      failureAt(2912)},
         tFailingCall{tCall::next, 1, static_cast<uint32_t>(WBEM_E_INVALID_CLASS), kNotEncrypted},
         tFailingCall{tCall::get, 1, static_cast<uint32_t>(WBEM_E_NOT_FOUND), kNotEncrypted}));
+
+// ---- The model families ----
+
+class ModelFamilies : public testing::Test {
+ protected:
+  // The answer for a machine with this product name; null means that it has none.
+  bool isOutside(const char* name) {
+    tReferenceTable table;
+    if (name == nullptr) {
+      table.structure(0x01).byte(0x05, 0);
+    } else {
+      table.structure(0x01).text(0x05, name);
+    }
+    tInstalledProvider provider;
+    nZOAPALS100::tStatus installing;
+    provider.install(table.build(), {}, installing);
+    EXPECT_EQ(installing.code, 0);
+    return nQUENRA1400::IsOutsideModelFamilies(provider);
+  }
+};
+
+TEST_F(ModelFamilies, NamesOfTheFamilies_AreInside) {
+  for (const char* name :
+       {"qmod-7100", "qmod-7105", "qmod-7109", "qbrd-4302", "qbrd-4312", "qbrd-4392"}) {
+    EXPECT_FALSE(isOutside(name)) << name;
+  }
+}
+
+TEST_F(ModelFamilies, NamesThatOnlyResembleThem_AreOutside) {
+  for (const char* name :
+       {"qmod-71050", "QMOD-7105", "xqmod-7105", "qmod-7105 ", " qmod-7105", "qmod-710a",
+        "qmod-710", "qbrd-4313", "qbrd-43122", "qbrd-43x2", "qmod-7105\n"}) {
+    EXPECT_TRUE(isOutside(name)) << name;
+  }
+}
+
+TEST_F(ModelFamilies, NameThatCannotBeRead_CountsAsInside) {
+  EXPECT_FALSE(isOutside(nullptr)) << "no name";
+  EXPECT_TRUE(isOutside(std::string(128, 'x').c_str())) << "the longest name there is";
+  EXPECT_FALSE(isOutside(std::string(129, 'x').c_str())) << "one character too many";
+}
+
+TEST_F(ModelFamilies, WithoutATable_CountsAsInside) {
+  tInstalledProvider provider;
+  EXPECT_FALSE(nQUENRA1400::IsOutsideModelFamilies(provider));
+}
 
 }  // namespace
 }  // namespace nTests
