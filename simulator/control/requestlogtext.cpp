@@ -104,7 +104,7 @@ constexpr tRequestLayout kLayouts[] = {
        {"destinations", 24, 8, tFormat::hexadecimal},
        {"destination-count", 32, 4, tFormat::number},
        {"options", 36, 4, tFormat::hexadecimal},
-       {"room", 48, 4, tFormat::number},
+       {"capacity", 48, 4, tFormat::number},
        {"caller", 52, 4, tFormat::signedNumber}}},
      {{{"value", 0, 4, tFormat::number},
        {"count", 4, 4, tFormat::number},

@@ -56,8 +56,8 @@ class tMachineScenario final : public iManagementScenario {
     return {{VT_I4, status}};
   }
   HRESULT unforeseen(const char*, HRESULT usual) noexcept override { return usual; }
-  void objectMade(const char*) noexcept override { ++inUse; }
-  void objectGone(const char*) noexcept override { --inUse; }
+  void objectCreated(const char*) noexcept override { ++inUse; }
+  void objectDestroyed(const char*) noexcept override { --inUse; }
 };
 
 class tClassFactory final : public tComObject<IClassFactory> {

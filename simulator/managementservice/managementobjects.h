@@ -40,8 +40,8 @@ class iManagementScenario {
   // Called for an unimplemented method or an unexpected argument. Returns the result of the call.
   [[nodiscard]] virtual HRESULT unforeseen(const char* what, HRESULT usual) noexcept = 0;
   // Called when an object of the service is created, and after its last release.
-  virtual void objectMade(const char* name) noexcept = 0;
-  virtual void objectGone(const char* name) noexcept = 0;
+  virtual void objectCreated(const char* name) noexcept = 0;
+  virtual void objectDestroyed(const char* name) noexcept = 0;
 };
 
 inline constexpr CLSID kManagementLocatorClass = {

@@ -46,9 +46,9 @@ class tComObject : public Base {
   tComObject(std::shared_ptr<iManagementScenario> scenario, const char* name,
              const IID& interfaceId)
       : Base(), scenario_(std::move(scenario)), name_(name), interfaceId_(interfaceId) {
-    scenario_->objectMade(name_);
+    scenario_->objectCreated(name_);
   }
-  virtual ~tComObject() { scenario_->objectGone(name_); }
+  virtual ~tComObject() { scenario_->objectDestroyed(name_); }
 
   [[nodiscard]] const std::shared_ptr<iManagementScenario>& scenario() const noexcept {
     return scenario_;

@@ -158,13 +158,13 @@ HRESULT tCom::unforeseen(const char* what, HRESULT) noexcept {
   stop("the management service", what);
 }
 
-void tCom::objectMade(const char* name) noexcept {
+void tCom::objectCreated(const char* name) noexcept {
   const tInside inside;
   const std::lock_guard lock(mutex_);
   objects_.insert(name);
 }
 
-void tCom::objectGone(const char* name) noexcept {
+void tCom::objectDestroyed(const char* name) noexcept {
   const tInside inside;
   const std::lock_guard lock(mutex_);
   objects_.erase(objects_.find(name));

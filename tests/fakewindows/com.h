@@ -42,8 +42,8 @@ class tCom final : public nSimulator::iManagementScenario {
       nSimulator::tManagementStep step) noexcept override;
   [[nodiscard]] std::vector<nSimulator::tVolume> volumes() override;
   [[nodiscard]] HRESULT unforeseen(const char* what, HRESULT usual) noexcept override;
-  void objectMade(const char* name) noexcept override;
-  void objectGone(const char* name) noexcept override;
+  void objectCreated(const char* name) noexcept override;
+  void objectDestroyed(const char* name) noexcept override;
 
  private:
   std::mutex mutex_;

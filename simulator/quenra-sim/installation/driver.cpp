@@ -1,4 +1,4 @@
-#include "simulator/quenra-sim/installation/driver.h"
+#include "simulator/quenra-sim/installation/installation.h"
 
 #include <windows.h>
 // These require windows.h.

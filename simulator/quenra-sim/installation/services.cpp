@@ -1,4 +1,4 @@
-#include "simulator/quenra-sim/installation/services.h"
+#include "simulator/quenra-sim/installation/installation.h"
 
 #include <windows.h>
 

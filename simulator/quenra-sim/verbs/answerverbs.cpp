@@ -1,6 +1,7 @@
 // attribute and answer: the answers of the driver.
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -90,32 +91,37 @@ struct tAnswerArguments {
   std::optional<int32_t> addCode;
 };
 
+// A request that a script can match, with its code on the two interfaces; 0 matches any request.
+struct tRequestName {
+  const char* name;
+  uint32_t controllerCode;
+  uint32_t martenCode;
+};
+constexpr tRequestName kRequests[] = {
+    {"get-attribute", REQUEST_GET_ATTRIBUTE, REQUEST_GET_ATTRIBUTE},
+    {"set-attribute", REQUEST_SET_ATTRIBUTE, REQUEST_SET_ATTRIBUTE},
+    {"exchange-values", REQUEST_EXCHANGE_VALUES, REQUEST_EXCHANGE_VALUES},
+    {"send-command", REQUEST_CONTROLLER_SEND_COMMAND, REQUEST_MARTEN_SEND_COMMAND},
+    {"pending-request", REQUEST_PENDING_NARROW, REQUEST_PENDING_NARROW},
+    {"pending-request-wide", REQUEST_PENDING_WIDE, REQUEST_PENDING_WIDE},
+    {"end-pending", REQUEST_END_PENDING, REQUEST_END_PENDING},
+    {"any", 0, 0},
+};
+
+std::vector<std::string> requestNames() {
+  std::vector<std::string> names;
+  for (const tRequestName& request : kRequests) {
+    names.emplace_back(request.name);
+  }
+  return names;
+}
+
 uint32_t requestCodeOf(const tAnswerArguments& arguments) {
-  const std::string& name = arguments.request;
-  if (name == "get-attribute") {
-    return REQUEST_GET_ATTRIBUTE;
-  }
-  if (name == "set-attribute") {
-    return REQUEST_SET_ATTRIBUTE;
-  }
-  if (name == "exchange-values") {
-    return REQUEST_EXCHANGE_VALUES;
-  }
-  if (name == "pending-request") {
-    return REQUEST_PENDING_NARROW;
-  }
-  if (name == "pending-request-wide") {
-    return REQUEST_PENDING_WIDE;
-  }
-  if (name == "end-pending") {
-    return REQUEST_END_PENDING;
-  }
-  if (name == "send-command") {
-    return arguments.script.interfaceKind == kSimulatorInterfaceMarten
-               ? REQUEST_MARTEN_SEND_COMMAND
-               : REQUEST_CONTROLLER_SEND_COMMAND;
-  }
-  return 0;
+  const auto* const request =
+      std::find_if(std::begin(kRequests), std::end(kRequests),
+                   [&](const tRequestName& row) { return row.name == arguments.request; });
+  return arguments.script.interfaceKind == kSimulatorInterfaceMarten ? request->martenCode
+                                                                     : request->controllerCode;
 }
 
 void addScript(tAnswerArguments arguments) {
@@ -197,9 +203,7 @@ void addAnswer(CLI::App& app, tAction& action) {
       ->add_option("request", arguments.request,
                    "get-attribute, set-attribute, exchange-values, send-command, pending-request, "
                    "pending-request-wide, end-pending or any")
-      ->check(
-          wordsOf("a request", {"get-attribute", "set-attribute", "exchange-values", "send-command",
-                                "pending-request", "pending-request-wide", "end-pending", "any"}))
+      ->check(wordsOf("a request", requestNames()))
       ->capture_default_str();
   addVerb->add_option("--skip", arguments.script.skip, "Matching requests to let through first")
       ->capture_default_str();

@@ -1,11 +1,10 @@
-// install, uninstall, wait, status and reset: the machine as a whole.
+// install, uninstall, wait, status and reset: the installation and the state of the machine.
 #include <chrono>
 #include <iostream>
 #include <thread>
 
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/quenra-sim/installation/driver.h"
-#include "simulator/quenra-sim/installation/services.h"
+#include "simulator/quenra-sim/installation/installation.h"
 #include "simulator/quenra-sim/installation/steps.h"
 #include "simulator/quenra-sim/verbs/output.h"
 #include "simulator/quenra-sim/verbs/verbs.h"

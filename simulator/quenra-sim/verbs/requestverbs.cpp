@@ -67,9 +67,9 @@ void completeRequests(const tPendingArguments& arguments) {
   try {
     tSimulatedMachine().completePending(arguments.handle, arguments.windowsError);
   } catch (const tControlError& error) {
-    rethrowRejection(error, arguments.handle == 0
-                            ? "no request waits for acceptance"
-                            : "no pending request has handle " + std::to_string(arguments.handle));
+    rethrowRejection(error, arguments.handle == 0 ? "no request waits for acceptance"
+                                                  : "no pending request has handle " +
+                                                        std::to_string(arguments.handle));
   }
 }
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/quenra-sim/installation/services.h"
+#include "simulator/quenra-sim/installation/installation.h"
 #include "simulator/quenra-sim/verbs/arguments.h"
 #include "simulator/quenra-sim/verbs/output.h"
 #include "simulator/quenra-sim/verbs/verbs.h"

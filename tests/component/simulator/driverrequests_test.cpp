@@ -31,7 +31,7 @@ class ModelRequests : public ModelTest {
     sent.size = size;
     return recordOf<tStatusReply>(request(kind, REQUEST_SET_ATTRIBUTE, sent, 4)).driverStatus;
   }
-  void give(tSimulatorInterface kind, uint32_t attribute, std::string_view value) {
+  void setValue(tSimulatorInterface kind, uint32_t attribute, std::string_view value) {
     tSimulatorAttribute record{};
     record.interfaceKind = kind;
     record.attribute = attribute;
@@ -89,7 +89,7 @@ TEST_F(ModelRequests, ExchangeWithAnInaccessibleBuffer_IsRejected) {
 }
 
 TEST_F(ModelRequests, Attribute_IsWrittenIntoTheCallersMemory) {
-  give(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, std::string_view("abc", 4));
+  setValue(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, std::string_view("abc", 4));
   const tGetAttributeReply reply = get(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0x300, 4);
   EXPECT_EQ(reply.driverStatus, 0);
   EXPECT_EQ(reply.size, 4u);
@@ -98,7 +98,7 @@ TEST_F(ModelRequests, Attribute_IsWrittenIntoTheCallersMemory) {
 }
 
 TEST_F(ModelRequests, AttributeInATooSmallBuffer_ReturnsTheRequiredSize) {
-  give(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, std::string_view("abc", 4));
+  setValue(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, std::string_view("abc", 4));
   const tGetAttributeReply reply = get(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0x300, 3);
   EXPECT_EQ(reply.driverStatus, QUENRA_STATUS_BUFFER_TOO_SMALL);
   EXPECT_EQ(reply.size, 4u);
@@ -106,7 +106,7 @@ TEST_F(ModelRequests, AttributeInATooSmallBuffer_ReturnsTheRequiredSize) {
 }
 
 TEST_F(ModelRequests, AbsentAttribute_IsNotSupported) {
-  give(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, "abc");
+  setValue(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, "abc");
   EXPECT_EQ(get(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION + 1, 0x300, 4).driverStatus,
             SIMULATOR_STATUS_NOT_SUPPORTED);
   EXPECT_EQ(get(kController, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0x300, 4).driverStatus,
@@ -115,7 +115,7 @@ TEST_F(ModelRequests, AbsentAttribute_IsNotSupported) {
 }
 
 TEST_F(ModelRequests, AttributeIntoInaccessibleMemory_IsRejected) {
-  give(kMarten, 5, "abcd");
+  setValue(kMarten, 5, "abcd");
   EXPECT_EQ(get(kMarten, 5, 0, 4).driverStatus, SIMULATOR_STATUS_BAD_ADDRESS);
   EXPECT_EQ(get(kMarten, 5, memory.size() - 3, 4).driverStatus, SIMULATOR_STATUS_BAD_ADDRESS);
 }
@@ -134,7 +134,7 @@ TEST_F(ModelRequests, WriteOfAReadOnlyAttribute_IsNotSupported) {
   EXPECT_EQ(set(kController, QUENRA_ATTRIBUTE_PROCESSOR_SETTING, 0x300, 4),
             SIMULATOR_STATUS_NOT_SUPPORTED);
   EXPECT_EQ(set(kMarten, kOtherAttribute, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
-  give(kMarten, kOtherAttribute, "abc");
+  setValue(kMarten, kOtherAttribute, "abc");
   EXPECT_EQ(set(kMarten, kOtherAttribute, 0x300, 4), SIMULATOR_STATUS_NOT_SUPPORTED);
 }
 
@@ -142,7 +142,7 @@ TEST_F(ModelRequests, Writability_CanBeChanged) {
   tSimulatorAttribute record{};
   record.interfaceKind = kMarten;
   record.attribute = kOtherAttribute;
-  give(kMarten, kOtherAttribute, "abc");
+  setValue(kMarten, kOtherAttribute, "abc");
   EXPECT_EQ(control(SIMULATOR_ALLOW_WRITES, record).windowsError, kWindowsErrorNone);
   EXPECT_EQ(set(kMarten, kOtherAttribute, 0x300, 4), 0);
   EXPECT_EQ(control(SIMULATOR_REFUSE_WRITES, record).windowsError, kWindowsErrorNone);
@@ -176,8 +176,8 @@ TEST_F(ModelRequests, MartenVersion_CanBeOverwrittenAndHasNoSelector) {
       get(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN, 0x400, 64).size, 7u)
       << "as it was written, without a NUL";
   EXPECT_EQ(std::memcmp(memory.data() + 0x400, "0.0.0f0", 7), 0);
-  give(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN,
-       std::string_view("2.0.0f1", 8));
+  setValue(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN,
+           std::string_view("2.0.0f1", 8));
   EXPECT_EQ(get(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0x400, 64).size, 8u);
 }
 
