@@ -89,9 +89,7 @@ static tGetAttributeReply getAttribute(const tModel* model, const tModelFile* fi
     return (tGetAttributeReply){.size = attribute->size,
                                 .driverStatus = kStatusValueBufferTooSmall};
   }
-  if (attribute->size != 0 &&
-      !model->host.writeCaller(model->host.context, file->process, request->buffer,
-                               attribute->value, attribute->size)) {
+  if (!writeToCaller(&model->host, file, request->buffer, attribute->value, attribute->size)) {
     return (tGetAttributeReply){.size = 0, .driverStatus = SIMULATOR_STATUS_BAD_ADDRESS};
   }
   return (tGetAttributeReply){.size = attribute->size, .driverStatus = 0};
@@ -124,8 +122,7 @@ static int32_t setAttribute(tModel* model, const tModelFile* file,
   }
   tSimulatorAttribute changed = *present;
   changed.size = (uint32_t)request->size;
-  if (changed.size != 0 && !model->host.readCaller(model->host.context, file->process,
-                                                   request->buffer, changed.value, changed.size)) {
+  if (!readFromCaller(&model->host, file, request->buffer, changed.value, changed.size)) {
     return SIMULATOR_STATUS_BAD_ADDRESS;
   }
   attributesPut(&model->attributes, &changed);

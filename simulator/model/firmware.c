@@ -46,8 +46,7 @@ static bool readPayload(tModel* model, const tModelFile* file, const tSendComman
   while (done < request->payloadSize) {
     uint8_t* piece = model->firmware.piece;
     const uint32_t size = smallerOf(request->payloadSize - done, FIRMWARE_PIECE_SIZE);
-    if (!model->host.readCaller(model->host.context, file->process, request->payload + done, piece,
-                                size)) {
+    if (!readFromCaller(&model->host, file, request->payload + done, piece, size)) {
       return false;
     }
     if (done == 0) {

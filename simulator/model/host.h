@@ -71,4 +71,15 @@ typedef struct tModelHost {
   void (*presenceChanged)(void* context, const tSimulatorPresence* presence);
 } tModelHost;
 
+/* The two copies above for the caller of a file. An empty range is accessible at any address. */
+static inline bool readFromCaller(const tModelHost* host, const tModelFile* file, uint64_t address,
+                                  void* destination, uint32_t size) {
+  return size == 0 || host->readCaller(host->context, file->process, address, destination, size);
+}
+
+static inline bool writeToCaller(const tModelHost* host, const tModelFile* file, uint64_t address,
+                                 const void* source, uint32_t size) {
+  return size == 0 || host->writeCaller(host->context, file->process, address, source, size);
+}
+
 #endif

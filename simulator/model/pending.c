@@ -72,8 +72,7 @@ static void complete(tModel* model, uint32_t index, uint32_t windowsError) {
 /* Writes the handle to the caller and signals its event. Returns the error if the request fails. */
 static uint32_t deliverHandle(tModel* model, const tPendingEntry* entry, uint64_t handle) {
   const tModelHost* host = &model->host;
-  if (!host->writeCaller(host->context, entry->file.process, entry->handleAddress, &handle,
-                         sizeof(handle))) {
+  if (!writeToCaller(host, &entry->file, entry->handleAddress, &handle, sizeof(handle))) {
     return kWindowsErrorNoAccess;
   }
   return host->signalEvent(host->context, entry->file.process, entry->event)

@@ -40,10 +40,9 @@ static uint32_t findConflicts(tModel* model, const tRoute* wanted, uint64_t to, 
     }
     if (count < capacity) {
       const tRouteConflict conflict = {held->session.file, held->ticket, 0};
-      *reachable =
-          *reachable && model->host.writeCaller(model->host.context, wanted->session.process,
-                                                to + (uint64_t)count * sizeof(conflict), &conflict,
-                                                sizeof(conflict));
+      *reachable = *reachable && writeToCaller(&model->host, &wanted->session,
+                                               to + (uint64_t)count * sizeof(conflict), &conflict,
+                                               sizeof(conflict));
     }
     ++count;
   }
@@ -76,9 +75,8 @@ typedef struct tCandidate {
 
 static bool readRecord(const tCalculation* calculation, uint64_t list, uint32_t index, void* record,
                        uint32_t size) {
-  const tModelHost* host = &calculation->model->host;
-  return host->readCaller(host->context, calculation->session->process,
-                          list + (uint64_t)index * size, record, size);
+  return readFromCaller(&calculation->model->host, calculation->session,
+                        list + (uint64_t)index * size, record, size);
 }
 
 static uint32_t fullCost(const tCalculation* calculation, const tRouteSeed* seed,
@@ -140,10 +138,9 @@ static void addRoute(tCalculation* calculation, uint32_t destination, bool inver
   }
   const tRouteRecord record = {added->ticket, destination, best.cost,
                                best.seed,     inverts,     {0, 0, 0}};
-  const tModelHost* host = &calculation->model->host;
-  if (!host->writeCaller(host->context, calculation->session->process,
-                         calculation->request.routes + calculation->found * sizeof(record), &record,
-                         sizeof(record))) {
+  const uint64_t address = calculation->request.routes + calculation->found * sizeof(record);
+  if (!writeToCaller(&calculation->model->host, calculation->session, address, &record,
+                     sizeof(record))) {
     routerRemove(&calculation->model->router, added);
     calculation->status = SIMULATOR_STATUS_BAD_ADDRESS;
     return;
@@ -288,8 +285,8 @@ static uint32_t terminalOfPath(const tRoute* route, uint32_t index, uint32_t len
 static bool writePath(const tModel* model, const tRoute* route, uint64_t to, uint32_t length) {
   for (uint32_t i = 0; i < length; ++i) {
     const uint32_t terminal = terminalOfPath(route, i, length);
-    if (!model->host.writeCaller(model->host.context, route->session.process,
-                                 to + i * sizeof(terminal), &terminal, sizeof(terminal))) {
+    if (!writeToCaller(&model->host, &route->session, to + i * sizeof(terminal), &terminal,
+                       sizeof(terminal))) {
       return false;
     }
   }
@@ -328,8 +325,7 @@ void carryOutGetTopographyName(tModel* model, const tModelFile* file, const void
   copyBytes(&request, input, sizeof(request));
   const uint32_t size = smallerOf(request.size, model->router.topographyNameSize);
   const bool written =
-      size == 0 || model->host.writeCaller(model->host.context, file->process, request.buffer,
-                                           model->router.topographyName, size);
+      writeToCaller(&model->host, file, request.buffer, model->router.topographyName, size);
   answerStatus(reply, written ? 0 : SIMULATOR_STATUS_BAD_ADDRESS);
 }
 

@@ -26,22 +26,16 @@ static bool bufferSuffices(uint64_t address, int64_t size, uint32_t needed) {
   return address != 0 && size >= (int64_t)needed;
 }
 
-static bool writeBytes(const tModelHost* host, uint64_t process, uint64_t address,
-                       const void* source, uint32_t size) {
-  return size == 0 || host->writeCaller(host->context, process, address, source, size);
-}
-
-static int32_t writeToCaller(const tModel* model, const tModelFile* file,
-                             const tExchangeValuesRequest* request) {
+static int32_t exchangeValues(const tModel* model, const tModelFile* file,
+                              const tExchangeValuesRequest* request) {
   const tSmbiosHandover* handover = &model->handover;
   if (!bufferSuffices(request->textBuffer, request->textSize, handover->textSize) ||
       !bufferSuffices(request->tableBuffer, request->tableSize, handover->tableSize)) {
     return DRIVER_STATUS_BUFFER_TOO_SMALL;
   }
-  const bool copied = writeBytes(&model->host, file->process, request->textBuffer, handover->text,
-                                 handover->textSize) &&
-                      writeBytes(&model->host, file->process, request->tableBuffer, handover->table,
-                                 handover->tableSize);
+  const bool copied =
+      writeToCaller(&model->host, file, request->textBuffer, handover->text, handover->textSize) &&
+      writeToCaller(&model->host, file, request->tableBuffer, handover->table, handover->tableSize);
   return copied ? 0 : SIMULATOR_STATUS_BAD_ADDRESS;
 }
 
@@ -51,7 +45,7 @@ void carryOutExchangeValues(tModel* model, const tModelFile* file, const void* i
   const tExchangeValuesReply answer = {
       .textSize = model->handover.textSize,
       .tableSize = model->handover.tableSize,
-      .driverStatus = writeToCaller(model, file, &request),
+      .driverStatus = exchangeValues(model, file, &request),
   };
   copyBytes(reply, &answer, sizeof(answer));
 }
