@@ -136,7 +136,7 @@ class tScriptedMarten final
 class tInstalledProvider final : public nQUENRA1400::nZOSMBIOS_1_1::cZoSmBiosProvider {
  public:
   void load(nZOAPALS100::tStatus& status) noexcept override {
-    mergeStatus(status, nQUENRA1400::nZOSMBIOS_1_1::kNoTable, "quenra", "test", 1);
+    mergeStatus(status, nQUENRA1400::nZOSMBIOS_1_1::kNoTable, {"test", 1, "quenra"});
   }
 };
 

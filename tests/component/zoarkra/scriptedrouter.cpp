@@ -56,7 +56,7 @@ bool tScriptedRouter::enter(Describe describe, const tStatus& status) {
 
 void tScriptedRouter::leave(tStatus& status) {
   if (!codes.empty()) {
-    mergeStatus(status, codes.front(), "driver", "router", 9);
+    mergeStatus(status, codes.front(), {"router", 9, "driver"});
     codes.erase(codes.begin());
   }
 }
@@ -131,7 +131,7 @@ void tScriptedRouter::getRouteTerminalPath(uint32_t ticket, uint64_t terminals, 
     fill(terminals, capacity, path);
     count = countOf(path.size(), reportedPathLength);
     if (codes.empty() && path.size() > capacity) {
-      mergeStatus(status, QUENRA_STATUS_PATH_TOO_LONG, "driver", "router", 9);
+      mergeStatus(status, QUENRA_STATUS_PATH_TOO_LONG, {"router", 9, "driver"});
     }
     leave(status);
   }

@@ -92,7 +92,7 @@ class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
   void open(const char* name, nZOAPALS100::tStatus& status) noexcept override {
     if (!status.isError()) {
       record("open ", name);
-      mergeStatus(status, script_.openCode, "driver", "device", 1);
+      mergeStatus(status, script_.openCode, {"device", 1, "driver"});
     }
   }
   void startNotifications(zoark::iDemotionListener& listener,
@@ -101,7 +101,7 @@ class tScriptedRoutingDevice final : public zoark::iRoutingDevice {
       return;
     }
     record("start");
-    mergeStatus(status, script_.startCode, "driver", "device", 2);
+    mergeStatus(status, script_.startCode, {"device", 2, "driver"});
     script_.listener = &listener;
     if (script_.demotesAtStart) {
       listener.routeDemoted(nullptr);
