@@ -1,5 +1,4 @@
 // Pending requests and notifications when memory is short.
-
 #include "quenra_status.h"
 #include "tests/component/protons/driver/drivertest.h"
 #include "tests/component/protons/io_notification/notificationtest.h"
@@ -11,6 +10,7 @@ namespace {
 using nFakeWindows::faultPlan;
 using nFakeWindows::tAllocationPlan;
 using nFakeWindows::tCall;
+
 using PendingMemory = PendingRequest;
 
 TEST_F(PendingMemory, Begun_AllocatesOnce) {

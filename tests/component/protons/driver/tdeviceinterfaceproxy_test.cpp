@@ -286,6 +286,8 @@ TEST_F(DeviceInterfaceProxy, DeliveryOnAStatusInError_CallsNothing) {
   EXPECT_EQ(faultPlan().callCount(), 0u);
 }
 
+// ---- Byte counts and buffers, with a driver that serves reads and writes ----
+
 constexpr uint32_t kCapacity = 8;
 constexpr uint8_t kUntouched = 0xCC;
 // More than any transfer here.

@@ -26,6 +26,8 @@ using testing::SizeIs;
 
 namespace fs = std::filesystem;
 
+// ---- Protected folders and held files ----
+
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 class ProtectedFolder : public nFakeWindows::FakeWindowsTest {
@@ -192,7 +194,7 @@ TEST_F(ProtectedFolder, FileThatAnotherProcessWrites_IsNotHeld) {
   EXPECT_EQ(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
 }
 
-namespace fs = std::filesystem;
+// ---- Removal of a tree ----
 
 // A folder to remove, and beside it a folder of others with one file.
 class RemoveTree : public nFakeWindows::FakeWindowsTest {

@@ -20,6 +20,8 @@ using nQUENRA1400::nZOAPAL000::tGuard;
 using nQUENRA1400::nZOAPAL000::tSharedGuard;
 using nQUENRA1400::nZOAPAL000::tSlimLock;
 
+// ---- Critical sections ----
+
 class CriticalSection : public nFakeWindows::FakeWindowsTest {};
 
 TEST_F(CriticalSection, KeepsThreadsApart) {
@@ -62,6 +64,8 @@ TEST_F(CriticalSection, OnAStatusInError_IsNotMade) {
   section.initialise(status);
   EXPECT_FALSE(section.isInitialised());
 }
+
+// ---- Reader/writer locks ----
 
 constexpr auto kTimeout = std::chrono::seconds(10);
 

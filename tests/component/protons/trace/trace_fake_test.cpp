@@ -20,7 +20,6 @@ using nFakeWindows::tCall;
 using nQUENRA1400::nZOAPAL000::assertionFailed;
 using nQUENRA1400::nZOAPAL000::tConsoleTraceDestination;
 using nQUENRA1400::nZOAPAL000::tTrace;
-using TraceFault = nFakeWindows::FakeWindowsTest;
 
 // The complete output of the process.
 constexpr const char* kLine = "^\\[quenra\\|tArray\\|64\\] !!ASSERT!!\n$";
@@ -68,6 +67,8 @@ TEST_F(Assertion, FailedUnderDebuggerThatResumes_EndsWithStatusBreakpoint) {
       },
       testing::ExitedWithCode(kAssertionExitCode), kLine);
 }
+
+using TraceFault = nFakeWindows::FakeWindowsTest;
 
 TEST_F(TraceFault, LockThatCannotBeCreated_IsReportedAndTheTraceWritesNothing) {
   tDebuggerListener listener;
