@@ -4,7 +4,7 @@
 
 #include "protocol/controllerrequests.h"
 #include "simulator/model/bytes.h"
-#include "simulator/model/driverrequests.h"
+#include "simulator/model/requests.h"
 
 enum {
   kSelectorMask = 0x00F00000,

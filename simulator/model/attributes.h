@@ -1,6 +1,6 @@
 /* The attributes that the driver stores for the controller and the Marten interface. The interface
  * and the id identify an attribute; the selector of the id is ignored. REQUEST_GET_ATTRIBUTE and
- * REQUEST_SET_ATTRIBUTE are in driverrequests.h. */
+ * REQUEST_SET_ATTRIBUTE are in requests.h. */
 #ifndef SIMULATOR_MODEL_ATTRIBUTES_H
 #define SIMULATOR_MODEL_ATTRIBUTES_H
 

@@ -383,8 +383,14 @@ const tSimulatorPresence kDefaultPresence = {.controllers = 1, .martens = 1, .de
 
 static const char kVersionText[] = "3.2";
 
-void makeDefaultMachine(tModel* model) {
+void resetMachine(tModel* model) {
   handoverSetText(&model->handover, kVersionText, sizeof(kVersionText));
   model->handover.tableSize = writeDefaultTable(model->handover.table, SIMULATOR_TABLE_CAPACITY);
   putDefaultAttributes(&model->attributes);
+  scriptsClear(&model->scripts);
+  resetPending(model);
+  abortAllNotifications(model);
+  routerClear(&model->router);
+  logClear(&model->log);
+  firmwareClear(&model->firmware);
 }

@@ -7,7 +7,8 @@
 /* One controller, one Marten device, one device path. */
 extern const tSimulatorPresence kDefaultPresence;
 
-/* Sets table, version text and attributes; does not change scripts, log and presence. */
-void makeDefaultMachine(tModel* model);
+/* Restores the default machine, without scripts, pending requests, notifications and routes, and
+ * with an empty log. Does not change the presence of the interfaces. */
+void resetMachine(tModel* model);
 
 #endif

@@ -1,4 +1,4 @@
-#include "simulator/model/driverrequests.h"
+#include "simulator/model/requests.h"
 
 #include <stddef.h>
 

@@ -2,7 +2,7 @@
 
 #include "protocol/controllerrequests.h"
 #include "simulator/model/bytes.h"
-#include "simulator/model/driverrequests.h"
+#include "simulator/model/requests.h"
 #include "simulator/model/sha256.h"
 
 void firmwareClear(tFirmwareSink* sink) {

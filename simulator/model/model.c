@@ -1,9 +1,8 @@
 #include "simulator/model/model.h"
 
 #include "simulator/model/bytes.h"
-#include "simulator/model/control.h"
 #include "simulator/model/defaultmachine.h"
-#include "simulator/model/driverrequests.h"
+#include "simulator/model/requests.h"
 
 static bool isLogged(const tModelFile* file) {
   return file->interfaceKind != kSimulatorInterfaceControl;
@@ -74,5 +73,5 @@ void modelClose(tModel* model, const tModelFile* file) {
 
 tModelReply modelRequest(tModel* model, const tModelRequest* request) {
   return isLogged(&request->file) ? answerAndLog(model, request)
-                                  : carryOutControlRequest(model, request);
+                                  : answerControlRequest(model, request);
 }

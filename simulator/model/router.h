@@ -1,5 +1,5 @@
 /* The state of the simulated trigger router: its terminals and the connections that it can make, and
- * the routes of all sessions. Its requests are in driverrequests.h. */
+ * the routes of all sessions. Its requests are in requests.h. */
 #ifndef SIMULATOR_MODEL_ROUTER_H
 #define SIMULATOR_MODEL_ROUTER_H
 

@@ -4,7 +4,7 @@
 #include "protocol/controllerrequests.h"
 #include "protocol/routingrequests.h"
 #include "simulator/model/bytes.h"
-#include "simulator/model/driverrequests.h"
+#include "simulator/model/requests.h"
 
 static void answerStatus(void* reply, int32_t status) {
   const tStatusReply answer = {status};

@@ -2,7 +2,7 @@
 
 #include "protocol/controllerrequests.h"
 #include "simulator/model/bytes.h"
-#include "simulator/model/driverrequests.h"
+#include "simulator/model/requests.h"
 
 bool handoverSetText(tSmbiosHandover* handover, const void* text, uint32_t size) {
   if (size > SIMULATOR_TEXT_CAPACITY) {

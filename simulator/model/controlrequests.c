@@ -1,9 +1,9 @@
-#include "simulator/model/control.h"
-
+/* The requests of the control interface. */
 #include <stddef.h>
 
 #include "simulator/model/bytes.h"
 #include "simulator/model/defaultmachine.h"
+#include "simulator/model/requests.h"
 
 enum {
   kMaxControllers = 2,
@@ -35,16 +35,6 @@ static void changePresence(tModel* model, const tSimulatorPresence* presence) {
     model->presence = *presence;
     model->host.presenceChanged(model->host.context, &model->presence);
   }
-}
-
-void resetMachine(tModel* model) {
-  makeDefaultMachine(model);
-  scriptsClear(&model->scripts);
-  resetPending(model);
-  abortAllNotifications(model);
-  routerClear(&model->router);
-  logClear(&model->log);
-  firmwareClear(&model->firmware);
 }
 
 static tModelReply reset(tModel* model, const tModelRequest* request) {
@@ -343,7 +333,7 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_CLEAR_FIRMWARE, NO_INPUT, clearFirmware},
 };
 
-tModelReply carryOutControlRequest(tModel* model, const tModelRequest* request) {
+tModelReply answerControlRequest(tModel* model, const tModelRequest* request) {
   for (size_t i = 0; i < sizeof(kControlRequests) / sizeof(kControlRequests[0]); ++i) {
     const tControlRequest* known = &kControlRequests[i];
     if (known->code == request->code) {

@@ -1,13 +1,15 @@
-/* The requests that the library sends, as the simulated driver answers them. */
-#ifndef SIMULATOR_MODEL_DRIVERREQUESTS_H
-#define SIMULATOR_MODEL_DRIVERREQUESTS_H
+/* The requests of the library and of the control interface, as the simulated driver answers them. */
+#ifndef SIMULATOR_MODEL_REQUESTS_H
+#define SIMULATOR_MODEL_REQUESTS_H
 
 #include "simulator/model/model.h"
 
 /* Answers a request of the library as a matching script specifies, else as the machine does. */
 tModelReply answerDriverRequest(tModel* model, const tModelRequest* request);
+/* Answers a request of the control interface, which configures the simulated machine. */
+tModelReply answerControlRequest(tModel* model, const tModelRequest* request);
 
-/* Carries out one request. `input` has at least the size of the request, `reply` at least that of
+/* Carries out one request of the library. `input` has at least the size of the request, `reply` at least that of
  * the reply. They may be the same memory: read all input before writing. Neither need be aligned. */
 typedef void tDriverOperation(tModel* model, const tModelFile* file, const void* input,
                               void* reply);
