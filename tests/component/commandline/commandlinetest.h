@@ -14,9 +14,8 @@
 #include <thread>
 #include <vector>
 
-#include "tests/component/commandline/tscriptedfacts.h"
+#include "tests/component/commandline/scriptedupdateports.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
-#include "tests/component/commandline/tscriptedlock.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/output/waiting.h"
