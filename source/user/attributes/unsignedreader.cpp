@@ -166,7 +166,7 @@ void tUnsignedReading::computeFirmwareUpdateSupport(const tUnsignedRow& row) con
   if (status_.isError()) {
     return;
   }
-  if (const auto permitted = isPermitted(access_.provider, kFirmwareUpdate)) {
+  if (const auto permitted = isPermitted(access_.provider, kFirmwareUpdatePermission)) {
     value_ = *permitted ? 1 : 0;
   } else {
     status_.set(QUENRA_STATUS_NO_CONTROLLER, kUpdateSupportUnknown);

@@ -29,7 +29,7 @@ void writeToController(const tAttributeAccess& access, tAttributeId attribute, c
   if (status.isError()) {
     return;
   }
-  const auto permitted = isPermitted(access.provider, kTextWriting);
+  const auto permitted = isPermitted(access.provider, kTextWritePermission);
   if (!permitted) {
     status.set(QUENRA_STATUS_NO_CONTROLLER, kWritabilityUnknown);
   } else if (!*permitted) {

@@ -40,10 +40,10 @@ struct tPermissionFields {
   nZOSMBIOS_1_1::tFieldId support;     // 0: the machine does not have the function
   nZOSMBIOS_1_1::tFieldId protection;  // 2 or more: the function is locked
 };
-inline constexpr tPermissionFields kTextWriting{nZOSMBIOS_1_1::byteField(0x9D, 0x04),
-                                                nZOSMBIOS_1_1::byteField(0x9D, 0x05)};
-inline constexpr tPermissionFields kFirmwareUpdate{nZOSMBIOS_1_1::byteField(0x9E, 0x04),
-                                                   nZOSMBIOS_1_1::byteField(0x9E, 0x05)};
+inline constexpr tPermissionFields kTextWritePermission{nZOSMBIOS_1_1::byteField(0x9D, 0x04),
+                                                        nZOSMBIOS_1_1::byteField(0x9D, 0x05)};
+inline constexpr tPermissionFields kFirmwareUpdatePermission{nZOSMBIOS_1_1::byteField(0x9E, 0x04),
+                                                             nZOSMBIOS_1_1::byteField(0x9E, 0x05)};
 
 // Nothing when one of the bytes cannot be read.
 [[nodiscard]] inline std::optional<bool> isPermitted(nZOSMBIOS_1_1::cZoSmBiosProvider& provider,

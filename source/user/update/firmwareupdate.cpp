@@ -47,7 +47,7 @@ void checkMachine(const tAttributeAccess& access, zoerr::Status& status) noexcep
     report(nUpdateSites::kDriveEncrypted, status);
     return;
   }
-  const auto permitted = isPermitted(access.provider, kFirmwareUpdate);
+  const auto permitted = isPermitted(access.provider, kFirmwareUpdatePermission);
   if (!permitted) {
     report(nUpdateSites::kEligibilityUnknown, status);
   } else if (!*permitted) {
@@ -86,6 +86,7 @@ tSectionFacts factsOf(const tAttributeAccess& access, const tFirmwarePayload& pa
 tUpdatePlan planFor(const tAttributeAccess& access, const tFirmwarePayloads& payloads,
                     uint32_t flags, zoerr::Status& status) {
   std::vector<tSectionFacts> sections;
+  sections.reserve(payloads.size());
   for (const tFirmwarePayload& payload : payloads) {
     if (status.isError()) {
       return {};

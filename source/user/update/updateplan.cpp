@@ -150,6 +150,7 @@ tUpdatePlan planUpdate(std::span<const tSectionFacts> sections, bool hasMarten) 
   const tCurrentDevices current = currentDevices(sections);
   tUpdatePlan plan;
   plan.isEverythingCurrent = current.bios && current.marten;
+  plan.sections.reserve(sections.size());
   for (const tSectionFacts& section : sections) {
     plan.sections.push_back(decide(section, current, hasMarten));
   }

@@ -32,6 +32,20 @@ constexpr tProtectionStep kProtectionSteps[] = {
     {nUpdateSites::kQueryFailed, "the management service does not answer the question"},
 };
 
+constexpr std::string_view kWindowsFolder = "C:\\Windows";
+constexpr std::string_view kTool = nQUENRA1400::kDriverStoreTool;
+
+// Not a copy: updates of the system would not replace it, and its owner could change it.
+constexpr const char* kMakeLink =
+    "As an administrator, run 'mklink /d C:\\Windows\\Sysnative C:\\Windows\\System32': a link, "
+    "never a copy of the tool.";
+
+bool isWindowsFolder(std::string_view path) {
+  return std::ranges::equal(path, kWindowsFolder, [](unsigned char one, unsigned char other) {
+    return std::tolower(one) == std::tolower(other);
+  });
+}
+
 using tObstacles = std::vector<tObstacle>;
 
 tObstacle obstacleAt(const tFailureSite& site, std::string fact, std::string remedy) {
@@ -145,23 +159,6 @@ void addTool(const tUpdateSituation& situation, iUpdateFacts& facts, tObstacles&
          "Set the environment variable TMP to a directory without blanks.", std::nullopt, 0,
          package->number});
   }
-}
-
-// ---- The driver-store tool ----
-
-constexpr std::string_view kWindowsFolder = "C:\\Windows";
-constexpr std::string_view kTool = nQUENRA1400::kDriverStoreTool;
-
-// Not a copy: updates of the system would not replace it, and its owner could change it.
-constexpr const char* kMakeLink =
-    "As an administrator, run 'mklink /d C:\\Windows\\Sysnative C:\\Windows\\System32': a link, "
-    "never "
-    "a copy of the tool.";
-
-bool isWindowsFolder(std::string_view path) {
-  return std::ranges::equal(path, kWindowsFolder, [](unsigned char one, unsigned char other) {
-    return std::tolower(one) == std::tolower(other);
-  });
 }
 
 }  // namespace
