@@ -1,4 +1,4 @@
-// What the verbs of routes share: their arguments, and routes as text and as JSON.
+// The arguments and the output that the verbs of routes share.
 #ifndef TOOLS_QUENRA_VERBS_ROUTES_H
 #define TOOLS_QUENRA_VERBS_ROUTES_H
 
