@@ -1,5 +1,6 @@
 #include <iterator>
 
+#include "source/user/firmware/imageformat.h"
 #include "tools/quenra/grammar/generatedtexts.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
@@ -80,9 +81,10 @@ tWords shells() {
 }
 
 tWords devices() {
-  return {{"BIOS", "The BIOS of the controller"},
-          {"MARTEN", "The Marten"},
-          {"SAFEMODE", "The safe mode"}};
+  namespace nImageFormat = nQUENRA1400::nImageFormat;
+  return {{nImageFormat::kBios, "The BIOS of the controller"},
+          {nImageFormat::kMarten, "The Marten"},
+          {nImageFormat::kSafeMode, "The safe mode"}};
 }
 
 tWords terminals() {

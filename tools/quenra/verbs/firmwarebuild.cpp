@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "source/user/firmware/imageformat.h"
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/firmware/sectionoutput.h"
@@ -12,7 +13,10 @@
 namespace nCommandLine {
 namespace {
 
-constexpr std::string_view kDevices[] = {"BIOS", "MARTEN", "SAFEMODE"};
+namespace nImageFormat = nQUENRA1400::nImageFormat;
+
+constexpr std::string_view kDevices[] = {nImageFormat::kBios, nImageFormat::kMarten,
+                                         nImageFormat::kSafeMode};
 // The line length of mail programs and base64(1).
 constexpr uint32_t kDefaultLineLength = 76;
 // The Base64 text is a third longer and must stay within the 32-bit positions of the format.
@@ -33,7 +37,7 @@ std::string parseDevice(const tArguments& arguments) {
     reject("the file name is empty",
            "Leave --file-name out for firmware that is sent to the device.");
   }
-  if (arguments.has(nWords::kFileName) && device != "BIOS") {
+  if (arguments.has(nWords::kFileName) && device != nImageFormat::kBios) {
     reject("only a section for the BIOS has a file name", "Leave the file name out.");
   }
   return device;
