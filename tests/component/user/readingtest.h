@@ -64,7 +64,7 @@ class tAttributeStore {
   void set(uint32_t attribute, int32_t size, tStatus& status) {
     if (!status.isError()) {
       writes.push_back({attribute, static_cast<uint32_t>(size), status.code});
-      mergeStatus(status, writeCode, "driver", "store", 4);
+      mergeStatus(status, writeCode, {"store", 4, "driver"});
     }
   }
   void get(uint32_t attribute, uint64_t buffer, uint32_t& size, tStatus& status) {
@@ -74,23 +74,23 @@ class tAttributeStore {
     questions.push_back({attribute, size, status.code});
     const auto answer = answers.find(attribute);
     if (answer == answers.end()) {
-      mergeStatus(status, QUENRA_STATUS_NOT_SUPPORTED, "driver", "store", 1);
+      mergeStatus(status, QUENRA_STATUS_NOT_SUPPORTED, {"store", 1, "driver"});
       size = 0;
       return;
     }
     const std::string& bytes = answer->second.bytes;
     const auto needed = static_cast<uint32_t>(bytes.size());
     if (answer->second.code < 0) {
-      mergeStatus(status, answer->second.code, "driver", "store", 3);
+      mergeStatus(status, answer->second.code, {"store", 3, "driver"});
       size = needed;
     } else if (size < needed) {
-      mergeStatus(status, QUENRA_STATUS_BUFFER_TOO_SMALL, "driver", "store", 2);
+      mergeStatus(status, QUENRA_STATUS_BUFFER_TOO_SMALL, {"store", 2, "driver"});
       size = needed;
     } else {
       if (needed != 0) {
         std::memcpy(reinterpret_cast<void*>(static_cast<uintptr_t>(buffer)), bytes.data(), needed);
       }
-      mergeStatus(status, answer->second.code, "driver", "store", 3);
+      mergeStatus(status, answer->second.code, {"store", 3, "driver"});
       size = needed + exaggeration;
     }
   }

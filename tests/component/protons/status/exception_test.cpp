@@ -7,7 +7,6 @@
 #include <string>
 #include <type_traits>
 
-#include "tests/component/protons/status/clientheap.h"
 #include "tests/component/protons/status/descriptiontext.h"
 
 namespace nTests {

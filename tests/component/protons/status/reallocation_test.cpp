@@ -4,7 +4,6 @@
 #include <ostream>
 #include <string>
 
-#include "tests/component/protons/status/clientheap.h"
 #include "tests/component/protons/status/descriptiontext.h"
 #include "zoapal/protons/status/descriptionwriter.h"
 #include "zoapal/protons/status/zoerrstatus.h"

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "quenra_status.h"
-#include "tests/component/protons/status/clientheap.h"
 #include "tests/component/protons/status/descriptiontext.h"
 #include "tests/component/protons/status/tstatusbytes.h"
 
