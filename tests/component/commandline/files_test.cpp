@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <functional>
 
-#include "tests/component/commandline/temporaryfolder.h"
+#include "tests/component/commandline/testfiles.h"
 #include "tools/quenra/output/diagnostics.h"
 
 #ifndef _WIN32
@@ -50,7 +50,7 @@ std::string writeMessage(const std::string& path) {
 
 class Files : public testing::Test {
  protected:
-  tTemporaryFolder folder_;
+  tTestFiles folder_;
 };
 
 TEST_F(Files, WrittenBytes_AreRead) {

@@ -1,6 +1,6 @@
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tests/component/commandline/temporaryfolder.h"
+#include "tests/component/commandline/testfiles.h"
 
 namespace nTests {
 namespace {
@@ -28,7 +28,7 @@ class FirmwareBuild : public CommandLineTest {
   std::string path() { return folder_.path("update.fwi"); }
   std::string image() { return folder_.content("update.fwi"); }
 
-  tTemporaryFolder folder_;
+  tTestFiles folder_;
 };
 
 TEST_F(FirmwareBuild, Section_IsWhatTheFormatTells) {

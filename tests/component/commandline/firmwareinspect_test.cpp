@@ -3,7 +3,7 @@
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/component/commandline/commandlinetest.h"
 #include "tests/component/commandline/repositoryfile.h"
-#include "tests/component/commandline/temporaryfolder.h"
+#include "tests/component/commandline/testfiles.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 
 namespace nTests {
@@ -23,7 +23,7 @@ class FirmwareInspect : public CommandLineTest {
     return folder_.file("update.fwi", firmwareImage(sections));
   }
 
-  tTemporaryFolder folder_;
+  tTestFiles folder_;
 };
 
 std::span<const uint8_t> bytesOf(std::string_view text) {
@@ -276,7 +276,7 @@ class FirmwareVerify : public CommandLineTest {
     return run(words);
   }
 
-  tTemporaryFolder folder_;
+  tTestFiles folder_;
 };
 
 TEST_F(FirmwareVerify, GoodImage_IsSaidInALineAndADocument) {

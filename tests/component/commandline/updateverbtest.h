@@ -12,7 +12,7 @@
 #include "quenra_status.h"
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tests/component/commandline/temporaryfolder.h"
+#include "tests/component/commandline/testfiles.h"
 
 namespace nTests {
 
@@ -70,7 +70,7 @@ class UpdateVerb : public CommandLineTest {
     return codes;
   }
 
-  tTemporaryFolder folder_;
+  tTestFiles folder_;
 };
 
 }  // namespace nTests

@@ -107,9 +107,11 @@ tCommandError errorOf(const tAttributeArgument& argument, const tAnswer& answer)
               tSiteExplanation{"The interface is not present, or the field that decides the value "
                                "cannot be read.",
                                remedyFor(argument, answer)}};
-    default:
-      return {exitCode, "cannot read " + argument.label(), reading.code};
+    case tReadingState::value:
+    case tReadingState::failed:
+      break;
   }
+  return {exitCode, "cannot read " + argument.label(), reading.code};
 }
 
 void printDocument(std::ostream& stream, const tAttributeArgument& argument,

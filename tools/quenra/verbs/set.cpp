@@ -76,15 +76,17 @@ tAttributeValue parsedValue(tAttributeType type, const std::string& text) {
 }
 
 // Part of a sentence: "product-name is read-only on this machine".
-std::string subjectOf(tInterface which) {
+std::string targetOf(tInterface which) {
   switch (which) {
     case tInterface::controller:
       return "the controller interface";
     case tInterface::marten:
       return "the Marten interface";
-    default:
-      return "this machine";
+    case tInterface::byDefault:
+    case tInterface::both:
+      break;
   }
+  return "this machine";
 }
 
 tCommandError refusalOf(const tAttributeArgument& argument, int32_t code) {
@@ -92,9 +94,8 @@ tCommandError refusalOf(const tAttributeArgument& argument, int32_t code) {
   const bool isReadable = argument.row != nullptr && argument.row->isReadable();
   return {
       tExitCode::notSupported,
-      isReadable ? argument.name() + " is read-only on " + subjectOf(which)
-                 : subjectOf(which == tInterface::both ? tInterface::byDefault : which) +
-                       " does not accept " + argument.name(),
+      isReadable ? argument.name() + " is read-only on " + targetOf(which)
+                 : targetOf(which) + " does not accept " + argument.name(),
       code,
       tSiteExplanation{{}, "Run 'quenra attributes' to list the attributes that can be written."}};
 }

@@ -1,30 +1,30 @@
-#ifndef TESTS_COMPONENT_COMMANDLINE_TEMPORARYFOLDER_H
-#define TESTS_COMPONENT_COMMANDLINE_TEMPORARYFOLDER_H
+#ifndef TESTS_COMPONENT_COMMANDLINE_TESTFILES_H
+#define TESTS_COMPONENT_COMMANDLINE_TESTFILES_H
 
 #include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "tests/builders/ttemporaryfolder.h"
+
 namespace nTests {
 
-// An empty folder; the destructor removes it with its contents.
-class tTemporaryFolder {
+// The files of a test, in a temporary folder of their own.
+class tTestFiles {
  public:
-  tTemporaryFolder();
-  tTemporaryFolder(const tTemporaryFolder&) = delete;
-  tTemporaryFolder& operator=(const tTemporaryFolder&) = delete;
-  ~tTemporaryFolder();
-
   // The path of a file in the folder, as a user types it.
   [[nodiscard]] std::string path(std::string_view name) const;
   // The same; also writes the file.
   std::string file(std::string_view name, std::string_view content) const;
   // The content of a file; "(none)" if it does not exist.
   [[nodiscard]] std::string content(std::string_view name) const;
+  // The number of files.
   [[nodiscard]] size_t files() const;
 
  private:
-  std::filesystem::path folder_;
+  [[nodiscard]] std::filesystem::path pathOf(std::string_view name) const;
+
+  tTemporaryFolder folder_;
 };
 
 }  // namespace nTests
