@@ -49,7 +49,8 @@ TEST(RequestLogText, RequestAndReply_ShowTheirMembersByName) {
   request.size = 4;
   request.callerStatus = 5;
   EXPECT_EQ(
-      requestLogLine(entryOf(REQUEST_GET_ATTRIBUTE, request, tGetAttributeReply{4, -26934})),
+      requestLogLine(entryOf(REQUEST_GET_ATTRIBUTE, request,
+                             tGetAttributeReply{4, SIMULATOR_STATUS_NOT_SUPPORTED})),
       "12 process 88 controller#3 get-attribute attribute=0x20044C00 buffer=0x7FFE1000 size=4 "
       "caller=5 -> size=4 status=-26934");
   EXPECT_EQ(

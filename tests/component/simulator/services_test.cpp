@@ -29,9 +29,9 @@ struct tEncryptionResult {
   uint32_t line;
   bool operator==(const tEncryptionResult&) const = default;
 };
-void PrintTo(const tEncryptionResult& answer, std::ostream* out) {
-  *out << (answer.isEncrypted ? "encrypted" : "not encrypted") << ", code " << answer.code
-       << " at line " << answer.line;
+void PrintTo(const tEncryptionResult& result, std::ostream* out) {
+  *out << (result.isEncrypted ? "encrypted" : "not encrypted") << ", code " << result.code
+       << " at line " << result.line;
 }
 
 tEncryptionResult readEncryption() {
@@ -82,10 +82,12 @@ TEST_F(ManagementService, ThreadInAnApartment_FailsAndKeepsIt) {
   onANewThread([] {
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
     EXPECT_EQ(readEncryption(), (tEncryptionResult{false, QUENRA_STATUS_UPDATE_ENVIRONMENT, 2831}));
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE) << "still in it";
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE)
+        << "COM is still initialised";
     CoUninitialize();
     CoUninitialize();
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK) << "and out of it";
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK)
+        << "COM is no longer initialised";
     CoUninitialize();
   });
 }
@@ -95,7 +97,7 @@ TEST_F(ManagementService, ThreadInTheSameModel_KeepsIt) {
   onANewThread([] {
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
     EXPECT_EQ(readEncryption(), kEncrypted);
-    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE) << "still in it";
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_FALSE) << "COM is still initialised";
     CoUninitialize();
     CoUninitialize();
   });
