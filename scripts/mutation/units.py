@@ -22,12 +22,14 @@ ARBITRARY_TABLES = "DamagedTable.*:TruncatedTable.*:Index.OnThousands*:Index.OnL
 
 UNITS = (
     Unit("merge rule",
-         ("zoapal/protons/status/mergerule.h", "zoapal/protons/status/tstatus.cpp",
-          "zoapal/protons/status/tstatus.h", "zoapal/protons/status/zoerrstatus.cpp"),
+         ("zoapal/protons/status/tstatus.cpp", "zoapal/protons/status/tstatus.h",
+          "zoapal/protons/status/zoerrstatus.cpp"),
          (Test("status_test"), Test("status_memory_test")), ("tests/component/protons/status/",)),
     Unit("marshalling core", ("codegen/apalcodegen/*.cpp", "codegen/apalcodegen/*.h"),
          (Test("apalcodegen_test"),), ("tests/component/apalcodegen/",)),
-    Unit("attribute tables", ("source/user/attributes/*.cpp", "source/user/attributes/*.h"),
+    Unit("attribute tables",
+         ("source/user/attributes/*.cpp", "source/user/attributes/*.h",
+          "source/user/machine/*.cpp", "source/user/machine/*.h"),
          (Test("user_test"), Test("contract_test")),
          ("tests/component/user/", "tests/contract/", "tests/builders/")),
     Unit("SMBIOS provider", ("zosmbios/*.cpp", "zosmbios/*.h"),
