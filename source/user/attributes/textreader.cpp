@@ -149,7 +149,7 @@ bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
   return result.code == 0;
 }
 
-// Reports that the attribute is not supported, and removes the text that means so from the buffer.
+// Reports that the attribute is not supported, and clears the buffer, which holds a placeholder.
 void tTextReading::rejectText(const tSourceLocation& location) const noexcept {
   buffer_[0] = '\0';
   status_.set(QUENRA_STATUS_NOT_SUPPORTED, location);

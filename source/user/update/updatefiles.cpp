@@ -73,8 +73,8 @@ bool writeFile(const tFirmwarePayload& payload, const std::string& path) {
 // Returns false when the file cannot be opened, or another process writes to it too.
 bool writeAndHold(const tFirmwarePayload& payload, const std::u16string& path,
                   const std::string& narrow, tUpdateFolder& folder) {
-  // Two sections may name the same file, which is held since the first of them. Names of many forms are
-  // the same for the system: the attempt shows it.
+  // Two sections may name the same file, which the folder holds since the first of them. The system treats
+  // names of different forms as the same, so only a failed attempt reveals it.
   const bool isWritten =
       writeFile(payload, narrow) || (folder.deferHolding() && writeFile(payload, narrow));
   return isWritten && folder.hold(path);

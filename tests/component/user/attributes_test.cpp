@@ -177,7 +177,7 @@ TEST_F(UnsignedReader, MissingModule0_IsReadFromMarten) {
   table.structure(0x10).word(0x0D, 0);
   install(table);
   martenIsOpen = true;
-  marten.answerNumber(QUENRA_ATTRIBUTE_MEMORY_SIZE, 99);
+  marten.replyWithNumber(QUENRA_ATTRIBUTE_MEMORY_SIZE, 99);
   EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_MEMORY_SIZE), (tFailure{0, 0}));
   EXPECT_EQ(value, 99u);
 }
@@ -185,11 +185,11 @@ TEST_F(UnsignedReader, MissingModule0_IsReadFromMarten) {
 TEST_F(UnsignedReader, FallbackToMarten_StartsWithoutTheError) {
   install(tReferenceTable().remove(0x9F));
   martenIsOpen = true;
-  marten.answerNumber(QUENRA_ATTRIBUTE_CAPABILITY_1, 99, 4);
+  marten.replyWithNumber(QUENRA_ATTRIBUTE_CAPABILITY_1, 99, 4);
   EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_CAPABILITY_1), (tFailure{0, 0}));
   EXPECT_EQ(value, 99u);
-  EXPECT_THAT(marten.questions,
-              testing::ElementsAre(tQuestion{QUENRA_ATTRIBUTE_CAPABILITY_1, 4, 0}));
+  EXPECT_THAT(marten.requests,
+              testing::ElementsAre(tAttributeRequest{QUENRA_ATTRIBUTE_CAPABILITY_1, 4, 0}));
 }
 
 TEST_F(UnsignedReader, FallbackToMarten_RequestsTheCompleteId) {
@@ -197,11 +197,11 @@ TEST_F(UnsignedReader, FallbackToMarten_RequestsTheCompleteId) {
   martenIsOpen = true;
   for (const uint32_t selector : {uint32_t{QUENRA_SELECTOR_CONTROLLER}, 0x00F00000u}) {
     const uint32_t id = QUENRA_ATTRIBUTE_CAPABILITY_1 | selector;
-    marten.questions.clear();
-    marten.answerNumber(id, 99);
+    marten.requests.clear();
+    marten.replyWithNumber(id, 99);
     EXPECT_EQ(readUnsigned(id), (tFailure{QUENRA_STATUS_SUCCESS, 0}));
     EXPECT_EQ(value, 99u);
-    EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{id, 4, 0}));
+    EXPECT_THAT(marten.requests, testing::ElementsAre(tAttributeRequest{id, 4, 0}));
   }
 }
 
@@ -216,20 +216,20 @@ TEST_F(UnsignedReader, FailedFallbackToMarten_LeavesTheFieldsErrorAndNoValue) {
 TEST_F(UnsignedReader, FallbackToAMartenThatWritesNothing_ReadsZero) {
   install(tReferenceTable().remove(0x9F));
   martenIsOpen = true;
-  marten.answers[QUENRA_ATTRIBUTE_CAPABILITY_1] = {};
+  marten.replies[QUENRA_ATTRIBUTE_CAPABILITY_1] = {};
   EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_CAPABILITY_1), (tFailure{0, 0}));
   EXPECT_EQ(value, 0u);
 }
 
 TEST_F(UnsignedReader, ReadFromTheController_CarriesAnEarlierWarning) {
-  controller.answerNumber(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 12);
+  controller.replyWithNumber(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 12);
   zoerr::tOwnedStatus status;
   status.code = 5;
   readUnsignedAttribute(access(), QUENRA_ATTRIBUTE_DRIVER_SETTING_1, value, status);
   EXPECT_EQ(status.code, 5);
   EXPECT_EQ(value, 12u);
-  EXPECT_THAT(controller.questions,
-              testing::ElementsAre(tQuestion{QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 4, 5}));
+  EXPECT_THAT(controller.requests,
+              testing::ElementsAre(tAttributeRequest{QUENRA_ATTRIBUTE_DRIVER_SETTING_1, 4, 5}));
 }
 
 TEST_F(UnsignedReader, WithoutAnyTable_ReadsAsNothingBeforeTheRule) {
@@ -324,7 +324,7 @@ TEST_F(Writers, NumberOnAClosedInterface_FailsAtItsLine) {
 TEST_F(Writers, EarlierWarning_IsSentWithTheRequest) {
   EXPECT_EQ(writeText(QUENRA_ATTRIBUTE_PRODUCT_NAME, 5).code, 5);
   EXPECT_THAT(controller.writes,
-              testing::ElementsAre(tQuestion{QUENRA_ATTRIBUTE_PRODUCT_NAME, 4, 5}));
+              testing::ElementsAre(tAttributeRequest{QUENRA_ATTRIBUTE_PRODUCT_NAME, 4, 5}));
 }
 
 TEST_F(Writers, ControllerWarning_IsLostWhenMartenDoesNotSupportTheText) {
@@ -332,7 +332,7 @@ TEST_F(Writers, ControllerWarning_IsLostWhenMartenDoesNotSupportTheText) {
   EXPECT_EQ(writeText(QUENRA_TEXT_SETTING_OF_BOTH), (tFailure{0, 0}));
   martenIsOpen = true;
   EXPECT_EQ(writeText(QUENRA_TEXT_SETTING_OF_BOTH).code, 1);
-  EXPECT_THAT(marten.writes, testing::ElementsAre(tQuestion{
+  EXPECT_THAT(marten.writes, testing::ElementsAre(tAttributeRequest{
                                  QUENRA_TEXT_SETTING_OF_BOTH | QUENRA_SELECTOR_MARTEN, 4, 1}));
 }
 

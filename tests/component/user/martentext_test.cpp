@@ -27,31 +27,31 @@ class MartenText : public testing::Test {
 };
 
 TEST_F(MartenText, WithNul_EndsBeforeIt) {
-  marten.answerText(kVersion, "1.4.0f7");
+  marten.replyWithText(kVersion, "1.4.0f7");
   EXPECT_EQ(read(), "1.4.0f7");
   EXPECT_EQ(failure, (tFailure{QUENRA_STATUS_SUCCESS, 0}));
-  EXPECT_THAT(marten.questions,
-              testing::ElementsAre(tQuestion{kVersion, 0, 0}, tQuestion{kVersion, 8, 0}));
-  marten.answers[kVersion] = {"1.4\0f7"s, 0};
+  EXPECT_THAT(marten.requests, testing::ElementsAre(tAttributeRequest{kVersion, 0, 0},
+                                                    tAttributeRequest{kVersion, 8, 0}));
+  marten.replies[kVersion] = {"1.4\0f7"s, 0};
   EXPECT_EQ(read(), "1.4");
 }
 
 // An update writes the version without a NUL.
 TEST_F(MartenText, WithoutNul_IsComplete) {
-  marten.answers[kVersion] = {"0.0.0f0", 0};
+  marten.replies[kVersion] = {"0.0.0f0", 0};
   EXPECT_EQ(read(), "0.0.0f0");
   EXPECT_EQ(failure, (tFailure{QUENRA_STATUS_SUCCESS, 0}));
 }
 
 TEST_F(MartenText, Empty_IsReadWithOneRequest) {
-  marten.answers[kVersion] = {"", 0};
+  marten.replies[kVersion] = {"", 0};
   EXPECT_EQ(read(), "");
   EXPECT_EQ(failure, (tFailure{QUENRA_STATUS_SUCCESS, 0}));
-  EXPECT_EQ(marten.questions.size(), 1u);
+  EXPECT_EQ(marten.requests.size(), 1u);
 }
 
 TEST_F(MartenText, DriverWarning_IsReportedWithTheText) {
-  marten.answers[kVersion] = {"1.4.0f7", 9};
+  marten.replies[kVersion] = {"1.4.0f7", 9};
   EXPECT_EQ(read(), "1.4.0f7");
   EXPECT_EQ(failure, (tFailure{9, 3}));
 }
@@ -59,15 +59,15 @@ TEST_F(MartenText, DriverWarning_IsReportedWithTheText) {
 TEST_F(MartenText, DriverFailure_IsReportedWithoutAText) {
   EXPECT_EQ(read(), "");
   EXPECT_EQ(failure, (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 1}));
-  EXPECT_EQ(marten.questions.size(), 1u);
+  EXPECT_EQ(marten.requests.size(), 1u);
 }
 
 TEST_F(MartenText, ImplausibleSize_IsOutOfMemoryWithoutASecondRequest) {
-  marten.answers[kVersion] = {std::string((1 << 20) + 1, 'x'), 0};
+  marten.replies[kVersion] = {std::string((1 << 20) + 1, 'x'), 0};
   EXPECT_EQ(read(), "");
   EXPECT_EQ(failure, (tFailure{QUENRA_STATUS_OUT_OF_MEMORY, 1701}));
-  EXPECT_EQ(marten.questions.size(), 1u);
-  marten.answers[kVersion].bytes.resize(1 << 20);
+  EXPECT_EQ(marten.requests.size(), 1u);
+  marten.replies[kVersion].bytes.resize(1 << 20);
   EXPECT_EQ(read().size(), 1u << 20);
 }
 

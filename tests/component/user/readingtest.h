@@ -27,39 +27,39 @@ namespace nTests {
 
 using nZOAPALS100::tStatus;
 
-struct tAnswer {
+struct tReply {
   std::string bytes;
-  int32_t code =
-      0;  // with a negative code the driver fills no byte, and it reports the size of `bytes`
+  // With a negative code the driver fills no byte, and reports the size of `bytes`.
+  int32_t code = 0;
 };
 
-struct tQuestion {
+struct tAttributeRequest {
   uint32_t attribute;
   uint32_t size;
   int32_t callerCode;
-  bool operator==(const tQuestion&) const = default;
+  bool operator==(const tAttributeRequest&) const = default;
 };
 
-// The attributes of one interface. A request for an attribute without an answer is refused, with a
+// The attributes of one interface. A request for an attribute without a reply is refused, with a
 // reported size of 0.
 class tAttributeStore {
  public:
-  std::map<uint32_t, tAnswer> answers;
-  std::vector<tQuestion> questions;
+  std::map<uint32_t, tReply> replies;
+  std::vector<tAttributeRequest> requests;
 
-  void answerNumber(uint32_t attribute, uint32_t value, int32_t code = 0) {
+  void replyWithNumber(uint32_t attribute, uint32_t value, int32_t code = 0) {
     std::string bytes(sizeof value, '\0');
     std::memcpy(bytes.data(), &value, sizeof value);
-    answers[attribute] = {bytes, code};
+    replies[attribute] = {bytes, code};
   }
-  void answerText(uint32_t attribute, const std::string& text) {
-    answers[attribute] = {text + '\0', 0};
+  void replyWithText(uint32_t attribute, const std::string& text) {
+    replies[attribute] = {text + '\0', 0};
   }
   // Bytes that a successful read reports in addition to those it filled.
-  uint32_t exaggeration = 0;
+  uint32_t overreportedBytes = 0;
   // The code of every write.
   int32_t writeCode = 0;
-  std::vector<tQuestion> writes;
+  std::vector<tAttributeRequest> writes;
 
   void set(uint32_t attribute, int32_t size, tStatus& status) {
     if (!status.isError()) {
@@ -71,17 +71,17 @@ class tAttributeStore {
     if (status.isError()) {
       return;
     }
-    questions.push_back({attribute, size, status.code});
-    const auto answer = answers.find(attribute);
-    if (answer == answers.end()) {
+    requests.push_back({attribute, size, status.code});
+    const auto reply = replies.find(attribute);
+    if (reply == replies.end()) {
       mergeStatus(status, QUENRA_STATUS_NOT_SUPPORTED, {"store", 1, "driver"});
       size = 0;
       return;
     }
-    const std::string& bytes = answer->second.bytes;
+    const std::string& bytes = reply->second.bytes;
     const auto needed = static_cast<uint32_t>(bytes.size());
-    if (answer->second.code < 0) {
-      mergeStatus(status, answer->second.code, {"store", 3, "driver"});
+    if (reply->second.code < 0) {
+      mergeStatus(status, reply->second.code, {"store", 3, "driver"});
       size = needed;
     } else if (size < needed) {
       mergeStatus(status, QUENRA_STATUS_BUFFER_TOO_SMALL, {"store", 2, "driver"});
@@ -90,8 +90,8 @@ class tAttributeStore {
       if (needed != 0) {
         std::memcpy(reinterpret_cast<void*>(static_cast<uintptr_t>(buffer)), bytes.data(), needed);
       }
-      mergeStatus(status, answer->second.code, {"store", 3, "driver"});
-      size = needed + exaggeration;
+      mergeStatus(status, reply->second.code, {"store", 3, "driver"});
+      size = needed + overreportedBytes;
     }
   }
 };

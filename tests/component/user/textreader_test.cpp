@@ -93,10 +93,10 @@ TEST_F(TextReader, IdentifierWithoutPlatformGeneration_DependsOnTheMartens) {
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER),
             (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2569}));
   martenIsOpen = true;
-  marten.answerNumber(QUENRA_ATTRIBUTE_PLATFORM_GENERATION, 6);
+  marten.replyWithNumber(QUENRA_ATTRIBUTE_PLATFORM_GENERATION, 6);
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER),
             (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 545}));
-  marten.answerNumber(QUENRA_ATTRIBUTE_PLATFORM_GENERATION, 7);
+  marten.replyWithNumber(QUENRA_ATTRIBUTE_PLATFORM_GENERATION, 7);
   EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER),
             (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 2569}))
       << "the text itself is absent";
@@ -241,14 +241,14 @@ class TextFromMartenDouble : public ReadingTest {
 };
 
 TEST_F(TextFromMartenDouble, Request_CarriesSizeAndEarlierWarning) {
-  marten.answerText(kVersion, "M-1");
+  marten.replyWithText(kVersion, "M-1");
   zoerr::tOwnedStatus status;
   status.code = 5;
   uint64_t size = 100;
   readTextAttribute(access(), kVersion, buffer, &size, status);
   EXPECT_EQ(status.code, 5);
   EXPECT_EQ(size, 4u);
-  EXPECT_THAT(marten.questions, testing::ElementsAre(tQuestion{kVersion, 100, 5}));
+  EXPECT_THAT(marten.requests, testing::ElementsAre(tAttributeRequest{kVersion, 100, 5}));
 }
 
 TEST_F(TextFromMartenDouble, WithoutBuffer_FailsWithInvalidParameterAndNoRequest) {
@@ -258,13 +258,13 @@ TEST_F(TextFromMartenDouble, WithoutBuffer_FailsWithInvalidParameterAndNoRequest
   EXPECT_EQ(status.code, QUENRA_STATUS_INVALID_PARAMETER);
   EXPECT_EQ(lineOf(status), 2771u);
   EXPECT_EQ(size, 100u);
-  EXPECT_TRUE(marten.questions.empty());
+  EXPECT_TRUE(marten.requests.empty());
 }
 
 TEST_F(TextFromMartenDouble, AnyTypeWithNumber4_IsReadFromAnOpenMarten) {
   for (const uint32_t attribute :
        {0x10000400u, 0x18000400u, 0x20000400u, 0x10200400u, 0x10F00407u}) {
-    marten.answerText(attribute, "M-1");
+    marten.replyWithText(attribute, "M-1");
     EXPECT_EQ(read(4, attribute), (tMartenRead{0, bytes("M-1\0"sv), 4})) << std::hex << attribute;
   }
 }
@@ -272,18 +272,18 @@ TEST_F(TextFromMartenDouble, AnyTypeWithNumber4_IsReadFromAnOpenMarten) {
 // The size is written on success, with a warning, and when it is too small.
 
 TEST_F(TextFromMartenDouble, Success_WritesTheSizeFilled) {
-  marten.answerText(kVersion, "M-1");
+  marten.replyWithText(kVersion, "M-1");
   EXPECT_EQ(read(6), (tMartenRead{0, bytes("M-1\0##"sv), 4}));
   EXPECT_EQ(read(4), (tMartenRead{0, bytes("M-1\0"sv), 4}));
 }
 
 TEST_F(TextFromMartenDouble, DriverWarning_WritesTheSizeFilled) {
-  marten.answers[kVersion] = {bytes("M-1\0"sv), 9};
+  marten.replies[kVersion] = {bytes("M-1\0"sv), 9};
   EXPECT_EQ(read(6), (tMartenRead{9, bytes("M-1\0##"sv), 4}));
 }
 
 TEST_F(TextFromMartenDouble, BufferTooSmall_WritesTheSizeNeeded) {
-  marten.answerText(kVersion, "M-1");
+  marten.replyWithText(kVersion, "M-1");
   EXPECT_EQ(read(3), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "###", 4}));
   EXPECT_EQ(failure.line, 2u) << "the location is the driver's";
   EXPECT_EQ(read(0), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", 4}));
@@ -293,21 +293,21 @@ TEST_F(TextFromMartenDouble, OtherDriverFailures_LeaveTheSize) {
   EXPECT_EQ(read(6), (tMartenRead{QUENRA_STATUS_NOT_SUPPORTED, "######", 6}));
   EXPECT_EQ(failure.line, 1u) << "the location is the driver's";
   for (const int32_t code : {int32_t{QUENRA_STATUS_BUSY}, -1}) {
-    marten.answers[kVersion] = {"0123456789", code};
+    marten.replies[kVersion] = {"0123456789", code};
     EXPECT_EQ(read(6), (tMartenRead{code, "######", 6}));
     EXPECT_EQ(read(0), (tMartenRead{code, "", 0}));
   }
 }
 
 TEST_F(TextFromMartenDouble, ReportedSizeBeyondTheBuffer_IsCutToTheBuffer) {
-  marten.answerText(kVersion, "M-1");
-  marten.exaggeration = 1000;
+  marten.replyWithText(kVersion, "M-1");
+  marten.overreportedBytes = 1000;
   EXPECT_EQ(read(6), (tMartenRead{0, bytes("M-1\0##"sv), 6}));
 }
 
 TEST_F(TextFromMartenDouble, SizeBeyond32Bits_IsWritten) {
-  marten.answerText(kVersion, "M-1");
-  marten.exaggeration = UINT32_MAX - 4;
+  marten.replyWithText(kVersion, "M-1");
+  marten.overreportedBytes = UINT32_MAX - 4;
   zoerr::tOwnedStatus status;
   uint64_t size = (uint64_t{1} << 32) + 10;
   readTextAttribute(access(), kVersion, buffer, &size, status);
@@ -319,43 +319,43 @@ TEST_F(TextFromMartenDouble, SizeBeyond32Bits_IsWritten) {
 // A successful read ends its text with a NUL inside the buffer.
 
 TEST_F(TextFromMartenDouble, TextWithoutNul_IsTerminatedAtTheReportedSize) {
-  marten.answers[kVersion] = {"M-1", 0};
+  marten.replies[kVersion] = {"M-1", 0};
   EXPECT_EQ(read(6), (tMartenRead{0, bytes("M-1\0##"sv), 3}));
   EXPECT_EQ(read(4), (tMartenRead{0, bytes("M-1\0"sv), 3}));
-  marten.answers[kVersion].code = 9;
+  marten.replies[kVersion].code = 9;
   EXPECT_EQ(read(4), (tMartenRead{9, bytes("M-1\0"sv), 3})) << "with a warning";
 }
 
 TEST_F(TextFromMartenDouble, TextWithANulInside_IsLeftAsTheDriverFilledIt) {
-  marten.answers[kVersion] = {bytes("M\0-1"sv), 0};
+  marten.replies[kVersion] = {bytes("M\0-1"sv), 0};
   EXPECT_EQ(read(6), (tMartenRead{0, bytes("M\0-1##"sv), 4}));
   EXPECT_EQ(read(4), (tMartenRead{0, bytes("M\0-1"sv), 4}));
 }
 
 TEST_F(TextFromMartenDouble, EmptyTextWithoutNul_IsTerminatedAtTheStart) {
-  marten.answers[kVersion] = {"", 0};
+  marten.replies[kVersion] = {"", 0};
   EXPECT_EQ(read(3), (tMartenRead{0, bytes("\0##"sv), 0}));
   EXPECT_EQ(read(1), (tMartenRead{0, bytes("\0"sv), 0}));
 }
 
 TEST_F(TextFromMartenDouble, TextWithoutNulThatFillsTheBuffer_NeedsOneByteMore) {
-  marten.answers[kVersion] = {"M-1", 0};
+  marten.replies[kVersion] = {"M-1", 0};
   EXPECT_EQ(read(3), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, bytes("\0-1"sv), 4}));
   EXPECT_EQ(failure.line, 2772u);
-  marten.answers[kVersion].code = 9;
+  marten.replies[kVersion].code = 9;
   EXPECT_EQ(read(3).code, QUENRA_STATUS_BUFFER_TOO_SMALL) << "with a warning";
-  marten.answers[kVersion] = {"M", 0};
+  marten.replies[kVersion] = {"M", 0};
   EXPECT_EQ(read(1), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, bytes("\0"sv), 2}));
 }
 
 TEST_F(TextFromMartenDouble, EmptyTextWithoutNulAndWithoutBuffer_NeedsOneByte) {
-  marten.answers[kVersion] = {"", 0};
+  marten.replies[kVersion] = {"", 0};
   EXPECT_EQ(read(0), (tMartenRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", 1}));
   EXPECT_EQ(failure.line, 2772u);
 }
 
 TEST_F(TextFromMartenDouble, ReadRepeatedWithTheSizeNeeded_SucceedsWithoutNul) {
-  marten.answers[kVersion] = {"M-1", 0};
+  marten.replies[kVersion] = {"M-1", 0};
   tMartenRead result = read(0);
   for (int attempt = 0; attempt < 2; ++attempt) {
     ASSERT_EQ(result.code, QUENRA_STATUS_BUFFER_TOO_SMALL);
