@@ -12,8 +12,8 @@ class cZoSmBiosProvider;
 
 // True if the operating system reports that the volume encryption of drive C: is on. False if it is
 // off, unknown or not available. If the system cannot be queried, for example on a thread in a
-// single-threaded apartment, returns false and reports QUENRA_STATUS_UPDATE_ENVIRONMENT. Leaves COM on the calling
-// thread as it was. Makes no query if the status holds an error.
+// single-threaded apartment, returns false and reports QUENRA_STATUS_UPDATE_ENVIRONMENT. Leaves COM on
+// the calling thread as it was. Makes no query if the status holds an error.
 [[nodiscard]] bool IsSystemDriveEncrypted(zoerr::Status& status) noexcept;
 
 // True if the machine's product name is known and matches neither of the two model families that

@@ -11,8 +11,9 @@
 namespace nQUENRA1400 {
 
 // Call in a handler: reports the exception being handled as a failure of the system at a location.
-// QUENRA_STATUS_OUT_OF_MEMORY when the system reports short memory, otherwise QUENRA_STATUS_UPDATE_ENVIRONMENT. Passes on what is not a
-// failure of the system, among others std::bad_alloc.
+// QUENRA_STATUS_OUT_OF_MEMORY when the system reports short memory, otherwise
+// QUENRA_STATUS_UPDATE_ENVIRONMENT. Passes on what is not a failure of the system, among others
+// std::bad_alloc.
 void reportEnvironmentFailure(const nZOAPALS100::tSourceLocation& location, zoerr::Status& status);
 
 // Runs a step of the update that needs something of the system: random bytes, a directory, a converted

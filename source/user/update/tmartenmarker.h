@@ -10,15 +10,15 @@
 
 namespace nQUENRA1400 {
 
-// Reads a text attribute of the Marten interface up to its first NUL. The first of two requests fails with
-// QUENRA_STATUS_BUFFER_TOO_SMALL to report the size; other codes of the driver reach the status. Returns an empty text
-// when the status holds an error. Reports QUENRA_STATUS_OUT_OF_MEMORY for an
+// Reads a text attribute of the Marten interface up to its first NUL. The first of two requests fails
+// with QUENRA_STATUS_BUFFER_TOO_SMALL to report the size; other codes of the driver reach the status.
+// Returns an empty text when the status holds an error. Reports QUENRA_STATUS_OUT_OF_MEMORY for an
 // implausible size. Throws std::bad_alloc.
 [[nodiscard]] std::string readMartenText(nZOAPAL000::iInterfaceProxy_hostMarten& marten,
                                          uint32_t attribute, zoerr::Status& status);
 
-// The Marten's version marker, which an update overwrites with a text that means "incomplete". The destructor
-// restores the text that was there before, unless keep() was called.
+// The Marten's version marker, which an update overwrites with a text that means "incomplete". The
+// destructor restores the text that was there before, unless keep() was called.
 class tMartenMarker {
  public:
   // Does nothing if the interface is null.

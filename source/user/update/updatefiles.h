@@ -57,14 +57,16 @@ class tUpdateFolder {
 };
 
 // Writes each payload that has a file name to its file, and has the folder hold it. Reports
-// QUENRA_STATUS_UPDATE_ENVIRONMENT when the folder cannot be created, a name cannot be converted, a file cannot be opened
-// or another process has it open for writing; removes the folder only for the last two. A file that cannot
-// be written to its end is not reported. Does nothing when the status holds an error. Throws std::bad_alloc.
+// QUENRA_STATUS_UPDATE_ENVIRONMENT when the folder cannot be created, a name cannot be converted, a
+// file cannot be opened or another process has it open for writing; removes the folder only for the
+// last two. A file that cannot be written to its end is not reported. Does nothing when the status
+// holds an error. Throws std::bad_alloc.
 void writePayloadFiles(const tFirmwarePayloads& payloads, tUpdateFolder& folder,
                        zoerr::Status& status);
 
-// Returns the path of a payload's file in the code page of the process. Reports QUENRA_STATUS_UPDATE_ENVIRONMENT when the
-// name cannot be converted. Does nothing when the status holds an error. Throws std::bad_alloc.
+// Returns the path of a payload's file in the code page of the process. Reports
+// QUENRA_STATUS_UPDATE_ENVIRONMENT when the name cannot be converted. Does nothing when the status
+// holds an error. Throws std::bad_alloc.
 [[nodiscard]] std::string payloadFilePath(const tFirmwarePayload& payload,
                                           const tUpdateFolder& folder, zoerr::Status& status);
 
