@@ -1,4 +1,4 @@
-"""The environment of the controller in the simulated machine, as quenra-sim sets and prints it."""
+"""The management service and the driver-store tool of the simulated machine."""
 
 import hashlib
 import json
@@ -10,7 +10,7 @@ import unittest
 from commandline import CommandLineTest, command_of, start, start_program
 
 
-class Environment(CommandLineTest):
+class Services(CommandLineTest):
     TOOL = r"C:\Windows\Sysnative\pnputil.exe"
 
     def sim(self, *words, exit_code=0):
