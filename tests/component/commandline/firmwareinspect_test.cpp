@@ -1,8 +1,8 @@
 // The verbs `firmware inspect` and `firmware verify`.
 #include "source/user/firmware/tfirmwareimageparser.h"
 #include "tests/builders/firmwareimagebuilder.h"
+#include "tests/builders/repositoryfile.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tests/component/commandline/repositoryfile.h"
 #include "tests/component/commandline/testfiles.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 

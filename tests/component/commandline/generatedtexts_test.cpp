@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "quenra_version.h"
+#include "tests/builders/repositoryfile.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tests/component/commandline/repositoryfile.h"
 #include "tools/quenra/grammar/generatedtexts.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/verbtable.h"

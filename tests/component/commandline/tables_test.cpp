@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <set>
 
-#include "tests/component/commandline/repositoryfile.h"
+#include "tests/builders/repositoryfile.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/text/numbertext.h"

@@ -1,6 +1,6 @@
 // Plans of an update, with every obstacle.
 #include "tools/quenra/update/updateplan.h"
-#include "tests/component/commandline/repositoryfile.h"
+#include "tests/builders/repositoryfile.h"
 #include "tests/component/commandline/updateverbtest.h"
 
 namespace nTests {

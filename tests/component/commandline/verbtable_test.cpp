@@ -6,7 +6,7 @@
 #include <set>
 #include <sstream>
 
-#include "tests/component/commandline/repositoryfile.h"
+#include "tests/builders/repositoryfile.h"
 #include "tools/quenra/grammar/parser.h"
 
 namespace nTests {

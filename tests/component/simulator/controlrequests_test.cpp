@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "protocol/controllerrequests.h"
-#include "tests/component/commandline/repositoryfile.h"
+#include "tests/builders/repositoryfile.h"
 #include "tests/component/simulator/modeltest.h"
 
 namespace nTests {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "quenra_status.h"
-#include "tests/component/commandline/repositoryfile.h"
+#include "tests/builders/repositoryfile.h"
 #include "tests/component/protons/status/tstatusbytes.h"
 
 namespace nTests {

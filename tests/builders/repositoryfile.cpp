@@ -1,4 +1,4 @@
-#include "tests/component/commandline/repositoryfile.h"
+#include "tests/builders/repositoryfile.h"
 
 #include <gtest/gtest.h>
 
