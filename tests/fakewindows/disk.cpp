@@ -69,8 +69,7 @@ fs::path nativePath(LPCWSTR name) {
 // Resolves a path. With `keepsLink` the last component is not followed.
 fs::path resolved(const fs::path& path, bool keepsLink, std::error_code& error) {
   if (!keepsLink || !path.has_filename()) {
-    const fs::path whole = fs::canonical(path, error);
-    return whole;
+    return fs::canonical(path, error);
   }
   const fs::path parent = fs::canonical(path.parent_path(), error);
   if (!error && !fs::exists(fs::symlink_status(path, error))) {

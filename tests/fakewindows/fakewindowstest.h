@@ -10,7 +10,6 @@
 #include "tests/fakewindows/machine.h"
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/processes.h"
-#include "tests/fakewindows/synchronization.h"
 #include "tests/fakewindows/threads.h"
 
 namespace nFakeWindows {

@@ -1,4 +1,4 @@
-#include "tests/fakewindows/synchronization.h"
+#include "tests/fakewindows/threads.h"
 
 #include <windows.h>
 

@@ -16,7 +16,7 @@ constexpr WCHAR kLastCharacter = 0xFF;
 }  // namespace
 
 INT WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR text, INT length, LPWSTR wide,
-                               INT room) {
+                               INT capacity) {
   const tInside inside;
   // Every byte is a character of this code page: the flag never causes a failure.
   expectSupported(codePage == CP_ACP && flags == MB_ERR_INVALID_CHARS && length >= 0,
@@ -26,14 +26,14 @@ INT WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR text, INT leng
     SetLastError(*error);
     return 0;
   }
-  for (INT i = 0; i < length && i < room; ++i) {
+  for (INT i = 0; i < length && i < capacity; ++i) {
     wide[i] = static_cast<unsigned char>(text[i]);
   }
   return length;
 }
 
 INT WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, INT length, LPSTR text,
-                               INT room, LPCSTR replacement, LPBOOL replaced) {
+                               INT capacity, LPCSTR replacement, LPBOOL replaced) {
   const tInside inside;
   expectSupported(codePage == CP_ACP && flags == 0 && length >= 0 && replacement == nullptr &&
                       replaced == nullptr,
@@ -43,7 +43,7 @@ INT WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, INT len
     SetLastError(*error);
     return 0;
   }
-  for (INT i = 0; i < length && i < room; ++i) {
+  for (INT i = 0; i < length && i < capacity; ++i) {
     text[i] = wide[i] > kLastCharacter ? '?' : static_cast<char>(wide[i]);
   }
   return length;

@@ -1,13 +1,14 @@
+// Threads and their synchronization.
 #ifndef TESTS_FAKEWINDOWS_THREADS_H
 #define TESTS_FAKEWINDOWS_THREADS_H
 
-#include <windows.h>
+#include <cstdint>
 
 namespace nFakeWindows {
 
 // Thrown by the calls that end a thread; the entry function of the thread catches it.
 struct tThreadEnd {
-  DWORD exitCode;
+  uint32_t exitCode;
 };
 
 // The priority with which later threads start.
@@ -15,6 +16,18 @@ void startThreadsWithPriority(int priority);
 
 // References that the library holds to its own module.
 [[nodiscard]] int moduleReferences();
+
+// The number of critical sections that exist.
+[[nodiscard]] int criticalSections();
+
+// Acquisitions of slim reader/writer locks since the program started.
+struct tSlimLockCounts {
+  unsigned shared;
+  unsigned exclusive;
+};
+
+// Any thread.
+[[nodiscard]] tSlimLockCounts slimLockCounts();
 
 }  // namespace nFakeWindows
 

@@ -15,7 +15,7 @@
 #include "tests/component/zoarkra/sessiontest.h"
 
 #ifndef _WIN32
-#include "tests/fakewindows/synchronization.h"
+#include "tests/fakewindows/threads.h"
 #endif
 
 namespace nTests {
