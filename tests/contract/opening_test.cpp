@@ -203,7 +203,7 @@ TEST_F(Opening, FirstExchangeWithAWarning_SucceedsWithTheWarning) {
   EXPECT_EQ(QUENRA_openController(&handle), 1);
   EXPECT_EQ(handle, QUENRA_HANDLE);
   const auto exchanges = requests(REQUEST_EXCHANGE_VALUES);
-  EXPECT_EQ(exchanges.at(1).input[28], 1) << "the driver is told of the warning";
+  EXPECT_EQ(exchanges.at(1).input[28], 1) << "the driver receives the warning";
 }
 
 TEST_F(Opening, FirstExchangeThatSucceeds_ContinuesWithItsSizes) {

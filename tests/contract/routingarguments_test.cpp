@@ -188,9 +188,9 @@ TEST_F(RoutingArguments, NullWrongOrStaleIterator_IsIgnoredByDestroying) {
 }
 
 TEST_F(RoutingArguments, IteratorOfADestroyedSession_SendsNoRequest) {
-  zoroco_RoutingAdaptorSession* const gone = createSession();
-  zoroco_TerminalIterator* const orphan = terminalsOf(gone);
-  zoroco_ra_quenra_destroySession(gone);
+  zoroco_RoutingAdaptorSession* const destroyed = createSession();
+  zoroco_TerminalIterator* const orphan = terminalsOf(destroyed);
+  zoroco_ra_quenra_destroySession(destroyed);
   // A session that replaces it is a different one.
   zoroco_RoutingAdaptorSession* const next = createSession();
   machine().clearLog();

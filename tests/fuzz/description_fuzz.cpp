@@ -77,7 +77,7 @@ class tDescription {
         require(text().size() > before.size(), "what is appended is there");
         return;
       }
-      require(text() == before, "an append without room changes nothing");
+      require(text() == before, "an append beyond the capacity changes nothing");
       if (refuseToGrow) {
         return;
       }
@@ -99,10 +99,10 @@ class tDescription {
   void checkSound() const {
     const std::string_view all(buffer_.get(), capacity_);
     const std::string_view json = all.substr(0, all.find('\0'));
-    const std::string_view room = all.substr(json.size());
+    const std::string_view rest = all.substr(json.size());
     require(all.back() == zoerr::kDescriptionMarker, "the marker is the last byte");
-    require(room.size() >= 2 &&
-                std::all_of(room.begin(), room.end() - 1, [](char c) { return c == '\0'; }),
+    require(rest.size() >= 2 &&
+                std::all_of(rest.begin(), rest.end() - 1, [](char c) { return c == '\0'; }),
             "a NUL and zeros follow the text");
     std::string copy(json);
     rapidjson::InsituStringStream stream(copy.data());

@@ -192,7 +192,7 @@ TEST_F(FakeWindows, FirmwareTable_ReportsItsSizeAndRequiresABuffer) {
   uint8_t buffer[3] = {};
   EXPECT_EQ(GetSystemFirmwareTable(0x52534D42, 0, nullptr, 0), 3u);
   EXPECT_EQ(GetSystemFirmwareTable(0x52534D42, 0, buffer, 2), 3u);
-  EXPECT_EQ(buffer[0], 0) << "nothing is copied when there is too little room";
+  EXPECT_EQ(buffer[0], 0) << "nothing is copied into a buffer that is too small";
   EXPECT_EQ(GetSystemFirmwareTable(0x52534D42, 0, buffer, 3), 3u);
   EXPECT_EQ(buffer[2], 3);
   machine().useFirmwareTable({}, ERROR_INVALID_FUNCTION);
