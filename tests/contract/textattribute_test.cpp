@@ -1,4 +1,3 @@
-#include "protocol/controllerrequests.h"
 #include "tests/contract/contracttest.h"
 
 namespace nTests {
@@ -140,26 +139,31 @@ TEST_P(TextTable, WithAStructureThatIsTooShort_IsNotSupported) {
   EXPECT_EQ(readText(row.attribute), noText(kNotSupported));
 }
 
-// Numbers instead of symbols: the table pins the ids.
 INSTANTIATE_TEST_SUITE_P(
     Rows, TextTable,
     testing::Values(
-        tTextCase{0x10000000, 0x01, 0x04, "Bench Works"},
-        tTextCase{0x10000100, 0x01, 0x05, "BW-8135"}, tTextCase{0x10000200, 0x01, 0x07, "S-0042"},
-        tTextCase{0x10000300, 0x01, 0x06, "V-7"}, tTextCase{0x10000400, 0x00, 0x05, "B-1.23"},
-        tTextCase{0x10000700, 0x96, 0x0D, "PI-0001"},
-        tTextCase{0x10006400, 0x96, 0x09, "platform text 1"},
-        tTextCase{0x10006500, 0x96, 0x0A, "platform text 2"},
-        tTextCase{0x1000CC00, 0x11, 0x17, "Memory maker 0"},
-        tTextCase{0x1000CD00, 0x11, 0x1A, "MP-0"}, tTextCase{0x1000CE00, 0x11, 0x18, "MS-0"},
-        tTextCase{0x1000CF00, 0x11, 0x10, "DIMM 0"},
-        tTextCase{0x10012C00, 0x04, 0x07, "Processor maker 0"},
-        tTextCase{0x10012D00, 0x04, 0x10, "Processor version 0"},
-        tTextCase{0x1001F400, 0x97, 0x04, "07:12"}, tTextCase{0x10025900, 0x98, 0x05, "01:0"},
-        tTextCase{0x1002BD00, 0x99, 0x05, "03:4"}, tTextCase{0x1002BE00, 0x99, 0x06, "link text"},
-        tTextCase{0x10032100, 0x9A, 0x05, "05:6"},
-        tTextCase{0x10038400, 0x9C, 0x04, "platform text 3"},
-        tTextCase{0x1006A500, 0xA3, 0x07, "00:b"}, tTextCase{0x1006A600, 0xA3, 0x08, "00:2,03:4"}));
+        tTextCase{QUENRA_ATTRIBUTE_SYSTEM_MANUFACTURER, 0x01, 0x04, "Bench Works"},
+        tTextCase{QUENRA_ATTRIBUTE_PRODUCT_NAME, 0x01, 0x05, "BW-8135"},
+        tTextCase{QUENRA_ATTRIBUTE_SERIAL_NUMBER, 0x01, 0x07, "S-0042"},
+        tTextCase{QUENRA_ATTRIBUTE_SYSTEM_VERSION, 0x01, 0x06, "V-7"},
+        tTextCase{QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0x00, 0x05, "B-1.23"},
+        tTextCase{QUENRA_ATTRIBUTE_PLATFORM_IDENTIFIER, 0x96, 0x0D, "PI-0001"},
+        tTextCase{QUENRA_ATTRIBUTE_PLATFORM_TEXT_1, 0x96, 0x09, "platform text 1"},
+        tTextCase{QUENRA_ATTRIBUTE_PLATFORM_TEXT_2, 0x96, 0x0A, "platform text 2"},
+        tTextCase{QUENRA_ATTRIBUTE_MEMORY_MANUFACTURER, 0x11, 0x17, "Memory maker 0"},
+        tTextCase{QUENRA_ATTRIBUTE_MEMORY_PART_NUMBER, 0x11, 0x1A, "MP-0"},
+        tTextCase{QUENRA_ATTRIBUTE_MEMORY_SERIAL_NUMBER, 0x11, 0x18, "MS-0"},
+        tTextCase{QUENRA_ATTRIBUTE_MEMORY_LOCATOR, 0x11, 0x10, "DIMM 0"},
+        tTextCase{QUENRA_ATTRIBUTE_PROCESSOR_MANUFACTURER, 0x04, 0x07, "Processor maker 0"},
+        tTextCase{QUENRA_ATTRIBUTE_PROCESSOR_VERSION, 0x04, 0x10, "Processor version 0"},
+        tTextCase{QUENRA_ATTRIBUTE_BUS_LOCATION, 0x97, 0x04, "07:12"},
+        tTextCase{QUENRA_ATTRIBUTE_SLOT_LOCATION, 0x98, 0x05, "01:0"},
+        tTextCase{QUENRA_ATTRIBUTE_LINK_LOCATION, 0x99, 0x05, "03:4"},
+        tTextCase{QUENRA_ATTRIBUTE_LINK_TEXT, 0x99, 0x06, "link text"},
+        tTextCase{QUENRA_ATTRIBUTE_EXPANSION_LOCATION, 0x9A, 0x05, "05:6"},
+        tTextCase{QUENRA_ATTRIBUTE_PLATFORM_TEXT_3, 0x9C, 0x04, "platform text 3"},
+        tTextCase{QUENRA_ATTRIBUTE_BRIDGE_LOCATION, 0xA3, 0x07, "00:b"},
+        tTextCase{QUENRA_ATTRIBUTE_BRIDGE_MEMBERS, 0xA3, 0x08, "00:2,03:4"}));
 
 // ---- Null sizes ----
 
@@ -363,146 +367,6 @@ TEST_F(TextAttribute, OfAListThatTheTableCutsOff_IsNotSupported) {
     machine().setTable(bytes);
     const tOpenController controller;
     EXPECT_EQ(readText(attribute), noText(kNotSupported)) << std::hex << attribute;
-  }
-}
-
-// ---- The Marten interface ----
-
-class TextFromMarten : public TextAttribute {
- protected:
-  void SetUp() override {
-    TextAttribute::SetUp();
-    for (const uint32_t attribute :
-         {uint32_t{QUENRA_ATTRIBUTE_FIRMWARE_VERSION},
-          QUENRA_ATTRIBUTE_FIRMWARE_VERSION | uint32_t{QUENRA_SELECTOR_MARTEN}}) {
-      machine().setAttributeText(kSimulatorInterfaceMarten, attribute, "M-9.8");
-    }
-  }
-
-  void setTextWithoutNul(std::string_view text) {
-    machine().setAttribute(kSimulatorInterfaceMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION,
-                           std::vector<uint8_t>(text.begin(), text.end()));
-  }
-};
-
-TEST_F(TextFromMarten, FirmwareVersion_IsReadFromAnOpenMarten) {
-  open();
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{0, "M-9.8", 6}));
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_MARTEN),
-            (tTextRead{0, "M-9.8", 6}));
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION | QUENRA_SELECTOR_CONTROLLER),
-            text("B-1.23"));
-}
-
-TEST_F(TextFromMarten, FirmwareVersion_WithoutMarten_IsTheBiosVersion) {
-  usePresence(1, 0);
-  open();
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), text("B-1.23"));
-}
-
-TEST_F(TextFromMarten, AnyTextSelectedOnAClosedMarten_FailsWithNoController) {
-  usePresence(1, 0);
-  open();
-  for (const uint32_t attribute : {QUENRA_ATTRIBUTE_FIRMWARE_VERSION, QUENRA_ATTRIBUTE_PRODUCT_NAME,
-                                   QUENRA_ATTRIBUTE_BUS_LOCATION}) {
-    EXPECT_EQ(readText(attribute | QUENRA_SELECTOR_MARTEN), noText(QUENRA_STATUS_NO_CONTROLLER));
-  }
-  EXPECT_EQ(readText(0x1FF00000 | QUENRA_SELECTOR_MARTEN), noText(kNotSupported));
-  EXPECT_EQ(readText(0x10205000), noText(QUENRA_STATUS_NO_CONTROLLER)) << "an unknown attribute";
-}
-
-TEST_F(TextFromMarten, OtherTextsSelectedOnAnOpenMarten_ComeFromTheTable) {
-  open();
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_PRODUCT_NAME | QUENRA_SELECTOR_MARTEN), text("BW-8135"));
-}
-
-TEST_F(TextFromMarten, InABufferThatIsTooSmall_ReportsTheSizeNeeded) {
-  open();
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 5),
-            (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "untou", 6}));
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 6), (tTextRead{0, "M-9.8", 6}));
-}
-
-TEST_F(TextFromMarten, WithSizeZeroAndNoBuffer_ReportsTheSizeNeeded) {
-  open();
-  uint64_t size = 0;
-  EXPECT_EQ(
-      QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, nullptr, &size),
-      QUENRA_STATUS_BUFFER_TOO_SMALL);
-  EXPECT_EQ(size, 6u);
-}
-
-TEST_F(TextFromMarten, WithASizeButNoBuffer_FailsWithInvalidParameter) {
-  open();
-  uint64_t size = 100;
-  EXPECT_EQ(
-      QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, nullptr, &size),
-      QUENRA_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(size, 100u);
-}
-
-TEST_F(TextFromMarten, DriverWarning_IsReturnedWithTheText) {
-  open();
-  tSimulatorScript script{};
-  script.interfaceKind = kSimulatorInterfaceMarten;
-  script.action = kSimulatorActionAddCode;
-  script.driverStatus = 9;
-  machine().addScript(script);
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{9, "M-9.8", 6}));
-}
-
-// The driver keeps a text as its writer sent it, and an update writes the version without a NUL.
-TEST_F(TextFromMarten, WithoutNul_IsTerminated) {
-  setTextWithoutNul("M-10");
-  open();
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), (tTextRead{0, "M-10", 4}));
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 5), (tTextRead{0, "M-10", 4}));
-}
-
-TEST_F(TextFromMarten, WithoutNulFillingTheBuffer_NeedsOneByteMore) {
-  setTextWithoutNul("M-10");
-  open();
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 4),
-            (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", 5}));
-}
-
-TEST_F(TextFromMarten, EmptyWithoutNulAndSizeZero_NeedsOneByte) {
-  setTextWithoutNul("");
-  open();
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0),
-            (tTextRead{QUENRA_STATUS_BUFFER_TOO_SMALL, "", 1}));
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 1), (tTextRead{0, "", 0}));
-}
-
-TEST_F(TextFromMarten, RejectedByTheDriver_LeavesTheSize) {
-  open();
-  machine().removeAttribute(kSimulatorInterfaceMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION);
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), noText(kNotSupported));
-}
-
-TEST_F(TextFromMarten, FailedRequest_ReturnsTheMappedCodeAndLeavesTheSize) {
-  open();
-  tSimulatorScript script{};
-  script.interfaceKind = kSimulatorInterfaceMarten;
-  script.action = kSimulatorActionFail;
-  script.windowsError = 121;
-  machine().addScript(script);
-  EXPECT_EQ(readText(QUENRA_ATTRIBUTE_FIRMWARE_VERSION), noText(QUENRA_STATUS_TIME_OUT));
-}
-
-TEST_F(TextFromMarten, WithASizeBeyond32Bits_OffersTheDriverTheLargestSize) {
-  open();
-  machine().clearLog();
-  char buffer[200] = "";
-  uint64_t size = (uint64_t{1} << 32) + 10;
-  EXPECT_EQ(
-      QUENRA_getAttributeUTF8(QUENRA_HANDLE, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, buffer, &size), 0);
-  EXPECT_STREQ(buffer, "M-9.8");
-  EXPECT_EQ(size, 6u);
-  const auto entries = requests(REQUEST_GET_ATTRIBUTE);
-  ASSERT_EQ(entries.size(), 1u);
-  for (size_t i = 16; i < 20; ++i) {
-    EXPECT_EQ(entries[0].input[i], 0xFF);
   }
 }
 

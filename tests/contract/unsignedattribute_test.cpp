@@ -105,23 +105,31 @@ TEST_P(UnsignedTable, WithAStructureThatTheTableCutsOff_ReadsAsNothing) {
   }
 }
 
-// Numbers instead of symbols: the table pins the ids.
 INSTANTIATE_TEST_SUITE_P(
     Rows, UnsignedTable,
     testing::Values(
-        tUnsignedCase{0x20000600, 0x96, 0x06, 0xABCD}, tUnsignedCase{0x20006600, 0x96, 0x0B, 0x5A},
-        tUnsignedCase{0x2000C800, 0x11, 0x12, 0x1A}, tUnsignedCase{0x2000C900, 0x11, 0x15, 2400},
-        tUnsignedCase{0x2000CA00, 0x11, 0x20, 2100}, tUnsignedCase{0x2000D000, 0x11, 0x0C, 0x2000},
-        tUnsignedCase{0x20012E00, 0x04, 0x08, 5}, tUnsignedCase{0x20012F00, 0x04, 0x14, 4200},
-        tUnsignedCase{0x20013000, 0x04, 0x25, 8},
-        tUnsignedCase{0x20019600, 0xB4, 0x07, 0x20, {QUENRA_STATUS_NOT_SUPPORTED, 0}},
-        tUnsignedCase{0x20019800, 0xB4, 0x06, 0x44}, tUnsignedCase{0x20025800, 0x98, 0x04, 4},
-        tUnsignedCase{0x20025A00, 0x98, 0x09, 21, {QUENRA_STATUS_NOT_SUPPORTED, 0}},
-        tUnsignedCase{0x2002BC00, 0x99, 0x04, 2, {0, 0xFFFFFFFF}},
-        tUnsignedCase{0x20032000, 0x9A, 0x04, 1, {0, 0xFFFFFFFF}},
-        tUnsignedCase{0x2003E800, 0x9F, 0x04, 0x31}, tUnsignedCase{0x2003E900, 0x9F, 0x05, 0x32},
-        tUnsignedCase{0x2004B000, 0x9D, 0x04, 3}, tUnsignedCase{0x2006A400, 0xA3, 0x06, 5},
-        tUnsignedCase{0x28000200, 0x96, 0x04, 7}));
+        tUnsignedCase{QUENRA_ATTRIBUTE_PLATFORM_CODE, 0x96, 0x06, 0xABCD},
+        tUnsignedCase{QUENRA_ATTRIBUTE_PLATFORM_OPTION, 0x96, 0x0B, 0x5A},
+        tUnsignedCase{QUENRA_ATTRIBUTE_MEMORY_TYPE, 0x11, 0x12, 0x1A},
+        tUnsignedCase{QUENRA_ATTRIBUTE_MEMORY_SPEED, 0x11, 0x15, 2400},
+        tUnsignedCase{QUENRA_ATTRIBUTE_MEMORY_CONFIGURED_SPEED, 0x11, 0x20, 2100},
+        tUnsignedCase{QUENRA_ATTRIBUTE_MEMORY_SIZE, 0x11, 0x0C, 0x2000},
+        tUnsignedCase{QUENRA_ATTRIBUTE_PROCESSOR_STEPPING, 0x04, 0x08, 5},
+        tUnsignedCase{QUENRA_ATTRIBUTE_PROCESSOR_MAXIMUM_SPEED, 0x04, 0x14, 4200},
+        tUnsignedCase{QUENRA_ATTRIBUTE_PROCESSOR_THREAD_COUNT, 0x04, 0x25, 8},
+        tUnsignedCase{
+            QUENRA_ATTRIBUTE_PLATFORM_REVISION, 0xB4, 0x07, 0x20, {QUENRA_STATUS_NOT_SUPPORTED, 0}},
+        tUnsignedCase{QUENRA_ATTRIBUTE_PLATFORM_REVISION_BASE, 0xB4, 0x06, 0x44},
+        tUnsignedCase{QUENRA_ATTRIBUTE_SLOT_COUNT, 0x98, 0x04, 4},
+        tUnsignedCase{
+            QUENRA_ATTRIBUTE_SLOT_NUMBER, 0x98, 0x09, 21, {QUENRA_STATUS_NOT_SUPPORTED, 0}},
+        tUnsignedCase{QUENRA_ATTRIBUTE_LINK_KIND, 0x99, 0x04, 2, {0, 0xFFFFFFFF}},
+        tUnsignedCase{QUENRA_ATTRIBUTE_EXPANSION_KIND, 0x9A, 0x04, 1, {0, 0xFFFFFFFF}},
+        tUnsignedCase{QUENRA_ATTRIBUTE_CAPABILITY_1, 0x9F, 0x04, 0x31},
+        tUnsignedCase{QUENRA_ATTRIBUTE_CAPABILITY_2, 0x9F, 0x05, 0x32},
+        tUnsignedCase{QUENRA_ATTRIBUTE_TEXT_SETTING_SUPPORT, 0x9D, 0x04, 3},
+        tUnsignedCase{QUENRA_ATTRIBUTE_BRIDGE_COUNT, 0xA3, 0x06, 5},
+        tUnsignedCase{QUENRA_ATTRIBUTE_PLATFORM_GENERATION, 0x96, 0x04, 7}));
 
 // ---- Ids that are not in the table ----
 
@@ -326,90 +334,6 @@ TEST_F(UnsignedAttribute, InterfacesPresent_IncludeAnOpenMarten) {
   usePresence(1, 0);
   open();
   EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_INTERFACES_PRESENT), value(0x100000));
-}
-
-// ---- Read from the controller interface ----
-
-class FromController : public UnsignedAttribute, public testing::WithParamInterface<uint32_t> {
- protected:
-  void SetUp() override {
-    UnsignedAttribute::SetUp();
-    machine().setAttributeU32(kSimulatorInterfaceController, GetParam(), 0x01020304);
-  }
-};
-
-TEST_P(FromController, IsTheDriversValue) {
-  open();
-  EXPECT_EQ(readUnsigned(GetParam()), value(0x01020304));
-}
-
-TEST_P(FromController, WithAnInstance_IsNotSupportedAndSendsNoRequest) {
-  open();
-  machine().clearLog();
-  EXPECT_EQ(readUnsigned(GetParam() + 1), noValue(kNotSupported));
-  EXPECT_TRUE(requests(REQUEST_GET_ATTRIBUTE).empty());
-}
-
-TEST_P(FromController, RejectedByTheDriver_IsNotReadFromMarten) {
-  machine().removeAttribute(kSimulatorInterfaceController, GetParam());
-  machine().setAttributeU32(kSimulatorInterfaceMarten, GetParam(), 5);
-  open();
-  EXPECT_EQ(readUnsigned(GetParam()), noValue(kNotSupported));
-}
-
-TEST_P(FromController, WithADriverWarning_ReturnsItWithTheValue) {
-  open();
-  tSimulatorScript script{};
-  script.interfaceKind = kSimulatorInterfaceController;
-  script.action = kSimulatorActionAddCode;
-  script.driverStatus = 3;
-  machine().addScript(script);
-  EXPECT_EQ(readUnsigned(GetParam()), (tUnsignedRead{3, 0x01020304}));
-}
-
-INSTANTIATE_TEST_SUITE_P(Rows, FromController,
-                         testing::Values(QUENRA_ATTRIBUTE_PROCESSOR_SETTING,
-                                         QUENRA_ATTRIBUTE_DRIVER_SETTING_1,
-                                         QUENRA_ATTRIBUTE_DRIVER_SETTING_2));
-
-// ---- Selected on the Marten interface ----
-
-TEST_F(UnsignedAttribute, SelectedOnMarten_IsReadFromItForEveryId) {
-  for (const uint32_t attribute :
-       {QUENRA_ATTRIBUTE_MEMORY_TYPE + QUENRA_SELECTOR_MARTEN,
-        QUENRA_ATTRIBUTE_CONTROLLER_KIND + QUENRA_SELECTOR_MARTEN,
-        QUENRA_ATTRIBUTE_PROCESSOR_SETTING + QUENRA_SELECTOR_MARTEN, 0x2020AA00u, 0x28200300u}) {
-    machine().setAttributeU32(kSimulatorInterfaceMarten, attribute, attribute ^ 0xFF);
-  }
-  open();
-  for (const uint32_t attribute :
-       {QUENRA_ATTRIBUTE_MEMORY_TYPE + QUENRA_SELECTOR_MARTEN,
-        QUENRA_ATTRIBUTE_CONTROLLER_KIND + QUENRA_SELECTOR_MARTEN,
-        QUENRA_ATTRIBUTE_PROCESSOR_SETTING + QUENRA_SELECTOR_MARTEN, 0x2020AA00u, 0x28200300u}) {
-    EXPECT_EQ(readUnsigned(attribute), value(attribute ^ 0xFF)) << std::hex << attribute;
-  }
-}
-
-TEST_F(UnsignedAttribute, SelectedOnMartenWithAnInstance_FailsWithNoController) {
-  open();
-  EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_MEMORY_TYPE + 1 + QUENRA_SELECTOR_MARTEN),
-            noValue(QUENRA_STATUS_NO_CONTROLLER));
-}
-
-TEST_F(UnsignedAttribute, SelectedOnAClosedMarten_FailsWithNoController) {
-  usePresence(1, 0);
-  open();
-  EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_MEMORY_TYPE + QUENRA_SELECTOR_MARTEN),
-            noValue(QUENRA_STATUS_NO_CONTROLLER));
-  EXPECT_EQ(readUnsigned(0x20210000), noValue(QUENRA_STATUS_NO_CONTROLLER));
-}
-
-TEST_F(UnsignedAttribute, SelectedOnMartenAndRejected_ReturnsTheDriversCode) {
-  open();
-  machine().removeAttribute(kSimulatorInterfaceMarten,
-                            QUENRA_ATTRIBUTE_MEMORY_TYPE + QUENRA_SELECTOR_MARTEN);
-  EXPECT_EQ(readUnsigned(QUENRA_ATTRIBUTE_MEMORY_TYPE + QUENRA_SELECTOR_MARTEN),
-            noValue(kNotSupported));
 }
 
 // ---- The Marten interface in place of a field ----
