@@ -48,7 +48,7 @@ class Manual(CommandLineTest):
 
     def test_documents_every_verb(self):
         run = self.quenra("help", "get", "--manual", exit_code=2)
-        self.assertIn("the manual page is of the whole program", run.error)
+        self.assertIn("the manual page documents all verbs", run.error)
 
     def test_with_json_is_a_document(self):
         document = self.document("help", "--manual", kind="help")

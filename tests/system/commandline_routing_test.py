@@ -35,7 +35,7 @@ class Routing(CommandLineTest):
         self.assertEqual(connection.next_line(), "connected: TRIG_SMB -> PXI_Trig3, for 4.0 s\n")
         self.assertEqual([route["state"] for route in self.routes()], ["programmed"])
         out, error = connection.end(0)
-        self.assertRegex(out, r"^taken down after \d+\.\d s\n$")
+        self.assertRegex(out, r"^released after \d+\.\d s\n$")
         self.assertEqual(error, "")
         self.assertEqual(self.routes(), [])
         steps = [request for request in (entry.get("request", "") for entry in self.log())
@@ -48,7 +48,7 @@ class Routing(CommandLineTest):
         self.assertEqual(connection.next_line(), "connected: TRIG_SMB -> PXI_Trig3, until Ctrl-C\n")
         connection.interrupt()
         out, error = connection.end(0)
-        self.assertIn("taken down after ", out)
+        self.assertIn("released after ", out)
         self.assertEqual(error, "")
         self.assertEqual(self.routes(), [])
 
@@ -61,7 +61,7 @@ class Routing(CommandLineTest):
         document = json.loads(out)
         self.schema.check(document)
         self.assertTrue(document["interrupted"])
-        self.assertRegex(error, r"^quenra: taken down after ")
+        self.assertRegex(error, r"^quenra: released after ")
 
     def test_demotion_is_printed_while_the_route_is_held(self):
         connection = Started(self, "route", "connect", *LINE)
@@ -72,7 +72,7 @@ class Routing(CommandLineTest):
         self.assertIsNone(connection.process.poll(), "the route is held to its end")
         connection.interrupt()
         out, _ = connection.end(1)
-        self.assertIn("taken down after ", out)
+        self.assertIn("released after ", out)
         self.assertEqual(self.routes(), [])
 
     def test_document_of_a_connection(self):

@@ -227,9 +227,9 @@ class Update(CommandLineTest):
         update.read_until("updating")
         update.interrupt()
         self.assertEqual(update.warned(),
-                         "quenra: this cannot be stopped half-way; wait until it is over\n")
+                         "quenra: the update cannot be interrupted; wait for its end\n")
         out, _ = update.end(0)
-        self.assertIn("package handed to the driver store; its result is not known\n", out)
+        self.assertIn("package passed to the driver store, which reports no result\n", out)
         self.assertEqual(len(self.packages()), 1)
 
     def start_slow_update(self):

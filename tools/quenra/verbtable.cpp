@@ -13,8 +13,8 @@ constexpr tOptionRow kInstance{nWords::kInstance, "N",
 // ---- info ----
 
 constexpr tExampleRow kInfoExamples[] = {
-    {"info", "all that this machine reports"},
-    {"info --json", "the same for a program"},
+    {"info", "all attributes of this machine"},
+    {"info --json", "the same as JSON"},
 };
 
 // ---- get ----
@@ -70,7 +70,7 @@ constexpr tOptionRow kTo{nWords::kTo, "B", "Destination terminal", {}, true, &kT
 constexpr tOptionRow kInvert{nWords::kInvert, "", "Invert the signal"};
 
 constexpr tExampleRow kTerminalsExamples[] = {
-    {"terminals", "the ends that a route can have"},
+    {"terminals", "the terminals that a route can connect"},
 };
 constexpr tOptionRow kRoutePlanOptions[] = {kFrom, kTo, kInvert};
 constexpr tExampleRow kRoutePlanExamples[] = {
@@ -93,7 +93,7 @@ constexpr tPositionalRow kImagePositionals[] = {
     {nWords::kImage, "IMAGE", "File of the firmware image"},
 };
 constexpr tPositionalRow kPayloadPositionals[] = {
-    {nWords::kPayload, "PAYLOAD", "File of the bytes that the device is to receive"},
+    {nWords::kPayload, "PAYLOAD", "File of the payload"},
 };
 constexpr tOptionRow kFirmwareBuildOptions[] = {
     {nWords::kOutput, "IMAGE", "File of the firmware image; must not exist", {}, true},
@@ -104,8 +104,9 @@ constexpr tOptionRow kFirmwareBuildOptions[] = {
      true,
      &kDeviceWords},
     {nWords::kFirmwareVersion, "VERSION", "The version of the payload, such as 1.4.2f7", {}, true},
-    {nWords::kFileName, "NAME", "Make it a capsule for the BIOS, a file of that plain name"},
-    {nWords::kLineLength, "N", "Characters in a line of the payload, 76 without; 0 for one line"},
+    {nWords::kFileName, "NAME", "Build a capsule for the BIOS: a file of this plain name"},
+    {nWords::kLineLength, "N",
+     "Characters in a line of the payload (default 76); 0 for a single line"},
     {nWords::kAppend, "", "Add the section to an existing image"},
     {nWords::kForce, "", "Replace an existing image"},
 };
@@ -125,7 +126,8 @@ constexpr tExampleRow kFirmwareBuildExamples[] = {
 // ---- update ----
 
 constexpr tOptionRow kUpdateOptions[] = {
-    {nWords::kOnlyNewer, "", "Leave out the firmware of a device for which a section is not newer"},
+    {nWords::kOnlyNewer, "",
+     "Leave out the firmware of a device if one of its sections is not newer"},
     {nWords::kForce, "", "With --only-newer, compare although an update awaits a restart"},
     {nWords::kAllowAnyPath, "", "Accept file names that are not plain, such as paths"},
     {nWords::kNoWait, "", "Fail when another update is running, instead of waiting for its end"},
@@ -133,7 +135,7 @@ constexpr tOptionRow kUpdateOptions[] = {
 };
 constexpr tExampleRow kUpdateExamples[] = {
     {"update --plan update.fwi", "the plan of an update, and its obstacles"},
-    {"update update.fwi", "apply the image, whatever versions are installed"},
+    {"update update.fwi", "apply the image regardless of the installed versions"},
     {"update update.fwi --only-newer", "... except firmware that is not newer"},
 };
 
@@ -150,7 +152,7 @@ constexpr tPositionalRow kExplainPositionals[] = {
      &kStatusWords},
 };
 constexpr tExampleRow kExplainExamples[] = {
-    {"explain -26934", "what a code means and what to do"},
+    {"explain -26934", "the meaning of a code and its remedy"},
     {"explain QUENRA_STATUS_BUSY", "... by its constant"},
 };
 
@@ -168,26 +170,25 @@ constexpr tExampleRow kCompletionExamples[] = {
 
 constexpr tPositionalRow kHelpPositionals[] = {
     {kHelpTopic, "VERB", "The verb", &kVerbWords, false},
-    {nWords::kAction, "ACTION", "Its second word, where it has one", nullptr, false},
+    {nWords::kAction, "ACTION", "The action, if the verb has actions", nullptr, false},
 };
 constexpr tOptionRow kHelpOptions[] = {
     {nWords::kManual, "", "Print the manual page quenra(1) instead, as man reads it"},
 };
 constexpr tExampleRow kHelpExamples[] = {
-    {"help get", "all about one verb"},
+    {"help get", "the help of one verb"},
     {"help --manual", "the manual page; '| man -l -' shows it"},
 };
 
 constexpr tVerbGroupRow kGroups[] = {
     {"route", "Plan trigger routes, and connect them", &kRouteWords},
-    {"firmware", "Look at firmware images, and make them", &kFirmwareWords},
+    {"firmware", "Inspect, verify and build firmware images", &kFirmwareWords},
 };
 
 // clang-format off
 constexpr tVerbRow kRows[] = {
     {"info", "Show all attributes of this machine, by subject",
-     "An attribute that the machine does not have is shown as such and is not an error. Other reads that "
-     "fail are shown with their code, and the rest is shown as always.",
+     "An attribute that the machine does not have is shown as such and is not an error. Other reads that fail are shown with their code.",
      {}, {}, kInfoExamples, runInfo},
 
     {"get", "Show one attribute",
@@ -205,8 +206,7 @@ constexpr tVerbRow kRows[] = {
      kSetPositionals, kSetOptions, kSetExamples, runSet},
 
     {"self-test", "Test the controller",
-     "Opens the controller and lets the library test itself; that a controller can be opened is all "
-     "there is to test.",
+     "Opens the controller and runs the self-test of the library, which passes if the controller can be opened.",
      {}, {}, kSelfTestExamples, runSelfTest},
 
     {"terminals", "List the trigger terminals",
@@ -227,10 +227,7 @@ constexpr tVerbRow kRows[] = {
      {}, kRouteConnectOptions, kRouteConnectExamples, runRouteConnect},
 
     {"firmware inspect", "Show the sections of a firmware image",
-     "Each section with its device, type, version, file name, size and CRC, its place in the order of "
-     "application, and what the library would say to it. A section that the library refuses is shown "
-     "with the reason; the sections behind it are judged all the same, though one fault keeps all of "
-     "an image from being applied. Needs no controller.",
+     "Each section with its device, type, version, file name, size and CRC, its place in the order of application, and the verdict of the library. A section that the library rejects is shown with the reason; the sections after it are checked as well, although one fault prevents the whole image from being applied. Needs no controller.",
      kImagePositionals, {}, kFirmwareInspectExamples, runFirmwareInspect},
 
     {"firmware verify", "Check whether an update would apply a firmware image",
@@ -257,9 +254,8 @@ constexpr tVerbRow kRows[] = {
      "Needs no controller.",
      {}, {}, kAttributesExamples, runAttributes},
 
-    {"explain", "Say what a status code means and what to do",
-     "Codes that the library does not define are those of the driver, which the library passes on. "
-     "Needs no controller.",
+    {"explain", "Explain a status code and its remedy",
+     "Codes that the library does not define are those of the driver, returned unchanged. Needs no controller.",
      kExplainPositionals, {}, kExplainExamples, runExplain},
 
     {"completion", "Print the script that completes command lines in a shell",

@@ -152,7 +152,7 @@ void addActions(CLI::App* verb, tAnswerArguments& arguments) {
                       "Do not carry out the request; the driver answers with this status code");
   actions
       ->add_option("--windows-error", arguments.windowsError,
-                   "The request itself fails with this Windows error")
+                   "Fail the request with this Windows error")
       ->check(between(1, 65535));
   actions
       ->add_option("--truncate", arguments.truncate,

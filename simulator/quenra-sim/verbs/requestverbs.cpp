@@ -82,7 +82,7 @@ void addComplete(CLI::App* verb, tPendingArguments& arguments, tAction& action) 
       ->required();
   complete
       ->add_option("--windows-error", arguments.windowsError,
-                   "They fail with this Windows error; 0: they succeed")
+                   "Windows error of the completion; 0: success")
       ->check(between(0, 65535))
       ->capture_default_str();
   complete->callback(
@@ -177,7 +177,7 @@ void addDemote(CLI::App& app, tAction& action) {
   static uint32_t ticket = 0;
   CLI::App* const verb =
       app.add_subcommand("demote", "Demote a trigger route and notify its program");
-  verb->add_option("ticket", ticket, "As 'routes' shows it")->required();
+  verb->add_option("ticket", ticket, "A ticket from 'routes'")->required();
   verb->callback([&action] { action = [] { demoteRoute(ticket); }; });
 }
 

@@ -46,7 +46,8 @@ uint8_t byteOf(const std::string& text, const std::string& argument) {
   } catch (const std::exception&) {
     // Reported below.
   }
-  throw tUsageError("'" + argument + "' is not TYPE/OFFSET=VALUE of bytes, such as 0x9D/4=1");
+  throw tUsageError("'" + argument +
+                    "' does not have the form TYPE/OFFSET=VALUE, such as 0x9D/4=1");
 }
 
 tStructureByte parseStructureByte(const std::string& text) {
@@ -134,7 +135,7 @@ void addScenario(CLI::App& app, tAction& action) {
   verb->add_option("--table", scenario.tableFile,
                    "File with the SMBIOS structure table that the driver returns");
   verb->add_option("--structure-byte", scenario.structureBytes,
-                   "Change a byte of the first structure of a type in that table, as 0x9D/4=1")
+                   "Change a byte of the first structure of a type in that table, such as 0x9D/4=1")
       ->type_name("TYPE/OFFSET=VALUE");
   verb->add_option("--without-structure", scenario.removedStructures,
                    "Remove the structures of a type from that table")

@@ -123,7 +123,7 @@ TEST_F(FirmwareBuild, PayloadThatIsTheOutput_IsWrongUsage) {
     words.insert(words.end(), more.begin(), more.end());
     const tRun result = run(words);
     EXPECT_EQ(result.exitCode, 2);
-    EXPECT_THAT(result.error, HasSubstr("' is the payload and the output\n"));
+    EXPECT_THAT(result.error, HasSubstr("' is both the payload and the output\n"));
     EXPECT_EQ(folder_.content("payload"), "123456789");
   }
 }

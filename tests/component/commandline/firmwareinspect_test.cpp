@@ -63,7 +63,7 @@ TEST_F(FirmwareInspect, RefusedSection_IsShownWithTheReasonAndThoseBehindItToo) 
   EXPECT_THAT(result.out,
               HasSubstr("refused: the payload does not decode to ByteCount bytes: header "
                         "8, payload 9\n4        -      SAFEMODE"));
-  EXPECT_THAT(result.out, HasSubstr("TargetDevice is none of BIOS, MARTEN and SAFEMODE\n"));
+  EXPECT_THAT(result.out, HasSubstr("TargetDevice is not BIOS, MARTEN or SAFEMODE\n"));
 }
 
 TEST_F(FirmwareInspect, Document_HasThePromisedMembers) {

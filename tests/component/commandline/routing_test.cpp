@@ -199,8 +199,8 @@ TEST_F(RoutePlan, NoRoute_IsNotSupported) {
 TEST_F(RouteConnect, Route_IsConnectedHeldAndReleasedInOrder) {
   const tRun result = run(routeWords("connect", {"--for", "0"}));
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_THAT(result.out,
-              StartsWith("connected: TRIG_SMB -> PXI_Trig0, for 0.0 s\ntaken down after "));
+  EXPECT_THAT(result.out, StartsWith("connected: TRIG_SMB -> PXI_Trig0, for 0.0 s\n"
+                                     "released after "));
   EXPECT_THAT(result.error, IsEmpty());
   EXPECT_THAT(callsAfterCalculation(), ElementsAre("reserve 7", "program 7", "path 7",
                                                    "unprogram 7", "unreserve 7", "destroy 7"));
@@ -212,7 +212,8 @@ TEST_F(RouteConnect, CtrlC_ReleasesTheRouteAndIsNoFailure) {
   const tRun result = run(routeWords("connect"));
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.out, StartsWith("connected: TRIG_SMB -> PXI_Trig0, until Ctrl-C\n"));
-  EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
+  EXPECT_THAT(result.out, HasSubstr("\n"
+                                    "released after "));
   EXPECT_EQ(callsAfterCalculation().back(), "destroy 7");
 }
 
@@ -227,11 +228,11 @@ TEST_F(RouteConnect, Demotions_AreReportedAndMakeItAFailure) {
   const tRun result = run(routeWords("connect", {"--for", "1"}));
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.error, StartsWith("quenra: the route was demoted after "));
-  EXPECT_THAT(result.error,
-              HasSubstr(" s: the line was taken by a route of higher priority (101); it "
-                        "carries no signal any more\n"));
+  EXPECT_THAT(result.error, HasSubstr(" s: the line was taken by a route of higher priority (101); "
+                                      "it no longer carries a signal\n"));
   EXPECT_THAT(result.error, HasSubstr("the library reports the reason 102;"));
-  EXPECT_THAT(result.out, HasSubstr("\ntaken down after "));
+  EXPECT_THAT(result.out, HasSubstr("\n"
+                                    "released after "));
   const std::vector<std::string> calls = callsAfterCalculation();
   EXPECT_THAT(std::vector(calls.begin() + 3, calls.end()),
               ElementsAre("failed 7", "unprogram 7", "unreserve 7", "destroy 7"));

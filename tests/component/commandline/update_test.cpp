@@ -42,7 +42,9 @@ TEST_F(UpdateVerb, Image_GoesToTheLibraryAsItIs) {
   EXPECT_THAT(result.error, IsEmpty());
   EXPECT_THAT(result.out, StartsWith("installed: BIOS 3.1.0f2, Marten 1.4.0f7\n\n"
                                      "Section  Device  Version  File  Bytes  What will be done\n"));
-  EXPECT_THAT(result.out, HasSubstr("\nupdating, which can take minutes: leave the machine on\n"));
+  EXPECT_THAT(result.out,
+              HasSubstr("\n"
+                        "updating, which can take minutes: do not switch the machine off\n"));
   EXPECT_THAT(
       result.out,
       testing::EndsWith(" s\n"
@@ -251,7 +253,7 @@ TEST_F(UpdateVerb, DriverPackage_IsHandedOverWithAnUnknownResult) {
   const std::string path = fileOf({tFirmwareSection::capsule("a.inf").version("1.0.0f0")});
   EXPECT_THAT(run({"update", path}).out,
               testing::EndsWith("  section 1, BIOS 1.0.0f0, 100 bytes: written to a file; package "
-                                "handed to the driver store; its result is not known\n"));
+                                "passed to the driver store, which reports no result\n"));
   const auto document = run({"update", path, "--json"}).document();
   EXPECT_STREQ(document["sections"][0]["result"].GetString(), "handed-over");
   EXPECT_STREQ(document["outcome"].GetString(), "done");
@@ -336,7 +338,7 @@ TEST_F(UpdateVerb, FilesThatCannotBeWritten_AreReportedWithTheReasonOfTheSystem)
   facts_.temporaryFailure = std::make_error_code(std::errc::no_space_on_device);
   const std::string path = fileOf({section("BIOS", "4.0.0f0"), tFirmwareSection::capsule("a.bin")});
   const tRun result = run({"update", path});
-  EXPECT_THAT(result.error, StartsWith("quenra: the files of the image cannot be written below "
+  EXPECT_THAT(result.error, StartsWith("quenra: cannot write the files of the image below "
                                        "'C:\\Temp': no space left on the disk\n"
                                        "  -26937 QUENRA_STATUS_UPDATE_ENVIRONMENT\n"));
   EXPECT_THAT(result.error, HasSubstr("section 1, BIOS 4.0.0f0, 9 bytes: not applied\n"));
@@ -401,13 +403,13 @@ TEST_F(UpdateVerb, CtrlC_StopsNothing) {
   library_.duringUpdate = [this] { interruption_.waitForPolls(2); };
   const tRun result = run({"update", fileOf({section("BIOS", "1.0.0f0")})});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.error, "quenra: this cannot be stopped half-way; wait until it is over\n");
+  EXPECT_EQ(result.error, "quenra: the update cannot be interrupted; wait for its end\n");
 }
 
 TEST_F(UpdateVerb, Terminal_ShowsTheElapsedTimeInOneLine) {
   library_.duringUpdate = [this] { interruption_.waitForPolls(interruption_.polls + 2); };
   const tRun result = runOnTerminal({"update", fileOf({section("BIOS", "1.0.0f0")})});
-  EXPECT_THAT(result.out, HasSubstr("leave the machine on\n\rupdating: "));
+  EXPECT_THAT(result.out, HasSubstr("do not switch the machine off\n\rupdating: "));
   EXPECT_THAT(result.out, HasSubstr(" s\rupdating: "));
   EXPECT_THAT(result.out, HasSubstr(" s\ndone after "));
   const tRun asDocument = runOnTerminal({"update", "--json", fileOf({section("BIOS", "1.0.0f0")})});

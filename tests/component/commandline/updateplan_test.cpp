@@ -20,18 +20,15 @@ TEST_F(UpdatePlan, Sections_AreShownWithWhatWouldBeDone) {
                                    section("BIOS", "3.1.0f2")})});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.error, IsEmpty());
-  EXPECT_EQ(
-      result.out,
-      "installed: BIOS 3.1.0f2, Marten 1.4.0f7\n"
-      "\n"
-      "Section  Device    Version  File  Bytes  What would be done\n"
-      "3        BIOS      3.1.0f2  -     9      send to the controller interface, although it "
-      "is not newer than the installed 3.1.0f2\n"
-      "1        MARTEN    1.4.2f7  -     9      send to the Marten interface\n"
-      "2        SAFEMODE  1.0.0f0  -     9      nothing: the library does nothing with "
-      "sections for SAFEMODE\n"
-      "\n"
-      "no obstacle was found\n");
+  EXPECT_EQ(result.out,
+            "installed: BIOS 3.1.0f2, Marten 1.4.0f7\n\n"
+            "Section  Device    Version  File  Bytes  What would be done\n"
+            "3        BIOS      3.1.0f2  -     9      send to the controller interface, although "
+            "it is not newer than the installed 3.1.0f2\n"
+            "1        MARTEN    1.4.2f7  -     9      send to the Marten interface\n"
+            "2        SAFEMODE  1.0.0f0  -     9      nothing: the library ignores sections for "
+            "SAFEMODE\n\n"
+            "no obstacle was found\n");
   EXPECT_THAT(library_.updates, IsEmpty());
 }
 
@@ -65,8 +62,9 @@ TEST_F(UpdatePlan, OneSectionThatIsAsNew_CountsForAllOfItsDevice) {
     const bool isCapsule = !planned["fileName"].IsNull();
     EXPECT_STREQ(planned["action"].GetString(), isCapsule ? "install-package" : "leave-out");
   }
-  EXPECT_STREQ(document["sections"][2]["reason"].GetString(),
-               "another section is not newer than what is installed, which counts for all");
+  EXPECT_STREQ(
+      document["sections"][2]["reason"].GetString(),
+      "another section of the device is not newer, and the comparison applies to all of them");
 }
 
 TEST_F(UpdatePlan, FileSectionThatIsNotNewer_MarksItsDeviceAsCurrent) {
@@ -109,12 +107,14 @@ TEST_F(UpdatePlan, SeveralObstacles_AreReportedAtOnce) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.out, HasSubstr("\n5 obstacles\n"));
   EXPECT_THAT(result.out, HasSubstr("installed: BIOS 3.1.0f2\n"));
-  EXPECT_THAT(result.error,
-              StartsWith("quenra: drive C: is encrypted, and the protection is on\n"
-                         "  -26942 QUENRA_STATUS_DRIVE_PROTECTED, line 1787\n"
-                         "  Advice: Suspend the protection, update, and resume it afterwards.\n"
-                         "quenra: the machine takes no firmware: firmware-update-support is 0\n"
-                         "  -26934 QUENRA_STATUS_NOT_SUPPORTED, line 1810\n"));
+  EXPECT_THAT(
+      result.error,
+      StartsWith(
+          "quenra: drive C: is encrypted, and the protection is on\n"
+          "  -26942 QUENRA_STATUS_DRIVE_PROTECTED, line 1787\n"
+          "  Advice: Suspend the protection, update, and resume it afterwards.\n"
+          "quenra: the machine does not support firmware updates: firmware-update-support is 0\n"
+          "  -26934 QUENRA_STATUS_NOT_SUPPORTED, line 1810\n"));
   for (const char* const reason :
        {"quenra: section 1: CRC mismatch: header 0x00000001, payload 0x05440F15\n"
         "  -26938 QUENRA_STATUS_INVALID_IMAGE, line 258\n  Advice: Fetch",
@@ -139,22 +139,22 @@ TEST_F(UpdatePlan, DriveThatCannotBeQueried_IsReportedWithTheStep) {
   const std::pair<uint32_t, const char*> steps[] = {
       {2831, "COM cannot be started"},
       {2847, "the security of COM cannot be set up"},
-      {2863, "the management service is not there"},
-      {2879, "the management service has no volume encryption, or does not let this user ask"},
-      {2912, "the management service does not answer the question"}};
+      {2863, "the management service is not available"},
+      {2879, "the management service has no volume encryption, or denies this user access"},
+      {2912, "the management service does not return the state of the protection"}};
   const tSections sections{section("BIOS", "1")};
   for (const auto& [line, step] : steps) {
     facts_.protection = {false, QUENRA_STATUS_UPDATE_ENVIRONMENT, line};
     const auto document = planOf(sections);
     EXPECT_THAT(codesOf(document), ElementsAre(QUENRA_STATUS_UPDATE_ENVIRONMENT));
     EXPECT_EQ(document["obstacles"][0]["fact"].GetString(),
-              "whether drive C: is encrypted cannot be found out: " + std::string(step));
+              "the encryption state of drive C: is unknown: " + std::string(step));
     EXPECT_EQ(document["obstacles"][0]["line"].GetUint(), line);
   }
   facts_.protection = {false, QUENRA_STATUS_UPDATE_ENVIRONMENT, 0};
   const auto document = planOf(sections);
   EXPECT_STREQ(document["obstacles"][0]["fact"].GetString(),
-               "whether drive C: is encrypted cannot be found out");
+               "the encryption state of drive C: is unknown");
   EXPECT_TRUE(document["obstacles"][0]["line"].IsNull());
 }
 

@@ -54,12 +54,12 @@ constexpr tFaultText kFaults[] = {
      "Use a newer version of the library, or an older image."},
     {nImageSites::kUnknownUpdateType, "UpdateType is neither FWUpdate nor CapsuleUpdate",
      "Values are case-sensitive, and nothing may follow them."},
-    {nImageSites::kUnknownTargetDevice, "TargetDevice is none of BIOS, MARTEN and SAFEMODE",
+    {nImageSites::kUnknownTargetDevice, "TargetDevice is not BIOS, MARTEN or SAFEMODE",
      "Values are case-sensitive, and nothing may follow them."},
     {nImageSites::kPayloadNotAllocated, "the empty line that ends the header is missing, or memory for the payload is short",
      "End the header with an empty line; lines end in CR LF."},
     {nImageSites::kByteCountDiffers, "the payload does not decode to ByteCount bytes",
-     "Fetch the image again: it was truncated or changed, or its header has no end."},
+     "Fetch the image again: it was truncated or changed, or its header is not terminated."},
     {nImageSites::kCrcDiffers, "CRC mismatch",
      "Fetch the image again: it was changed, or built with another CRC."},
     {nImageSites::kNumberEmpty, "a number of the header is empty",
@@ -70,8 +70,8 @@ constexpr tFaultText kFaults[] = {
      "Give the section UpdateType, Version and TargetDevice, and a BIOS capsule TargetFileName."},
     {nImageSites::kTextEmpty, "a text of the header is empty",
      "Give UpdateType, Version, TargetDevice and TargetFileName a value."},
-    {nImageSites::kQuoteNotClosed, "a double quote of the header is never closed",
-     "Close it, or leave both out."},
+    {nImageSites::kQuoteNotClosed, "a double quote of the header is not closed",
+     "Close it, or remove both."},
 };
 // clang-format on
 

@@ -75,7 +75,8 @@ struct tVerbGroupRow {
 };
 
 inline constexpr tOptionRow kHelpOption{"--help", "", "Print the help and exit"};
-inline constexpr tOptionRow kJsonOption{"--json", "", "Print one JSON document, whatever happens"};
+inline constexpr tOptionRow kJsonOption{"--json", "",
+                                        "Print one JSON document, also after a failure"};
 inline constexpr tOptionRow kVersionOption{"--version", "", "Print the version and exit"};
 
 inline constexpr tOptionRow kOptionsOfEveryVerb[] = {kHelpOption, kJsonOption};

@@ -5,14 +5,13 @@ namespace nCommandLine {
 namespace {
 
 constexpr std::string_view kDescription =
-    "quenra shows the controller of a PXI chassis: to people as aligned tables, to scripts as "
-    "JSON. It changes something of it with the verbs set, route connect and update only. It also "
-    "looks into firmware images and makes them. Answers go to the standard output; failures and "
-    "warnings go to the standard error stream, each with its code, its constant and advice. With "
-    "--json the "
-    "standard output holds exactly one JSON document, whatever happens.";
+    "quenra shows the controller of a PXI chassis as aligned tables or as JSON. Only the verbs "
+    "set, route connect and update change the controller. quenra also inspects and builds firmware "
+    "images. Results are printed on standard output; failures and warnings are printed on standard "
+    "error, each with its code, its constant and advice. With --json, standard output is exactly "
+    "one JSON document, also after a failure.";
 constexpr std::string_view kNoColour =
-    "When it is set and not empty, terminals are shown plain text without styles.";
+    "If it is set and not empty, output on a terminal has no styles.";
 
 constexpr tSynopsisStyle kStyle{roffBold, roffItalic};
 

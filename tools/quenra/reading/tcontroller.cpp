@@ -199,7 +199,7 @@ tOpeningFailure explainOpeningFailure(const tController& controller) {
   if (isCodeOfTable && controllers > 0) {
     return {failureOf("the driver replied, but its SMBIOS table is unusable or is not that of a "
                       "supported machine"),
-            {{}, "Update the machine's firmware, which makes the table, and the driver."}};
+            {{}, "Update the machine's firmware, which provides the table, and the driver."}};
   }
   return {kFailure, {}};
 }

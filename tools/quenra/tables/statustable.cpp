@@ -12,28 +12,28 @@ namespace {
 constexpr tStatusRow kRows[] = {
     {QUENRA_STATUS_SUCCESS, "QUENRA_STATUS_SUCCESS",
      "Done.",
-     "Nothing needs to be done."},
+     "No action is required."},
 
     {QUENRA_STATUS_BUFFER_TOO_SMALL, "QUENRA_STATUS_BUFFER_TOO_SMALL",
      "The caller's buffer is smaller than the text and its NUL.",
      "Call again with a buffer of the size that the function reported."},
     {QUENRA_STATUS_INVALID_HANDLE, "QUENRA_STATUS_INVALID_HANDLE",
-     "The handle is not one of QUENRA_openController, or no controller is open any more.",
+     "The handle is not from QUENRA_openController, or the controller has been closed.",
      "Open the controller first, and close it only after the last use."},
     {QUENRA_STATUS_NO_CONTROLLER, "QUENRA_STATUS_NO_CONTROLLER",
-     "No controller could be reached: no such device is present, the machine is not one that the library serves, the interface asked for is not open, or a field that decides the answer cannot be read.",
+     "No controller could be reached: no such device is present, the library does not support the machine, the requested interface is not open, or a field that determines the value cannot be read.",
      "Check in the system's device manager that the controller's driver is installed and running. Without --marten, no Marten interface is needed."},
     {QUENRA_STATUS_OUT_OF_MEMORY, "QUENRA_STATUS_OUT_OF_MEMORY",
      "Memory for the session, a value or a firmware image could not be allocated.",
      "Close other programs and try again."},
     {QUENRA_STATUS_NOT_SUPPORTED, "QUENRA_STATUS_NOT_SUPPORTED",
      "The attribute or operation is not supported on this machine: unknown id, field absent, value not usable, or instance out of range.",
-     "Look at what the machine supports with 'quenra info' and at all attributes with 'quenra attributes'."},
+     "Run 'quenra info' to list what this machine supports, and 'quenra attributes' to list all attributes."},
     {QUENRA_STATUS_INVALID_VALUE, "QUENRA_STATUS_INVALID_VALUE",
-     "A value cannot be taken: a text of more than 255 bytes, or an unknown update option.",
+     "A value is not accepted: a text of more than 255 bytes, or an unknown update option.",
      "Shorten the text, or use update option 0 or 1."},
     {QUENRA_STATUS_UPDATE_ENVIRONMENT, "QUENRA_STATUS_UPDATE_ENVIRONMENT",
-     "The surroundings of a firmware update failed: disk encryption could not be determined, a file could not be written, or the driver-store tool is missing.",
+     "The environment of a firmware update failed: disk encryption could not be determined, a file could not be written, or the driver-store tool is missing.",
      "Run the update as an administrator and check that the temporary folder can be written."},
     {QUENRA_STATUS_INVALID_IMAGE, "QUENRA_STATUS_INVALID_IMAGE",
      "The firmware image is malformed, or is meant for a device that this machine does not have.",
@@ -58,8 +58,8 @@ constexpr tStatusRow kRows[] = {
      "A device or system failure without a code of its own, or more than one controller is present.",
      "Make sure that exactly one controller is present, then restart the machine."},
     {QUENRA_STATUS_INVALID_PARAMETER, "QUENRA_STATUS_INVALID_PARAMETER",
-     "A bad argument, such as a null pointer.",
-     "Correct the calling program; the header says what each argument has to be."},
+     "An argument is invalid, such as a null pointer.",
+     "Correct the calling program; the header documents each argument."},
     {QUENRA_STATUS_NOT_FOUND, "QUENRA_STATUS_NOT_FOUND",
      "The device or file does not exist.",
      "Check in the system's device manager that the controller is present."},
@@ -68,7 +68,7 @@ constexpr tStatusRow kRows[] = {
      "Try again; restart the machine if the device still does not answer."},
     {QUENRA_STATUS_INTERNAL_ERROR, "QUENRA_STATUS_INTERNAL_ERROR",
      "An internal error of the library or the system.",
-     "Try again; report it to the library's maintainers if it comes back."},
+     "Try again; report it to the library's maintainers if it recurs."},
     {QUENRA_STATUS_ACCESS_DENIED, "QUENRA_STATUS_ACCESS_DENIED",
      "Access to the device was denied.",
      "Run the program as a user who may use the device, such as an administrator."},
@@ -79,8 +79,8 @@ constexpr tStatusRow kRows[] = {
      "The end of the data was reached.",
      "Check that the data is complete."},
     {QUENRA_STATUS_ALREADY_EXISTS, "QUENRA_STATUS_ALREADY_EXISTS",
-     "It exists already.",
-     "Use what exists, or remove it first."},
+     "The object already exists.",
+     "Use the existing object, or remove it first."},
     {QUENRA_STATUS_PATH_TOO_LONG, "QUENRA_STATUS_PATH_TOO_LONG",
      "A device interface path or a system buffer exceeds the space of the library.",
      "Reinstall the controller's driver, so that its device gets a shorter path."},
@@ -124,16 +124,16 @@ constexpr tStatusRow kRows[] = {
      "Call again with a larger buffer; 129 bytes hold every string."},
     {QUENRA_STATUS_SMBIOS_NOT_FOUND, "QUENRA_STATUS_SMBIOS_NOT_FOUND",
      "The SMBIOS table has no such structure or instance, or the field lies beyond the structure's length.",
-     "The machine's firmware does not give this value; a firmware update may add it."},
+     "The machine's firmware does not provide this value; a firmware update may add it."},
     {QUENRA_STATUS_SMBIOS_MALFORMED, "QUENRA_STATUS_SMBIOS_MALFORMED",
      "The SMBIOS table is malformed: a structure or string runs outside it, or a string has more than 128 characters.",
-     "Update the machine's firmware, which makes the table."},
+     "Update the machine's firmware, which provides the table."},
     {QUENRA_STATUS_SMBIOS_NO_TABLE, "QUENRA_STATUS_SMBIOS_NO_TABLE",
-     "The system's firmware-table service gave no SMBIOS table, or one of an unexpected size.",
-     "Restart the machine; update its firmware if the table stays away."},
+     "The system's firmware-table service returned no SMBIOS table, or one of an unexpected size.",
+     "Restart the machine; update its firmware if the table is still missing."},
     {QUENRA_STATUS_SMBIOS_NO_STRING, "QUENRA_STATUS_SMBIOS_NO_STRING",
      "The SMBIOS structure has no such string.",
-     "The machine's firmware leaves this text out; nothing needs to be done."},
+     "The machine's firmware has no such text; no action is required."},
 };
 // clang-format on
 
@@ -147,10 +147,9 @@ std::string nameIn(std::string_view text) {
 
 tStatusExplanation foreignStatus(int32_t code) noexcept {
   const std::string_view meaning =
-      code < 0 ? "A failure that the library does not define; it was passed on as the driver "
-                 "reported it."
-               : "A warning that the library does not define; it was passed on as the driver "
-                 "reported it.";
+      code < 0
+          ? "A failure that the library does not define; it is returned as the driver reported it."
+          : "A warning that the library does not define; it is returned as the driver reported it.";
   return {code, "", meaning, "Look the code up in the documentation of the driver."};
 }
 

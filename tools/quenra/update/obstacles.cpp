@@ -26,10 +26,11 @@ struct tProtectionStep {
 constexpr tProtectionStep kProtectionSteps[] = {
     {nUpdateSites::kComNotInitialised, "COM cannot be started"},
     {nUpdateSites::kComSecurityRefused, "the security of COM cannot be set up"},
-    {nUpdateSites::kNoLocator, "the management service is not there"},
+    {nUpdateSites::kNoLocator, "the management service is not available"},
     {nUpdateSites::kNamespaceNotReached,
-     "the management service has no volume encryption, or does not let this user ask"},
-    {nUpdateSites::kQueryFailed, "the management service does not answer the question"},
+     "the management service has no volume encryption, or denies this user access"},
+    {nUpdateSites::kQueryFailed,
+     "the management service does not return the state of the protection"},
 };
 
 constexpr std::string_view kWindowsFolder = "C:\\Windows";
@@ -61,7 +62,7 @@ void addDrive(const tDriveProtection& drive, tObstacles& obstacles) {
     const auto* const step = std::ranges::find(
         kProtectionSteps, drive.line,
         [](const tProtectionStep& candidate) { return candidate.site.location.line; });
-    std::string fact = "whether drive C: is encrypted cannot be found out";
+    std::string fact = "the encryption state of drive C: is unknown";
     if (step != std::end(kProtectionSteps)) {
       fact.append(": ").append(step->fact);
     }
@@ -80,13 +81,13 @@ void addEligibility(const tReading& takesUpdates, tObstacles& obstacles) {
   if (takesUpdates.state() != tReadingState::value) {
     obstacles.push_back(
         obstacleAt(nUpdateSites::kEligibilityUnknown,
-                   "whether the machine takes firmware cannot be read of its SMBIOS table",
-                   "Update the machine's firmware by the means of its maker."));
+                   "the SMBIOS table does not show whether the machine supports firmware updates",
+                   "Update the firmware with the tools of the machine's manufacturer."));
   } else if (std::get<uint32_t>(takesUpdates.value) == 0) {
     obstacles.push_back(obstacleAt(
-        nUpdateSites::kNotEligible, "the machine takes no firmware: firmware-update-support is 0",
-        "Look in the machine's setup for a lock of its firmware; some machines "
-        "have none that could be lifted."));
+        nUpdateSites::kNotEligible,
+        "the machine does not support firmware updates: firmware-update-support is 0",
+        "Check the machine's setup for a lock of its firmware; some machines cannot be unlocked."));
   }
 }
 

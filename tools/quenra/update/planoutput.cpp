@@ -18,7 +18,7 @@ constexpr tActionWords kWords[] = {
     {"send to the controller interface", "sent to the controller interface"},
     {"send to the Marten interface", "sent to the Marten interface"},
     {"write to a file and install as a driver package",
-     "written to a file; package handed to the driver store; its result is not known"},
+     "written to a file; package passed to the driver store, which reports no result"},
     {"write to a file", "written to a file"},
     {"nothing", ""},
     {"leave out", ""},
@@ -84,7 +84,7 @@ std::string_view resultText(const tPlannedSection& planned, tSectionResult resul
     case tSectionResult::notApplied:
       return "not applied";
     case tSectionResult::unknown:
-      return "it is not known whether it was applied";
+      return "unknown whether it was applied";
   }
   return "";
 }

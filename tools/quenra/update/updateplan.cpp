@@ -56,9 +56,9 @@ std::string comparisonOf(const tImageSection& section, tSectionAction action,
   if (action != tSectionAction::leaveOut) {
     return "";
   }
-  return isForBios(section) && !installed
-             ? "its version cannot be compared"
-             : "another section is not newer than what is installed, which counts for all";
+  return isForBios(section) && !installed ? "its version cannot be compared"
+                                          : "another section of the device is not newer, and the "
+                                            "comparison applies to all of them";
 }
 
 std::string reasonFor(const tImageSection& section, tSectionAction action,
@@ -69,8 +69,7 @@ std::string reasonFor(const tImageSection& section, tSectionAction action,
     case tSectionAction::keepBack:
       return "another section is refused";
     case tSectionAction::nothing:
-      return "the library does nothing with sections for " +
-             std::string(section.header.targetDevice);
+      return "the library ignores sections for " + std::string(section.header.targetDevice);
     case tSectionAction::sendToController:
     case tSectionAction::sendToMarten:
     case tSectionAction::installPackage:

@@ -74,12 +74,13 @@ tUpdateResult failureOfFiles(int32_t code, const tPlan& plan, iUpdateFacts& fact
   const std::string folder = facts.temporaryFolder();
   const std::error_code reason = facts.temporaryFolderFailure();
   tUpdateFailure failure;
-  failure.fact = "the files of the image cannot be written below '" + folder + "'";
+  failure.fact = "cannot write the files of the image below '" + folder + "'";
   if (reason) {
     failure.fact += ": " + reasonOf(reason);
   }
-  failure.explanation = {"The update writes files into a new folder of the temporary directory.",
-                         "Make room in the temporary directory, and give this user access to it."};
+  failure.explanation = {
+      "The update writes files into a new folder of the temporary directory.",
+      "Free space in the temporary directory, and grant this user access to it."};
   failure.code = code;
   return {allOf(plan, tSectionResult::notApplied), failure};
 }

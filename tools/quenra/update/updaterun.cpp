@@ -89,7 +89,7 @@ void tProgress::answerInterruption() {
   if (interruption_.hasOccurred() && !interruptionAnswered_) {
     interruptionAnswered_ = true;
     streams_.error << (streams_.outIsTerminal && !isSilent_ ? "\n" : "")
-                   << "quenra: this cannot be stopped half-way; wait until it is over" << std::endl;
+                   << "quenra: the update cannot be interrupted; wait for its end" << std::endl;
   }
 }
 

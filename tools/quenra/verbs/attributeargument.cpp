@@ -77,7 +77,7 @@ void applyInstance(const std::string& text, tAttributeAddress& address) {
         "Instances are numbered from 0; run 'quenra info' to list those of this machine.", {});
   }
   if (address.instance != 0 && address.instance != *instance) {
-    throw tCommandError("the id holds another instance than --instance",
+    throw tCommandError("the id contains another instance than --instance",
                         "Give the instance in one place.", {});
   }
   address.instance = static_cast<uint8_t>(*instance);

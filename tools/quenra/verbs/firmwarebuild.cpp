@@ -30,7 +30,7 @@ constexpr size_t kMaxPayloadSize = size_t{1} << 31;
 std::string parseDevice(const tArguments& arguments) {
   std::string device = arguments.text(nWords::kDevice);
   if (std::ranges::find(kDevices, device) == std::end(kDevices)) {
-    reject("there is no device '" + device + "'", "It is BIOS, MARTEN or SAFEMODE.",
+    reject("there is no device '" + device + "'", "Use BIOS, MARTEN or SAFEMODE.",
            suggest(device, {std::begin(kDevices), std::end(kDevices)}));
   }
   if (arguments.optional(nWords::kFileName) == "") {
@@ -69,7 +69,8 @@ size_t parseLineLength(const tArguments& arguments) {
   const auto given = arguments.optional(nWords::kLineLength);
   const auto length = given ? parseUnsigned(*given) : kDefaultLineLength;
   if (!length) {
-    reject("'" + *given + "' is no line length", "Give a number of characters, or 0 for one line.");
+    reject("'" + *given + "' is not a line length",
+           "Give a number of characters, or 0 for one line.");
   }
   return *length;
 }
@@ -78,7 +79,7 @@ size_t parseLineLength(const tArguments& arguments) {
 void checkFiles(const std::string& payload, const std::string& output,
                 const tArguments& arguments) {
   if (isSameFile(payload, output)) {
-    reject("'" + payload + "' is the payload and the output",
+    reject("'" + payload + "' is both the payload and the output",
            "Give the image a path of its own; --force does not replace the payload.");
   }
   const bool mayExist = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);

@@ -80,7 +80,7 @@ std::string absenceOf(const tAttributeAddress& address) {
     return address.instance == 0 ? "the machine has no Marten interface"
                                  : "the Marten interface has instance 0 only";
   }
-  return "the SMBIOS table lacks a field that decides it";
+  return "the SMBIOS table lacks a field that determines it";
 }
 
 std::string remedyFor(const tAttributeArgument& argument, const tAnswer& answer) {
@@ -104,8 +104,8 @@ tCommandError errorOf(const tAttributeArgument& argument, const tAnswer& answer)
     case tReadingState::notAvailable:
       return {exitCode, argument.label() + " is not available: " + absenceOf(argument.address),
               reading.code,
-              tSiteExplanation{"The interface is not present, or the field that decides the value "
-                               "cannot be read.",
+              tSiteExplanation{"The interface is not present, or the field that determines the "
+                               "value cannot be read.",
                                remedyFor(argument, answer)}};
     case tReadingState::value:
     case tReadingState::failed:

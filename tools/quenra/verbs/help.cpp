@@ -20,8 +20,8 @@ std::string helpFor(const tArguments& arguments, const tGrammar& grammar) {
     return helpText(grammar, arguments.text(kHelpTopic) + (action.empty() ? "" : " " + action));
   }
   if (arguments.has(kHelpTopic)) {
-    throw tCommandError("the manual page is of the whole program",
-                        "Give a verb or --manual, not both.", {});
+    throw tCommandError("the manual page documents all verbs", "Give a verb or --manual, not both.",
+                        {});
   }
   return manualPage(grammar);
 }

@@ -93,10 +93,10 @@ class tReporter {
   }
   void demoted(const tDemotion& demotion) {
     error_ << "quenra: the route was demoted after " << elapsedText(demotion.after) << ": "
-           << reasonText(demotion.reason) << "; it carries no signal any more" << std::endl;
+           << reasonText(demotion.reason) << "; it no longer carries a signal" << std::endl;
   }
   void released(const tHolding& holding) {
-    stream_ << prefix_ << "taken down after " << elapsedText(holding.held) << std::endl;
+    stream_ << prefix_ << "released after " << elapsedText(holding.held) << std::endl;
   }
 
  private:

@@ -110,7 +110,7 @@ tCommandError absenceOf(const tAttributeArgument& argument, int32_t code) {
           code,
           tSiteExplanation{{},
                            isMarten ? "Leave out the Marten interface."
-                                    : "Update the machine's firmware, which makes the table."}};
+                                    : "Update the machine's firmware, which provides the table."}};
 }
 
 void checkWriting(const tAttributeArgument& argument, int32_t code,

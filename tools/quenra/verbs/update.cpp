@@ -273,7 +273,7 @@ tExitCode carryOut(const tUpdateRequest& request, const tVerbContext& context) {
     return reportNothingToDo(answer, context);
   }
   if (!context.json) {
-    streams.out << "updating, which can take minutes: leave the machine on" << std::endl;
+    streams.out << "updating, which can take minutes: do not switch the machine off" << std::endl;
   }
   if (!streams.out.flush()) {
     // Without output the program could not report the result.
