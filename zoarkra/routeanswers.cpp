@@ -6,7 +6,7 @@
 
 #include "zoarkra/failure.h"
 #include "zoarkra/memory.h"
-#include "zoarkra/requestdocuments.h"
+#include "zoarkra/routerequest.h"
 
 namespace zoark {
 namespace {
