@@ -3,7 +3,6 @@
 #include <limits>
 #include <string_view>
 
-#include "source/user/attributes/attributeid.h"
 #include "source/user/attributes/attributes.h"
 #include "source/user/attributes/attributetables.h"
 #include "source/user/attributes/normalisedtext.h"

@@ -2,7 +2,6 @@
 #include <iterator>
 #include <string_view>
 
-#include "source/user/attributes/attributeid.h"
 #include "source/user/attributes/attributes.h"
 #include "source/user/attributes/attributetables.h"
 #include "source/user/machine/drivercalls.h"

@@ -1,7 +1,6 @@
 #include <cstring>
 
 #include "quenra.h"
-#include "source/user/attributes/attributeid.h"
 #include "source/user/attributes/attributes.h"
 #include "source/user/machine/drivercalls.h"
 #include "source/user/machine/smbiosfields.h"

@@ -7,7 +7,7 @@
 #include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
 #include "protocol/interfaces.h"
 #include "source/user/attributes/attributes.h"
-#include "source/user/machine/tmemorymodules.h"
+#include "source/user/machine/smbiosfields.h"
 #include "zoapal/protons/driver/windowsu/tdeviceinterfaceproxy.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 #include "zosmbios/czosmbiosprovider.h"

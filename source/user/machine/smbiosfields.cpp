@@ -1,8 +1,6 @@
-#include "source/user/machine/tmemorymodules.h"
+#include "source/user/machine/smbiosfields.h"
 
 #include <new>
-
-#include "source/user/machine/smbiosfields.h"
 
 namespace nQUENRA1400 {
 namespace {
