@@ -4,7 +4,6 @@
 #include <string>
 
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/quenra-sim/verbs/arguments.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 #include "tools/quenra/text/utf8text.h"
 

@@ -10,7 +10,6 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/quenra-sim/installation/windowscalls.h"
 
 namespace nSimulator {
 namespace {

@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 
-#include "simulator/quenra-sim/installation/windowscalls.h"
 
 namespace nSimulator {
 namespace {

@@ -9,7 +9,6 @@
 #include "protocol/controllerrequests.h"
 #include "protocol/pendingrequests.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/quenra-sim/verbs/arguments.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 
 namespace nSimulator {

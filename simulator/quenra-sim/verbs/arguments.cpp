@@ -1,4 +1,4 @@
-#include "simulator/quenra-sim/verbs/arguments.h"
+#include "simulator/quenra-sim/verbs/verbs.h"
 
 #include <algorithm>
 #include <cerrno>

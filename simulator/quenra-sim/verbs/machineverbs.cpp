@@ -6,7 +6,6 @@
 #include "simulator/control/tsimulatedmachine.h"
 #include "simulator/quenra-sim/installation/installation.h"
 #include "simulator/quenra-sim/installation/steps.h"
-#include "simulator/quenra-sim/verbs/output.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 #include "simulator/scenario/servicescenarios.h"
 

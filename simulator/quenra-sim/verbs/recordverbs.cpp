@@ -8,7 +8,6 @@
 
 #include "simulator/control/requestlogtext.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/quenra-sim/verbs/output.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 
 namespace nSimulator {

@@ -7,7 +7,6 @@
 
 #include "simulator/control/tableedit.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/quenra-sim/verbs/arguments.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 
 namespace nSimulator {

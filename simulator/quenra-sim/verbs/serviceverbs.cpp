@@ -8,8 +8,6 @@
 #include <vector>
 
 #include "simulator/quenra-sim/installation/installation.h"
-#include "simulator/quenra-sim/verbs/arguments.h"
-#include "simulator/quenra-sim/verbs/output.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 #include "simulator/scenario/servicescenarios.h"
 #include "tools/quenra/text/utf8text.h"
