@@ -3,15 +3,20 @@
 #include <rapidjson/document.h>
 
 #include <algorithm>
+#include <cctype>
+#include <cstdint>
 #include <iterator>
 #include <memory>
 
 #include "source/user/failuresites.h"
+#include "source/user/firmware/decoding/plainsteps.h"
 #include "source/user/firmware/decoding/selection.h"
 #include "source/user/firmware/imageformat.h"
 #include "source/user/firmware/tfirmwareimageparser.h"
 #include "source/user/firmware/timagetext.h"
+#include "source/user/update/updateplan.h"
 #include "tools/quenra/tables/statustable.h"
+#include "tools/quenra/text/numbertext.h"
 
 namespace nCommandLine {
 namespace {
@@ -186,6 +191,83 @@ std::string_view reasonOfNoSection(std::string_view bytes) {
                           : "the file has no 'HeaderVersion::'";
 }
 
+constexpr std::string_view kDevices[] = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$", "CLOCK$"};
+constexpr std::string_view kNumberedDevices[] = {"COM", "LPT"};
+// Windows also accepts the superscript digits 1 to 3: here in the system code page and in UTF-8.
+constexpr std::string_view kDeviceNumbers[] = {
+    "0", "1", "2",    "3",    "4",    "5",        "6",        "7",
+    "8", "9", "\xB9", "\xB2", "\xB3", "\xC2\xB9", "\xC2\xB2", "\xC2\xB3"};
+
+bool isControl(char character) noexcept {
+  const auto byte = static_cast<unsigned char>(character);
+  return byte < 0x20 || byte == 0x7F;
+}
+
+// The part that Windows compares with device names: "nul.txt" and "NUL .x" also open the device.
+std::string stemOf(std::string_view name) {
+  std::string stem(name.substr(0, name.find('.')));
+  stem.erase(stem.find_last_not_of(' ') + 1);
+  std::ranges::transform(stem, stem.begin(),
+                         [](unsigned char character) { return std::toupper(character); });
+  return stem;
+}
+
+bool isDeviceName(std::string_view name) {
+  const std::string stem = stemOf(name);
+  const bool isNumbered =
+      std::ranges::count(kNumberedDevices, stem.substr(0, 3)) != 0 &&
+      std::ranges::count(kDeviceNumbers,
+                         std::string_view(stem).substr(std::min<size_t>(3, stem.size()))) != 0;
+  return isNumbered || std::ranges::count(kDevices, stem) != 0;
+}
+
+bool isDigit(char character) noexcept {
+  return character >= '0' && character <= '9';
+}
+
+namespace nImageFormat = nQUENRA1400::nImageFormat;
+using nImageFormat::kLineEnd;
+
+constexpr size_t kGroupBytes = 3;
+constexpr size_t kGroupCharacters = 4;
+
+void appendGroup(std::string& text, std::string_view group) {
+  uint32_t bits = 0;
+  for (size_t i = 0; i < kGroupBytes; ++i) {
+    bits = bits << 8 | (i < group.size() ? static_cast<uint8_t>(group[i]) : 0U);
+  }
+  for (size_t i = 0; i < kGroupCharacters; ++i) {
+    const uint32_t sextet = bits >> (18 - 6 * i) & 0x3F;
+    text += i <= group.size() ? nQUENRA1400::nFirmwareDecoding::kBase64Alphabet[sextet] : '=';
+  }
+}
+
+std::string base64(std::string_view bytes) {
+  std::string text;
+  text.reserve((bytes.size() / kGroupBytes + 1) * kGroupCharacters);
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(kGroupBytes, bytes.size()))) {
+    appendGroup(text, bytes.substr(0, kGroupBytes));
+  }
+  return text;
+}
+
+std::string wrapped(std::string_view text, size_t lineLength) {
+  const size_t length = lineLength == 0 ? std::max<size_t>(text.size(), 1) : lineLength;
+  std::string lines;
+  lines.reserve(text.size() + (text.size() / length + 1) * kLineEnd.size());
+  for (; !text.empty(); text.remove_prefix(std::min(length, text.size()))) {
+    lines.append(text.substr(0, length)).append(kLineEnd);
+  }
+  return lines;
+}
+
+// The CRC of the decoded payload, computed by the library's own decoder.
+uint32_t crcOf(std::string_view encoded) {
+  const auto data = std::make_unique_for_overwrite<uint8_t[]>(encoded.size() + 1);
+  const auto* const text = reinterpret_cast<const uint8_t*>(encoded.data());
+  return nQUENRA1400::nFirmwareDecoding::bestKernels().decode(text, encoded.size(), data.get()).crc;
+}
+
 }  // namespace
 
 uint32_t lineOf(const zoerr::Status& status) {
@@ -233,6 +315,81 @@ tCommandError notAnImage(const std::string& path, const tFirmwareImage& image) {
           "'" + path + "' is not a firmware image: " + std::string(image.emptyReason), std::nullopt,
           image.emptyReason == kUtf16 ? "Save the image as ASCII, with line ends of CR LF."
                                       : "Check the name of the file, or fetch the image again."};
+}
+
+std::optional<std::string> faultOfFileName(std::string_view name) {
+  if (name.find_first_of("/\\") != std::string_view::npos) {
+    return "it has a path separator";
+  }
+  if (name.find(':') != std::string_view::npos) {
+    return "it has a colon";
+  }
+  if (name == "." || name == "..") {
+    return "it names a folder";
+  }
+  if (std::ranges::any_of(name, isControl)) {
+    return "it has a control character";
+  }
+  if (name.find_first_of("<>\"|?*") != std::string_view::npos) {
+    return "it has a character that Windows does not allow";
+  }
+  if (name.ends_with('.') || name.ends_with(' ')) {
+    return "it ends in a dot or a blank, which Windows removes";
+  }
+  if (isDeviceName(name)) {
+    return "it names a device of Windows";
+  }
+  if (name.find(nQUENRA1400::nImageFormat::kDriverPackage) != std::string_view::npos &&
+      name.find(' ') != std::string_view::npos) {
+    return "it has a blank, which splits the command line of the driver-store tool";
+  }
+  return std::nullopt;
+}
+
+bool isFirmwareVersion(std::string_view text) noexcept {
+  // The library ignores characters after the build number.
+  const size_t phase = text.find_first_of("dabf");
+  return nQUENRA1400::packedVersion(text) != 0 &&
+         std::ranges::all_of(text.substr(phase + 1), isDigit);
+}
+
+std::string notAVersion(std::string_view text) {
+  return "'" + std::string(text) + "' is not a version of the form 1.4.2f7";
+}
+
+std::vector<tSectionRemark> remarksOn(std::string_view version, std::string_view fileName) {
+  std::vector<tSectionRemark> remarks;
+  if (const auto fault = faultOfFileName(fileName)) {
+    remarks.push_back({"the file name '" + std::string(fileName) + "' is not plain: " + *fault,
+                       "Use an image from a source that you trust; --allow-any-path applies it.",
+                       true});
+  }
+  if (!version.empty() && !isFirmwareVersion(version)) {
+    const bool isOldest = nQUENRA1400::packedVersion(version) == 0;
+    remarks.push_back({notAVersion(version) + (isOldest ? " and counts as the oldest" : ""),
+                       "Build the section with a version of the form major.minor.update, a phase "
+                       "letter (d, a, b or f) and a build number."});
+  }
+  return remarks;
+}
+
+std::string sectionText(const tNewSection& section) {
+  const std::string payload = base64(section.payload);
+  std::string text;
+  const auto line = [&text](std::string_view key, std::string_view value) {
+    text.append(key).append(value).append(kLineEnd);
+  };
+  line(nImageFormat::kHeaderVersionKey, std::to_string(nImageFormat::kHeaderVersion));
+  line(nImageFormat::kUpdateTypeKey,
+       section.fileName.empty() ? nImageFormat::kFirmwareUpdate : nImageFormat::kCapsuleUpdate);
+  line(nImageFormat::kVersionKey.substr(1), section.version);
+  line(nImageFormat::kTargetDeviceKey, section.device);
+  if (!section.fileName.empty()) {
+    line(nImageFormat::kTargetFileNameKey, section.fileName);
+  }
+  line(nImageFormat::kCrcKey, hexadecimalText(crcOf(payload), 8));
+  line(nImageFormat::kByteCountKey, std::to_string(section.payload.size()));
+  return text.append(kLineEnd).append(wrapped(payload, section.lineLength));
 }
 
 }  // namespace nCommandLine
