@@ -1,3 +1,4 @@
+// The command line in a test: its output, its files, and doubles of the machine.
 #ifndef TESTS_COMPONENT_COMMANDLINE_COMMANDLINETEST_H
 #define TESTS_COMPONENT_COMMANDLINE_COMMANDLINETEST_H
 
@@ -7,6 +8,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <deque>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,13 +17,71 @@
 #include <thread>
 #include <vector>
 
-#include "tests/component/commandline/scriptedupdateports.h"
+#include "tests/builders/ttemporaryfolder.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/output/waiting.h"
+#include "tools/quenra/update/updateports.h"
 
 namespace nTests {
+
+// A machine that accepts updates, unless a test changes it.
+class tScriptedFacts final : public nCommandLine::iUpdateFacts {
+ public:
+  [[nodiscard]] nCommandLine::tDriveProtection driveProtection() noexcept override {
+    return protection;
+  }
+  [[nodiscard]] nCommandLine::tDriverStoreTool driverStoreTool() override { return tool; }
+  [[nodiscard]] std::string temporaryFolder() override { return temporary; }
+  [[nodiscard]] std::error_code temporaryFolderFailure() override { return temporaryFailure; }
+
+  nCommandLine::tDriveProtection protection;
+  nCommandLine::tDriverStoreTool tool;
+  std::string temporary = "C:\\Temp";
+  std::error_code temporaryFailure;
+};
+
+// A lock that no other update holds, unless a test scripts its states.
+class tScriptedLock final : public nCommandLine::iUpdateLock {
+ public:
+  [[nodiscard]] nCommandLine::tLockState acquire(
+      std::chrono::milliseconds /*timeout*/) noexcept override {
+    using nCommandLine::tLockState;
+    tLockState state = tLockState::acquired;
+    if (!states.empty()) {
+      state = states.front();
+      states.pop_front();
+    }
+    held += state == tLockState::acquired || state == tLockState::abandoned ? 1 : 0;
+    return state;
+  }
+  [[nodiscard]] std::error_code failure() const noexcept override {
+    return std::make_error_code(std::errc::permission_denied);
+  }
+  void release() noexcept override { --held; }
+
+  std::deque<nCommandLine::tLockState> states;  // results of the next calls; acquired after them
+  int held = 0;
+};
+
+// The files of a test, in a temporary folder of their own.
+class tTestFiles {
+ public:
+  // The path of a file in the folder, as a user types it.
+  [[nodiscard]] std::string path(std::string_view name) const;
+  // The same; also writes the file.
+  std::string file(std::string_view name, std::string_view content) const;
+  // The content of a file; "(none)" if it does not exist.
+  [[nodiscard]] std::string content(std::string_view name) const;
+  // The number of files.
+  [[nodiscard]] size_t files() const;
+
+ private:
+  [[nodiscard]] std::filesystem::path pathOf(std::string_view name) const;
+
+  tTemporaryFolder folder_;
+};
 
 // A user who presses Ctrl-C immediately or never.
 class tScriptedInterruption final : public nCommandLine::iInterruption {

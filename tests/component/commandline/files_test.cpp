@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <functional>
 
-#include "tests/component/commandline/testfiles.h"
+#include "tests/component/commandline/commandlinetest.h"
 #include "tools/quenra/output/diagnostics.h"
 
 #ifndef _WIN32

@@ -1,6 +1,5 @@
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tests/component/commandline/testfiles.h"
 
 namespace nTests {
 namespace {

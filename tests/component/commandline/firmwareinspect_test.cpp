@@ -3,7 +3,6 @@
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/builders/repositoryfile.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tests/component/commandline/testfiles.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 
 namespace nTests {

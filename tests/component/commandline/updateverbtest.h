@@ -12,7 +12,6 @@
 #include "quenra_status.h"
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/component/commandline/commandlinetest.h"
-#include "tests/component/commandline/testfiles.h"
 
 namespace nTests {
 

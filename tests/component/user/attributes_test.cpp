@@ -5,7 +5,6 @@
 
 #include "quenra_attributes.h"
 #include "quenra_status.h"
-#include "source/user/attributes/attributeid.h"
 #include "source/user/attributes/attributes.h"
 #include "source/user/attributes/attributetables.h"
 #include "tests/component/user/readingtest.h"
