@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <memory_resource>
 #include <new>
@@ -15,7 +16,27 @@ namespace zoark {
 
 // The C heap, which serves all memory of the library. Throws std::bad_alloc, also for more than the
 // fundamental alignment.
-[[nodiscard]] std::pmr::memory_resource* heapResource() noexcept;
+class tHeapResource final : public std::pmr::memory_resource {
+  void* do_allocate(size_t bytes, size_t alignment) override {
+    nZOAPALS100::tStatus status;
+    void* const memory = alignment > alignof(std::max_align_t)
+                             ? nullptr
+                             : nQUENRA1400::nZOAPAL000::allocateOrReport(bytes, status);
+    if (memory == nullptr) {
+      throw std::bad_alloc();
+    }
+    return memory;
+  }
+  void do_deallocate(void* memory, size_t, size_t) override { std::free(memory); }
+  [[nodiscard]] bool do_is_equal(const memory_resource& other) const noexcept override {
+    return this == &other;
+  }
+};
+
+[[nodiscard]] inline std::pmr::memory_resource* heapResource() noexcept {
+  static tHeapResource resource;
+  return &resource;
+}
 
 // The memory of one operation: bytes of its own first, then the heap. It frees nothing before its own
 // end.
