@@ -2,7 +2,7 @@
 #include <stddef.h>
 
 #include "simulator/model/bytes.h"
-#include "simulator/model/defaultmachine.h"
+#include "simulator/model/model.h"
 #include "simulator/model/requests.h"
 
 enum {

@@ -1,4 +1,4 @@
-#include "simulator/model/defaultmachine.h"
+#include "simulator/model/model.h"
 
 #include <stddef.h>
 

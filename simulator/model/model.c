@@ -1,7 +1,6 @@
 #include "simulator/model/model.h"
 
 #include "simulator/model/bytes.h"
-#include "simulator/model/defaultmachine.h"
 #include "simulator/model/requests.h"
 
 static bool isLogged(const tModelFile* file) {

@@ -51,6 +51,15 @@ void modelPended(tModel* model, uint64_t token);
 bool modelCancel(tModel* model, uint64_t token);
 tModelReply modelRequest(tModel* model, const tModelRequest* request);
 
+/* ---- The default machine: every attribute of the library has a value on it (defaultmachine.c) ---- */
+
+/* One controller, one Marten device, one device path. */
+extern const tSimulatorPresence kDefaultPresence;
+
+/* Restores the default machine, without scripts, pending requests, notifications and routes, and
+ * with an empty log. Does not change the presence of the interfaces. */
+void resetMachine(tModel* model);
+
 #ifdef __cplusplus
 }
 #endif

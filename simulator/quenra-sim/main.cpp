@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "simulator/quenra-sim/program.h"
+#include "simulator/quenra-sim/verbs/verbs.h"
 #include "simulator/scenario/wine.h"
 
 int main(int argumentCount, char** arguments) {

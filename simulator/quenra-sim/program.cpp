@@ -1,10 +1,9 @@
-#include "simulator/quenra-sim/program.h"
+#include "simulator/quenra-sim/verbs/verbs.h"
 
 #include <iostream>
 #include <string>
 
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/quenra-sim/verbs/verbs.h"
 #include "tools/quenra/text/utf8text.h"
 
 namespace nSimulator {

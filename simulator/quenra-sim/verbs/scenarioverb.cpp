@@ -5,7 +5,6 @@
 #include <optional>
 #include <system_error>
 
-#include "simulator/control/tableedit.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 

@@ -1,9 +1,9 @@
 #ifndef SIMULATOR_QUENRA_SIM_VERBS_VERBS_H
 #define SIMULATOR_QUENRA_SIM_VERBS_VERBS_H
 
+#include <CLI/CLI.hpp>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
-#include <CLI/CLI.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +16,10 @@
 #include "tools/quenra/text/utf8text.h"
 
 namespace nSimulator {
+
+// Runs quenra-sim with the arguments of `main` and returns its exit code. Unless `isWine`, every
+// verb fails.
+[[nodiscard]] int runProgram(int argumentCount, char** arguments, bool isWine);
 
 // The exit codes, documented in docs/simulator.md.
 enum tExitCode : int {
