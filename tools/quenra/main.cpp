@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "tools/quenra/commandline.h"
-#include "tools/quenra/output/waiting.h"
+#include "tools/quenra/output/streams.h"
 #include "tools/quenra/quenradll.h"
 #include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/update/updateonwindows.h"

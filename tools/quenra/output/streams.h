@@ -3,6 +3,7 @@
 #define TOOLS_QUENRA_OUTPUT_STREAMS_H
 
 #include <array>
+#include <chrono>
 #include <functional>
 #include <ostream>
 #include <streambuf>
@@ -55,6 +56,38 @@ struct tStreams {
 
 // True if the reader of a pipe has closed its end.
 [[nodiscard]] bool isClosedPipe(const std::error_code& error) noexcept;
+
+// A request to end the program: Ctrl-C, or a closed console.
+class iInterruption {
+ public:
+  iInterruption() = default;
+  iInterruption(const iInterruption&) = delete;
+  iInterruption& operator=(const iInterruption&) = delete;
+  virtual ~iInterruption() = default;
+
+  // From this call on, an interruption no longer ends the program; the program polls hasOccurred.
+  virtual void intercept() noexcept = 0;
+  [[nodiscard]] virtual bool hasOccurred() noexcept = 0;
+};
+
+// Measures from its creation.
+class tStopwatch {
+ public:
+  [[nodiscard]] std::chrono::milliseconds elapsed() const noexcept {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(tClock::now() - start_);
+  }
+
+ private:
+  using tClock = std::chrono::steady_clock;
+
+  tClock::time_point start_ = tClock::now();
+};
+
+// "0.4 s", "125.0 s"
+[[nodiscard]] inline std::string elapsedText(std::chrono::milliseconds elapsed) {
+  const auto tenths = elapsed / std::chrono::milliseconds(100);
+  return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " s";
+}
 
 }  // namespace nCommandLine
 

@@ -6,7 +6,6 @@
 
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/output/waiting.h"
 
 namespace nCommandLine {
 namespace {

@@ -8,7 +8,6 @@
 #include <ostream>
 
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/output/waiting.h"
 #include "tools/quenra/update/updateports.h"
 
 namespace nCommandLine {

@@ -1,7 +1,7 @@
 #include <vector>
 
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/reading/readingoutput.h"
+#include "tools/quenra/reading/reading.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/verbs/attributeargument.h"
 #include "tools/quenra/verbs/verbs.h"

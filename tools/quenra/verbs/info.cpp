@@ -5,7 +5,7 @@
 
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/table.h"
-#include "tools/quenra/reading/readingoutput.h"
+#include "tools/quenra/reading/reading.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"

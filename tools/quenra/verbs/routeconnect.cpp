@@ -2,7 +2,7 @@
 #include <limits>
 
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/waiting.h"
+#include "tools/quenra/output/streams.h"
 #include "tools/quenra/text/numbertext.h"
 #include "tools/quenra/verbs/routes.h"
 #include "tools/quenra/verbs/verbs.h"

@@ -1,7 +1,7 @@
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/sectionoutput.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/output/waiting.h"
+#include "tools/quenra/output/streams.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/update/planoutput.h"

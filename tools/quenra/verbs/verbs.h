@@ -8,7 +8,6 @@
 #include "tools/quenra/grammar/grammar.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/output/waiting.h"
 #include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/routing/irouting.h"
 #include "tools/quenra/update/updateports.h"
