@@ -1,18 +1,31 @@
-// The rules of Windows that the library relies on, as the fake implements them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <windows.h>
-// setupapi.h needs windows.h first.
-#include <setupapi.h>
 
+#include <objbase.h>
+#include <setupapi.h>
+#include <wbemcli.h>
+#include <array>
 #include <bit>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
 #include <thread>
 
 #include "protocol/controllerrequests.h"
+#include "simulator/managementservice/managementobjects.h"
+#include "tests/builders/ttemporaryfolder.h"
+#include "tests/fakewindows/disk.h"
 #include "tests/fakewindows/fakewindowstest.h"
+#include "zoapal/protons/handles/windowsu/tuniquehandle.h"
+#include "zoapal/protons/text/windowsu/codepage.h"
 
 namespace nTests {
 namespace {
 
+// The rules of Windows that the library relies on, as the fake implements them.
+// setupapi.h needs windows.h first.
 using nFakeWindows::faultPlan;
 using nFakeWindows::machine;
 using nFakeWindows::tCall;
@@ -267,6 +280,200 @@ TEST_F(FakeWindowsDeathTest, CompletionThatWouldGoToAPort_Stops) {
                "an event without its lowest bit set");
   CloseHandle(file);
   CloseHandle(event);
+}
+
+// The rules of COM that the library relies on, as the fake implements them.
+// Both need windows.h first.
+using nFakeWindows::com;
+using nSimulator::kManagementLocatorClass;
+
+constexpr IID kUnknown = {0, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+constexpr IID kLocator = {
+    0xDC12A687, 0x737F, 0x11CF, {0x88, 0x4D, 0x00, 0xAA, 0x00, 0x4B, 0x2E, 0x24}};
+
+class FakeCom : public nFakeWindows::FakeWindowsTest {
+ protected:
+  static HRESULT create(const IID& interfaceId, void** object) {
+    return CoCreateInstance(kManagementLocatorClass, nullptr, CLSCTX_INPROC_SERVER, interfaceId,
+                            object);
+  }
+};
+using FakeComDeathTest = FakeCom;
+
+TEST_F(FakeCom, Thread_KeepsItsModelUntilItsLastUseEnds) {
+  EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+  EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_FALSE);
+  EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE);
+  CoUninitialize();
+  EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), RPC_E_CHANGED_MODE);
+  CoUninitialize();
+  EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+  CoUninitialize();
+}
+
+TEST_F(FakeCom, WithoutCom_NothingIsCreated) {
+  void* object = nullptr;
+  EXPECT_EQ(create(kLocator, &object), CO_E_NOTINITIALIZED);
+  EXPECT_EQ(object, nullptr);
+}
+
+TEST_F(FakeCom, Object_LivesAsLongAsItsReferences) {
+  ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+  void* object = nullptr;
+  ASSERT_EQ(create(kLocator, &object), S_OK);
+  auto* const locator = static_cast<IWbemLocator*>(object);
+  void* same = nullptr;
+  EXPECT_EQ(locator->QueryInterface(kUnknown, &same), S_OK);
+  EXPECT_EQ(locator->Release(), 1u);
+  EXPECT_THAT(com()->open(), testing::ElementsAre("IWbemLocator", "thread that uses COM"));
+  EXPECT_EQ(static_cast<IUnknown*>(same)->Release(), 0u);
+  CoUninitialize();
+}
+
+TEST_F(FakeCom, UnsupportedInterface_IsRejected) {
+  ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+  void* object = nullptr;
+  EXPECT_EQ(create(kManagementLocatorClass, &object), E_NOINTERFACE);
+  EXPECT_EQ(object, nullptr);
+  CoUninitialize();
+}
+
+TEST_F(FakeComDeathTest, UnbalancedUse_Stops) {
+  EXPECT_DEATH(CoUninitialize(), "the thread does not use COM");
+  EXPECT_DEATH(
+      {
+        static_cast<void>(CoInitializeEx(nullptr, COINIT_MULTITHREADED));
+        void* object = nullptr;
+        static_cast<void>(create(kLocator, &object));
+        CoUninitialize();
+      },
+      "COM ends while an object is alive");
+}
+
+TEST_F(FakeComDeathTest, InvalidTextOrValue_Stops) {
+  EXPECT_DEATH(
+      {
+        const BSTR text = SysAllocString(L"x");
+        SysFreeString(text);
+        SysFreeString(text);
+      },
+      "SysFreeString");
+  VARIANT value{};
+  EXPECT_DEATH(static_cast<void>(VariantClear(&value)), "VariantClear");
+}
+
+TEST_F(FakeComDeathTest, UnsupportedCall_StopsTheProgram) {
+  void* object = nullptr;
+  EXPECT_DEATH(static_cast<void>(
+                   CoCreateInstance(kUnknown, nullptr, CLSCTX_INPROC_SERVER, kUnknown, &object)),
+               "only the locator");
+  ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+  ASSERT_EQ(create(kLocator, &object), S_OK);
+  auto* const locator = static_cast<IWbemLocator*>(object);
+  IWbemServices* services = nullptr;
+  const BSTR elsewhere = SysAllocString(L"ROOT\\CIMV2");
+  EXPECT_DEATH(static_cast<void>(locator->ConnectServer(elsewhere, nullptr, nullptr, nullptr, 0,
+                                                        nullptr, nullptr, &services)),
+               "another namespace");
+  SysFreeString(elsewhere);
+  locator->Release();
+  CoUninitialize();
+}
+
+// The errors with which the calls on folders and files fail, as Windows documents them.
+namespace fs = std::filesystem;
+using nQUENRA1400::nZOAPAL000::tUniqueFile;
+using nQUENRA1400::nZOAPAL000::wideText;
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+class Disk : public nFakeWindows::FakeWindowsTest {
+ protected:
+  static tUniqueFile open(const fs::path& path, DWORD access,
+                          DWORD flags = FILE_FLAG_BACKUP_SEMANTICS, DWORD sharing = kShareAll) {
+    return tUniqueFile(CreateFileW(wideText(path.u16string().c_str()), access, sharing, nullptr,
+                                   OPEN_EXISTING, flags, nullptr));
+  }
+  static DWORD errorOfOpening(const fs::path& path, DWORD flags = FILE_FLAG_BACKUP_SEMANTICS) {
+    return open(path, GENERIC_READ, flags) ? 0 : GetLastError();
+  }
+  static DWORD errorOfRemoval(const tUniqueFile& entry) {
+    FILE_DISPOSITION_INFO disposition{TRUE};
+    const bool isDone = SetFileInformationByHandle(entry.get(), FileDispositionInfo, &disposition,
+                                                   sizeof disposition) != FALSE;
+    return isDone ? 0 : GetLastError();
+  }
+
+  const tTemporaryFolder folder_;
+};
+
+TEST_F(Disk, MissingEntryAndMissingFolder_AreDistinguished) {
+  EXPECT_EQ(errorOfOpening(folder_.path() / "missing"), DWORD{ERROR_FILE_NOT_FOUND});
+  EXPECT_EQ(errorOfOpening(folder_.path() / "missing" / "file"), DWORD{ERROR_PATH_NOT_FOUND});
+}
+
+TEST_F(Disk, FolderWithoutBackupSemantics_IsDenied) {
+  EXPECT_EQ(errorOfOpening(folder_.path(), FILE_ATTRIBUTE_NORMAL), DWORD{ERROR_ACCESS_DENIED});
+  EXPECT_EQ(errorOfOpening(folder_.path()), 0u);
+}
+
+TEST_F(Disk, Sharing_IsRequiredOfBothHandles) {
+  const fs::path file = folder_.path() / "file";
+  std::ofstream(file) << "content";
+  const tUniqueFile reader = open(file, GENERIC_READ, FILE_ATTRIBUTE_NORMAL, FILE_SHARE_READ);
+  ASSERT_TRUE(reader);
+  EXPECT_FALSE(open(file, GENERIC_WRITE));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
+  EXPECT_FALSE(open(file, GENERIC_READ, FILE_ATTRIBUTE_NORMAL, FILE_SHARE_WRITE));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
+  EXPECT_TRUE(open(file, FILE_READ_ATTRIBUTES, FILE_ATTRIBUTE_NORMAL, 0)) << "shares no access";
+}
+
+TEST_F(Disk, Removal_NeedsItsAccessAnEmptyFolderAndAWritableEntry) {
+  const fs::path nested = folder_.path() / "nested";
+  const fs::path file = nested / "file";
+  fs::create_directory(nested);
+  std::ofstream(file) << "content";
+  EXPECT_EQ(errorOfRemoval(open(file, GENERIC_READ)), DWORD{ERROR_ACCESS_DENIED});
+  EXPECT_EQ(errorOfRemoval(open(nested, DELETE)), DWORD{ERROR_DIR_NOT_EMPTY});
+  fs::permissions(file, fs::perms::owner_read);
+  EXPECT_EQ(errorOfRemoval(open(file, DELETE)), DWORD{ERROR_ACCESS_DENIED});
+  fs::permissions(file, fs::perms::owner_write, fs::perm_options::add);
+  EXPECT_EQ(errorOfRemoval(open(file, DELETE)), 0u);
+  EXPECT_EQ(errorOfRemoval(open(nested, DELETE)), 0u);
+  EXPECT_FALSE(fs::exists(nested));
+}
+
+TEST_F(Disk, Listing_EndsWithNoMoreFiles) {
+  for (const char* name : {"a", "b", "c"}) {
+    std::ofstream(folder_.path() / name) << "content";
+  }
+  const tUniqueFile folder = open(folder_.path(), FILE_LIST_DIRECTORY);
+  alignas(8) std::array<uint8_t, 1024> block{};
+  unsigned blocks = 0;
+  while (GetFileInformationByHandleEx(folder.get(), FileIdBothDirectoryInfo, block.data(),
+                                      static_cast<DWORD>(block.size()))) {
+    ++blocks;
+  }
+  EXPECT_EQ(blocks, 3u) << "five entries, two in a block";
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
+}
+
+TEST_F(Disk, NameThatExceedsItsBuffer_ReportsTheSizeWithItsNul) {
+  const tUniqueFile folder = open(folder_.path(), FILE_READ_ATTRIBUTES);
+  constexpr DWORD kName = FILE_NAME_OPENED | VOLUME_NAME_NT;
+  std::u16string name(1, u'\0');
+  const DWORD needed = GetFinalPathNameByHandleW(folder.get(), wideText(name.data()), 1, kName);
+  name.resize(needed);
+  EXPECT_EQ(GetFinalPathNameByHandleW(folder.get(), wideText(name.data()), needed, kName),
+            needed - 1);
+  EXPECT_TRUE(name.starts_with(u"\\Device\\"));
+}
+
+TEST_F(Disk, ProtectionThroughAHandle_NeedsItsAccess) {
+  const tUniqueFile folder = open(folder_.path(), FILE_LIST_DIRECTORY);
+  EXPECT_FALSE(SetKernelObjectSecurity(folder.get(), DACL_SECURITY_INFORMATION, nullptr));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
 }
 
 }  // namespace
