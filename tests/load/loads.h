@@ -2,8 +2,17 @@
 #ifndef TESTS_LOAD_LOADS_H
 #define TESTS_LOAD_LOADS_H
 
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
 #include <cstdint>
 #include <string>
+#include <system_error>
+
+#include "tests/load/loadthread.h"
+#include "tests/load/routeclient.h"
 
 namespace nTests {
 
@@ -43,6 +52,58 @@ struct tSoakPlan {
 // driver, then without, when every contract must hold. Measures memory and handles between the
 // rounds, while no thread runs. Returns a tLoadOutcome.
 [[nodiscard]] int runSoak(const tSoakPlan& plan);
+
+inline constexpr size_t kWorkers = 2;
+inline constexpr size_t kThreadsPerWorker = 8;
+
+struct tThreadLoad {
+  tProgress progress;
+  tRouteTally tally;
+};
+
+// State shared by the processes of a load. It survives the processes that are killed.
+struct tLoad {
+  std::atomic<uint32_t> isEndRequested;
+  std::atomic<uint32_t> hasFailed;
+  std::array<char, 1024> failure;  // the first failure
+  std::array<std::array<tThreadLoad, kThreadsPerWorker>, kWorkers> workers;
+};
+
+// Records the first failure; later ones are its consequences. Requests the end of the load.
+inline void recordFailure(tLoad& load, const std::string& text) noexcept {
+  if (load.hasFailed.exchange(1) == 0) {
+    const size_t size = std::min(text.size(), load.failure.size() - 1);
+    std::copy_n(text.begin(), size, load.failure.begin());
+  }
+  load.isEndRequested = 1;
+}
+
+// Named shared memory that contains a load.
+class tSharedLoad {
+ public:
+  // Creates the memory or opens it. It exists until its last user closes it.
+  explicit tSharedLoad(const std::string& name)
+      : mapping_(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(tLoad),
+                                    name.c_str())),
+        load_(static_cast<tLoad*>(MapViewOfFile(mapping_, FILE_MAP_ALL_ACCESS, 0, 0, 0))) {
+    if (load_ == nullptr) {
+      throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                              "memory shared as " + name);
+    }
+  }
+  tSharedLoad(const tSharedLoad&) = delete;
+  tSharedLoad& operator=(const tSharedLoad&) = delete;
+  ~tSharedLoad() {
+    UnmapViewOfFile(load_);
+    CloseHandle(mapping_);
+  }
+
+  [[nodiscard]] tLoad& load() const noexcept { return *load_; }
+
+ private:
+  HANDLE mapping_;
+  tLoad* load_;
+};
 
 }  // namespace nTests
 
