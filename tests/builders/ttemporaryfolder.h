@@ -3,6 +3,9 @@
 #define TESTS_BUILDERS_TTEMPORARYFOLDER_H
 
 #include <filesystem>
+#include <random>
+#include <string>
+#include <system_error>
 
 namespace nTests {
 
@@ -10,14 +13,25 @@ namespace nTests {
 // parallel, also those of one program. The path contains a space.
 class tTemporaryFolder {
  public:
-  tTemporaryFolder();
-  ~tTemporaryFolder();
+  tTemporaryFolder() {
+    std::random_device chance;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("quenra test " + std::to_string(chance()));
+    } while (!std::filesystem::create_directories(path_));
+  }
+  ~tTemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
   tTemporaryFolder(const tTemporaryFolder&) = delete;
   tTemporaryFolder& operator=(const tTemporaryFolder&) = delete;
 
   [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
   // Removes the contents.
-  void empty() const;
+  void empty() const {
+    std::filesystem::remove_all(path_);
+    std::filesystem::create_directories(path_);
+  }
 
  private:
   std::filesystem::path path_;

@@ -21,7 +21,6 @@
 #include "tests/component/commandline/tscriptedlibrary.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/output/waiting.h"
 #include "tools/quenra/update/updateports.h"
 
 namespace nTests {

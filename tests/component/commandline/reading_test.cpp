@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/component/commandline/tscriptedlibrary.h"
-#include "tools/quenra/reading/readingoutput.h"
+#include "tools/quenra/reading/reading.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/attributetable.h"
 

@@ -7,7 +7,7 @@
 #include "protocol/controllerrequests.h"
 #include "protocol/pendingrequests.h"
 #include "simulator/control/requestlogtext.h"
-#include "simulator/control/tableedit.h"
+#include "simulator/control/tsimulatedmachine.h"
 
 namespace nTests {
 namespace {

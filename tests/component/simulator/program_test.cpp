@@ -1,4 +1,4 @@
-#include "simulator/quenra-sim/program.h"
+#include "simulator/quenra-sim/verbs/verbs.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
