@@ -109,7 +109,7 @@ class Update(CommandLineTest):
         self.add("BIOS", b"bios", version="9.0.0f0")
         self.add("BIOS", b"package", version="2.1.0f3", file_name="a.inf")
         run = self.quenra("update", "--only-newer", self.image)
-        self.assertIn("another section is not newer than what is installed", run.out)
+        self.assertIn("another section of the device is not newer", run.out)
         self.assertEqual((self.received(), len(self.packages())), ([], 1))
 
     def test_only_newer_with_an_older_image_changes_nothing(self):

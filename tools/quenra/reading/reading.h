@@ -1,4 +1,5 @@
-// Readings as text and as JSON. `row` is null for an attribute that is not in the table.
+// Readings of attributes, and their forms as text and as JSON. `row` is null for an attribute that is not in
+// the table.
 #ifndef TOOLS_QUENRA_READING_READING_H
 #define TOOLS_QUENRA_READING_READING_H
 
