@@ -1,9 +1,9 @@
 #ifndef SIMULATOR_QUENRA_SIM_VERBS_VERBS_H
 #define SIMULATOR_QUENRA_SIM_VERBS_VERBS_H
 
-#include <CLI/CLI.hpp>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
+#include <CLI/CLI.hpp>
 
 #include <cstddef>
 #include <cstdint>
