@@ -194,16 +194,9 @@ TEST(SimulatorLimits, Document_ListsTheCapacities) {
   EXPECT_EQ(documented, capacities);
 }
 
-// The counters of objects begun and ended, for every way in which an object can end.
-constexpr auto kRouting = kSimulatorInterfaceDevicePath;
-constexpr uint64_t kSeeds = 0x1000;
-constexpr uint64_t kDestinations = 0x2000;
-constexpr uint64_t kModifiers = 0x3000;
-constexpr uint64_t kRoutes = 0x4000;
-constexpr uint32_t kConnector = 2;
-constexpr uint32_t kTrig0 = 4;
 constexpr uint32_t kNoTerminal = 99;
 
+// The counters of created and released objects, for each way in which an object is released.
 class ModelCounters : public ModelTest {
  protected:
   tSimulatorCounters counters() {

@@ -16,6 +16,15 @@
 
 namespace nTests {
 
+// Route requests: their interface, addresses of their lists in the caller's memory, and terminals.
+inline constexpr auto kRouting = kSimulatorInterfaceDevicePath;
+inline constexpr uint64_t kSeeds = 0x1000;
+inline constexpr uint64_t kDestinations = 0x2000;
+inline constexpr uint64_t kModifiers = 0x3000;
+inline constexpr uint64_t kRoutes = 0x4000;
+inline constexpr uint32_t kConnector = 2;
+inline constexpr uint32_t kTrig0 = 4;
+
 inline constexpr uint64_t kProcess = 77;
 
 struct tCompletion {

@@ -11,15 +11,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr auto kRouting = kSimulatorInterfaceDevicePath;
-constexpr uint64_t kSeeds = 0x1000;
-constexpr uint64_t kDestinations = 0x2000;
-constexpr uint64_t kModifiers = 0x3000;
-constexpr uint64_t kRoutes = 0x4000;
 constexpr uint64_t kList = 0x8000;
-constexpr uint32_t kConnector = 2;
 constexpr uint32_t kWatchdog = 3;
-constexpr uint32_t kTrig0 = 4;
 constexpr uint32_t kTrig1 = 5;
 
 class ModelRouter : public ModelTest {
