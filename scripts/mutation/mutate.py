@@ -155,7 +155,7 @@ def prepare(unit):
     return allowed
 
 
-def work_list(unit, arguments, known, results, state):
+def work_list(unit, arguments, known, results):
     wanted = [name for name in sources_of(unit) if not arguments.files or name in arguments.files]
     found = [mutant for name in wanted
              for mutant in mutations.mutants_of(name, (ROOT / name).read_text())
@@ -172,7 +172,7 @@ def run_unit(unit, arguments, known, results, deadline):
     """{result: count}, and the surviving mutants."""
     state, seconds = fingerprint(unit), None
     counts, survivors = {DETECTED: 0, SURVIVED: 0, REJECTED: 0, "not tried": 0}, []
-    for mutant in work_list(unit, arguments, known, results, state):
+    for mutant in work_list(unit, arguments, known, results):
         result = results.of(mutant, state)
         if result is None:
             if time.monotonic() > deadline:
