@@ -140,7 +140,7 @@ TEST_F(ManualPage, CommittedPage_IsThatOfTheProgram) {
     committed += line + "\n";
   }
   EXPECT_EQ(committed, manualPage(kGrammar))
-      << "Print it anew: ./dev wine -- quenra help --manual > docs/quenra.1";
+      << "Print it again: ./dev wine -- quenra help --manual > docs/quenra.1";
 }
 
 TEST(Roff, SpecialCharacters_AreEscaped) {
