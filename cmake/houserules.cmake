@@ -9,6 +9,7 @@ target_compile_options(house_rules INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor>)
 
 set(QUENRA_SANITIZERS "" CACHE STRING "Sanitizers of a native build, in the form of -fsanitize=")
+option(QUENRA_NATIVE_LIBRARY "Build the library as a shared library of this system, for bindings" OFF)
 option(QUENRA_COVERAGE "Count, in a native build, which lines and branches run" OFF)
 
 if(WIN32)
