@@ -87,6 +87,15 @@ class Subject:
 
 
 @dataclasses.dataclass(frozen=True)
+class Functions:
+    """A group of functions with its name."""
+
+    key: str
+    title: str
+    names: tuple[str, ...]
+
+
+@dataclasses.dataclass(frozen=True)
 class Status:
     constant: str
     code: int
@@ -113,7 +122,15 @@ class Description:
     instances: tuple[Instances, ...]
     values: dict[str, tuple[Value, ...]]
     attributes: tuple[Attribute, ...]
+    functions: dict[str, Functions]
     statuses: tuple[Status, ...]
+
+    def reporters(self, status: Status) -> set[str]:
+        """The names of the functions that report a code."""
+        names = set()
+        for entry in status.reported_by:
+            names.update(self.functions[entry].names if entry in self.functions else [entry])
+        return names
 
     @property
     def listed(self) -> list[Attribute]:
@@ -295,7 +312,29 @@ def read_attributes(document: dict):
     return tuple(subjects), tuple(instances.values()), values, attributes
 
 
-def read_statuses(document: dict) -> tuple[Status, ...]:
+def read_functions(tables: dict) -> dict[str, Functions]:
+    result = {}
+    for key, table in tables.items():
+        entry = Entry(f"statuses.toml, functions.{key}", table)
+        result[key] = Functions(key, entry.need("title", str), tuple(entry.need("names", list)))
+        entry.finish()
+    return result
+
+
+def check_status(entry: Entry, status: Status, functions: dict[str, Functions]):
+    if not re.fullmatch(r"QUENRA_STATUS_[A-Z_]+", status.constant):
+        entry.fail("the constant has to begin with QUENRA_STATUS_")
+    for key in ("cause", "remedy"):
+        if not getattr(status, key).endswith("."):
+            entry.fail(f"'{key}' has to be a sentence")
+    known = functions["every"].names
+    for name in status.reported_by:
+        if name not in functions and name not in known:
+            entry.fail(f"'{name}' in 'reported-by' is neither a function with a status nor a group")
+
+
+def read_statuses(document: dict):
+    functions = read_functions(document.pop("functions"))
     statuses = []
     for table in document.pop("status"):
         entry = Entry(f"statuses.toml, {table.get('constant', 'a status without a constant')}", table)
@@ -303,19 +342,15 @@ def read_statuses(document: dict) -> tuple[Status, ...]:
             constant=entry.need("constant", str), code=entry.need("code", int),
             cause=entry.need("cause", str), remedy=entry.need("remedy", str),
             section=entry.take("section", str), header=entry.take("header", str),
-            reported_by=tuple(entry.take("reported-by", list, [])))
+            reported_by=tuple(entry.need("reported-by", list)))
+        check_status(entry, status, functions)
         entry.finish()
-        if not re.fullmatch(r"QUENRA_STATUS_[A-Z_]+", status.constant):
-            entry.fail("the constant has to begin with QUENRA_STATUS_")
-        for key in ("cause", "remedy"):
-            if not getattr(status, key).endswith("."):
-                entry.fail(f"'{key}' has to be a sentence")
         statuses.append(status)
     check_unique("statuses.toml", statuses, "constant", "code")
-    return tuple(statuses)
+    return functions, tuple(statuses)
 
 
 def read(folder: pathlib.Path = FOLDER) -> Description:
     attributes = tomllib.loads((folder / "attributes.toml").read_text(encoding="utf-8"))
     statuses = tomllib.loads((folder / "statuses.toml").read_text(encoding="utf-8"))
-    return Description(*read_attributes(attributes), read_statuses(statuses))
+    return Description(*read_attributes(attributes), *read_statuses(statuses))
