@@ -4,7 +4,7 @@
 #define QUENRA_VERSION_H
 
 #define QUENRA_VERSION_MAJOR 0
-#define QUENRA_VERSION_MINOR 1
+#define QUENRA_VERSION_MINOR 2
 #define QUENRA_VERSION_PATCH 0
 
 /* One number, which compares as versions do: 1.2.3 is 10203. */
