@@ -12,8 +12,18 @@ set(QUENRA_SANITIZERS "" CACHE STRING "Sanitizers of a native build, in the form
 option(QUENRA_NATIVE_LIBRARY "Build the library as a shared library of this system, for bindings" OFF)
 option(QUENRA_COVERAGE "Count, in a native build, which lines and branches run" OFF)
 
+# The oldest Windows that the library supports: 6.2, which is Windows 8 and Windows Server 2012. The
+# headers hide newer functions, the loader of an older system refuses the images, and the tests
+# windows_version_… check the imports.
+set(windows_version_major 6)
+set(windows_version_minor 2)
 if(WIN32)
-  target_compile_definitions(house_rules INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX)
+  target_compile_definitions(house_rules INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX
+    _WIN32_WINNT=0x0${windows_version_major}0${windows_version_minor})
+  add_link_options(
+    -Wl,--major-os-version=${windows_version_major},--minor-os-version=${windows_version_minor}
+    -Wl,--major-subsystem-version=${windows_version_major}
+    -Wl,--minor-subsystem-version=${windows_version_minor})
 else()
   # The native build compiles the library's own source against Wine's Windows headers;
   # tests/fakewindows implements the functions. Windows has 16-bit wide characters, so every source

@@ -37,6 +37,8 @@ class Image:
         self.time = self._number("I", header + 8)
         self.flags = self._number("H", header + 22)
         self.base = self._number("Q", optional + 24)
+        self.system_version = struct.unpack_from("<HH", self.bytes, optional + 40)
+        self.subsystem_version = struct.unpack_from("<HH", self.bytes, optional + 48)
         self.checksum_place = optional + 64
         self.checksum = self._number("I", self.checksum_place)
         self.dll_flags = self._number("H", optional + 70)
@@ -75,6 +77,18 @@ class Image:
             names.append(self.text(name).lower())
             address += 20
         return names
+
+    def imported_functions(self):
+        """(library, function) of each import; a function without a name is "#" and its number."""
+        address, _ = self.directories[IMPORTS]
+        while name := self.number("I", address + 12):
+            library = self.text(name).lower()
+            entry = self.number("I", address) or self.number("I", address + 16)
+            while value := self.number("Q", entry):
+                by_number = value >> 63
+                yield library, f"#{value & 0xFFFF}" if by_number else self.text(value + 2)
+                entry += 8
+            address += 20
 
     def symbols(self):
         """{name: address} of the symbols that lie in a section."""
