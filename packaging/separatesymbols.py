@@ -48,7 +48,8 @@ def restore_headers(original, path):
     before, after = Headers(original), Headers(image)
     image[after.time:after.time + 4] = original[before.time:before.time + 4]
     for name, place in after.sections.items():
-        if name in before.sections:
+        # A slash begins the number of a longer name: sections of the symbols, and the link to them.
+        if name in before.sections and not name.startswith(b"/"):
             flags = before.sections[name] + 36
             image[place + 36:place + 40] = original[flags:flags + 4]
     struct.pack_into("<I", image, after.checksum, checksum(bytes(image), after.checksum))

@@ -3,9 +3,7 @@
 # shellcheck source=scripts/lib/machine.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 
-readonly output=$build/package
 readonly packaging=$root/packaging
-readonly stage=$output/stage # the installed files: stage/ZIP/bin, …
 readonly binary_folder=$build/windows
 
 # stage_components NAME COMPONENT…: installs components to stage/NAME.
@@ -16,15 +14,30 @@ stage_components() {
   done
 }
 
+bill_of_materials() { python3 -B "$packaging/billofmaterials.py" "$@"; }
+
 # make_archive NAME: archives stage/NAME as NAME.zip.
 make_archive() { python3 -B "$packaging/archive.py" "$stage/$1" "$output/$1.zip"; }
+
+# The scripts are those that the packaged program prints.
+stage_completions() {
+  local folder=$1 bash_folder=$1/share/bash-completion/completions
+  mkdir -p "$bash_folder" "$folder/share/quenra"
+  machine_on
+  run_windows "$folder/bin/quenra.exe" completion bash >"$bash_folder/quenra"
+  run_windows "$folder/bin/quenra.exe" completion powershell >"$folder/share/quenra/completion.ps1"
+}
 
 # ---- One function for each artefact ----
 
 make_zip() {
   local name=$product-win64
   stage_components "$name" library commandline development documentation
+  stage_completions "$stage/$name"
+  bill_of_materials licenses "$binary_folder" "$stage/$name"
   make_archive "$name"
+  bill_of_materials document "$binary_folder" "$stage/$name" "$output/$name.zip" "$version" \
+    "$output/$name.spdx.json"
 }
 
 make_symbols() {
@@ -39,12 +52,27 @@ make_checksums() {
   (cd "$output" && sha256sum "${files[@]}" >SHA256SUMS)
 }
 
+# make_packages FOLDER: makes every package in a new folder. FOLDER/stage has the installed files.
 make_packages() {
+  output=$1
+  stage=$output/stage
   rm -rf "$output"
   mkdir -p "$output"
   make_zip
   make_symbols
   make_checksums
+}
+
+test_packages() {
+  install_packages clang lld pkgconf python3-license-expression
+  step "Making the packages again, to compare the bytes"
+  make_packages "$build/package-again"
+  cmp "$build/package/SHA256SUMS" "$build/package-again/SHA256SUMS" ||
+    fail "a second run made other bytes: compare build/package and build/package-again"
+  step "Testing the packages"
+  QUENRA_PACKAGES=$build/package QUENRA_VERSION=$version QUENRA_BUILD=$binary_folder \
+    QUENRA_RUNNER="'$root/dev' wine --" \
+    python3 -B -m unittest discover -s "$root/tests/packages" -p '*_test.py'
 }
 
 tests=no
@@ -55,11 +83,12 @@ for argument in "$@"; do
   esac
 done
 
+end_machine_on_exit
 install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm
 build_preset windows quenra_dll quenra_exe quenra-sim shipped
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$binary_folder/CMakeCache.txt")
 readonly product=quenra-$version
 step "Packaging $product"
-make_packages
-[[ $tests == no ]] || fail "the tests of the packages do not exist yet"
-cat "$output/SHA256SUMS"
+make_packages "$build/package"
+[[ $tests == no ]] || test_packages
+cat "$build/package/SHA256SUMS"
