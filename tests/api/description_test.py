@@ -77,6 +77,13 @@ class Values(unittest.TestCase):
                                  if value.constant})
 
 
+class Schemas(unittest.TestCase):
+    def test_subjects_are_those_of_the_description(self):
+        text = (ROOT / "docs/schema/info.schema.json").read_text()
+        listed = re.search(r'"Today one of: ([a-z, -]+)\."', text)[1]
+        self.assertEqual(listed.split(", "), [subject.key for subject in API.subjects])
+
+
 class RuleTable(unittest.TestCase):
     """The library's own table of attributes: source/user/attributes/attributetables.h."""
 
