@@ -1,9 +1,8 @@
 // The work of finding memory modules in a large table, in bytes scanned: time would depend on the
 // machine. The session lock is held meanwhile.
 #include "tests/builders/smbiostablebuilder.h"
-#include "tests/component/protons/status/shortmemory.h"
+#include "tests/component/interceptedcalls.h"
 #include "tests/component/user/readingtest.h"
-#include "tests/component/zosmbios/scannedbytes.h"
 
 namespace nTests {
 namespace {

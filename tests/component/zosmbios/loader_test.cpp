@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/builders/smbiostablebuilder.h"
-#include "tests/component/protons/status/shortmemory.h"
+#include "tests/component/interceptedcalls.h"
 #include "tests/component/zosmbios/ttestprovider.h"
 #include "zosmbios/czosmbioswindowsprovider.h"
 #include "zosmbios/fieldid.h"

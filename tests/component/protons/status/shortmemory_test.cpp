@@ -1,4 +1,4 @@
-#include "tests/component/protons/status/shortmemory.h"
+#include "tests/component/interceptedcalls.h"
 
 #include <gtest/gtest.h>
 
