@@ -1,6 +1,0 @@
-// Drops a status, so that the compiler warns. Not part of a program.
-#include "quenra.h"
-
-void dropStatus() {
-  QUENRA_performSelfTest(QUENRA_HANDLE);
-}
