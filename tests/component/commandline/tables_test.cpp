@@ -8,7 +8,7 @@
 #include "tools/quenra/grammar/parser.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/verbtable.h"
 
 namespace nTests {

@@ -3,8 +3,7 @@
 #include <limits>
 #include <utility>
 
-#include "tools/quenra/text/names.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/text/utf8text.h"
 
 namespace nTests {

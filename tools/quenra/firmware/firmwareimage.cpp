@@ -16,7 +16,7 @@
 #include "source/user/firmware/timagetext.h"
 #include "source/user/update/updateplan.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 
 namespace nCommandLine {
 namespace {

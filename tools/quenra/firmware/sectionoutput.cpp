@@ -3,7 +3,7 @@
 #include "source/user/failuresites.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {

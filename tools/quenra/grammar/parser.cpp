@@ -5,7 +5,7 @@
 #include <iterator>
 #include <vector>
 
-#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/argumenttext.h"
 
 namespace nCommandLine {
 namespace {

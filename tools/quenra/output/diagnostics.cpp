@@ -2,7 +2,7 @@
 
 #include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {

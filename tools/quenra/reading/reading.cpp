@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/argumenttext.h"
 
 namespace nCommandLine {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "quenra_status.h"
-#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/argumenttext.h"
 
 namespace nCommandLine {
 namespace {

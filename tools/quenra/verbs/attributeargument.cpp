@@ -4,7 +4,7 @@
 
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/tables/attributetable.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {

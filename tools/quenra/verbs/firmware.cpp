@@ -8,8 +8,7 @@
 #include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/firmware/sectionoutput.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/text/names.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 
 // The verbs that show and check a firmware image.
 

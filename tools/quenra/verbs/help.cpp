@@ -8,7 +8,7 @@
 #include "quenra_version.h"
 #include "tools/quenra/grammar/generatedtexts.h"
 #include "tools/quenra/output/tjsondocument.h"
-#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {

@@ -5,7 +5,7 @@
 #include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {

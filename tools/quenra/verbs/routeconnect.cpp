@@ -3,7 +3,7 @@
 
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/verbs/routes.h"
 #include "tools/quenra/verbs/verbs.h"
 

@@ -5,7 +5,7 @@
 
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/table.h"
-#include "tools/quenra/text/names.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/verbs/verbs.h"
 

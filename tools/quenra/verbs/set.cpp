@@ -3,7 +3,7 @@
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/reading/reading.h"
 #include "tools/quenra/reading/tcontroller.h"
-#include "tools/quenra/text/numbertext.h"
+#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/verbs/attributeargument.h"
 #include "tools/quenra/verbs/verbs.h"

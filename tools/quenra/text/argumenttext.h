@@ -1,12 +1,25 @@
-#ifndef TOOLS_QUENRA_TEXT_NUMBERTEXT_H
-#define TOOLS_QUENRA_TEXT_NUMBERTEXT_H
+// Names and numbers as users write them in arguments.
+#ifndef TOOLS_QUENRA_TEXT_ARGUMENTTEXT_H
+#define TOOLS_QUENRA_TEXT_ARGUMENTTEXT_H
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace nCommandLine {
+
+// Normalises a name for comparison: lower case, '-' for '_'.
+[[nodiscard]] std::string comparableName(std::string_view name);
+
+// At most three of `candidates` that the user may have meant by `name`, most likely first: a few
+// typing errors away, or containing `name`.
+[[nodiscard]] std::vector<std::string> suggest(std::string_view name,
+                                               const std::vector<std::string_view>& candidates);
+
+// "a, b or c"
+[[nodiscard]] std::string alternatives(const std::vector<std::string>& names);
 
 // True if a text begins with a digit or a sign, and so is a number rather than a name.
 [[nodiscard]] bool looksLikeNumber(std::string_view text) noexcept;
