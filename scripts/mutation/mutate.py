@@ -72,7 +72,7 @@ def configure():
         return
     options = ["-DCMAKE_C_COMPILER=clang", "-DCMAKE_CXX_COMPILER=clang++",
                "-DCMAKE_C_FLAGS_RELWITHDEBINFO=-O0", "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O0",
-               "-DQUENRA_SANITIZERS=address,undefined", "-DQUENRA_WARNINGS_AS_ERRORS=ON"]
+               "-DQUENRA_SANITIZERS=address,undefined", "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON"]
     command = ["cmake", "-S", COPY, "-B", BUILD, "-G", "Ninja", *options]
     if run(command) != 0:
         sys.exit("configuring failed: " + " ".join(map(str, command)))
