@@ -27,6 +27,7 @@ size_t repetitions(const std::function<void()>& run) {
 // Returns the median time of each run. Interleaves the runs.
 std::vector<double> medianSeconds(const std::vector<std::function<void()>>& runs, int rounds) {
   std::vector<size_t> repeated;
+  repeated.reserve(runs.size());
   for (const auto& run : runs) {
     repeated.push_back(repetitions(run));
   }

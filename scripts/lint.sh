@@ -12,8 +12,8 @@ step "shellcheck"
 git ls-files --cached --others --exclude-standard -- dev .ci/run '*.sh' | xargs shellcheck -x
 configure_preset native
 step "clang-tidy"
-# C++ sources of the project: the database also lists the model's C sources and GoogleTest.
-run-clang-tidy -quiet -j "$jobs" -p "$build/native" "^$root/.*\.cpp$" >"$build/clang-tidy.log" 2>&1 || {
+# The project's C++ sources: the database also lists C sources, generated sources and GoogleTest.
+run-clang-tidy -quiet -j "$jobs" -p "$build/native" "^$root/(?!build/).*\.cpp$" >"$build/clang-tidy.log" 2>&1 || {
   grep -E '(error|warning):' "$build/clang-tidy.log" | sort -u >&2
   fail "clang-tidy has findings: build/clang-tidy.log"
 }

@@ -61,7 +61,7 @@ class iJsonHandler {
 inline constexpr size_t kMaxJsonDepth = ZOROCO_MAX_DOCUMENT_DEPTH;
 
 // The bytes of a document that the reader accepts. No route request comes near.
-inline constexpr size_t kMaxJsonSize = ZOROCO_MAX_DOCUMENT_SIZE;
+inline constexpr size_t kMaxJsonSize = static_cast<size_t>(ZOROCO_MAX_DOCUMENT_SIZE);
 
 enum class tJsonOutcome : uint8_t {
   read,       // to its end
