@@ -46,6 +46,12 @@ make_symbols() {
   make_archive "$name"
 }
 
+make_nupkg() {
+  local folder=$stage/$product-win64
+  python3 -B "$root/bindings/csharp/nupkg.py" "$version" "$folder/bin/quenra.dll" \
+    "$folder/share/doc/quenra/licenses" "$output/Quenra.$version.nupkg"
+}
+
 make_checksums() {
   local files
   mapfile -t files < <(find "$output" -maxdepth 1 -type f -printf '%P\n' | sort)
@@ -60,6 +66,7 @@ make_packages() {
   mkdir -p "$output"
   make_zip
   make_symbols
+  make_nupkg
   make_checksums
 }
 
@@ -84,7 +91,7 @@ for argument in "$@"; do
 done
 
 end_machine_on_exit
-install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm
+install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm mono-mcs mono-runtime
 build_preset windows quenra_dll quenra_exe quenra-sim shipped
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$binary_folder/CMakeCache.txt")
 readonly product=quenra-$version

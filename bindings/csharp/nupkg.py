@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Compiles the C# binding with Mono's compiler and makes its NuGet package.
 
-Usage: nupkg.py VERSION LIBRARY NUPKG
+Usage: nupkg.py VERSION LIBRARY LICENSES NUPKG
 
-LIBRARY is quenra.dll for Windows. The package depends on the sources, the version and the library only:
-the compiler derives the assembly's identity from its content, and the archive has no dates. One file with
-the complete binding is written beside the package, NUPKG without `.nupkg` plus `.cs`.
+LIBRARY is quenra.dll for Windows, LICENSES a folder with the licences of the code that it contains. The
+package depends on these, the sources and the version only: the compiler derives the assembly's identity
+from its content, and the archive has no dates. One file with the complete binding is written beside the
+package: its name is that of NUPKG with `.cs` in place of `.nupkg`.
 """
 
 import pathlib
@@ -75,6 +76,7 @@ CONTENT_TYPES = """\
   <Default Extension="nuspec" ContentType="application/octet" />
   <Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml" />
   <Default Extension="targets" ContentType="application/octet" />
+  <Default Extension="txt" ContentType="text/plain" />
   <Default Extension="xml" ContentType="application/octet" />
 </Types>
 """
@@ -114,7 +116,7 @@ def write_archive(path, entries):
             archive.writestr(entry, content, compresslevel=9)
 
 
-def make(version, library, package):
+def make(version, library, licenses, package):
     source = single_source()
     assembly, documentation = compile_binding(version, source)
     write_archive(package, [
@@ -125,12 +127,13 @@ def make(version, library, package):
         ("buildTransitive/net461/Quenra.targets", TARGETS),
         (f"lib/netstandard2.0/{ASSEMBLY}.dll", assembly),
         (f"lib/netstandard2.0/{ASSEMBLY}.xml", documentation),
+        *((f"licenses/{path.name}", path.read_bytes()) for path in sorted(licenses.glob("*.txt"))),
         ("runtimes/win-x64/native/quenra.dll", library.read_bytes()),
     ])
     package.with_suffix(".cs").write_bytes(source)
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 4:
-        raise SystemExit("usage: nupkg.py VERSION LIBRARY NUPKG")
-    make(sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3]))
+    if len(sys.argv) != 5:
+        raise SystemExit("usage: nupkg.py VERSION LIBRARY LICENSES NUPKG")
+    make(sys.argv[1], *map(pathlib.Path, sys.argv[2:]))
