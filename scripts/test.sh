@@ -12,7 +12,7 @@ report_faults() {
 }
 
 end_machine_on_exit
-install_packages "${native_packages[@]}" "${machine_packages[@]}" groff-base python3-jsonschema
+install_packages "${native_packages[@]}" "${machine_packages[@]}" "${docs_packages[@]}" groff-base python3-jsonschema
 for preset in native thread windows; do
   build_preset "$preset"
 done

@@ -20,6 +20,8 @@ readonly windows_packages=(
 readonly native_packages=("${windows_packages[@]}" clang g++ libclang-rt-dev libwine-dev)
 # shellcheck disable=SC2034
 readonly machine_packages=(wine wine64)
+# shellcheck disable=SC2034
+readonly docs_packages=(furo python3 python3-myst-parser python3-sphinx)
 
 step() { printf '== %s\n' "$*" >&2; }
 fail() {
