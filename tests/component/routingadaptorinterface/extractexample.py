@@ -3,7 +3,7 @@
 
 Usage: extractexample.py PAGE FILE
 
-The page has exactly one block of C.
+The page has exactly one block of C that is a program.
 """
 
 import pathlib
@@ -13,9 +13,10 @@ import sys
 
 def main():
     page, file = map(pathlib.Path, sys.argv[1:])
-    blocks = re.findall(r"^```c\n(.*?)^```$", page.read_text(), re.MULTILINE | re.DOTALL)
+    blocks = re.findall(r"^```c(?: [^\n]*)?\n(.*?)^```$", page.read_text(), re.MULTILINE | re.DOTALL)
+    blocks = [block for block in blocks if "int main(" in block]
     if len(blocks) != 1:
-        print(f"{page}: {len(blocks)} blocks of C, not one")
+        print(f"{page}: {len(blocks)} programs in C, not one")
         return 1
     file.write_text(blocks[0])
     return 0
