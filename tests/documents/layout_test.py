@@ -1,4 +1,4 @@
-"""The pages at the widths of a telephone and of a screen, measured in a browser.
+"""The pages and the search in a browser, from files: the widths of a telephone and of a screen.
 
 Skipped without chromium, whose package is too large for every test run."""
 
@@ -39,20 +39,43 @@ const measure = (page, width) => new Promise((done) => {
   frame.src = page;
   document.body.appendChild(frame);
 });
+const search = (query) => new Promise((done) => {
+  const frame = document.createElement("iframe");
+  frame.onload = async () => {
+    const inner = frame.contentDocument;
+    for (let attempt = 0; attempt < 100 && !inner.querySelector("ul.search a"); ++attempt)
+      await new Promise((next) => setTimeout(next, 50));
+    await new Promise((next) => setTimeout(next, 300));
+    done({query, found: [...inner.querySelectorAll("ul.search a")].map((link) => link.getAttribute("href"))});
+    frame.remove();
+  };
+  frame.src = "search.html?q=" + encodeURIComponent(query);
+  document.body.appendChild(frame);
+});
 (async () => {
-  const results = [];
-  for (const page of PAGES) for (const width of WIDTHS) results.push(await measure(page, width));
+  const results = {measured: [], searched: []};
+  for (const page of PAGES) for (const width of WIDTHS) results.measured.push(await measure(page, width));
+  for (const query of QUERIES) results.searched.push(await search(query));
   document.body.innerHTML = "<pre id='results'></pre>";
   document.getElementById("results").textContent = JSON.stringify(results);
 })();
 """
 
+# A search and a page that it finds.
+SEARCHES = {
+    "QUENRA_STATUS_NOT_SUPPORTED": "docs/attributes.html",
+    "-26934": "reference/quenra_status.html",
+    "reserveRoute": "reference/quenra_routing.html",
+    "pnputil": "docs/command-line.html",
+}
 
-def measurements():
+
+def seen_by_a_browser():
     folder = builtsite.FOLDER / "layout"
     shutil.rmtree(folder, ignore_errors=True)
     shutil.copytree(builtsite.site(), folder)
-    script = f"const PAGES = {json.dumps(list(builtsite.pages()))}; const WIDTHS = {json.dumps(WIDTHS)};{SCRIPT}"
+    constants = {"PAGES": list(builtsite.pages()), "WIDTHS": WIDTHS, "QUERIES": list(SEARCHES)}
+    script = "".join(f"const {name} = {json.dumps(value)};\n" for name, value in constants.items()) + SCRIPT
     (folder / "measure.html").write_text(f"<!doctype html><body><script>{script}</script></body>")
     document = builtsite.dumped((folder / "measure.html").as_uri(), seconds=60)
     match = re.search(r'<pre id="results">(.*?)</pre>', document, re.DOTALL)
@@ -60,10 +83,11 @@ def measurements():
 
 
 @unittest.skipUnless(builtsite.chromium(), "needs chromium")
-class Layout(unittest.TestCase):
+class Browser(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.measured = measurements()
+        seen = seen_by_a_browser()
+        cls.measured, cls.searched = seen["measured"], seen["searched"]
 
     def test_every_page_was_measured_at_every_width(self):
         self.assertEqual(len(self.measured), len(builtsite.pages()) * len(WIDTHS))
@@ -78,6 +102,13 @@ class Layout(unittest.TestCase):
         for page in self.measured:
             with self.subTest(page=page["page"], width=page["width"]):
                 self.assertEqual(page["outside"], [])
+
+    def test_search_finds_words_without_a_server(self):
+        self.assertEqual(len(self.searched), len(SEARCHES))
+        for search in self.searched:
+            with self.subTest(query=search["query"]):
+                found = [link.partition("?")[0].partition("#")[0] for link in search["found"]]
+                self.assertIn(SEARCHES[search["query"]], found)
 
 
 if __name__ == "__main__":

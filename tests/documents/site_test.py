@@ -98,18 +98,6 @@ class Search(unittest.TestCase):
         symbols = {entry[-1] for entries in index_of_search()["objects"].values() for entry in entries}
         self.assertEqual(set(EXPORTS) - symbols, set())
 
-    @unittest.skipUnless(builtsite.chromium(), "needs chromium")
-    def test_search_page_finds_words_without_a_server(self):
-        for query, page in (("QUENRA_STATUS_NOT_SUPPORTED", "docs/attributes.html"),
-                            ("-26934", "reference/quenra_status.html"),
-                            ("reserveRoute", "reference/quenra_routing.html"),
-                            ("pnputil", "docs/command-line.html")):
-            with self.subTest(query=query):
-                address = (builtsite.site() / "search.html").as_uri()
-                document = builtsite.dumped(f"{address}?q={urllib.parse.quote(query)}", seconds=10)
-                results = document.partition('class="search"')[2]
-                self.assertIn(page, results)
-
 
 class Build(unittest.TestCase):
     def files(self, folder):
