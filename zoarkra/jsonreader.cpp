@@ -221,12 +221,14 @@ class tEvents {
                ? fail(stream_.position())
                : value({.type = tJsonType::number, .number = valueOfNumber(stream_.number())});
   }
-  // Every number arrives as the digit 0.
+  // The reader requires these. Every number arrives as the digit 0, so it calls none of them.
+  // GCOVR_EXCL_START
   bool Int(int) { return false; }
   bool Int64(int64_t) { return false; }
   bool Uint64(uint64_t) { return false; }
   bool Double(double) { return false; }
   bool RawNumber(const char*, rapidjson::SizeType, bool) { return false; }
+  // GCOVR_EXCL_STOP
   bool String(const char* text, rapidjson::SizeType length, bool) {
     return isUtf8({text, length}) ? value({.type = tJsonType::string, .text = {text, length}})
                                   : fail(findLoneSurrogate(stream_.string(), stream_.position()));

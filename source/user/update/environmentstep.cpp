@@ -43,7 +43,9 @@ void reportEnvironmentFailure(const nZOAPALS100::tSourceLocation& location, zoer
   } catch (const std::system_error& error) {  // also of std::filesystem
     status.set(codeFor(isShortMemory(error.code())), location);
   } catch (const std::length_error&) {  // a name longer than the system converts
+    // GCOVR_EXCL_START: such a name has two gigabytes
     status.set(QUENRA_STATUS_UPDATE_ENVIRONMENT, location);
+    // GCOVR_EXCL_STOP
   }
 }
 
