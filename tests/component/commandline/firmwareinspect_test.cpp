@@ -209,11 +209,9 @@ TEST(SectionRemark, FileNamesThatAreNotOnePlainComponent_AreFaults) {
 }
 
 TEST(SectionRemark, PlainFileNames_AreNone) {
-  for (const char* const name : {"", "a.inf",
-                                 "Gr\xC3\xB6\xC3\x9F"
-                                 "e.inf",
-                                 "a..b", ".cap", "a b.cap", " a.cap", "console.cap", "com.cap",
-                                 "com10", "lpt", "nulls", "x-1_2(3).CAT", "CO", "c"}) {
+  for (const char* const name :
+       {"", "a.inf", "Gr\u00F6\u00DFe.inf", "a..b", ".cap", "a b.cap", " a.cap", "console.cap",
+        "com.cap", "com10", "lpt", "nulls", "x-1_2(3).CAT", "CO", "c"}) {
     EXPECT_EQ(nCommandLine::faultOfFileName(name), std::nullopt) << name;
   }
 }
