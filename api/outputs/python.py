@@ -164,7 +164,6 @@ def attribute(row: description.Attribute) -> str:
 def constants(api: description.Description) -> str:
     text = PREAMBLE.format(notice=NOTICE) + statuses(api) + enumerations(api) + "\n\n" + ATTRIBUTE_CLASS
     text += "".join(attribute(row) for row in api.listed)
-    text += ("\nATTRIBUTES: Dict[str, Attribute[Any]] = {\n    attribute.name: attribute\n"
-             "    for attribute in (\n")
-    text += "".join(f"        {row.identifier},\n" for row in api.listed)
-    return text + '    )\n}\n"""All attributes by name, in the order of the listings."""\n'
+    text += "\nATTRIBUTES: Dict[str, Attribute[Any]] = {\n"
+    text += "".join(f'    "{row.identifier.lower()}": {row.identifier},\n' for row in api.listed)
+    return text + '}\n"""All attributes by name, in the order of the listings."""\n'
