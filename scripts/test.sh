@@ -12,14 +12,16 @@ report_faults() {
 }
 
 end_machine_on_exit
-install_packages "${native_packages[@]}" "${machine_packages[@]}" "${docs_packages[@]}" groff-base python3-jsonschema
+install_packages "${native_packages[@]}" "${machine_packages[@]}" "${docs_packages[@]}" groff-base \
+  mypy python3-jsonschema python3-pytest
 for preset in native thread windows; do
   build_preset "$preset"
 done
+build_preset native-library quenra_native
 machine_on
 rm -rf "$build/native/tests/faultsweep/faults"
 failed=()
-for preset in native thread windows; do
+for preset in native native-library thread windows; do
   step "Testing $preset"
   ctest --preset "$preset" || failed+=("$preset")
 done

@@ -186,6 +186,13 @@ int32_t fakequenra_setTableByte(uint8_t type, uint8_t offset, uint8_t value) {
   });
 }
 
+int32_t fakequenra_resizeTableStructure(uint8_t type, uint8_t length) {
+  return perform([=] {
+    table().structure(type).cutTo(length);
+    installTable();
+  });
+}
+
 int32_t fakequenra_removeTableStructures(uint8_t type) {
   return perform([=] {
     table().remove(type);

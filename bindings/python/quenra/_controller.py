@@ -132,8 +132,8 @@ class Controller:
     def __del__(self) -> None:
         # A failed constructor leaves no member but this one.
         if not getattr(self, "_closed", True):
-            warnings.warn("unclosed controller", ResourceWarning, source=self)
             self.close()
+            warnings.warn("unclosed controller", ResourceWarning, source=self)
 
     def __reduce__(self) -> str:
         raise TypeError("a controller cannot be copied or pickled")

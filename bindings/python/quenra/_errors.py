@@ -154,7 +154,7 @@ def warn(code: int, operation: str) -> None:
     if code <= 0:
         return
     level = 1
-    frame = sys._getframe(1)
+    frame = sys._getframe()
     while frame.f_back is not None and frame.f_globals.get("__package__") == __package__:
         level += 1
         frame = frame.f_back

@@ -299,13 +299,13 @@ class Session:
         pointer = getattr(self, "_pointer", None)
         if pointer is None:
             return
-        warnings.warn("unclosed routing session", ResourceWarning, source=self)
         # On the thread of a callback the library ignores the call: the session stays open, and its
         # functions stay alive.
         if threading.get_ident() not in self._callback_threads:
             for route in list(self._routes.values()):
                 route._tear_down(pointer, after_failure=False)
             self._destroy(pointer)
+        warnings.warn("unclosed routing session", ResourceWarning, source=self)
 
     def __reduce__(self) -> str:
         raise TypeError("a routing session cannot be copied or pickled")
