@@ -9,8 +9,7 @@ The first word after the fence is the language:
   c, cpp    a program that is compiled for Windows without warnings. It also runs in the simulated
             machine, unless a command on the page runs it. Code without main is compiled as the body
             of a function
-  python, csharp
-            a program that runs against the native build of the library
+  python    a program
   json      one document
   text      anything else
 
@@ -44,11 +43,16 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "build" / "documents" / "examples"
 PROGRAMS = ROOT / "build" / "windows" / "bin"
-NATIVE = ROOT / "build" / "native"
 TIME_LIMIT_SECONDS = 120
-LANGUAGES = ("console", "sh", "c", "cpp", "python", "csharp", "json", "text")
-# Languages that only a system or a compiler without tests here can run.
-READ_ONLY = ("bat", "cmake", "powershell", "xml", "toml", "yaml", "ini")
+LANGUAGES = ("console", "sh", "c", "cpp", "python", "json", "text")
+# The tests of the bindings run the programs of their pages, with the library that a binding needs.
+TESTED_ELSEWHERE = {
+    ("docs/cpp.md", "cpp"): "tests/bindings/cpp_page.py",
+    ("docs/python.md", "python"): "tests/bindings/python/test_guide.py",
+    ("docs/csharp.md", "csharp"): "tests/bindings/csharp/package_test.py",
+}
+# Languages without a function below: their blocks state a reason.
+READ_ONLY = ("bat", "cmake", "csharp", "powershell", "xml", "toml", "yaml", "ini")
 
 FENCE = re.compile(r"(\s*)(`{3,})([^`]*)$")
 OPTION = re.compile(r'([\w-]+)(?:=(?:"([^"]*)"|(\S+)))?')
@@ -235,6 +239,8 @@ class Reader:
             if not block.options["no-run"]:
                 raise block.error('state the reason: no-run="REASON"')
             return
+        if (block.page, block.language) in TESTED_ELSEWHERE:
+            return
         if block.language in READ_ONLY:
             raise block.error(f'no test can run {block.language}: state the reason, no-run="REASON"')
         if block.language not in LANGUAGES:
@@ -331,34 +337,7 @@ class Reader:
         return f"{headers}{includes}int example(void);\nint example(void) {{\n{body}return 0;\n}}\n"
 
     def python(self, block):
-        paths = [str(ROOT / "bindings" / "python" / "src"), str(ROOT / "bindings" / "python")]
-        environment = {"PYTHONPATH": os.pathsep.join(paths), **self.native_library()}
-        result = self.start([sys.executable, "-B", "-c", block.text], environment=environment)
-        self.succeed(block, "the program failed", result)
-
-    def csharp(self, block):
-        source = self.folder / f"example{block.line}.cs"
-        complete = re.search(r"\bMain\(", block.text) is not None
-        source.write_text(block.text if complete else self.csharp_class(block.text))
-        program = self.folder / f"example{block.line}.exe"
-        result = self.start(["mcs", "-warnaserror", f"-out:{program}", source,
-                             ROOT / "bindings" / "csharp" / "Quenra.cs"])
-        self.succeed(block, "the code does not compile", result)
-        self.succeed(block, "the program failed", self.start(["mono", program], environment=self.native_library()))
-
-    @staticmethod
-    def csharp_class(text):
-        usings = "".join(re.findall(r"^using [\w.]+;\n", text, re.MULTILINE))
-        body = re.sub(r"^using [\w.]+;\n", "", text, flags=re.MULTILINE)
-        return f"{usings}public static class Example {{\npublic static void Main() {{\n{body}}}\n}}\n"
-
-    @staticmethod
-    def native_library():
-        """The environment that makes a binding load the library of the native build."""
-        libraries = sorted(NATIVE.rglob("libquenra.so"))
-        if not libraries:
-            return {}
-        return {"QUENRA_LIBRARY": str(libraries[0]), "LD_LIBRARY_PATH": str(libraries[0].parent)}
+        self.succeed(block, "the program failed", self.start([sys.executable, "-B", "-c", block.text]))
 
 
 def reset_machine():

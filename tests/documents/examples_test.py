@@ -33,6 +33,13 @@ class Pages(unittest.TestCase):
                 with self.subTest(page=page, line=block.line):
                     self.assertIn(block.language, examples.LANGUAGES + examples.READ_ONLY)
 
+    def test_programs_of_the_bindings_have_a_test_that_reads_their_page(self):
+        for (page, language), test in examples.TESTED_ELSEWHERE.items():
+            if (ROOT / page).is_file():
+                with self.subTest(page=page):
+                    self.assertTrue(any(block.language == language for block in blocks_of(page)))
+                    self.assertIn(page, (ROOT / test).read_text())
+
 
 def test_of(page):
     return lambda self: self.run_page(page)

@@ -82,7 +82,7 @@ class Content(PackageTest):
 
     def test_examples_are_the_programs_of_the_pages(self):
         for example, page in (("productname.c", "README.md"), ("route.c", "docs/routing.md")):
-            blocks = re.findall(r"^```c\n(.*?)^```$", (ROOT / page).read_text(), re.M | re.S)
+            blocks = re.findall(r"^```c(?: [^\n]*)?\n(.*?)^```$", (ROOT / page).read_text(), re.M | re.S)
             self.assertIn((self.examples / example).read_text(), blocks, f"{example} and {page} differ")
 
 

@@ -51,9 +51,7 @@ def make_package(name):
 def documented_programs():
     """The programs of the page with their output."""
     text = (ROOT / "docs/csharp.md").read_text("utf-8")
-    pattern = r"```csharp\n(.*?)```\n\n((?:    [^\n]*\n)+)"
-    return [(program, re.sub(r"^    ", "", output, flags=re.MULTILINE))
-            for program, output in re.findall(pattern, text, re.DOTALL)]
+    return re.findall(r"```csharp\n([^`]*)```\n\n```text\n([^`]*)```", text)
 
 
 class Package(unittest.TestCase):
