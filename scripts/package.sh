@@ -52,6 +52,19 @@ make_nupkg() {
     "$folder/share/doc/quenra/licenses" "$output/Quenra.$version.nupkg"
 }
 
+make_wheel() {
+  local folder=$stage/$product-win64 source=$stage/python
+  mkdir -p "$source/quenra/licenses"
+  cp "$root"/bindings/python/{README.md,pyproject.toml,windowswheel.py} "$source"
+  cp "$root"/bindings/python/quenra/{*.py,py.typed} "$folder/bin/quenra.dll" "$source/quenra"
+  cp -R "$folder/share/doc/quenra/licenses/." "$source/quenra/licenses"
+  (cd "$source" && QUENRA_VERSION=$version SOURCE_DATE_EPOCH=315532800 \
+    python3 -B -m hatchling build --target wheel --directory "$output" >"$source.log" 2>&1) || {
+    cat "$source.log" >&2
+    fail "building the wheel failed"
+  }
+}
+
 make_checksums() {
   local files
   mapfile -t files < <(find "$output" -maxdepth 1 -type f -printf '%P\n' | sort)
@@ -67,11 +80,12 @@ make_packages() {
   make_zip
   make_symbols
   make_nupkg
+  make_wheel
   make_checksums
 }
 
 test_packages() {
-  install_packages clang lld pkgconf python3-license-expression
+  install_packages clang lld pkgconf python3-license-expression python3-pip
   step "Making the packages again, to compare the bytes"
   make_packages "$build/package-again"
   cmp "$build/package/SHA256SUMS" "$build/package-again/SHA256SUMS" ||

@@ -12,7 +12,7 @@ from conftest import REPOSITORY, Machine
 from quenra import attributes
 
 PAGE = (REPOSITORY / "docs/python.md").read_text()
-PROGRAMS = re.findall(r"^```python\n(.*?)^```$", PAGE, re.MULTILINE | re.DOTALL)
+PROGRAMS = re.findall(r"^```python[^\n]*\n(.*?)^```$", PAGE, re.MULTILINE | re.DOTALL)
 
 # The first words that each program prints.
 OUTPUTS = [
