@@ -105,7 +105,8 @@ for argument in "$@"; do
 done
 
 end_machine_on_exit
-install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm mono-mcs mono-runtime
+install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm mono-mcs mono-runtime \
+  python3-hatchling
 build_preset windows quenra_dll quenra_exe quenra-sim shipped
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$binary_folder/CMakeCache.txt")
 readonly product=quenra-$version
