@@ -1,6 +1,7 @@
 """Every command and program on the pages does what its page shows."""
 
 import pathlib
+import re
 import textwrap
 import unittest
 
@@ -32,6 +33,13 @@ class Pages(unittest.TestCase):
             for block in blocks_of(page):
                 with self.subTest(page=page, line=block.line):
                     self.assertIn(block.language, examples.LANGUAGES + examples.READ_ONLY)
+
+    def test_test_that_a_reason_names_exists(self):
+        for page in PAGES:
+            for block in blocks_of(page):
+                for name in re.findall(r"[\w/]+\.py", block.options.get("no-run", "")):
+                    with self.subTest(page=page, line=block.line):
+                        self.assertTrue((ROOT / name).is_file(), name)
 
     def test_programs_of_the_bindings_have_a_test_that_reads_their_page(self):
         for (page, language), test in examples.TESTED_ELSEWHERE.items():
