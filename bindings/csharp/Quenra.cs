@@ -805,7 +805,8 @@ namespace Quenra
             try
             {
                 Handle.Open(path, ref status);
-                Check("opening the routing device '" + devicePath + "'", ref status);
+                ThrowOnFailure("opening the routing device '" + devicePath + "'", ref status);
+                lastWarning = status.Code;
             }
             catch
             {
@@ -1062,20 +1063,25 @@ namespace Quenra
 
         internal T Call<T>(string operation, Step<T> step)
         {
-            return Handle.Serialize(session =>
+            int code = 0;
+            T result = Handle.Serialize(session =>
             {
                 StatusRecord status = StatusRecord.Initial();
                 try
                 {
-                    T result = step(session, ref status);
-                    Check(operation, ref status);
-                    return result;
+                    T answer = step(session, ref status);
+                    code = status.Code;
+                    ThrowOnFailure(operation, ref status);
+                    return answer;
                 }
                 finally
                 {
                     status.Release();
                 }
             });
+            // After the session's lock was released: a handler may wait for another thread.
+            Warn(operation, code);
+            return result;
         }
 
         // Performs a step that answers with a text; null if it did not supply one.
@@ -1102,19 +1108,23 @@ namespace Quenra
             });
         }
 
-        private void Check(string operation, ref StatusRecord status)
+        private static void ThrowOnFailure(string operation, ref StatusRecord status)
         {
             if (status.Code < 0)
             {
                 throw new QuenraException(operation, status.Code, Utf8.Decode(status.Description));
             }
-            if (status.Code > 0)
+        }
+
+        private void Warn(string operation, int code)
+        {
+            if (code > 0)
             {
-                Volatile.Write(ref lastWarning, status.Code);
+                Volatile.Write(ref lastWarning, code);
                 EventHandler<WarningEventArgs> handlers = Warned;
                 if (handlers != null)
                 {
-                    handlers(this, new WarningEventArgs(operation, status.Code));
+                    handlers(this, new WarningEventArgs(operation, code));
                 }
             }
         }

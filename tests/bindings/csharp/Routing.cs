@@ -517,6 +517,34 @@ namespace Quenra.Tests
             }
         }
 
+        public static void Warned_HandlerThatWaitsForAnotherThread_DoesNotBlockTheSession()
+        {
+            using (RoutingSession session = Open())
+            {
+                bool joined = false;
+                session.Warned += (sender, warning) =>
+                {
+                    var thread = new Thread(() => session.Terminals.Count());
+                    thread.Start();
+                    joined = thread.Join(10000);
+                };
+                Fake.AnswerRequests(Device.Router, 0, 1, 1234567);
+                session.Plan("TRIG_SMB", "PXI_Trig0").Dispose();
+                Assert.True(joined, "the other thread waits for the handler");
+            }
+        }
+
+        public static void Open_WarningOfTheDriver_IsTheLastWarning()
+        {
+            string path = Controller.DevicePath;
+            Fake.AnswerRequests(Device.Router, 2, 1, 1234567);
+            using (var session = new RoutingSession(path))
+            {
+                Assert.Equal((Status)1234567, session.LastWarning);
+                Assert.Equal(11, session.Terminals.Count());
+            }
+        }
+
         public static void Dispose_SessionWithRoutes_TearsThemDownBeforeItCloses()
         {
             RoutingSession session = Open();
@@ -605,7 +633,10 @@ namespace Quenra.Tests
 
         public static void Demoted_Collections_KeepTheCallbackAlive()
         {
-            using (RoutingSession session = Open())
+            RoutingSession session = null;
+            // On another thread, whose stack does not keep the delegates that the library received.
+            Collector.Forget(() => session = Open());
+            using (session)
             {
                 int calls = 0;
                 session.Demoted += (source, demotion) => Interlocked.Increment(ref calls);
@@ -745,6 +776,38 @@ namespace Quenra.Tests
                     }
                 });
                 Assert.Equal(0, Fake.Routes().Length);
+            }
+        }
+
+        public static void Session_CallOfAnotherThread_WaitsForTheRunningOne()
+        {
+            using (RoutingSession session = Open())
+            {
+                var running = new ManualResetEvent(false);
+                var release = new ManualResetEvent(false);
+                bool overlapped = false;
+                bool done = false;
+                var first = new Thread(() => session.Handle.Serialize(handle =>
+                {
+                    running.Set();
+                    release.WaitOne(10000);
+                    overlapped = Volatile.Read(ref done);
+                    return true;
+                }));
+                first.Start();
+                Assert.True(running.WaitOne(10000), "the first call did not start");
+                var second = new Thread(() =>
+                {
+                    session.Plan("TRIG_SMB", "PXI_Trig0").Dispose();
+                    Volatile.Write(ref done, true);
+                });
+                second.Start();
+                Thread.Sleep(200);
+                release.Set();
+                first.Join();
+                second.Join();
+                Assert.True(!overlapped, "two calls of a session overlapped");
+                Assert.True(done, "the second call did not return");
             }
         }
 
