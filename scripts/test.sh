@@ -13,7 +13,7 @@ report_faults() {
 
 end_machine_on_exit
 install_packages "${native_packages[@]}" "${machine_packages[@]}" "${docs_packages[@]}" groff-base \
-  mypy python3-jsonschema python3-pytest
+  mono-mcs mono-runtime mypy python3-jsonschema python3-pytest
 for preset in native thread windows; do
   build_preset "$preset"
 done
