@@ -71,7 +71,7 @@ def test_functions_have_as_many_arguments_as_in_the_headers() -> None:
 
 def test_status_record_has_the_layout_of_the_header() -> None:
     record = quenra._library.StatusRecord
-    offsets = [getattr(record, name).offset for name, _ in record._fields_]
+    offsets = [getattr(record, field[0]).offset for field in record._fields_]
     assert (ctypes.sizeof(record), offsets) == (24, [0, 4, 8, 16])
 
 
