@@ -282,10 +282,9 @@ class Controller:
     ) -> None:
         """Applies a firmware image: its bytes, or the path of a file.
 
-        The call can take minutes; other threads run meanwhile. Calls of the update in several threads
-        or processes mix their effects. The calling thread must not use COM in a single-threaded
-        apartment. A driver package counts as installed when the tool of the system has ended: no
-        failure of it is reported.
+        The call can take minutes; other threads run meanwhile. Updates that overlap, in several threads
+        or processes, mix their effects. The calling thread must not use COM in a single-threaded
+        apartment. The library does not report whether Windows has installed a driver package.
 
         Raises ValueError for bytes without a section of firmware, OSError if the file cannot be read,
         :class:`NotSupportedError` if the machine accepts no updates, and :class:`StatusError` with
@@ -302,7 +301,7 @@ class Controller:
         if _SECTION not in content:
             # The library accepts an image without a section and marks the Marten as updated.
             raise ValueError(f"cannot {operation}: not a firmware image, it has no '{_SECTION.decode()}'")
-        # As an IntEnum rejects any other number.
+        # Raises ValueError for any other number.
         chosen = UpdateOption(option)
         if chosen is UpdateOption.ALL:
             code = self._call(operation, "QUENRA_updateFirmware", content, len(content))

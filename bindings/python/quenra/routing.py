@@ -480,6 +480,16 @@ class Session:
 
         Returns the routes, which may be none. :meth:`plan` is simpler for one route.
         """
+        return self._calculate("calculate routes", seeds, destinations, required, optional)
+
+    def _calculate(
+        self,
+        operation: str,
+        seeds: Sequence[Union[Seed, str]],
+        destinations: Sequence[str],
+        required: Optional[Mapping[str, bool]],
+        optional: Optional[Mapping[str, bool]],
+    ) -> List[Route]:
         starts = [Seed(seed) if isinstance(seed, str) else seed for seed in seeds]
         documents = (
             _document([_seed_object(seed) for seed in starts]),
@@ -496,7 +506,7 @@ class Session:
             self._routes.update((route.ticket, route) for route in routes)
             return routes
 
-        return self._run("calculate routes", calculate)
+        return self._run(operation, calculate)
 
     def plan(
         self,
@@ -515,7 +525,8 @@ class Session:
         required = {"inversionNeeded": True} if inverted else {}
         if ignore_reservations:
             required["calculateIgnoresReservations"] = True
-        routes = self.calculate([source], [destination], required=required)
+        operation = f"calculate a route from '{source}' to '{destination}'"
+        routes = self._calculate(operation, [source], [destination], required, None)
         if not routes:
             kind = "inverting route" if inverted else "route"
             raise NoRouteError(f"the controller has no {kind} from '{source}' to '{destination}'")

@@ -140,6 +140,20 @@ def test_get_reads_text_and_number(controller: quenra.Controller) -> None:
     assert controller[attributes.BUS_LOCATION] == "07:12"
 
 
+def test_values_have_the_types_that_the_type_checker_infers(
+    controller: quenra.Controller, machine: Machine
+) -> None:
+    name: str = controller.product_name
+    count: int = controller.memory_module_count
+    sizes: List[int] = controller.get_all(attributes.MEMORY_SIZE)
+    locator: str = controller.get(attributes.MEMORY_LOCATOR)
+    wrong: int = controller[attributes.PRODUCT_NAME]  # type: ignore[assignment]
+    machine.allowWrites(CONTROLLER, attributes.DRIVER_SETTING_1.id)
+    controller.driver_setting_1 = 3
+    for value, kind in ((name, str), (count, int), (sizes[0], int), (locator, str), (wrong, str)):
+        assert type(value) is kind
+
+
 def test_get_instance_reads_that_instance(controller: quenra.Controller) -> None:
     assert controller.get(attributes.MEMORY_SIZE, instance=1) == 0x2002
     assert controller.get(attributes.MEMORY_LOCATOR, 1) == "DIMM 2"

@@ -332,7 +332,7 @@ def test_plan_without_a_route_raises(session: Session, functions: Any) -> None:
 
 
 def test_plan_with_an_unknown_terminal_raises(session: Session) -> None:
-    with pytest.raises(quenra.StatusError) as caught:
+    with pytest.raises(quenra.StatusError, match="a route from 'nowhere' to 'PXI_Trig0'") as caught:
         session.plan("nowhere", "PXI_Trig0")
     assert caught.value.status is Status.NO_SUCH_TERMINAL
 
