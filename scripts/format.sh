@@ -4,4 +4,4 @@
 source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
 
 install_packages clang-format
-git ls-files --cached --others --exclude-standard -- '*.h' '*.c' '*.cpp' | xargs clang-format -i
+git ls-files --cached --others --exclude-standard -- '*.h' '*.hpp' '*.c' '*.cpp' | xargs clang-format -i

@@ -6,7 +6,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
 # bench/otherlibraries.cpp includes the headers of OpenSSL.
 install_packages "${native_packages[@]}" clang-format clang-tidy libssl-dev shellcheck
 step "clang-format"
-git ls-files --cached --others --exclude-standard -- '*.h' '*.c' '*.cpp' |
+git ls-files --cached --others --exclude-standard -- '*.h' '*.hpp' '*.c' '*.cpp' |
   xargs clang-format --dry-run --Werror
 step "shellcheck"
 git ls-files --cached --others --exclude-standard -- dev .ci/run '*.sh' | xargs shellcheck -x

@@ -16,7 +16,7 @@ QUESTION = re.compile(r"(What|Whoever|Who|Whom|Whether)\b(?!.*\?)")
 HOMELY = re.compile(r"\b(told|whoever|nobody|anew|one that is none)\b", re.IGNORECASE)
 SILENCE = "english: allow"
 
-SOURCE_SUFFIXES = {".h", ".c", ".cpp"}
+SOURCE_SUFFIXES = {".h", ".hpp", ".c", ".cpp"}
 SCRIPT_SUFFIXES = {".py", ".cmake", ".sh"}
 SCRIPT_NAMES = {"CMakeLists.txt", "dev"}
 # Texts of others, and the document that names the words.

@@ -11,7 +11,7 @@ import pathlib
 import re
 import sys
 
-SOURCE_SUFFIXES = {".h", ".c", ".cpp"}
+SOURCE_SUFFIXES = {".h", ".hpp", ".c", ".cpp"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]', re.MULTILINE)
 WINDOWS_HEADERS = {
     "windows.h", "setupapi.h", "winioctl.h", "initguid.h", "cfgmgr32.h", "newdev.h", "process.h",
