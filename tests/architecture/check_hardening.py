@@ -15,11 +15,16 @@ import peimage
 
 # Fewer calls of __stack_chk_fail than this mean that the library's own code has no guards.
 FEWEST_GUARDED_FUNCTIONS = 50
+# The function __stack_chk_fail of stackguard.c: mov ecx, 2; int 0x29.
+FAILED_GUARD = b"\xB9\x02\x00\x00\x00\xCD\x29"
+# Functions without unwinding tables call nothing and change no register; the rest of an image has
+# them, or an exception that passes such a function ends the process.
+SMALLEST_UNWINDING_SHARE = 0.94
 LOADER_REPLACES_THIS = 0x00002B992DDFA232
 # Only the loader writes to them, and it changes their protection for that.
 READ_ONLY_SECTIONS = (".rdata", ".idata", ".CRT", ".rsrc")
-# Newer versions of GNU ld place it in .rdata.
-OPTIONAL_SECTIONS = (".CRT",)
+# Newer versions of GNU ld place the former in .rdata, lld places both there.
+OPTIONAL_SECTIONS = (".CRT", ".idata")
 
 
 def address_space(image):
@@ -50,10 +55,10 @@ def memory(image):
             yield f"section {name} is writable"
     # The loader finds the addresses to make writable through this entry.
     address, size = image.directories[peimage.IMPORT_ADDRESSES]
-    imports_section = found.get(".idata")
-    if imports_section and not (
-            imports_section.address <= address
-            and address + size <= imports_section.address + imports_section.virtual_size and size):
+    holder = next((section.name for section in image.sections
+                   if section.address <= address
+                   and address + size <= section.address + section.virtual_size), None)
+    if not size or holder not in (".idata", ".rdata"):
         yield "its directory does not have the import addresses"
 
 
@@ -76,25 +81,52 @@ def load_configuration(image, flags):
     if (found := image.number("H", address + 0x4E)) != flags:
         yield f"DependentLoadFlags are {found:#x}, not {flags:#x}"
     cookie = image.number("Q", address + 0x58) - image.base
-    if cookie != image.symbols().get("__stack_chk_guard"):
-        yield "the load configuration's cookie is not the guard of the stack"
-    elif image.number("Q", cookie) != LOADER_REPLACES_THIS:
+    if image.number("Q", cookie) != LOADER_REPLACES_THIS:
         yield "the loader would not replace the guard of the stack"
+    elif guard_reads(image, cookie, address + 0x58) < FEWEST_GUARDED_FUNCTIONS:
+        yield "the load configuration's cookie is not the guard of the stack"
+
+
+def references(image, instruction, targets):
+    """Number of instructions, given as a pattern, whose relative operand is one of the targets."""
+    code = sections(image)[".text"]
+    raw = image.bytes[code.place:code.place + code.size]
+    return sum(1 for match in re.finditer(instruction + rb"(?=(....))", raw, re.DOTALL)
+               if code.address + match.end() + 4 + struct.unpack("<i", match[1])[0] in targets)
+
+
+def guard_reads(image, cookie, except_for):
+    """Number of reads of the cookie, or of a place with its address, into a 64-bit register."""
+    targets = {cookie}
+    pointer = struct.pack("<Q", image.base + cookie)
+    for section in image.sections:
+        raw = image.bytes[section.place:section.place + section.size]
+        targets |= {section.address + match.start() for match in re.finditer(re.escape(pointer), raw)}
+    return references(image, rb"[\x48\x4C]\x8B[\x05\x0D\x15\x1D\x25\x2D\x35\x3D]",
+                      targets - {except_for})
 
 
 def stack_protector(image):
-    target = image.symbols().get("__stack_chk_fail")
-    if target is None:
+    code = sections(image)[".text"]
+    place = image.bytes.find(FAILED_GUARD, code.place, code.place + code.size)
+    if place < 0:
         yield "no function is guarded"
         return
-    code = sections(image)[".text"]
-    raw = image.bytes[code.place:code.place + code.size]
-    calls = sum(1 for match in re.finditer(rb"\xE8(?=(....))", raw, re.DOTALL)
-                if code.address + match.start() + 5
-                + struct.unpack("<i", match[1])[0] == target)
+    calls = references(image, rb"\xE8", {code.address + place - code.place})
     print(f"{calls} functions are guarded")
     if calls < FEWEST_GUARDED_FUNCTIONS:
         yield f"only {calls} functions are guarded"
+
+
+def unwinding(image):
+    address, size = image.directories[peimage.EXCEPTIONS]
+    functions = {struct.unpack_from("<II", image.bytes, image.place(entry))
+                 for entry in range(address, address + size, 12)}
+    covered = sum(end - start for start, end in functions)
+    share = covered / sections(image)[".text"].virtual_size
+    print(f"{100 * share:.1f} % of the code has unwinding tables")
+    if share < SMALLEST_UNWINDING_SHARE:
+        yield f"only {100 * share:.1f} % of the code has unwinding tables"
 
 
 def version(image, expected):
@@ -126,6 +158,9 @@ def checksum(image):
 def reproducible(image, source_folder):
     if image.time:
         yield f"it carries the time of its linking, {image.time}"
+    debug, size = image.directories[peimage.DEBUG]
+    if any(image.number("I", entry + 4) for entry in range(debug, debug + size, 28)):
+        yield "its debug directory carries a time"
     exports, _ = image.directories[peimage.EXPORTS]
     if exports and image.number("I", exports + 4):
         yield "its export directory carries a time"
@@ -137,7 +172,7 @@ def main():
     expected_version, source_folder, flags, libraries, path = sys.argv[1:]
     image = peimage.Image(path)
     faults = [*address_space(image), *memory(image), *imports(image, libraries.split(",")),
-              *load_configuration(image, int(flags, 0)), *stack_protector(image),
+              *load_configuration(image, int(flags, 0)), *stack_protector(image), *unwinding(image),
               *version(image, expected_version), *checksum(image),
               *reproducible(image, source_folder)]
     for fault in faults:

@@ -27,6 +27,10 @@ class Hardening(unittest.TestCase):
     def image_with(self, place, layout, value):
         changed = bytearray(self.image.bytes)
         struct.pack_into("<" + layout, changed, place, value)
+        return self.image_of(changed)
+
+    @staticmethod
+    def image_of(changed):
         with tempfile.TemporaryDirectory() as folder:
             file = pathlib.Path(folder) / "changed.dll"
             file.write_bytes(changed)
@@ -79,10 +83,37 @@ class Hardening(unittest.TestCase):
                          list(check_hardening.load_configuration(image, 0x800)))
 
     def test_a_guard_that_the_loader_does_not_replace_is_reported(self):
-        guard = self.image.place(self.image.symbols()["__stack_chk_guard"])
-        image = self.image_with(guard, "Q", 0)
+        image = self.image_with(self.image.place(self.cookie()), "Q", 0)
         self.assertEqual(["the loader would not replace the guard of the stack"],
                          list(check_hardening.load_configuration(image, 0x800)))
+
+    def cookie(self):
+        return self.image.number("Q", self.cookie_entry()) - self.image.base
+
+    def cookie_entry(self):
+        return self.image.directories[peimage.LOAD_CONFIGURATION][0] + 0x58
+
+    def test_a_cookie_that_no_function_reads_is_reported(self):
+        place = self.image.place(self.cookie())
+        elsewhere = place + 8 if place % 16 == 0 else place - 8
+        value = struct.pack("<Q", check_hardening.LOADER_REPLACES_THIS)
+        changed = bytearray(self.image.bytes)
+        changed[elsewhere:elsewhere + 8] = value
+        struct.pack_into("<Q", changed, self.image.place(self.cookie_entry()),
+                         self.image.base + self.cookie() + elsewhere - place)
+        self.assertEqual(["the load configuration's cookie is not the guard of the stack"],
+                         list(check_hardening.load_configuration(self.image_of(changed), 0x800)))
+
+    def test_missing_guards_are_reported(self):
+        place = self.image.bytes.index(check_hardening.FAILED_GUARD)
+        self.assertEqual(["no function is guarded"],
+                         list(check_hardening.stack_protector(self.image_with(place + 6, "B", 3))))
+
+    def test_missing_unwinding_tables_are_reported(self):
+        size_place = self.directory_place(peimage.EXCEPTIONS) + 4
+        size = self.image.directories[peimage.EXCEPTIONS][1] // 24 * 12
+        faults = list(check_hardening.unwinding(self.image_with(size_place, "I", size)))
+        self.assertRegex(faults[0], "^only .* of the code has unwinding tables$")
 
     def test_another_version_and_none_are_reported(self):
         self.assertEqual(["its file version is 0.1.0, not 9.9.9"],

@@ -1,10 +1,15 @@
-// The stack guard: the loader replaces its value, and an overwritten guard ends the process.
+// The stack guard: the loader replaces its value, and an overwritten guard ends the process. The
+// unwinding tables: an exception passes the functions of the C++ library that the linker added.
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <istream>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
 
 // The guard of this image.
 extern "C" uintptr_t __stack_chk_guard;  // NOLINT(bugprone-reserved-identifier)
@@ -59,6 +64,18 @@ TEST(StackGuard, WrittenOver_EndsTheProcessAtOnce) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(writeBehindAnArray(), testing::ExitedWithCode(static_cast<int>(kStackBufferOverrun)),
               "");
+}
+
+struct tFailingBuffer : std::streambuf {
+  int_type underflow() override { throw std::runtime_error("no data"); }
+};
+
+TEST(UnwindingTables, OfTheLinkedLibrary_LetAnExceptionPass) {
+  tFailingBuffer buffer;
+  std::istream stream(&buffer);
+  stream.exceptions(std::ios::badbit);
+  std::string word;
+  EXPECT_THROW(stream >> word, std::runtime_error);
 }
 
 }  // namespace
