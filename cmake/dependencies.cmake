@@ -14,8 +14,23 @@ include(GoogleTest)
 # folder holds links to these libraries only.
 set(host_headers ${CMAKE_BINARY_DIR}/hostheaders)
 file(MAKE_DIRECTORY ${host_headers})
-foreach(name CLI boost rapidjson)
+set(linked_headers CLI boost rapidjson)
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 19)
+  # RapidJSON 1.1 assigns to a constant member in a function that is never used. Newer versions of
+  # clang reject that, and newer packages of RapidJSON have no such function.
+  file(READ /usr/include/rapidjson/document.h document)
+  string(REPLACE "{ s = rhs.s; length = rhs.length; }" "= delete;" document "${document}")
+  list(REMOVE_ITEM linked_headers rapidjson)
+  file(COPY /usr/include/rapidjson DESTINATION ${host_headers} PATTERN document.h EXCLUDE)
+  file(CONFIGURE OUTPUT ${host_headers}/rapidjson/document.h CONTENT "${document}" @ONLY)
+endif()
+foreach(name ${linked_headers})
   file(CREATE_LINK /usr/include/${name} ${host_headers}/${name} SYMBOLIC)
 endforeach()
 add_library(header_libraries INTERFACE)
 target_include_directories(header_libraries SYSTEM INTERFACE ${host_headers})
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 16)
+  # Boost 1.74 casts constants to enumerations that have no such value.
+  target_compile_options(header_libraries INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wno-enum-constexpr-conversion>)
+endif()

@@ -8,6 +8,9 @@ add_link_options(-Wl,--dynamicbase,--high-entropy-va,--nxcompat)
 # Reproducible builds: the output depends neither on the folder nor on the time of the build.
 add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
 add_link_options(-Wl,--no-insert-timestamp)
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+  include(lld)
+endif()
 
 set(image_sources ${CMAKE_SOURCE_DIR}/zoapal/protons/image/windows)
 add_library(stack_guard STATIC ${image_sources}/stackguard.c)
@@ -51,8 +54,12 @@ function(quenra_hardened name)
   target_compile_definitions(${name}_load_configuration PRIVATE
     DEPENDENT_LOAD_FLAGS=${arg_DEPENDENT_LOAD_FLAGS})
   target_link_libraries(${name} PRIVATE ${name}_load_configuration stack_guard)
-  set(enter ${CMAKE_SOURCE_DIR}/cmake/enterloadconfiguration.py)
-  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${enter})
-  add_custom_command(TARGET ${name} POST_BUILD
-    COMMAND ${Python3_EXECUTABLE} ${enter} $<TARGET_FILE:${name}>)
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    quenra_database(${name} ${file_name})
+  else()
+    set(enter ${CMAKE_SOURCE_DIR}/cmake/enterloadconfiguration.py)
+    set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${enter})
+    add_custom_command(TARGET ${name} POST_BUILD
+      COMMAND ${Python3_EXECUTABLE} ${enter} $<TARGET_FILE:${name}>)
+  endif()
 endfunction()

@@ -1,13 +1,16 @@
 #!/usr/bin/env bash
-# ./dev bench [windows] [MEBIBYTES]: measures firmware decoding, natively or under Wine.
+# ./dev bench [windows | windows-clang] [MEBIBYTES]: measures firmware decoding, natively or under Wine.
 # shellcheck source=scripts/lib/machine.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 
-if [[ ${1:-} == windows ]]; then
+if [[ ${1:-} == windows || ${1:-} == windows-clang ]]; then
+  preset=$1
   shift
   end_machine_on_exit
-  install_packages "${windows_packages[@]}" "${machine_packages[@]}" libssl-dev
-  build_preset windows firmware_bench
+  install_packages_of "$preset"
+  install_packages "${machine_packages[@]}" libssl-dev
+  use_programs_of "$preset"
+  build_preset "$preset" firmware_bench
   make_prefix
   run_windows "$binaries/firmware_bench.exe" "$@" | cat
 else

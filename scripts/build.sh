@@ -4,10 +4,7 @@
 source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
 
 for preset in "${@:-windows}"; do
-  case $preset in
-    windows | native | thread) ;;
-    *) fail "there is no preset '$preset'; use windows, native or thread" ;;
-  esac
+  is_preset "$preset"
 done
 for preset in "${@:-windows}"; do
   install_packages_of "$preset"

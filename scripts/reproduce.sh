@@ -1,11 +1,17 @@
 #!/usr/bin/env bash
-# ./dev reproduce: builds the delivered files from two copies of the source, in folders of different
-# names, and compares the bytes.
+# ./dev reproduce [windows-clang]: builds the delivered files from two copies of the source, in folders
+# of different names, and compares the bytes.
 # shellcheck source=scripts/lib/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
 
 readonly folder=$build/reproduction
-readonly delivered=(quenra.dll quenra.exe quenra-sim.exe)
+readonly preset=${1:-windows}
+delivered=(quenra.dll quenra.exe quenra-sim.exe)
+case $preset in
+  windows) ;;
+  windows-clang) delivered+=("${delivered[@]/%/.pdb}") ;;
+  *) fail "there is no preset '$preset' to reproduce; use windows or windows-clang" ;;
+esac
 # With a compiler cache the check would compare a build with itself.
 unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
 
@@ -15,17 +21,17 @@ build_copy() {
   mkdir -p "$copy"
   git ls-files -z --cached --others --exclude-standard |
     tar --null --files-from=- --ignore-failed-read -cf - | tar -xf - -C "$copy"
-  (cd "$copy" && cmake --preset windows >/dev/null 2>&1 &&
-    cmake --build --preset windows -j "$jobs" --target quenra_dll quenra_exe quenra-sim -- --quiet)
+  (cd "$copy" && cmake --preset "$preset" >/dev/null 2>&1 &&
+    cmake --build --preset "$preset" -j "$jobs" --target quenra_dll quenra_exe quenra-sim -- --quiet)
 }
 
-install_packages "${windows_packages[@]}"
+install_packages_of "$preset"
 build_copy "$folder/first"
 build_copy "$folder/another-place"
 failed=0
 for name in "${delivered[@]}"; do
-  if cmp "$folder"/{first,another-place}/build/windows/bin/"$name"; then
-    sha256sum "$folder/first/build/windows/bin/$name" | sed "s| .*/|  |"
+  if cmp "$folder"/{first,another-place}/build/"$preset"/bin/"$name"; then
+    sha256sum "$folder/first/build/$preset/bin/$name" | sed "s| .*/|  |"
   else
     failed=1
   fi

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# ./dev test: sets up, builds, and runs every test, natively and in the simulated machine.
+# ./dev test [PRESET…]: sets up, builds, and runs every test, natively and in the simulated machine.
 # shellcheck source=scripts/lib/machine.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 
@@ -11,17 +11,29 @@ report_faults() {
     "$(awk '{ sum += $1 } END { print sum }' "${counts[@]}")" "${#counts[@]}"
 }
 
+presets=("$@")
+(($#)) || presets=(native native-library thread windows)
+for preset in "${presets[@]}"; do
+  [[ $preset == native-library ]] || is_preset "$preset"
+done
 end_machine_on_exit
 install_packages "${native_packages[@]}" "${machine_packages[@]}" "${docs_packages[@]}" groff-base \
   mono-mcs mono-runtime mypy python3-jsonschema python3-pytest
-for preset in native thread windows; do
-  build_preset "$preset"
+for preset in "${presets[@]}"; do
+  install_packages_of "$preset"
+  if [[ $preset == native-library ]]; then
+    build_preset "$preset" quenra_native
+  else
+    build_preset "$preset"
+  fi
 done
-build_preset native-library quenra_native
-machine_on
 rm -rf "$build/native/tests/faultsweep/faults"
 failed=()
-for preset in native native-library thread windows; do
+for preset in "${presets[@]}"; do
+  if [[ $preset == windows* ]]; then
+    use_programs_of "$preset"
+    machine_on
+  fi
   step "Testing $preset"
   ctest --preset "$preset" || failed+=("$preset")
 done

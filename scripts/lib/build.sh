@@ -10,6 +10,8 @@ cd "$root"
 
 # Prefer the tools of the Debian packages to other tools of the same names.
 export PATH=/usr/sbin:/usr/bin:/sbin:/bin:$PATH
+# Compilers would add the folders of these variables, and a program database would contain them.
+unset CPATH C_INCLUDE_PATH CPLUS_INCLUDE_PATH LIBRARY_PATH
 # Wine decodes the arguments of a program in the encoding of the locale.
 export LC_ALL=C.UTF-8
 
@@ -17,6 +19,8 @@ readonly windows_packages=(
   cmake g++-mingw-w64-x86-64-posix libboost-dev libcli11-dev libgmock-dev libgtest-dev ninja-build
   python3 rapidjson-dev
 )
+# One version on every system: cmake/mingw-w64-clang.cmake names it.
+readonly windows_clang_packages=("${windows_packages[@]}" clang-19 lld-19 llvm-19)
 readonly native_packages=("${windows_packages[@]}" clang g++ libclang-rt-dev libwine-dev)
 # shellcheck disable=SC2034
 readonly machine_packages=(wine wine64)
@@ -55,12 +59,20 @@ install_packages() {
     fail "installing packages failed; try: apt-get install ${missing[*]}"
 }
 
+# Fails for a name that is not a preset for which ./dev builds and tests.
+is_preset() {
+  case $1 in
+    windows | windows-clang | native | thread) ;;
+    *) fail "there is no preset '$1'; use windows, windows-clang, native or thread" ;;
+  esac
+}
+
 install_packages_of() {
-  if [[ $1 == windows ]]; then
-    install_packages "${windows_packages[@]}"
-  else
-    install_packages "${native_packages[@]}"
-  fi
+  case $1 in
+    windows) install_packages "${windows_packages[@]}" ;;
+    windows-clang) install_packages "${windows_clang_packages[@]}" ;;
+    *) install_packages "${native_packages[@]}" ;;
+  esac
 }
 
 # Configures a preset, unless it is configured with the same treatment of warnings. With

@@ -3,7 +3,15 @@
 # shellcheck source=scripts/lib/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/build.sh"
 
-readonly binaries=$build/windows/bin binaries_remedy="run ./dev build"
+# Selects the preset whose programs run. There is one machine: switching to the programs of another
+# preset installs their driver.
+use_programs_of() {
+  [[ $1 == windows || $1 == windows-clang ]] ||
+    fail "preset '$1' has no Windows programs; use windows or windows-clang"
+  binaries=$build/$1/bin
+  binaries_remedy="run ./dev build $1"
+}
+use_programs_of windows
 readonly machine=$build/machine # Wine's prefix: the disk of the simulated machine
 readonly machine_log=$build/machine.log machine_lock=$build/.machine.lock machine_lifetime=-p600
 # shellcheck source=simulator/machine.sh

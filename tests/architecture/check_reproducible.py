@@ -4,11 +4,13 @@
 Usage: check_reproducible.py NINJA BUILD TARGET_FILE SOURCE...
 
 Links the library again, and compiles the sources in two other folders with its own commands; all
-results must have the same bytes. `./dev reproduce` compares two complete builds.
+results must have the same bytes, and so must the program database that lld writes.
+`./dev reproduce` compares two complete builds.
 """
 
 import json
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
@@ -43,7 +45,8 @@ def command_of(build, source):
 def compile_in(folder, build, root, source):
     """The object file that a build in that folder would produce."""
     words = command_of(build, source)
-    compiler = next(index for index, word in enumerate(words) if "mingw32" in word)
+    compiler = next(index for index, word in enumerate(words)
+                    if re.search(r"/(x86_64-w64-mingw32-g|clang)\+\+", word))
     words = [word.replace(str(root), str(folder)) for word in words[compiler:]]
     place = folder / build.relative_to(root)
     place.mkdir(parents=True, exist_ok=True)
@@ -74,9 +77,14 @@ def main():
                 faults.append(f"{source} gives other bytes in another folder")
         (folder / "link").mkdir()
         relinked = link_again(ninja, build, library, folder / "link")
-        subprocess.run([sys.executable, root / "cmake" / "enterloadconfiguration.py", relinked], check=True)
-        if relinked.read_bytes() != (build / library).read_bytes():
-            faults.append(f"{library} has other bytes when it is linked again")
+        database = pathlib.Path(f"{library}.pdb")
+        if not (build / database).exists():
+            subprocess.run([sys.executable, root / "cmake" / "enterloadconfiguration.py", relinked],
+                           check=True)
+        for name in (library, database):
+            if (build / name).exists() and (
+                    (relinked.parents[1] / name).read_bytes() != (build / name).read_bytes()):
+                faults.append(f"{name} has other bytes when it is linked again")
     for fault in faults:
         print(fault)
     return 1 if faults else 0

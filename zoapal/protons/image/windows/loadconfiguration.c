@@ -1,4 +1,4 @@
-/* The load configuration of an image, for the loader. GNU ld does not enter it into the image's directory;
+/* The load configuration of an image, for the loader. lld enters it into the image's directory; for GNU ld,
  * cmake/enterloadconfiguration.py does after linking. */
 #include <stddef.h>
 #include <stdint.h>
