@@ -110,7 +110,6 @@ class RouteConflictError(StatusError):
         holders: Tuple[RouteHolder, ...] = (),
     ):
         super().__init__(code, operation, details)
-        self.args = (code, operation, details, holders)
         self.holders = holders
         """The conflicting routes."""
 

@@ -10,7 +10,7 @@ import pickle
 import re
 import subprocess
 import sys
-from typing import Any, Dict, Iterator, Tuple
+from typing import Any, Dict, Iterator, List, Tuple
 
 import pytest
 
@@ -53,20 +53,51 @@ def test_package_calls_every_function() -> None:
         assert f'"{name}"' in text or f'"{short}"' in text, name
 
 
-def declarations() -> Iterator[Tuple[str, int]]:
+# The types of ctypes by those of the headers, without annotations and const.
+TYPES: Dict[str, Any] = {
+    "void": None,
+    "bool": ctypes.c_bool,
+    "int32_t": ctypes.c_int32,
+    "uint32_t": ctypes.c_uint32,
+    "uint64_t": ctypes.c_uint64,
+    "int32_t*": ctypes.POINTER(ctypes.c_int32),
+    "uint32_t*": ctypes.POINTER(ctypes.c_uint32),
+    "uint64_t*": ctypes.POINTER(ctypes.c_uint64),
+    "double*": ctypes.POINTER(ctypes.c_double),
+    "const char*": ctypes.c_char_p,
+    "char*": ctypes.c_void_p,
+    "char**": ctypes.POINTER(ctypes.c_void_p),
+    "const void*": ctypes.c_char_p,
+    "void*": ctypes.c_void_p,
+    "zoerr_Status*": ctypes.POINTER(quenra._library.StatusRecord),
+    "zoroco_RoutingAdaptorSession*": ctypes.c_void_p,
+    "zoroco_TerminalIterator*": ctypes.c_void_p,
+    "zoroco_Reallocate": quenra._library.Reallocate,
+    "zoroco_DemotionCallback": quenra._library.DemotionCallback,
+}
+
+
+def declarations() -> Iterator[Tuple[str, str, List[str]]]:
+    """Name, result and arguments of each function in the headers."""
     for header in ("quenra.h", "quenra_routing.h"):
         text = (REPOSITORY / "include" / header).read_text()
         text = re.sub(r"/\*.*?\*/", "", text, flags=re.DOTALL)
-        text = text.replace("(*size)", "").replace("(size)", "")
-        for name, arguments in re.findall(r"(\w+)\(([^()]*)\);", text):
+        text = re.sub(r"QUENRA_[A-Z_]+(\(\*?size\))? ", "", text)
+        for result, name, arguments in re.findall(
+            r"^((?:const )?\w+\*?)\s+(\w+)\(([^()]*)\);", text, re.MULTILINE
+        ):
             if name in SIGNATURES:
-                yield name, 0 if arguments.strip() == "void" else arguments.count(",") + 1
+                words = " ".join(arguments.split())
+                types = [re.sub(r"\s*\w+$", "", word) for word in words.split(", ")]
+                yield name, result, [] if words == "void" else types
 
 
-def test_functions_have_as_many_arguments_as_in_the_headers() -> None:
-    counts = dict(declarations())
-    assert set(counts) == set(SIGNATURES)
-    assert counts == {name: len(arguments) for name, (_, arguments) in SIGNATURES.items()}
+def test_functions_have_the_types_of_the_headers() -> None:
+    expected = {
+        name: (TYPES[result], tuple(TYPES[argument] for argument in arguments))
+        for name, result, arguments in declarations()
+    }
+    assert expected == SIGNATURES
 
 
 def test_status_record_has_the_layout_of_the_header() -> None:
