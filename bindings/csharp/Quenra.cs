@@ -483,9 +483,10 @@ namespace Quenra
             }
         }
 
-        private delegate int TextReader(byte[] buffer, ref ulong size);
+        internal delegate int TextReader(byte[] buffer, ref ulong size);
 
-        private static int ReadText(TextReader read, string operation, out byte[] text)
+        // Reads a text of any length.
+        internal static int ReadText(TextReader read, string operation, out byte[] text)
         {
             // Receives every text of the machine's table, and every device path.
             ulong size = 256;
@@ -1218,7 +1219,7 @@ namespace Quenra
         private static string Shortened(string text)
         {
             const int most = 200;
-            return text.Length <= most ? text : text.Substring(0, most) + "…";
+            return text.Length <= most ? text : text.Substring(0, most) + "...";
         }
 
         private static byte[] NameOf(ResetMode mode)
@@ -1498,8 +1499,8 @@ namespace Quenra
             }
             finally
             {
-                // Outside of the lock: this may destroy the session, which waits for a handler of a
-                // demotion, which may wait for the lock.
+                // The last reference destroys the session, which waits for a handler of a demotion: not
+                // with the lock. A handler that waits for the lock has a reference itself.
                 if (referenced)
                 {
                     DangerousRelease();

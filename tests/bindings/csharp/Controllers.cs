@@ -271,12 +271,47 @@ namespace Quenra.Tests
         {
             using (Controller controller = Controller.Open())
             {
-                foreach (int length in new[] { 0, 1, 127, 253, 254 })
+                foreach (int length in new[] { 0, 1, 127, 254, 255 })
                 {
                     string text = new string('v', length);
                     Fake.SetAttribute(Device.Marten, Attributes.FirmwareVersion, text);
                     Assert.Equal(text, controller.Get(Attributes.FirmwareVersion, 0, Selector.Marten));
                 }
+            }
+        }
+
+        public static void ReadText_TextThatGrowsBetweenTwoCalls_IsComplete()
+        {
+            var sizes = new List<ulong>();
+            byte[] text;
+            int code = Controller.ReadText((byte[] buffer, ref ulong size) =>
+            {
+                sizes.Add(size);
+                Assert.Equal((ulong)buffer.LongLength, size);
+                Assert.Equal(0, buffer[0]);
+                size += sizes.Count == 1 ? 1000ul : 1ul;
+                return sizes.Count == 3 ? 0 : (int)Status.BufferTooSmall;
+            }, "reading", out text);
+            Assert.Equal(0, code);
+            Assert.Sequence(new ulong[] { 256, 1256, 1257 }, sizes);
+            Assert.Equal(1257, text.Length);
+        }
+
+        public static void ReadText_ImplausibleSize_ThrowsInsteadOfRepeating()
+        {
+            foreach (ulong needed in new ulong[] { 0, 256, int.MaxValue + 1ul, ulong.MaxValue })
+            {
+                int calls = 0;
+                byte[] text;
+                QuenraException failure = Assert.Fails(Status.BufferTooSmall, () => Controller.ReadText(
+                    (byte[] buffer, ref ulong size) =>
+                    {
+                        ++calls;
+                        size = needed;
+                        return (int)Status.BufferTooSmall;
+                    }, "reading a text", out text));
+                Assert.Contains("reading a text failed", failure.Message);
+                Assert.Equal(1, calls);
             }
         }
 

@@ -202,6 +202,55 @@ namespace Quenra.Tests
             }
         }
 
+        private static TerminalIteratorHandle OpenIterator(RoutingSession session)
+        {
+            var iterator = new TerminalIteratorHandle(session.Handle);
+            session.Call("opening", (IntPtr handle, ref StatusRecord status) =>
+            {
+                iterator.Open(handle, ref status);
+                return true;
+            });
+            return iterator;
+        }
+
+        // The library answers so for a destroyed iterator; one that was opened is at the first terminal.
+        private static bool IsDestroyed(IntPtr iterator)
+        {
+            return NativeMethods.zoroco_ra_quenra_TerminalIterator_isEnd(iterator);
+        }
+
+        public static void TerminalIterator_Disposed_IsDestroyed()
+        {
+            using (RoutingSession session = Open())
+            {
+                TerminalIteratorHandle iterator = OpenIterator(session);
+                IntPtr handle = iterator.DangerousGetHandle();
+                Assert.True(!IsDestroyed(handle), "the iterator does not exist");
+                iterator.Dispose();
+                Assert.True(IsDestroyed(handle), "the iterator exists");
+            }
+        }
+
+        public static void TerminalIterator_DisposedDuringACall_IsDestroyedByTheNextCall()
+        {
+            using (RoutingSession session = Open())
+            {
+                TerminalIteratorHandle iterator = OpenIterator(session);
+                IntPtr handle = iterator.DangerousGetHandle();
+                var running = new ManualResetEvent(false);
+                var release = new ManualResetEvent(false);
+                var call = new Thread(() => session.Handle.Serialize(ignored => running.Set() && release.WaitOne(10000)));
+                call.Start();
+                Assert.True(running.WaitOne(10000), "the call did not start");
+                iterator.Dispose();
+                Assert.True(!IsDestroyed(handle), "the iterator was destroyed during a call of its session");
+                release.Set();
+                call.Join();
+                Assert.Equal(1, session.HandledConstraints.Count);
+                Assert.True(IsDestroyed(handle), "the iterator exists");
+            }
+        }
+
         public static void ResetTerminal_Modes_ReachTheDriver()
         {
             using (RoutingSession session = Open())
@@ -366,7 +415,7 @@ namespace Quenra.Tests
             {
                 QuenraException failure = Assert.Fails(
                     Status.InvalidParameter, () => session.Plan("TRIG_SMB", new string('x', 5000000)));
-                Assert.Contains("xxx… failed: document too large. An argument is invalid", failure.Message);
+                Assert.Contains("xxx... failed: document too large. An argument is invalid", failure.Message);
                 Assert.Contains("\"offset\":4194304", failure.Details);
                 Assert.True(failure.Message.Length < 1000, "the message repeats the document");
             }
@@ -726,7 +775,6 @@ namespace Quenra.Tests
             Assert.Throws<ObjectDisposedException>(() => session.Plan("TRIG_SMB", "PXI_Trig0"));
         }
 
-        // Without the release outside of the session's lock, the handler and Dispose wait for each other.
         public static void Dispose_WhileAHandlerUsesTheSession_WaitsForTheHandler()
         {
             for (int round = 0; round < 20; ++round)

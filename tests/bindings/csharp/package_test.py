@@ -51,7 +51,10 @@ def make_package(name):
 def documented_programs():
     """The programs of the page with their output."""
     text = (ROOT / "docs/csharp.md").read_text("utf-8")
-    return re.findall(r"```csharp\n([^`]*)```\n\n```text\n([^`]*)```", text)
+    programs = re.findall(r"```csharp\n([^`]*)```\n\n```text\n([^`]*)```", text)
+    if len(programs) != text.count("```csharp\n"):
+        raise AssertionError("docs/csharp.md has a program without output")
+    return programs
 
 
 class Package(unittest.TestCase):
