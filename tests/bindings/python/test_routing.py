@@ -426,6 +426,32 @@ def test_driver_warning_in_a_calculation_treated_as_error_keeps_the_route_known(
     assert any("destroy-route" in line for line in machine.lines("log"))
 
 
+def test_description_buffer_has_the_form_of_the_header() -> None:
+    status = quenra.routing._Status()
+    record = status.record
+    resize = ctypes.cast(record.reallocate, quenra._library.ReallocateStatus)
+    address = ctypes.addressof(record)
+
+    def content() -> bytes:
+        return ctypes.string_at(record.description, record.capacity)
+
+    assert resize(address, 10)
+    assert content() == b"{}" + bytes(record.capacity - 3) + b"J"
+    ctypes.memmove(record.description, b'{"line":5}', 10)
+    before = record.description
+    assert resize(address, record.capacity)
+    assert record.description == before
+    assert resize(address, 5000)
+    assert record.capacity >= 5000
+    assert content() == b'{"line":5}' + bytes(record.capacity - 11) + b"J"
+    before = record.description
+    assert not resize(address, 0x80000000)
+    assert record.description == before
+    assert resize(address, 0)
+    assert (record.capacity, record.description) == (0, None)
+    assert quenra.routing._descriptions == {}
+
+
 # ---- Demotion ----
 
 
