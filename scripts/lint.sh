@@ -9,7 +9,8 @@ step "clang-format"
 git ls-files --cached --others --exclude-standard -- '*.h' '*.hpp' '*.c' '*.cpp' |
   xargs clang-format --dry-run --Werror
 step "shellcheck"
-git ls-files --cached --others --exclude-standard -- dev .ci/run '*.sh' | xargs shellcheck -x
+git ls-files --cached --others --exclude-standard -- dev .ci/run packaging/simulator/quenra-machine '*.sh' |
+  xargs shellcheck -x
 configure_preset native
 step "clang-tidy"
 # The project's C++ sources: the database also lists C sources, generated sources and GoogleTest.
