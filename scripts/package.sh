@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
-# ./dev package [--test]: makes the packages in build/package. With --test it also runs their tests.
+# ./dev package [--sign CERTIFICATE KEY [--timestamp URL]] [--test]: makes the packages in build/package.
+# With --sign it signs library, programs and installer. With --test it also runs the tests of the packages.
 # shellcheck source=scripts/lib/machine.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
+# shellcheck source=scripts/lib/signing.sh
+source "$root/scripts/lib/signing.sh"
 
 readonly packaging=$root/packaging
 readonly binary_folder=$build/windows
@@ -28,11 +31,15 @@ stage_completions() {
   run_windows "$folder/bin/quenra.exe" completion powershell >"$folder/share/quenra/completion.ps1"
 }
 
+sign() { [[ ! $certificate ]] || sign_files "$certificate" "$key" "$timestamp" "$@"; }
+sign_programs() { sign "$stage/$1"/bin/*.dll "$stage/$1"/bin/*.exe; }
+
 # ---- One function for each artefact ----
 
 make_zip() {
   local name=$product-win64
   stage_components "$name" library commandline development documentation
+  sign_programs "$name"
   stage_completions "$stage/$name"
   bill_of_materials licenses "$binary_folder" "$stage/$name"
   make_archive "$name"
@@ -65,6 +72,23 @@ make_wheel() {
   }
 }
 
+# Contains the files of make_zip.
+make_installer() {
+  local name=$product-win64
+  python3 -B "$packaging/installer/make_installer.py" "$stage/$name" "$version" "$output/$name.msi"
+  sign "$output/$name.msi"
+}
+
+make_simulator() {
+  local name=quenra-simulator-$version
+  stage_components "$name" library commandline simulator
+  sign_programs "$name"
+  bill_of_materials licenses "$binary_folder" "$stage/$name"
+  make_archive "$name"
+  bill_of_materials document "$binary_folder" "$stage/$name" "$output/$name.zip" "$version" \
+    "$output/$name.spdx.json"
+}
+
 make_checksums() {
   local files
   mapfile -t files < <(find "$output" -maxdepth 1 -type f -printf '%P\n' | sort)
@@ -81,11 +105,14 @@ make_packages() {
   make_symbols
   make_nupkg
   make_wheel
+  make_installer
+  make_simulator
   make_checksums
 }
 
 test_packages() {
-  install_packages clang lld pkgconf python3-license-expression python3-pip
+  install_packages clang lld openssl osslsigncode pkgconf python3-license-expression python3-pip \
+    unzip
   step "Making the packages again, to compare the bytes"
   make_packages "$build/package-again"
   cmp "$build/package/SHA256SUMS" "$build/package-again/SHA256SUMS" ||
@@ -96,17 +123,38 @@ test_packages() {
     python3 -B -m unittest discover -s "$root/tests/packages" -p '*_test.py'
 }
 
-tests=no
-for argument in "$@"; do
-  case $argument in
+usage_error() { fail "$*: ./dev package [--sign CERTIFICATE KEY [--timestamp URL]] [--test]"; }
+
+tests=no certificate='' key='' timestamp=''
+while (($#)); do
+  case $1 in
     --test) tests=yes ;;
-    *) fail "there is no option '$argument': ./dev package [--test]" ;;
+    --sign)
+      (($# >= 3)) || usage_error "--sign requires a certificate and its key"
+      certificate=$(in_caller_folder "$2") key=$(in_caller_folder "$3")
+      shift 2
+      ;;
+    --timestamp)
+      [[ ${2:-} =~ ^https?://[^[:space:]]+$ ]] || usage_error "--timestamp requires the URL of an authority"
+      timestamp=$2
+      shift
+      ;;
+    *) usage_error "there is no option '$1'" ;;
   esac
+  shift
 done
+[[ ! $timestamp || $certificate ]] || usage_error "--timestamp requires --sign"
+[[ $tests == no || ! $certificate ]] ||
+  usage_error "--test requires packages without signatures, which contain the time of signing"
+if [[ $certificate ]]; then
+  install_packages openssl osslsigncode
+  check_signing "$certificate" "$key"
+fi
+readonly certificate key timestamp
 
 end_machine_on_exit
 install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm mono-mcs mono-runtime \
-  python3-hatchling
+  python3-hatchling msitools wixl
 build_preset windows quenra_dll quenra_exe quenra-sim shipped
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$binary_folder/CMakeCache.txt")
 readonly product=quenra-$version
