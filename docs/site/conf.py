@@ -5,6 +5,8 @@ import re
 import sys
 
 import docutils.nodes
+import pygments.lexer
+import pygments.token
 import sphinx.addnodes
 import sphinx.search
 from sphinx.search.en import SearchEnglish
@@ -66,6 +68,20 @@ class LinkSymbols(SphinxTransform):
             link += literal
 
 
+class Console(pygments.lexer.RegexLexer):
+    """Commands after the prompts of the pages, `$ ` and `> `, and their output."""
+
+    name = "console"
+    tokens = {
+        "root": [
+            (r"^([$>] )(.*?)(  +# .*)?(\n)",
+             pygments.lexer.bygroups(pygments.token.Generic.Prompt, pygments.token.Text, pygments.token.Comment,
+                                     pygments.token.Text)),
+            (r".*\n", pygments.token.Generic.Output),
+        ],
+    }
+
+
 class SearchWithNumbers(SearchEnglish):
     """Finds status codes by their number. The search drops words of digits, so they receive a letter in the
     index and in the query."""
@@ -83,5 +99,6 @@ var splitQuery = (query) => query
 
 def setup(app):
     sphinx.search.languages["en"] = SearchWithNumbers
+    app.add_lexer("console", Console)
     app.add_transform(LinkSymbols)
     return {"parallel_read_safe": True}

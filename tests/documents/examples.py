@@ -176,6 +176,20 @@ def words_of_windows(line):
     return list(lexer)
 
 
+def is_run(block):
+    return "no-run" not in block.options and (block.page, block.language) not in TESTED_ELSEWHERE
+
+
+def check(block):
+    """Requires a known language, and a reason for a block that no test runs."""
+    if block.language not in LANGUAGES + READ_ONLY:
+        raise block.error(f"the language '{block.language}' is none of {', '.join(LANGUAGES + READ_ONLY)}")
+    if block.options.get("no-run") == "":
+        raise block.error('state the reason: no-run="REASON"')
+    if is_run(block) and block.language in READ_ONLY:
+        raise block.error(f'no test can run {block.language}: state the reason, no-run="REASON"')
+
+
 # ---- Comparing ----
 
 def pattern_of(line, varies):
@@ -235,16 +249,9 @@ class Reader:
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def run(self, block):
-        if "no-run" in block.options:
-            if not block.options["no-run"]:
-                raise block.error('state the reason: no-run="REASON"')
+        check(block)
+        if not is_run(block):
             return
-        if (block.page, block.language) in TESTED_ELSEWHERE:
-            return
-        if block.language in READ_ONLY:
-            raise block.error(f'no test can run {block.language}: state the reason, no-run="REASON"')
-        if block.language not in LANGUAGES:
-            raise block.error(f"the language '{block.language}' is none of {', '.join(LANGUAGES)}")
         for command in commands_of(block, block.prepare) if block.prepare else ():
             self.command(block, command)
         if name := block.options.get("save"):
