@@ -47,7 +47,7 @@ TIME_LIMIT_SECONDS = 120
 LANGUAGES = ("console", "sh", "c", "cpp", "python", "json", "text")
 # The tests of the bindings run the programs of their pages, with the library that a binding needs.
 TESTED_ELSEWHERE = {
-    ("docs/cpp.md", "cpp"): "tests/bindings/cpp_page.py",
+    ("docs/cpp.md", "cpp"): "tests/bindings/cpp/cpp_page.py",
     ("docs/python.md", "python"): "tests/bindings/python/test_guide.py",
     ("docs/csharp.md", "csharp"): "tests/bindings/csharp/package_test.py",
 }
