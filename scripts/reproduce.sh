@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # ./dev reproduce [windows-clang]: builds the delivered files from two copies of the source, in folders
-# of different names, and compares the bytes.
+# of different names, installs them with their symbols, and compares the bytes.
 # shellcheck source=scripts/lib/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
 
@@ -21,8 +21,15 @@ build_copy() {
   mkdir -p "$copy"
   git ls-files -z --cached --others --exclude-standard |
     tar --null --files-from=- --ignore-failed-read -cf - | tar -xf - -C "$copy"
-  (cd "$copy" && cmake --preset "$preset" >/dev/null 2>&1 &&
-    cmake --build --preset "$preset" -j "$jobs" --target quenra_dll quenra_exe quenra-sim -- --quiet)
+  (
+    cd "$copy"
+    cmake --preset "$preset" >/dev/null 2>&1
+    cmake --build --preset "$preset" -j "$jobs" \
+      --target quenra_dll quenra_exe quenra-sim shipped -- --quiet
+    for component in library commandline development documentation symbols; do
+      cmake --install "build/$preset" --prefix installed --component "$component" >/dev/null
+    done
+  )
 }
 
 install_packages_of "$preset"
@@ -36,4 +43,5 @@ for name in "${delivered[@]}"; do
     failed=1
   fi
 done
+diff -r "$folder"/{first,another-place}/installed || failed=1
 exit "$failed"

@@ -1,10 +1,12 @@
 """Programs that users build against the package, each in an empty folder with the tools of its user."""
 
 import pathlib
+import re
 import shutil
 import subprocess
+import unittest
 
-from unpacked import VERSION, PackageTest, run, run_windows
+from unpacked import ROOT, VERSION, PackageTest, run, run_windows
 
 HERE = pathlib.Path(__file__).resolve().parent
 C_COMPILER = "x86_64-w64-mingw32-gcc-posix"
@@ -33,6 +35,15 @@ class CMakeConsumer(PackageTest):
     def test_find_package_in_cpp_runs(self):
         program = self.build("mingw", CONSUMER_LANGUAGE="CXX",
                              CONSUMER_SOURCE=self.examples / "productname.c")
+        self.assert_prints_product_name(program)
+
+    @unittest.skipUnless((ROOT / "include/quenra.hpp").is_file(), "the C++ binding is not merged yet")
+    def test_cpp_binding_of_the_package_runs(self):
+        source = self.folder / "program.cpp"
+        source.write_text("#include <iostream>\n#include <quenra.hpp>\n"
+                          "int main() { std::cout << quenra::controller{}.get(quenra::product_name) << '\\n'; }\n")
+        program = self.build("mingw", CONSUMER_LANGUAGE="CXX", CMAKE_CXX_STANDARD="17",
+                             CMAKE_CXX_FLAGS="-Wall -Wextra -Wconversion -Werror", CONSUMER_SOURCE=source)
         self.assert_prints_product_name(program)
 
     def test_find_package_for_visual_c_links_its_import_library(self):
@@ -89,6 +100,37 @@ class CommandLineConsumer(PackageTest):
         output = run_windows(program, device, "PXI_Trig0", "PXI_Trig1", folder=self.folder)
         self.assertIn("terminal PXI_Trig7", output.splitlines())
         self.assertIn('connected: ["PXI_Trig0","PXI_Trig1"]', output.splitlines())
+
+
+class Page(PackageTest):
+    """The commands of docs/packages.md, as they are written, with FOLDER for the package."""
+
+    def setUp(self):
+        super().setUp()
+        (self.folder / "FOLDER").symlink_to(self.package)
+        shutil.copy(self.examples / "productname.c", self.folder / "program.c")
+
+    def blocks(self, language):
+        page = (self.package / "share/doc/quenra/docs/packages.md").read_text()
+        return re.findall(rf"^```{language}\b[^\n]*\n(.*?)^```$", page, re.M | re.S)
+
+    def test_shell_commands_build_a_program_that_runs(self):
+        scripts = self.blocks("sh")
+        self.assertEqual(len(scripts), 2)
+        for script in scripts:
+            run("bash", "-euc", script, folder=self.folder)
+            self.copy_library()
+            self.assert_prints_product_name(self.folder / "program.exe")
+            (self.folder / "program.exe").unlink()
+
+    def test_cmake_lines_build_a_program_that_runs_beside_its_library(self):
+        project = "cmake_minimum_required(VERSION 3.21)\nproject(page LANGUAGES C)\n"
+        (self.folder / "CMakeLists.txt").write_text(project + "\n".join(self.blocks("cmake")))
+        run("cmake", "-G", "Ninja", "-B", "build", "-DCMAKE_PREFIX_PATH=" + str(self.folder / "FOLDER"),
+            f"-DCMAKE_TOOLCHAIN_FILE={HERE / 'cmakeproject/mingw.cmake'}", folder=self.folder)
+        run("cmake", "--build", "build", folder=self.folder)
+        self.assertTrue((self.folder / "build/quenra.dll").is_file())
+        self.assert_prints_product_name(self.folder / "build/program.exe")
 
 
 class RunTimeLoading(PackageTest):

@@ -20,7 +20,7 @@ VERSION = os.environ["QUENRA_VERSION"]
 PRODUCT = f"quenra-{VERSION}"
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PRODUCT_NAME = "qctl-8840"  # of the simulated machine
-TIME_LIMIT_SECONDS = 120
+TIME_LIMIT_SECONDS = 300
 
 
 def run(*command, folder=None, variables=None):
