@@ -34,6 +34,9 @@ stage_completions() {
 sign() { [[ ! $certificate ]] || sign_files "$certificate" "$key" "$timestamp" "$@"; }
 sign_programs() { sign "$stage/$1"/bin/*.dll "$stage/$1"/bin/*.exe; }
 
+# The headers have another place beside the pages than in the source.
+relink_pages() { sed -i 's#](\.\./include/#](../../../../include/#g' "$1"/share/doc/quenra/docs/*.md; }
+
 # ---- One function for each artefact ----
 
 make_zip() {
@@ -41,6 +44,7 @@ make_zip() {
   stage_components "$name" library commandline development documentation
   sign_programs "$name"
   stage_completions "$stage/$name"
+  relink_pages "$stage/$name"
   bill_of_materials licenses "$binary_folder" "$stage/$name"
   make_archive "$name"
   bill_of_materials document "$binary_folder" "$stage/$name" "$output/$name.zip" "$version" \

@@ -18,6 +18,7 @@ EXPECTED = """
 bin/quenra.dll
 bin/quenra.exe
 include/quenra.h
+include/quenra.hpp
 include/quenra_annotations.h
 include/quenra_attributes.h
 include/quenra_routing.h
