@@ -74,6 +74,7 @@ make_wheel() {
     cat "$source.log" >&2
     fail "building the wheel failed"
   }
+  chmod 644 "$output/$product-py3-none-win_amd64.whl" # hatchling leaves it readable by the owner only
 }
 
 # Contains the files of make_zip.
