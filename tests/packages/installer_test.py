@@ -162,6 +162,8 @@ class Installation(Packages):
         cls.run_wine("wineboot", "-i")
         cls.run_wine("wineserver", "-w")
         cls.run_wine("wineserver", "-p")
+        # Wine's default may be older than the oldest version that the package supports.
+        cls.run_wine("wine", "winecfg", "-v", "win10")
         cls.disk = prefix / "drive_c"
         cls.installed = cls.disk / "Program Files/quenra"
         # The first installation creates folders and keys of Wine's own, which stay.
@@ -275,6 +277,12 @@ class Installation(Packages):
         self.install(NEWER)
         self.install(VERSION, code=UNSUCCESSFUL)
         self.assert_installed(NEWER)
+
+    def test_Windows7_IsRefused(self):
+        self.run_wine("wine", "winecfg", "-v", "win7")
+        self.addCleanup(self.run_wine, "wine", "winecfg", "-v", "win10")
+        self.install(VERSION, code=UNSUCCESSFUL)
+        self.assertFalse(self.installed.exists())
 
     def test_DamagedAndMissingFiles_AreRepaired(self):
         self.install(VERSION)
