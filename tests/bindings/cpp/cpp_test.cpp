@@ -1640,23 +1640,22 @@ TEST_F(CppRouting, PlanningWithFailingAllocations_LeavesNoRoute) {
       const nFakeWindows::tAllocationPlan plan(nth);
       routes = session.plan("TRIG_SMB", "PXI_Trig0", inversion::possible);
     } catch (const std::bad_alloc&) {
+      EXPECT_THAT(states(), IsEmpty()) << nth;
       ++failures;
     } catch (const quenra::error& error) {
       EXPECT_EQ(error.code(), std::errc::not_enough_memory) << nth;
-      ++failures;
+      // The library documents that the driver keeps routes whose answer finds no memory.
+      for (const tSimulatorRoute& held : machine().routes()) {
+        static_cast<void>(session.adopt(held.ticket));
+      }
     }
     if (!routes.empty()) {
       EXPECT_THAT(routes, SizeIs(2));
       break;
     }
-    // The library documents that the driver keeps routes whose answer finds no memory.
-    for (const tSimulatorRoute& held : machine().routes()) {
-      EXPECT_EQ(failures, nth);
-      static_cast<void>(session.adopt(held.ticket));
-    }
     ASSERT_LT(nth, 200u);
   }
-  EXPECT_GT(failures, 5u);
+  EXPECT_GT(failures, 3u) << "of the header";
 }
 
 #endif
