@@ -1,4 +1,4 @@
-#include "simulator/control/requestlogtext.h"
+#include "simulator/control/tsimulatedmachine.h"
 
 #include <algorithm>
 #include <array>

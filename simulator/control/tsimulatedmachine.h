@@ -115,6 +115,17 @@ class tSimulatedMachine {
   std::unique_ptr<tChannel> channel_;
 };
 
+// ---- The log as text ----
+
+// "controller", "marten", ...; the number for an unknown interface.
+[[nodiscard]] std::string interfaceName(uint32_t interfaceKind);
+// "get-attribute", ...; the code in hexadecimal for an unknown request.
+[[nodiscard]] std::string requestName(uint32_t requestCode);
+
+// Formats a log entry as one line without a line end: the interface, the request with its members
+// by name, and the reply.
+[[nodiscard]] std::string requestLogLine(const tSimulatorLogEntry& entry);
+
 }  // namespace nSimulator
 
 #endif

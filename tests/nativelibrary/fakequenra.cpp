@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "quenra.h"
-#include "simulator/control/requestlogtext.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/builders/smbiostablebuilder.h"

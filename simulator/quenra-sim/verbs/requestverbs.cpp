@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "simulator/control/requestlogtext.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 

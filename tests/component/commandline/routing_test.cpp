@@ -1,7 +1,6 @@
 #include "quenra_attributes.h"
 #include "tests/component/commandline/commandlinetest.h"
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/routing/routedocuments.h"
 #include "tools/quenra/routing/troutingsession.h"
 
 namespace nTests {

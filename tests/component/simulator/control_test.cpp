@@ -6,7 +6,6 @@
 
 #include "protocol/controllerrequests.h"
 #include "protocol/pendingrequests.h"
-#include "simulator/control/requestlogtext.h"
 #include "simulator/control/tsimulatedmachine.h"
 
 namespace nTests {

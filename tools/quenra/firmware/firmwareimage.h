@@ -6,12 +6,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "source/user/firmware/tsectionheaders.h"
 #include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/streams.h"
+#include "tools/quenra/output/tjsondocument.h"
 #include "zoapal/protons/status/zoerrstatus.h"
 
 namespace nCommandLine {
@@ -95,6 +98,25 @@ struct tNewSection {
 
 // The text of a section, with a line end at its end.
 [[nodiscard]] std::string sectionText(const tNewSection& section);
+
+// ---- Output, as text and as JSON ----
+
+// "3 sections", "1 section"
+[[nodiscard]] std::string countOf(size_t count, std::string_view one);
+
+void printSections(const tStreams& streams, const tFirmwareImage& image);
+
+// The reason why the library refuses a section, with the values that differ.
+[[nodiscard]] std::string faultText(const tImageSection& section);
+
+// Prints a message for every section that the library refuses, and for every remark.
+void printFaults(std::ostream& stream, const std::string& path, const tFirmwareImage& image);
+
+// The member "remarks" of a section.
+void writeRemarks(tJsonDocument& document, const std::vector<tSectionRemark>& remarks);
+
+// The member "image".
+void writeImage(tJsonDocument& document, const std::string& path, const tFirmwareImage& image);
 
 }  // namespace nCommandLine
 

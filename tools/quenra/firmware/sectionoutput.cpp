@@ -1,4 +1,4 @@
-#include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 
 #include "source/user/failuresites.h"
 #include "tools/quenra/output/table.h"

@@ -1,4 +1,4 @@
-#include "tools/quenra/routing/routedocuments.h"
+#include "tools/quenra/routing/troutingsession.h"
 
 #include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>

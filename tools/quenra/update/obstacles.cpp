@@ -8,7 +8,7 @@
 #include "quenra_status.h"
 #include "source/user/failuresites.h"
 #include "source/user/update/driverpackage.h"
-#include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/tables/statustable.h"
 

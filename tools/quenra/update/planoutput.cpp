@@ -1,6 +1,6 @@
-#include "tools/quenra/update/planoutput.h"
+#include "tools/quenra/update/updateplan.h"
 
-#include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/text/utf8text.h"

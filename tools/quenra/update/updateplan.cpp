@@ -4,7 +4,7 @@
 
 #include "quenra_attributes.h"
 #include "source/user/firmware/imageformat.h"
-#include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 
 namespace nCommandLine {
 namespace {

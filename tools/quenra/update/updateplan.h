@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,8 @@
 #include "source/user/update/updateplan.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/streams.h"
+#include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/update/updateports.h"
 
@@ -132,6 +135,31 @@ struct tUpdateResult {
 // Precondition: `code` is negative, and `plan` has no refused section.
 [[nodiscard]] tUpdateResult failureOf(int32_t code, const std::vector<tPlannedSection>& plan,
                                       const tUpdateMachine& machine, iUpdateFacts& facts);
+
+// ---- Output of plan and result, as text and as JSON ----
+
+// Prints the installed versions, and the action for each section in a column headed `heading`.
+void printPlan(const tStreams& streams, const tUpdateMachine* machine,
+               const std::vector<tPlannedSection>& plan, std::string_view heading);
+
+// Prints each obstacle with its code and remedy.
+void printObstacles(std::ostream& stream, const std::vector<tObstacle>& obstacles);
+
+// Prints the remarks that are not obstacles.
+void printRemarks(std::ostream& stream, const std::vector<tPlannedSection>& plan,
+                  const tUpdateOptions& options);
+
+// Prints a line for each section that the plan applies.
+void printResults(std::ostream& stream, const std::vector<tPlannedSection>& plan,
+                  const tUpdateResult& result);
+
+// Writes the members "installed", "sections" and "obstacles".
+void writeInstalled(tJsonDocument& document, const tUpdateMachine* machine);
+void writePlan(tJsonDocument& document, const std::vector<tPlannedSection>& plan);
+// As above, with the result of each section.
+void writePlan(tJsonDocument& document, const std::vector<tPlannedSection>& plan,
+               const tUpdateResult& result);
+void writeObstacles(tJsonDocument& document, const std::vector<tObstacle>& obstacles);
 
 }  // namespace nCommandLine
 

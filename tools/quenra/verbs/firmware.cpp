@@ -6,7 +6,6 @@
 #include "source/user/firmware/imageformat.h"
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/firmwareimage.h"
-#include "tools/quenra/firmware/sectionoutput.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/text/argumenttext.h"
 

@@ -1,10 +1,10 @@
 #include "tools/quenra/firmware/files.h"
-#include "tools/quenra/firmware/sectionoutput.h"
+#include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/update/planoutput.h"
+#include "tools/quenra/update/updateplan.h"
 #include "tools/quenra/update/updaterun.h"
 #include "tools/quenra/verbs/verbs.h"
 
