@@ -4,7 +4,7 @@
 #include <string>
 
 #include "simulator/control/tsimulatedmachine.h"
-#include "tools/quenra/text/utf8text.h"
+#include "tools/commandline/utf8text.h"
 
 namespace nSimulator {
 namespace {

@@ -1,11 +1,36 @@
 #include "tools/quenra/commandline.h"
 
-#include "tools/quenra/grammar/parser.h"
+#include <algorithm>
+
+#include "tools/commandline/grammar.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/verbtable.h"
 
 namespace nCommandLine {
 namespace {
+
+struct tFunctionRow {
+  std::string_view verb;
+  tVerbFunction function;
+};
+
+constexpr tFunctionRow kFunctions[] = {
+    {"info", runInfo},
+    {"get", runGet},
+    {"set", runSet},
+    {"self-test", runSelfTest},
+    {"terminals", runTerminals},
+    {"route plan", runRoutePlan},
+    {"route connect", runRouteConnect},
+    {"firmware inspect", runFirmwareInspect},
+    {"firmware verify", runFirmwareVerify},
+    {"firmware build", runFirmwareBuild},
+    {"update", runUpdate},
+    {"attributes", runAttributes},
+    {"explain", runExplain},
+    {"completion", runCompletion},
+    {kHelpVerb, runHelp},
+    {kVersionVerb.name, runVersion},
+};
 
 tExitCode report(const tCommandError& error, const tVerbContext& context, tCommandWords words) {
   printError(context.streams.error, error);
@@ -18,7 +43,9 @@ tExitCode report(const tCommandError& error, const tVerbContext& context, tComma
 tExitCode runWords(const tVerbContext& context, tCommandWords words) {
   try {
     const tArguments arguments = parseArguments(kGrammar, words);
-    return arguments.verb().run(arguments, context);
+    return functionOf(arguments.verb())(arguments, context);
+  } catch (const tUsageError& error) {
+    return report(error, context, words);
   } catch (const tCommandError& error) {
     return report(error, context, words);
   } catch (const std::exception& exception) {
@@ -47,10 +74,16 @@ tExitCode reportOutputFailure(const tStreams& streams) {
 
 }  // namespace
 
+tVerbFunction functionOf(const tVerbRow& verb) noexcept {
+  const auto* const row = std::ranges::find(kFunctions, verb.name, &tFunctionRow::verb);
+  return row == std::ranges::end(kFunctions) ? nullptr : row->function;
+}
+
 int runCommandLine(int argc, const char* const* argv, tStreams& streams, const tPorts& ports) {
   const tCommandWords words =
       tCommandWords(argv, static_cast<size_t>(argc)).subspan(argc > 0 ? 1 : 0);
-  tExitCode exitCode = runWords({ports, streams, requestsJson(words), kGrammar}, words);
+  tExitCode exitCode =
+      runWords({ports, streams, hasOption(words, kJsonOption.name), kGrammar}, words);
   if (!streams.out.flush()) {
     // The caller must not mistake a truncated answer for a complete one.
     exitCode = reportOutputFailure(streams);

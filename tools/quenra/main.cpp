@@ -17,10 +17,10 @@
 #include <system_error>
 #include <vector>
 
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/quenradll.h"
-#include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/update/updateonwindows.h"
 
 namespace {

@@ -1,9 +1,9 @@
-#include "tools/quenra/verbtable.h"
+#include "tools/quenra/commandline.h"
 
 #include <iterator>
 
 #include "source/user/firmware/imageformat.h"
-#include "tools/quenra/grammar/generatedtexts.h"
+#include "tools/commandline/generatedtexts.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/verbs/verbs.h"
@@ -45,41 +45,16 @@ tWords statuses() {
   return words;
 }
 
-// The first words of all verbs, in the order of the table.
 tWords verbs() {
-  tWords words;
-  for (const tVerbRow& verb : kGrammar.verbs) {
-    const std::string_view first = verb.name.substr(0, verb.name.find(' '));
-    const tVerbGroupRow* const group = kGrammar.findGroup(first);
-    if (words.empty() || words.back().word != first) {
-      words.push_back({first, group == nullptr ? verb.summary : group->summary});
-    }
-  }
-  return words;
-}
-
-tWords actionsOf(std::string_view group) {
-  tWords words;
-  for (const tVerbRow& verb : kGrammar.verbs) {
-    if (const std::string_view action = verb.actionIn(group); !action.empty()) {
-      words.push_back({action, verb.summary});
-    }
-  }
-  return words;
+  return kGrammar.verbWords();
 }
 
 tWords firmwareActions() {
-  return actionsOf("firmware");
+  return kGrammar.actionWords("firmware");
 }
 
 tWords routeActions() {
-  return actionsOf("route");
-}
-
-tWords shells() {
-  tWords words;
-  append(words, kShells, &tShellRow::name, &tShellRow::use);
-  return words;
+  return kGrammar.actionWords("route");
 }
 
 tWords devices() {
@@ -247,7 +222,7 @@ constexpr tExampleRow kExplainExamples[] = {
 // ---- completion ----
 
 constexpr tPositionalRow kCompletionPositionals[] = {
-    {nWords::kShell, "bash|powershell", "The shell", &kShellWords},
+    {kCompletionShell, "bash|powershell", "The shell", &kShellWords},
 };
 constexpr tExampleRow kCompletionExamples[] = {
     {"completion bash", "the script; 'source <(...)' loads it"},
@@ -258,10 +233,10 @@ constexpr tExampleRow kCompletionExamples[] = {
 
 constexpr tPositionalRow kHelpPositionals[] = {
     {kHelpTopic, "VERB", "The verb", &kVerbWords, false},
-    {nWords::kAction, "ACTION", "The action, if the verb has actions", nullptr, false},
+    {kHelpAction, "ACTION", "The action, if the verb has actions", nullptr, false},
 };
 constexpr tOptionRow kHelpOptions[] = {
-    {nWords::kManual, "", "Print the manual page quenra(1) instead, as man reads it"},
+    {kHelpManual, "", "Print the manual page quenra(1) instead, as man reads it"},
 };
 constexpr tExampleRow kHelpExamples[] = {
     {"help get", "the help of one verb"},
@@ -277,12 +252,12 @@ constexpr tVerbGroupRow kGroups[] = {
 constexpr tVerbRow kRows[] = {
     {"info", "Show all attributes of this machine, by subject",
      "An attribute that the machine does not have is shown as such and is not an error. Other reads that fail are shown with their code.",
-     {}, {}, kInfoExamples, runInfo},
+     {}, {}, kInfoExamples},
 
     {"get", "Show one attribute",
      "On a terminal a number comes with its unit and its meaning; elsewhere the bare value is printed. "
      "Without an interface option the library chooses the interface.",
-     kGetPositionals, kGetOptions, kGetExamples, runGet},
+     kGetPositionals, kGetOptions, kGetExamples},
 
     {"set", "Write one attribute",
      "The driver decides which attributes it accepts. Numbers go to the controller interface, or with "
@@ -291,44 +266,44 @@ constexpr tVerbRow kRows[] = {
      "--marten to the Marten interface alone. On a terminal a line confirms the value that was "
      "written; elsewhere success is silent. A value that begins with a dash follows --, after all "
      "options.",
-     kSetPositionals, kSetOptions, kSetExamples, runSet},
+     kSetPositionals, kSetOptions, kSetExamples},
 
     {"self-test", "Test the controller",
      "Opens the controller and runs the self-test of the library, which passes if the controller can be opened.",
-     {}, {}, kSelfTestExamples, runSelfTest},
+     {}, {}, kSelfTestExamples},
 
     {"terminals", "List the trigger terminals",
      "A trigger route begins and ends at one of them: the trigger lines of the chassis, the trigger "
      "connector, the watchdog.",
-     {}, {}, kTerminalsExamples, runTerminals},
+     {}, {}, kTerminalsExamples},
 
     {"route plan", "Show the routes between two terminals",
      "The driver calculates them; nothing is reserved. A cost far above the others is that of a line "
      "that another route holds. Without a route the exit code is 3.",
-     {}, kRoutePlanOptions, kRoutePlanExamples, runRoutePlan},
+     {}, kRoutePlanOptions, kRoutePlanExamples},
 
     {"route connect", "Connect two terminals",
      "Calculates a route, reserves it, programs it, and holds it until Ctrl-C or for the given time; "
      "then releases it in order. When other routes hold a line that it needs, their tickets and "
      "sessions are reported. When the driver demotes the route and takes its line away, the standard "
      "error stream reports it at once, and the exit code is 1.",
-     {}, kRouteConnectOptions, kRouteConnectExamples, runRouteConnect},
+     {}, kRouteConnectOptions, kRouteConnectExamples},
 
     {"firmware inspect", "Show the sections of a firmware image",
      "Each section with its device, type, version, file name, size and CRC, its place in the order of application, and the verdict of the library. A section that the library rejects is shown with the reason; the sections after it are checked as well, although one fault prevents the whole image from being applied. Needs no controller.",
-     kImagePositionals, {}, kFirmwareInspectExamples, runFirmwareInspect},
+     kImagePositionals, {}, kFirmwareInspectExamples},
 
     {"firmware verify", "Check whether an update would apply a firmware image",
      "The exit code is 1 when a section is refused or has a file name that is not plain, or the file has "
      "no section; every fault is printed on the standard error stream. The devices of the machine and "
      "their versions are not considered. Needs no controller.",
-     kImagePositionals, {}, kFirmwareVerifyExamples, runFirmwareVerify},
+     kImagePositionals, {}, kFirmwareVerifyExamples},
 
     {"firmware build", "Build a firmware image, one section at a time",
      "A version has the form major.minor.update, a phase letter (d, a, b or f) and a build number: "
      "1.4.2f7. The image is read back before it is written, and an existing file is replaced with "
      "--force only. Needs no controller.",
-     kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples, runFirmwareBuild},
+     kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples},
 
     {"update", "Apply a firmware image, or show its plan",
      "Prints the plan, shows the elapsed time of the update, and reports the result of each section. An "
@@ -336,29 +311,32 @@ constexpr tVerbRow kRows[] = {
      "with a remedy. An update that would send, install and write nothing does not call the library. "
      "Ctrl-C does not interrupt an update that has started. With --plan nothing is changed, and the "
      "exit code is that of the update.",
-     kImagePositionals, kUpdateOptions, kUpdateExamples, runUpdate},
+     kImagePositionals, kUpdateOptions, kUpdateExamples},
 
     {"attributes", "List every attribute with its id, type, access and unit",
      "Needs no controller.",
-     {}, {}, kAttributesExamples, runAttributes},
+     {}, {}, kAttributesExamples},
 
     {"explain", "Explain a status code and its remedy",
      "Codes that the library does not define are those of the driver, returned unchanged. Needs no controller.",
-     kExplainPositionals, {}, kExplainExamples, runExplain},
+     kExplainPositionals, {}, kExplainExamples},
 
     {"completion", "Print the script that completes command lines in a shell",
      "Shells then complete verbs, options, names of attributes, terminals and devices, constants of "
      "status codes, and file names. Needs no controller.",
-     kCompletionPositionals, {}, kCompletionExamples, runCompletion},
+     kCompletionPositionals, {}, kCompletionExamples},
 
-    {"help", "Show the help of the program or of a verb",
+    {kHelpVerb, "Show the help of the program or of a verb",
      "",
-     kHelpPositionals, kHelpOptions, kHelpExamples, runHelp},
+     kHelpPositionals, kHelpOptions, kHelpExamples},
 };
 // clang-format on
 
-constexpr tVerbRow kHelpVerb{"help", "", "", {}, {}, {}, runHelp};
-constexpr tVerbRow kVersionVerb{"version", "", "", {}, {}, {}, runVersion};
+constexpr tOptionRow kOptionsOfEveryVerb[] = {kHelpOption, kJsonOption};
+
+constexpr tEnvironmentRow kEnvironment[] = {
+    {"NO_COLOR", "If it is set and not empty, output on a terminal has no styles."},
+};
 
 constexpr const tWordSet* kWordSets[] = {
     &kReadableWords, &kWritableWords, &kStatusWords, &kVerbWords,     &kFirmwareWords,
@@ -373,18 +351,24 @@ constinit const tWordSet kStatusWords{"statuses", statuses};
 constinit const tWordSet kVerbWords{"verbs", verbs};
 constinit const tWordSet kFirmwareWords{"firmware", firmwareActions};
 constinit const tWordSet kRouteWords{"route", routeActions};
-constinit const tWordSet kShellWords{"shells", shells};
 constinit const tWordSet kDeviceWords{"devices", devices};
 constinit const tWordSet kTerminalWords{"terminals", terminals};
 
 constinit const tGrammar kGrammar{
+    "quenra",
     "show the controller of a PXI chassis and change its settings",
+    "quenra shows the controller of a PXI chassis as aligned tables or as JSON. Only the verbs "
+    "set, route connect and update change the controller. quenra also inspects and builds firmware "
+    "images. Results are printed on standard output; failures and warnings are printed on standard "
+    "error, each with its code, its constant and advice. With --json, standard output is exactly "
+    "one JSON document, also after a failure.",
     kRows,
     kGroups,
     kWordSets,
     &kVerbWords,
-    &kHelpVerb,
-    &kVersionVerb,
+    kOptionsOfEveryVerb,
+    kExitCodes,
+    kEnvironment,
 };
 
 }  // namespace nCommandLine

@@ -10,7 +10,7 @@
 #include "simulator/quenra-sim/installation/installation.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 #include "simulator/scenario/servicescenarios.h"
-#include "tools/quenra/text/utf8text.h"
+#include "tools/commandline/utf8text.h"
 
 namespace nSimulator {
 namespace {

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/quenra/text/utf8text.h"
+#include "tools/commandline/utf8text.h"
 
 namespace nSimulator {
 

@@ -5,11 +5,11 @@
 #include <sstream>
 
 #include "tests/builders/repositoryfile.h"
-#include "tools/quenra/grammar/parser.h"
+#include "tools/commandline/argumenttext.h"
+#include "tools/commandline/grammar.h"
+#include "tools/quenra/commandline.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/argumenttext.h"
-#include "tools/quenra/verbtable.h"
 
 namespace nTests {
 namespace {
@@ -139,13 +139,21 @@ TEST(VerbTable, EveryExample_IsACommandLineOfItsVerb) {
   }
 }
 
+TEST(VerbTable, EveryVerb_HasAFunction) {
+  for (const tVerbRow& verb : kGrammar.verbs) {
+    EXPECT_NE(functionOf(verb), nullptr) << verb.name;
+  }
+  EXPECT_NE(functionOf(kVersionVerb), nullptr);
+  EXPECT_EQ(functionOf({"nothing"}), nullptr);
+}
+
 TEST(VerbTable, NamesAreUsedOnce) {
   std::set<std::string_view> verbs;
   for (const tVerbRow& verb : kGrammar.verbs) {
     EXPECT_TRUE(verbs.insert(verb.name).second) << verb.name;
     EXPECT_EQ(kGrammar.findVerb(verb.name), &verb);
     std::set<std::string_view> words;
-    for (const tOptionRow& row : kOptionsOfTheProgram) {
+    for (const tOptionRow& row : kGrammar.optionsOfEveryVerb) {
       words.insert(row.name);
     }
     for (const tOptionRow& row : verb.options) {
@@ -195,7 +203,7 @@ TEST(VerbTable, ErrorSchema_ListsEveryVerb) {
 TEST(Documentation, SynopsisOfEveryVerb_IsInTheGuide) {
   const std::vector<std::string> lines = linesOf("docs/command-line.md");
   for (const tVerbRow& verb : kGrammar.verbs) {
-    const std::string documented = synopsis(verb);
+    const std::string documented = synopsis(kGrammar, verb);
     EXPECT_THAT(lines, testing::Contains(
                            testing::AnyOf(documented, testing::StartsWith(documented + "  "))));
   }
@@ -204,7 +212,7 @@ TEST(Documentation, SynopsisOfEveryVerb_IsInTheGuide) {
 TEST(Documentation, ExitCodeTable_IsThatOfTheProgram) {
   tRows expected;
   for (const tExitCodeRow& row : kExitCodes) {
-    expected.push_back({std::to_string(exitNumber(row.code)), std::string(row.meaning)});
+    expected.push_back({std::to_string(row.code), std::string(row.meaning)});
   }
   const tRows documented = tableUnder("docs/command-line.md", "## Exit codes");
   ASSERT_EQ(documented.size(), expected.size());

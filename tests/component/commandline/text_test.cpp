@@ -3,8 +3,8 @@
 #include <limits>
 #include <utility>
 
-#include "tools/quenra/text/argumenttext.h"
-#include "tools/quenra/text/utf8text.h"
+#include "tools/commandline/argumenttext.h"
+#include "tools/commandline/utf8text.h"
 
 namespace nTests {
 namespace {

@@ -8,7 +8,7 @@
 #include "tests/component/protons/trace/debuggerlistener.h"
 #include "tests/component/zoarkra/sessiontest.h"
 #include "tests/fakewindows/debugger.h"
-#include "tools/quenra/verbtable.h"
+#include "tools/quenra/commandline.h"
 #include "zoarkra/topography.h"
 
 namespace nTests {

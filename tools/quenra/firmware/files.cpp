@@ -18,10 +18,10 @@
 #include <fcntl.h>
 #endif
 
+#include "tools/commandline/argumenttext.h"
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/text/argumenttext.h"
-#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

@@ -15,8 +15,8 @@
 #include "source/user/firmware/tfirmwareimageparser.h"
 #include "source/user/firmware/timagetext.h"
 #include "source/user/update/updateplan.h"
+#include "tools/commandline/argumenttext.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/argumenttext.h"
 
 namespace nCommandLine {
 namespace {

@@ -1,10 +1,10 @@
 #include "tools/quenra/firmware/firmwareimage.h"
 
 #include "source/user/failuresites.h"
+#include "tools/commandline/argumenttext.h"
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/argumenttext.h"
-#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

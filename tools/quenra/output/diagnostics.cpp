@@ -1,9 +1,8 @@
 #include "tools/quenra/output/diagnostics.h"
 
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/argumenttext.h"
-#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {
@@ -72,16 +71,11 @@ void writeHolders(tJsonDocument& document, std::span<const tRouteHolder> holders
 }  // namespace
 
 void printError(std::ostream& stream, const tCommandError& error) {
-  stream << "quenra: " << printableText(error.what()) << '\n';
+  printFault(stream, "quenra", error.what());
   if (error.status()) {
     printStatus(stream, *error.status(), error.site());
   }
-  if (!error.suggestions().empty()) {
-    stream << "  Did you mean " << alternatives(error.suggestions()) << "?\n";
-  }
-  if (!error.advice().empty()) {
-    stream << "  " << error.advice() << '\n';
-  }
+  printRemedy(stream, error.suggestions(), error.advice());
 }
 
 void printWarnings(std::ostream& stream, std::span<const tWarning> warnings) {

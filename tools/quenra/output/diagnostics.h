@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "tools/commandline/grammar.h"
+
 namespace nCommandLine {
 
 class tJsonDocument;
@@ -27,27 +29,22 @@ enum class tExitCode : uint8_t {
   outputFailedAfterChange = 5,
 };
 
-struct tExitCodeRow {
-  tExitCode code;
-  std::string_view meaning;
-};
-
-// The exit codes that the help and the guide document. Scripts rely on them.
-inline constexpr tExitCodeRow kExitCodes[] = {
-    {tExitCode::done, "done"},
-    {tExitCode::failure,
-     "the library reported a failure, an image has a fault, or a file or the output cannot be "
-     "used"},
-    {tExitCode::wrongUsage, "wrong usage"},
-    {tExitCode::notSupported, "not supported on this machine"},
-    {tExitCode::noController, "no controller could be reached"},
-    {tExitCode::outputFailedAfterChange,
-     "the machine was changed, but the output could not be written"},
-};
-
 [[nodiscard]] constexpr int exitNumber(tExitCode code) noexcept {
   return static_cast<int>(code);
 }
+
+// The exit codes that the help and the guide document. Scripts rely on them.
+inline constexpr tExitCodeRow kExitCodes[] = {
+    {exitNumber(tExitCode::done), "done"},
+    {exitNumber(tExitCode::failure),
+     "the library reported a failure, an image has a fault, or a file or the output cannot be "
+     "used"},
+    {exitNumber(tExitCode::wrongUsage), "wrong usage"},
+    {exitNumber(tExitCode::notSupported), "not supported on this machine"},
+    {exitNumber(tExitCode::noController), "no controller could be reached"},
+    {exitNumber(tExitCode::outputFailedAfterChange),
+     "the machine was changed, but the output could not be written"},
+};
 
 // An operation of the library that succeeded with a positive code.
 struct tWarning {
@@ -86,12 +83,12 @@ class tCommandError : public std::runtime_error {
         exitCode_(exitCode),
         status_(status),
         advice_(std::move(advice)) {}
-  // Wrong usage. `suggestions` are words that the user may have meant.
-  tCommandError(const std::string& what, std::string advice, std::vector<std::string> suggestions)
-      : std::runtime_error(what),
+  // Implicit, so that both errors are reported alike.
+  tCommandError(const tUsageError& error)
+      : std::runtime_error(error),
         exitCode_(tExitCode::wrongUsage),
-        advice_(std::move(advice)),
-        suggestions_(std::move(suggestions)) {}
+        advice_(error.advice()),
+        suggestions_(error.suggestions()) {}
 
   [[nodiscard]] tExitCode exitCode() const noexcept { return exitCode_; }
   [[nodiscard]] std::optional<int32_t> status() const noexcept { return status_; }

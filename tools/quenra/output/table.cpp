@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/quenra/text/utf8text.h"
+#include "tools/commandline/utf8text.h"
 
 namespace nCommandLine {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

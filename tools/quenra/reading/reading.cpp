@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "tools/quenra/text/argumenttext.h"
-#include "tools/quenra/text/utf8text.h"
+#include "tools/commandline/argumenttext.h"
+#include "tools/commandline/utf8text.h"
 
 namespace nCommandLine {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "tools/quenra/text/argumenttext.h"
+#include "tools/commandline/argumenttext.h"
 
 namespace nCommandLine {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "quenra_status.h"
-#include "tools/quenra/text/argumenttext.h"
+#include "tools/commandline/argumenttext.h"
 
 namespace nCommandLine {
 namespace {

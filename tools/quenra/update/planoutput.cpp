@@ -1,9 +1,9 @@
 #include "tools/quenra/update/updateplan.h"
 
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

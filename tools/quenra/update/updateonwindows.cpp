@@ -11,8 +11,8 @@
 
 #include "source/user/preconditions/preconditions.h"
 #include "source/user/update/driverpackage.h"
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/firmware/firmwareimage.h"
-#include "tools/quenra/text/utf8text.h"
 
 namespace nCommandLine {
 namespace {

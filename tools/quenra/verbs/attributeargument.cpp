@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "tools/commandline/argumenttext.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/tables/attributetable.h"
-#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
@@ -13,8 +13,8 @@ namespace {
 constexpr int kIdDigits = 8;
 
 [[noreturn]] void reject(const std::string& what, std::vector<std::string> suggestions = {}) {
-  throw tCommandError(what, "Run 'quenra attributes' to list all attributes.",
-                      std::move(suggestions));
+  throw tUsageError(what, "Run 'quenra attributes' to list all attributes.",
+                    std::move(suggestions));
 }
 
 enum class tPurpose : uint8_t {
@@ -57,8 +57,8 @@ const tAttributeRow& settingByName(const std::string& text, tPurpose purpose) {
            purpose == tPurpose::reading ? suggestAttributes(text) : suggestWritable(text));
   }
   if (purpose == tPurpose::reading) {
-    throw tCommandError(std::string(row->name) + " can only be written",
-                        "Run 'quenra set " + std::string(row->name) + " VALUE' to write it.", {});
+    throw tUsageError(std::string(row->name) + " can only be written",
+                      "Run 'quenra set " + std::string(row->name) + " VALUE' to write it.", {});
   }
   return *row;
 }
@@ -72,20 +72,20 @@ tAttributeArgument attributeByName(const std::string& text, tPurpose purpose) {
 void applyInstance(const std::string& text, tAttributeAddress& address) {
   const auto instance = parseUnsigned(text);
   if (!instance || *instance > tAttributeAddress::kInstanceMask) {
-    throw tCommandError(
+    throw tUsageError(
         numberFault(text, "an instance", 0, tAttributeAddress::kInstanceMask),
         "Instances are numbered from 0; run 'quenra info' to list those of this machine.", {});
   }
   if (address.instance != 0 && address.instance != *instance) {
-    throw tCommandError("the id contains another instance than --instance",
-                        "Give the instance in one place.", {});
+    throw tUsageError("the id contains another instance than --instance",
+                      "Give the instance in one place.", {});
   }
   address.instance = static_cast<uint8_t>(*instance);
 }
 
 void applyInterface(tInterface which, tAttributeAddress& address) {
   if (address.which != tInterface::byDefault && address.which != which) {
-    throw tCommandError(
+    throw tUsageError(
         "the id selects another interface than --" + std::string(interfaceName(which)),
         "Select the interface in one place.", {});
   }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tools/quenra/grammar/grammar.h"
+#include "tools/commandline/grammar.h"
 #include "tools/quenra/reading/reading.h"
 #include "tools/quenra/tables/attributetable.h"
 

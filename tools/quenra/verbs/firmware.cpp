@@ -4,10 +4,10 @@
 #include <iterator>
 
 #include "source/user/firmware/imageformat.h"
+#include "tools/commandline/argumenttext.h"
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/output/diagnostics.h"
-#include "tools/quenra/text/argumenttext.h"
 
 // The verbs that show and check a firmware image.
 
@@ -41,7 +41,7 @@ constexpr size_t kMaxPayloadSize = size_t{1} << 31;
 
 [[noreturn]] void reject(const std::string& what, std::string advice,
                          std::vector<std::string> suggestions = {}) {
-  throw tCommandError(what, std::move(advice), std::move(suggestions));
+  throw tUsageError(what, std::move(advice), std::move(suggestions));
 }
 
 std::string parseDevice(const tArguments& arguments) {

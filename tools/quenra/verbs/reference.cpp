@@ -1,11 +1,11 @@
 // The verbs that show the tables of attributes and of status codes.
 #include <algorithm>
 
+#include "tools/commandline/argumenttext.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/tables/attributetable.h"
 #include "tools/quenra/tables/statustable.h"
-#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
@@ -81,8 +81,8 @@ void printAttributes(std::ostream& stream) {
 int32_t codeByNumber(const std::string& text) {
   const auto code = parseStatusCode(text);
   if (!code) {
-    throw tCommandError(numberFault(text, "a status code", INT32_MIN),
-                        "Codes are 32-bit numbers, decimal or hexadecimal after 0x.", {});
+    throw tUsageError(numberFault(text, "a status code", INT32_MIN),
+                      "Codes are 32-bit numbers, decimal or hexadecimal after 0x.", {});
   }
   return *code;
 }
@@ -90,9 +90,9 @@ int32_t codeByNumber(const std::string& text) {
 int32_t codeByConstant(const std::string& text) {
   const tStatusRow* const row = findStatus(text);
   if (row == nullptr) {
-    throw tCommandError("unknown status '" + text + "'",
-                        "Give a code, such as -26934, or a constant of quenra_status.h.",
-                        suggestStatuses(text));
+    throw tUsageError("unknown status '" + text + "'",
+                      "Give a code, such as -26934, or a constant of quenra_status.h.",
+                      suggestStatuses(text));
   }
   return row->code;
 }

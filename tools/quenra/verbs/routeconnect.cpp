@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "tools/commandline/argumenttext.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
-#include "tools/quenra/text/argumenttext.h"
 #include "tools/quenra/verbs/routes.h"
 #include "tools/quenra/verbs/verbs.h"
 
@@ -23,8 +23,8 @@ milliseconds parseHoldTime(const tArguments& arguments) {
   }
   const auto seconds = parseUnsigned(*given);
   if (!seconds) {
-    throw tCommandError(numberFault(*given, "a number of seconds"),
-                        "Give an integer, or leave out --for to hold the route until Ctrl-C.", {});
+    throw tUsageError(numberFault(*given, "a number of seconds"),
+                      "Give an integer, or leave out --for to hold the route until Ctrl-C.", {});
   }
   return std::chrono::seconds(*seconds);
 }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
+#include "tools/commandline/argumenttext.h"
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/table.h"
-#include "tools/quenra/text/argumenttext.h"
-#include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
@@ -18,8 +18,8 @@ void checkTerminal(const std::string& name, const std::vector<tTerminal>& termin
   if (std::ranges::find(terminals, name, &tTerminal::name) == terminals.end()) {
     std::vector<std::string_view> names;
     std::ranges::transform(terminals, std::back_inserter(names), &tTerminal::name);
-    throw tCommandError("unknown terminal '" + name + "'",
-                        "Run 'quenra terminals' to list the terminals.", suggest(name, names));
+    throw tUsageError("unknown terminal '" + name + "'",
+                      "Run 'quenra terminals' to list the terminals.", suggest(name, names));
   }
 }
 

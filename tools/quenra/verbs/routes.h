@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/quenra/grammar/grammar.h"
+#include "tools/commandline/grammar.h"
 #include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/routing/troutingsession.h"
 

@@ -1,10 +1,10 @@
 #include <vector>
 
+#include "tools/commandline/argumenttext.h"
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/reading/reading.h"
 #include "tools/quenra/reading/tcontroller.h"
-#include "tools/quenra/text/argumenttext.h"
-#include "tools/quenra/text/utf8text.h"
 #include "tools/quenra/verbs/attributeargument.h"
 #include "tools/quenra/verbs/verbs.h"
 
@@ -12,7 +12,7 @@ namespace nCommandLine {
 namespace {
 
 [[noreturn]] void reject(const std::string& what, std::string advice) {
-  throw tCommandError(what, std::move(advice), {});
+  throw tUsageError(what, std::move(advice), {});
 }
 
 bool isSettingOfBoth(const tAttributeAddress& address) noexcept {

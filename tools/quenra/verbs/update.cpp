@@ -24,7 +24,7 @@ tUpdateOptions optionsOf(const tArguments& arguments) {
   const tUpdateOptions options{arguments.has(nWords::kOnlyNewer), arguments.has(nWords::kForce),
                                arguments.has(nWords::kAllowAnyPath)};
   if (options.force && !options.onlyNewer) {
-    throw tCommandError("--force has no meaning without --only-newer", "Leave --force out.", {});
+    throw tUsageError("--force has no meaning without --only-newer", "Leave --force out.", {});
   }
   return options;
 }

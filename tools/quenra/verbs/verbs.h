@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-#include "tools/quenra/grammar/grammar.h"
+#include "tools/commandline/grammar.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/reading/iquenra.h"
@@ -32,14 +32,14 @@ struct tVerbContext {
   const tGrammar& grammar;
 };
 
+using tVerbFunction = tExitCode (*)(const tArguments& arguments, const tVerbContext& context);
+
 // The names of positionals and options, shared by the rows and the verbs that read them.
 namespace nWords {
-inline constexpr std::string_view kAction = "action";
 inline constexpr std::string_view kAttribute = "attribute";
 inline constexpr std::string_view kCode = "code";
 inline constexpr std::string_view kImage = "image";
 inline constexpr std::string_view kPayload = "payload";
-inline constexpr std::string_view kShell = "shell";
 inline constexpr std::string_view kValue = "value";
 
 inline constexpr std::string_view kAllowAnyPath = "--allow-any-path";
@@ -55,7 +55,6 @@ inline constexpr std::string_view kFrom = "--from";
 inline constexpr std::string_view kInstance = "--instance";
 inline constexpr std::string_view kInvert = "--invert";
 inline constexpr std::string_view kLineLength = "--line-length";
-inline constexpr std::string_view kManual = "--manual";
 inline constexpr std::string_view kMarten = "--marten";
 inline constexpr std::string_view kNoWait = "--no-wait";
 inline constexpr std::string_view kOnlyNewer = "--only-newer";

@@ -1,16 +1,16 @@
-#include "tools/quenra/grammar/generatedtexts.h"
+#include "tools/commandline/generatedtexts.h"
 
 namespace nCommandLine {
 namespace {
 
 constexpr std::string_view kHead =
-    R"ps(# Completes the command lines of quenra in PowerShell; printed by `quenra completion powershell`.
+    R"ps(# Completes the command lines of @program@ in PowerShell; printed by `@program@ completion powershell`.
 #
-#   quenra completion powershell | Out-String | Invoke-Expression
+#   @program@ completion powershell | Out-String | Invoke-Expression
 #
 # for one session; in the file that $PROFILE names for all.
 
-Register-ArgumentCompleter -Native -CommandName @('quenra', 'quenra.exe') -ScriptBlock {
+Register-ArgumentCompleter -Native -CommandName @('@program@', '@program@.exe') -ScriptBlock {
     param($wordToComplete, $commandAst, $cursorPosition)
 
 )ps";
@@ -69,7 +69,7 @@ constexpr std::string_view kBody = R"ps(
         $offered = $words[$valued.Words]
     } elseif ((-not $ended -and $typed.StartsWith('-')) -or $given -ge $positionals.Count) {
         # Leaves out the options that were given, and those that they exclude.
-        $names = @($used | ForEach-Object { $_.Name })
+        $names = @($used | Where-Object { -not $_.Repeatable } | ForEach-Object { $_.Name })
         $choices = @($used | ForEach-Object { $_.Choice } | Where-Object { $_ -ne '' })
         $offered = @($grammar[$verb].Options |
             Where-Object { $names -notcontains $_.Name -and $choices -notcontains $_.Choice })
@@ -112,11 +112,11 @@ std::string wordLists(const tGrammar& grammar) {
 std::string optionLines(std::span<const tOptionRow> options) {
   std::string text;
   for (const tOptionRow& row : options) {
-    text += "                @{ Name = " + quoted(row.name) +
-            "; Meaning = " + quoted(row.description) +
-            "; TakesValue = " + (row.isFlag() ? "$false" : "$true") +
-            "; Words = " + quoted(row.words == nullptr ? "" : row.words->name) +
-            "; Choice = " + quoted(row.choice) + " }\n";
+    text +=
+        "                @{ Name = " + quoted(row.name) + "; Meaning = " + quoted(row.description) +
+        "; TakesValue = " + (row.isFlag() ? "$false" : "$true") +
+        "; Words = " + quoted(row.words == nullptr ? "" : row.words->name) +
+        "; Choice = " + quoted(row.choice) + (row.repeatable ? "; Repeatable = $true }\n" : " }\n");
   }
   return text;
 }
@@ -139,12 +139,14 @@ std::string positionalSets(const tVerbRow& verb) {
 // The words that may follow a verb, by its name; the empty name has the words before any verb.
 std::string grammarTable(const tGrammar& grammar) {
   std::string text = "    $grammar = @{\n";
-  text += entry("", optionLines(kOptionsOfTheProgram), quoted(grammar.firstWords->name));
+  text += entry("", optionLines(grammar.optionsOfEveryVerb) + optionLines(kProgramOptions),
+                quoted(grammar.firstWords->name));
   for (const tVerbGroupRow& group : grammar.groups) {
-    text += entry(group.name, optionLines(kOptionsOfEveryVerb), quoted(group.actions->name), true);
+    text += entry(group.name, optionLines(grammar.optionsOfEveryVerb), quoted(group.actions->name),
+                  true);
   }
   for (const tVerbRow& verb : grammar.verbs) {
-    text += entry(verb.name, optionLines(kOptionsOfEveryVerb) + optionLines(verb.options),
+    text += entry(verb.name, optionLines(grammar.optionsOfEveryVerb) + optionLines(verb.options),
                   positionalSets(verb));
   }
   return text + "    }\n";
@@ -153,7 +155,8 @@ std::string grammarTable(const tGrammar& grammar) {
 }  // namespace
 
 std::string powershellScript(const tGrammar& grammar) {
-  return std::string(kHead) + wordLists(grammar) + grammarTable(grammar) + std::string(kBody);
+  return withProgram(grammar, kHead) + wordLists(grammar) + grammarTable(grammar) +
+         std::string(kBody);
 }
 
 }  // namespace nCommandLine

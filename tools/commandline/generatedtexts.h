@@ -1,24 +1,24 @@
 // The texts that are generated from a grammar: help, manual page and completion scripts. Each covers
 // every verb, option and word of the grammar.
-#ifndef TOOLS_QUENRA_GRAMMAR_GENERATEDTEXTS_H
-#define TOOLS_QUENRA_GRAMMAR_GENERATEDTEXTS_H
+#ifndef TOOLS_COMMANDLINE_GENERATEDTEXTS_H
+#define TOOLS_COMMANDLINE_GENERATEDTEXTS_H
 
 #include <string>
 #include <string_view>
 
-#include "tools/quenra/grammar/grammar.h"
+#include "tools/commandline/grammar.h"
 
 namespace nCommandLine {
 
 // ---- Help ----
 
 // The help of a verb, of a group of verbs, or of the program for an empty name. Throws
-// tCommandError for an unknown verb.
+// tUsageError for an unknown verb.
 [[nodiscard]] std::string helpText(const tGrammar& grammar, std::string_view verb);
 
 // ---- Manual page ----
 
-// The page quenra(1), as input for man.
+// The page of the program in section 1, as input for man.
 [[nodiscard]] std::string manualPage(const tGrammar& grammar);
 
 // Escapes the text so that roff prints it unchanged; a dash stays an ASCII hyphen for copying.
@@ -36,17 +36,33 @@ namespace nCommandLine {
 // For PowerShell 5 or later, with a description of each word.
 [[nodiscard]] std::string powershellScript(const tGrammar& grammar);
 
+// Fills a part of a script: @program@ with the program's name, and @prefix@ with the beginning of
+// the names that the script defines.
+[[nodiscard]] std::string withProgram(const tGrammar& grammar, std::string_view text);
+
 struct tShellRow {
   std::string_view name;
-  std::string_view use;  // how its users load the script
+  std::string_view meaning;
   std::string (*script)(const tGrammar& grammar);
 };
 
 inline constexpr tShellRow kShells[] = {
-    {"bash", "For bash: source <(quenra completion bash)", bashScript},
-    {"powershell", "For PowerShell: quenra completion powershell | Out-String | Invoke-Expression",
-     powershellScript},
+    {"bash", "For bash 4 or later", bashScript},
+    {"powershell", "For PowerShell 5 or later", powershellScript},
 };
+extern const tWordSet kShellWords;
+
+// ---- The verbs that print them ----
+
+// The names of their positionals and options besides kHelpTopic.
+inline constexpr std::string_view kHelpAction = "action";
+inline constexpr std::string_view kHelpManual = "--manual";
+inline constexpr std::string_view kCompletionShell = "shell";
+
+// The help or manual page that the arguments of the help verb request, and the shell of the
+// completion verb. Throw tUsageError for wrong usage.
+[[nodiscard]] std::string requestedHelp(const tGrammar& grammar, const tArguments& arguments);
+[[nodiscard]] const tShellRow& requestedShell(const tArguments& arguments);
 
 }  // namespace nCommandLine
 

@@ -1,5 +1,5 @@
-#ifndef TOOLS_QUENRA_TEXT_UTF8TEXT_H
-#define TOOLS_QUENRA_TEXT_UTF8TEXT_H
+#ifndef TOOLS_COMMANDLINE_UTF8TEXT_H
+#define TOOLS_COMMANDLINE_UTF8TEXT_H
 
 #include <cstddef>
 #include <string>

@@ -1,20 +1,21 @@
+#include <algorithm>
 #include <map>
 
-#include "tools/quenra/grammar/generatedtexts.h"
+#include "tools/commandline/generatedtexts.h"
 
 namespace nCommandLine {
 namespace {
 
 constexpr std::string_view kHead =
-    R"sh(# Completes the command lines of quenra in bash; printed by `quenra completion bash`.
+    R"sh(# Completes the command lines of @program@ in bash; printed by `@program@ completion bash`.
 #
-#   source <(quenra completion bash)     for one session; in ~/.bashrc for all
+#   source <(@program@ completion bash)     for one session; in ~/.bashrc for all
 
 )sh";
 
 constexpr std::string_view kBody = R"sh(
 # Removes an option that was given, and those that it excludes, from the offer.
-_quenra_use() {
+@prefix@_use() {
   local group option
   for group in "$1" "${choices[@]}"; do
     [[ " $group " == *" $1 "* ]] || continue
@@ -25,18 +26,18 @@ _quenra_use() {
   done
 }
 
-_quenra() {
-  local word=${COMP_WORDS[COMP_CWORD]} options valued choices positionals
+@prefix@() {
+  local word=${COMP_WORDS[COMP_CWORD]} options valued repeatable choices positionals
   local current verb='' group='' ended='' option='' offered given=0 i
   local -A values
   COMPREPLY=()
-  _quenra_grammar ''
+  @prefix@_grammar ''
   for ((i = 1; i < COMP_CWORD; ++i)); do
     current=${COMP_WORDS[i]}
     if [[ -z $ended && $current == -- ]]; then
       ended=yes
     elif [[ -z $ended && $current == -* ]]; then
-      _quenra_use "$current"
+      [[ " $repeatable " == *" $current "* ]] || @prefix@_use "$current"
       if [[ " $valued " == *" $current "* ]]; then
         option=$current
         # bash splits --option=value into three words.
@@ -44,10 +45,10 @@ _quenra() {
       fi
     elif [[ -z $verb ]]; then
       verb=$current
-      _quenra_grammar "$verb"
+      @prefix@_grammar "$verb"
     elif [[ -n $group ]]; then
       verb="$verb $current"
-      _quenra_grammar "$verb"
+      @prefix@_grammar "$verb"
     else
       ((++given))
     fi
@@ -65,7 +66,7 @@ _quenra() {
 }
 
 # Without completions of ours, such as for an image, file names are completed.
-complete -o default -F _quenra quenra quenra.exe
+complete -o default -F @prefix@ @program@ @program@.exe
 )sh";
 
 void appendWord(std::string& words, std::string_view word) {
@@ -73,7 +74,7 @@ void appendWord(std::string& words, std::string_view word) {
 }
 
 std::string variableOf(const tWordSet& set) {
-  return "_quenra_" + std::string(set.name);
+  return "@prefix@_" + std::string(set.name);
 }
 
 std::string wordLists(const tGrammar& grammar) {
@@ -99,10 +100,11 @@ std::string optionNames(std::span<const tOptionRow> always, std::span<const tOpt
   return names;
 }
 
-std::string valuedOptions(std::span<const tOptionRow> options) {
+template <class Predicate>
+std::string optionsThat(std::span<const tOptionRow> options, Predicate predicate) {
   std::string names;
   for (const tOptionRow& row : options) {
-    if (!row.isFlag()) {
+    if (predicate(row)) {
       appendWord(names, row.name);
     }
   }
@@ -143,45 +145,65 @@ std::string positionalWords(const tVerbRow& verb) {
   return text;
 }
 
-std::string caseOf(const tVerbRow& verb) {
+std::string caseOf(const tGrammar& grammar, const tVerbRow& verb) {
   std::string text = "    '" + std::string(verb.name) + "')\n";
-  text += "      options='" + optionNames(kOptionsOfEveryVerb, verb.options) + "'\n";
-  text += "      valued='" + valuedOptions(verb.options) + "'\n";
+  text += "      options='" + optionNames(grammar.optionsOfEveryVerb, verb.options) + "'\n";
+  text += "      valued='" +
+          optionsThat(verb.options, [](const tOptionRow& row) { return !row.isFlag(); }) + "'\n";
+  const std::string repeatable =
+      optionsThat(verb.options, [](const tOptionRow& row) { return row.repeatable; });
+  text += repeatable.empty() ? "" : "      repeatable='" + repeatable + "'\n";
   text += "      values=(" + valueWords(verb.options) + ")\n";
   text += "      choices=(" + choices(verb.options) + ")\n";
   text += "      positionals=(" + positionalWords(verb) + ")\n";
   return text + "      ;;\n";
 }
 
-std::string caseOf(const tVerbGroupRow& group) {
+std::string caseOf(const tGrammar& grammar, const tVerbGroupRow& group) {
   return "    '" + std::string(group.name) + "')\n      group=yes\n      options='" +
-         optionNames(kOptionsOfEveryVerb, {}) + "'\n      positionals=(\"$" +
+         optionNames(grammar.optionsOfEveryVerb, {}) + "'\n      positionals=(\"$" +
          variableOf(*group.actions) + "\")\n      ;;\n";
 }
 
 std::string grammarFunction(const tGrammar& grammar) {
   std::string text =
       "\n# Sets the words that may follow a verb, or precede it, in the variables of the caller.\n"
-      "_quenra_grammar() {\n"
-      "  options='' valued='' values=() choices=() positionals=() group=''\n"
+      "@prefix@_grammar() {\n"
+      "  options='' valued='' repeatable='' values=() choices=() positionals=() group=''\n"
       "  case $1 in\n"
       "    '')\n"
       "      options='" +
-      optionNames(kOptionsOfTheProgram, {}) + "'\n      positionals=(\"$" +
+      optionNames(grammar.optionsOfEveryVerb, kProgramOptions) + "'\n      positionals=(\"$" +
       variableOf(*grammar.firstWords) + "\")\n      ;;\n";
   for (const tVerbGroupRow& group : grammar.groups) {
-    text += caseOf(group);
+    text += caseOf(grammar, group);
   }
   for (const tVerbRow& verb : grammar.verbs) {
-    text += caseOf(verb);
+    text += caseOf(grammar, verb);
   }
   return text + "  esac\n}\n";
 }
 
 }  // namespace
 
+std::string withProgram(const tGrammar& grammar, std::string_view text) {
+  std::string prefix = "_" + std::string(grammar.program);
+  // The name of a variable has no dash.
+  std::ranges::replace(prefix, '-', '_');
+  std::string result(text);
+  for (const auto& [mark, content] :
+       {std::pair<std::string_view, std::string_view>("@program@", grammar.program),
+        std::pair<std::string_view, std::string_view>("@prefix@", prefix)}) {
+    for (size_t at = result.find(mark); at != result.npos; at = result.find(mark)) {
+      result.replace(at, mark.size(), content);
+    }
+  }
+  return result;
+}
+
 std::string bashScript(const tGrammar& grammar) {
-  return std::string(kHead) + wordLists(grammar) + grammarFunction(grammar) + std::string(kBody);
+  return withProgram(grammar, std::string(kHead) + wordLists(grammar) + grammarFunction(grammar) +
+                                  std::string(kBody));
 }
 
 }  // namespace nCommandLine

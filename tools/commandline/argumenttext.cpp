@@ -1,4 +1,4 @@
-#include "tools/quenra/text/argumenttext.h"
+#include "tools/commandline/argumenttext.h"
 
 #include <algorithm>
 #include <array>
@@ -59,6 +59,12 @@ bool hasHexadecimalPrefix(std::string_view text) noexcept {
   return text.starts_with("0x") || text.starts_with("0X");
 }
 
+template <class Number>
+std::optional<Number> parsePrefixed(std::string_view text) noexcept {
+  return hasHexadecimalPrefix(text) ? parseNumber<Number>(text.substr(2), 16)
+                                    : parseNumber<Number>(text, 10);
+}
+
 // Accepts any number of digits.
 bool isInteger(std::string_view text) noexcept {
   const bool isHexadecimal = hasHexadecimalPrefix(text);
@@ -106,7 +112,7 @@ std::vector<std::string> suggest(std::string_view name,
   return names;
 }
 
-std::string alternatives(const std::vector<std::string>& names) {
+std::string alternatives(std::span<const std::string> names) {
   std::string text;
   for (size_t i = 0; i < names.size(); ++i) {
     if (i > 0) {
@@ -121,9 +127,12 @@ bool looksLikeNumber(std::string_view text) noexcept {
   return !text.empty() && std::string_view("+-0123456789").find(text.front()) != text.npos;
 }
 
+std::optional<uint64_t> parseUnsigned64(std::string_view text) noexcept {
+  return parsePrefixed<uint64_t>(text);
+}
+
 std::optional<uint32_t> parseUnsigned(std::string_view text) noexcept {
-  return hasHexadecimalPrefix(text) ? parseNumber<uint32_t>(text.substr(2), 16)
-                                    : parseNumber<uint32_t>(text, 10);
+  return parsePrefixed<uint32_t>(text);
 }
 
 std::optional<int32_t> parseStatusCode(std::string_view text) noexcept {
@@ -138,7 +147,7 @@ std::optional<int32_t> parseStatusCode(std::string_view text) noexcept {
 }
 
 std::string numberFault(std::string_view text, std::string_view expected, int64_t minimum,
-                        int64_t maximum) {
+                        uint64_t maximum) {
   if (isInteger(text)) {
     return std::string(text) + " is out of range (" + std::to_string(minimum) + " to " +
            std::to_string(maximum) + ")";

@@ -1,17 +1,10 @@
+#include <algorithm>
+
 #include "quenra_version.h"
-#include "tools/quenra/grammar/generatedtexts.h"
+#include "tools/commandline/generatedtexts.h"
 
 namespace nCommandLine {
 namespace {
-
-constexpr std::string_view kDescription =
-    "quenra shows the controller of a PXI chassis as aligned tables or as JSON. Only the verbs "
-    "set, route connect and update change the controller. quenra also inspects and builds firmware "
-    "images. Results are printed on standard output; failures and warnings are printed on standard "
-    "error, each with its code, its constant and advice. With --json, standard output is exactly "
-    "one JSON document, also after a failure.";
-constexpr std::string_view kNoColour =
-    "If it is set and not empty, output on a terminal has no styles.";
 
 constexpr tSynopsisStyle kStyle{roffBold, roffItalic};
 
@@ -28,12 +21,16 @@ std::string sentence(std::string_view text) {
   return std::string(text) + ".";
 }
 
+std::string command(const tGrammar& grammar, std::string_view words) {
+  return std::string(grammar.program).append(" ").append(words);
+}
+
 std::string synopses(const tGrammar& grammar) {
   std::string text;
   for (const tVerbRow& verb : grammar.verbs) {
-    text += synopsis(verb, kStyle) + "\n.br\n";
+    text += synopsis(grammar, verb, kStyle) + "\n.br\n";
   }
-  return text + roffBold("quenra " + std::string(kVersionOption.name)) + "\n";
+  return text + roffBold(command(grammar, kVersionOption.name)) + "\n";
 }
 
 std::string optionItems(std::span<const tOptionRow> options) {
@@ -63,10 +60,10 @@ std::string verbSections(const tGrammar& grammar) {
   return text;
 }
 
-std::string exitCodes() {
+std::string exitCodes(const tGrammar& grammar) {
   std::string text;
-  for (const tExitCodeRow& row : kExitCodes) {
-    text += item(roffBold(std::to_string(exitNumber(row.code))), row.meaning);
+  for (const tExitCodeRow& row : grammar.exitCodes) {
+    text += item(roffBold(std::to_string(row.code)), row.meaning);
   }
   return text;
 }
@@ -75,14 +72,32 @@ std::string examples(const tGrammar& grammar) {
   std::string text;
   for (const tVerbRow& verb : grammar.verbs) {
     for (const tExampleRow& example : verb.examples) {
-      text += item(roffBold("quenra " + std::string(example.command)), example.effect);
+      text += item(roffBold(command(grammar, example.command)), example.effect);
     }
   }
   return text;
 }
 
+std::string environment(const tGrammar& grammar) {
+  std::string text;
+  for (const tEnvironmentRow& row : grammar.environment) {
+    text += item(roffBold(row.variable), row.effect);
+  }
+  return text.empty() ? text : heading("ENVIRONMENT") + text;
+}
+
+std::string titleLine(const tGrammar& grammar) {
+  std::string title(grammar.program);
+  std::ranges::transform(title, title.begin(), [](char character) {
+    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A')
+                                                : character;
+  });
+  return ".\\\" Printed by `" + command(grammar, "help --manual") + "`.\n.TH " + title +
+         " 1 \"\" \"" + command(grammar, QUENRA_VERSION) + "\" \"User Commands\"\n";
+}
+
 std::string nameLine(const tGrammar& grammar) {
-  return "quenra \\- " + roffText(grammar.purpose) + "\n";
+  return roffText(grammar.program) + " \\- " + roffText(grammar.purpose) + "\n";
 }
 
 std::string escaped(char character) {
@@ -134,17 +149,11 @@ std::string roffSentences(std::string_view text) {
 }
 
 std::string manualPage(const tGrammar& grammar) {
-  return "."
-         R"(\" Printed by `quenra help --manual`.)"
-         "\n"
-         R"(.TH QUENRA 1 "" "quenra )" QUENRA_VERSION R"(" "User Commands")"
-         "\n" +
-         heading("NAME") + nameLine(grammar) + heading("SYNOPSIS") + synopses(grammar) +
-         heading("DESCRIPTION") + roffSentences(kDescription) + heading("VERBS") +
-         verbSections(grammar) + heading("OPTIONS OF EVERY VERB") +
-         optionItems(kOptionsOfEveryVerb) + heading("EXIT STATUS") + exitCodes() +
-         heading("ENVIRONMENT") + item(roffBold("NO_COLOR"), kNoColour) + heading("EXAMPLES") +
-         examples(grammar);
+  return titleLine(grammar) + heading("NAME") + nameLine(grammar) + heading("SYNOPSIS") +
+         synopses(grammar) + heading("DESCRIPTION") + roffSentences(grammar.description) +
+         heading("VERBS") + verbSections(grammar) + heading("OPTIONS OF EVERY VERB") +
+         optionItems(grammar.optionsOfEveryVerb) + heading("EXIT STATUS") + exitCodes(grammar) +
+         environment(grammar) + heading("EXAMPLES") + examples(grammar);
 }
 
 }  // namespace nCommandLine

@@ -1,11 +1,10 @@
-#include "tools/quenra/grammar/parser.h"
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
 #include <vector>
 
-#include "tools/quenra/text/argumenttext.h"
+#include "tools/commandline/argumenttext.h"
+#include "tools/commandline/grammar.h"
 
 namespace nCommandLine {
 namespace {
@@ -20,10 +19,10 @@ std::string inQuotes(std::string_view text) {
   return "'" + std::string(text) + "'";
 }
 
-std::string helpAdvice(std::string_view verb, std::string_view listed) {
-  std::string advice = "Run 'quenra ";
-  advice.append(verb).append(verb.empty() ? "" : " ").append("--help' to list ");
-  return advice.append(listed) + ".";
+std::string helpAdvice(const tGrammar& grammar, std::string_view verb, std::string_view listed) {
+  std::string advice = "Run '";
+  advice.append(grammar.program).append(" ").append(verb).append(verb.empty() ? "" : " ");
+  return advice.append("--help' to list ").append(listed) + ".";
 }
 
 [[noreturn]] void rejectGroup(const tGrammar& grammar, const tVerbGroupRow& group) {
@@ -33,16 +32,16 @@ std::string helpAdvice(std::string_view verb, std::string_view listed) {
       verbs.push_back(inQuotes(verb.name));
     }
   }
-  throw tCommandError("incomplete command: use " + alternatives(verbs),
-                      helpAdvice(group.name, "the verbs"), {});
+  throw tUsageError("incomplete command: use " + alternatives(verbs),
+                    helpAdvice(grammar, group.name, "the verbs"));
 }
 
 [[noreturn]] void rejectWithoutVerb(const tGrammar& grammar) {
   std::vector<std::string> verbs;
   std::ranges::transform(grammar.verbs, std::back_inserter(verbs),
                          [](const tVerbRow& verb) { return std::string(verb.name); });
-  throw tCommandError("VERB is missing: use " + alternatives(verbs), helpAdvice("", "the verbs"),
-                      {});
+  throw tUsageError("VERB is missing: use " + alternatives(verbs),
+                    helpAdvice(grammar, "", "the verbs"));
 }
 
 // The words of a command line, split at its verb.
@@ -70,13 +69,18 @@ tSplitWords split(const tGrammar& grammar, tCommandWords words) {
   return result;
 }
 
-bool hasOption(std::span<const std::string> words, std::string_view name) {
-  const auto end = std::ranges::find(words, kEndOfOptions);
-  return std::find(words.begin(), end, name) != end;
+template <class Words>
+bool contains(const Words& words, std::string_view option) noexcept {
+  for (const std::string_view word : words) {
+    if (word == option || word == kEndOfOptions) {
+      return word == option;
+    }
+  }
+  return false;
 }
 
 bool requestsHelp(std::span<const std::string> words) {
-  return hasOption(words, kHelpOption.name) || hasOption(words, kShortHelp);
+  return contains(words, kHelpOption.name) || contains(words, kShortHelp);
 }
 
 // "NAME or ID" of "NAME|ID"
@@ -94,13 +98,17 @@ std::string alternativesIn(std::string_view valueName) {
 class tWordReader {
  public:
   // `verb` is null for the words before the verb.
-  tWordReader(const tVerbRow* verb, std::span<const tOptionRow> always, tArguments& arguments)
-      : verb_(verb), options_(always.begin(), always.end()), arguments_(arguments) {
+  tWordReader(const tGrammar& grammar, const tVerbRow* verb, tArguments& arguments)
+      : grammar_(grammar),
+        verb_(verb),
+        options_(grammar.optionsOfEveryVerb.begin(), grammar.optionsOfEveryVerb.end()),
+        arguments_(arguments) {
     app_.set_help_flag();
     app_.allow_windows_style_options(false);
     app_.allow_extras();
+    const std::span<const tOptionRow> further = verb == nullptr ? kProgramOptions : verb->options;
+    options_.insert(options_.end(), further.begin(), further.end());
     if (verb != nullptr) {
-      options_.insert(options_.end(), verb->options.begin(), verb->options.end());
       positionals_ = verb->positionals;
     }
     for (const tOptionRow& row : options_) {
@@ -134,16 +142,16 @@ class tWordReader {
   }
 
   [[noreturn]] void reject(const std::string& fault) const {
-    throw tCommandError(
-        fault, verb_ == nullptr ? helpAdvice("", "the verbs") : "Usage: " + synopsis(*verb_), {});
+    throw tUsageError(fault, verb_ == nullptr ? helpAdvice(grammar_, "", "the verbs")
+                                              : "Usage: " + synopsis(grammar_, *verb_));
   }
 
   [[noreturn]] void rejectOption(std::string_view name) const {
     std::vector<std::string_view> names;
     std::ranges::transform(options_, std::back_inserter(names), &tOptionRow::name);
-    throw tCommandError("unknown option " + inQuotes(name),
-                        helpAdvice(verb_ == nullptr ? "" : verb_->name, "the options"),
-                        suggest(name, names));
+    throw tUsageError("unknown option " + inQuotes(name),
+                      helpAdvice(grammar_, verb_ == nullptr ? "" : verb_->name, "the options"),
+                      suggest(name, names));
   }
 
   void rejectValuesOfFlags(std::span<const std::string> words) const {
@@ -185,12 +193,16 @@ class tWordReader {
     rejectSecondOfAChoice(row);
     if (row.isFlag()) {
       arguments_.add(name, "true");
-    } else if (option.count() > 1) {
+      return;
+    }
+    if (option.count() > 1 && !row.repeatable) {
       reject(name + " is given twice");
-    } else if (option.results().front() == kMissingValue) {
-      reject("the value of " + name + " is missing");
-    } else {
-      arguments_.add(name, option.results().front());
+    }
+    for (const std::string& value : option.results()) {
+      if (value == kMissingValue) {
+        reject("the value of " + name + " is missing");
+      }
+      arguments_.add(name, value);
     }
   }
 
@@ -213,6 +225,7 @@ class tWordReader {
     }
   }
 
+  const tGrammar& grammar_;
   const tVerbRow* verb_;
   std::vector<tOptionRow> options_;
   std::span<const tPositionalRow> positionals_;
@@ -221,7 +234,7 @@ class tWordReader {
 };
 
 tArguments helpOn(const tGrammar& grammar, const tSplitWords& words) {
-  tArguments arguments(*grammar.help);
+  tArguments arguments(knownVerb(grammar, kHelpVerb));
   if (words.hasVerb) {
     arguments.add(kHelpTopic, words.verb);
   }
@@ -238,8 +251,8 @@ const tVerbRow& knownVerb(const tGrammar& grammar, std::string_view name) {
   if (verb == nullptr) {
     std::vector<std::string_view> names;
     std::ranges::transform(grammar.verbs, std::back_inserter(names), &tVerbRow::name);
-    throw tCommandError("unknown verb " + inQuotes(name), helpAdvice("", "the verbs"),
-                        suggest(name, names));
+    throw tUsageError("unknown verb " + inQuotes(name), helpAdvice(grammar, "", "the verbs"),
+                      suggest(name, names));
   }
   return *verb;
 }
@@ -254,25 +267,20 @@ tArguments parseArguments(const tGrammar& grammar, tCommandWords words) {
   if (isHelp) {
     return helpOn(grammar, parts);
   }
-  if (hasOption(parts.before, kVersionOption.name)) {
-    return tArguments(*grammar.version);
+  if (contains(parts.before, kVersionOption.name)) {
+    return tArguments(kVersionVerb);
   }
-  tArguments arguments(verb == nullptr ? *grammar.help : *verb);
-  tWordReader(nullptr, kOptionsOfTheProgram, arguments).read(parts.before);
+  tArguments arguments(verb == nullptr ? kVersionVerb : *verb);
+  tWordReader(grammar, nullptr, arguments).read(parts.before);
   if (verb == nullptr) {
     rejectWithoutVerb(grammar);
   }
-  tWordReader(verb, kOptionsOfEveryVerb, arguments).read(parts.after);
+  tWordReader(grammar, verb, arguments).read(parts.after);
   return arguments;
 }
 
-bool requestsJson(tCommandWords words) noexcept {
-  for (const std::string_view word : words) {
-    if (word == kJsonOption.name || word == kEndOfOptions) {
-      return word == kJsonOption.name;
-    }
-  }
-  return false;
+bool hasOption(tCommandWords words, std::string_view name) noexcept {
+  return contains(words, name);
 }
 
 std::string_view verbIn(const tGrammar& grammar, tCommandWords words) noexcept {

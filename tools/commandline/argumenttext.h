@@ -1,9 +1,10 @@
 // Names and numbers as users write them in arguments.
-#ifndef TOOLS_QUENRA_TEXT_ARGUMENTTEXT_H
-#define TOOLS_QUENRA_TEXT_ARGUMENTTEXT_H
+#ifndef TOOLS_COMMANDLINE_ARGUMENTTEXT_H
+#define TOOLS_COMMANDLINE_ARGUMENTTEXT_H
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,12 +20,13 @@ namespace nCommandLine {
                                                const std::vector<std::string_view>& candidates);
 
 // "a, b or c"
-[[nodiscard]] std::string alternatives(const std::vector<std::string>& names);
+[[nodiscard]] std::string alternatives(std::span<const std::string> names);
 
 // True if a text begins with a digit or a sign, and so is a number rather than a name.
 [[nodiscard]] bool looksLikeNumber(std::string_view text) noexcept;
 
-// Parses a decimal number, or a hexadecimal one after 0x. Empty for other text and beyond 32 bits.
+// Parses a decimal number, or a hexadecimal one after 0x. Empty for other text and beyond the bits.
+[[nodiscard]] std::optional<uint64_t> parseUnsigned64(std::string_view text) noexcept;
 [[nodiscard]] std::optional<uint32_t> parseUnsigned(std::string_view text) noexcept;
 
 // Parses a status code in the forms that programs print: signed decimal, or the same 32 bits as an
@@ -37,7 +39,7 @@ namespace nCommandLine {
 // The reason why a text is not accepted: "4294967296 is out of range (0 to 4294967295)" for an
 // integer, "'x' is not a number" for any other text when `expected` is "a number".
 [[nodiscard]] std::string numberFault(std::string_view text, std::string_view expected,
-                                      int64_t minimum = 0, int64_t maximum = UINT32_MAX);
+                                      int64_t minimum = 0, uint64_t maximum = UINT32_MAX);
 
 }  // namespace nCommandLine
 

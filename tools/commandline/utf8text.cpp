@@ -1,4 +1,4 @@
-#include "tools/quenra/text/utf8text.h"
+#include "tools/commandline/utf8text.h"
 
 #include <algorithm>
 #include <array>
