@@ -211,6 +211,42 @@ class PowerShell(CommandLineTest):
         self.assertIn("$offered = $words[$valued.Words]", text)
 
 
+class SimulatorScript(CommandLineTest):
+    """The script of quenra-sim, loaded after that of quenra: both define names of their own."""
+
+    COMPLETE = COMPLETE.replace("_quenra quenra", "_quenra_sim quenra-sim").replace(
+        "(quenra ", "(quenra-sim ")
+
+    def setUp(self):
+        super().setUp()
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.path = pathlib.Path(folder.name, "completion")
+        self.path.write_bytes(self.quenra("completion", "bash").out.encode()
+                              + self.machine("completion", "bash"))
+
+    def offered(self, *words):
+        result = bash(["-euc", self.COMPLETE, "bash", str(self.path), *words])
+        self.assertEqual((result.returncode, result.stderr), (0, ""), words)
+        return [line for line in result.stdout.split("\n") if line]
+
+    def test_words_of_quenra_sim_are_offered(self):
+        self.assertEqual(self.offered("attribute", "re"), ["remove", "refuse-writes"])
+        self.assertEqual(self.offered("answer", "add", ""), ["controller", "marten"])
+        self.assertEqual(self.offered("encryption", "fail", "lo"), ["locator"])
+        self.assertEqual(self.offered("status", "--"), ["--help", "--json"])
+
+    def test_repeatable_option_is_offered_again(self):
+        self.assertIn("--structure-byte",
+                      self.offered("scenario", "--structure-byte", "1/2=3", "--"))
+        self.assertNotIn("--martens", self.offered("scenario", "--martens", "0", "--"))
+
+    def test_script_is_clean(self):
+        result = subprocess.run(["shellcheck", "--shell=bash", str(self.path)],
+                                capture_output=True, text=True, check=False)
+        self.assertEqual((result.returncode, result.stdout), (0, ""))
+
+
 class Document(CommandLineTest):
     def test_document_holds_the_script(self):
         for shell in ("bash", "powershell"):

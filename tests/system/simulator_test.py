@@ -2,6 +2,7 @@
 
 import json
 import pathlib
+import re
 import subprocess
 import tempfile
 import time
@@ -168,7 +169,8 @@ class Simulator(CommandLineTest):
         ):
             with self.subTest(words=words):
                 result = self.sim(*words, exit_code=2)
-                self.assertTrue(result.stderr.strip(), result)
+                # The fault with its word and reason, and the correction.
+                self.assertRegex(result.stderr, rb"(?s)^quenra-sim: [^\n]+\n  [^\n]+\n")
                 self.assertEqual(result.stdout, b"")
 
     def test_rejected_scenario_is_reported(self):
@@ -181,10 +183,29 @@ class Simulator(CommandLineTest):
         self.assertEqual(self.sim("pending", "complete", "77", exit_code=1).stderr,
                          b"quenra-sim: no pending request has handle 77\n")
 
+    def verbs(self):
+        text = self.sim("help").stdout.decode().split("Verbs:\n")[1].split("Examples:")[0]
+        return re.findall(r"(?m)^  ([a-z-]+(?: [a-z-]+)?)  ", text)
+
     def test_every_verb_has_help(self):
-        for verb in ("install", "uninstall", "wait", "status", "reset", "scenario", "attribute",
-                     "answer", "pending", "log", "counters"):
-            self.assertIn(b"--help", self.sim(verb, "--help").stdout)
+        verbs = self.verbs()
+        self.assertLess({"install", "attribute set", "pending list", "log"}, set(verbs))
+        for verb in verbs:
+            text = self.sim(*verb.split(), "--help").stdout.decode()
+            self.assertIn(f"\nUsage: quenra-sim {verb}", text)
+            self.assertIn(f"Examples:\n  quenra-sim {verb}", text)
+            self.assertEqual(self.sim("help", *verb.split()).stdout.decode(), text)
+
+    def test_misspelt_words_are_met_with_a_suggestion(self):
+        self.assertEqual(self.sim("statsu", exit_code=2).stderr,
+                         b"quenra-sim: unknown verb 'statsu'\n  Did you mean status?\n"
+                         b"  Run 'quenra-sim --help' to list the verbs.\n")
+        self.assertIn(b"Did you mean --martens?", self.sim("scenario", "--marten", "1", exit_code=2).stderr)
+
+    def test_states_of_the_services_reject_options_of_the_display(self):
+        self.sim("encryption", "on", "--json", exit_code=2)
+        self.sim("driver-store", "missing", "--seconds", "1", exit_code=2)
+        self.assertEqual(json.loads(self.sim("encryption", "--json").stdout)["protection"], "off")
 
     def test_installing_again_brings_the_default_machine(self):
         self.sim("scenario", "--martens", "0")

@@ -1,6 +1,10 @@
 // install, uninstall, wait, status and reset: the installation and the state of the machine.
+#include <charconv>
 #include <chrono>
+#include <cstdint>
 #include <iostream>
+#include <string>
+#include <system_error>
 #include <thread>
 
 #include "simulator/control/tsimulatedmachine.h"
@@ -80,58 +84,47 @@ void showStatus(bool asJson) {
   }
 }
 
-void reset() {
+std::chrono::milliseconds timeoutOf(const tArguments& arguments) {
+  constexpr double kMaxSeconds = 600;
+  const auto text = arguments.optional(nWords::kTimeout);
+  if (!text) {
+    return kDefaultTimeout;
+  }
+  double seconds = 0;
+  const char* const end = text->data() + text->size();
+  const auto [stop, error] = std::from_chars(text->data(), end, seconds);
+  if (error != std::errc() || stop != end || !(seconds >= 0 && seconds <= kMaxSeconds)) {
+    throw tUsageError("'" + *text + "' is not a number of seconds from 0 to 600",
+                      "Give --timeout such a number, for example 15 or 0.5.");
+  }
+  return std::chrono::milliseconds(static_cast<int64_t>(seconds * 1000));
+}
+
+}  // namespace
+
+void runInstall(const tArguments& /*arguments*/) {
+  install();
+}
+
+void runUninstall(const tArguments& /*arguments*/) {
+  uninstall();
+  std::cout << "the simulated controller is removed\n";
+}
+
+void runWait(const tArguments& arguments) {
+  waitUntilReady(timeoutOf(arguments));
+}
+
+void runStatus(const tArguments& arguments) {
+  showStatus(arguments.has(nWords::kJson));
+}
+
+void runReset(const tArguments& /*arguments*/) {
   tSimulatedMachine().reset();
   setEncryption({});
   setDriverStoreBehaviour({});
   clearDriverStoreRuns();
   installDriverStoreTool(tDriverStoreTool::working);
-}
-
-}  // namespace
-
-void addInstall(CLI::App& app, tAction& action) {
-  app.add_subcommand(
-         "install",
-         "Install the driver from the files beside this program, create the devices, and replace "
-         "the operating system services; replaces an earlier installation")
-      ->callback([&action] { action = install; });
-}
-
-void addUninstall(CLI::App& app, tAction& action) {
-  app.add_subcommand("uninstall", "Remove the driver and the devices, and restore the services")
-      ->callback([&action] {
-        action = [] {
-          uninstall();
-          std::cout << "the simulated controller is removed\n";
-        };
-      });
-}
-
-void addWait(CLI::App& app, tAction& action) {
-  static double seconds = kDefaultTimeout.count();
-  CLI::App* const verb = app.add_subcommand("wait", "Wait until the simulated machine is ready");
-  verb->add_option("--timeout", seconds, "Fail after this many seconds")
-      ->check(CLI::Range(0.0, 600.0))
-      ->capture_default_str();
-  verb->callback([&action] {
-    action = [] {
-      waitUntilReady(std::chrono::milliseconds(static_cast<int64_t>(seconds * 1000)));
-    };
-  });
-}
-
-void addStatus(CLI::App& app, tAction& action) {
-  static bool asJson = false;
-  CLI::App* const verb = app.add_subcommand("status", "Show the present devices");
-  verb->add_flag("--json", asJson, "Print one JSON document");
-  verb->callback([&action] { action = [] { showStatus(asJson); }; });
-}
-
-void addReset(CLI::App& app, tAction& action) {
-  app.add_subcommand("reset",
-                     "Restore the default machine, without scripted answers and with an empty log")
-      ->callback([&action] { action = reset; });
 }
 
 }  // namespace nSimulator

@@ -155,36 +155,17 @@ void showFirmware(const tFirmwareArguments& arguments) {
 
 }  // namespace
 
-void addLog(CLI::App& app, tAction& action) {
-  static tLogArguments arguments;
-  CLI::App* const verb =
-      app.add_subcommand("log", "Show the driver's requests and replies; the latest " +
-                                    std::to_string(SIMULATOR_LOG_CAPACITY) + " entries are kept");
-  verb->add_option("--from", arguments.from, "Begin at this sequence number")
-      ->capture_default_str();
-  verb->add_flag("--json", arguments.asJson, "Print one JSON document, with bytes in hexadecimal");
-  verb->add_flag("--clear", arguments.clear, "Clear the log afterwards");
-  verb->callback([&action] { action = [] { showLog(arguments); }; });
+void runLog(const tArguments& arguments) {
+  showLog({number(arguments, nWords::kFrom, 1, UINT64_MAX), arguments.has(nWords::kJson),
+           arguments.has(nWords::kClear)});
 }
 
-void addCounters(CLI::App& app, tAction& action) {
-  static bool asJson = false;
-  CLI::App* const verb =
-      app.add_subcommand("counters",
-                         "Show the numbers of files, registrations, routes and reservations begun "
-                         "and ended since the driver was started");
-  verb->add_flag("--json", asJson, "Print one JSON document");
-  verb->callback([&action] { action = [] { showCounters(asJson); }; });
+void runCounters(const tArguments& arguments) {
+  showCounters(arguments.has(nWords::kJson));
 }
 
-void addFirmware(CLI::App& app, tAction& action) {
-  static tFirmwareArguments arguments;
-  CLI::App* const verb = app.add_subcommand(
-      "firmware", "Show the firmware payloads that the interfaces received; the latest " +
-                      std::to_string(SIMULATOR_PAYLOAD_CAPACITY) + " are kept");
-  verb->add_flag("--json", arguments.asJson, "Print one JSON document");
-  verb->add_flag("--clear", arguments.clear, "Clear the record afterwards");
-  verb->callback([&action] { action = [] { showFirmware(arguments); }; });
+void runFirmware(const tArguments& arguments) {
+  showFirmware({arguments.has(nWords::kJson), arguments.has(nWords::kClear)});
 }
 
 }  // namespace nSimulator

@@ -16,13 +16,6 @@ namespace {
                       error.windowsError());
 }
 
-struct tPendingArguments {
-  bool asJson = false;
-  uint32_t acceptance = kSimulatorAcceptAtOnce;
-  uint64_t handle = 0;
-  uint32_t windowsError = 0;
-};
-
 void writePending(tJsonDocument& document, const tSimulatorPendingRequest& record) {
   document.begin();
   document.member("handle", record.handle);
@@ -60,30 +53,20 @@ void listPending(bool asJson) {
   document.end();
 }
 
-void completeRequests(const tPendingArguments& arguments) {
+void completeRequests(uint64_t handle, uint32_t windowsError) {
   try {
-    tSimulatedMachine().completePending(arguments.handle, arguments.windowsError);
+    tSimulatedMachine().completePending(handle, windowsError);
   } catch (const tControlError& error) {
-    rethrowRejection(error, arguments.handle == 0 ? "no request waits for acceptance"
-                                                  : "no pending request has handle " +
-                                                        std::to_string(arguments.handle));
+    rethrowRejection(error, handle == 0
+                                ? "no request waits for acceptance"
+                                : "no pending request has handle " + std::to_string(handle));
   }
 }
 
-void addComplete(CLI::App* verb, tPendingArguments& arguments, tAction& action) {
-  CLI::App* const complete =
-      verb->add_subcommand("complete", "Complete requests from the driver's side");
-  complete
-      ->add_option("handle", arguments.handle,
-                   "As 'pending list' shows it; 0: all requests that wait for acceptance")
-      ->required();
-  complete
-      ->add_option("--windows-error", arguments.windowsError,
-                   "Windows error of the completion; 0: success")
-      ->check(between(0, 65535))
-      ->capture_default_str();
-  complete->callback(
-      [&action, &arguments] { action = [&arguments] { completeRequests(arguments); }; });
+std::vector<tOfferedWord> acceptances() {
+  return {{"at-once", "Requests are accepted immediately"},
+          {"later", "Requests are accepted with 'pending accept'"},
+          {"never", "Requests complete without a handle"}};
 }
 
 constexpr const char* kRouteStates[] = {"calculated", "reserved", "programmed"};
@@ -134,48 +117,34 @@ void demoteRoute(uint32_t ticket) {
 
 }  // namespace
 
-void addPending(CLI::App& app, tAction& action) {
-  static tPendingArguments arguments;
-  CLI::App* const verb = app.add_subcommand("pending", "Show and control pending requests");
-  verb->require_subcommand(1);
-  CLI::App* const listVerb =
-      verb->add_subcommand("list", "Show the pending requests, oldest first");
-  listVerb->add_flag("--json", arguments.asJson, "Print one JSON document");
-  listVerb->callback([&action] { action = [] { listPending(arguments.asJson); }; });
+constinit const tWordSet kAcceptanceWords{"acceptances", acceptances};
 
-  CLI::App* const acceptance =
-      verb->add_subcommand("acceptance", "Set when later requests are accepted");
-  acceptance
-      ->add_option("when", arguments.acceptance,
-                   "at-once; later: with 'pending accept'; never: they complete without a handle")
-      ->required()
-      ->transform(namesOf("a time of acceptance", {{"at-once", kSimulatorAcceptAtOnce},
-                                                   {"later", kSimulatorAcceptLater},
-                                                   {"never", kSimulatorAcceptNever}}));
-  acceptance->callback([&action] {
-    action = [] {
-      tSimulatedMachine().setAcceptance(static_cast<tSimulatorAcceptance>(arguments.acceptance));
-    };
-  });
-  verb->add_subcommand("accept", "Accept the requests that wait for acceptance")
-      ->callback([&action] { action = [] { tSimulatedMachine().acceptPending(); }; });
-  addComplete(verb, arguments, action);
+void runPendingList(const tArguments& arguments) {
+  listPending(arguments.has(nWords::kJson));
 }
 
-void addRoutes(CLI::App& app, tAction& action) {
-  static bool asJson = false;
-  CLI::App* const verb =
-      app.add_subcommand("routes", "Show the trigger routes of all programs, oldest first");
-  verb->add_flag("--json", asJson, "Print one JSON document");
-  verb->callback([&action] { action = [] { listRoutes(asJson); }; });
+void runPendingAcceptance(const tArguments& arguments) {
+  const size_t index =
+      indexOf("time of acceptance", arguments.text(nWords::kWhen), kAcceptanceWords);
+  tSimulatedMachine().setAcceptance(static_cast<tSimulatorAcceptance>(index));
 }
 
-void addDemote(CLI::App& app, tAction& action) {
-  static uint32_t ticket = 0;
-  CLI::App* const verb =
-      app.add_subcommand("demote", "Demote a trigger route and notify its program");
-  verb->add_option("ticket", ticket, "A ticket from 'routes'")->required();
-  verb->callback([&action] { action = [] { demoteRoute(ticket); }; });
+void runPendingAccept(const tArguments& /*arguments*/) {
+  tSimulatedMachine().acceptPending();
+}
+
+void runPendingComplete(const tArguments& arguments) {
+  const uint64_t handle = number(arguments, nWords::kHandle, 0, UINT64_MAX);
+  const uint64_t windowsError = number(arguments, nWords::kWindowsError, 0, UINT16_MAX);
+  completeRequests(handle, static_cast<uint32_t>(windowsError));
+}
+
+void runRoutes(const tArguments& arguments) {
+  listRoutes(arguments.has(nWords::kJson));
+}
+
+void runDemote(const tArguments& arguments) {
+  demoteRoute(static_cast<uint32_t>(number(arguments, nWords::kTicket)));
 }
 
 }  // namespace nSimulator

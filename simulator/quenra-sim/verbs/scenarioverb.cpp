@@ -1,4 +1,5 @@
 // scenario: the machine that later programs find.
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <iterator>
@@ -12,14 +13,14 @@ namespace nSimulator {
 namespace {
 
 struct tScenario {
-  std::optional<uint32_t> controllers;
-  std::optional<uint32_t> martens;
-  std::optional<uint32_t> devicePaths;
+  std::optional<uint64_t> controllers;
+  std::optional<uint64_t> martens;
+  std::optional<uint64_t> devicePaths;
   std::optional<std::string> tableFile;
   std::optional<std::string> versionText;
   std::vector<std::string> structureBytes;  // as "0x9D/4=1"
-  std::vector<uint16_t> removedStructures;  // types
-  std::optional<uint32_t> pathLength;
+  std::vector<uint8_t> removedStructures;   // types
+  std::optional<uint64_t> pathLength;
   std::optional<std::string> topographyName;
 
   [[nodiscard]] bool changesTable() const {
@@ -44,8 +45,9 @@ uint8_t byteOf(const std::string& text, const std::string& argument) {
   } catch (const std::exception&) {
     // Reported below.
   }
-  throw tUsageError("'" + argument +
-                    "' does not have the form TYPE/OFFSET=VALUE, such as 0x9D/4=1");
+  throw tUsageError(
+      "'" + argument + "' does not have the form TYPE/OFFSET=VALUE with numbers up to 255",
+      "Give --structure-byte such a value, for example 0x9D/4=1.");
 }
 
 tStructureByte parseStructureByte(const std::string& text) {
@@ -63,46 +65,85 @@ std::vector<uint8_t> readFile(const std::string& name) {
   std::ifstream file(name, std::ios::binary);
   if (!file) {
     const std::error_code reason(errno, std::generic_category());
-    throw tUsageError("cannot read '" + name + "': " + reason.message());
+    throw tUsageError(
+        "cannot read '" + name + "': " + reason.message(),
+        "Give --table a file of this system, such as 'Z:\\\\home\\\\me\\\\dump.bin'.");
   }
   std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file),
                              std::istreambuf_iterator<char>()};
   if (bytes.size() > SIMULATOR_TABLE_CAPACITY) {
-    throw tUsageError("'" + name + "' has more than " + std::to_string(SIMULATOR_TABLE_CAPACITY) +
-                      " bytes");
+    throw tUsageError(
+        "'" + name + "' has more than " + std::to_string(SIMULATOR_TABLE_CAPACITY) + " bytes",
+        "Give --table the structures only, without the eight bytes before them.");
   }
   return bytes;
 }
 
+constexpr const char* kTableAdvice =
+    "The table is that of the machine, or of --table; 'quenra-sim reset' restores the default one.";
+
 void editTable(std::vector<uint8_t>& table, const tScenario& scenario) {
-  for (const uint16_t type : scenario.removedStructures) {
-    if (!removeStructures(table, static_cast<uint8_t>(type))) {
-      throw tUsageError("the table has no structure of type " + std::to_string(type));
+  for (const uint8_t type : scenario.removedStructures) {
+    if (!removeStructures(table, type)) {
+      throw tUsageError("the table has no structure of type " + std::to_string(type), kTableAdvice);
     }
   }
   for (const std::string& text : scenario.structureBytes) {
     const tStructureByte byte = parseStructureByte(text);
     if (!changeStructureByte(table, byte.type, byte.offset, byte.value)) {
-      throw tUsageError("the table has no structure with the byte '" + text + "'");
+      throw tUsageError("the table has no structure with the byte '" + text + "'", kTableAdvice);
     }
   }
 }
 
-void apply(const tScenario& scenario) {
-  if (!scenario.controllers && !scenario.martens && !scenario.devicePaths &&
-      !scenario.changesTable() && !scenario.versionText && !scenario.pathLength &&
-      !scenario.topographyName) {
+// The value of an option, which must be shorter than the capacity.
+std::optional<std::string> textShorterThan(size_t capacity, const tArguments& arguments,
+                                           std::string_view name) {
+  auto text = arguments.optional(name);
+  if (text && text->size() >= capacity) {
     throw tUsageError(
-        "the change is missing; run 'quenra-sim scenario --help' to list the options");
+        "the text of " + std::string(name) + " has " + std::to_string(text->size()) + " bytes",
+        "Give at most " + std::to_string(capacity - 1) + " bytes.");
   }
+  return text;
+}
+
+tScenario scenarioOf(const tArguments& arguments) {
+  if (std::ranges::none_of(arguments.verb().options, [&](const nCommandLine::tOptionRow& row) {
+        return arguments.has(row.name);
+      })) {
+    throw tUsageError("the change is missing",
+                      "Run 'quenra-sim scenario --help' to list the options.");
+  }
+  tScenario scenario;
+  scenario.controllers = optionalNumber(arguments, nWords::kControllers, 0, 2);
+  scenario.martens = optionalNumber(arguments, nWords::kMartens, 0, 2);
+  scenario.devicePaths = optionalNumber(arguments, nWords::kDevicePaths, 0, 1);
+  scenario.tableFile = arguments.optional(nWords::kTable);
+  scenario.versionText = textShorterThan(SIMULATOR_TEXT_CAPACITY, arguments, nWords::kVersionText);
+  scenario.structureBytes = arguments.all(nWords::kStructureByte);
+  for (const std::string& type : arguments.all(nWords::kWithoutStructure)) {
+    scenario.removedStructures.push_back(
+        static_cast<uint8_t>(numberOf(arguments, nWords::kWithoutStructure, type, 0, UINT8_MAX)));
+  }
+  scenario.pathLength = optionalNumber(arguments, nWords::kPathLength);
+  scenario.topographyName =
+      textShorterThan(SIMULATOR_TOPOGRAPHY_NAME_CAPACITY, arguments, nWords::kTopography);
+  return scenario;
+}
+
+}  // namespace
+
+void runScenario(const tArguments& arguments) {
+  const tScenario scenario = scenarioOf(arguments);
   // All errors are found before the first change.
   tSimulatedMachine machine;
   std::vector<uint8_t> table = scenario.tableFile ? readFile(*scenario.tableFile) : machine.table();
   editTable(table, scenario);
   tSimulatorPresence presence = machine.presence();
-  presence.controllers = scenario.controllers.value_or(presence.controllers);
-  presence.martens = scenario.martens.value_or(presence.martens);
-  presence.devicePaths = scenario.devicePaths.value_or(presence.devicePaths);
+  presence.controllers = static_cast<uint32_t>(scenario.controllers.value_or(presence.controllers));
+  presence.martens = static_cast<uint32_t>(scenario.martens.value_or(presence.martens));
+  presence.devicePaths = static_cast<uint32_t>(scenario.devicePaths.value_or(presence.devicePaths));
   if (scenario.changesTable()) {
     machine.setTable(table);
   }
@@ -110,43 +151,12 @@ void apply(const tScenario& scenario) {
     machine.setVersionText(*scenario.versionText + '\0');
   }
   if (scenario.pathLength) {
-    machine.setPathLength(*scenario.pathLength);
+    machine.setPathLength(static_cast<uint32_t>(*scenario.pathLength));
   }
   if (scenario.topographyName) {
     machine.setTopographyName(*scenario.topographyName + '\0');
   }
   machine.setPresence(presence);
-}
-
-}  // namespace
-
-void addScenario(CLI::App& app, tAction& action) {
-  static tScenario scenario;
-  CLI::App* const verb =
-      app.add_subcommand("scenario", "Change the machine that later programs find");
-  verb->add_option("--controllers", scenario.controllers, "Controller interfaces present")
-      ->check(between(0, 2));
-  verb->add_option("--martens", scenario.martens, "Marten interfaces present")
-      ->check(between(0, 2));
-  verb->add_option("--device-paths", scenario.devicePaths, "Device path interfaces present")
-      ->check(between(0, 1));
-  verb->add_option("--table", scenario.tableFile,
-                   "File with the SMBIOS structure table that the driver returns");
-  verb->add_option("--structure-byte", scenario.structureBytes,
-                   "Change a byte of the first structure of a type in that table, such as 0x9D/4=1")
-      ->type_name("TYPE/OFFSET=VALUE");
-  verb->add_option("--without-structure", scenario.removedStructures,
-                   "Remove the structures of a type from that table")
-      ->check(between(0, 255))
-      ->type_name("TYPE");
-  verb->add_option("--version-text", scenario.versionText, "SMBIOS version text")
-      ->check(shorterThan(SIMULATOR_TEXT_CAPACITY));
-  verb->add_option("--path-length", scenario.pathLength,
-                   "Terminals in the path of every trigger route, at least 2; 0: the real number");
-  verb->add_option("--topography", scenario.topographyName,
-                   "Name of the topography of the trigger router")
-      ->check(shorterThan(SIMULATOR_TOPOGRAPHY_NAME_CAPACITY));
-  verb->callback([&action] { action = [] { apply(scenario); }; });
 }
 
 }  // namespace nSimulator

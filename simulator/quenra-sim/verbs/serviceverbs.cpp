@@ -1,7 +1,6 @@
 // encryption and driver-store: the operating system services.
 #include <windows.h>
 
-#include <array>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -14,12 +13,6 @@
 
 namespace nSimulator {
 namespace {
-
-struct tEncryptionArguments {
-  bool asJson = false;
-  std::string failingStep;
-};
-tEncryptionArguments theEncryptionArguments;
 
 void showEncryption(bool asJson) {
   const tEncryption now = encryption();
@@ -36,18 +29,6 @@ void showEncryption(bool asJson) {
   }
 }
 
-template <size_t Count>
-std::vector<std::string> textsOf(const std::array<std::string_view, Count>& texts) {
-  return {texts.begin(), texts.end()};
-}
-
-struct tDriverStoreArguments {
-  bool asJson = false;
-  bool clear = false;
-  tDriverStoreBehaviour behaviour;
-};
-tDriverStoreArguments theDriverStoreArguments;
-
 // Converts text of the process code page for standard output.
 std::string utf8(const std::string& text) {
   const auto length = static_cast<int>(text.size());
@@ -61,9 +42,8 @@ std::string utf8(const std::string& text) {
   return result;
 }
 
-const char* nameOf(tDriverStoreTool state) {
-  constexpr const char* kNames[] = {"missing", "broken", "working"};
-  return kNames[static_cast<size_t>(state)];
+std::string nameOf(tDriverStoreTool state) {
+  return std::string(kToolWords.words()[static_cast<size_t>(state)].word);
 }
 
 void showRunsAsJson(const std::vector<tDriverStoreRun>& runs) {
@@ -88,9 +68,9 @@ void showRunsAsJson(const std::vector<tDriverStoreRun>& runs) {
   document.end();
 }
 
-void showRuns(const tDriverStoreArguments& arguments) {
+void showRuns(bool asJson, bool clear) {
   const std::vector<tDriverStoreRun> runs = driverStoreRuns();
-  if (arguments.asJson) {
+  if (asJson) {
     showRunsAsJson(runs);
   } else {
     std::cout << "the tool is " << nameOf(driverStoreTool()) << '\n';
@@ -104,73 +84,88 @@ void showRuns(const tDriverStoreArguments& arguments) {
       }
     }
   }
-  if (arguments.clear) {
+  if (clear) {
     clearDriverStoreRuns();
   }
 }
 
-void addState(CLI::App* verb, tAction& action, tDriverStoreTool state, const char* description) {
-  verb->add_subcommand(nameOf(state), description)->callback([&action, state] {
-    action = [state] { installDriverStoreTool(state); };
-  });
+std::vector<tOfferedWord> encryptionStates() {
+  return {{kProtections[0], "Drive C: is not encrypted"},
+          {kProtections[1], "Drive C: is encrypted"},
+          {kProtections[2], "The state is unknown"},
+          {kProtections[3], "The service reports no drive C:"},
+          {nWords::kFail, "A step of the query fails"}};
+}
+
+std::vector<tOfferedWord> steps() {
+  std::vector<tOfferedWord> words;
+  for (const std::string_view step : kEncryptionSteps) {
+    words.push_back({step, "This step of the query fails"});
+  }
+  return words;
+}
+
+std::vector<tOfferedWord> tools() {
+  return {{"missing", "There is no tool"},
+          {"broken", "The tool is a file that is not a program"},
+          {"working", "The tool is installed"}};
+}
+
+void changeEncryption(const tArguments& arguments, const std::string& state) {
+  rejectOption(arguments, nWords::kJson, "with a state");
+  nCommandLine::requireWord("state", state, kEncryptionWords);
+  const auto step = arguments.optional(nWords::kStep);
+  if (state != nWords::kFail) {
+    if (step) {
+      throw tUsageError("unexpected argument '" + *step + "'", usageOf(arguments));
+    }
+    setEncryption({state, ""});
+    return;
+  }
+  if (!step) {
+    throw tUsageError("STEP is missing", usageOf(arguments));
+  }
+  nCommandLine::requireWord("step", *step, kStepWords);
+  setEncryption({tEncryption().protection, *step});
+}
+
+void changeDriverStore(const tArguments& arguments, const std::string& state) {
+  const auto tool = static_cast<tDriverStoreTool>(indexOf("state", state, kToolWords));
+  rejectOption(arguments, nWords::kJson, "with a state");
+  rejectOption(arguments, nWords::kClear, "with a state");
+  const uint64_t seconds = number(arguments, nWords::kSeconds, 0, 3600);
+  const uint64_t exitCode = number(arguments, nWords::kExitCode);
+  if (tool == tDriverStoreTool::working) {
+    setDriverStoreBehaviour({static_cast<uint32_t>(seconds), static_cast<uint32_t>(exitCode)});
+  } else {
+    rejectOption(arguments, nWords::kSeconds, "without working");
+    rejectOption(arguments, nWords::kExitCode, "without working");
+  }
+  installDriverStoreTool(tool);
 }
 
 }  // namespace
 
-void addEncryption(CLI::App& app, tAction& action) {
-  CLI::App* const verb = app.add_subcommand(
-      "encryption",
-      "Show or change the encryption of drive C: that the management service reports");
-  verb->require_subcommand(0, 1);
-  verb->add_flag("--json", theEncryptionArguments.asJson, "Print one JSON document");
-  verb->callback([&action] {
-    if (!action) {
-      action = [] { showEncryption(theEncryptionArguments.asJson); };
-    }
-  });
-  for (const std::string& protection : textsOf(kProtections)) {
-    verb->add_subcommand(protection, "The encryption that the service reports")
-        ->callback([&action, protection] {
-          action = [protection] { setEncryption({protection, ""}); };
-        });
+constinit const tWordSet kEncryptionWords{"states", encryptionStates};
+constinit const tWordSet kStepWords{"steps", steps};
+constinit const tWordSet kToolWords{"tools", tools};
+
+void runEncryption(const tArguments& arguments) {
+  if (const auto state = arguments.optional(nWords::kState)) {
+    changeEncryption(arguments, *state);
+  } else {
+    showEncryption(arguments.has(nWords::kJson));
   }
-  CLI::App* const fail = verb->add_subcommand("fail", "Make a step of the query fail");
-  fail->add_option("step", theEncryptionArguments.failingStep)
-      ->required()
-      ->check(wordsOf("a step", textsOf(kEncryptionSteps)));
-  fail->callback([&action] {
-    action = [] { setEncryption({tEncryption().protection, theEncryptionArguments.failingStep}); };
-  });
 }
 
-void addDriverStore(CLI::App& app, tAction& action) {
-  CLI::App* const verb = app.add_subcommand(
-      "driver-store", "Show the runs of the driver-store tool, or change its behaviour");
-  verb->require_subcommand(0, 1);
-  verb->add_flag("--json", theDriverStoreArguments.asJson, "Print one JSON document");
-  verb->add_flag("--clear", theDriverStoreArguments.clear, "Clear the record of runs afterwards");
-  verb->callback([&action] {
-    if (!action) {
-      action = [] { showRuns(theDriverStoreArguments); };
-    }
-  });
-  addState(verb, action, tDriverStoreTool::missing, "Remove the tool");
-  addState(verb, action, tDriverStoreTool::broken,
-           "Replace the tool with a file that is not a program");
-  CLI::App* const working = verb->add_subcommand("working", "Install the tool");
-  working->add_option("--seconds", theDriverStoreArguments.behaviour.seconds, "Duration of a run")
-      ->check(between(0, 3600))
-      ->capture_default_str();
-  working
-      ->add_option("--exit-code", theDriverStoreArguments.behaviour.exitCode,
-                   "Exit code of a run; 0: success if the package is readable")
-      ->capture_default_str();
-  working->callback([&action] {
-    action = [] {
-      setDriverStoreBehaviour(theDriverStoreArguments.behaviour);
-      installDriverStoreTool(tDriverStoreTool::working);
-    };
-  });
+void runDriverStore(const tArguments& arguments) {
+  if (const auto state = arguments.optional(nWords::kState)) {
+    changeDriverStore(arguments, *state);
+    return;
+  }
+  rejectOption(arguments, nWords::kSeconds, "without working");
+  rejectOption(arguments, nWords::kExitCode, "without working");
+  showRuns(arguments.has(nWords::kJson), arguments.has(nWords::kClear));
 }
 
 }  // namespace nSimulator

@@ -1,25 +1,32 @@
+// The verbs of quenra-sim: the names of their arguments, the functions that run them, and the values
+// and documents that they share.
 #ifndef SIMULATOR_QUENRA_SIM_VERBS_VERBS_H
 #define SIMULATOR_QUENRA_SIM_VERBS_VERBS_H
 
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
-#include <CLI/CLI.hpp>
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <iostream>
-#include <stdexcept>
+#include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
+#include "simulator/protocol/controlprotocol.h"
+#include "tools/commandline/grammar.h"
 #include "tools/commandline/utf8text.h"
 
 namespace nSimulator {
 
+using nCommandLine::tArguments;
+using nCommandLine::tOfferedWord;
+using nCommandLine::tUsageError;
+using nCommandLine::tWordSet;
+
 // Runs quenra-sim with the arguments of `main` and returns its exit code. Unless `isWine`, every
-// verb fails.
-[[nodiscard]] int runProgram(int argumentCount, char** arguments, bool isWine);
+// verb but those of the help fails.
+[[nodiscard]] int runProgram(int argumentCount, const char* const* arguments, bool isWine);
 
 // The exit codes, documented in docs/simulator.md.
 enum tExitCode : int {
@@ -29,54 +36,117 @@ enum tExitCode : int {
   kNotInstalled = 4,  // no simulated machine is installed
 };
 
-// A command line that is well-formed but contradicts itself or the machine.
-class tUsageError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+// ---- The grammar ----
 
-// The action of a command line, set by the verb that is parsed.
-using tAction = std::function<void()>;
+extern const nCommandLine::tGrammar kGrammar;  // a row for each verb
+extern const tWordSet kAcceptanceWords;        // in the order of tSimulatorAcceptance
+extern const tWordSet kEncryptionWords;        // states of the encryption, and kFail
+extern const tWordSet kInterfaceWords;         // kController and kMarten
+extern const tWordSet kRequestWords;           // requests that a script can match
+extern const tWordSet kStepWords;              // steps of a query of the encryption
+extern const tWordSet kToolWords;              // in the order of tDriverStoreTool
+
+// The names of positionals and options, shared by the rows and the verbs that read them.
+namespace nWords {
+inline constexpr std::string_view kHandle = "handle";
+inline constexpr std::string_view kId = "id";
+inline constexpr std::string_view kInterface = "interface";
+inline constexpr std::string_view kRequest = "request";
+inline constexpr std::string_view kState = "state";
+inline constexpr std::string_view kStep = "step";
+inline constexpr std::string_view kTicket = "ticket";
+inline constexpr std::string_view kWhen = "when";
+
+inline constexpr std::string_view kAddCode = "--add-code";
+inline constexpr std::string_view kBytes = "--bytes";
+inline constexpr std::string_view kClear = "--clear";
+inline constexpr std::string_view kCode = "--code";
+inline constexpr std::string_view kControllers = "--controllers";
+inline constexpr std::string_view kDevicePaths = "--device-paths";
+inline constexpr std::string_view kExitCode = "--exit-code";
+inline constexpr std::string_view kFrom = "--from";
+inline constexpr std::string_view kJson = "--json";
+inline constexpr std::string_view kMartens = "--martens";
+inline constexpr std::string_view kNumber = "--number";
+inline constexpr std::string_view kPathLength = "--path-length";
+inline constexpr std::string_view kSeconds = "--seconds";
+inline constexpr std::string_view kSkip = "--skip";
+inline constexpr std::string_view kStructureByte = "--structure-byte";
+inline constexpr std::string_view kTable = "--table";
+inline constexpr std::string_view kText = "--text";
+inline constexpr std::string_view kTimeout = "--timeout";
+inline constexpr std::string_view kTimes = "--times";
+inline constexpr std::string_view kTopography = "--topography";
+inline constexpr std::string_view kTruncate = "--truncate";
+inline constexpr std::string_view kVersionText = "--version-text";
+inline constexpr std::string_view kWindowsError = "--windows-error";
+inline constexpr std::string_view kWithoutStructure = "--without-structure";
+
+// Values of positionals.
+inline constexpr std::string_view kAny = "any";
+inline constexpr std::string_view kController = "controller";
+inline constexpr std::string_view kFail = "fail";
+inline constexpr std::string_view kMarten = "marten";
+}  // namespace nWords
+
+// ---- The functions that run the verbs: `runStatus` runs `quenra-sim status` ----
 
 // machineverbs.cpp
-void addInstall(CLI::App& app, tAction& action);
-void addUninstall(CLI::App& app, tAction& action);
-void addWait(CLI::App& app, tAction& action);
-void addStatus(CLI::App& app, tAction& action);
-void addReset(CLI::App& app, tAction& action);
+void runInstall(const tArguments& arguments);
+void runUninstall(const tArguments& arguments);
+void runWait(const tArguments& arguments);
+void runStatus(const tArguments& arguments);
+void runReset(const tArguments& arguments);
 // scenarioverb.cpp
-void addScenario(CLI::App& app, tAction& action);
+void runScenario(const tArguments& arguments);
 // answerverbs.cpp
-void addAttribute(CLI::App& app, tAction& action);
-void addAnswer(CLI::App& app, tAction& action);
+void runAttributeSet(const tArguments& arguments);
+void runAttributeRemove(const tArguments& arguments);
+void runAttributeAllowWrites(const tArguments& arguments);
+void runAttributeRefuseWrites(const tArguments& arguments);
+void runAnswerAdd(const tArguments& arguments);
+void runAnswerClear(const tArguments& arguments);
 // requestverbs.cpp
-void addPending(CLI::App& app, tAction& action);
-void addRoutes(CLI::App& app, tAction& action);
-void addDemote(CLI::App& app, tAction& action);
+void runPendingList(const tArguments& arguments);
+void runPendingAcceptance(const tArguments& arguments);
+void runPendingAccept(const tArguments& arguments);
+void runPendingComplete(const tArguments& arguments);
+void runRoutes(const tArguments& arguments);
+void runDemote(const tArguments& arguments);
 // recordverbs.cpp
-void addLog(CLI::App& app, tAction& action);
-void addCounters(CLI::App& app, tAction& action);
-void addFirmware(CLI::App& app, tAction& action);
+void runLog(const tArguments& arguments);
+void runCounters(const tArguments& arguments);
+void runFirmware(const tArguments& arguments);
 // serviceverbs.cpp
-void addEncryption(CLI::App& app, tAction& action);
-void addDriverStore(CLI::App& app, tAction& action);
+void runEncryption(const tArguments& arguments);
+void runDriverStore(const tArguments& arguments);
 
-// Validates an option's value: a word of the list, converted to its number. The message for any
-// other word ends with the list: "'foo' is not an interface: use controller or marten".
-struct tNamedNumber {
-  std::string name;
-  uint32_t number;
-};
-[[nodiscard]] CLI::Validator namesOf(std::string kind, std::vector<tNamedNumber> names);
-[[nodiscard]] CLI::Validator wordsOf(std::string kind, std::vector<std::string> words);
-[[nodiscard]] CLI::Validator interfaceNames();
-// "5 is out of range (0 to 2)"
-[[nodiscard]] CLI::Validator between(int64_t least, int64_t most);
-[[nodiscard]] CLI::Validator shorterThan(size_t capacity);
+// ---- Values of arguments ----
 
-// The message for a command line that the parser of `app` rejected with `error`.
-[[nodiscard]] std::string usageFault(const CLI::App& app, const CLI::ParseError& error,
-                                     int argumentCount, const char* const* arguments);
+// "Usage: quenra-sim demote TICKET"
+[[nodiscard]] std::string usageOf(const tArguments& arguments);
+
+// The number of a positional or an option. Throws tUsageError if it is outside the bounds.
+[[nodiscard]] std::optional<uint64_t> optionalNumber(const tArguments& arguments,
+                                                     std::string_view name, uint64_t minimum = 0,
+                                                     uint64_t maximum = UINT32_MAX);
+// As above, for a required positional or an option with a default.
+[[nodiscard]] uint64_t number(const tArguments& arguments, std::string_view name,
+                              uint64_t defaultValue = 0, uint64_t maximum = UINT32_MAX);
+// Converts and checks one value of an argument.
+[[nodiscard]] uint64_t numberOf(const tArguments& arguments, std::string_view name,
+                                const std::string& text, uint64_t minimum, uint64_t maximum);
+
+// The interface that the positional names. Throws tUsageError for another word.
+[[nodiscard]] tSimulatorInterface interfaceOf(const tArguments& arguments);
+
+// The index of a positional's word in its set. Throws tUsageError for another word.
+[[nodiscard]] size_t indexOf(std::string_view kind, const std::string& word, const tWordSet& set);
+
+// Throws tUsageError if the command line has the option: "--seconds has no meaning without working".
+void rejectOption(const tArguments& arguments, std::string_view option, std::string_view reason);
+
+// ---- Output ----
 
 // Two digits for each byte.
 [[nodiscard]] inline std::string hexadecimal(const uint8_t* bytes, size_t size) {
