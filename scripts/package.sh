@@ -155,7 +155,6 @@ if [[ $certificate ]]; then
   install_packages openssl osslsigncode
   check_signing "$certificate" "$key"
 fi
-readonly certificate key timestamp
 
 end_machine_on_exit
 install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm mono-mcs mono-runtime \
