@@ -115,9 +115,23 @@ make_packages() {
   make_checksums
 }
 
+# Makes the packages with --sign as a user does, and verifies the files in the archive and the installer.
+test_signed_packages() {
+  local folder=$build/package-signed file
+  rm -rf "$folder"
+  mkdir -p "$folder"
+  openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj "/CN=Test of quenra" \
+    -addext extendedKeyUsage=codeSigning -keyout "$folder/key.pem" -out "$folder/certificate.pem" \
+    2>"$build/signing.log" || fail "making a certificate failed: build/signing.log"
+  "$root/scripts/package.sh" --sign "$folder/certificate.pem" "$folder/key.pem" >/dev/null
+  unzip -q "$build/package/$product-win64.zip" -d "$folder"
+  for file in "$folder/$product-win64"/bin/quenra.{dll,exe} "$build/package/$product-win64.msi"; do
+    osslsigncode verify -CAfile "$folder/certificate.pem" -in "$file" >"$build/signing.log" 2>&1 ||
+      fail "'$file' of ./dev package --sign is not signed: build/signing.log"
+  done
+}
+
 test_packages() {
-  install_packages clang lld openssl osslsigncode pkgconf python3-license-expression python3-pip \
-    unzip
   step "Making the packages again, to compare the bytes"
   make_packages "$build/package-again"
   cmp "$build/package/SHA256SUMS" "$build/package-again/SHA256SUMS" ||
@@ -162,6 +176,11 @@ install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm mono-mcs
 build_preset windows quenra_dll quenra_exe quenra-sim shipped
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$binary_folder/CMakeCache.txt")
 readonly product=quenra-$version
+if [[ $tests == yes ]]; then
+  install_packages clang lld openssl osslsigncode pkgconf python3-license-expression python3-pip \
+    unzip
+  test_signed_packages
+fi
 step "Packaging $product"
 make_packages "$build/package"
 [[ $tests == no ]] || test_packages
