@@ -1,7 +1,7 @@
 # Sourced by scripts/package.sh: signs Windows images and installer packages with osslsigncode.
 # shellcheck shell=bash disable=SC2154 # variables of build.sh
 
-# Messages of openssl and osslsigncode, without their first lines of state.
+# Prints the messages of the last openssl or osslsigncode, indented.
 signing_log() { sed 's/^/  /' "$build/signing.log" >&2; }
 
 # The path of a file that the caller named relative to the folder of the call.
