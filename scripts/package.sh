@@ -59,7 +59,7 @@ make_symbols() {
 
 make_nupkg() {
   local folder=$stage/$product-win64
-  python3 -B "$root/bindings/csharp/nupkg.py" "$version" "$folder/bin/quenra.dll" \
+  python3 -B "$packaging/nupkg.py" "$version" "$folder/bin/quenra.dll" \
     "$folder/share/doc/quenra/licenses" "$output/Quenra.$version.nupkg"
 }
 
@@ -173,8 +173,6 @@ fi
 end_machine_on_exit
 install_packages "${windows_packages[@]}" "${machine_packages[@]}" llvm mono-mcs mono-runtime \
   python3-hatchling msitools wixl
-# A build that was configured before the installation of llvm makes no quenra.lib.
-! grep -qs '^LLVM_DLLTOOL:.*NOTFOUND' "$binary_folder/CMakeCache.txt" || cmake "$binary_folder" >/dev/null
 build_preset windows quenra_dll quenra_exe quenra-sim shipped
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$binary_folder/CMakeCache.txt")
 readonly product=quenra-$version

@@ -43,7 +43,7 @@ def make_package(name):
     # Created in an order that is not that of the names.
     for part in ("second", "first"):
         (target / f"licenses/{part}.txt").write_text(part, "utf-8")
-    run(sys.executable, "-B", str(ROOT / "bindings/csharp/nupkg.py"), VERSION, "input.dll",
+    run(sys.executable, "-B", str(ROOT / "packaging/nupkg.py"), VERSION, "input.dll",
         "licenses", PACKAGE, cwd=target)
     return target
 

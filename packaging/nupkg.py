@@ -13,10 +13,10 @@ import pathlib
 import subprocess
 import sys
 import tempfile
-import zipfile
 
-SOURCES = pathlib.Path(__file__).resolve().parent
-DATE = (1980, 1, 1, 0, 0, 0)
+import archive
+
+SOURCES = pathlib.Path(__file__).resolve().parents[1] / "bindings/csharp"
 # Not Quenra.dll: beside quenra.dll, names that differ in case only are one file on Windows.
 ASSEMBLY = "Quenra.Net"
 
@@ -31,7 +31,7 @@ using System.Runtime.Versioning;
 [assembly: TargetFramework(".NETStandard,Version=v2.0", FrameworkDisplayName = ".NET Standard 2.0")]
 """
 
-SPECIFICATION = """\
+MANIFEST = """\
 <?xml version="1.0" encoding="utf-8"?>
 <package xmlns="http://schemas.microsoft.com/packaging/2013/05/nuspec.xsd">
   <metadata minClientVersion="2.12">
@@ -107,22 +107,13 @@ def compile_binding(version, source):
                 (folder / f"{ASSEMBLY}.xml").read_bytes())
 
 
-def write_archive(path, entries):
-    with zipfile.ZipFile(path, "w") as archive:
-        for name, content in entries:
-            entry = zipfile.ZipInfo(name, DATE)
-            entry.compress_type = zipfile.ZIP_DEFLATED
-            entry.create_system = 0
-            archive.writestr(entry, content, compresslevel=9)
-
-
 def make(version, library, licenses, package):
     source = single_source()
     assembly, documentation = compile_binding(version, source)
-    write_archive(package, [
+    archive.write(package, [
         ("[Content_Types].xml", CONTENT_TYPES),
         ("_rels/.rels", RELATIONSHIPS),
-        ("Quenra.nuspec", SPECIFICATION.format(version=version)),
+        ("Quenra.nuspec", MANIFEST.format(version=version)),
         ("build/net461/Quenra.targets", TARGETS),
         ("buildTransitive/net461/Quenra.targets", TARGETS),
         (f"lib/netstandard2.0/{ASSEMBLY}.dll", assembly),
