@@ -58,7 +58,8 @@ function(quenra_hardened name)
     quenra_database(${name} ${file_name})
   else()
     set(enter ${CMAKE_SOURCE_DIR}/cmake/enterloadconfiguration.py)
-    set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${enter})
+    set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${enter}
+      ${CMAKE_SOURCE_DIR}/cmake/peheaders.py)
     add_custom_command(TARGET ${name} POST_BUILD
       COMMAND ${Python3_EXECUTABLE} ${enter} $<TARGET_FILE:${name}>)
   endif()

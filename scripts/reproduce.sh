@@ -33,6 +33,7 @@ build_copy() {
 }
 
 install_packages_of "$preset"
+install_packages llvm
 build_copy "$folder/first"
 build_copy "$folder/another-place"
 failed=0
