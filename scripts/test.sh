@@ -14,18 +14,14 @@ report_faults() {
 presets=("$@")
 (($#)) || presets=(native native-library thread windows)
 for preset in "${presets[@]}"; do
-  [[ $preset == native-library ]] || is_preset "$preset"
+  is_preset "$preset"
 done
 end_machine_on_exit
 install_packages "${native_packages[@]}" "${machine_packages[@]}" "${docs_packages[@]}" groff-base \
   mono-mcs mono-runtime mypy python3-jsonschema python3-pytest
 for preset in "${presets[@]}"; do
   install_packages_of "$preset"
-  if [[ $preset == native-library ]]; then
-    build_preset "$preset" quenra_native
-  else
-    build_preset "$preset"
-  fi
+  build_preset "$preset"
 done
 rm -rf "$build/native/tests/faultsweep/faults"
 failed=()

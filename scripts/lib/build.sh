@@ -62,8 +62,8 @@ install_packages() {
 # Fails for a name that is not a preset for which ./dev builds and tests.
 is_preset() {
   case $1 in
-    windows | windows-clang | native | thread) ;;
-    *) fail "there is no preset '$1'; use windows, windows-clang, native or thread" ;;
+    windows | windows-clang | native | native-library | thread) ;;
+    *) fail "there is no preset '$1'; use windows, windows-clang, native, native-library or thread" ;;
   esac
 }
 
