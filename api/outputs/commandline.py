@@ -1,14 +1,11 @@
 """The generated parts of the command line's tables: tools/quenra/tables/."""
 
 import description
+from outputs import literal
 
 FORMS = {"plain": "plain", "hexadecimal": "hexadecimal", "memory-size": "memorySize",
          "interface-set": "interfaceSet"}
 ACCESSES = {"read": "tAccess::read", "read, write": "tAccess::readAndWrite", "write": "tAccess::write"}
-
-
-def literal(text: str) -> str:
-    return '"' + text.replace("\\", "\\\\").replace('"', '\\"') + '"'
 
 
 def identifier(key: str) -> str:

@@ -2,10 +2,10 @@
 
 from __future__ import annotations
 
-import json
 import textwrap
 
 import description
+from outputs import literal
 
 WIDTH = 100
 
@@ -40,8 +40,8 @@ def status_lines(api):
     yield "inline constexpr explanation explanations[] = {"
     for status in api.statuses:
         yield f'    {{{status.constant}, "{status.constant}",'
-        yield f"     {json.dumps(status.cause, ensure_ascii=False)},"
-        yield f"     {json.dumps(status.remedy, ensure_ascii=False)}}},"
+        yield f"     {literal(status.cause)},"
+        yield f"     {literal(status.remedy)}}},"
     yield "};"
     yield ""
     yield "}  // namespace detail"

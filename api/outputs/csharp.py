@@ -4,7 +4,7 @@ import textwrap
 from xml.sax.saxutils import escape
 
 import description
-from outputs import NOTICE
+from outputs import NOTICE, literal
 
 WIDTH = 100
 
@@ -145,10 +145,6 @@ ENUMERATION_TEXTS = {
     "link-kind": "The values of the attribute LinkKind.",
     "expansion-kind": "The values of the attribute ExpansionKind.",
 }
-
-
-def literal(text: str) -> str:
-    return '"' + text.replace("\\", "\\\\").replace('"', '\\"') + '"'
 
 
 def long_literal(text: str, indentation: str) -> str:

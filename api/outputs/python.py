@@ -3,7 +3,7 @@
 import textwrap
 
 import description
-from outputs import NOTICE
+from outputs import NOTICE, literal
 
 WIDTH = 100
 
@@ -91,10 +91,6 @@ ENUMERATION_TEXTS = {
     "link-kind": "The values of LINK_KIND.",
     "expansion-kind": "The values of EXPANSION_KIND.",
 }
-
-
-def literal(text: str) -> str:
-    return '"' + text.replace("\\", "\\\\").replace('"', '\\"') + '"'
 
 
 def docstring(text: str, indentation: str) -> str:
