@@ -121,7 +121,7 @@ void runFirmware(const tArguments& arguments);
 void runEncryption(const tArguments& arguments);
 void runDriverStore(const tArguments& arguments);
 
-// ---- Values of arguments ----
+// ---- Values of arguments: arguments.cpp ----
 
 // "Usage: quenra-sim demote TICKET"
 [[nodiscard]] std::string usageOf(const tArguments& arguments);
