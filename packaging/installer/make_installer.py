@@ -33,7 +33,6 @@ FEATURES = [
     ("lib/", ("Development",)),
     ("share/doc/quenra/examples/", ("Development",)),
     ("share/doc/", ("Library",)),
-    ("share/licenses/", ("Library",)),
     ("share/", ("CommandLine",)),
 ]
 LIBRARY, COMMAND_LINE = "bin/quenra.dll", "bin/quenra.exe"
