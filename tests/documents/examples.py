@@ -57,11 +57,8 @@ READ_ONLY = ("bat", "cmake", "csharp", "powershell", "xml", "toml", "yaml", "ini
 FENCE = re.compile(r"(\s*)(`{3,})([^`]*)$")
 OPTION = re.compile(r'([\w-]+)(?:=(?:"([^"]*)"|(\S+)))?')
 COMMENT = re.compile(r"<!-- (prepare\n|varies: )(.*?)-->", re.DOTALL)
-
-
 NUMBER = re.compile(r"[0-9a-f]{16,}|\d+(\\?\.\d+)?")
 SHORT, LONG = r"\d+(?:\.\d+)?", "[0-9a-f]+"
-
 
 PAGES = ["README.md", "CHANGELOG.md", "SECURITY.md",
          *sorted(f"docs/{page.name}" for page in (ROOT / "docs").glob("*.md"))]
