@@ -229,14 +229,14 @@ namespace Quenra
             {
                 Platform.RequirePointerSize(IntPtr.Size);
                 byte[] text;
-                string operation = Reading(Attributes.DevicePath.Id);
+                Func<string> operation = () => Reading(Attributes.DevicePath.Id);
                 int code = ReadText(
                     (byte[] buffer, ref ulong size) => NativeMethods.QUENRA_getAttributeUTF8(
                         sharedHandle, Attributes.DevicePath.Id, buffer, ref size),
                     operation, out text);
                 if (code < 0)
                 {
-                    throw new QuenraException(operation, code);
+                    throw new QuenraException(operation(), code);
                 }
                 return Utf8.DecodeSystemText(text);
             }
@@ -485,8 +485,8 @@ namespace Quenra
 
         internal delegate int TextReader(byte[] buffer, ref ulong size);
 
-        // Reads a text of any length.
-        internal static int ReadText(TextReader read, string operation, out byte[] text)
+        // Reads a text of any length. `operation` is called for a failure only.
+        internal static int ReadText(TextReader read, Func<string> operation, out byte[] text)
         {
             // Receives every text of the machine's table, and every device path.
             ulong size = 256;
@@ -502,7 +502,7 @@ namespace Quenra
                 }
                 if (needed <= size || needed > int.MaxValue)
                 {
-                    throw new QuenraException(operation, code);
+                    throw new QuenraException(operation(), code);
                 }
                 size = needed;
             }
@@ -512,7 +512,7 @@ namespace Quenra
         {
             return ReadText((byte[] buffer, ref ulong size) =>
                                 NativeMethods.QUENRA_getAttributeUTF8(Handle, id, buffer, ref size),
-                            Reading(id), out text);
+                            () => Reading(id), out text);
         }
 
         private static uint IdOf(ControllerAttribute attribute, int instance, Selector selector)

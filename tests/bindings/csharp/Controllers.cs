@@ -291,7 +291,7 @@ namespace Quenra.Tests
                 Assert.Equal(0, buffer[0]);
                 size += sizes.Count == 1 ? 1000ul : 1ul;
                 return sizes.Count == 3 ? 0 : (int)Status.BufferTooSmall;
-            }, "reading", out text);
+            }, () => "reading", out text);
             Assert.Equal(0, code);
             Assert.Sequence(new ulong[] { 256, 1256, 1257 }, sizes);
             Assert.Equal(1257, text.Length);
@@ -309,7 +309,7 @@ namespace Quenra.Tests
                         ++calls;
                         size = needed;
                         return (int)Status.BufferTooSmall;
-                    }, "reading a text", out text));
+                    }, () => "reading a text", out text));
                 Assert.Contains("reading a text failed", failure.Message);
                 Assert.Equal(1, calls);
             }
