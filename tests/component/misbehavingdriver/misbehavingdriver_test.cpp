@@ -110,12 +110,14 @@ class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
     notice.notification = notification;
     nSimulator::tSimulatedMachine().notify(notice);
   }
-  [[nodiscard]] bool isDelivered(int times = 1) const {
-    for (int i = 0; demotions < times && i < 20000; ++i) {
+  // Waits until another thread has counted so far, 20 s at most.
+  [[nodiscard]] static bool isReached(const std::atomic<int>& counter, int count) {
+    for (int i = 0; counter < count && i < 20000; ++i) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    return demotions >= times;
+    return counter >= count;
   }
+  [[nodiscard]] bool isDelivered(int times = 1) const { return isReached(demotions, times); }
 
   zoroco_RoutingAdaptorSession* session = nullptr;
   char* output = nullptr;
@@ -276,6 +278,9 @@ TEST_F(MisbehavingDriver, DeliveryShorterThanANotice_IsDropped) {
   });
   notify(0);
   EXPECT_TRUE(isDelivered(2));
+  // The callback runs before the session's thread has read the short deliveries. Closing the session
+  // now would leave them unread.
+  EXPECT_TRUE(isReached(answered, 4));
   closeSession();
   EXPECT_EQ(answered, 4);
   EXPECT_EQ(demotions, 2) << "an old notice is not delivered again";
