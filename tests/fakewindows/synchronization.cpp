@@ -18,6 +18,7 @@ namespace nFakeWindows {
 namespace {
 
 constinit std::atomic<int> criticalSectionsAlive = 0;
+constinit std::atomic<unsigned> criticalSectionEntries = 0;
 
 // The lock that implements a section. A member of the section that is otherwise unused stores it.
 std::recursive_mutex* mutexOf(CRITICAL_SECTION* section, const char* function) {
@@ -47,6 +48,10 @@ std::shared_mutex& mutexOf(const SRWLOCK* lock) {
 
 int criticalSections() {
   return criticalSectionsAlive;
+}
+
+unsigned enteredCriticalSections() {
+  return criticalSectionEntries;
 }
 
 tSlimLockCounts slimLockCounts() {
@@ -234,6 +239,7 @@ BOOL WINAPI InitializeCriticalSectionEx(CRITICAL_SECTION* section, DWORD, DWORD 
 
 void WINAPI EnterCriticalSection(CRITICAL_SECTION* section) {
   mutexOf(section, "EnterCriticalSection")->lock();
+  ++criticalSectionEntries;
 }
 
 void WINAPI LeaveCriticalSection(CRITICAL_SECTION* section) {

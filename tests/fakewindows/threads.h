@@ -20,6 +20,9 @@ void startThreadsWithPriority(int priority);
 // The number of critical sections that exist.
 [[nodiscard]] int criticalSections();
 
+// Entries into critical sections since the program started. Any thread.
+[[nodiscard]] unsigned enteredCriticalSections();
+
 // Acquisitions of slim reader/writer locks since the program started.
 struct tSlimLockCounts {
   unsigned shared;

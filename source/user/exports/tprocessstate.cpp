@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <new>
-#include <utility>
 
 #include "source/user/failuresites.h"
 #include "zoapal/protons/cppnewdelete/tquarantinedstorage.h"
@@ -46,8 +45,8 @@ void tProcessState::unload() noexcept {
 
 void tProcessState::open(zoerr::Status& status) noexcept {
   const nZOAPAL000::tGuard lock(lock_);
-  if (session_ != nullptr) {
-    session_->addReference();
+  if (tControllerUserSession* const open = session_.load(std::memory_order_relaxed)) {
+    open->addReference();
     return;
   }
   std::unique_ptr<tControllerUserSession> session(new (std::nothrow)
@@ -55,23 +54,29 @@ void tProcessState::open(zoerr::Status& status) noexcept {
   if (session == nullptr) {
     status.set(QUENRA_STATUS_OUT_OF_MEMORY, kSessionNotAllocated);
   } else if (!status.isError()) {
-    session_ = session.release();
+    session_.store(session.release(), std::memory_order_release);
   }
 }
 
 void tProcessState::close() noexcept {
   const nZOAPAL000::tGuard lock(lock_);
-  if (session_ != nullptr && session_->dropReference()) {
-    const std::unique_ptr<tControllerUserSession> last(std::exchange(session_, nullptr));
+  tControllerUserSession* const open = session_.load(std::memory_order_relaxed);
+  if (open != nullptr && open->dropReference()) {
+    session_.store(nullptr, std::memory_order_release);
+    const std::unique_ptr<tControllerUserSession> last(open);
   }
 }
 
 tControllerUserSession* tProcessState::session(zoerr::Status& status) noexcept {
+  if (tControllerUserSession* const open = session_.load(std::memory_order_acquire)) {
+    return open;
+  }
   const nZOAPAL000::tGuard lock(lock_);
-  if (session_ == nullptr) {
+  tControllerUserSession* const open = session_.load(std::memory_order_relaxed);
+  if (open == nullptr) {
     status.set(QUENRA_STATUS_INVALID_HANDLE, kNoSession);
   }
-  return session_;
+  return open;
 }
 
 }  // namespace nQUENRA1400

@@ -1,6 +1,8 @@
 #ifndef SOURCE_USER_EXPORTS_TPROCESSSTATE_H
 #define SOURCE_USER_EXPORTS_TPROCESSSTATE_H
 
+#include <atomic>
+
 #include "source/user/session/tcontrollerusersession.h"
 #include "zoapal/protons/startup/processlifetime.h"
 #include "zoapal/protons/status/zoerrstatus.h"
@@ -22,7 +24,7 @@ class tProcessState {
 
   void load() noexcept;
   // Runs in the loader: no other thread is inside the library.
-  void unload() noexcept ZOAPAL_THREAD_ANNOTATION(no_thread_safety_analysis);
+  void unload() noexcept;
 
   [[nodiscard]] const nZOAPAL000::tStartUp& startUp() const noexcept { return startUp_; }
 
@@ -32,14 +34,17 @@ class tProcessState {
   void open(zoerr::Status& status) noexcept;
   // Drops one user of an open session.
   void close() noexcept;
-  // Null, with QUENRA_STATUS_INVALID_HANDLE in the status, when none is open.
+  // Null, with QUENRA_STATUS_INVALID_HANDLE in the status, when none is open. An open session is found
+  // without the lock; a caller during the first open waits for its result.
   [[nodiscard]] tControllerUserSession* session(zoerr::Status& status) noexcept;
 
  private:
   nZOAPAL000::tStartUp& startUp_;
   nZOAPAL000::tCriticalSection lock_;
   nZOSMBIOS_1_1::cZoSmBiosWindowsProvider provider_;
-  tControllerUserSession* session_ ZOAPAL_THREAD_ANNOTATION(guarded_by(lock_)) = nullptr;
+  // Written under the lock only. A session is published after its construction, and its pointer is
+  // cleared before its destruction.
+  std::atomic<tControllerUserSession*> session_ = nullptr;
 };
 
 // The state of this process.

@@ -1,14 +1,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <thread>
 
 #include "source/user/exports/callboundary.h"
 #include "source/user/exports/tprocessstate.h"
 #include "tests/component/session/sessiontest.h"
+#include "tests/fakewindows/machine.h"
+#include "tests/fakewindows/threads.h"
 
 namespace nTests {
 namespace {
@@ -80,6 +84,48 @@ TEST_F(ProcessState, WithoutSession_FailsWithInvalidHandle) {
   zoerr::tOwnedStatus status;
   EXPECT_EQ(state.session(status), nullptr);
   EXPECT_EQ(outcomeOf(status), sessionFailure(QUENRA_STATUS_INVALID_HANDLE, 184));
+  state.unload();
+}
+
+TEST_F(ProcessState, OpenSession_IsFoundWithoutTheLock) {
+  nQUENRA1400::nZOAPAL000::tStartUp startUp;
+  nQUENRA1400::tProcessState state(startUp);
+  state.load();
+  zoerr::tOwnedStatus status;
+  state.open(status);
+  const unsigned entered = nFakeWindows::enteredCriticalSections();
+  EXPECT_NE(state.session(status), nullptr);
+  EXPECT_EQ(nFakeWindows::enteredCriticalSections(), entered);
+  state.close();
+  EXPECT_EQ(state.session(status), nullptr);
+  EXPECT_EQ(nFakeWindows::enteredCriticalSections(), entered + 2)
+      << "of the close and of the search";
+  state.unload();
+}
+
+TEST_F(ProcessState, SearchDuringTheFirstOpen_WaitsForTheSession) {
+  nQUENRA1400::nZOAPAL000::tStartUp startUp;
+  nQUENRA1400::tProcessState state(startUp);
+  state.load();
+  zoerr::tOwnedStatus opening;
+  zoerr::tOwnedStatus searching;
+  const nQUENRA1400::tControllerUserSession* found = nullptr;
+  std::thread searcher;
+  nFakeWindows::machine().useDriver([&](const nFakeWindows::tDriverRequest& request) {
+    if (!searcher.joinable()) {
+      searcher = std::thread([&] { found = state.session(searching); });
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return request.byModel();
+  });
+  state.open(opening);
+  ASSERT_TRUE(searcher.joinable());
+  searcher.join();
+  nFakeWindows::machine().useDriver(nullptr);
+  EXPECT_EQ(opening.code, 0);
+  EXPECT_EQ(searching.code, 0);
+  EXPECT_NE(found, nullptr);
+  state.close();
   state.unload();
 }
 
