@@ -28,7 +28,7 @@ case $* in
   *) fail "usage: ./dev lint [library]" ;;
 esac
 # bench/otherlibraries.cpp includes the headers of OpenSSL.
-install_packages "${native_packages[@]}" clang-format clang-tidy libssl-dev shellcheck
+install_packages "${native_packages[@]}" clang-format clang-tidy git libssl-dev shellcheck
 if has_version clang-format; then
   step "clang-format"
   git ls-files --cached --others --exclude-standard -- '*.h' '*.hpp' '*.c' '*.cpp' |

@@ -3,5 +3,5 @@
 # shellcheck source=scripts/lib/build.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/build.sh"
 
-install_packages "${native_packages[@]}"
+install_packages "${native_packages[@]}" git
 nice python3 scripts/mutation/mutate.py "$@"

@@ -33,7 +33,7 @@ build_copy() {
 }
 
 install_packages_of "$preset"
-install_packages llvm
+install_packages git llvm
 build_copy "$folder/first"
 build_copy "$folder/another-place"
 failed=0
