@@ -17,8 +17,7 @@ class cZoSmBiosProvider;
 [[nodiscard]] bool IsSystemDriveEncrypted(zoerr::Status& status) noexcept;
 
 // True if the machine's product name is known and matches neither of the two model families that
-// the library does not support. False if the name matches, cannot be read or is absent, or if memory
-// for the test is short.
+// the library does not support. False if the name matches, cannot be read or is absent.
 [[nodiscard]] bool IsOutsideModelFamilies(nZOSMBIOS_1_1::cZoSmBiosProvider& provider) noexcept;
 
 }  // namespace nQUENRA1400

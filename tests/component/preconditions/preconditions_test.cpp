@@ -253,6 +253,43 @@ TEST_F(ModelFamilies, NamesThatOnlyResembleThem_AreOutside) {
   }
 }
 
+// Every character of a name, in every position, replaced, inserted and removed.
+TEST_F(ModelFamilies, EveryNeighbourOfAName_IsInsideOnlyWithAnotherDigitOfItsClass) {
+  struct tFamily {
+    std::string name;
+    size_t digit;  // the position of any digit
+  };
+  for (const tFamily& family : {tFamily{"qmod-7104", 8}, tFamily{"qbrd-4342", 7}}) {
+    for (int value = 1; value < 256; ++value) {
+      const auto character = static_cast<char>(value);
+      for (size_t position = 0; position < family.name.size(); ++position) {
+        std::string replaced = family.name;
+        replaced[position] = character;
+        const bool isDigit = position == family.digit && character >= '0' && character <= '9';
+        const bool isInside = isDigit || replaced == family.name;
+        EXPECT_EQ(isOutside(replaced.c_str()), !isInside) << replaced;
+      }
+      for (size_t position = 0; position <= family.name.size(); ++position) {
+        std::string longer = family.name;
+        longer.insert(position, 1, character);
+        EXPECT_TRUE(isOutside(longer.c_str())) << longer;
+      }
+    }
+    for (size_t position = 0; position < family.name.size(); ++position) {
+      std::string shorter = family.name;
+      shorter.erase(position, 1);
+      EXPECT_TRUE(isOutside(shorter.c_str())) << shorter;
+    }
+  }
+}
+
+TEST_F(ModelFamilies, PatternsThemselves_AreOutside) {
+  for (const char* name : {"^qmod-710[0-9]$", "qmod-710[0-9]", "qmod-7100$", "^qmod-7100",
+                           "qbrd-43[0-9]2", "^qbrd-43[0-9]2$"}) {
+    EXPECT_TRUE(isOutside(name)) << name;
+  }
+}
+
 TEST_F(ModelFamilies, NameThatCannotBeRead_CountsAsInside) {
   EXPECT_FALSE(isOutside(nullptr)) << "no name";
   EXPECT_TRUE(isOutside(std::string(128, 'x').c_str())) << "the longest name there is";
