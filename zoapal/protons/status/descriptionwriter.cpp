@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -155,6 +156,93 @@ tAppendResult appendLiteral(char* buffer, uint32_t capacity, std::string_view ke
   return space.result;
 }
 
+// ---- Real numbers: std::to_chars of a double would add 170 KB to the library ----
+
+// A sign, the digits of the largest number, the point and one decimal.
+using tRealText = std::array<char, std::numeric_limits<double>::max_exponent10 + 4>;
+
+// The magnitude of a finite number is mantissa * 2^exponent.
+struct tMagnitude {
+  uint64_t mantissa;
+  int exponent;
+};
+
+tMagnitude magnitudeOf(double value) noexcept {
+  constexpr int kMantissaBits = std::numeric_limits<double>::digits - 1;
+  constexpr uint64_t kHiddenBit = uint64_t{1} << kMantissaBits;
+  constexpr int kSmallestExponent = std::numeric_limits<double>::min_exponent - 1 - kMantissaBits;
+  const uint64_t bits = std::bit_cast<uint64_t>(value);
+  const uint64_t stored = bits & (kHiddenBit - 1);
+  const auto exponent = static_cast<int>((bits >> kMantissaBits) & 0x7FF);
+  if (exponent == 0) {
+    return {stored, kSmallestExponent};
+  }
+  return {stored | kHiddenBit, kSmallestExponent + exponent - 1};
+}
+
+// An unsigned integer below 2^1024.
+class tLargeInteger {
+ public:
+  explicit tLargeInteger(const tMagnitude& integer) noexcept {
+    const auto shift = static_cast<unsigned>(integer.exponent);
+    for (unsigned half = 0; half < 2; ++half) {
+      const uint64_t part = (integer.mantissa >> (32 * half) & UINT32_MAX) << (shift % 32);
+      limbs_[shift / 32 + half] |= static_cast<uint32_t>(part);
+      limbs_[shift / 32 + half + 1] |= static_cast<uint32_t>(part >> 32);
+    }
+  }
+
+  // Divides by ten and returns the remainder.
+  unsigned takeDigit() noexcept {
+    uint64_t remainder = 0;
+    for (auto limb = limbs_.rbegin(); limb != limbs_.rend(); ++limb) {
+      const uint64_t dividend = remainder << 32 | *limb;
+      *limb = static_cast<uint32_t>(dividend / 10);
+      remainder = dividend % 10;
+    }
+    return static_cast<unsigned>(remainder);
+  }
+  [[nodiscard]] bool isZero() const noexcept {
+    return std::all_of(limbs_.begin(), limbs_.end(), [](uint32_t limb) { return limb == 0; });
+  }
+
+ private:
+  // The last one receives no bits: the constructor may write 0 there.
+  std::array<uint32_t, std::numeric_limits<double>::max_exponent / 32 + 1> limbs_{};
+};
+
+// Ten times the number, rounded to an integer; halfway cases to the even one. The exponent is negative.
+uint64_t roundedTenths(const tMagnitude& number) noexcept {
+  constexpr int kMaxShift = 63;
+  if (-number.exponent > kMaxShift) {
+    return 0;  // ten times the mantissa is below 2^57
+  }
+  const uint64_t scaled = number.mantissa * 10;
+  const uint64_t unit = uint64_t{1} << -number.exponent;
+  const uint64_t whole = scaled / unit;
+  const uint64_t remainder = scaled % unit;
+  const bool roundsUp = remainder > unit / 2 || (remainder == unit / 2 && whole % 2 != 0);
+  return whole + (roundsUp ? 1 : 0);
+}
+
+// Writes from the end of the text; returns the text of the number, with one decimal.
+std::string_view writeReal(double value, tRealText& text) noexcept {
+  const tMagnitude number = magnitudeOf(value);
+  const bool isInteger = number.exponent >= 0;
+  const uint64_t tenths = isInteger ? 0 : roundedTenths(number);
+  tLargeInteger whole(isInteger ? number : tMagnitude{tenths / 10, 0});
+  char* at = text.data() + text.size();
+  *--at = static_cast<char>('0' + tenths % 10);
+  *--at = '.';
+  do {
+    *--at = static_cast<char>('0' + whole.takeDigit());
+  } while (!whole.isZero());
+  if (std::signbit(value)) {
+    *--at = '-';
+  }
+  return {at, text.data() + text.size()};
+}
+
 }  // namespace
 
 std::string_view descriptionText(const char* buffer, uint32_t capacity) noexcept {
@@ -203,11 +291,8 @@ tAppendResult appendReal(char* buffer, uint32_t capacity, std::string_view key,
   if (!std::isfinite(value)) {
     return appendNull(buffer, capacity, key);
   }
-  // A sign, the digits of the largest number, the point and one decimal.
-  std::array<char, std::numeric_limits<double>::max_exponent10 + 4> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
-                                 std::chars_format::fixed, 1);
-  return appendLiteral(buffer, capacity, key, {digits.data(), end.ptr});
+  tRealText text;
+  return appendLiteral(buffer, capacity, key, writeReal(value, text));
 }
 
 tAppendResult appendBoolean(char* buffer, uint32_t capacity, std::string_view key,

@@ -4,9 +4,13 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 #include <ostream>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -286,6 +290,79 @@ INSTANTIATE_TEST_SUITE_P(
                     tLiteral{&realNumber<-1500>, "-1.5"}, tLiteral{&realNumber<-40>, "-0.0"},
                     tLiteral{&realNumber<99960>, "100.0"}, tLiteral{&boolean<true>, "true"},
                     tLiteral{&boolean<false>, "false"}, tLiteral{&zoerr::appendNull, "null"}));
+
+// ---- Real numbers: the text of std::to_chars, which the library does not link ----
+
+std::string realText(double value) {
+  std::array<char, 512> buffer{};
+  zoerr::resetDescription(buffer.data(), buffer.size());
+  EXPECT_EQ(zoerr::appendReal(buffer.data(), buffer.size(), "", value), tAppendResult::appended);
+  const std::string_view text = buffer.data();
+  return std::string(text.substr(4, text.size() - 5));
+}
+
+std::string expectedText(double value) {
+  std::array<char, 512> text{};
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 1);
+  return {text.data(), end.ptr};
+}
+
+// A double and its two neighbours, of both signs.
+void expectExactText(double value) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const double near : {value, std::nextafter(value, 0.0), std::nextafter(value, infinity)}) {
+    for (const double number : {near, -near}) {
+      if (std::isfinite(number)) {
+        ASSERT_EQ(realText(number), expectedText(number)) << std::bit_cast<uint64_t>(number);
+      }
+    }
+  }
+}
+
+TEST(RealNumber, OfAnyBitPattern_HasTheExactText) {
+  std::mt19937_64 random(20);  // NOLINT(cert-msc51-cpp): a repeatable sequence
+  for (int i = 0; i < 20000; ++i) {
+    const auto value = std::bit_cast<double>(random());
+    if (std::isfinite(value)) {
+      ASSERT_EQ(realText(value), expectedText(value)) << std::bit_cast<uint64_t>(value);
+    }
+  }
+}
+
+TEST(RealNumber, OfEveryMagnitudeAroundTheDecimalPoint_HasTheExactText) {
+  std::mt19937_64 random(21);  // NOLINT(cert-msc51-cpp): a repeatable sequence
+  for (int exponent = -70; exponent < 70; ++exponent) {
+    for (int i = 0; i < 200; ++i) {
+      expectExactText(std::ldexp(static_cast<double>(random() >> 11), exponent - 53));
+    }
+  }
+}
+
+TEST(RealNumber, AtEveryPowerOfTwo_HasTheExactText) {
+  for (int exponent = -1074; exponent <= 1023; ++exponent) {
+    expectExactText(std::ldexp(1.0, exponent));
+  }
+}
+
+// Halfway between two tenths: odd multiples of 1/20, of which multiples of 1/4 are exact doubles.
+TEST(RealNumber, HalfwayBetweenTwoTenths_BecomesTheEvenOne) {
+  EXPECT_EQ(realText(0.25), "0.2");
+  EXPECT_EQ(realText(0.75), "0.8");
+  EXPECT_EQ(realText(-99.75), "-99.8");
+  EXPECT_EQ(realText(9.96), "10.0");
+  for (int quarters = 1; quarters < 4000; ++quarters) {
+    expectExactText(quarters / 4.0);
+  }
+}
+
+TEST(RealNumber, AtTheEndsOfTheRange_HasTheExactText) {
+  using tLimits = std::numeric_limits<double>;
+  for (const double value : {0.0, tLimits::denorm_min(), tLimits::min(), tLimits::max(), 1.7e308,
+                             0x1p53, 0x1p63, 0x1p64, 1e22, 1e23}) {
+    expectExactText(value);
+  }
+}
 
 TEST(DescriptionWriter, LargestRealNumber_Fits) {
   std::vector<char> buffer(512);
