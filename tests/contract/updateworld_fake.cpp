@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <optional>
 
@@ -33,7 +34,9 @@ void breakEncryptionTest() {
 std::vector<std::string> packageCommandLines() {
   std::vector<std::string> lines;
   for (const nFakeWindows::tStartedProgram& program : nFakeWindows::programs().started()) {
-    lines.push_back(program.commandLine);
+    std::string line = program.commandLine;
+    std::replace(line.begin(), line.end(), '\\', '/');  // paths as the native system writes them
+    lines.push_back(std::move(line));
   }
   return lines;
 }

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tests/fakewindows/disk.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/objects.h"
 
@@ -222,6 +223,9 @@ HANDLE WINAPI CreateFileA(LPCSTR path, DWORD access, DWORD sharing, SECURITY_ATT
   constexpr auto kCall = tCall::createFile;
   expectSupported(path != nullptr && security == nullptr && templateFile == nullptr, kCall,
                   "only a path can be given");
+  if (creation == CREATE_ALWAYS) {
+    return createNewFile(path, access, sharing, flags);
+  }
   expectSupported(access == (GENERIC_READ | GENERIC_WRITE) &&
                       sharing == (FILE_SHARE_READ | FILE_SHARE_WRITE) && creation == OPEN_EXISTING,
                   kCall, "a device is opened for reading and writing, shared");
@@ -274,6 +278,12 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID in, DWORD size, LPDWORD bytes,
   const tInside inside;
   if (const auto error = faultPlan().enter(tCall::writeFile)) {
     return refuseTransfer(overlapped, *error);
+  }
+  if (overlapped == nullptr) {
+    const std::lock_guard lock(objects().mutex);
+    if (tDiskFile* const file = objects().find<tDiskFile>(handle)) {
+      return writeToDisk(*file, in, size, bytes);
+    }
   }
   const auto* const bytesIn = static_cast<const uint8_t*>(in);
   const std::vector<uint8_t> written(bytesIn, bytesIn + size);

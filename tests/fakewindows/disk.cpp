@@ -2,7 +2,10 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <compare>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -64,6 +67,18 @@ fs::path nativePath(LPCWSTR name) {
     }
   }
   return path;
+}
+
+// The bytes of a narrow name are those of the native one.
+fs::path nativePath(LPCSTR name) {
+  std::string path(name);
+  std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
+
+HANDLE failToOpen(DWORD error) {
+  SetLastError(error);
+  return INVALID_HANDLE_VALUE;
 }
 
 // Resolves a path. With `keepsLink` the last component is not followed.
@@ -219,6 +234,45 @@ void tDisk::noteProtection(const tProtection& protection) {
   protections_.push_back(protection);
 }
 
+HANDLE createNewFile(LPCSTR name, DWORD access, DWORD sharing, DWORD flags) {
+  constexpr auto kCall = tCall::createNewFile;
+  expectSupported(access == GENERIC_WRITE && sharing == (FILE_SHARE_READ | FILE_SHARE_WRITE) &&
+                      flags == FILE_ATTRIBUTE_NORMAL,
+                  kCall, "a new file is written only, and shared");
+  if (const auto error = faultPlan().enter(kCall, name)) {
+    return failToOpen(*error);
+  }
+  const fs::path given = nativePath(name);
+  std::error_code error;
+  const fs::path path = fs::weakly_canonical(fs::absolute(given), error);
+  if (fs::is_directory(path, error) ||
+      (fs::exists(path, error) && (attributesOf(path) & FILE_ATTRIBUTE_READONLY) != 0)) {
+    return failToOpen(ERROR_ACCESS_DENIED);
+  }
+  tDiskFile file;
+  file.path = path;
+  file.access = access;
+  file.uses = sharedAccess(access);
+  file.sharing = sharing;
+  const std::lock_guard lock(objects().mutex);
+  if (!objects().mayOpen(path, file.uses, sharing)) {
+    return failToOpen(ERROR_SHARING_VIOLATION);
+  }
+  std::FILE* const content = std::fopen(given.c_str(), "wb");
+  if (content == nullptr) {
+    return failToOpen(errorOf({errno, std::generic_category()}, given));
+  }
+  std::setbuf(content, nullptr);  // each write reaches the disk, or fails
+  file.content.reset(content, std::fclose);
+  return objects().add(std::move(file));
+}
+
+BOOL writeToDisk(tDiskFile& file, LPCVOID in, DWORD size, LPDWORD bytes) {
+  expectSupported(file.content != nullptr, tCall::writeFile, "a file opened for writing");
+  *bytes = static_cast<DWORD>(std::fwrite(in, 1, size, file.content.get()));
+  return *bytes == size || fail(ERROR_DISK_FULL);
+}
+
 tDisk& disk() {
   // Never destroyed: the library under test may still call it while the program ends.
   static tDisk& theDisk = *new tDisk;
@@ -232,9 +286,10 @@ using namespace nFakeWindows;
 BOOL WINAPI CreateDirectoryW(LPCWSTR name, LPSECURITY_ATTRIBUTES security) {
   const tInside inside;
   constexpr auto kCall = tCall::createDirectory;
-  expectSupported(name != nullptr && security != nullptr && security->nLength == sizeof *security &&
-                      !security->bInheritHandle,
-                  kCall, "a folder is created with a security descriptor");
+  expectSupported(
+      name != nullptr && (security == nullptr ||
+                          (security->nLength == sizeof *security && !security->bInheritHandle)),
+      kCall, "a folder is created with a security descriptor, or inherits it");
   if (const auto error = faultPlan().enter(kCall)) {
     return fail(*error);
   }
@@ -243,8 +298,47 @@ BOOL WINAPI CreateDirectoryW(LPCWSTR name, LPSECURITY_ATTRIBUTES security) {
   if (!fs::create_directory(path, error)) {
     return fail(error ? errorOf(error, path) : DWORD{ERROR_ALREADY_EXISTS});
   }
-  disk().noteProtection({path.string(), textOf(security->lpSecurityDescriptor), true, 0});
+  if (security != nullptr) {
+    disk().noteProtection({path.string(), textOf(security->lpSecurityDescriptor), true, 0});
+  }
   return TRUE;
+}
+
+DWORD WINAPI GetTempPathW(DWORD capacity, LPWSTR out) {
+  const tInside inside;
+  constexpr auto kCall = tCall::getTempPath;
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return 0;
+  }
+  const char* const variable = std::getenv("TMPDIR");
+  const std::u16string name = wideName(fs::path(variable == nullptr ? "/tmp" : variable) / "");
+  if (name.size() >= capacity) {
+    return static_cast<DWORD>(name.size() + 1);  // including the NUL
+  }
+  std::copy(name.begin(), name.end(), reinterpret_cast<char16_t*>(out));
+  out[name.size()] = 0;
+  return static_cast<DWORD>(name.size());
+}
+
+DWORD WINAPI GetFileAttributesW(LPCWSTR name) {
+  const tInside inside;
+  constexpr auto kCall = tCall::getDiskAttributes;
+  if (const auto error = faultPlan().enter(kCall)) {
+    SetLastError(*error);
+    return INVALID_FILE_ATTRIBUTES;
+  }
+  std::error_code error;
+  fs::path given = nativePath(name);
+  if (!given.has_filename()) {
+    given = given.parent_path();  // without the separator at the end
+  }
+  const fs::path path = resolved(given, true, error);
+  if (error) {
+    SetLastError(errorOf(error, given));
+    return INVALID_FILE_ATTRIBUTES;
+  }
+  return attributesOf(path);
 }
 
 HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD sharing, LPSECURITY_ATTRIBUTES security,
@@ -257,20 +351,17 @@ HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD sharing, LPSECURITY_
   const bool mayBeFolder = (flags & FILE_FLAG_BACKUP_SEMANTICS) != 0;
   const bool keepsLink = (flags & FILE_FLAG_OPEN_REPARSE_POINT) != 0;
   if (const auto error = faultPlan().enter(kCall, mayBeFolder ? "folder" : "file")) {
-    SetLastError(*error);
-    return INVALID_HANDLE_VALUE;
+    return failToOpen(*error);
   }
   std::error_code error;
   const fs::path given = nativePath(name);
   const fs::path path = resolved(given, keepsLink, error);
   if (error || (!mayBeFolder && fs::is_directory(path))) {
-    SetLastError(error ? errorOf(error, given) : DWORD{ERROR_ACCESS_DENIED});
-    return INVALID_HANDLE_VALUE;
+    return failToOpen(error ? errorOf(error, given) : DWORD{ERROR_ACCESS_DENIED});
   }
   const std::lock_guard lock(objects().mutex);
   if (!objects().mayOpen(path, sharedAccess(access), sharing)) {
-    SetLastError(ERROR_SHARING_VIOLATION);
-    return INVALID_HANDLE_VALUE;
+    return failToOpen(ERROR_SHARING_VIOLATION);
   }
   tDiskFile file;
   file.path = path;

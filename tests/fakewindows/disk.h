@@ -18,6 +18,8 @@ struct tProtection {
   SECURITY_INFORMATION parts;
 };
 
+struct tDiskFile;
+
 // The security features of the disk. Any thread.
 class tDisk {
  public:
@@ -45,6 +47,11 @@ class tDisk {
 
 // The text from which a security descriptor was converted.
 [[nodiscard]] std::string textOf(PSECURITY_DESCRIPTOR descriptor);
+
+// CreateFileA with CREATE_ALWAYS: creates or empties a file for writing. Any thread.
+[[nodiscard]] HANDLE createNewFile(LPCSTR name, DWORD access, DWORD sharing, DWORD flags);
+// WriteFile to such a file.
+[[nodiscard]] BOOL writeToDisk(tDiskFile& file, LPCVOID in, DWORD size, LPDWORD bytes);
 
 }  // namespace nFakeWindows
 

@@ -57,6 +57,9 @@ enum class tCall : uint8_t {
   setKernelObjectSecurity,
   createDirectory,
   createDiskFile,  // its argument is "folder" or "file"
+  createNewFile,
+  getDiskAttributes,
+  getTempPath,
   getFileInformation,
   getFileInformationEx,
   setFileInformation,

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <map>
@@ -70,6 +71,7 @@ struct tDiskFile {
   DWORD uses = 0;  // the share mode that other handles must grant, in bits of FILE_SHARE_
   DWORD sharing = 0;
   bool isRemovedOnClose = false;
+  std::shared_ptr<std::FILE> content;  // of a file opened for writing
   bool isListed = false;
   std::vector<std::u16string> names;  // of a listing, not returned yet
 };

@@ -182,6 +182,13 @@ tExpectation expectationOf(const tCallSite& site, const tErrorRow& reason) {
     case tCall::createDiskFile:
       // A failure to lock a file of the update is not reported.
       return site.argument == "file" ? kNothing : ofEnvironment(reason.code);
+    case tCall::createNewFile:
+      // Once a file is held, a further one is opened a second time.
+      return site.nth == 1 ? reports(QUENRA_STATUS_UPDATE_ENVIRONMENT) : kNothing;
+    case tCall::getDiskAttributes:
+      // The first call checks the temporary directory; after another failure, creating it fails as existing.
+      return site.nth == 1 ? ofEnvironment(reason.code) : kNothing;
+    case tCall::getTempPath:
     case tCall::multiByteToWideChar:
     case tCall::wideCharToMultiByte:
     case tCall::getTokenInformation:

@@ -50,7 +50,7 @@ class FaultSweepTest : public nFakeWindows::FakeWindowsTest,
     temporary_ = fileSystemForTests() / ("quenra." + std::to_string(getpid()));
     fs::create_directories(temporary_);
     setenv("TMPDIR", temporary_.c_str(), 1);
-    // Two runs: some memory is allocated once and kept, for example the locale's facets.
+    // Two runs: some memory is allocated once and kept.
     runClean();
     runClean();
     bytesBefore_ = bytesAfter_;

@@ -40,7 +40,7 @@ void reportEnvironmentFailure(const nZOAPALS100::tSourceLocation& location, zoer
     throw;
   } catch (const boost::uuids::entropy_error& error) {
     status.set(codeFor(isShortMemory(error)), location);
-  } catch (const std::system_error& error) {  // also of std::filesystem
+  } catch (const std::system_error& error) {
     status.set(codeFor(isShortMemory(error.code())), location);
   } catch (const std::length_error&) {  // a name longer than the system converts
     // GCOVR_EXCL_START: such a name has two gigabytes

@@ -1,9 +1,6 @@
 #include "source/user/update/updatefiles.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <system_error>
 
 #include "source/user/failuresites.h"
 #include "source/user/update/environmentstep.h"
@@ -13,15 +10,13 @@
 namespace nQUENRA1400 {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr auto kCannotBeOpened = sessionLocation(2978);
 constexpr auto kFolderNotCreated = sessionLocation(2979);
 constexpr auto kNameNotConverted = sessionLocation(2980);
 
 // ---- Names of files ----
 
-constexpr char16_t kSeparator = static_cast<char16_t>(fs::path::preferred_separator);
+constexpr char16_t kSeparator = u'\\';
 
 constexpr bool isLetter(char16_t character) noexcept {
   return (character >= u'A' && character <= u'Z') || (character >= u'a' && character <= u'z');
@@ -61,12 +56,12 @@ std::string narrowPath(const std::u16string& path, zoerr::Status& status) {
 
 // Returns false when the file cannot be opened.
 bool writeFile(const tFirmwarePayload& payload, const std::string& path) {
-  std::ofstream file(path, std::ios::binary | std::ios::out | std::ios::trunc);
-  if (!file.is_open()) {
+  const nZOAPAL000::tUniqueFile file = nZOAPAL000::createFile(path);
+  if (!file) {
     return false;
   }
-  const void* const bytes = payload.data;
-  file.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(payload.byteCount));
+  // A file that cannot be written to its end is not reported.
+  static_cast<void>(nZOAPAL000::writeBytes(file, payload.data, payload.byteCount));
   return true;
 }
 
@@ -98,13 +93,13 @@ void writePayloadFile(const tFirmwarePayload& payload, tUpdateFolder& folder,
 }  // namespace
 
 tUpdateFolder::tUpdateFolder(const std::string& name)
-    : path_((fs::temp_directory_path() / name).u16string()) {}
+    : path_(nZOAPAL000::temporaryDirectory().append(name.begin(), name.end())) {}
 
 std::u16string tUpdateFolder::pathOf(std::u16string_view fileName) const {
   if (isAbsolute(fileName)) {
     return std::u16string(fileName);
   }
-  // The operator of std::filesystem::path would leave the folder for a name with one leading separator.
+  // A name with one leading separator stays in the folder, too.
   std::u16string joined = path_;
   joined.push_back(kSeparator);
   joined.append(fileName);
@@ -115,13 +110,8 @@ void tUpdateFolder::create() {
   if (folder_) {
     return;
   }
-  const fs::path path(path_);
-  try {
-    fs::create_directories(path.parent_path());
-    folder_ = nZOAPAL000::createProtectedFolder(path_);
-  } catch (const std::system_error& error) {
-    throw fs::filesystem_error("create_directories", path, error.code());
-  }
+  nZOAPAL000::createParentFolders(path_);
+  folder_ = nZOAPAL000::createProtectedFolder(path_);
 }
 
 bool tUpdateFolder::hold(const std::u16string& path) {
@@ -181,7 +171,7 @@ void writePayloadFiles(const tFirmwarePayloads& payloads, tUpdateFolder& folder,
     }
   }
   if (!status.isError() && !folder.holdDeferred()) {
-    reportFile(folder, status);  // GCOVR_EXCL_LINE: native files have no sharing modes to fail on
+    reportFile(folder, status);
   }
 }
 

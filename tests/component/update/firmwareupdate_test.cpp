@@ -166,6 +166,8 @@ TEST_F(FirmwareUpdate, TemporaryDirectoryOutsideTheCodePage_FailsAtTheLineOfTheC
 TEST_F(FirmwareUpdate, SystemThatIsShortOfMemory_FailsWithOutOfMemoryAtTheSameLines) {
   for (const uint32_t error : {8u, 1450u}) {  // ERROR_NOT_ENOUGH_MEMORY, ERROR_NO_SYSTEM_RESOURCES
     for (const auto& [call, line] : {std::pair<tCall, uint32_t>{tCall::getRandom, 1827},
+                                     {tCall::getTempPath, 1828},
+                                     {tCall::createDirectory, 2979},
                                      {tCall::multiByteToWideChar, 2980},
                                      {tCall::wideCharToMultiByte, 2980}}) {
       afterOpening = [error, refused = call] { faultPlan().failEveryCall(refused, error); };
@@ -225,6 +227,56 @@ TEST_F(FirmwareUpdate, FileThatCannotBeHeldForAnotherReason_IsNotReported) {
   afterOpening = [] { faultPlan().failCall(tCall::createDiskFile, 2, ERROR_ACCESS_DENIED); };
   EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})), success());
   EXPECT_EQ(programs().started().size(), 1u);
+}
+
+TEST_F(FirmwareUpdate, SectionsWithOneFile_WriteItInTurnAndHoldItInTheEnd) {
+  afterOpening = [] { faultPlan().reset(); };
+  EXPECT_EQ(
+      run(firmwareImage({tFirmwareSection::capsule("bios.cap").payload(firmwareBytes(50, 4)),
+                         tFirmwareSection::capsule("./bios.cap").payload(firmwareBytes(20, 5))})),
+      success());
+  EXPECT_EQ(faultPlan().callCount(tCall::createNewFile), 3u) << "the second section twice";
+  EXPECT_EQ(faultPlan().callCount(tCall::createDiskFile), 4u)
+      << "the folder; held once, then twice";
+  const std::filesystem::directory_entry folder = *std::filesystem::directory_iterator(temporary);
+  EXPECT_EQ(std::filesystem::file_size(folder.path() / "bios.cap"), 20u);
+}
+
+TEST_F(FirmwareUpdate,
+       FileOfSeveralSectionsThatAnotherProcessWrites_FailsLikeOneThatCannotBeOpened) {
+  const auto deny = [] {
+    faultPlan().reset();
+    faultPlan().failCall(tCall::createDiskFile, 3, ERROR_SHARING_VIOLATION);
+  };
+  afterOpening = deny;
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf"),
+                               tFirmwareSection::capsule("driver.inf")})),
+            sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2978));
+  faultPlan().reset();
+  EXPECT_TRUE(std::filesystem::is_empty(temporary));
+  expectNoEffect();
+}
+
+TEST_F(FirmwareUpdate, PayloadWithoutBytes_CreatesAnEmptyFile) {
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("a.cap").payload({})})), success());
+  const std::filesystem::directory_entry folder = *std::filesystem::directory_iterator(temporary);
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path() / "a.cap"));
+  EXPECT_EQ(faultPlan().callCount(tCall::writeFile), 0u);
+}
+
+TEST_F(FirmwareUpdate, FileThatCannotBeWritten_IsNotReported) {
+  afterOpening = [] { faultPlan().failEveryCall(tCall::writeFile, ERROR_DISK_FULL); };
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("driver.inf")})), success());
+  EXPECT_EQ(programs().started().size(), 1u);
+}
+
+TEST_F(FirmwareUpdate, FileThatIsReadOnly_FailsLikeOneThatCannotBeOpened) {
+  const std::filesystem::path file = temporary / "beside.cap";
+  std::ofstream(file) << "content";
+  std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+  EXPECT_EQ(run(firmwareImage({tFirmwareSection::capsule("../beside.cap")})),
+            sessionFailure(QUENRA_STATUS_UPDATE_ENVIRONMENT, 2978));
+  EXPECT_EQ(std::filesystem::file_size(file), 7u);
 }
 
 TEST_F(FirmwareUpdate, NameOfADevice_IsOpenedForWritingOnly) {

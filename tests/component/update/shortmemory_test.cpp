@@ -106,14 +106,14 @@ TEST_F(UpdateMemory, EachAllocationThatFails_IsReportedAndLeavesNothingHalfDone)
 TEST_F(UpdateMemory, ShortWhileTheFolderIsRemoved_LeavesTheFolder) {
   nQUENRA1400::tUpdateFolder folder(nQUENRA1400::randomFolderName());
   folder.create();
-  const std::filesystem::path path(folder.pathOf(u"x"));
+  const std::filesystem::path path = *std::filesystem::directory_iterator(temporary);
   {
     const tAllocationPlan plan(1);
     folder.remove();
   }
-  EXPECT_TRUE(std::filesystem::exists(path.parent_path()));
+  EXPECT_TRUE(std::filesystem::exists(path));
   folder.remove();
-  EXPECT_FALSE(std::filesystem::exists(path.parent_path()));
+  EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include "quenra_attributes.h"
 #include "quenra_status.h"
@@ -19,6 +20,7 @@
 #include "tests/component/user/readingtest.h"
 #include "tests/fakewindows/fakewindowstest.h"
 #include "tests/fakewindows/faultplan.h"
+#include "zoapal/protons/files/windowsu/folders.h"
 
 namespace nTests {
 namespace {
@@ -154,7 +156,7 @@ TEST_F(UpdateFolder, AnyOtherName_LiesInTheFolder) {
                                          u"1:x.cap", u"\u00C4:x.cap", u"C", u"\\", u"x//y"}) {
     const std::u16string path = folder.pathOf(name);
     EXPECT_TRUE(path.ends_with(name));
-    EXPECT_TRUE(path.starts_with(std::filesystem::temp_directory_path().u16string()));
+    EXPECT_TRUE(path.starts_with(nQUENRA1400::nZOAPAL000::temporaryDirectory()));
     EXPECT_GT(path.size(), name.size() + 36);
   }
 }
@@ -169,19 +171,19 @@ TEST_F(UpdateFolder, WithoutRandomBytes_ThrowsTheErrorOfTheGenerator) {
   }
 }
 
-TEST_F(UpdateFolder, WithoutATemporaryDirectory_ThrowsAFilesystemErrorOfThatName) {
+TEST_F(UpdateFolder, WithoutATemporaryDirectory_ThrowsTheErrorOfTheSystem) {
   const tTemporaryFolder missing;
   setenv("TMPDIR", (missing.path() / "none").c_str(), 1);
   try {
     const tUpdateFolder folder("name");
     ADD_FAILURE() << "nothing is thrown";
-  } catch (const std::filesystem::filesystem_error& error) {
-    EXPECT_THAT(error.what(), HasSubstr("temp_directory_path"));
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(error.code(), std::error_code(ERROR_FILE_NOT_FOUND, std::system_category()));
   }
   unsetenv("TMPDIR");
 }
 
-TEST_F(UpdateFolder, FolderThatCannotBeCreated_ThrowsAFilesystemErrorOfThatName) {
+TEST_F(UpdateFolder, FileInItsPlace_ThrowsTheErrorOfTheSystem) {
   const tTemporaryFolder parent;
   setenv("TMPDIR", parent.path().c_str(), 1);
   tUpdateFolder folder("name");
@@ -190,9 +192,21 @@ TEST_F(UpdateFolder, FolderThatCannotBeCreated_ThrowsAFilesystemErrorOfThatName)
   try {
     folder.create();
     FAIL() << "nothing is thrown";
-  } catch (const std::filesystem::filesystem_error& error) {
-    EXPECT_THAT(error.what(), HasSubstr("create_directories"));
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(error.code(), std::error_code(ERROR_DIRECTORY, std::system_category()));
   }
+}
+
+TEST_F(UpdateFolder, TemporaryDirectoryThatWasRemoved_IsCreatedAgain) {
+  const tTemporaryFolder parent;
+  const std::filesystem::path temporary = parent.path() / "a" / "b";
+  std::filesystem::create_directories(temporary);
+  setenv("TMPDIR", temporary.c_str(), 1);
+  tUpdateFolder folder("name");
+  unsetenv("TMPDIR");
+  std::filesystem::remove_all(parent.path() / "a");
+  folder.create();
+  EXPECT_TRUE(std::filesystem::is_directory(temporary / "name"));
 }
 
 // ---- Held files ----

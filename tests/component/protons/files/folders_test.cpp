@@ -3,8 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <iterator>
 #include <system_error>
 
 #include "tests/builders/ttemporaryfolder.h"
@@ -16,15 +20,170 @@ namespace {
 using nFakeWindows::disk;
 using nFakeWindows::faultPlan;
 using nFakeWindows::tCall;
+using nQUENRA1400::nZOAPAL000::createFile;
+using nQUENRA1400::nZOAPAL000::createParentFolders;
 using nQUENRA1400::nZOAPAL000::createProtectedFolder;
 using nQUENRA1400::nZOAPAL000::holdFile;
+using nQUENRA1400::nZOAPAL000::temporaryDirectory;
 using nQUENRA1400::nZOAPAL000::tUniqueFile;
+using nQUENRA1400::nZOAPAL000::writeBytes;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
 namespace fs = std::filesystem;
+
+// ---- The temporary directory ----
+
+class TemporaryDirectory : public nFakeWindows::FakeWindowsTest {
+ protected:
+  void TearDown() override {
+    unsetenv("TMPDIR");
+    FakeWindowsTest::TearDown();
+  }
+  static DWORD errorOf(const std::function<void()>& work) {
+    try {
+      work();
+      return 0;
+    } catch (const std::system_error& error) {
+      EXPECT_EQ(error.code().category(), std::system_category());
+      return static_cast<DWORD>(error.code().value());
+    }
+  }
+  static DWORD errorOfQuery(const fs::path& path) {
+    setenv("TMPDIR", path.c_str(), 1);
+    return errorOf([] { static_cast<void>(temporaryDirectory()); });
+  }
+  static DWORD errorOfCreation(const fs::path& path) {
+    return errorOf([&] { createParentFolders(path.u16string()); });
+  }
+
+  const tTemporaryFolder folder_;
+};
+
+TEST_F(TemporaryDirectory, OfAnyLength_EndsWithASeparator) {
+  for (const size_t length : {1u, 100u, 255u}) {
+    const fs::path path = folder_.path() / std::string(length, 'x') / std::string(length, 'y');
+    fs::create_directories(path);
+    EXPECT_EQ(errorOfQuery(path), 0u);
+    std::u16string name = temporaryDirectory();
+    std::replace(name.begin(), name.end(), u'\\', u'/');
+    EXPECT_EQ(fs::path(name), path / "");
+  }
+}
+
+TEST_F(TemporaryDirectory, MissingOrAFile_FailsWithTheReason) {
+  EXPECT_EQ(errorOfQuery(folder_.path() / "missing"), DWORD{ERROR_FILE_NOT_FOUND});
+  std::ofstream(folder_.path() / "file") << "content";
+  EXPECT_EQ(errorOfQuery(folder_.path() / "file"), DWORD{ERROR_DIRECTORY});
+}
+
+TEST_F(TemporaryDirectory, CallThatFails_FailsWithItsError) {
+  for (const tCall call : {tCall::getTempPath, tCall::getDiskAttributes}) {
+    faultPlan().failCall(call, 1, ERROR_NO_SYSTEM_RESOURCES);
+    EXPECT_EQ(errorOfQuery(folder_.path()), DWORD{ERROR_NO_SYSTEM_RESOURCES});
+    faultPlan().reset();
+  }
+}
+
+TEST_F(TemporaryDirectory, MissingParents_AreCreatedAndThePathIsNot) {
+  EXPECT_EQ(errorOfCreation(folder_.path() / "a" / "b" / "c"), 0u);
+  EXPECT_TRUE(fs::is_empty(folder_.path() / "a" / "b"));
+  EXPECT_EQ(errorOfCreation(folder_.path() / "a" / "b" / "c"), 0u) << "they exist";
+  EXPECT_EQ(errorOfCreation("name"), 0u) << "without a parent";
+  EXPECT_EQ(errorOfCreation("/name"), 0u) << "in a root";
+}
+
+TEST_F(TemporaryDirectory, ParentThatCannotBeCreated_FailsWithTheReason) {
+  std::ofstream(folder_.path() / "file") << "content";
+  EXPECT_EQ(errorOfCreation(folder_.path() / "file" / "a" / "b"), DWORD{ERROR_PATH_NOT_FOUND});
+  faultPlan().reset();
+  faultPlan().failCall(tCall::createDirectory, 2, ERROR_DISK_FULL);
+  EXPECT_EQ(errorOfCreation(folder_.path() / "b" / "c" / "d"), DWORD{ERROR_DISK_FULL});
+}
+
+TEST_F(TemporaryDirectory, ParentThatAnotherProcessCreates_IsUsed) {
+  faultPlan().beforeCall(tCall::createDirectory, 1,
+                         [this] { fs::create_directory(folder_.path() / "a"); });
+  EXPECT_EQ(errorOfCreation(folder_.path() / "a" / "b"), 0u);
+}
+
+// ---- Files to write ----
+
+class NewFile : public nFakeWindows::FakeWindowsTest {
+ protected:
+  [[nodiscard]] std::string content() const {
+    std::ifstream file(path_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
+  [[nodiscard]] bool write(std::string_view text) const {
+    const tUniqueFile file = createFile(path_.string());
+    EXPECT_TRUE(file);
+    return writeBytes(file, reinterpret_cast<const uint8_t*>(text.data()), text.size());
+  }
+
+  const tTemporaryFolder folder_;
+  const fs::path path_ = folder_.path() / "file";
+};
+
+TEST_F(NewFile, ContentOfAnySize_ReplacesTheFile) {
+  constexpr size_t kBlock = 1 << 20;
+  for (const size_t size :
+       {2 * kBlock + 1, 2 * kBlock, kBlock + 1, kBlock, kBlock - 1, size_t{1}, size_t{0}}) {
+    std::string text(size, 'x');
+    for (size_t i = 0; i < size; i += 1000) {
+      text[i] = static_cast<char>(i / 1000);
+    }
+    EXPECT_TRUE(write(text));
+    EXPECT_TRUE(content() == text) << size;
+  }
+  EXPECT_TRUE(fs::exists(path_)) << "without content";
+}
+
+TEST_F(NewFile, BlockThatIsRefused_EndsTheWritingAfterThoseBefore) {
+  constexpr size_t kBlock = 1 << 20;
+  faultPlan().failCall(tCall::writeFile, 2, ERROR_DISK_FULL);
+  EXPECT_FALSE(write(std::string(3 * kBlock, 'x')));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_DISK_FULL});
+  EXPECT_EQ(content().size(), kBlock);
+  EXPECT_EQ(faultPlan().callCount(tCall::writeFile), 2u);
+}
+
+TEST_F(NewFile, FullDevice_EndsTheWriting) {
+  const tUniqueFile file = createFile("/dev/full");
+  const uint8_t byte = 1;
+  EXPECT_FALSE(writeBytes(file, &byte, 1));
+  EXPECT_TRUE(writeBytes(file, nullptr, 0));
+}
+
+TEST_F(NewFile, PathThatCannotBeOpened_ReturnsNoFileAndTheReason) {
+  EXPECT_FALSE(createFile((folder_.path() / "missing" / "file").string()));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
+  EXPECT_FALSE(createFile(folder_.path().string())) << "a folder";
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+  std::ofstream(path_) << "content";
+  fs::permissions(path_, fs::perms::owner_read);
+  EXPECT_FALSE(createFile(path_.string())) << "read-only";
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+  EXPECT_EQ(content(), "content");
+}
+
+TEST_F(NewFile, HeldFile_CannotBeOpenedAndKeepsItsContent) {
+  std::ofstream(path_) << "content";
+  tUniqueFile held = holdFile(path_.u16string());
+  EXPECT_FALSE(createFile(path_.string()));
+  EXPECT_EQ(GetLastError(), DWORD{ERROR_SHARING_VIOLATION});
+  EXPECT_EQ(content(), "content");
+  held.reset();
+  EXPECT_TRUE(createFile(path_.string()));
+}
+
+TEST_F(NewFile, WhileItIsWritten_OthersCanReadAndWrite) {
+  const tUniqueFile file = createFile(path_.string());
+  EXPECT_TRUE(createFile(path_.string())) << "a second writer";
+  EXPECT_FALSE(holdFile(path_.u16string())) << "a reader that shares no writing";
+}
 
 // ---- Protected folders and held files ----
 

@@ -103,6 +103,11 @@ tUniqueFile openExistingFolder(const std::u16string& path, PSECURITY_DESCRIPTOR 
   return folder;
 }
 
+bool isFolder(const std::u16string& path) noexcept {
+  const DWORD attributes = GetFileAttributesW(wideText(path.c_str()));
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 }  // namespace
 
 tUniqueFile createProtectedFolder(const std::u16string& path) {
@@ -117,6 +122,53 @@ tUniqueFile createProtectedFolder(const std::u16string& path) {
     fail(error, "CreateDirectoryW");
   }
   return openExistingFolder(path, descriptor.get(), level > SECURITY_MANDATORY_MEDIUM_RID);
+}
+
+std::u16string temporaryDirectory() {
+  std::u16string path;
+  DWORD length = MAX_PATH + 1;
+  do {
+    path.resize(length);
+    length = GetTempPathW(static_cast<DWORD>(path.size()), wideText(path.data()));
+    require(length != 0, "GetTempPathW");
+  } while (length > path.size());
+  path.resize(length);
+  const DWORD attributes = GetFileAttributesW(wideText(path.c_str()));
+  require(attributes != INVALID_FILE_ATTRIBUTES, "GetFileAttributesW");
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+    fail(ERROR_DIRECTORY, "GetFileAttributesW");
+  }
+  return path;
+}
+
+void createParentFolders(const std::u16string& path) {
+  const std::u16string parent = path.substr(0, std::min(path.find_last_of(u"\\/"), path.size()));
+  if (parent.empty() || parent.size() == path.size() || isFolder(parent)) {
+    return;
+  }
+  createParentFolders(parent);
+  if (!CreateDirectoryW(wideText(parent.c_str()), nullptr)) {
+    require(GetLastError() == ERROR_ALREADY_EXISTS, "CreateDirectoryW");
+  }
+}
+
+tUniqueFile createFile(const std::string& path) noexcept {
+  return tUniqueFile(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                 nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+bool writeBytes(const tUniqueFile& file, const uint8_t* bytes, uint64_t byteCount) noexcept {
+  constexpr uint64_t kMaxBlock = 1 << 20;  // file systems of other machines may refuse large ones
+  while (byteCount != 0) {
+    const auto block = static_cast<DWORD>(std::min(byteCount, kMaxBlock));
+    DWORD written = 0;
+    if (!WriteFile(file.get(), bytes, block, &written, nullptr) || written == 0) {
+      return false;
+    }
+    bytes += written;
+    byteCount -= written;
+  }
+  return true;
 }
 
 tUniqueFile holdFile(const std::u16string& path) noexcept {
