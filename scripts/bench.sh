@@ -1,7 +1,15 @@
 #!/usr/bin/env bash
 # ./dev bench [windows | windows-clang] [MEBIBYTES]: measures firmware decoding, natively or under Wine.
+# ./dev bench --check [--record]: compares instruction counts with bench/instructions.json.
 # shellcheck source=scripts/lib/machine.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
+
+if [[ ${1:-} == --check ]]; then
+  install_packages "${native_packages[@]}" valgrind
+  build_preset bench scenarios
+  exec python3 -B bench/check_instructions.py "${@:2}" "$build/bench/bin/scenarios" \
+    bench/instructions.json
+fi
 
 if [[ ${1:-} == windows || ${1:-} == windows-clang ]]; then
   preset=$1
