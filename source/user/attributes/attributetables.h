@@ -3,6 +3,8 @@
 #define SOURCE_USER_ATTRIBUTES_ATTRIBUTETABLES_H
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 
@@ -24,6 +26,46 @@ struct tListSource {
   [[nodiscard]] constexpr nZOSMBIOS_1_1::tFieldId entry(uint32_t position) const noexcept {
     return first + step * position;
   }
+};
+
+// The rows of a table by the numbers of their attributes: a read finds its row without a search.
+template <class Row>
+class tRowIndex {
+ public:
+  template <size_t N>
+  explicit constexpr tRowIndex(const Row (&rows)[N]) noexcept : rows_(rows) {
+    static_assert(N < 0xFF);
+    for (size_t i = 0; i < N; ++i) {
+      positions_[numberOf(rows[i].attribute)] = static_cast<uint8_t>(i + 1);
+    }
+  }
+
+  // Null for an attribute that the table does not have.
+  [[nodiscard]] constexpr const Row* find(uint32_t attribute) const noexcept {
+    const size_t number = numberOf(attribute);
+    if (number >= kNumbers || positions_[number] == 0) {
+      return nullptr;
+    }
+    const Row& row = rows_[positions_[number] - 1];
+    return row.attribute == attribute ? &row : nullptr;
+  }
+
+  // False if two rows have the same number, or a number is beyond the index.
+  template <size_t N>
+  [[nodiscard]] constexpr bool findsAll(const Row (&rows)[N]) const noexcept {
+    return std::all_of(std::begin(rows), std::end(rows),
+                       [this](const Row& row) { return find(row.attribute) == &row; });
+  }
+
+ private:
+  static constexpr size_t kNumbers = 2048;
+
+  static constexpr size_t numberOf(uint32_t attribute) noexcept {
+    return (attribute & QUENRA_ATTRIBUTE_NUMBER_MASK) >> 8;
+  }
+
+  const Row* rows_;
+  std::array<uint8_t, kNumbers> positions_{};  // from 1; 0: no row
 };
 
 // ---- Text ----
@@ -85,14 +127,14 @@ inline constexpr tTextRow kRows[] = {
 };
 // clang-format on
 
+inline constexpr tRowIndex<tTextRow> kIndex(kRows);
+static_assert(kIndex.findsAll(kRows));
+
 }  // namespace nTextTable
 
 // Null for an attribute that the table does not have.
 [[nodiscard]] constexpr const tTextRow* findTextRow(uint32_t attribute) noexcept {
-  const auto* row = std::find_if(
-      std::begin(nTextTable::kRows), std::end(nTextTable::kRows),
-      [attribute](const tTextRow& candidate) { return candidate.attribute == attribute; });
-  return row == std::end(nTextTable::kRows) ? nullptr : row;
+  return nTextTable::kIndex.find(attribute);
 }
 
 // ---- Unsigned ----
@@ -166,14 +208,14 @@ inline constexpr tUnsignedRow kRows[] = {
 };
 // clang-format on
 
+inline constexpr tRowIndex<tUnsignedRow> kIndex(kRows);
+static_assert(kIndex.findsAll(kRows));
+
 }  // namespace nUnsignedTable
 
 // Null for an attribute that the table does not have.
 [[nodiscard]] constexpr const tUnsignedRow* findUnsignedRow(uint32_t attribute) noexcept {
-  const auto* row = std::find_if(
-      std::begin(nUnsignedTable::kRows), std::end(nUnsignedTable::kRows),
-      [attribute](const tUnsignedRow& candidate) { return candidate.attribute == attribute; });
-  return row == std::end(nUnsignedTable::kRows) ? nullptr : row;
+  return nUnsignedTable::kIndex.find(attribute);
 }
 
 }  // namespace nQUENRA1400

@@ -1,6 +1,8 @@
 // The tables of attributes, and reading and writing beyond texts.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <set>
 
 #include "quenra_attributes.h"
@@ -106,6 +108,25 @@ TEST_F(UnsignedReader, PrivateAttributeWithSelectorAndInstance_IsFoundByItsBase)
 
 TEST_F(UnsignedReader, UnknownAttribute_FailsWithNotSupported) {
   EXPECT_EQ(readUnsigned(0x20000700), (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 1364}));
+  EXPECT_EQ(readUnsigned(0x200FFF00), (tFailure{QUENRA_STATUS_NOT_SUPPORTED, 1364}));
+}
+
+// The index finds the row that a search of the table finds, for every number.
+template <class Row, size_t N>
+void expectRowsOfASearch(const Row (&rows)[N], const Row* (*find)(uint32_t)) {
+  for (const uint32_t type : {QUENRA_ATTRIBUTE_TYPE_TEXT, QUENRA_ATTRIBUTE_TYPE_UNSIGNED,
+                              QUENRA_ATTRIBUTE_TYPE_UNSIGNED | QUENRA_ATTRIBUTE_PRIVATE_MASK}) {
+    for (uint32_t number = 0; number <= QUENRA_ATTRIBUTE_NUMBER_MASK; number += 0x100) {
+      const uint32_t attribute = type | number;
+      const auto* const searched = std::ranges::find(rows, attribute, &Row::attribute);
+      ASSERT_EQ(find(attribute), searched == std::end(rows) ? nullptr : searched) << attribute;
+    }
+  }
+}
+
+TEST(AttributeTables, EveryNumber_FindsTheRowOfASearch) {
+  expectRowsOfASearch(nQUENRA1400::nUnsignedTable::kRows, &nQUENRA1400::findUnsignedRow);
+  expectRowsOfASearch(nQUENRA1400::nTextTable::kRows, &nQUENRA1400::findTextRow);
 }
 
 TEST_F(UnsignedReader, InstanceOfAnAttributeWithoutInstances_FailsAtTheRowsLine) {
