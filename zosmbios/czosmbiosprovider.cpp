@@ -136,17 +136,51 @@ void cZoSmBiosProvider::loadOnFirstUse(tStatus& status) noexcept {
   }
 }
 
+struct cZoSmBiosProvider::tRefusal {
+  int32_t code;
+  tSourceLocation location;
+};
+
+const cZoSmBiosProvider::tRefusal* cZoSmBiosProvider::locate(
+    uint8_t type, uint32_t instance, tStructureOffset& structure) const noexcept {
+  static constexpr tRefusal kAbsent{kFieldNotFound, kStructureNotFound};
+  const auto found = index_.isUsable() ? index_.findStructure(type, instance)
+                                       : table_.findStructure(type, instance);
+  if (!found) {
+    return &kAbsent;
+  }
+  structure = *found;
+  return nullptr;
+}
+
+const cZoSmBiosProvider::tRefusal* cZoSmBiosProvider::refusalOf(tStructureOffset structure,
+                                                                tFieldId field) const noexcept {
+  static constexpr tRefusal kStructureOutside{kTableMalformed, kStructureOutsideTable};
+  static constexpr tRefusal kAreaOutside{kTableMalformed, kFormattedAreaOutsideTable};
+  static constexpr tRefusal kWidth{kTableMalformed, kUnknownWidth};
+  static constexpr tRefusal kBeyond{kFieldNotFound, kFieldBeyondStructure};
+  const auto bytes = table_.bytes();
+  if (size_t{structure} + 2 > bytes.size()) {
+    return &kStructureOutside;
+  }
+  const uint32_t length = bytes[size_t{structure} + 1];
+  if (size_t{structure} + length > bytes.size()) {
+    return &kAreaOutside;
+  }
+  const uint32_t width = widthOf(widthClassOf(field));
+  if (width == 0) {
+    return &kWidth;
+  }
+  return offsetOf(field) + width > length ? &kBeyond : nullptr;
+}
+
 void cZoSmBiosProvider::findStructure(uint8_t type, uint32_t instance, tStructureOffset* structure,
                                       tStatus& status) const noexcept {
   if (status.isError()) {
     return;
   }
-  const auto found = index_.isUsable() ? index_.findStructure(type, instance)
-                                       : table_.findStructure(type, instance);
-  if (found) {
-    *structure = *found;
-  } else {
-    mergeStatus(status, kFieldNotFound, kStructureNotFound);
+  if (const tRefusal* const refusal = locate(type, instance, *structure)) {
+    mergeStatus(status, refusal->code, refusal->location);
   }
 }
 
@@ -155,21 +189,8 @@ void cZoSmBiosProvider::checkField(tStructureOffset structure, tFieldId field,
   if (status.isError()) {
     return;
   }
-  const auto bytes = table_.bytes();
-  if (size_t{structure} + 2 > bytes.size()) {
-    mergeStatus(status, kTableMalformed, kStructureOutsideTable);
-    return;
-  }
-  const uint32_t length = bytes[size_t{structure} + 1];
-  if (size_t{structure} + length > bytes.size()) {
-    mergeStatus(status, kTableMalformed, kFormattedAreaOutsideTable);
-    return;
-  }
-  const uint32_t width = widthOf(widthClassOf(field));
-  if (width == 0) {
-    mergeStatus(status, kTableMalformed, kUnknownWidth);
-  } else if (offsetOf(field) + width > length) {
-    mergeStatus(status, kFieldNotFound, kFieldBeyondStructure);
+  if (const tRefusal* const refusal = refusalOf(structure, field)) {
+    mergeStatus(status, refusal->code, refusal->location);
   }
 }
 
@@ -179,10 +200,8 @@ int32_t cZoSmBiosProvider::readNumberAt(tStructureOffset structure, tWidthClass 
   if (widthClassOf(field) != width) {
     return kFieldNotFound;
   }
-  tStatus status;
-  checkField(structure, field, status);
-  if (status.isError()) {
-    return status.code;
+  if (const tRefusal* const refusal = refusalOf(structure, field)) {
+    return refusal->code;
   }
   std::memcpy(value, table_.bytes().data() + structure + offsetOf(field), sizeof *value);
   return 0;
@@ -194,11 +213,18 @@ int32_t cZoSmBiosProvider::readNumber(tWidthClass width, tFieldId field, uint32_
   if (value == nullptr) {
     return kInvalidParameter;
   }
-  tStatus status;
-  loadOnFirstUse(status);
+  if (!hasTable()) {
+    tStatus loading;
+    load(loading);
+    if (loading.isError()) {
+      return loading.code;
+    }
+  }
   tStructureOffset structure = 0;
-  findStructure(structureTypeOf(field), instance, &structure, status);
-  return status.isError() ? status.code : readNumberAt(structure, width, field, value);
+  if (const tRefusal* const refusal = locate(structureTypeOf(field), instance, structure)) {
+    return refusal->code;
+  }
+  return readNumberAt(structure, width, field, value);
 }
 
 int32_t cZoSmBiosProvider::readByte(tFieldId field, uint32_t instance, uint8_t* value) noexcept {

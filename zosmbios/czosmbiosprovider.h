@@ -84,6 +84,16 @@ class cZoSmBiosProvider {
   void setLastOsError(uint32_t error) noexcept { lastOsError_ = error; }
 
  private:
+  // The code and the location of a failure. The numeric readers report the code only: they create no
+  // status record, which would take longer than the read.
+  struct tRefusal;
+
+  // Null when the structure exists.
+  const tRefusal* locate(uint8_t type, uint32_t instance,
+                         tStructureOffset& structure) const noexcept;
+  // Null when the field lies inside the structure and the table.
+  [[nodiscard]] const tRefusal* refusalOf(tStructureOffset structure,
+                                          tFieldId field) const noexcept;
   template <class Value>
   int32_t readNumber(tWidthClass width, tFieldId field, uint32_t instance, Value* value) noexcept;
   template <class Value>

@@ -65,12 +65,6 @@ std::optional<tStructureOffset> tStructuresOfType::next() noexcept {
 
 // ---- tStructureIndex ----
 
-tStructureOffset tStructureIndex::offsetAt(size_t position) const noexcept {
-  tStructureOffset offset;
-  std::memcpy(&offset, offsets_.get() + position * sizeof offset, sizeof offset);
-  return offset;
-}
-
 void tStructureIndex::setOffsetAt(size_t position, tStructureOffset offset) noexcept {
   std::memcpy(offsets_.get() + position * sizeof offset, &offset, sizeof offset);
 }
@@ -100,15 +94,6 @@ void tStructureIndex::build(const tStructureTable& table) noexcept {
     setOffsetAt(size_t{firstOfType_[type]} + placed[type]++, offset);
   });
   usable_ = true;
-}
-
-std::optional<tStructureOffset> tStructureIndex::findStructure(uint8_t type,
-                                                               uint32_t instance) const noexcept {
-  const uint32_t first = firstOfType_[type];
-  const uint32_t count = firstOfType_[type + 1u] - first;
-  return instance < count
-             ? std::optional<tStructureOffset>(offsetAt(size_t{first} + size_t{instance}))
-             : std::nullopt;
 }
 
 }  // namespace nQUENRA1400::nZOSMBIOS_1_1

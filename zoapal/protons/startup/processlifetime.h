@@ -44,7 +44,11 @@ class tStartUp {
   void markUnloaded() noexcept { mergeStatus(status_, nZOAPALS100::kNotReady, kUnloaded); }
 
   [[nodiscard]] bool isReady() const noexcept { return !status_.isError(); }
-  void mergeInto(zoerr::Status& status) const noexcept { status.mergeFrom(status_); }
+  void mergeInto(zoerr::Status& status) const noexcept {
+    if (status_.code != 0) {
+      status.mergeFrom(status_);
+    }
+  }
 
  private:
   static constexpr nZOAPALS100::tSourceLocation kUnloaded{"tstartup", 23};
