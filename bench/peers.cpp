@@ -2,9 +2,16 @@
 // memory that is never read.
 #include "bench/peers.h"
 
+#ifndef _WIN32
+#include <openssl/evp.h>
+
+#include <boost/crc.hpp>
+#endif
+
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string_view>
 
 namespace nBench {
@@ -70,6 +77,50 @@ tDecoder bytewisePair() {
             return sum(table, data, decode(sextets, text, length, data));
           }};
 }
+
+// ---- Other libraries ----
+
+#ifdef _WIN32
+
+std::vector<tDecoder> otherLibraries() {
+  return {};
+}
+
+#else
+
+namespace {
+
+struct tFreeContext {
+  void operator()(EVP_ENCODE_CTX* context) const { EVP_ENCODE_CTX_free(context); }
+};
+
+size_t decodeByOpenSsl(const uint8_t* text, size_t length, uint8_t* data) {
+  const std::unique_ptr<EVP_ENCODE_CTX, tFreeContext> context(EVP_ENCODE_CTX_new());
+  EVP_DecodeInit(context.get());
+  int count = 0;
+  int rest = 0;
+  if (EVP_DecodeUpdate(context.get(), data, &count, text, static_cast<int>(length)) < 0 ||
+      EVP_DecodeFinal(context.get(), data + count, &rest) < 0) {
+    std::abort();
+  }
+  return static_cast<size_t>(count) + static_cast<size_t>(rest);
+}
+
+uint32_t decodeAndSum(const uint8_t* text, size_t length, uint8_t* data) {
+  boost::crc_optimal<32, 0x1EDC6F41, 0xFFFFFFFF, 0xFFFFFFFF, false, false> crc;
+  crc.process_bytes(data, decodeByOpenSsl(text, length, data));
+  return crc.checksum();
+}
+
+}  // namespace
+
+std::vector<tDecoder> otherLibraries() {
+  return {{"OpenSSL + Boost.CRC", &decodeAndSum, false}};
+}
+
+#endif
+
+// ---- Memory alone ----
 
 void copyIntoFreshMemory(const uint8_t* data, size_t count) {
   auto* const memory = static_cast<volatile uint8_t*>(std::malloc(count));
