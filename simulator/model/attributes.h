@@ -29,4 +29,17 @@ bool attributesIsWritable(const tAttributeStore* store, uint32_t interfaceKind, 
 /* Does nothing if the interface has no such attribute. */
 void attributesRemove(tAttributeStore* store, uint32_t interfaceKind, uint32_t attribute);
 
+/* The values that the controller interface returns for REQUEST_EXCHANGE_VALUES: the SMBIOS version
+ * text and the SMBIOS structure table. */
+typedef struct tSmbiosHandover {
+  uint32_t textSize;
+  uint32_t tableSize;
+  uint8_t text[SIMULATOR_TEXT_CAPACITY];
+  uint8_t table[SIMULATOR_TABLE_CAPACITY];
+} tSmbiosHandover;
+
+/* Returns false and changes nothing if `size` exceeds the capacity. */
+bool handoverSetText(tSmbiosHandover* handover, const void* text, uint32_t size);
+bool handoverSetTable(tSmbiosHandover* handover, const void* table, uint32_t size);
+
 #endif

@@ -15,7 +15,6 @@
 #include "simulator/model/requestlog.h"
 #include "simulator/model/router.h"
 #include "simulator/model/scripts.h"
-#include "simulator/model/smbioshandover.h"
 
 #ifdef __cplusplus
 extern "C" {

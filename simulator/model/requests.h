@@ -14,9 +14,8 @@ tModelReply answerControlRequest(tModel* model, const tModelRequest* request);
 typedef void tDriverOperation(tModel* model, const tModelFile* file, const void* input,
                               void* reply);
 
-/* smbioshandover.c */
-tDriverOperation carryOutExchangeValues;
 /* attributes.c */
+tDriverOperation carryOutExchangeValues;
 tDriverOperation carryOutGetAttribute;
 tDriverOperation carryOutSetAttribute;
 /* firmware.c */
