@@ -17,7 +17,9 @@ measure_natively() {
 # measure_under_wine PROGRAM [ARGUMENT…]
 measure_under_wine() {
   step "Measuring under Wine: $1"
-  run_windows "$binaries/$1.exe" "${@:2}" | cat
+  local program=$binaries/$1.exe
+  [[ $1 != system_bench ]] || program=$binaries/stripped/$1.exe
+  run_windows "$program" "${@:2}" | cat
 }
 
 build_native_programs() {
