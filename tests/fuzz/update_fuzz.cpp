@@ -140,11 +140,13 @@ std::optional<tCall> planFailure(tProvider& input) {
   return kFailingCalls[call];
 }
 
-// Calls that guard or remove the folder of the update.
+// Calls that create, write, guard or remove the folder of the update and its files.
 constexpr std::array kDiskCalls = {
     tCall::getTokenInformation, tCall::convertSecurityDescriptor, tCall::createDirectory,
     tCall::createDiskFile,      tCall::getFileInformation,        tCall::getFileInformationEx,
     tCall::setFileInformation,  tCall::getFinalPathName,          tCall::compareStringOrdinal,
+    tCall::getTempPath,         tCall::getDiskAttributes,         tCall::createNewFile,
+    tCall::writeFile,
 };
 
 // Runs last, on the remaining input: an input without remaining bytes fails none of these calls.
