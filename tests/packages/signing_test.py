@@ -34,6 +34,14 @@ def openssl(*words, folder):
         raise AssertionError(result.stderr)
 
 
+def expired_validity():
+    """The options of a certificate that has expired. OpenSSL 3.4 and later refuse an end before the start,
+    and have options for both; earlier versions know only a number of days from now."""
+    if "-not_after" in run("openssl", "x509", "-help").stderr:
+        return ("-not_before", "20200101000000Z", "-not_after", "20200102000000Z")
+    return ("-days", "-1")
+
+
 class TimestampAuthority(http.server.BaseHTTPRequestHandler):
     """Answers queries of RFC 3161 with the certificate `authority` of a folder."""
 
@@ -78,17 +86,17 @@ class Signing(unittest.TestCase):
         cls.make_certificate("code", "codeSigning")
         cls.make_certificate("other", "codeSigning")
         cls.make_certificate("server", "serverAuth")
-        cls.make_certificate("expired", "codeSigning", days=-1)
+        cls.make_certificate("expired", "codeSigning", *expired_validity())
         cls.make_certificate("authority", "critical,timeStamping")
         openssl("pkey", "-in", "code.key", "-aes256", "-passout", "pass:secret", "-out", "encrypted.key",
                 folder=cls.folder)
 
     @classmethod
-    def make_certificate(cls, name, usage, days=30):
+    def make_certificate(cls, name, usage, *validity):
         openssl("req", "-new", "-newkey", "rsa:2048", "-nodes", "-keyout", f"{name}.key", "-out", f"{name}.csr",
                 "-subj", f"/CN={name} of the test", folder=cls.folder)
         (cls.folder / "extensions").write_text(f"extendedKeyUsage={usage}\n", encoding="utf-8")
-        openssl("x509", "-req", "-in", f"{name}.csr", "-signkey", f"{name}.key", "-days", days,
+        openssl("x509", "-req", "-in", f"{name}.csr", "-signkey", f"{name}.key", *validity,
                 "-extfile", "extensions", "-out", f"{name}.pem", folder=cls.folder)
 
     def refusal(self, *arguments):
