@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
@@ -51,34 +52,40 @@ constexpr uint32_t widthOf(tWidthClass width) noexcept {
   return 0;
 }
 
+using tFailure = std::optional<tStatus>;
+
+void fail(tFailure& failure, int32_t code, const tSourceLocation& location) noexcept {
+  mergeStatus(failure.emplace(), code, location);
+}
+
 // String `number`, from 1, of the string set that starts at `set`, a byte offset in the table. Reports
 // kTableMalformed when the set runs past the end of the table, has fewer strings, or the string is
 // longer than kMaxStringLength.
 std::string_view findString(const tStructureTable& table, size_t set, uint8_t number,
-                            tStatus& status) noexcept {
+                            tFailure& failure) noexcept {
   const auto bytes = table.bytes();
   auto position = bytes.begin() + static_cast<ptrdiff_t>(std::min(set, bytes.size()));
   for (uint8_t passed = 1; passed < number; ++passed) {
     if (position != bytes.end() && *position == 0) {
-      mergeStatus(status, kTableMalformed, kSetEnds);
+      fail(failure, kTableMalformed, kSetEnds);
       return {};
     }
     const auto nul = std::find(position, bytes.end(), uint8_t{0});
     if (nul == bytes.end()) {
-      mergeStatus(status, kTableMalformed, kSetLeavesTable);
+      fail(failure, kTableMalformed, kSetLeavesTable);
       return {};
     }
     position = nul + 1;
   }
   if (position == bytes.end() || *position == 0) {
-    mergeStatus(status, kTableMalformed, kStringEmpty);
+    fail(failure, kTableMalformed, kStringEmpty);
     return {};
   }
   const auto searched =
       std::min(bytes.end() - position, ptrdiff_t{cZoSmBiosProvider::kMaxStringLength} + 1);
   const auto nul = std::find(position, position + searched, uint8_t{0});
   if (nul == position + searched) {
-    mergeStatus(status, kTableMalformed, kStringTooLong);
+    fail(failure, kTableMalformed, kStringTooLong);
     return {};
   }
   const void* const first = &*position;
@@ -92,13 +99,13 @@ struct tCopySites {
 
 // Copies a text by the size rule of getString.
 void copyText(std::string_view text, char* buffer, uint32_t* size, const tCopySites& sites,
-              tStatus& status) noexcept {
+              tFailure& failure) noexcept {
   const auto needed = static_cast<uint32_t>(text.size() + 1);
   if (*size < needed) {
     *size = needed;
-    mergeStatus(status, kBufferTooSmall, sites.tooSmall);
+    fail(failure, kBufferTooSmall, sites.tooSmall);
   } else if (buffer == nullptr) {
-    mergeStatus(status, kInvalidParameter, sites.withoutBuffer);
+    fail(failure, kInvalidParameter, sites.withoutBuffer);
   } else {
     text.copy(buffer, text.size());
     buffer[text.size()] = '\0';
@@ -130,18 +137,12 @@ void cZoSmBiosProvider::clear() noexcept {
   index_.clear();
 }
 
-void cZoSmBiosProvider::loadOnFirstUse(tStatus& status) noexcept {
-  if (!hasTable()) {
-    load(status);
-  }
-}
-
 struct cZoSmBiosProvider::tRefusal {
   int32_t code;
   tSourceLocation location;
 };
 
-const cZoSmBiosProvider::tRefusal* cZoSmBiosProvider::locate(
+inline const cZoSmBiosProvider::tRefusal* cZoSmBiosProvider::locate(
     uint8_t type, uint32_t instance, tStructureOffset& structure) const noexcept {
   static constexpr tRefusal kAbsent{kFieldNotFound, kStructureNotFound};
   const auto found = index_.isUsable() ? index_.findStructure(type, instance)
@@ -153,8 +154,8 @@ const cZoSmBiosProvider::tRefusal* cZoSmBiosProvider::locate(
   return nullptr;
 }
 
-const cZoSmBiosProvider::tRefusal* cZoSmBiosProvider::refusalOf(tStructureOffset structure,
-                                                                tFieldId field) const noexcept {
+inline const cZoSmBiosProvider::tRefusal* cZoSmBiosProvider::refusalOf(
+    tStructureOffset structure, tFieldId field) const noexcept {
   static constexpr tRefusal kStructureOutside{kTableMalformed, kStructureOutsideTable};
   static constexpr tRefusal kAreaOutside{kTableMalformed, kFormattedAreaOutsideTable};
   static constexpr tRefusal kWidth{kTableMalformed, kUnknownWidth};
@@ -250,54 +251,69 @@ void cZoSmBiosProvider::getString(tFieldId field, uint32_t instance, char* buffe
   if (status.isError()) {
     return;
   }
-  if (size == nullptr) {
-    mergeStatus(status, kInvalidParameter, kSizeMissing);
-    return;
-  }
-  loadOnFirstUse(status);
-  const tWidthClass width = widthClassOf(field);
-  if (width == tWidthClass::text) {
-    getStructureString(field, instance, buffer, size, status);
-  } else if (width == tWidthClass::provider) {
-    getVersion(field, instance, buffer, size, status);
-  } else {
-    mergeStatus(status, kFieldNotFound, kNumberReadAsString);
+  tFailure failure;
+  readText(field, instance, buffer, size, failure);
+  if (failure) {
+    mergeStatus(status, failure->code, failure->location());
   }
 }
 
-void cZoSmBiosProvider::getStructureString(tFieldId field, uint32_t instance, char* buffer,
-                                           uint32_t* size, tStatus& status) noexcept {
+void cZoSmBiosProvider::readText(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                                 tFailure& failure) noexcept {
+  if (size == nullptr) {
+    fail(failure, kInvalidParameter, kSizeMissing);
+    return;
+  }
+  if (!hasTable()) {
+    load(failure.emplace());
+    if (failure->isError()) {
+      return;
+    }
+    failure.reset();
+  }
+  const tWidthClass width = widthClassOf(field);
+  if (width == tWidthClass::text) {
+    readStructureText(field, instance, buffer, size, failure);
+  } else if (width == tWidthClass::provider) {
+    readVersion(field, instance, buffer, size, failure);
+  } else {
+    fail(failure, kFieldNotFound, kNumberReadAsString);
+  }
+}
+
+void cZoSmBiosProvider::readStructureText(tFieldId field, uint32_t instance, char* buffer,
+                                          uint32_t* size, tFailure& failure) const noexcept {
   tStructureOffset structure = 0;
-  findStructure(structureTypeOf(field), instance, &structure, status);
-  checkField(structure, field, status);
-  if (status.isError()) {
+  const tRefusal* refusal = locate(structureTypeOf(field), instance, structure);
+  if (refusal == nullptr) {
+    refusal = refusalOf(structure, field);
+  }
+  if (refusal != nullptr) {
+    fail(failure, refusal->code, refusal->location);
     return;
   }
   const uint8_t number = table_.bytes()[size_t{structure} + offsetOf(field)];
   if (number == 0) {
-    mergeStatus(status, kNoString, kStringAbsent);
+    fail(failure, kNoString, kStringAbsent);
     if (buffer != nullptr && *size != 0) {
       *buffer = '\0';
     }
     return;
   }
-  const std::string_view text = findString(table_, table_.stringSetOf(structure), number, status);
-  if (!status.isError()) {
-    copyText(text, buffer, size, {kStringBufferTooSmall, kStringWithoutBuffer}, status);
+  const std::string_view text = findString(table_, table_.stringSetOf(structure), number, failure);
+  if (!failure) {
+    copyText(text, buffer, size, {kStringBufferTooSmall, kStringWithoutBuffer}, failure);
   }
 }
 
-void cZoSmBiosProvider::getVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
-                                   tStatus& status) noexcept {
-  if (status.isError()) {
-    return;
-  }
+void cZoSmBiosProvider::readVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                                    tFailure& failure) const noexcept {
   if (instance != 0) {
-    mergeStatus(status, kFieldNotFound, kProviderValueInstance);
+    fail(failure, kFieldNotFound, kProviderValueInstance);
   } else if ((field & 0xFFFFF) != kVersionText) {
-    mergeStatus(status, kFieldNotFound, kUnknownProviderValue);
+    fail(failure, kFieldNotFound, kUnknownProviderValue);
   } else {
-    copyText(versionText_, buffer, size, {kVersionBufferTooSmall, kVersionWithoutBuffer}, status);
+    copyText(versionText_, buffer, size, {kVersionBufferTooSmall, kVersionWithoutBuffer}, failure);
   }
 }
 

@@ -2,6 +2,7 @@
 #define ZOSMBIOS_CZOSMBIOSPROVIDER_H
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
@@ -73,6 +74,10 @@ class cZoSmBiosProvider {
   // of a failed load.
   void getString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
                  nZOAPALS100::tStatus& status) noexcept;
+  // As getString; `failure`, empty before, receives a record only if there is something to report: a
+  // record takes longer than a read.
+  void readText(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                std::optional<nZOAPALS100::tStatus>& failure) noexcept;
 
   // The steps of the readers.
   void findStructure(uint8_t type, uint32_t instance, tStructureOffset* structure,
@@ -99,11 +104,12 @@ class cZoSmBiosProvider {
   template <class Value>
   int32_t readNumberAt(tStructureOffset structure, tWidthClass width, tFieldId field,
                        Value* value) const noexcept;
-  void getStructureString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
-                          nZOAPALS100::tStatus& status) noexcept;
-  void getVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
-                  nZOAPALS100::tStatus& status) noexcept;
-  void loadOnFirstUse(nZOAPALS100::tStatus& status) noexcept;
+  using tFailure = std::optional<nZOAPALS100::tStatus>;
+
+  void readStructureText(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                         tFailure& failure) const noexcept;
+  void readVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
+                   tFailure& failure) const noexcept;
 
   nZOAPAL000::tByteBuffer storage_;
   tStructureTable table_;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string_view>
 
 #include "source/user/attributes/attributes.h"
@@ -136,16 +137,19 @@ bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
     return false;
   }
   uint32_t size = saturated(*size_);
-  nZOAPALS100::tStatus result;
-  access_.provider.getString(field, instance, buffer_, &size, result);
-  if (result.code == nZOSMBIOS_1_1::kBufferTooSmall) {
+  std::optional<nZOAPALS100::tStatus> failure;
+  access_.provider.readText(field, instance, buffer_, &size, failure);
+  if (!failure) {
+    return true;
+  }
+  if (failure->code == nZOSMBIOS_1_1::kBufferTooSmall) {
     *size_ = size;
   }
-  if (result.code == nZOAPALS100::kInvalidParameter) {
-    status_.mergeFrom(result);
+  if (failure->code == nZOAPALS100::kInvalidParameter) {
+    status_.mergeFrom(*failure);
   }
-  mergeProviderResult(result.code, status_);
-  return result.code == 0;
+  mergeProviderResult(failure->code, status_);
+  return failure->code == 0;
 }
 
 // Reports that the attribute is not supported, and clears the buffer, which holds a placeholder.

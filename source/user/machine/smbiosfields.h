@@ -67,9 +67,10 @@ class tProviderText {
   tProviderText(nZOSMBIOS_1_1::cZoSmBiosProvider& provider, nZOSMBIOS_1_1::tFieldId field,
                 uint32_t instance) noexcept {
     auto size = static_cast<uint32_t>(characters_.size());
-    nZOAPALS100::tStatus status;
-    provider.getString(field, instance, characters_.data(), &size, status);
-    result_ = status.code;
+    characters_.front() = '\0';
+    std::optional<nZOAPALS100::tStatus> failure;
+    provider.readText(field, instance, characters_.data(), &size, failure);
+    result_ = failure ? failure->code : 0;
   }
 
   // The provider's code: 0 when the text has been read; else the text is empty.
@@ -77,7 +78,8 @@ class tProviderText {
   [[nodiscard]] std::string_view view() const noexcept { return characters_.data(); }
 
  private:
-  std::array<char, nZOSMBIOS_1_1::cZoSmBiosProvider::kMaxStringLength + 1> characters_{};
+  std::array<char, nZOSMBIOS_1_1::cZoSmBiosProvider::kMaxStringLength + 1>
+      characters_;  // up to its NUL
   int32_t result_ = 0;
 };
 
@@ -89,6 +91,8 @@ inline void mergeProviderResult(int32_t result, zoerr::Status& status) noexcept 
   constexpr tFailureSite kBufferShort{QUENRA_STATUS_BUFFER_TOO_SMALL, sessionLocation(2562)};
   constexpr tFailureSite kFieldAbsent{QUENRA_STATUS_NOT_SUPPORTED, sessionLocation(2569)};
   switch (result) {
+    case 0:
+      return;
     case nZOSMBIOS_1_1::kNoString:
       return report(kStringAbsent, status);
     case nZOSMBIOS_1_1::kBufferTooSmall:
