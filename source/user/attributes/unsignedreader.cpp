@@ -80,9 +80,6 @@ class tUnsignedReading {
   void rejectOtherInstances(const tUnsignedRow& row) const noexcept;
 
   [[nodiscard]] uint32_t readField(tFieldId field, uint32_t instance) const noexcept;
-  template <class Number>
-  [[nodiscard]] Number readNumber(int32_t (cZoSmBiosProvider::*read)(tFieldId, uint32_t, Number*),
-                                  tFieldId field, uint32_t instance) const noexcept;
   template <size_t N>
   [[nodiscard]] uint32_t readKind(tFieldId field, const tNamedKind (&kinds)[N]) const noexcept;
   void deliver(uint32_t value) const noexcept;
@@ -218,26 +215,24 @@ void tUnsignedReading::readListEntry(const tListSource& list) const noexcept {
   }
 }
 
-template <class Number>
-Number tUnsignedReading::readNumber(int32_t (cZoSmBiosProvider::*read)(tFieldId, uint32_t, Number*),
-                                    tFieldId field, uint32_t instance) const noexcept {
-  Number number = 0;
-  mergeProviderResult((access_.provider.*read)(field, instance, &number), status_);
-  return number;
-}
-
 // 0 when the field cannot be read. A malformed field is not reported as an error.
 uint32_t tUnsignedReading::readField(tFieldId field, uint32_t instance) const noexcept {
   if (status_.isError()) {
     return 0;
   }
+  uint8_t byte = 0;
+  uint16_t word = 0;
+  uint64_t quadWord = 0;
   switch (widthClassOf(field)) {
     case tWidthClass::byte:
-      return readNumber(&cZoSmBiosProvider::readByte, field, instance);
+      mergeProviderResult(access_.provider.readByte(field, instance, &byte), status_);
+      return byte;
     case tWidthClass::word:
-      return readNumber(&cZoSmBiosProvider::readWord, field, instance);
+      mergeProviderResult(access_.provider.readWord(field, instance, &word), status_);
+      return word;
     case tWidthClass::quadWord:
-      return static_cast<uint32_t>(readNumber(&cZoSmBiosProvider::readQword, field, instance));
+      mergeProviderResult(access_.provider.readQword(field, instance, &quadWord), status_);
+      return static_cast<uint32_t>(quadWord);
     // GCOVR_EXCL_START: no row of the attribute tables has another width
     case tWidthClass::text:
     case tWidthClass::doubleWord:
