@@ -132,6 +132,8 @@ tControllerUserSession::tControllerUserSession(nZOSMBIOS_1_1::cZoSmBiosProvider&
   if (status.isError()) {
     closeInterfaces();
   }
+  access_.controllerIsOpen = controllerDevice_.isOpen();
+  access_.martenIsOpen = martenDevice_.isOpen();
 }
 
 tControllerUserSession::~tControllerUserSession() {
@@ -193,38 +195,29 @@ void tControllerUserSession::closeInterfaces() noexcept {
   }
 }
 
-tAttributeAccess tControllerUserSession::access() noexcept {
-  return {provider_,
-          memoryModules_,
-          controller_,
-          marten_,
-          controllerDevice_.isOpen(),
-          martenDevice_.isOpen()};
-}
-
 void tControllerUserSession::readText(uint32_t attribute, char* buffer, uint64_t* size,
                                       zoerr::Status& status) noexcept {
-  readTextAttribute(access(), attribute, buffer, size, status);
+  readTextAttribute(access_, attribute, buffer, size, status);
 }
 
 void tControllerUserSession::readUnsigned(uint32_t attribute, uint32_t& value,
                                           zoerr::Status& status) noexcept {
-  readUnsignedAttribute(access(), attribute, value, status);
+  readUnsignedAttribute(access_, attribute, value, status);
 }
 
 void tControllerUserSession::writeText(uint32_t attribute, const char* text,
                                        zoerr::Status& status) noexcept {
-  writeTextAttribute(access(), attribute, text, status);
+  writeTextAttribute(access_, attribute, text, status);
 }
 
 void tControllerUserSession::writeUnsigned(uint32_t attribute, uint32_t value,
                                            zoerr::Status& status) noexcept {
-  writeUnsignedAttribute(access(), attribute, value, status);
+  writeUnsignedAttribute(access_, attribute, value, status);
 }
 
 void tControllerUserSession::updateFirmware(const void* image, uint64_t imageSize, uint32_t flags,
                                             zoerr::Status& status) {
-  nQUENRA1400::updateFirmware(access(), image, imageSize, flags, status);
+  nQUENRA1400::updateFirmware(access_, image, imageSize, flags, status);
 }
 
 }  // namespace nQUENRA1400

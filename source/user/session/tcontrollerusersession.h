@@ -44,7 +44,6 @@ class tControllerUserSession {
   void checkPlatform(zoerr::Status& status) noexcept;
   void checkModel(zoerr::Status& status) noexcept;
   void closeInterfaces() noexcept;
-  [[nodiscard]] tAttributeAccess access() noexcept;
 
   nZOSMBIOS_1_1::cZoSmBiosProvider& provider_;
   tMemoryModules memoryModules_;
@@ -53,6 +52,8 @@ class tControllerUserSession {
   nZOAPAL000::tDeviceInterfaceProxy martenDevice_;
   nZOAPAL000::tInterfaceProxy_hostController controller_{controllerDevice_};
   nZOAPAL000::tInterfaceProxy_hostMarten marten_{martenDevice_};
+  // The constructor states which interfaces are open; that never changes.
+  tAttributeAccess access_{provider_, memoryModules_, controller_, marten_, false, false};
 };
 
 }  // namespace nQUENRA1400
