@@ -27,6 +27,12 @@ constexpr auto kPathDoesNotFit = sessionLocation(1712);
 constexpr auto kBufferMissing = sessionLocation(1713);
 constexpr auto kValueMissing = sessionLocation(1721);
 
+// The status of a call, of which the caller receives the code only: without memory for a description, so
+// that a failed read costs no more than one that succeeds.
+constexpr zoerr::Status codeOnly() noexcept {
+  return {0, 0, nullptr, nullptr};
+}
+
 // Null, with the reason in the status, when the library is not ready or no session is open.
 tControllerUserSession* findSession(zoerr::Status& status) noexcept {
   processState().startUp().mergeInto(status);
@@ -40,7 +46,7 @@ int32_t runOnSession(uint64_t handle, Operation operation) noexcept {
   if (handle != QUENRA_HANDLE) {
     return QUENRA_STATUS_INVALID_HANDLE;
   }
-  zoerr::tOwnedStatus status;
+  zoerr::Status status = codeOnly();
   if (tControllerUserSession* const session = findSession(status)) {
     runWithoutThrowing(status, [&] { operation(*session, status); });
   }
@@ -79,7 +85,7 @@ int32_t QUENRA_openController(uint64_t* handle) {
   if (handle == nullptr) {
     return nZOAPALS100::kInvalidParameter;
   }
-  zoerr::tOwnedStatus status;
+  zoerr::Status status = codeOnly();
   processState().startUp().mergeInto(status);
   if (!status.isError()) {
     runWithoutThrowing(status, [&status] { processState().open(status); });
@@ -98,7 +104,7 @@ void QUENRA_closeController(uint64_t handle) {
 
 int32_t QUENRA_getAttributeUTF8(uint64_t handle, uint32_t attribute, char* buffer, uint64_t* size) {
   if (attribute == QUENRA_ATTRIBUTE_DEVICE_PATH) {
-    zoerr::tOwnedStatus status;
+    zoerr::Status status = codeOnly();
     readDevicePath(buffer, tCallersNumber(size).get(), status);
     return status.code;
   }
@@ -134,7 +140,7 @@ int32_t QUENRA_setAttributeUTF8(uint64_t handle, uint32_t attribute, const char*
   if (handle != QUENRA_HANDLE) {
     return QUENRA_STATUS_INVALID_HANDLE;
   }
-  zoerr::tOwnedStatus status;
+  zoerr::Status status = codeOnly();
   tControllerUserSession* const session = findSession(status);
   if (session == nullptr) {
     return QUENRA_STATUS_NO_CONTROLLER;

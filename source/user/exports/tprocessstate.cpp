@@ -8,27 +8,24 @@
 #include "zoapal/protons/startup/processlifetime.h"
 
 namespace nQUENRA1400 {
+
+constinit nZOAPAL000::tNeverDestroyed<tProcessState> theProcessState(nZOAPAL000::startUp());
+
 namespace {
 
 constexpr auto kSessionNotAllocated = sessionLocation(121);
 constexpr auto kNoSession = sessionLocation(184);
 
-constinit nZOAPAL000::tNeverDestroyed<tProcessState> theState(nZOAPAL000::startUp());
-
 // The only object of the library that loading and unloading construct and destroy.
 struct tLibraryLifetime {
-  tLibraryLifetime() noexcept { theState.get().load(); }
+  tLibraryLifetime() noexcept { theProcessState.get().load(); }
   tLibraryLifetime(const tLibraryLifetime&) = delete;
   tLibraryLifetime& operator=(const tLibraryLifetime&) = delete;
-  ~tLibraryLifetime() { theState.get().unload(); }
+  ~tLibraryLifetime() { theProcessState.get().unload(); }
 };
 const tLibraryLifetime libraryLifetime;
 
 }  // namespace
-
-tProcessState& processState() noexcept {
-  return theState.get();
-}
 
 void tProcessState::load() noexcept {
   lock_.initialise(startUp_.beginLoading());
@@ -67,10 +64,7 @@ void tProcessState::close() noexcept {
   }
 }
 
-tControllerUserSession* tProcessState::session(zoerr::Status& status) noexcept {
-  if (tControllerUserSession* const open = session_.load(std::memory_order_acquire)) {
-    return open;
-  }
+tControllerUserSession* tProcessState::awaitSession(zoerr::Status& status) noexcept {
   const nZOAPAL000::tGuard lock(lock_);
   tControllerUserSession* const open = session_.load(std::memory_order_relaxed);
   if (open == nullptr) {

@@ -36,9 +36,15 @@ class tProcessState {
   void close() noexcept;
   // Null, with QUENRA_STATUS_INVALID_HANDLE in the status, when none is open. An open session is found
   // without the lock; a caller during the first open waits for its result.
-  [[nodiscard]] tControllerUserSession* session(zoerr::Status& status) noexcept;
+  [[nodiscard]] tControllerUserSession* session(zoerr::Status& status) noexcept {
+    tControllerUserSession* const open = session_.load(std::memory_order_acquire);
+    return open != nullptr ? open : awaitSession(status);
+  }
 
  private:
+  // Waits for a session that another thread is opening.
+  [[nodiscard]] tControllerUserSession* awaitSession(zoerr::Status& status) noexcept;
+
   nZOAPAL000::tStartUp& startUp_;
   nZOAPAL000::tCriticalSection lock_;
   nZOSMBIOS_1_1::cZoSmBiosWindowsProvider provider_;
@@ -47,8 +53,12 @@ class tProcessState {
   std::atomic<tControllerUserSession*> session_ = nullptr;
 };
 
+extern constinit nZOAPAL000::tNeverDestroyed<tProcessState> theProcessState;
+
 // The state of this process.
-[[nodiscard]] tProcessState& processState() noexcept;
+[[nodiscard]] inline tProcessState& processState() noexcept {
+  return theProcessState.get();
+}
 
 }  // namespace nQUENRA1400
 
