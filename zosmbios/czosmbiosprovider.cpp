@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
-#include <optional>
 #include <string_view>
 
 namespace nQUENRA1400::nZOSMBIOS_1_1 {
 namespace {
 
 using nZOAPALS100::kInvalidParameter;
+using nZOAPALS100::tFailureRecord;
 using nZOAPALS100::tSourceLocation;
 using nZOAPALS100::tStatus;
 
@@ -52,40 +52,34 @@ constexpr uint32_t widthOf(tWidthClass width) noexcept {
   return 0;
 }
 
-using tFailure = std::optional<tStatus>;
-
-void fail(tFailure& failure, int32_t code, const tSourceLocation& location) noexcept {
-  mergeStatus(failure.emplace(), code, location);
-}
-
 // String `number`, from 1, of the string set that starts at `set`, a byte offset in the table. Reports
 // kTableMalformed when the set runs past the end of the table, has fewer strings, or the string is
 // longer than kMaxStringLength.
 std::string_view findString(const tStructureTable& table, size_t set, uint8_t number,
-                            tFailure& failure) noexcept {
+                            tFailureRecord& failure) noexcept {
   const auto bytes = table.bytes();
   auto position = bytes.begin() + static_cast<ptrdiff_t>(std::min(set, bytes.size()));
   for (uint8_t passed = 1; passed < number; ++passed) {
     if (position != bytes.end() && *position == 0) {
-      fail(failure, kTableMalformed, kSetEnds);
+      failure.merge(kTableMalformed, kSetEnds);
       return {};
     }
     const auto nul = std::find(position, bytes.end(), uint8_t{0});
     if (nul == bytes.end()) {
-      fail(failure, kTableMalformed, kSetLeavesTable);
+      failure.merge(kTableMalformed, kSetLeavesTable);
       return {};
     }
     position = nul + 1;
   }
   if (position == bytes.end() || *position == 0) {
-    fail(failure, kTableMalformed, kStringEmpty);
+    failure.merge(kTableMalformed, kStringEmpty);
     return {};
   }
   const auto searched =
       std::min(bytes.end() - position, ptrdiff_t{cZoSmBiosProvider::kMaxStringLength} + 1);
   const auto nul = std::find(position, position + searched, uint8_t{0});
   if (nul == position + searched) {
-    fail(failure, kTableMalformed, kStringTooLong);
+    failure.merge(kTableMalformed, kStringTooLong);
     return {};
   }
   const void* const first = &*position;
@@ -99,13 +93,13 @@ struct tCopySites {
 
 // Copies a text by the size rule of getString.
 void copyText(std::string_view text, char* buffer, uint32_t* size, const tCopySites& sites,
-              tFailure& failure) noexcept {
+              tFailureRecord& failure) noexcept {
   const auto needed = static_cast<uint32_t>(text.size() + 1);
   if (*size < needed) {
     *size = needed;
-    fail(failure, kBufferTooSmall, sites.tooSmall);
+    failure.merge(kBufferTooSmall, sites.tooSmall);
   } else if (buffer == nullptr) {
-    fail(failure, kInvalidParameter, sites.withoutBuffer);
+    failure.merge(kInvalidParameter, sites.withoutBuffer);
   } else {
     text.copy(buffer, text.size());
     buffer[text.size()] = '\0';
@@ -251,25 +245,25 @@ void cZoSmBiosProvider::getString(tFieldId field, uint32_t instance, char* buffe
   if (status.isError()) {
     return;
   }
-  tFailure failure;
+  tFailureRecord failure;
   readText(field, instance, buffer, size, failure);
-  if (failure) {
-    mergeStatus(status, failure->code, failure->location());
+  if (failure.exists()) {
+    mergeStatus(status, failure.code(), failure.record().location());
   }
 }
 
 void cZoSmBiosProvider::readText(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
-                                 tFailure& failure) noexcept {
+                                 tFailureRecord& failure) noexcept {
   if (size == nullptr) {
-    fail(failure, kInvalidParameter, kSizeMissing);
+    failure.merge(kInvalidParameter, kSizeMissing);
     return;
   }
   if (!hasTable()) {
-    load(failure.emplace());
-    if (failure->isError()) {
+    load(failure.create());
+    if (failure.record().isError()) {
       return;
     }
-    failure.reset();
+    failure.discard();
   }
   const tWidthClass width = widthClassOf(field);
   if (width == tWidthClass::text) {
@@ -277,41 +271,41 @@ void cZoSmBiosProvider::readText(tFieldId field, uint32_t instance, char* buffer
   } else if (width == tWidthClass::provider) {
     readVersion(field, instance, buffer, size, failure);
   } else {
-    fail(failure, kFieldNotFound, kNumberReadAsString);
+    failure.merge(kFieldNotFound, kNumberReadAsString);
   }
 }
 
 void cZoSmBiosProvider::readStructureText(tFieldId field, uint32_t instance, char* buffer,
-                                          uint32_t* size, tFailure& failure) const noexcept {
+                                          uint32_t* size, tFailureRecord& failure) const noexcept {
   tStructureOffset structure = 0;
   const tRefusal* refusal = locate(structureTypeOf(field), instance, structure);
   if (refusal == nullptr) {
     refusal = refusalOf(structure, field);
   }
   if (refusal != nullptr) {
-    fail(failure, refusal->code, refusal->location);
+    failure.merge(refusal->code, refusal->location);
     return;
   }
   const uint8_t number = table_.bytes()[size_t{structure} + offsetOf(field)];
   if (number == 0) {
-    fail(failure, kNoString, kStringAbsent);
+    failure.merge(kNoString, kStringAbsent);
     if (buffer != nullptr && *size != 0) {
       *buffer = '\0';
     }
     return;
   }
   const std::string_view text = findString(table_, table_.stringSetOf(structure), number, failure);
-  if (!failure) {
+  if (!failure.exists()) {
     copyText(text, buffer, size, {kStringBufferTooSmall, kStringWithoutBuffer}, failure);
   }
 }
 
 void cZoSmBiosProvider::readVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
-                                    tFailure& failure) const noexcept {
+                                    tFailureRecord& failure) const noexcept {
   if (instance != 0) {
-    fail(failure, kFieldNotFound, kProviderValueInstance);
+    failure.merge(kFieldNotFound, kProviderValueInstance);
   } else if ((field & 0xFFFFF) != kVersionText) {
-    fail(failure, kFieldNotFound, kUnknownProviderValue);
+    failure.merge(kFieldNotFound, kUnknownProviderValue);
   } else {
     copyText(versionText_, buffer, size, {kVersionBufferTooSmall, kVersionWithoutBuffer}, failure);
   }

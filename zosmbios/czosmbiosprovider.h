@@ -2,7 +2,6 @@
 #define ZOSMBIOS_CZOSMBIOSPROVIDER_H
 
 #include <cstdint>
-#include <optional>
 #include <span>
 
 #include "zoapal/protons/cppnewdelete/memoryallocation.h"
@@ -74,10 +73,9 @@ class cZoSmBiosProvider {
   // of a failed load.
   void getString(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
                  nZOAPALS100::tStatus& status) noexcept;
-  // As getString; `failure`, empty before, receives a record only if there is something to report: a
-  // record takes longer than a read.
+  // As getString, with a record that exists only if there is something to report.
   void readText(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
-                std::optional<nZOAPALS100::tStatus>& failure) noexcept;
+                nZOAPALS100::tFailureRecord& failure) noexcept;
 
   // The steps of the readers.
   void findStructure(uint8_t type, uint32_t instance, tStructureOffset* structure,
@@ -104,12 +102,10 @@ class cZoSmBiosProvider {
   template <class Value>
   int32_t readNumberAt(tStructureOffset structure, tWidthClass width, tFieldId field,
                        Value* value) const noexcept;
-  using tFailure = std::optional<nZOAPALS100::tStatus>;
-
   void readStructureText(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
-                         tFailure& failure) const noexcept;
+                         nZOAPALS100::tFailureRecord& failure) const noexcept;
   void readVersion(tFieldId field, uint32_t instance, char* buffer, uint32_t* size,
-                   tFailure& failure) const noexcept;
+                   nZOAPALS100::tFailureRecord& failure) const noexcept;
 
   nZOAPAL000::tByteBuffer storage_;
   tStructureTable table_;

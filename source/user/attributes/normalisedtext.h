@@ -19,6 +19,7 @@ enum class tSegments {
 class tNormalisedText {
  public:
   // `text` has at most cZoSmBiosProvider::kMaxStringLength characters.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only `length_` characters are read
   tNormalisedText(std::string_view text, tSegments segments) noexcept {
     text = text.substr(0, characters_.size() / 2);
     if (text.empty()) {
@@ -44,7 +45,7 @@ class tNormalisedText {
   void append(char character) noexcept { characters_[length_++] = character; }
 
   // In the worst case every character begins a group.
-  std::array<char, size_t{2} * nZOSMBIOS_1_1::cZoSmBiosProvider::kMaxStringLength> characters_{};
+  std::array<char, size_t{2} * nZOSMBIOS_1_1::cZoSmBiosProvider::kMaxStringLength> characters_;
   size_t length_ = 0;
 };
 

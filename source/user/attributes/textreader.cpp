@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <optional>
 #include <string_view>
 
 #include "source/user/attributes/attributes.h"
@@ -137,19 +136,19 @@ bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
     return false;
   }
   uint32_t size = saturated(*size_);
-  std::optional<nZOAPALS100::tStatus> failure;
+  nZOAPALS100::tFailureRecord failure;
   access_.provider.readText(field, instance, buffer_, &size, failure);
-  if (!failure) {
+  if (!failure.exists()) {
     return true;
   }
-  if (failure->code == nZOSMBIOS_1_1::kBufferTooSmall) {
+  if (failure.code() == nZOSMBIOS_1_1::kBufferTooSmall) {
     *size_ = size;
   }
-  if (failure->code == nZOAPALS100::kInvalidParameter) {
-    status_.mergeFrom(*failure);
+  if (failure.code() == nZOAPALS100::kInvalidParameter) {
+    status_.mergeFrom(failure.record());
   }
-  mergeProviderResult(failure->code, status_);
-  return failure->code == 0;
+  mergeProviderResult(failure.code(), status_);
+  return failure.code() == 0;
 }
 
 // Reports that the attribute is not supported, and clears the buffer, which holds a placeholder.

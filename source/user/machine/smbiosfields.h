@@ -68,9 +68,9 @@ class tProviderText {
                 uint32_t instance) noexcept {
     auto size = static_cast<uint32_t>(characters_.size());
     characters_.front() = '\0';
-    std::optional<nZOAPALS100::tStatus> failure;
+    nZOAPALS100::tFailureRecord failure;
     provider.readText(field, instance, characters_.data(), &size, failure);
-    result_ = failure ? failure->code : 0;
+    result_ = failure.code();
   }
 
   // The provider's code: 0 when the text has been read; else the text is empty.

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <type_traits>
 
 namespace nZOAPALS100 {
 
@@ -81,6 +83,40 @@ inline bool mergeStatus(tStatus& status, int32_t code, const char* component, co
                         uint32_t line) noexcept {
   return mergeStatus(status, code, {file, line, component});
 }
+
+// A full record that exists from the first failure on. Zeroing a record takes longer than many an
+// operation that succeeds; std::optional would zero the space for it.
+class tFailureRecord {
+ public:
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the record does not exist yet
+  tFailureRecord() noexcept {}
+  tFailureRecord(const tFailureRecord&) = delete;
+  tFailureRecord& operator=(const tFailureRecord&) = delete;
+  ~tFailureRecord() = default;
+
+  [[nodiscard]] bool exists() const noexcept { return exists_; }
+  [[nodiscard]] int32_t code() const noexcept { return exists_ ? record_.code : 0; }
+  // The record, which must exist.
+  [[nodiscard]] const tStatus& record() const noexcept { return record_; }
+
+  // Creates an empty record.
+  tStatus& create() noexcept {
+    exists_ = true;
+    return *std::construct_at(&record_);
+  }
+  void discard() noexcept { exists_ = false; }
+  void merge(int32_t code, const tSourceLocation& location) noexcept {
+    mergeStatus(exists_ ? record_ : create(), code, location);
+  }
+
+ private:
+  static_assert(std::is_trivially_destructible_v<tStatus>);
+
+  union {
+    tStatus record_;
+  };
+  bool exists_ = false;
+};
 
 // The status code for a Windows error: 0 for 0, kGenericFailure for an error without a code of its
 // own. Pending I/O gives a warning on purpose.
