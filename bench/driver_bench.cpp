@@ -134,7 +134,7 @@ void measureReads(tReport& report) {
 
 // ---- Opening ----
 
-// What opening a controller cannot do without: both devices, the sizes of the table, and the table.
+// The requests that opening a controller cannot do without: both devices, the sizes of the table, and the table.
 void openBare() {
   tBareDevice controller(kControllerInterfaceClass);
   const tBareDevice marten(kMartenInterfaceClass);

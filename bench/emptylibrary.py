@@ -22,7 +22,8 @@ def main():
         sys.exit(f"emptylibrary.py: only {len(names)} imports found in '{image}'")
     references = "".join(f'        "\\t.quad __imp_{name}\\n"\n' for name in names)
     with open(source, "w", encoding="utf-8") as file:
-        file.write(f'__asm__("\\t.section .rdata\\n"\n{references});\n')
+        file.write(f'__asm__("\\t.section .rdata\\n"\n{references}        "\\t.text\\n");\n')
+        file.write("__declspec(dllexport) void doNothing(void);\nvoid doNothing(void) {}\n")
 
 
 if __name__ == "__main__":

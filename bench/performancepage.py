@@ -130,9 +130,9 @@ def notes_below(section, missed, notes):
     """The notes of a section, and of each missed row of it."""
     lines = []
     if section in notes.get("sections", {}):
-        lines += [notes["sections"][section], ""]
+        lines += [notes["sections"][section].strip(), ""]
     for work in missed:
-        note = notes.get("misses", {}).get(work)
+        note = " ".join(notes.get("misses", {}).get(work, "").split())
         lines.append(f"- *{work}*: {note}" if note else f"- *{work}*: missed, and not explained yet.")
     return lines + [""] if missed else lines
 
@@ -211,7 +211,7 @@ def growth_tables(results, notes):
 def plot(file, title, unit, curves):
     """Draws curves, [(name, world, points)], in logarithmic scales."""
     commands = [
-        'set terminal svg size 720,440 dynamic font "sans-serif,13" background "#ffffff"',
+        'set terminal svg size 720,520 dynamic font "sans-serif,13" background "#ffffff"',
         f'set output "{file}"', f'set title "{title}"', f'set xlabel "{unit}"', 'set ylabel "nanoseconds"',
         "set logscale xy", "set grid", "set key outside bottom center horizontal maxrows 4",
         'set format x "10^{%L}"', 'set format y "10^{%L}"']

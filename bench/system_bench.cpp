@@ -107,6 +107,12 @@ void measureProcesses(tReport& report) {
        repeated([path = besideProgram("emptyprogram.exe")] { run(path, ""); }),
        {{tBound::timeAtMost, 1.5}},
        kRounds});
+  report.compare({"an empty program with the library's imports",
+                  "an empty program",
+                  repeated([path = besideProgram("loadingprogram.exe")] { run(path, ""); }),
+                  repeated([path = besideProgram("emptyprogram.exe")] { run(path, ""); }),
+                  {},
+                  kRounds});
 }
 
 // ---- The management service ----

@@ -20,8 +20,8 @@ import reference  # noqa: E402: writes no bytecode beside the source
 
 FOLDER = pathlib.Path(__file__).resolve().parent
 ROOT = FOLDER.parents[1]
-# Files that the pages offer for download.
-DOWNLOADS = ("include/*.h", "include/*.hpp", "docs/schema/*.json", "docs/quenra.1")
+# Files that the pages show or offer for download.
+DOWNLOADS = ("include/*.h", "include/*.hpp", "docs/schema/*.json", "docs/quenra.1", "docs/performance/*.svg")
 HEADER_LINK = re.compile(
     r"\]\(((?:\.\./)*)include/(%s)\.h\)" % "|".join(name.removesuffix(".h") for name in reference.HEADERS))
 COMMENT = re.compile(r"<!--.*?-->\n?", re.DOTALL)
