@@ -1,6 +1,7 @@
 #include "source/user/update/updatefiles.h"
 
 #include <algorithm>
+#include <system_error>
 
 #include "source/user/failuresites.h"
 #include "source/user/update/environmentstep.h"
@@ -110,8 +111,12 @@ void tUpdateFolder::create() {
   if (folder_) {
     return;
   }
-  nZOAPAL000::createParentFolders(path_);
-  folder_ = nZOAPAL000::createProtectedFolder(path_);
+  try {
+    nZOAPAL000::createParentFolders(path_);
+    folder_ = nZOAPAL000::createProtectedFolder(path_);
+  } catch (const std::system_error& error) {
+    throw std::system_error(error.code(), "create_directories");
+  }
 }
 
 bool tUpdateFolder::hold(const std::u16string& path) {

@@ -17,7 +17,8 @@ namespace nQUENRA1400 {
 // Constructing it creates nothing.
 class tUpdateFolder {
  public:
-  // The name is ASCII. Throws std::system_error when the system has no temporary directory; std::bad_alloc.
+  // The name is ASCII. Throws std::system_error ("temp_directory_path") when the system has no temporary
+  // directory; std::bad_alloc.
   explicit tUpdateFolder(const std::string& name);
 
   // Returns the path of a file of the update. A name with a drive letter or two leading separators is a
@@ -25,7 +26,8 @@ class tUpdateFolder {
   [[nodiscard]] std::u16string pathOf(std::u16string_view fileName) const;
 
   // Creates the folder, with any missing parents, for its owner, the system and administrators only.
-  // Does nothing when this object has created it. Throws std::system_error, std::bad_alloc.
+  // Does nothing when this object has created it. Throws std::system_error
+  // ("create_directories"), std::bad_alloc.
   void create();
   // Keeps other processes from writing, renaming and removing a file of the update. Returns false if
   // another process has the file open for writing. A file that cannot be opened for another reason, and the

@@ -32,6 +32,7 @@ using nFakeWindows::tCall;
 using nQUENRA1400::randomFolderName;
 using nQUENRA1400::tUpdateFolder;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 // ---- The driver-store tool ----
 
@@ -179,6 +180,7 @@ TEST_F(UpdateFolder, WithoutATemporaryDirectory_ThrowsTheErrorOfTheSystem) {
     ADD_FAILURE() << "nothing is thrown";
   } catch (const std::system_error& error) {
     EXPECT_EQ(error.code(), std::error_code(ERROR_FILE_NOT_FOUND, std::system_category()));
+    EXPECT_THAT(error.what(), StartsWith("temp_directory_path"));
   }
   unsetenv("TMPDIR");
 }
@@ -194,6 +196,7 @@ TEST_F(UpdateFolder, FileInItsPlace_ThrowsTheErrorOfTheSystem) {
     FAIL() << "nothing is thrown";
   } catch (const std::system_error& error) {
     EXPECT_EQ(error.code(), std::error_code(ERROR_DIRECTORY, std::system_category()));
+    EXPECT_THAT(error.what(), StartsWith("create_directories"));
   }
 }
 

@@ -125,18 +125,19 @@ tUniqueFile createProtectedFolder(const std::u16string& path) {
 }
 
 std::u16string temporaryDirectory() {
+  constexpr const char* kName = "temp_directory_path";
   std::u16string path;
   DWORD length = MAX_PATH + 1;
   do {
     path.resize(length);
     length = GetTempPathW(static_cast<DWORD>(path.size()), wideText(path.data()));
-    require(length != 0, "GetTempPathW");
+    require(length != 0, kName);
   } while (length > path.size());
   path.resize(length);
   const DWORD attributes = GetFileAttributesW(wideText(path.c_str()));
-  require(attributes != INVALID_FILE_ATTRIBUTES, "GetFileAttributesW");
+  require(attributes != INVALID_FILE_ATTRIBUTES, kName);
   if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-    fail(ERROR_DIRECTORY, "GetFileAttributesW");
+    fail(ERROR_DIRECTORY, kName);
   }
   return path;
 }

@@ -9,7 +9,7 @@
 namespace nQUENRA1400::nZOAPAL000 {
 
 // Returns the path of the system's temporary directory, with a separator at its end. Throws
-// std::system_error if there is none; std::bad_alloc.
+// std::system_error ("temp_directory_path") if there is none; std::bad_alloc.
 [[nodiscard]] std::u16string temporaryDirectory();
 
 // Creates the missing folders above a path, with inherited access rights. Throws std::system_error,
