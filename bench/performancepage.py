@@ -4,6 +4,7 @@ results of the programs, natively and under Wine."""
 import datetime
 import json
 import math
+import os
 import pathlib
 import platform
 import subprocess
@@ -54,8 +55,7 @@ def introduction():
     windows_compiler = output_of("x86_64-w64-mingw32-g++-posix", "-dumpfullversion")
     return INTRODUCTION.format(
         date=datetime.date.today().isoformat(), processor=processor(),
-        count=len([line for line in open("/proc/cpuinfo", encoding="utf-8")
-                   if line.startswith("processor")]),
+        count=os.cpu_count(),
         systems=f"{release['PRETTY_NAME']}, {output_of('wine', '--version')}",
         compilers=f"GCC {output_of('g++', '-dumpfullversion')} for Linux, GCC {windows_compiler} for Windows")
 
