@@ -24,7 +24,7 @@ quartiles. The ratios hold on other machines; the times do not.
 | | |
 |---|---|
 | date | {date} |
-| processor | {processor}, {count} of it |
+| processors | {count} × {processor} |
 | systems | {systems} |
 | compilers | {compilers} |
 
@@ -57,7 +57,7 @@ def introduction():
         date=datetime.date.today().isoformat(), processor=processor(),
         count=os.cpu_count(),
         systems=f"{release['PRETTY_NAME']}, {output_of('wine', '--version')}",
-        compilers=f"GCC {output_of('g++', '-dumpfullversion')} for Linux, GCC {windows_compiler} for Windows")
+        compilers=f"GCC {output_of('g++', '-dumpfullversion')} for Linux, GCC {windows_compiler.split('-')[0]} (mingw-w64) for Windows")
 
 
 # ---- Results ----
@@ -228,7 +228,7 @@ def plot(file, title, unit, curves):
 def plots(results, folder, notes):
     lines = []
     for section, rows in by_section(results, "curve").items():
-        lines += [f"## {section}", ""] + notes_below(section, [], notes) + [""]
+        lines += [f"## {section}", ""] + notes_below(section, [], notes)
         axes = {}
         for (name, _), worlds in rows.items():
             unit = any_of(worlds)["size"].split(" ")[0]
