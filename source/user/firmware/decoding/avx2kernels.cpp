@@ -1,5 +1,6 @@
-// For processors with AVX2 and carry-less multiplication. Everything here has internal linkage, and
-// nothing is included that defines functions: see kernels.h.
+// For processors with AVX2 and carry-less multiplication, of one lane or, in a second compilation of this
+// file with VPCLMULQDQ, of two lanes at a time. Everything here has internal linkage, and nothing is
+// included that defines functions: see kernels.h.
 #include <immintrin.h>
 #include <string.h>
 
@@ -136,10 +137,9 @@ uint8_t* appendSextets(uint8_t* to, const uint8_t* text, const uint8_t* end) noe
 
 // ---- The CRC ----
 
-// Six lanes of 16 bytes, as big-endian numbers. Before the rest of the data, they give the same CRC as all the
-// bytes that they replace.
-struct tFolded {
-  __m128i lane0, lane1, lane2, lane3, lane4, lane5;
+// The bytes of a group as six lanes of 16, as they leave the registers: lanes 0 and 3, 1 and 4, 2 and 5.
+struct tGroupBytes {
+  __m256i lanes03, lanes14, lanes25;
 };
 
 struct tFoldingConstants {
@@ -148,16 +148,78 @@ struct tFoldingConstants {
 constexpr tFoldingConstants kOverAGroup = {powerOfX(8 * kGroupBytes),
                                            powerOfX(8 * kGroupBytes + 64)};
 
-__m128i bytesReversed(__m128i bytes) noexcept {
-  return _mm_shuffle_epi8(bytes,
-                          _mm_set_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15));
+__m128i lowerLane(__m256i lanes) noexcept {
+  return _mm256_castsi256_si128(lanes);
+}
+__m128i upperLane(__m256i lanes) noexcept {
+  return _mm256_extracti128_si256(lanes, 1);
 }
 
-// Moves a lane over the bytes of a group, to the place of the new bytes.
+// Reverses the bytes of each lane.
+constexpr uint8_t kReversed[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
+
+__m128i bytesReversed(__m128i bytes) noexcept {
+  return _mm_shuffle_epi8(bytes, load128(kReversed));
+}
+
+// Six lanes as big-endian numbers. Before the rest of the data, they give the same CRC as all the bytes that
+// they replace. foldGroup moves each lane over the bytes of a group, to the place of the new bytes.
+#ifdef __VPCLMULQDQ__
+// GCOVR_EXCL_START: runs only on processors that have the instructions
+
+using tFolded = tGroupBytes;
+
+__m256i fold(__m256i lanes, __m256i constants, __m256i bytes) noexcept {
+  const __m256i low = _mm256_clmulepi64_epi128(lanes, constants, 0x00);
+  const __m256i high = _mm256_clmulepi64_epi128(lanes, constants, 0x11);
+  const __m256i reversed = _mm256_shuffle_epi8(bytes, inBothLanes(kReversed));
+  return _mm256_xor_si256(_mm256_xor_si256(low, high), reversed);
+}
+
+void foldGroup(tFolded& folded, const tGroupBytes& bytes) noexcept {
+  const __m256i constants = _mm256_broadcastsi128_si256(load128(&kOverAGroup));
+  folded.lanes03 = fold(folded.lanes03, constants, bytes.lanes03);
+  folded.lanes14 = fold(folded.lanes14, constants, bytes.lanes14);
+  folded.lanes25 = fold(folded.lanes25, constants, bytes.lanes25);
+}
+
+tFolded beforeData() noexcept {
+  const __m256i zero = _mm256_setzero_si256();
+  return {zero, zero, _mm256_set_epi64x(0, bytesBeforeData(), 0, 0)};
+}
+
+uint32_t registerOf(const tFolded& folded) noexcept {
+  uint8_t bytes[kGroupBytes];
+  store128(bytes, bytesReversed(lowerLane(folded.lanes03)));
+  store128(bytes + 16, bytesReversed(lowerLane(folded.lanes14)));
+  store128(bytes + 32, bytesReversed(lowerLane(folded.lanes25)));
+  store128(bytes + 48, bytesReversed(upperLane(folded.lanes03)));
+  store128(bytes + 64, bytesReversed(upperLane(folded.lanes14)));
+  store128(bytes + 80, bytesReversed(upperLane(folded.lanes25)));
+  return updateRegister(0, bytes, sizeof bytes);
+}
+// GCOVR_EXCL_STOP
+
+#else
+
+struct tFolded {
+  __m128i lane0, lane1, lane2, lane3, lane4, lane5;
+};
+
 __m128i fold(__m128i lane, __m128i constants, __m128i bytes) noexcept {
   const __m128i low = _mm_clmulepi64_si128(lane, constants, 0x00);
   const __m128i high = _mm_clmulepi64_si128(lane, constants, 0x11);
-  return _mm_xor_si128(_mm_xor_si128(low, high), bytes);
+  return _mm_xor_si128(_mm_xor_si128(low, high), bytesReversed(bytes));
+}
+
+void foldGroup(tFolded& folded, const tGroupBytes& bytes) noexcept {
+  const __m128i constants = load128(&kOverAGroup);
+  folded.lane0 = fold(folded.lane0, constants, lowerLane(bytes.lanes03));
+  folded.lane1 = fold(folded.lane1, constants, lowerLane(bytes.lanes14));
+  folded.lane2 = fold(folded.lane2, constants, lowerLane(bytes.lanes25));
+  folded.lane3 = fold(folded.lane3, constants, upperLane(bytes.lanes03));
+  folded.lane4 = fold(folded.lane4, constants, upperLane(bytes.lanes14));
+  folded.lane5 = fold(folded.lane5, constants, upperLane(bytes.lanes25));
 }
 
 tFolded beforeData() noexcept {
@@ -175,6 +237,8 @@ uint32_t registerOf(const tFolded& folded) noexcept {
   store128(bytes + 80, bytesReversed(folded.lane5));
   return updateRegister(0, bytes, sizeof bytes);
 }
+
+#endif
 
 // ---- Sextets to bytes ----
 
@@ -210,16 +274,8 @@ __m256i gather(__m256i first, __m256i second, const tPlaces& places) noexcept {
                          _mm256_shuffle_epi8(second, inBothLanes(places.second)));
 }
 
-__m128i lowerLane(__m256i lanes) noexcept {
-  return _mm256_castsi256_si128(lanes);
-}
-__m128i upperLane(__m256i lanes) noexcept {
-  return _mm256_extracti128_si256(lanes, 1);
-}
-
 // Packs whole groups, and folds their bytes while they are in registers.
 void packGroups(const uint8_t* sextets, size_t groups, uint8_t* out, tFolded& folded) noexcept {
-  const __m128i constants = load128(&kOverAGroup);
   tFolded crc = folded;
   for (; groups > 0; --groups, sextets += kGroup, out += kGroupBytes) {
     const __m256i four0 = joinSextets(sextets);
@@ -238,12 +294,7 @@ void packGroups(const uint8_t* sextets, size_t groups, uint8_t* out, tFolded& fo
     store128(out + 48, upperLane(lanes03));
     store128(out + 64, upperLane(lanes14));
     store128(out + 80, upperLane(lanes25));
-    crc.lane0 = fold(crc.lane0, constants, bytesReversed(lowerLane(lanes03)));
-    crc.lane1 = fold(crc.lane1, constants, bytesReversed(lowerLane(lanes14)));
-    crc.lane2 = fold(crc.lane2, constants, bytesReversed(lowerLane(lanes25)));
-    crc.lane3 = fold(crc.lane3, constants, bytesReversed(upperLane(lanes03)));
-    crc.lane4 = fold(crc.lane4, constants, bytesReversed(upperLane(lanes14)));
-    crc.lane5 = fold(crc.lane5, constants, bytesReversed(upperLane(lanes25)));
+    foldGroup(crc, {lanes03, lanes14, lanes25});
   }
   folded = crc;
 }
@@ -315,6 +366,10 @@ const uint8_t* findByteOrNul(const uint8_t* text, const uint8_t* end, uint8_t by
 
 }  // namespace
 
+#ifdef __VPCLMULQDQ__
+const tKernels kAvx2WideKernels{"AVX2-VPCLMUL", &decode, &findByteOrNul};
+#else
 const tKernels kAvx2Kernels{"AVX2", &decode, &findByteOrNul};
+#endif
 
 }  // namespace nQUENRA1400::nFirmwareDecoding

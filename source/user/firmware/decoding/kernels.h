@@ -27,6 +27,7 @@ struct tKernels {
 
 extern const tKernels kPlainKernels;
 extern const tKernels kAvx2Kernels;
+extern const tKernels kAvx2WideKernels;
 extern const tKernels kAvx512Kernels;
 
 }  // namespace nQUENRA1400::nFirmwareDecoding

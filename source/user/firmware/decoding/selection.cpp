@@ -10,6 +10,10 @@ bool hasAvx2(const tProcessorFeatures& features) noexcept {
   return features.avx2 && features.pclmul && features.popcnt;
 }
 
+bool hasAvx2Wide(const tProcessorFeatures& features) noexcept {
+  return hasAvx2(features) && features.vpclmulqdq;
+}
+
 // Compilers take AVX-512 to include AVX2, and VPCLMULQDQ to include PCLMUL, and use their instructions in
 // the same file. A processor may report one without the other: a virtual machine can mask features
 // one by one.
@@ -24,6 +28,7 @@ bool always(const tProcessorFeatures&) noexcept {
 
 constexpr tChoice kChoices[] = {
     {kAvx512Kernels, &hasAvx512},
+    {kAvx2WideKernels, &hasAvx2Wide},
     {kAvx2Kernels, &hasAvx2},
     {kPlainKernels, &always},
 };

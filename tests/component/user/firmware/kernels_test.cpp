@@ -262,12 +262,15 @@ TEST(KernelSelection, ProcessorWithEveryFeature_GetsAvx512) {
   EXPECT_EQ(&kernelsFor(kEverything), &kAvx512Kernels);
 }
 
-TEST(KernelSelection, ProcessorWithoutAnyPartOfAvx512_GetsAvx2) {
+TEST(KernelSelection, ProcessorWithoutAnyPartOfAvx512_GetsAvx2WithWideMultiplication) {
   for (const auto feature : {&tProcessorFeatures::avx512f, &tProcessorFeatures::avx512bw,
-                             &tProcessorFeatures::avx512vbmi, &tProcessorFeatures::avx512vbmi2,
-                             &tProcessorFeatures::vpclmulqdq}) {
-    EXPECT_EQ(&kernelsFor(without(feature)), &kAvx2Kernels);
+                             &tProcessorFeatures::avx512vbmi, &tProcessorFeatures::avx512vbmi2}) {
+    EXPECT_EQ(&kernelsFor(without(feature)), &kAvx2WideKernels);
   }
+}
+
+TEST(KernelSelection, Avx512WithoutWideMultiplication_GetsAvx2) {
+  EXPECT_EQ(&kernelsFor(without(&tProcessorFeatures::vpclmulqdq)), &kAvx2Kernels);
 }
 
 TEST(KernelSelection, Avx512WithoutAnyPartOfAvx2_GetsPlain) {
