@@ -25,7 +25,7 @@ MAY_CALL_WINDOWS = (
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
     "tools/quenra/firmware/files.cpp",
     "tools/quenra/quenradll.h", "tools/quenra/update/updateonwindows.cpp",
-    "tests/",
+    "bench/", "tests/",
 )
 SKIPPED = {"build", ".git"}
 
