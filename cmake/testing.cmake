@@ -12,6 +12,11 @@ function(quenra_test name)
   target_link_libraries(${name} PRIVATE house_rules ${arg_LIBRARIES} gmock gtest_main)
   # Assertions expand to much code that runs once: optimizing it would take most of the build time.
   target_compile_options(${name} PRIVATE -O0)
+  if(WIN32 AND CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    # Complete debug information names thread-local variables, which have no symbol of their own in the
+    # emulated form.
+    target_compile_options(${name} PRIVATE -gline-tables-only)
+  endif()
   if(WIN32)
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK simulated_machine TIMEOUT 300)
