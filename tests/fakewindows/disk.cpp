@@ -117,6 +117,15 @@ DWORD sharedAccess(DWORD access) {
          ((access & DELETE) != 0 ? FILE_SHARE_DELETE : 0u);
 }
 
+tDiskFile openedAt(const fs::path& path, DWORD access, DWORD sharing) {
+  tDiskFile file;
+  file.path = path;
+  file.access = access;
+  file.uses = sharedAccess(access);
+  file.sharing = sharing;
+  return file;
+}
+
 tDiskFile& fileOf(HANDLE handle, tCall call) {
   tDiskFile* const file = objects().find<tDiskFile>(handle);
   if (file == nullptr) {
@@ -249,11 +258,7 @@ HANDLE createNewFile(LPCSTR name, DWORD access, DWORD sharing, DWORD flags) {
       (fs::exists(path, error) && (attributesOf(path) & FILE_ATTRIBUTE_READONLY) != 0)) {
     return failToOpen(ERROR_ACCESS_DENIED);
   }
-  tDiskFile file;
-  file.path = path;
-  file.access = access;
-  file.uses = sharedAccess(access);
-  file.sharing = sharing;
+  tDiskFile file = openedAt(path, access, sharing);
   const std::lock_guard lock(objects().mutex);
   if (!objects().mayOpen(path, file.uses, sharing)) {
     return failToOpen(ERROR_SHARING_VIOLATION);
@@ -363,12 +368,7 @@ HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD sharing, LPSECURITY_
   if (!objects().mayOpen(path, sharedAccess(access), sharing)) {
     return failToOpen(ERROR_SHARING_VIOLATION);
   }
-  tDiskFile file;
-  file.path = path;
-  file.access = access;
-  file.uses = sharedAccess(access);
-  file.sharing = sharing;
-  return objects().add(file);
+  return objects().add(openedAt(path, access, sharing));
 }
 
 BOOL WINAPI GetFileInformationByHandle(HANDLE handle, BY_HANDLE_FILE_INFORMATION* information) {
