@@ -28,8 +28,8 @@
 
 namespace {
 
-using nBench::fail;
 using nBench::repeated;
+using nBench::require;
 using nBench::tBound;
 using nBench::tReport;
 
@@ -38,12 +38,6 @@ constexpr bool kIsWindows = true;
 #else
 constexpr bool kIsWindows = false;
 #endif
-
-void require(bool isTrue, const std::string& what) {
-  if (!isTrue) {
-    fail(what);
-  }
-}
 
 template <class Type>
 uint64_t addressOf(Type* object) {

@@ -161,6 +161,12 @@ size_t slowestOf(const std::vector<tLoop>& loops, int rounds) {
   return static_cast<size_t>(std::max_element(seconds.begin(), seconds.end()) - seconds.begin());
 }
 
+void require(bool isTrue, const std::string& what) {
+  if (!isTrue) {
+    fail(what);
+  }
+}
+
 tReport::tReport(int& argc, char** argv) {
   if (argc >= 3 && argv[argc - 2] == std::string_view("--json")) {
     file_ = argv[argc - 1];

@@ -122,6 +122,8 @@ class tReport {
 
 // Ends the program with a message.
 [[noreturn]] void fail(const std::string& what);
+// Does so unless the condition holds.
+void require(bool isTrue, const std::string& what);
 
 }  // namespace nBench
 

@@ -16,16 +16,10 @@
 
 namespace {
 
-using nBench::fail;
 using nBench::repeated;
+using nBench::require;
 using nBench::tBound;
 using nBench::tReport;
-
-void require(bool isTrue, const std::string& what) {
-  if (!isTrue) {
-    fail(what);
-  }
-}
 
 // The path of a file beside this program.
 std::string besideProgram(const std::string& name) {
