@@ -148,7 +148,7 @@ bool tTextReading::readField(tFieldId field, uint32_t instance) const noexcept {
     status_.mergeFrom(failure.record());
   }
   mergeProviderResult(failure.code(), status_);
-  return failure.code() == 0;
+  return false;
 }
 
 // Reports that the attribute is not supported, and clears the buffer, which holds a placeholder.
