@@ -222,8 +222,8 @@ def count_scenario(program, name, repetitions, root):
     paths = {file: repository_path(file, root) for file in {function.file for function in
              {*profile.own, *(callee for _, callee in profile.calls)}}}
     if not any(path.startswith("bench/") for path in paths.values()):
-        sys.exit("check_instructions: the program has no debug information, which tells the library from the "
-                 "fake Windows. The build folder is older than its preset: remove build/bench.")
+        sys.exit("check_instructions: cannot distinguish the library from the fake Windows: the program has no "
+                 "debug information. Remove build/bench, which is older than its preset.")
     costs = library_costs(
         profile, lambda function: paths.get(function.file, "").startswith(EXCLUDED_FOLDERS))
     return Count.of(((f"{short_name(function.name)} ({pathlib.PurePath(paths[function.file]).name})", cost)

@@ -115,7 +115,7 @@ inline removeRequest(request) {
   }
 }
 
-/* resolve: `known` tells whether the packet is that of a sent request. */
+/* resolve. Sets `known` if the packet belongs to a sent request. */
 inline resolve(request, known) {
   atomic {
     known = requests[request].isEntered && requests[request].state == sent &&
