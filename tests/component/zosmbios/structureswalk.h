@@ -5,24 +5,23 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace nTests {
 
-// The structures of a table, found byte by byte: the reference for provider, walk and index.
+// The structures of a table, found by a linear search: the reference for provider, walk and index.
 struct tWalkedStructure {
   size_t offset;
   uint8_t type;
 };
 
-// The two NULs that end a structure; the table's size when there are none.
+// The offset after the two NULs that end a structure; the table's size when there are none.
 inline size_t endOfStrings(std::span<const uint8_t> table, size_t from) {
-  for (size_t i = from; i + 1 < table.size(); ++i) {
-    if (table[i] == 0 && table[i + 1] == 0) {
-      return i + 2;
-    }
-  }
-  return table.size();
+  constexpr std::string_view kTwoNuls("\0\0", 2);
+  const std::string_view bytes(reinterpret_cast<const char*>(table.data()), table.size());
+  const size_t nuls = bytes.find(kTwoNuls, from);
+  return nuls == std::string_view::npos ? table.size() : nuls + kTwoNuls.size();
 }
 
 inline std::vector<tWalkedStructure> walkStructures(std::span<const uint8_t> table) {
