@@ -21,10 +21,12 @@ void copyExtension(const tStatus& from, tStatus& to) noexcept {
   }
 }
 
+// `status` holds no error, so that of the transport replaces its code.
 void mergeTransportFailure(const tStatus& transport, tStatus& status) noexcept {
   const bool full = transport.isFull();
   const tSourceLocation location = full ? transport.location() : tSourceLocation{"", 0, ""};
-  if (mergeStatus(status, transport.code, location) && full && status.isFull()) {
+  mergeStatus(status, transport.code, location);
+  if (full && status.isFull()) {
     copyExtension(transport, status);
   }
 }
