@@ -12,9 +12,7 @@
 namespace zoerr {
 namespace {
 
-constexpr bool isBlank(char c) noexcept {
-  return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
+constexpr std::string_view kBlanks = " \t\n\r";
 
 constexpr char closerOf(char opener) noexcept {
   return opener == '{' ? '}' : ']';
@@ -41,11 +39,6 @@ std::optional<size_t> findCloser(std::string_view text) noexcept {
     }
   }
   return std::nullopt;
-}
-
-bool isEmptyContainer(std::string_view text) noexcept {
-  const auto next = std::find_if_not(text.begin() + 1, text.end(), isBlank);
-  return next != text.end() && *next == closerOf(text.front());
 }
 
 // The text of a buffer; none if the marker or the NUL is missing or the text is not a container.
@@ -120,7 +113,7 @@ tSpace makeSpace(char* buffer, uint32_t capacity, std::string_view key,
     return {tAppendResult::unusable, nullptr, false};
   }
   const bool keyed = text->front() == '{';
-  const bool comma = !isEmptyContainer(*text);
+  const bool comma = text->find_first_not_of(kBlanks, 1) != *closer;
   const size_t needed = valueLength + (keyed ? escapedLength(key) + 3 : 0) + (comma ? 1 : 0);
   const char* const zeros = buffer + text->size() + 1;
   const char* const endOfZeros = std::find_if(
