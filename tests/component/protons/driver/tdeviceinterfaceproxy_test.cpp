@@ -20,6 +20,7 @@ using nFakeWindows::machine;
 using nFakeWindows::tCall;
 using nFakeWindows::tCompletion;
 using nQUENRA1400::nZOAPAL000::tDeviceInterfaceProxy;
+using nQUENRA1400::nZOAPAL000::tPortRegistry;
 using nZOAPALS100::tStatus;
 using tBytes = std::vector<uint8_t>;
 
@@ -284,6 +285,18 @@ TEST_F(DeviceInterfaceProxy, DeliveryOnAStatusInError_CallsNothing) {
   EXPECT_FALSE(proxy.associate(nullptr, nullptr, status));
   EXPECT_EQ(status.code, -1);
   EXPECT_EQ(faultPlan().callCount(), 0u);
+}
+
+// A closed port's handle value may return as that of another port, with another registry.
+TEST_F(DeviceInterfaceProxy, AnotherRegistryOfTheSamePort_IsAnotherAssociation) {
+  open();
+  const HANDLE port = CreateIoCompletionPort(INVALID_HANDLE_VALUE, nullptr, 0, 0);
+  EXPECT_TRUE(proxy.associate(std::make_shared<tPortRegistry>(), port, status));
+  EXPECT_EQ(status.code, QUENRA_STATUS_SUCCESS);
+  EXPECT_FALSE(proxy.associate(std::make_shared<tPortRegistry>(), port, status));
+  expectFailure(QUENRA_STATUS_INVALID_PARAMETER, 315);
+  proxy.close();
+  CloseHandle(port);
 }
 
 // ---- Byte counts and buffers, with a driver that serves reads and writes ----

@@ -55,6 +55,15 @@ std::ostream& operator<<(std::ostream& out, const tAppend& append) {
   return out << append.before;
 }
 
+TEST(DescriptionText, BufferOfNoBytes_IsEmptyAndNotRead) {
+  EXPECT_EQ(zoerr::descriptionText("text", 0), "");
+}
+
+TEST(DescriptionText, NoBuffer_IsEmptyWhateverItsCapacity) {
+  EXPECT_EQ(zoerr::descriptionText(nullptr, 0), "");
+  EXPECT_EQ(zoerr::descriptionText(nullptr, 512), "");
+}
+
 class AppendToContainer : public testing::TestWithParam<tAppend> {};
 
 TEST_P(AppendToContainer, Text_GoesToTheEndOfTheTopLevel) {

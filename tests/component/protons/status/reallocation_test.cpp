@@ -178,6 +178,22 @@ TEST_F(ClientReallocation, RefusedAfterAMember_KeepsTheMembersThatFit) {
   EXPECT_EQ(descriptionOf(status), R"({"file":"file"})");
 }
 
+TEST_F(ClientReallocation, RefusedForTheComponent_KeepsFileAndLine) {
+  zoerr::Status status = tClientHeap::statusWithDescription(30);
+  status.reallocate = &tClientHeap::refuse;
+  EXPECT_TRUE(status.set(-3, {"file", 1}));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_EQ(descriptionOf(status), R"({"file":"file","line":1})");
+}
+
+TEST_F(ClientReallocation, RefusedAfterTheConstant_KeepsTheConstant) {
+  zoerr::Status status = tClientHeap::statusWithDescription(36);
+  status.reallocate = &tClientHeap::refuse;
+  EXPECT_TRUE(status.setWithConstant(-3, kPlace));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_EQ(descriptionOf(status), R"({"error_constant":"constant"})");
+}
+
 TEST_F(ClientReallocation, PretendedAfterAMember_KeepsTheMembersThatFit) {
   zoerr::Status status = tClientHeap::statusWithDescription(24);
   status.reallocate = &tClientHeap::pretend;

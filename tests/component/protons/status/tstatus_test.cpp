@@ -21,6 +21,7 @@ using nZOAPALS100::mergeStatus;
 using nZOAPALS100::mergeWin32Error;
 using nZOAPALS100::mergeWin32Failure;
 using nZOAPALS100::statusOfWin32Error;
+using nZOAPALS100::tFailureRecord;
 using nZOAPALS100::tStatus;
 
 // ---- Merging ----
@@ -312,6 +313,27 @@ TEST(Win32Failure, WithAnError_HasItsCode) {
   tStatus status;
   mergeWin32Failure(170, status, {"some file", 77});
   EXPECT_EQ(status.code, QUENRA_STATUS_BUSY);
+}
+
+// ---- A record that exists from the first failure on ----
+
+TEST(FailureRecord, FirstCode_CreatesIt) {
+  tFailureRecord failure;
+  EXPECT_FALSE(failure.exists());
+  failure.merge(-1, {"some file", 77});
+  ASSERT_TRUE(failure.exists());
+  EXPECT_EQ(failure.code(), -1);
+  EXPECT_STREQ(failure.record().file, "some file");
+}
+
+TEST(FailureRecord, FurtherCodes_FollowTheMergeRule) {
+  tFailureRecord failure;
+  failure.merge(1, {"warning", 1});
+  failure.merge(-1, {"error", 2});
+  failure.merge(-2, {"second error", 3});
+  EXPECT_EQ(failure.code(), -1);
+  EXPECT_STREQ(failure.record().file, "error");
+  EXPECT_EQ(failure.record().line, 2u);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "quenra_status.h"
 #include "tests/component/protons/status/descriptiontext.h"
@@ -326,6 +327,43 @@ TEST(MergeFrom, GrowthRefusedLater_FailsAndLeavesAValidDescription) {
   EXPECT_FALSE(status.mergeFrom(driverStatus(-3, {file.c_str(), 1})));
   EXPECT_EQ(status.code, -3);
   EXPECT_TRUE(isJson(descriptionOf(status)));
+}
+
+std::string repeated(std::string_view text, size_t count) {
+  std::string all;
+  for (; count > 0; --count) {
+    all += text;
+  }
+  return all;
+}
+
+TEST(MergeFrom, GrowthRefusedForTheLine_FailsAndKeepsTheFile) {
+  const tClientHeap client;
+  zoerr::Status status = tClientHeap::statusWithDescription(258);
+  status.reallocate = &tClientHeap::refuse;
+  const std::string file = repeated("\x01", 40);
+  EXPECT_FALSE(status.mergeFrom(driverStatus(-3, {file.c_str(), 1, ""})));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_EQ(descriptionOf(status), R"({"file":")" + repeated("\\u0001", 40) + R"("})");
+}
+
+TEST(MergeFrom, GrowthRefusedForTheComponent_FailsAndKeepsFileAndLine) {
+  const tClientHeap client;
+  zoerr::Status status = tClientHeap::statusWithDescription(258);
+  status.reallocate = &tClientHeap::refuse;
+  const std::string file = repeated("\x01", 38);
+  EXPECT_FALSE(status.mergeFrom(driverStatus(-3, {file.c_str(), 1})));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_EQ(descriptionOf(status), R"({"file":")" + repeated("\\u0001", 38) + R"(","line":1})");
+}
+
+TEST(MergeFrom, RefusedMemoryForAComponentAlone_FailsAndKeepsTheCode) {
+  const tClientHeap client;
+  zoerr::Status status;
+  status.reallocate = &tClientHeap::refuse;
+  EXPECT_FALSE(status.mergeFrom(driverStatus(-3, {"", 0, "quenra"})));
+  EXPECT_EQ(status.code, -3);
+  EXPECT_EQ(status.description, nullptr);
 }
 
 // The result reports failed allocations only: a description that rejects members is not one.

@@ -221,5 +221,13 @@ TEST(FieldText, WithAQuoteThatIsNeverClosed_IsNone) {
   EXPECT_EQ(withoutQuotes("a\"b"), std::nullopt);
 }
 
+TEST(TextRange, Contains_NoRangeThatCrossesAnEnd) {
+  constexpr tTextRange kRange{10, 20};
+  EXPECT_TRUE(kRange.contains({10, 20}));
+  EXPECT_TRUE(kRange.contains({11, 19}));
+  EXPECT_FALSE(kRange.contains({9, 15}));
+  EXPECT_FALSE(kRange.contains({15, 21}));
+}
+
 }  // namespace
 }  // namespace nTests
