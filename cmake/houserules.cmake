@@ -11,6 +11,7 @@ target_compile_options(house_rules INTERFACE
 set(QUENRA_SANITIZERS "" CACHE STRING "Sanitizers of a native build, in the form of -fsanitize=")
 option(QUENRA_NATIVE_LIBRARY "Build the library as a shared library of this system, for bindings" OFF)
 option(QUENRA_COVERAGE "Count, in a native build, which lines and branches run" OFF)
+option(QUENRA_CONDITIONS "With QUENRA_COVERAGE: count the outcomes of conditions; GCC 14 or newer" OFF)
 
 # The oldest Windows that the library supports: 6.2, which is Windows 8 and Windows Server 2012. The
 # headers hide newer functions, the loader of an older system refuses the images, and the tests
@@ -44,5 +45,9 @@ else()
     # Plain counters would lose increments of parallel threads, and even become negative.
     add_compile_options(--coverage -fprofile-update=atomic)
     add_link_options(--coverage)
+    if(QUENRA_CONDITIONS)
+      # An expression of more than 64 conditions would be left out.
+      add_compile_options(-fcondition-coverage -Werror=coverage-too-many-conditions)
+    endif()
   endif()
 endif()
