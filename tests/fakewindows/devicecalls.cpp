@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <bit>
-#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <system_error>
 
 #include "tests/fakewindows/disk.h"
@@ -17,6 +17,14 @@
 using namespace nFakeWindows;
 
 namespace {
+
+tSubject subjectOf(HANDLE handle) {
+  return {"handle", reinterpret_cast<uintptr_t>(handle)};
+}
+
+tSubject subjectOf(const OVERLAPPED* overlapped) {
+  return {"OVERLAPPED", reinterpret_cast<uintptr_t>(overlapped)};
+}
 
 std::string classText(const GUID& interfaceClass) {
   return std::to_string(interfaceClass.Data1);
@@ -55,6 +63,25 @@ BOOL refuseTransfer(OVERLAPPED* overlapped, DWORD error) {
   }
   SetLastError(error);
   return FALSE;
+}
+
+// Lets the driver complete a request: in a run of the scheduler as an event, otherwise on a thread.
+void completeLater(tCompletion completion, const OVERLAPPED* overlapped,
+                   const std::function<void()>& finish) {
+  const auto mayComplete = [completion] {
+    return completion != tCompletion::uncancellable ||
+           faultPlan().callCount(tCall::cancelIoEx) != 0;
+  };
+  if (tScheduler::isActive()) {
+    scheduler().postEvent("completion", overlapped, mayComplete, finish);
+    return;
+  }
+  objects().startThread("driver", [mayComplete, finish] {
+    do {
+      Sleep(1);
+    } while (!mayComplete());
+    finish();
+  });
 }
 
 // The common part of the three kinds of transfer. `work` performs the transfer.
@@ -96,6 +123,9 @@ BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* ov
     if (event != nullptr) {
       event->signalled = false;
     }
+    if (started.find(*overlapped) != started.pending.end()) {
+      stop(nameOf(call), "the OVERLAPPED of a request that is pending");
+    }
     overlapped->Internal = kStatusPending;
     started.pending.push_back({overlapped, out});
   }
@@ -119,13 +149,7 @@ BOOL transfer(tCall call, HANDLE handle, void* out, DWORD* bytes, OVERLAPPED* ov
     return outcome.error == 0;
   }
   if (completion != tCompletion::never) {
-    objects().addThread(std::thread([finish, file, completion] {
-      do {
-        Sleep(1);
-      } while (completion == tCompletion::uncancellable &&
-               faultPlan().callCount(tCall::cancelIoEx) == 0);
-      finish(file);
-    }));
+    completeLater(completion, overlapped, [finish, file] { finish(file); });
   }
   SetLastError(ERROR_IO_PENDING);
   return FALSE;
@@ -247,6 +271,7 @@ HANDLE WINAPI CreateFileA(LPCSTR path, DWORD access, DWORD sharing, SECURITY_ATT
 BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, LPVOID out,
                             DWORD outSize, LPDWORD bytes, LPOVERLAPPED overlapped) {
   const tInside inside;
+  scheduler().point(nameOf(tCall::deviceIoControl), {tSubject::kCode, code});
   if (const auto error = faultPlan().enter(tCall::deviceIoControl, std::to_string(code))) {
     return refuseTransfer(overlapped, *error);
   }
@@ -261,6 +286,7 @@ BOOL WINAPI DeviceIoControl(HANDLE handle, DWORD code, LPVOID in, DWORD inSize, 
 BOOL WINAPI ReadFile(HANDLE handle, LPVOID out, DWORD size, LPDWORD bytes,
                      LPOVERLAPPED overlapped) {
   const tInside inside;
+  scheduler().point(nameOf(tCall::readFile), subjectOf(handle));
   if (const auto error = faultPlan().enter(tCall::readFile)) {
     return refuseTransfer(overlapped, *error);
   }
@@ -276,6 +302,7 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID out, DWORD size, LPDWORD bytes,
 BOOL WINAPI WriteFile(HANDLE handle, LPCVOID in, DWORD size, LPDWORD bytes,
                       LPOVERLAPPED overlapped) {
   const tInside inside;
+  scheduler().point(nameOf(tCall::writeFile), subjectOf(handle));
   if (const auto error = faultPlan().enter(tCall::writeFile)) {
     return refuseTransfer(overlapped, *error);
   }
@@ -303,7 +330,8 @@ BOOL WINAPI GetOverlappedResult(HANDLE, LPOVERLAPPED overlapped, LPDWORD bytes, 
     return FALSE;
   }
   std::unique_lock lock(objects().mutex);
-  objects().changed.wait(lock, [=] { return overlapped->Internal != kStatusPending; });
+  static_cast<void>(objects().waitUntil(lock, nameOf(kCall), subjectOf(overlapped), INFINITE,
+                                        [=] { return overlapped->Internal != kStatusPending; }));
   *bytes = static_cast<DWORD>(overlapped->InternalHigh);
   const auto status = static_cast<DWORD>(overlapped->Internal);
   if (status != 0) {
@@ -312,13 +340,43 @@ BOOL WINAPI GetOverlappedResult(HANDLE, LPOVERLAPPED overlapped, LPDWORD bytes, 
   return status == 0;
 }
 
+namespace {
+
+// In a run of the scheduler the driver obeys a cancellation at any later time, as drivers do: posts
+// that event for a pending request. False if there is no run, or if the request is not pending.
+bool cancelsLater(HANDLE handle, OVERLAPPED* overlapped) {
+  if (!tScheduler::isActive()) {
+    return false;
+  }
+  const auto isPending = [handle, overlapped] {
+    const std::lock_guard lock(objects().mutex);
+    tFile* const file = objects().find<tFile>(handle);
+    return file != nullptr && file->find(*overlapped) != file->pending.end();
+  };
+  const bool mayBeCancelled = isPending() && faultPlan().completion() != tCompletion::uncancellable;
+  if (mayBeCancelled && !scheduler().hasEvent("cancellation", overlapped)) {
+    scheduler().postEvent("cancellation", overlapped, nullptr, [overlapped] {
+      static_cast<void>(machine().cancel(reinterpret_cast<uintptr_t>(overlapped)));
+      const std::lock_guard lock(objects().mutex);
+      objects().complete(*overlapped, ERROR_OPERATION_ABORTED, 0);
+    });
+  }
+  return mayBeCancelled;
+}
+
+}  // namespace
+
 BOOL WINAPI CancelIoEx(HANDLE handle, LPOVERLAPPED overlapped) {
   const tInside inside;
   constexpr auto kCall = tCall::cancelIoEx;
   expectSupported(overlapped != nullptr, kCall, "only one request can be cancelled");
+  scheduler().point(nameOf(kCall), subjectOf(overlapped));
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return FALSE;
+  }
+  if (cancelsLater(handle, overlapped)) {
+    return TRUE;
   }
   // A request that the machine keeps pending ...
   const bool cancelled = machine().cancel(reinterpret_cast<uintptr_t>(overlapped));
@@ -350,14 +408,15 @@ std::optional<tModelFile> modelFileOf(HANDLE handle) {
 // Returns the kind of the closed object; ends the program if CloseHandle rejects the handle.
 const char* closeObject(HANDLE handle) {
   // Waits for requests that another thread has just cancelled and is about to complete.
-  constexpr auto kTimeout = std::chrono::seconds(5);
+  constexpr DWORD kTimeoutMilliseconds = 5000;
   std::unique_lock lock(objects().mutex);
   const auto nothingIsPending = [handle] {
     const tFile* const file = objects().find<tFile>(handle);
     return file == nullptr || file->pending.empty();
   };
-  expectSupported(objects().changed.wait_for(lock, kTimeout, nothingIsPending), tCall::closeHandle,
-                  "a file with a pending request that no thread ends");
+  expectSupported(objects().waitUntil(lock, nameOf(tCall::closeHandle), subjectOf(handle),
+                                      kTimeoutMilliseconds, nothingIsPending),
+                  tCall::closeHandle, "a file with a pending request that no thread ends");
   const char* const kind = objects().kindOf(handle);
   expectSupported(kind != nullptr && objects().find<tDeviceInformationSet>(handle) == nullptr,
                   tCall::closeHandle, "nothing that can be closed, or closed already");
@@ -374,6 +433,7 @@ const char* closeObject(HANDLE handle) {
 
 BOOL WINAPI CloseHandle(HANDLE handle) {
   const tInside inside;
+  scheduler().point(nameOf(tCall::closeHandle), subjectOf(handle));
   const std::optional<tModelFile> file = modelFileOf(handle);
   if (file) {
     machine().cleanUp(*file);

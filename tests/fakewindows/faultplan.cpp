@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <numeric>
 
+#include "tests/fakewindows/scheduler.h"
+
 namespace nFakeWindows {
 namespace {
 
@@ -15,6 +17,14 @@ union tLastingPlan {
   tFaultPlan plan;
 };
 constinit tLastingPlan thePlan;
+
+// ERROR_NOT_ENOUGH_MEMORY, with which any call may fail.
+constexpr uint32_t kFaultOfASchedule = 8;
+
+// Calls that report their failure, on a path that concerns other threads.
+constexpr bool mayFailInASchedule(tCall call) {
+  return call >= tCall::createFile && call <= tCall::postQueuedCompletionStatus;
+}
 
 constexpr const char* kNames[kCalls] = {
     "SetupDiGetClassDevsA",
@@ -182,6 +192,9 @@ std::optional<uint32_t> tFaultPlan::enter(tCall call, std::string argument) {
   if (hook) {
     hook();
   }
+  if (!error && mayFailInASchedule(call) && scheduler().fails(nameOf(call))) {
+    error = kFaultOfASchedule;
+  }
   return error;
 }
 
@@ -190,6 +203,10 @@ thread_local int tOffTheRecord::depth = 0;
 
 void stop(const char* function, const char* what) {
   std::fprintf(stderr, "the fake Windows: %s: %s\n", function, what);
+  if (tScheduler::isActive()) {
+    const tInside inside;
+    std::fputs(scheduler().table().c_str(), stderr);
+  }
   std::abort();
 }
 

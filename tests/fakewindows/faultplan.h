@@ -176,7 +176,8 @@ class tOffTheRecord {
   const tInside inside_;
 };
 
-// Ends the program with a message: the library called the function in a way that it never should.
+// Ends the program with a message, and the schedule of a run: the library called the function in a
+// way that it never should.
 [[noreturn]] void stop(const char* function, const char* what);
 
 // Ends the program unless the fake supports the arguments of the call.

@@ -133,6 +133,27 @@ void tObjects::handOver(const OVERLAPPED& overlapped, const void* reply, size_t 
   }
 }
 
+bool tObjects::mayBeWritten(const void* memory, size_t size) const {
+  const auto* const first = static_cast<const std::byte*>(memory);
+  const auto isInside = [first, size](const void* address) {
+    const auto* const byte = static_cast<const std::byte*>(address);
+    return std::greater_equal<>()(byte, first) && std::less<>()(byte, first + size);
+  };
+  return std::any_of(objects_.begin(), objects_.end(), [&](const auto& entry) {
+    const tFile* const file = std::get_if<tFile>(&entry.second);
+    const tPort* const port = std::get_if<tPort>(&entry.second);
+    return (file != nullptr && std::any_of(file->pending.begin(), file->pending.end(),
+                                           [&](const tTransfer& transfer) {
+                                             return isInside(transfer.overlapped) ||
+                                                    isInside(transfer.out);
+                                           })) ||
+           (port != nullptr &&
+            std::any_of(port->packets.begin(), port->packets.end(), [&](const tPacket& packet) {
+              return packet.carriesStatus && isInside(packet.overlapped);
+            }));
+  });
+}
+
 void tObjects::refuse(OVERLAPPED& overlapped) {
   if (tFile* const file = fileOf(overlapped)) {
     file->pending.erase(file->find(overlapped));
@@ -147,6 +168,7 @@ void tObjects::complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes) {
     return;
   }
   file->pending.erase(file->find(overlapped));
+  scheduler().withdrawEvents(&overlapped);
   const bool completesToPort = file->port != nullptr && !suppressesPacket(overlapped);
   const bool isDeferred = completesToPort && finalStatus_ == tFinalStatus::atDequeue;
   if (completesToPort) {
@@ -187,9 +209,13 @@ void tObjects::losePackets(const tPort& port) {
                     [](const tPacket& packet) { return packet.overlapped != nullptr; }));
 }
 
-void tObjects::addThread(std::thread thread) {
+void tObjects::startThread(std::string name, std::function<void()> routine) {
+  if (tScheduler::isActive()) {
+    scheduler().start(std::move(name), std::move(routine));
+    return;
+  }
   const std::lock_guard lock(mutex);
-  threads_.push_back(std::move(thread));
+  threads_.emplace_back(std::move(routine));
 }
 
 void tObjects::waitForThreads() {

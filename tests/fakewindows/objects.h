@@ -4,10 +4,12 @@
 #include <windows.h>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -19,6 +21,7 @@
 
 #include "simulator/model/model.h"
 #include "tests/fakewindows/machine.h"
+#include "tests/fakewindows/scheduler.h"
 
 namespace nFakeWindows {
 
@@ -101,6 +104,29 @@ class tObjects {
   // Notified when an object is signalled or a request completes.
   std::condition_variable changed;
 
+  // Waits for a condition on objects, with the lock held before and after; false after the time-out.
+  template <class Condition>
+  [[nodiscard]] bool waitUntil(std::unique_lock<std::mutex>& lock, const char* call,
+                               tSubject subject, DWORD milliseconds, Condition condition) {
+    if (tScheduler::isActive()) {
+      lock.unlock();
+      const bool isTrue = scheduler().await(
+          call, subject,
+          [this, &condition] {
+            const std::lock_guard guard(mutex);
+            return condition();
+          },
+          milliseconds == INFINITE ? std::nullopt : std::optional<uint64_t>(milliseconds));
+      lock.lock();
+      return isTrue;
+    }
+    if (milliseconds == INFINITE) {
+      changed.wait(lock, condition);
+      return true;
+    }
+    return changed.wait_for(lock, std::chrono::milliseconds(milliseconds), condition);
+  }
+
   [[nodiscard]] HANDLE add(tObject object);
   // Null if the handle is not of an object of this type. Ignores the lowest bit of the handle.
   template <class Object>
@@ -129,6 +155,9 @@ class tObjects {
 
   // Copies a reply to the output buffer of the request that uses an OVERLAPPED.
   void handOver(const OVERLAPPED& overlapped, const void* reply, size_t size);
+  // True if Windows may still write to memory in this range: a request is pending, or its packet,
+  // which carries the final status, is in a port.
+  [[nodiscard]] bool mayBeWritten(const void* memory, size_t size) const;
   // Completes the request that uses an OVERLAPPED and queues a packet to the port of its file,
   // unless the low bit of hEvent suppresses it.
   void complete(OVERLAPPED& overlapped, DWORD error, DWORD bytes);
@@ -148,8 +177,9 @@ class tObjects {
   // dequeued. Their OVERLAPPED never receives a final status.
   [[nodiscard]] unsigned takeLostPackets() { return lostPackets_.exchange(0); }
 
-  // Threads that the library started or that complete requests. waitForThreads() joins them.
-  void addThread(std::thread thread);
+  // Starts a thread: of the library, or one that completes requests. waitForThreads() joins it, unless
+  // it belongs to a run of the scheduler.
+  void startThread(std::string name, std::function<void()> routine);
   void waitForThreads();
 
  private:

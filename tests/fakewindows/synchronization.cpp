@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <memory>
@@ -20,28 +21,56 @@ namespace {
 constinit std::atomic<int> criticalSectionsAlive = 0;
 constinit std::atomic<unsigned> criticalSectionEntries = 0;
 
-// The lock that implements a section. A member of the section that is otherwise unused stores it.
-std::recursive_mutex* mutexOf(CRITICAL_SECTION* section, const char* function) {
+// Its address identifies the thread.
+constinit thread_local char thisThread = 0;
+
+// Implements a critical section. A member of the section that is otherwise unused refers to it.
+struct tSection {
+  std::recursive_mutex mutex;
+  std::atomic<const void*> owner = nullptr;
+  unsigned depth = 0;
+};
+
+tSection& implementationOf(CRITICAL_SECTION* section, const char* function) {
   if (section->LockSemaphore == nullptr) {
     stop(function, "the critical section is not initialised");
   }
-  return static_cast<std::recursive_mutex*>(section->LockSemaphore);
+  return *static_cast<tSection*>(section->LockSemaphore);
+}
+
+tSubject subjectOf(const CRITICAL_SECTION* section) {
+  return {"critical section", reinterpret_cast<uintptr_t>(section)};
 }
 
 constinit std::atomic<unsigned> sharedAcquisitions = 0;
 constinit std::atomic<unsigned> exclusiveAcquisitions = 0;
 
-// Maps the address of a lock to the mutex that implements it. Windows has no call to destroy a
-// lock, so a mutex exists until the program ends; a new lock at the same address finds it unlocked.
-std::shared_mutex& mutexOf(const SRWLOCK* lock) {
+// Implements a slim reader/writer lock.
+struct tSlimLock {
+  std::shared_mutex mutex;
+  std::atomic<const void*> writer = nullptr;
+  std::atomic<int> readers = 0;
+};
+
+// Maps the address of a lock to its implementation. Windows has no call to destroy a lock, so an
+// implementation exists until the program ends; a new lock at the same address finds it unlocked.
+tSlimLock& implementationOf(const SRWLOCK* lock) {
   static std::mutex& tableMutex = *new std::mutex;
-  static auto& table = *new std::unordered_map<const SRWLOCK*, std::unique_ptr<std::shared_mutex>>;
+  static auto& table = *new std::unordered_map<const SRWLOCK*, std::unique_ptr<tSlimLock>>;
   const std::lock_guard guard(tableMutex);
-  std::unique_ptr<std::shared_mutex>& found = table[lock];
+  std::unique_ptr<tSlimLock>& found = table[lock];
   if (!found) {
-    found = std::make_unique<std::shared_mutex>();
+    found = std::make_unique<tSlimLock>();
   }
   return *found;
+}
+
+tSubject subjectOf(const SRWLOCK* lock) {
+  return {"lock", reinterpret_cast<uintptr_t>(lock)};
+}
+
+tSubject subjectOf(HANDLE handle) {
+  return {"handle", reinterpret_cast<uintptr_t>(handle)};
 }
 
 }  // namespace
@@ -84,21 +113,22 @@ namespace {
 // Blocks until an object is signalled and returns its index.
 size_t waitForAny(tCall call, std::span<const HANDLE> handles) {
   std::unique_lock lock(objects().mutex);
-  for (;;) {
-    for (size_t i = 0; i < handles.size(); ++i) {
-      const std::optional<bool> signalled = objects().isSignalled(handles[i]);
+  const auto firstSignalled = [call, handles] {
+    return std::find_if(handles.begin(), handles.end(), [call](HANDLE handle) {
+      const std::optional<bool> signalled = objects().isSignalled(handle);
       expectSupported(signalled.has_value(), call,
                       "neither an event nor a thread, or closed already");
-      if (*signalled) {
-        tEvent* const event = objects().find<tEvent>(handles[i]);
-        if (event != nullptr && !event->manualReset) {
-          event->signalled = false;
-        }
-        return i;
-      }
-    }
-    objects().changed.wait(lock);
+      return *signalled;
+    });
+  };
+  static_cast<void>(objects().waitUntil(lock, nameOf(call), subjectOf(handles.front()), INFINITE,
+                                        [&] { return firstSignalled() != handles.end(); }));
+  const auto found = firstSignalled();
+  tEvent* const event = objects().find<tEvent>(*found);
+  if (event != nullptr && !event->manualReset) {
+    event->signalled = false;
   }
+  return static_cast<size_t>(found - handles.begin());
 }
 
 // The run time of a program in milliseconds; none for other handles.
@@ -139,12 +169,20 @@ DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL all
 }
 
 ULONGLONG WINAPI GetTickCount64(void) {
+  if (tScheduler::isActive()) {
+    return scheduler().now();
+  }
   const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
   return static_cast<ULONGLONG>(
       std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
 }
 
 void WINAPI Sleep(DWORD milliseconds) {
+  if (tScheduler::isActive()) {
+    scheduler().await(
+        "Sleep", {}, [] { return false; }, milliseconds);
+    return;
+  }
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
@@ -154,6 +192,9 @@ HANDLE WINAPI CreateIoCompletionPort(HANDLE file, HANDLE port, ULONG_PTR key, DW
   const tInside inside;
   constexpr auto kCall = tCall::createIoCompletionPort;
   expectSupported(threads <= 1, kCall, "an unusual number of threads");
+  if (file != INVALID_HANDLE_VALUE) {
+    scheduler().point(nameOf(kCall), subjectOf(file));
+  }
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return nullptr;
@@ -188,10 +229,7 @@ BOOL WINAPI GetQueuedCompletionStatus(HANDLE handle, LPDWORD bytes, PULONG_PTR k
     expectSupported(port != nullptr, kCall, "not a port, or one that was closed");
     return !port->packets.empty();
   };
-  if (milliseconds == INFINITE) {
-    objects().changed.wait(lock, hasPacket);
-  } else if (!objects().changed.wait_for(lock, std::chrono::milliseconds(milliseconds),
-                                         hasPacket)) {
+  if (!objects().waitUntil(lock, nameOf(kCall), subjectOf(handle), milliseconds, hasPacket)) {
     *overlapped = nullptr;
     SetLastError(WAIT_TIMEOUT);
     return FALSE;
@@ -210,6 +248,7 @@ BOOL WINAPI PostQueuedCompletionStatus(HANDLE handle, DWORD bytes, ULONG_PTR key
                                        LPOVERLAPPED overlapped) {
   const tInside inside;
   constexpr auto kCall = tCall::postQueuedCompletionStatus;
+  scheduler().point(nameOf(kCall), subjectOf(handle));
   if (const auto error = faultPlan().enter(kCall)) {
     SetLastError(*error);
     return FALSE;
@@ -232,45 +271,97 @@ BOOL WINAPI InitializeCriticalSectionEx(CRITICAL_SECTION* section, DWORD, DWORD 
     return FALSE;
   }
   *section = {};
-  section->LockSemaphore = new std::recursive_mutex;
+  section->LockSemaphore = new tSection;
   ++criticalSectionsAlive;
   return TRUE;
 }
 
 void WINAPI EnterCriticalSection(CRITICAL_SECTION* section) {
-  mutexOf(section, "EnterCriticalSection")->lock();
+  const tInside inside;
+  constexpr const char* kCall = "EnterCriticalSection";
+  tSection& entered = implementationOf(section, kCall);
+  scheduler().await(kCall, subjectOf(section), [&entered, self = &thisThread] {
+    return entered.owner == nullptr || entered.owner == self;
+  });
+  entered.mutex.lock();
+  entered.owner = &thisThread;
+  ++entered.depth;
   ++criticalSectionEntries;
 }
 
 void WINAPI LeaveCriticalSection(CRITICAL_SECTION* section) {
-  mutexOf(section, "LeaveCriticalSection")->unlock();
+  const tInside inside;
+  constexpr const char* kCall = "LeaveCriticalSection";
+  tSection& left = implementationOf(section, kCall);
+  if (left.owner != &thisThread) {
+    stop(kCall, "the critical section belongs to another thread or to none");
+  }
+  if (--left.depth == 0) {
+    left.owner = nullptr;
+  }
+  left.mutex.unlock();
+  scheduler().point(kCall, subjectOf(section));
 }
 
 void WINAPI DeleteCriticalSection(CRITICAL_SECTION* section) {
   const tInside inside;
-  delete mutexOf(section, "DeleteCriticalSection");
+  constexpr const char* kCall = "DeleteCriticalSection";
+  scheduler().point(kCall, subjectOf(section));
+  tSection& deleted = implementationOf(section, kCall);
+  if (deleted.owner != nullptr) {
+    stop(kCall, "a thread is in the critical section");
+  }
+  delete &deleted;
   section->LockSemaphore = nullptr;
   --criticalSectionsAlive;
 }
 
 void WINAPI AcquireSRWLockExclusive(PSRWLOCK lock) {
   const tInside inside;
-  mutexOf(lock).lock();
+  constexpr const char* kCall = "AcquireSRWLockExclusive";
+  tSlimLock& acquired = implementationOf(lock);
+  if (acquired.writer == &thisThread) {
+    stop(kCall, "the thread holds the lock already");
+  }
+  scheduler().await(kCall, subjectOf(lock),
+                    [&acquired] { return acquired.writer == nullptr && acquired.readers == 0; });
+  acquired.mutex.lock();
+  acquired.writer = &thisThread;
   ++exclusiveAcquisitions;
 }
 
 void WINAPI ReleaseSRWLockExclusive(PSRWLOCK lock) {
   const tInside inside;
-  mutexOf(lock).unlock();
+  constexpr const char* kCall = "ReleaseSRWLockExclusive";
+  tSlimLock& released = implementationOf(lock);
+  if (released.writer != &thisThread) {
+    stop(kCall, "another thread holds the lock, or none");
+  }
+  released.writer = nullptr;
+  released.mutex.unlock();
+  scheduler().point(kCall, subjectOf(lock));
 }
 
 void WINAPI AcquireSRWLockShared(PSRWLOCK lock) {
   const tInside inside;
-  mutexOf(lock).lock_shared();
+  constexpr const char* kCall = "AcquireSRWLockShared";
+  tSlimLock& acquired = implementationOf(lock);
+  if (acquired.writer == &thisThread) {
+    stop(kCall, "the thread holds the lock already");
+  }
+  scheduler().await(kCall, subjectOf(lock), [&acquired] { return acquired.writer == nullptr; });
+  acquired.mutex.lock_shared();
+  ++acquired.readers;
   ++sharedAcquisitions;
 }
 
 void WINAPI ReleaseSRWLockShared(PSRWLOCK lock) {
   const tInside inside;
-  mutexOf(lock).unlock_shared();
+  constexpr const char* kCall = "ReleaseSRWLockShared";
+  tSlimLock& released = implementationOf(lock);
+  if (released.readers.fetch_sub(1) <= 0) {
+    stop(kCall, "no thread holds the lock");
+  }
+  released.mutex.unlock_shared();
+  scheduler().point(kCall, subjectOf(lock));
 }

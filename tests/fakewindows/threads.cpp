@@ -84,11 +84,13 @@ uintptr_t __cdecl _beginthreadex(void* security, unsigned stackSize,
     }
     newId = threadId;
   }
-  objects().addThread(std::thread([=] {
+  objects().startThread("library", [=] {
     currentThreadId = newId;
     runToItsEnd(start, argument);
+    scheduler().point("EndThread", {"thread", newId});
     markEnded(handle);
-  }));
+  });
+  scheduler().point(nameOf(kCall), {"thread", newId});
   return reinterpret_cast<uintptr_t>(handle);
 }
 
