@@ -21,7 +21,7 @@ readonly windows_packages=(
 )
 # One version on every system: cmake/mingw-w64-clang.cmake names it.
 readonly windows_clang_packages=("${windows_packages[@]}" clang-19 lld-19 llvm-19)
-readonly native_packages=("${windows_packages[@]}" clang g++ libclang-rt-dev libwine-dev)
+readonly native_packages=("${windows_packages[@]}" clang g++ libclang-rt-dev libwine-dev patch)
 # shellcheck disable=SC2034
 readonly machine_packages=(wine wine64)
 # shellcheck disable=SC2034

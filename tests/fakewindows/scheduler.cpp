@@ -71,7 +71,7 @@ void tScheduler::run(iSchedule& schedule, const std::function<void()>& body) {
     return std::all_of(actors_.begin() + 1, actors_.end(),
                        [](const tActor& actor) { return actor.state == tState::finished; });
   });
-  // What the driver would still do.
+  // The driver may still have events to let occur.
   settle();
   current_ = nullptr;
 }

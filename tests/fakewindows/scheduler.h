@@ -58,7 +58,7 @@ class tPlainSchedule final : public iSchedule {
   [[nodiscard]] bool fails(const tDecisionPoint&) override { return false; }
 };
 
-// What a call concerns. Reports number the subjects of each kind in the order of their first use.
+// The object or the request of a call. Reports number the subjects of each kind in the order of their first use.
 struct tSubject {
   static constexpr const char* kCode = "request";  // its value is a code, which reports show
 
