@@ -124,12 +124,16 @@ class tSharedWords {
 };
 constinit tSharedWords sharedWords;
 
+void countRun() {
+  ++report->schedules;
+  ++report->runs;
+}
+
 void runOnce(const tScheduleScenario& scenario, nFakeWindows::iSchedule& schedule) {
   prepareScenario();
   scheduler().run(schedule, scenario.run);
   checkScenario();
-  ++report->schedules;
-  ++report->runs;
+  countRun();
   report->decisions = std::max<uint64_t>(report->decisions, scheduler().steps().size());
 }
 
@@ -138,9 +142,10 @@ void runPlainly(const tScheduleScenario& scenario) {
   nFakeWindows::tPlainSchedule schedule;
   runOnce(scenario, schedule);
   sharedWords.fix();
+  report->runs = 0;
 }
 
-constexpr unsigned kLongestFreeRunSeconds = 10;
+constexpr unsigned kLongestFreeRunSeconds = 3;
 
 // Runs a scenario with threads that run freely.
 void runFreely(const tScheduleScenario& scenario, uint64_t runs) {
@@ -151,7 +156,7 @@ void runFreely(const tScheduleScenario& scenario, uint64_t runs) {
     scenario.run();
     nFakeWindows::objects().waitForThreads();
     checkScenario();
-    ++report->schedules;
+    countRun();
   }
 }
 
@@ -296,12 +301,12 @@ bool exploreInProcess(const tScheduleScenario& scenario, const tOptions& options
   const auto start = tClock::now();
   const std::optional<tFailure> failure = failureOf(scenario, options);
   const double seconds = std::chrono::duration<double>(tClock::now() - start).count();
-  std::printf("%-16s %9llu schedules %s, at most %llu decisions, %.1f s\n", scenario.name,
-              static_cast<unsigned long long>(failure ? report->runs : report->schedules),
-              failure              ? "before one failed"
-              : report->isComplete ? "within the bound, all run"
-                                   : "run, not all",
-              static_cast<unsigned long long>(report->decisions), seconds);
+  const char* const outcome = failure              ? "schedules until one fails"
+                              : report->isComplete ? "schedules within the bound, all run"
+                                                   : "schedules run, not all";
+  std::printf("%-16s %9llu %s, at most %llu decisions, %.1f s\n", scenario.name,
+              static_cast<unsigned long long>(failure ? report->runs + 1 : report->schedules),
+              outcome, static_cast<unsigned long long>(report->decisions), seconds);
   if (failure) {
     const tFailure shortest = options.replay || failure->schedule.empty()
                                   ? *failure
