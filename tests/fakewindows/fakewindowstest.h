@@ -4,12 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "tests/fakewindows/com.h"
 #include "tests/fakewindows/disk.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/machine.h"
 #include "tests/fakewindows/objects.h"
 #include "tests/fakewindows/processes.h"
+#include "tests/fakewindows/scheduler.h"
 #include "tests/fakewindows/threads.h"
 
 namespace nFakeWindows {
@@ -30,6 +33,7 @@ class FakeWindowsTest : public testing::Test {
     ASSERT_EQ(objects().open(), std::vector<std::string>()) << "left open by an earlier test";
   }
   void TearDown() override {
+    virtualTime_.reset();
     objects().waitForThreads();
     EXPECT_EQ(objects().open(), std::vector<std::string>()) << "left open";
     EXPECT_EQ(com()->open(), std::vector<std::string>()) << "left alive";
@@ -38,8 +42,13 @@ class FakeWindowsTest : public testing::Test {
     faultPlan().reset();
   }
 
+  // From now on one thread of the test runs at a time, and waits take no time. The test starts its
+  // threads with the scheduler.
+  void useVirtualTime() { virtualTime_.emplace(); }
+
  private:
   int criticalSectionsBefore_ = 0;
+  std::optional<tVirtualTime> virtualTime_;
 };
 
 }  // namespace nFakeWindows

@@ -53,46 +53,54 @@ bool tScheduler::isActive() noexcept {
 }
 
 void tScheduler::run(iSchedule& schedule, const std::function<void()>& body) {
-  {
-    const tInside inside;
-    schedule_ = &schedule;
-    actors_.clear();
-    events_.clear();
-    names_.clear();
-    steps_.clear();
-    now_ = 0;
-    tActor& main = actors_.emplace_back();
-    main.number = add("main");
-    current_ = &main;
-  }
+  begin(schedule);
   body();
+  finish();
+}
+
+void tScheduler::begin(iSchedule& schedule) {
+  const tInside inside;
+  schedule_ = &schedule;
+  actors_.clear();
+  events_.clear();
+  names_.clear();
+  namesakes_.clear();
+  steps_.clear();
+  now_ = 0;
+  tActor& main = actors_.emplace_back();
+  main.number = add("main");
+  current_ = &main;
+}
+
+void tScheduler::finish() {
   const tInside inside;
   await("end", {}, [this] {
-    return std::all_of(actors_.begin() + 1, actors_.end(),
+    return std::all_of(std::next(actors_.begin()), actors_.end(),
                        [](const tActor& actor) { return actor.state == tState::finished; });
   });
   // The driver may still have events to let occur.
   settle();
   current_ = nullptr;
+  actors_.clear();
+  events_.clear();
 }
 
-unsigned tScheduler::add(std::string name) {
-  const auto namesakes = std::count_if(
-      names_.begin(), names_.end(), [&name](const auto& other) { return other.starts_with(name); });
-  names_.push_back(namesakes == 0 ? std::move(name) : name + std::to_string(namesakes + 1));
+unsigned tScheduler::add(const std::string& name) {
+  const unsigned nth = ++namesakes_[name];
+  names_.push_back(nth == 1 ? name : name + std::to_string(nth));
   return static_cast<unsigned>(names_.size() - 1);
 }
 
 // ---- Threads ----
 
-unsigned tScheduler::start(std::string name, std::function<void()> routine) {
+unsigned tScheduler::start(const std::string& name, std::function<void()> routine) {
   const tInside inside;
   if (current_ == nullptr) {
     free_.emplace_back(std::move(routine));
     return static_cast<unsigned>(free_.size() - 1);
   }
   tActor& actor = actors_.emplace_back();
-  actor.number = add(std::move(name));
+  actor.number = add(name);
   if (idle_.empty()) {
     tWorker& worker = *workers_.emplace_back(std::make_unique<tWorker>());
     std::thread([this, &worker] { runWorker(worker); }).detach();
@@ -129,9 +137,11 @@ void tScheduler::join(unsigned thread) {
     free_[thread].join();
     return;
   }
-  const auto found = std::find_if(actors_.begin(), actors_.end(),
-                                  [thread](const tActor& actor) { return actor.number == thread; });
-  await("join", {"thread", thread}, [&found] { return found->state == tState::finished; });
+  await("join", {"thread", thread}, [this, thread] {
+    return std::none_of(actors_.begin(), actors_.end(), [thread](const tActor& actor) {
+      return actor.number == thread && actor.state != tState::finished;
+    });
+  });
 }
 
 void tScheduler::settle() {
@@ -198,6 +208,8 @@ bool tScheduler::canContinue(const tActor& actor) {
 
 void tScheduler::collectCandidates(const tActor& self) {
   candidates_.clear();
+  actors_.remove_if(
+      [&self](const tActor& actor) { return &actor != &self && actor.state == tState::finished; });
   if (canContinue(self)) {
     candidates_.push_back({self.number, nameOf(self.number)});
   }
@@ -274,10 +286,10 @@ bool tScheduler::passTime() {
 
 // ---- Events ----
 
-void tScheduler::postEvent(std::string name, const void* key, tCondition condition,
+void tScheduler::postEvent(const std::string& name, const void* key, tCondition condition,
                            std::function<void()> effect) {
   const tInside inside;
-  events_.push_back({add(std::move(name)), key, std::move(condition), std::move(effect)});
+  events_.push_back({add(name), key, std::move(condition), std::move(effect)});
 }
 
 bool tScheduler::hasEvent(std::string_view name, const void* key) const {

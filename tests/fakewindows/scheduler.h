@@ -1,6 +1,6 @@
 // Deterministic scheduling of the threads of a test.
 //
-// During tScheduler::run one thread runs at a time. At each call of the fake Windows that other
+// During a run of the scheduler one thread runs at a time. At each call of the fake Windows that other
 // threads can observe or influence, a schedule decides which thread continues. What a driver does
 // on its own, such as completing a request later, is an event, which is scheduled like a thread.
 // Time is virtual: it passes only when no thread and no event can continue, and then up to the
@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -82,8 +83,11 @@ class tScheduler {
  public:
   using tCondition = std::function<bool()>;
 
-  // Runs `body` on the calling thread, under the name "main", and waits for all threads that it
-  // starts. Ends the program if the threads wait for each other.
+  // A run: the calling thread is its first thread, with the name "main". finish() waits for all others.
+  // The program ends if the threads wait for each other.
+  void begin(iSchedule& schedule);
+  void finish();
+  // Runs `body` within a run.
   void run(iSchedule& schedule, const std::function<void()>& body);
 
   // True on the threads of a run.
@@ -94,7 +98,7 @@ class tScheduler {
 
   // Starts a thread and returns its number, the argument of join(). Threads and events with the same
   // name are numbered: "library", "library2".
-  unsigned start(std::string name, std::function<void()> routine);
+  unsigned start(const std::string& name, std::function<void()> routine);
   void join(unsigned thread);
   // Waits until no other thread and no event can continue before time passes; outside a run for some
   // milliseconds.
@@ -110,7 +114,7 @@ class tScheduler {
   [[nodiscard]] bool fails(const char* call);
 
   // Posts an event, which occurs at any time from the moment its condition is true.
-  void postEvent(std::string name, const void* key, tCondition condition,
+  void postEvent(const std::string& name, const void* key, tCondition condition,
                  std::function<void()> effect);
   [[nodiscard]] bool hasEvent(std::string_view name, const void* key) const;
   // The events with this key will not occur. No effect outside a run.
@@ -156,7 +160,7 @@ class tScheduler {
     std::counting_semaphore<> start{0};
   };
 
-  unsigned add(std::string name);
+  unsigned add(const std::string& name);
   [[nodiscard]] static bool canContinue(const tActor& actor);
   void collectCandidates(const tActor& self);
   // Lets the threads and events continue that the schedule chooses, until it chooses `self`, or
@@ -172,9 +176,10 @@ class tScheduler {
   static thread_local tActor* current_;
 
   iSchedule* schedule_ = nullptr;
-  std::deque<tActor> actors_;
+  std::list<tActor> actors_;
   std::vector<tEvent> events_;
   std::vector<std::string> names_;  // of threads and events, by number
+  std::map<std::string, unsigned> namesakes_;
   std::vector<std::unique_ptr<tWorker>> workers_;
   std::vector<tWorker*> idle_;
   std::vector<tCandidate> candidates_;
@@ -184,6 +189,18 @@ class tScheduler {
 };
 
 [[nodiscard]] tScheduler& scheduler();
+
+// Runs the plain schedule for a scope: a test in virtual time.
+class tVirtualTime {
+ public:
+  tVirtualTime() { scheduler().begin(schedule_); }
+  tVirtualTime(const tVirtualTime&) = delete;
+  tVirtualTime& operator=(const tVirtualTime&) = delete;
+  ~tVirtualTime() { scheduler().finish(); }
+
+ private:
+  tPlainSchedule schedule_;
+};
 
 }  // namespace nFakeWindows
 

@@ -43,17 +43,27 @@ char* reallocate(char* current, size_t required, const char*, size_t) {
   return static_cast<char*>(std::realloc(current, required));
 }
 
-class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
+// Whole clients, each in a run of its own.
+class ClientOfAMisbehavingDriver : public nFakeWindows::FakeWindowsTest {
  protected:
   void SetUp() override {
     FakeWindowsTest::SetUp();
     prepareMachine();
   }
+};
+
+// Single calls.
+class MisbehavingDriver : public ClientOfAMisbehavingDriver {
+ protected:
+  void SetUp() override {
+    ClientOfAMisbehavingDriver::SetUp();
+    useVirtualTime();
+  }
   void TearDown() override {
     closeSession();
     std::free(output);
     machine().useDriver(nullptr);
-    FakeWindowsTest::TearDown();
+    ClientOfAMisbehavingDriver::TearDown();
   }
 
   static void open() {
@@ -110,11 +120,9 @@ class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
     notice.notification = notification;
     nSimulator::tSimulatedMachine().notify(notice);
   }
-  // Waits until another thread has counted so far, 20 s at most.
+  // Lets the other threads run until they wait.
   [[nodiscard]] static bool isReached(const std::atomic<int>& counter, int count) {
-    for (int i = 0; counter < count && i < 20000; ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    nFakeWindows::scheduler().settle();
     return counter >= count;
   }
   [[nodiscard]] bool isDelivered(int times = 1) const { return isReached(demotions, times); }
@@ -126,7 +134,7 @@ class MisbehavingDriver : public nFakeWindows::FakeWindowsTest {
 
 // ---- Replies ----
 
-TEST_F(MisbehavingDriver, TruncatedReplies_AreHandled) {
+TEST_F(ClientOfAMisbehavingDriver, TruncatedReplies_AreHandled) {
   for (uint32_t length = 0; length < 13; ++length) {
     SCOPED_TRACE(length);
     tByteSource notices;
@@ -288,7 +296,7 @@ TEST_F(MisbehavingDriver, DeliveryShorterThanANotice_IsDropped) {
 
 // ---- Random replies ----
 
-TEST_F(MisbehavingDriver, RandomFaults_CauseNoHarm) {
+TEST_F(ClientOfAMisbehavingDriver, RandomFaults_CauseNoHarm) {
   for (uint32_t seed = 1; seed <= 3000; ++seed) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
