@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <new>
+#include <optional>
 #include <stdexcept>
-#include <thread>
 
 #include "source/user/exports/callboundary.h"
 #include "source/user/exports/tprocessstate.h"
@@ -18,6 +17,7 @@ namespace nTests {
 namespace {
 
 using nFakeWindows::faultPlan;
+using nFakeWindows::scheduler;
 using nFakeWindows::tCall;
 
 class ProcessState : public SessionTest {};
@@ -104,23 +104,25 @@ TEST_F(ProcessState, OpenSession_IsFoundWithoutTheLock) {
 }
 
 TEST_F(ProcessState, SearchDuringTheFirstOpen_WaitsForTheSession) {
+  useVirtualTime();
   nQUENRA1400::nZOAPAL000::tStartUp startUp;
   nQUENRA1400::tProcessState state(startUp);
   state.load();
   zoerr::tOwnedStatus opening;
   zoerr::tOwnedStatus searching;
   const nQUENRA1400::tControllerUserSession* found = nullptr;
-  std::thread searcher;
+  std::optional<unsigned> searcher;
   nFakeWindows::machine().useDriver([&](const nFakeWindows::tDriverRequest& request) {
-    if (!searcher.joinable()) {
-      searcher = std::thread([&] { found = state.session(searching); });
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    if (!searcher) {
+      searcher = scheduler().start("searcher", [&] { found = state.session(searching); });
+      scheduler().settle();
+      EXPECT_EQ(found, nullptr) << "the session is not open yet";
     }
     return request.byModel();
   });
   state.open(opening);
-  ASSERT_TRUE(searcher.joinable());
-  searcher.join();
+  ASSERT_TRUE(searcher.has_value());
+  scheduler().join(*searcher);
   nFakeWindows::machine().useDriver(nullptr);
   EXPECT_EQ(opening.code, 0);
   EXPECT_EQ(searching.code, 0);

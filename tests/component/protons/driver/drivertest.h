@@ -39,8 +39,46 @@ inline void openController(tDeviceInterfaceProxy& proxy, tStatus& status) {
   iterator.openCurrent(proxy, status);
 }
 
+// A thread of a test, also of one in virtual time.
+class tTestThread {
+ public:
+#ifdef _WIN32
+  explicit tTestThread(std::function<void()> routine) : thread_(std::move(routine)) {}
+  void join() {
+    thread_.join();
+  }
+
+ private:
+  std::thread thread_;
+#else
+  explicit tTestThread(std::function<void()> routine)
+      : thread_(nFakeWindows::scheduler().start("test", std::move(routine))) {}
+  void join() const {
+    nFakeWindows::scheduler().join(thread_);
+  }
+
+ private:
+  unsigned thread_;
+#endif
+};
+
+// Lets the other threads run until they wait; without virtual time, for 20 ms.
+inline void letOthersRun() {
+#ifdef _WIN32
+  Sleep(20);
+#else
+  nFakeWindows::scheduler().settle();
+#endif
+}
+
 // Waits up to 20 s for another thread or process to make the condition true.
 inline bool becomesTrue(const std::function<bool()>& condition) {
+#ifndef _WIN32
+  if (nFakeWindows::tScheduler::isActive()) {
+    letOthersRun();
+    return condition();
+  }
+#endif
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   while (!condition()) {
     if (std::chrono::steady_clock::now() > deadline) {
@@ -69,7 +107,16 @@ class DriverTest : public tDriverTestBase {
     tDriverTestBase::TearDown();
   }
 
-  nSimulator::tSimulatedMachine& machine() { return *machine_; }
+  // On the fake Windows; a wait for something that must not happen takes no time then.
+  void useVirtualTime() {
+#ifndef _WIN32
+    tDriverTestBase::useVirtualTime();
+#endif
+  }
+
+  nSimulator::tSimulatedMachine& machine() {
+    return *machine_;
+  }
   void script(uint32_t windowsError, uint32_t requestCode) {
     tSimulatorScript failing{};
     failing.interfaceKind = kSimulatorInterfaceController;

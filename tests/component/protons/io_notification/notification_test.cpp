@@ -21,6 +21,7 @@ class NotificationReader : public NotificationTest {
  protected:
   void SetUp() override {
     NotificationTest::SetUp();
+    useVirtualTime();
     reader = std::make_unique<tIONotificationReader>(makePort());
   }
   void TearDown() override {
@@ -342,12 +343,13 @@ void receive(uint32_t kind, tIONotification*, const uint8_t* payload, uint32_t p
   }
   received.isInside = true;
   while (!received.mayLeave) {
-    std::this_thread::yield();
+    Sleep(1);
   }
   received.isInside = false;
 }
 
-class ThreadedReader : public NotificationTest {
+// Threads that run freely.
+class ThreadedReaderLoad : public NotificationTest {
  protected:
   void SetUp() override {
     NotificationTest::SetUp();
@@ -362,6 +364,14 @@ class ThreadedReader : public NotificationTest {
 
   std::unique_ptr<tThreadedIONotificationReader> reader;
   tIONotification notification;
+};
+
+class ThreadedReader : public ThreadedReaderLoad {
+ protected:
+  void SetUp() override {
+    ThreadedReaderLoad::SetUp();
+    useVirtualTime();
+  }
 };
 
 TEST_F(ThreadedReader, HandsEveryNoticeToItsCallback) {
@@ -407,12 +417,12 @@ TEST_F(ThreadedReader, DestroyedWhileItsCallbackRuns_WaitsForIt) {
   notify("slow");
   EXPECT_TRUE(becomesTrue([] { return received.isInside.load(); }));
   std::atomic<bool> destroyed = false;
-  std::thread destroyer([&] {
+  tTestThread destroyer([&] {
     notification.disable();
     reader.reset();
     destroyed = true;
   });
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  letOthersRun();
   EXPECT_FALSE(destroyed);
   received.mayLeave = true;
   destroyer.join();
@@ -431,7 +441,7 @@ TEST_F(ThreadedReader, CallbackRunning_DisableDoesNotWaitForIt) {
   received.mayLeave = true;
 }
 
-TEST_F(ThreadedReader, EnabledAgainWhileNoticesArrive_EndsEveryRegistrationOnce) {
+TEST_F(ThreadedReaderLoad, EnabledAgainWhileNoticesArrive_EndsEveryRegistrationOnce) {
   constexpr size_t kRounds = 50;
   reader->start(receive, status);
   for (size_t round = 0; round < kRounds; ++round) {
@@ -448,7 +458,7 @@ TEST_F(ThreadedReader, EnabledAgainWhileNoticesArrive_EndsEveryRegistrationOnce)
   EXPECT_EQ(ended(), kRounds);
 }
 
-TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
+TEST_F(ThreadedReaderLoad, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
   for (int round = 0; round < 10; ++round) {
     received.reset();
     tStatus own;
@@ -483,7 +493,7 @@ TEST_F(ThreadedReader, DestroyedWhileNoticesArrive_LosesThemAndNothingElse) {
   }
 }
 
-TEST_F(ThreadedReader, ManyNotificationsEnabledAtOnce_AssociateTheirProxyOnce) {
+TEST_F(ThreadedReaderLoad, ManyNotificationsEnabledAtOnce_AssociateTheirProxyOnce) {
   reader->start(receive, status);
   std::vector<std::unique_ptr<tIONotification>> many;
   for (int i = 0; i < 8; ++i) {
