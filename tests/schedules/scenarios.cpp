@@ -140,6 +140,24 @@ void readBesideTheLastClose() {
   scheduler().join(reader);
 }
 
+// With failing calls: an open that fails leaves nothing, and one that succeeds can be read.
+void openReadAndClose() {
+  uint64_t handle = 17;
+  const int32_t code = QUENRA_openController(&handle);
+  promise((code < 0) == (handle == 17), "a failed open leaves the handle");
+  if (code >= 0) {
+    promise(readNumber(handle) == 0, "an open controller is read from its table");
+    static_cast<void>(readDriver(handle));
+    QUENRA_closeController(handle);
+  }
+}
+
+void controllerWithFailures() {
+  const unsigned another = scheduler().start("another", openReadAndClose);
+  openReadAndClose();
+  scheduler().join(another);
+}
+
 // ---- Firmware ----
 
 constexpr uint32_t kMarker = QUENRA_ATTRIBUTE_FIRMWARE_VERSION;
@@ -283,6 +301,30 @@ void noticesOfAnEnabledNotification() {
   notification.disable();
   scheduler().settle();
   promise(received.ends == 1, "the end of a registration arrives once");
+}
+
+// With failing calls: what is enabled is disabled, and the reader ends.
+void notificationsWithFailures() {
+  std::optional<tNotified> device;
+  {
+    const tOffTheRecord withoutFailures;
+    device.emplace();
+    device->start();
+  }
+  tIONotification first;
+  tIONotification second;
+  const unsigned another = scheduler().start("another", [&] {
+    tStatus status;
+    promise(second.enable(device->reader, device->proxy, kMask, status) == second.isEnabled(),
+            "a notification is enabled or not");
+    second.disable();
+  });
+  tStatus status;
+  promise(first.enable(device->reader, device->proxy, kMask, status) == (status.code == 0),
+          "a notification is enabled unless a failure is reported");
+  notify();
+  first.disable();
+  scheduler().join(another);
 }
 
 // A reader without a thread: a thread would use the device.
@@ -481,6 +523,10 @@ void trace() {
 
 constexpr tScheduleScenario kScenarios[] = {
     {"controller", "three threads open, read, write and close", &useController, {2, 0}},
+    {"open-failures",
+     "two threads open, read and close with a failing call",
+     &controllerWithFailures,
+     {1, 1}},
     {"first-open", "a read beside the first open", &readDuringTheFirstOpen, {3, 0}},
     {"last-close",
      "the last close beside an open and calls with other handle values",
@@ -511,6 +557,10 @@ constexpr tScheduleScenario kScenarios[] = {
      &demotionsDuringASession,
      {2, 0}},
     {"two-sessions", "two routing sessions", &twoSessions, {1, 0}},
+    {"notify-failures",
+     "two notifications at one reader with a failing call",
+     &notificationsWithFailures,
+     {1, 1}},
     {"unload",
      "a library that is unloaded after its last thread, with an open session",
      &unloadAfterTheLastThread,
