@@ -18,14 +18,6 @@ using namespace nFakeWindows;
 
 namespace {
 
-tSubject subjectOf(HANDLE handle) {
-  return {"handle", reinterpret_cast<uintptr_t>(handle)};
-}
-
-tSubject subjectOf(const OVERLAPPED* overlapped) {
-  return {"OVERLAPPED", reinterpret_cast<uintptr_t>(overlapped)};
-}
-
 std::string classText(const GUID& interfaceClass) {
   return std::to_string(interfaceClass.Data1);
 }

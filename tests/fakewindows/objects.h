@@ -201,6 +201,14 @@ class tObjects {
 
 [[nodiscard]] tObjects& objects();
 
+// As the reports of the scheduler name an object.
+[[nodiscard]] inline tSubject subjectOf(HANDLE handle) noexcept {
+  return {"handle", reinterpret_cast<uintptr_t>(handle)};
+}
+[[nodiscard]] inline tSubject subjectOf(const OVERLAPPED* overlapped) noexcept {
+  return {"OVERLAPPED", reinterpret_cast<uintptr_t>(overlapped)};
+}
+
 }  // namespace nFakeWindows
 
 #endif

@@ -69,10 +69,6 @@ tSubject subjectOf(const SRWLOCK* lock) {
   return {"lock", reinterpret_cast<uintptr_t>(lock)};
 }
 
-tSubject subjectOf(HANDLE handle) {
-  return {"handle", reinterpret_cast<uintptr_t>(handle)};
-}
-
 }  // namespace
 
 int criticalSections() {
