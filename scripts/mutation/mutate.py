@@ -155,8 +155,16 @@ def prepare(unit):
     return allowed
 
 
+def runs_here(name):
+    missing = units.missing_features(name)
+    if missing:
+        print(f"not tried: {name}: this processor has no {', '.join(sorted(missing))}", flush=True)
+    return not missing
+
+
 def work_list(unit, arguments, known, results):
-    wanted = [name for name in sources_of(unit) if not arguments.files or name in arguments.files]
+    wanted = [name for name in sources_of(unit)
+              if (not arguments.files or name in arguments.files) and runs_here(name)]
     found = [mutant for name in wanted
              for mutant in mutations.mutants_of(name, (ROOT / name).read_text())
              if not known.covers(mutant)]

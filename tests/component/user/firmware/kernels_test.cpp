@@ -2,8 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <random>
+#include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -141,6 +145,18 @@ TEST_P(Kernels, LongRunsOfNoise_AreSkipped) {
       text += cleanText(upTo(300)) + std::string(upTo(600), noise());
     }
     expectAsPlain(text, upTo(63));
+  }
+}
+
+// Kernels keep what does not fill a group until the next round, so a sparse round precedes a full one.
+TEST_P(Kernels, NoiseWithAnyNumberOfCharactersBeforeCleanText_DecodesAsThePlainRule) {
+  const std::string clean = cleanText(5000);
+  for (size_t count = 0; count <= 300; count += 10) {
+    std::string text(2048, noise());
+    for (size_t i = 0; i < count; ++i) {
+      text[i * text.size() / 301] = clean[i];
+    }
+    expectAsPlain(text + clean);
   }
 }
 
@@ -287,6 +303,42 @@ TEST(KernelSelection, ProcessorOfAvx2Only_GetsAvx2) {
 TEST(KernelSelection, ProcessorWithoutFeatures_GetsPlain) {
   EXPECT_EQ(&kernelsFor({}), &kPlainKernels);
 }
+
+TEST(KernelSelection, Features_AreAbsentByDefault) {
+  constexpr tProcessorFeatures kNone;
+  for (const auto feature : {&tProcessorFeatures::popcnt, &tProcessorFeatures::pclmul,
+                             &tProcessorFeatures::avx2, &tProcessorFeatures::avx512f,
+                             &tProcessorFeatures::avx512bw, &tProcessorFeatures::avx512vbmi,
+                             &tProcessorFeatures::avx512vbmi2, &tProcessorFeatures::vpclmulqdq}) {
+    EXPECT_FALSE(kNone.*feature);
+  }
+}
+
+TEST(KernelSelection, LastKernels_RunOnEveryProcessor) {
+  EXPECT_EQ(&allKernels().back().kernels, &kPlainKernels);
+  EXPECT_TRUE(allKernels().back().runsWith({}));
+}
+
+#ifdef __linux__
+TEST(KernelSelection, ReportedFeatures_AreThoseThatTheSystemLists) {
+  std::ifstream list("/proc/cpuinfo");
+  std::string line;
+  while (std::getline(list, line) && !line.starts_with("flags")) {
+  }
+  std::istringstream words(line);
+  const std::set<std::string> listed(std::istream_iterator<std::string>(words), {});
+  ASSERT_TRUE(listed.contains("fpu")) << "the list of features: " << line;
+  const tProcessorFeatures reported = reportedFeatures();
+  EXPECT_EQ(reported.popcnt, listed.contains("popcnt"));
+  EXPECT_EQ(reported.pclmul, listed.contains("pclmulqdq"));
+  EXPECT_EQ(reported.avx2, listed.contains("avx2"));
+  EXPECT_EQ(reported.avx512f, listed.contains("avx512f"));
+  EXPECT_EQ(reported.avx512bw, listed.contains("avx512bw"));
+  EXPECT_EQ(reported.avx512vbmi, listed.contains("avx512vbmi"));
+  EXPECT_EQ(reported.avx512vbmi2, listed.contains("avx512_vbmi2"));
+  EXPECT_EQ(reported.vpclmulqdq, listed.contains("vpclmulqdq"));
+}
+#endif
 
 TEST(KernelSelection, ThisMachine_GetsTheFirstSupported) {
   for (const tChoice& choice : allKernels()) {
