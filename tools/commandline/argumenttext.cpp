@@ -135,6 +135,20 @@ std::optional<uint32_t> parseUnsigned(std::string_view text) noexcept {
   return parsePrefixed<uint32_t>(text);
 }
 
+std::optional<std::chrono::milliseconds> parseSeconds(std::string_view text) noexcept {
+  constexpr size_t kPlaces = 3;
+  const size_t point = std::min(text.find('.'), text.size());
+  const std::string_view places = point == text.size() ? "0" : text.substr(point + 1);
+  const auto seconds = parseNumber<uint32_t>(text.substr(0, point), 10);
+  const auto fraction = parseNumber<uint32_t>(places, 10);
+  if (!seconds || !fraction || places.size() > kPlaces) {
+    return std::nullopt;
+  }
+  constexpr uint32_t kMilliseconds[] = {0, 100, 10, 1};
+  return std::chrono::seconds(*seconds) +
+         std::chrono::milliseconds(*fraction * kMilliseconds[places.size()]);
+}
+
 std::optional<int32_t> parseStatusCode(std::string_view text) noexcept {
   if (text.starts_with('+')) {
     return parseUnsigned(text.substr(1)) ? parseStatusCode(text.substr(1)) : std::nullopt;

@@ -2,6 +2,7 @@
 #ifndef TOOLS_COMMANDLINE_ARGUMENTTEXT_H
 #define TOOLS_COMMANDLINE_ARGUMENTTEXT_H
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -28,6 +29,10 @@ namespace nCommandLine {
 // Parses a decimal number, or a hexadecimal one after 0x. Empty for other text and beyond the bits.
 [[nodiscard]] std::optional<uint64_t> parseUnsigned64(std::string_view text) noexcept;
 [[nodiscard]] std::optional<uint32_t> parseUnsigned(std::string_view text) noexcept;
+
+// Parses a decimal number of seconds with at most three places after the point. Empty for other text and
+// beyond 32 bits.
+[[nodiscard]] std::optional<std::chrono::milliseconds> parseSeconds(std::string_view text) noexcept;
 
 // Parses a status code in the forms that programs print: signed decimal, or the same 32 bits as an
 // unsigned number, decimal or hexadecimal.

@@ -222,6 +222,13 @@ TEST_F(RouteConnect, Time_IsKept) {
   EXPECT_FALSE(document["interrupted"].GetBool());
 }
 
+TEST_F(RouteConnect, FractionOfASecond_IsKept) {
+  const tRun result = run(routeWords("connect", {"--for", "0.25", "--json"}));
+  const auto document = result.document();
+  EXPECT_GE(document["heldMilliseconds"].GetInt(), 250);
+  EXPECT_THAT(result.error, HasSubstr("for 0.2 s\n"));
+}
+
 TEST_F(RouteConnect, Demotions_AreReportedAndMakeItAFailure) {
   routing_.afterProgramming = [this] { routing_.demoteOnItsThread({101, 102}); };
   const tRun result = run(routeWords("connect", {"--for", "1"}));
@@ -283,8 +290,8 @@ TEST_F(RouteConnect, ConflictWithJson_HasTheHoldersAsNumbers) {
 TEST_F(RouteConnect, TimeOutOfRange_IsNamedWithTheRange) {
   EXPECT_THAT(run(routeWords("connect", {"--for", "4294967296"})).error,
               HasSubstr("quenra: 4294967296 is out of range (0 to 4294967295)\n"));
-  EXPECT_THAT(run(routeWords("connect", {"--for", "1.5"})).error,
-              HasSubstr("quenra: '1.5' is not a number of seconds\n"));
+  EXPECT_THAT(run(routeWords("connect", {"--for", "1.5s"})).error,
+              HasSubstr("quenra: '1.5s' is not a number of seconds\n"));
 }
 
 TEST_F(RouteConnect, FailingStep_UndoesTheStepsBefore) {
@@ -308,7 +315,7 @@ TEST_F(RouteConnect, RouteOfTheOtherPolarity_IsNotConnected) {
 }
 
 TEST_F(RouteConnect, InvalidTime_IsRejectedBeforeOpening) {
-  for (const char* const time : {"", "x", "1.5", "-1", "4294967296"}) {
+  for (const char* const time : {"", "x", "1.", ".5", "1.2345", "-1", "4294967296"}) {
     EXPECT_EQ(run(routeWords("connect", {"--for", time})).exitCode, 2) << time;
   }
   EXPECT_THAT(routing_.calls, IsEmpty());

@@ -122,6 +122,20 @@ TEST(NumberText, UnsignedIsDecimalOrHexadecimal) {
   EXPECT_EQ(parseUnsigned("010"), 10u) << "a leading zero does not mean octal";
 }
 
+TEST(Seconds, DecimalNumber_MayHaveThreePlaces) {
+  using std::chrono::milliseconds;
+  EXPECT_EQ(parseSeconds("0"), milliseconds(0));
+  EXPECT_EQ(parseSeconds("2"), milliseconds(2000));
+  EXPECT_EQ(parseSeconds("0.5"), milliseconds(500));
+  EXPECT_EQ(parseSeconds("1.05"), milliseconds(1050));
+  EXPECT_EQ(parseSeconds("0.001"), milliseconds(1));
+  EXPECT_EQ(parseSeconds("4294967295.999"), milliseconds(4294967295999));
+  for (const char* const text : {"", ".", "1.", ".5", "1.2345", "1,5", "1e3", "0x10", "-1", "+1",
+                                 "1.-5", "4294967296", " 1"}) {
+    EXPECT_EQ(parseSeconds(text), std::nullopt) << "'" << text << "'";
+  }
+}
+
 TEST(NumberText, InvalidUnsigned_IsRejected) {
   for (const char* text : {"", "0x", "-1", "+1", "1 ", " 1", "12x", "0x100000000", "4294967296",
                            "1.5", "x", "0x-1", "0x0x1"}) {

@@ -21,12 +21,15 @@ milliseconds parseHoldTime(const tArguments& arguments) {
   if (!given) {
     return milliseconds::max();
   }
-  const auto seconds = parseUnsigned(*given);
-  if (!seconds) {
-    throw tUsageError(numberFault(*given, "a number of seconds"),
-                      "Give an integer, or leave out --for to hold the route until Ctrl-C.", {});
+  const auto time = parseSeconds(*given);
+  if (!time) {
+    throw tUsageError(
+        numberFault(*given, "a number of seconds"),
+        "Give a decimal number such as 2 or 0.25, with at most three places after the "
+        "point, or leave out --for to hold the route until Ctrl-C.",
+        {});
   }
-  return std::chrono::seconds(*seconds);
+  return *time;
 }
 
 // The first route with the requested polarity.
