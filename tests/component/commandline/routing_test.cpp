@@ -126,6 +126,14 @@ TEST_F(Routing, EveryFailingStep_IsReportedAndClosesTheSession) {
   }
 }
 
+TEST_F(Routing, TerminalInAnotherCase_IsTheTerminal) {
+  const tRun result = run({"route", "plan", "--from", "trig_smb", "--to", "PXI_TRIG0", "--json"});
+  EXPECT_EQ(result.exitCode, 0);
+  const auto document = result.document();
+  EXPECT_STREQ(document["from"].GetString(), "TRIG_SMB");
+  EXPECT_STREQ(document["to"].GetString(), "PXI_Trig0");
+}
+
 TEST_F(Routing, MisspeltTerminal_GetsASuggestion) {
   const tRun result = run({"route", "plan", "--from", "TRIG_SMB", "--to", "PXI_Trg0"});
   EXPECT_EQ(result.exitCode, 2);

@@ -14,13 +14,21 @@ namespace {
 
 // ---- Arguments ----
 
-void checkTerminal(const std::string& name, const std::vector<tTerminal>& terminals) {
-  if (std::ranges::find(terminals, name, &tTerminal::name) == terminals.end()) {
-    std::vector<std::string_view> names;
-    std::ranges::transform(terminals, std::back_inserter(names), &tTerminal::name);
-    throw tUsageError("unknown terminal '" + name + "'",
-                      "Run 'quenra terminals' to list the terminals.", suggest(name, names));
+// The terminal's own name: users may write it in any case, unless two names differ only in that.
+std::string terminalNamed(const std::string& text, const std::vector<tTerminal>& terminals) {
+  if (std::ranges::find(terminals, text, &tTerminal::name) != terminals.end()) {
+    return text;
   }
+  const auto isMeant = [name = comparableName(text)](const tTerminal& terminal) {
+    return comparableName(terminal.name) == name;
+  };
+  if (std::ranges::count_if(terminals, isMeant) == 1) {
+    return std::ranges::find_if(terminals, isMeant)->name;
+  }
+  std::vector<std::string_view> names;
+  std::ranges::transform(terminals, std::back_inserter(names), &tTerminal::name);
+  throw tUsageError("unknown terminal '" + text + "'",
+                    "Run 'quenra terminals' to list the terminals.", suggest(text, names));
 }
 
 // ---- terminals ----
@@ -126,11 +134,8 @@ void printRoutes(std::ostream& stream, const tRouteRequest& request,
 
 tRouteRequest parseRouteRequest(const tArguments& arguments, tRoutingSession& session) {
   const std::vector<tTerminal> terminals = session.terminals();
-  tRouteRequest request{arguments.text(nWords::kFrom), arguments.text(nWords::kTo),
-                        arguments.has(nWords::kInvert)};
-  checkTerminal(request.from, terminals);
-  checkTerminal(request.to, terminals);
-  return request;
+  return {terminalNamed(arguments.text(nWords::kFrom), terminals),
+          terminalNamed(arguments.text(nWords::kTo), terminals), arguments.has(nWords::kInvert)};
 }
 
 void rejectWithoutRoute(const tRouteRequest& request) {
