@@ -296,6 +296,18 @@ tFailure shrink(const tScheduleScenario& scenario, tOptions options, tFailure fa
   return failure;
 }
 
+void printFailure(const tScheduleScenario& scenario, const tFailure& failure) {
+  // Memory that leaks is found after the last run, which has nothing to do with it.
+  const bool isOfARun = !failure.table.empty();
+  // The fake Windows prints its own table.
+  const size_t length = isOfARun ? failure.errors.find(failure.table) : std::string::npos;
+  std::printf("%s%s", failure.errors.substr(0, length).c_str(), failure.table.c_str());
+  if (isOfARun) {
+    std::printf("\nRepeat it: ./dev schedules --replay '%s' %s\n", failure.schedule.c_str(),
+                scenario.name);
+  }
+}
+
 // Returns true if every run of the scenario kept its promises.
 bool exploreInProcess(const tScheduleScenario& scenario, const tOptions& options) {
   const auto start = tClock::now();
@@ -311,11 +323,7 @@ bool exploreInProcess(const tScheduleScenario& scenario, const tOptions& options
     const tFailure shortest = options.replay || failure->schedule.empty()
                                   ? *failure
                                   : shrink(scenario, options, *failure);
-    // The fake Windows prints its own table.
-    const size_t length = std::min(shortest.errors.find(shortest.table), shortest.errors.size());
-    std::printf("%s%s\nRepeat it: ./dev schedules --replay '%s' %s\n",
-                shortest.errors.substr(0, length).c_str(), shortest.table.c_str(),
-                shortest.schedule.c_str(), scenario.name);
+    printFailure(scenario, shortest);
   }
   return !failure;
 }
