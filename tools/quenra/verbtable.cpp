@@ -143,7 +143,8 @@ constexpr tOptionRow kRouteConnectOptions[] = {
     kFrom,
     kTo,
     kInvert,
-    {nWords::kFor, "SECONDS", "Hold the route for SECONDS, such as 2 or 0.25, instead of until Ctrl-C"},
+    {nWords::kFor, "SECONDS",
+     "Hold the route for SECONDS, such as 2 or 0.25, instead of until Ctrl-C"},
 };
 constexpr tExampleRow kRouteConnectExamples[] = {
     {"route connect --from TRIG_SMB --to PXI_Trig0", "until Ctrl-C"},
