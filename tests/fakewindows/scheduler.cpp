@@ -83,6 +83,7 @@ void tScheduler::finish() {
   current_ = nullptr;
   actors_.clear();
   events_.clear();
+  namesakes_.clear();
 }
 
 unsigned tScheduler::add(const std::string& name) {
