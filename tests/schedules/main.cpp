@@ -208,8 +208,9 @@ void replay(const tScheduleScenario& scenario, const tOptions& options) {
   runOnce(scenario, schedule);
   const tDeviations unused = schedule.unused();
   if (!unused.empty() && !options.mayLackPlaces) {
-    std::fprintf(stderr, "the run has no place for: %s\n", textOf(unused).c_str());
-    nFakeWindows::stop("replay", "the schedule is not one of this scenario");
+    std::fprintf(stderr, "the schedule is not one of this scenario, which has no place for: %s\n",
+                 textOf(unused).c_str());
+    report->hasFailed = true;
   }
   report->isComplete = true;
 }
@@ -234,6 +235,22 @@ void work(const tScheduleScenario& scenario, const tOptions& options) {
 
 // ---- In the parent ----
 
+// Waits for a process that explores, and shows its progress on a terminal.
+int waitFor(pid_t child, const tScheduleScenario& scenario) {
+  constexpr useconds_t kMicroseconds = 100'000;
+  const bool showsProgress = isatty(STDERR_FILENO) != 0;
+  int status = 0;
+  while (waitpid(child, &status, showsProgress ? WNOHANG : 0) == 0) {
+    std::fprintf(stderr, "\r%-16s %9llu schedules", scenario.name,
+                 static_cast<unsigned long long>(report->runs));
+    usleep(kMicroseconds);
+  }
+  if (showsProgress) {
+    std::fputs("\r\033[K", stderr);
+  }
+  return status;
+}
+
 // Runs a scenario in a process of its own. Its standard error goes to `errors`.
 void runInProcess(const tScheduleScenario& scenario, const tOptions& options, std::FILE* errors) {
   new (report) tReport{};
@@ -250,8 +267,7 @@ void runInProcess(const tScheduleScenario& scenario, const tOptions& options, st
     std::fflush(nullptr);
     _exit(report->hasFailed ? EXIT_FAILURE : EXIT_SUCCESS);
   }
-  int status = 0;
-  waitpid(child, &status, 0);
+  const int status = waitFor(child, scenario);
   report->hasFailed |= !WIFEXITED(status) || WEXITSTATUS(status) != EXIT_SUCCESS;
 }
 
@@ -313,12 +329,17 @@ bool exploreInProcess(const tScheduleScenario& scenario, const tOptions& options
   const auto start = tClock::now();
   const std::optional<tFailure> failure = failureOf(scenario, options);
   const double seconds = std::chrono::duration<double>(tClock::now() - start).count();
-  const char* const outcome = failure              ? "schedules until one fails"
-                              : report->isComplete ? "schedules within the bound, all run"
-                                                   : "schedules run, not all";
-  std::printf("%-16s %9llu %s, at most %llu decisions, %.1f s\n", scenario.name,
-              static_cast<unsigned long long>(failure ? report->runs + 1 : report->schedules),
-              outcome, static_cast<unsigned long long>(report->decisions), seconds);
+  if (options.replay) {
+    std::printf("%-16s the schedule %s\n", scenario.name,
+                failure ? "fails" : "keeps every promise");
+  } else {
+    const char* const outcome = failure              ? "schedules until one fails"
+                                : report->isComplete ? "schedules within the bound, all run"
+                                                     : "schedules run, not all";
+    std::printf("%-16s %9llu %s, at most %llu decisions, %.1f s\n", scenario.name,
+                static_cast<unsigned long long>(failure ? report->runs + 1 : report->schedules),
+                outcome, static_cast<unsigned long long>(report->decisions), seconds);
+  }
   if (failure) {
     const tFailure shortest = options.replay || failure->schedule.empty()
                                   ? *failure
@@ -400,6 +421,7 @@ tOptions optionsOf(int argc, char** argv) {
         options.freeRuns = numberOf<uint64_t>(optarg);
         break;
       case 'y':
+        static_cast<void>(deviationsOf(optarg));  // throws if it is not a schedule
         options.replay = optarg;
         break;
       case 'k':
