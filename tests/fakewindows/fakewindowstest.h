@@ -34,6 +34,8 @@ class FakeWindowsTest : public testing::Test {
   }
   void TearDown() override {
     virtualTime_.reset();
+    // The thread sanitizer delays the end of a program with threads.
+    scheduler().endIdleThreads();
     objects().waitForThreads();
     EXPECT_EQ(objects().open(), std::vector<std::string>()) << "left open";
     EXPECT_EQ(com()->open(), std::vector<std::string>()) << "left alive";

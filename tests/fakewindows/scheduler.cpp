@@ -104,7 +104,7 @@ unsigned tScheduler::start(const std::string& name, std::function<void()> routin
   actor.number = add(name);
   if (idle_.empty()) {
     tWorker& worker = *workers_.emplace_back(std::make_unique<tWorker>());
-    std::thread([this, &worker] { runWorker(worker); }).detach();
+    worker.thread = std::thread([this, &worker] { runWorker(worker); });
     idle_.push_back(&worker);
   }
   tWorker& worker = *idle_.back();
@@ -118,6 +118,9 @@ unsigned tScheduler::start(const std::string& name, std::function<void()> routin
 void tScheduler::runWorker(tWorker& worker) {
   for (;;) {
     worker.start.acquire();
+    if (!worker.routine) {
+      return;
+    }
     tActor& actor = *worker.actor;
     actor.turn.acquire();
     current_ = &actor;
@@ -131,6 +134,15 @@ void tScheduler::runWorker(tWorker& worker) {
     idle_.push_back(&worker);
     decide(actor);
   }
+}
+
+void tScheduler::endIdleThreads() {
+  for (const std::unique_ptr<tWorker>& worker : workers_) {
+    worker->start.release();
+    worker->thread.join();
+  }
+  workers_.clear();
+  idle_.clear();
 }
 
 void tScheduler::join(unsigned thread) {

@@ -123,6 +123,9 @@ class tScheduler {
   // Milliseconds since the start of the run.
   [[nodiscard]] uint64_t now() const noexcept { return now_; }
 
+  // Ends the threads that are kept for the next run. Not during a run.
+  void endIdleThreads();
+
   // The decisions of the current run, or of the last one.
   [[nodiscard]] const std::vector<tScheduledStep>& steps() const noexcept { return steps_; }
   // The name of a thread or an event by its number.
@@ -153,11 +156,12 @@ class tScheduler {
     tCondition condition;
     std::function<void()> effect;
   };
-  // Executes the routines of one actor after the other.
+  // Executes the routines of one actor after the other. Ends when it is started without a routine.
   struct tWorker {
     tActor* actor = nullptr;
     std::function<void()> routine;
     std::counting_semaphore<> start{0};
+    std::thread thread;
   };
 
   unsigned add(const std::string& name);
@@ -170,7 +174,7 @@ class tScheduler {
   [[nodiscard]] unsigned choose(tActor& self);
   [[nodiscard]] bool passTime();
   [[nodiscard]] bool occur(unsigned number);
-  [[noreturn]] void runWorker(tWorker& worker);
+  void runWorker(tWorker& worker);
   [[noreturn]] void stopForDeadlock() const;
 
   static thread_local tActor* current_;
