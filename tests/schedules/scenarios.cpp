@@ -2,14 +2,12 @@
 
 #include <array>
 #include <atomic>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "protocol/interfaces.h"
-#include "protocol/routingrequests.h"
 #include "quenra.h"
 #include "quenra_routing.h"
 #include "simulator/control/tsimulatedmachine.h"
@@ -17,7 +15,6 @@
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/builders/smbiostablebuilder.h"
 #include "tests/fakewindows/com.h"
-#include "tests/fakewindows/disk.h"
 #include "tests/fakewindows/faultplan.h"
 #include "tests/fakewindows/machine.h"
 #include "tests/fakewindows/objects.h"

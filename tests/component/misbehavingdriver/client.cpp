@@ -2,14 +2,12 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 
 #include "protocol/controllerrequests.h"
 #include "quenra.h"

@@ -4,12 +4,10 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <climits>
 #include <cstring>
 #include <functional>
 #include <random>
-#include <thread>
 
 #include "protocol/controllerrequests.h"
 #include "protocol/pendingrequests.h"
