@@ -1,5 +1,5 @@
 // The program quenra: its grammar with every verb and the words that completion offers, and the function
-// that runs a command line. A new verb requires a row in verbtable.cpp and a function in commandline.cpp.
+// that runs a command line. A new verb requires a row in verbtable/ and a function in commandline.cpp.
 #ifndef TOOLS_QUENRA_COMMANDLINE_H
 #define TOOLS_QUENRA_COMMANDLINE_H
 

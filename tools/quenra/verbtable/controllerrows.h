@@ -1,0 +1,95 @@
+// The rows of the verbs that read and write attributes and test the controller.
+#ifndef TOOLS_QUENRA_VERBTABLE_CONTROLLERROWS_H
+#define TOOLS_QUENRA_VERBTABLE_CONTROLLERROWS_H
+
+#include "tools/quenra/commandline.h"
+
+namespace nCommandLine::nRows {
+
+inline constexpr std::string_view kInterface = "interface";
+
+inline constexpr tOptionRow kInstance{nWords::kInstance, "N",
+                                      "Memory module, processor or list position, from 0"};
+
+// ---- info ----
+
+inline constexpr tExampleRow kInfoExamples[] = {
+    {"info", "all attributes of this machine"},
+    {"info --json", "the same as JSON"},
+};
+
+// ---- get ----
+
+inline constexpr tPositionalRow kGetPositionals[] = {
+    {nWords::kAttribute, "NAME|ID",
+     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kReadableWords},
+};
+inline constexpr tOptionRow kGetOptions[] = {
+    kInstance,
+    {nWords::kController, "", "Read from the controller interface", kInterface},
+    {nWords::kMarten, "", "Read from the Marten interface", kInterface},
+};
+inline constexpr tExampleRow kGetExamples[] = {
+    {"get product-name", "one attribute by its name"},
+    {"get 0x10000100", "... and by its id"},
+    {"get memory-size --instance 1", "the second populated memory module"},
+    {"get firmware-version --controller", "the BIOS, not the Marten"},
+};
+
+// ---- set ----
+
+inline constexpr tPositionalRow kSetPositionals[] = {
+    {nWords::kAttribute, "NAME|ID",
+     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kWritableWords},
+    {nWords::kValue, "VALUE",
+     "A text, or a number in decimal or in hexadecimal after 0x, without its unit"},
+};
+inline constexpr tOptionRow kSetOptions[] = {
+    kInstance,
+    {nWords::kController, "", "Write to the controller interface, the default of numbers",
+     kInterface},
+    {nWords::kMarten, "", "Write to the Marten interface", kInterface},
+    {nWords::kBoth, "", "Write to both, the default of text-setting-of-both", kInterface},
+};
+inline constexpr tExampleRow kSetExamples[] = {
+    {"set driver-setting-1 7", "a number"},
+    {"set driver-setting-2 0x1F --marten", "... on the Marten interface"},
+    {"set text-setting-of-both rack-7", "a text for both interfaces"},
+    {"set text-setting-of-both --marten -- -7", "... for one, beginning with a dash"},
+};
+
+// ---- self-test ----
+
+inline constexpr tExampleRow kSelfTestExamples[] = {
+    {"self-test", "check that the controller can be opened and used"},
+};
+
+// clang-format off
+inline constexpr tVerbRow kControllerVerbs[] = {
+    {"info", "Show all attributes of this machine, by subject",
+     "An attribute that the machine does not have is shown as such and is not an error. Other reads that fail are shown with their code.",
+     {}, {}, kInfoExamples},
+
+    {"get", "Show one attribute",
+     "On a terminal a number comes with its unit and its meaning; elsewhere the bare value is printed. "
+     "Without an interface option the library chooses the interface.",
+     kGetPositionals, kGetOptions, kGetExamples},
+
+    {"set", "Write one attribute",
+     "The driver decides which attributes it accepts. Numbers go to the controller interface, or with "
+     "--marten to the Marten interface. A text goes to the controller interface, or to the Marten "
+     "interface where the controller does not accept it; text-setting-of-both goes to both, or with "
+     "--marten to the Marten interface alone. On a terminal a line confirms the value that was "
+     "written; elsewhere success is silent. A value that begins with a dash follows --, after all "
+     "options.",
+     kSetPositionals, kSetOptions, kSetExamples},
+
+    {"self-test", "Test the controller",
+     "Opens the controller and runs the self-test of the library, which passes if the controller can be opened.",
+     {}, {}, kSelfTestExamples},
+};
+// clang-format on
+
+}  // namespace nCommandLine::nRows
+
+#endif
