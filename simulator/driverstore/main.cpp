@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string>
 
-#include "simulator/model/sha256.h"
+#include "sha256/sha256.h"
 #include "simulator/scenario/servicescenarios.h"
 #include "simulator/scenario/wine.h"
 

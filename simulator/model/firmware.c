@@ -1,9 +1,9 @@
 #include "simulator/model/firmware.h"
 
 #include "protocol/controllerrequests.h"
+#include "sha256/sha256.h"
 #include "simulator/model/bytes.h"
 #include "simulator/model/requests.h"
-#include "simulator/model/sha256.h"
 
 void firmwareClear(tFirmwareSink* sink) {
   sink->controllerPayloads = 0;

@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "protocol/controllerrequests.h"
-#include "simulator/model/sha256.h"
+#include "sha256/sha256.h"
 #include "tests/builders/firmwareimagebuilder.h"
 #include "tests/builders/ttemporaryfolder.h"
 #include "tests/contract/contracttest.h"

@@ -9,8 +9,8 @@
 #include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
 #include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
 #include "protocol/controllerrequests.h"
+#include "sha256/sha256.h"
 #include "simulator/control/tsimulatedmachine.h"
-#include "simulator/model/sha256.h"
 #include "tests/component/simulator/modeltest.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
 

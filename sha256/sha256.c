@@ -1,6 +1,4 @@
-#include "simulator/model/sha256.h"
-
-#include "simulator/model/bytes.h"
+#include "sha256/sha256.h"
 
 /* Fractional parts of the square roots of the first 8 primes and the cube roots of the first 64. */
 static const uint32_t kFirstState[8] = {0x6A09E667, 0xBB67AE85, 0x3C6EF372, 0xA54FF53A,
@@ -40,7 +38,9 @@ static void addBlock(uint32_t state[8], const uint8_t* block) {
   uint32_t words[64];
   uint32_t v[8];
   expandBlock(words, block);
-  copyBytes(v, state, sizeof(v));
+  for (unsigned i = 0; i < 8; ++i) {
+    v[i] = state[i];
+  }
   for (unsigned i = 0; i < 64; ++i) {
     const uint32_t chosen = (v[4] & v[5]) ^ (~v[4] & v[6]);
     const uint32_t majority = (v[0] & v[1]) ^ (v[0] & v[2]) ^ (v[1] & v[2]);
@@ -59,16 +59,21 @@ static void addBlock(uint32_t state[8], const uint8_t* block) {
 }
 
 void sha256Start(tSha256* hash) {
-  fillWithZeros(hash, sizeof(*hash));
-  copyBytes(hash->state, kFirstState, sizeof(kFirstState));
+  hash->size = 0;
+  for (unsigned i = 0; i < 8; ++i) {
+    hash->state[i] = kFirstState[i];
+  }
 }
 
 void sha256Add(tSha256* hash, const void* bytes, uint32_t size) {
   const uint8_t* from = bytes;
   while (size != 0) {
     const uint32_t used = (uint32_t)(hash->size % SHA256_BLOCK_SIZE);
-    const uint32_t taken = smallerOf(size, SHA256_BLOCK_SIZE - used);
-    copyBytes(hash->block + used, from, taken);
+    const uint32_t free = SHA256_BLOCK_SIZE - used;
+    const uint32_t taken = size < free ? size : free;
+    for (uint32_t i = 0; i < taken; ++i) {
+      hash->block[used + i] = from[i];
+    }
     hash->size += taken;
     from += taken;
     size -= taken;

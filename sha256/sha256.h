@@ -1,6 +1,6 @@
 /* An incremental SHA-256 hash without operating system or C library. */
-#ifndef SIMULATOR_MODEL_SHA256_H
-#define SIMULATOR_MODEL_SHA256_H
+#ifndef SHA256_SHA256_H
+#define SHA256_SHA256_H
 
 #include <stdint.h>
 
