@@ -1,7 +1,36 @@
 #!/usr/bin/env bash
 # ./dev test [PRESET…]: sets up, builds, and runs every test, natively and in the simulated machine.
+# ./dev test --integration [NAME…]: does so for the tests that need other large programs.
 # shellcheck source=scripts/lib/machine.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
+
+# Integration tests, each with the Debian packages that only this test needs. tests/integration/README.md
+# describes how to add one.
+declare -rA integration_packages=(
+  [layout]="chromium ${docs_packages[*]}"
+)
+# Targets of the preset windows that the integration tests run.
+readonly integration_targets=(quenra_dll quenra_exe quenra-sim)
+
+run_integration_tests() {
+  local names=("$@") name packages
+  (($#)) || names=("${!integration_packages[@]}")
+  for name in "${names[@]}"; do
+    [[ ${integration_packages[$name]:-} ]] ||
+      fail "there is no integration test '$name'; use ${!integration_packages[*]}"
+  done
+  end_machine_on_exit
+  install_packages "${windows_packages[@]}" "${machine_packages[@]}"
+  for name in "${names[@]}"; do
+    read -ra packages <<<"${integration_packages[$name]}"
+    install_packages "${packages[@]}"
+  done
+  build_preset windows "${integration_targets[@]}"
+  machine_on
+  step "Testing together with other programs: ${names[*]}"
+  ctest --preset integration --tests-regex "^integration_($(IFS='|' && printf '%s' "${names[*]}"))$" ||
+    fail "integration tests failed. To repeat one of them: ./dev test --integration ${names[0]}"
+}
 
 # Prints the number of faults that the fault sweep has injected.
 report_faults() {
@@ -11,6 +40,11 @@ report_faults() {
     "$(awk '{ sum += $1 } END { print sum }' "${counts[@]}")" "${#counts[@]}"
 }
 
+if [[ ${1:-} == --integration ]]; then
+  shift
+  run_integration_tests "$@"
+  exit
+fi
 presets=("$@")
 (($#)) || presets=(native native-library thread windows)
 for preset in "${presets[@]}"; do

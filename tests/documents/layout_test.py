@@ -1,6 +1,4 @@
-"""The pages and the search in a browser, from files: the widths of a telephone and of a screen.
-
-Skipped without chromium, whose package is too large for every test run."""
+"""The pages and the search in a browser, from files: the widths of a telephone and of a screen."""
 
 import html
 import json
@@ -82,7 +80,6 @@ def seen_by_a_browser():
     return json.loads(html.unescape(match[1]))
 
 
-@unittest.skipUnless(builtsite.chromium(), "needs chromium")
 class Browser(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
