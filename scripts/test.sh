@@ -8,9 +8,34 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 # describes how to add one.
 declare -rA integration_packages=(
   [layout]="chromium ${docs_packages[*]}"
+  [metrics]="python3-prometheus-client"
+)
+# Debian packages that a test unpacks into build/integration/NAME, because installing them would start services. A
+# system has those that it knows: Debian 12 has promtool in prometheus.
+declare -rA integration_unpacked=(
+  [metrics]="prometheus prometheus-node-exporter promtool"
 )
 # Targets of the preset windows that the integration tests run.
 readonly integration_targets=(quenra_dll quenra_exe quenra-sim)
+
+# unpack_packages FOLDER PACKAGE…
+unpack_packages() {
+  local folder=$1 package known=()
+  [[ ! -f $folder/.unpacked ]] || return 0
+  step "Unpacking ${*:2}"
+  rm -rf "$folder"
+  mkdir -p "$folder/archives"
+  for package in "${@:2}"; do
+    [[ -z $(apt-cache madison "$package") ]] || known+=("$package")
+  done
+  (cd "$folder/archives" && apt-get download -qq "${known[@]}" >/dev/null 2>&1) ||
+    fail "downloading ${known[*]:-${*:2}} failed; try: apt-get update && apt-get download ${known[*]:-${*:2}}"
+  for package in "$folder"/archives/*.deb; do
+    dpkg-deb --extract "$package" "$folder"
+  done
+  rm -r "$folder/archives"
+  touch "$folder/.unpacked"
+}
 
 run_integration_tests() {
   local names=("$@") name packages
@@ -24,6 +49,8 @@ run_integration_tests() {
   for name in "${names[@]}"; do
     read -ra packages <<<"${integration_packages[$name]}"
     install_packages "${packages[@]}"
+    read -ra packages <<<"${integration_unpacked[$name]:-}"
+    ((${#packages[@]} == 0)) || unpack_packages "$build/integration/$name" "${packages[@]}"
   done
   build_preset windows "${integration_targets[@]}"
   machine_on

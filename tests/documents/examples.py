@@ -50,9 +50,10 @@ TESTED_ELSEWHERE = {
     ("docs/cpp.md", "cpp"): "tests/bindings/cpp/cpp_page.py",
     ("docs/python.md", "python"): "tests/bindings/python/test_guide.py",
     ("docs/csharp.md", "csharp"): "tests/bindings/csharp/package_test.py",
+    ("docs/many-racks.md", "promql"): "tests/integration/metrics_test.py",
 }
 # Languages without a function below: their blocks state a reason.
-READ_ONLY = ("bat", "cmake", "csharp", "powershell", "xml", "toml", "yaml", "ini")
+READ_ONLY = ("bat", "cmake", "csharp", "powershell", "promql", "xml", "toml", "yaml", "ini")
 
 FENCE = re.compile(r"(\s*)(`{3,})([^`]*)$")
 OPTION = re.compile(r'([\w-]+)(?:=(?:"([^"]*)"|(\S+)))?')

@@ -18,6 +18,7 @@ constexpr tFunctionRow kFunctions[] = {
     {"get", runGet},
     {"set", runSet},
     {"self-test", runSelfTest},
+    {"metrics", runMetrics},
     {"terminals", runTerminals},
     {"route plan", runRoutePlan},
     {"route connect", runRouteConnect},

@@ -29,6 +29,7 @@ extern const tWordSet kFirmwareWords;  // the second words of a group
 extern const tWordSet kRouteWords;     // ... of another group
 extern const tWordSet kDeviceWords;    // devices of a firmware image
 extern const tWordSet kTerminalWords;  // names of trigger terminals
+extern const tWordSet kFormatWords;    // formats of metrics
 
 // The trigger terminals of the controllers that this version supports, in the order of the library.
 // The verbs query the library; completion scripts, which run without it, contain this list.

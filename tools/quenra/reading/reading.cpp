@@ -124,6 +124,15 @@ std::string shownValue(const tAttributeRow* row, const tAttributeValue& value) {
   return row == nullptr || number == nullptr ? plainValue(value) : unsignedText(*row, *number);
 }
 
+std::optional<uint64_t> memorySizeInBytes(uint32_t size) noexcept {
+  constexpr uint64_t kKibibyte = 1024;
+  if (size == kSizeUnknown || size == kSizeElsewhere) {
+    return std::nullopt;
+  }
+  return isSizeInMebibytes(size) ? size * kKibibyte * kKibibyte
+                                 : (size & ~kSizeInKibibytes) * kKibibyte;
+}
+
 std::string_view unitOf(const tAttributeRow* row, const tAttributeValue& value) {
   const auto* const number = std::get_if<uint32_t>(&value);
   if (row == nullptr || number == nullptr) {

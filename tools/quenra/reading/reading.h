@@ -4,6 +4,7 @@
 #define TOOLS_QUENRA_READING_READING_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -68,6 +69,9 @@ struct tReading {
 
 // The value for people: with its unit, and with the name that the table has for a number.
 [[nodiscard]] std::string shownValue(const tAttributeRow* row, const tAttributeValue& value);
+
+// Decodes the SMBIOS size word of a memory module. Empty if the word cannot represent the size.
+[[nodiscard]] std::optional<uint64_t> memorySizeInBytes(uint32_t size) noexcept;
 
 // The unit of the number itself; empty if it has none.
 [[nodiscard]] std::string_view unitOf(const tAttributeRow* row, const tAttributeValue& value);

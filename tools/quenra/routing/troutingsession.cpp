@@ -125,7 +125,13 @@ std::string routingDevice(iQuenra& library) {
   return std::get<std::string>(reading.value);
 }
 
+tRouteCounters& routeCounters() noexcept {
+  constinit static tRouteCounters counters;
+  return counters;
+}
+
 void tDemotions::add(int32_t reason) noexcept {
+  ++routeCounters().demoted;
   {
     const std::scoped_lock lock(mutex_);
     if (count_ < kCapacity) {
@@ -221,6 +227,7 @@ void tRoutingSession::program(uint32_t ticket) {
   tRoutingStatus status;
   library_.programRoute(session_, ticket, status.get());
   check(status.record(), "cannot program the route");
+  ++routeCounters().programmed;
 }
 
 std::vector<std::string> tRoutingSession::path(uint32_t ticket) {

@@ -3,6 +3,7 @@
 #define TOOLS_QUENRA_ROUTING_TROUTINGSESSION_H
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -50,6 +51,13 @@ struct tRoute {
 
 // The path of the device for routing sessions. Throws tCommandError on failure.
 [[nodiscard]] std::string routingDevice(iQuenra& library);
+
+// The routes of this process, for metrics.
+struct tRouteCounters {
+  std::atomic<uint64_t> programmed = 0;
+  std::atomic<uint64_t> demoted = 0;
+};
+[[nodiscard]] tRouteCounters& routeCounters() noexcept;
 
 // Queue of demotions from the session's callback thread to the thread that prints them.
 class tDemotions {

@@ -51,9 +51,11 @@ inline constexpr std::string_view kFileName = "--file-name";
 inline constexpr std::string_view kFirmwareVersion = "--firmware-version";
 inline constexpr std::string_view kFor = "--for";
 inline constexpr std::string_view kForce = "--force";
+inline constexpr std::string_view kFormat = "--format";
 inline constexpr std::string_view kFrom = "--from";
 inline constexpr std::string_view kInstance = "--instance";
 inline constexpr std::string_view kInvert = "--invert";
+inline constexpr std::string_view kLabel = "--label";
 inline constexpr std::string_view kLineLength = "--line-length";
 inline constexpr std::string_view kMarten = "--marten";
 inline constexpr std::string_view kNoWait = "--no-wait";
@@ -61,7 +63,12 @@ inline constexpr std::string_view kOnlyNewer = "--only-newer";
 inline constexpr std::string_view kOutput = "--output";
 inline constexpr std::string_view kPlan = "--plan";
 inline constexpr std::string_view kTo = "--to";
+inline constexpr std::string_view kWatch = "--watch";
 }  // namespace nWords
+
+// The values of --format.
+inline constexpr std::string_view kOpenMetrics = "openmetrics";
+inline constexpr std::string_view kPrometheusText = "prometheus";
 
 // ---- The controller ----
 
@@ -74,6 +81,12 @@ inline constexpr std::string_view kTo = "--to";
 [[nodiscard]] tExitCode runSet(const tArguments& arguments, const tVerbContext& context);
 // `quenra self-test`: opens the controller and lets the library test itself.
 [[nodiscard]] tExitCode runSelfTest(const tArguments& arguments, const tVerbContext& context);
+
+// ---- For others: monitoring ----
+
+// `quenra metrics`: the state of this machine for Prometheus. The exit code is `done` also if the
+// controller cannot be opened: the metrics report it.
+[[nodiscard]] tExitCode runMetrics(const tArguments& arguments, const tVerbContext& context);
 
 // ---- Trigger routes ----
 

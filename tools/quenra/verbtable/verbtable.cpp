@@ -6,6 +6,7 @@
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/verbtable/controllerrows.h"
 #include "tools/quenra/verbtable/firmwarerows.h"
+#include "tools/quenra/verbtable/monitoringrows.h"
 #include "tools/quenra/verbtable/referencerows.h"
 #include "tools/quenra/verbtable/routerows.h"
 
@@ -21,8 +22,8 @@ consteval auto joined(const tVerbRow (&... families)[Counts]) {
 }
 
 // In the order of the help and the manual page.
-constexpr auto kVerbs = joined(nRows::kControllerVerbs, nRows::kRouteVerbs, nRows::kFirmwareVerbs,
-                               nRows::kReferenceVerbs);
+constexpr auto kVerbs = joined(nRows::kControllerVerbs, nRows::kMonitoringVerbs, nRows::kRouteVerbs,
+                               nRows::kFirmwareVerbs, nRows::kReferenceVerbs);
 
 constexpr tVerbGroupRow kGroups[] = {
     {"route", "Plan trigger routes, and connect them", &kRouteWords},
@@ -37,7 +38,7 @@ constexpr tEnvironmentRow kEnvironment[] = {
 
 constexpr const tWordSet* kWordSets[] = {
     &kReadableWords, &kWritableWords, &kStatusWords, &kVerbWords,     &kFirmwareWords,
-    &kRouteWords,    &kShellWords,    &kDeviceWords, &kTerminalWords,
+    &kRouteWords,    &kShellWords,    &kDeviceWords, &kTerminalWords, &kFormatWords,
 };
 
 }  // namespace

@@ -66,6 +66,11 @@ tWords terminals() {
   return {std::begin(kTerminalNames), std::end(kTerminalNames)};
 }
 
+tWords formats() {
+  return {{kOpenMetrics, "OpenMetrics 1.0.0"},
+          {kPrometheusText, "The text format of Prometheus, for text file collectors"}};
+}
+
 }  // namespace
 
 constinit const tWordSet kReadableWords{"attributes", readable};
@@ -76,5 +81,6 @@ constinit const tWordSet kFirmwareWords{"firmware", firmwareActions};
 constinit const tWordSet kRouteWords{"route", routeActions};
 constinit const tWordSet kDeviceWords{"devices", devices};
 constinit const tWordSet kTerminalWords{"terminals", terminals};
+constinit const tWordSet kFormatWords{"formats", formats};
 
 }  // namespace nCommandLine
