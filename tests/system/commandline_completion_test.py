@@ -87,6 +87,18 @@ class Bash(CommandLineTest):
         self.assertEqual(self.offered("set", ""), [a["name"] for a in attributes if a["writable"]])
         self.assertEqual(self.offered("get", "product-"), ["product-name"])
 
+    def test_further_attributes_are_offered(self):
+        self.assertEqual(self.offered("get", "product-name", "serial-n"), ["serial-number"])
+        self.assertEqual(self.offered("get", "product-name", "--instance", "1", "memory-size", ""),
+                         self.offered("get", ""))
+        self.assertEqual(self.offered("get", "product-name", "--m"), ["--marten"])
+        self.assertEqual(self.offered("set", "driver-setting-1", "7", ""), self.offered("set", "x", "7", "--"))
+
+    def test_subjects_are_offered(self):
+        self.assertEqual(self.offered("info", "--subject", "mem"), ["memory"])
+        self.assertEqual(self.offered("info", "--subject", "memory", "--"),
+                         ["--help", "--json", "--subject"])
+
     def test_every_status_is_offered(self):
         offered = self.offered("explain", "")
         self.assertEqual(self.offered("explain", "QUENRA_STATUS_NOT_S"), ["QUENRA_STATUS_NOT_SUPPORTED"])
@@ -134,7 +146,7 @@ class Bash(CommandLineTest):
                          ["--help", "--controller", "--marten"])
 
     def test_options_are_offered_where_nothing_else_can_stand(self):
-        self.assertEqual(self.offered("info", ""), ["--help", "--json"])
+        self.assertEqual(self.offered("self-test", ""), ["--help", "--json"])
 
     def test_no_option_is_offered_after_two_dashes(self):
         self.assertEqual(self.offered("set", "--", "driver-setting-1", "--"), [])
@@ -209,6 +221,12 @@ class PowerShell(CommandLineTest):
             rows = re.findall(rf"@\{{ Name = '{option}'; .*; Words = '(\w*)'; ", text)
             self.assertEqual(rows, ["terminals", "terminals"])  # of 'plan' and of 'connect'
         self.assertIn("$offered = $words[$valued.Words]", text)
+
+
+    def test_only_get_accepts_further_attributes(self):
+        text = ScriptFile(self, "powershell").text
+        entries = re.findall(r"(?m)^        '([^']*)' = @\{((?:\n            .*)*)", text)
+        self.assertEqual([name for name, entry in entries if "RepeatsLast = $true" in entry], ["get"])
 
 
 class SimulatorScript(CommandLineTest):

@@ -20,6 +20,24 @@ class Get(CommandLineTest):
         self.assertEqual(self.value("memory-size", "--instance", "2"), 8192)
         self.assertEqual(self.value("0x2000D002"), 8192)
 
+    def test_several_attributes(self):
+        names = ("product-name", "serial-number", "memory-size")
+        self.assertEqual(self.quenra("get", *names, "--instance", "2").out,
+                         "qctl-8840\nVQ02C47A9\n8192\n")
+        document = self.document("get", *names, "--instance", "2", kind="get")
+        self.assertEqual([reading["value"] for reading in document["readings"]],
+                         ["qctl-8840", "VQ02C47A9", 8192])
+        self.assertNotIn("attribute", document)
+
+    def test_failure_among_several_attributes_leaves_its_line_empty(self):
+        self.machine("attribute", "remove", "controller", "0x20044C00")
+        run = self.quenra("get", "driver-setting-1", "driver-setting-2", exit_code=3)
+        self.assertEqual(run.out, "\n250\n")
+        self.assertIn("driver-setting-1 is not supported", run.error)
+        document = self.document("get", "driver-setting-1", "driver-setting-2", kind="get", exit_code=3)
+        self.assertEqual([reading["state"] for reading in document["readings"]],
+                         ["notSupported", "value"])
+
     def test_unit_is_in_the_document(self):
         attribute = self.document("get", "memory-speed", kind="get")["attribute"]
         self.assertEqual((attribute["unit"], attribute["shown"]), ("MT/s", "3200 MT/s"))

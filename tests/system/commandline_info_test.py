@@ -52,6 +52,13 @@ class Info(CommandLineTest):
         self.assertEqual(states(document, "driver-setting-1"), ["notSupported"])
         self.assertEqual(states(document, "driver-setting-2"), ["value"])
 
+    def test_subject_limits_the_listing(self):
+        document = self.document("info", "--subject", "memory", kind="info")
+        self.assertEqual([subject["subject"] for subject in document["subjects"]], ["memory"])
+        self.assertEqual(values(document, "memory-size"), [16384, 16384, 8192])
+        self.assertTrue(self.quenra("info", "--subject", "memory").out.startswith("Memory\n"))
+        self.quenra("info", "--subject", "nothing", exit_code=2)
+
     def test_machine_without_device_path_is_shown_as_such(self):
         self.machine("scenario", "--device-paths", "0")
         self.assertEqual(states(self.document("info", kind="info"), "device-path"), ["notAvailable"])

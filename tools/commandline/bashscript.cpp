@@ -27,7 +27,7 @@ constexpr std::string_view kBody = R"sh(
 }
 
 @prefix@() {
-  local word=${COMP_WORDS[COMP_CWORD]} options valued repeatable choices positionals
+  local word=${COMP_WORDS[COMP_CWORD]} options valued repeatable choices positionals many
   local current verb='' group='' ended='' option='' offered given=0 i
   local -A values
   COMPREPLY=()
@@ -53,6 +53,8 @@ constexpr std::string_view kBody = R"sh(
       ((++given))
     fi
   done
+  # The last positional of some verbs is any number of words.
+  [[ -z $many ]] || ((given < ${#positionals[@]})) || given=$((${#positionals[@]} - 1))
   if ((i != COMP_CWORD)); then
     # The value of an option, which is still empty at its equals sign.
     offered=${values[$option]-}
@@ -145,6 +147,10 @@ std::string positionalWords(const tVerbRow& verb) {
   return text;
 }
 
+bool repeatsPositional(const tVerbRow& verb) {
+  return !verb.positionals.empty() && verb.positionals.back().repeatable;
+}
+
 std::string caseOf(const tGrammar& grammar, const tVerbRow& verb) {
   std::string text = "    '" + std::string(verb.name) + "')\n";
   text += "      options='" + optionNames(grammar.optionsOfEveryVerb, verb.options) + "'\n";
@@ -156,6 +162,7 @@ std::string caseOf(const tGrammar& grammar, const tVerbRow& verb) {
   text += "      values=(" + valueWords(verb.options) + ")\n";
   text += "      choices=(" + choices(verb.options) + ")\n";
   text += "      positionals=(" + positionalWords(verb) + ")\n";
+  text += repeatsPositional(verb) ? "      many=yes\n" : "";
   return text + "      ;;\n";
 }
 
@@ -169,7 +176,7 @@ std::string grammarFunction(const tGrammar& grammar) {
   std::string text =
       "\n# Sets the words that may follow a verb, or precede it, in the variables of the caller.\n"
       "@prefix@_grammar() {\n"
-      "  options='' valued='' repeatable='' values=() choices=() positionals=() group=''\n"
+      "  options='' valued='' repeatable='' values=() choices=() positionals=() group='' many=''\n"
       "  case $1 in\n"
       "    '')\n"
       "      options='" +

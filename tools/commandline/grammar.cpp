@@ -17,7 +17,7 @@ constexpr tSynopsisStyle kUnstyled{unstyled, unstyled};
 std::string positionals(const tVerbRow& verb, const tSynopsisStyle& style) {
   std::string text;
   for (const tPositionalRow& row : verb.positionals) {
-    const std::string word = style.placeholder(row.valueName);
+    const std::string word = style.placeholder(row.valueName) + (row.repeatable ? "..." : "");
     text += row.required ? " " + word : " [" + word + "]";
   }
   return text;

@@ -34,6 +34,7 @@ struct tPositionalRow {
   std::string_view description;
   const tWordSet* words = nullptr;  // its completions; null for none
   bool required = true;
+  bool repeatable = false;  // further words belong to it; the last positional of its verb only
 };
 
 struct tOptionRow {
@@ -137,7 +138,7 @@ class tArguments {
   [[nodiscard]] std::string text(std::string_view name) const {
     return optional(name).value_or("");
   }
-  // The values of a repeatable option, in the order of the command line.
+  // The values of a repeatable option or positional, in the order of the command line.
   [[nodiscard]] std::vector<std::string> all(std::string_view name) const {
     const auto found = values_.find(name);
     return found == values_.end() ? std::vector<std::string>() : found->second;
@@ -205,7 +206,7 @@ struct tSynopsisStyle {
   std::string (*placeholder)(std::string_view);
 };
 
-// "quenra get NAME|ID [--instance N] [--controller|--marten]", without the options of every verb.
+// "quenra get NAME|ID... [--instance N] [--controller|--marten]", without the options of every verb.
 [[nodiscard]] std::string synopsis(const tGrammar& grammar, const tVerbRow& verb,
                                    const tSynopsisStyle& style);
 [[nodiscard]] std::string synopsis(const tGrammar& grammar, const tVerbRow& verb);

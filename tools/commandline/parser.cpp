@@ -115,7 +115,7 @@ class tWordReader {
       addOption(row);
     }
     for (const tPositionalRow& row : positionals_) {
-      app_.add_option(std::string(row.name));
+      addPositional(row);
     }
   }
 
@@ -139,6 +139,13 @@ class tWordReader {
         ->default_str(std::string(kMissingValue))
         ->allow_extra_args(false)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  }
+
+  void addPositional(const tPositionalRow& row) {
+    CLI::Option* const option = app_.add_option(std::string(row.name));
+    if (row.repeatable) {
+      option->allow_extra_args()->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    }
   }
 
   [[noreturn]] void reject(const std::string& fault) const {
@@ -218,10 +225,11 @@ class tWordReader {
 
   void read(const tPositionalRow& row) {
     const CLI::Option& option = *app_.get_option(std::string(row.name));
-    if (option.count() != 0) {
-      arguments_.add(row.name, option.results().front());
-    } else if (row.required) {
+    if (option.count() == 0 && row.required) {
       reject(alternativesIn(row.valueName) + " is missing");
+    }
+    for (const std::string& word : option.results()) {
+      arguments_.add(row.name, word);
     }
   }
 

@@ -62,6 +62,9 @@ constexpr std::string_view kBody = R"ps(
     }
 
     $positionals = $grammar[$verb].Positionals
+    if ($grammar[$verb].RepeatsLast -and $given -ge $positionals.Count) {
+        $given = $positionals.Count - 1
+    }
     if ($null -ne $valued) {
         if ($valued.Words -eq '') {
             return
@@ -122,10 +125,11 @@ std::string optionLines(std::span<const tOptionRow> options) {
 }
 
 std::string entry(std::string_view verb, const std::string& options, const std::string& positionals,
-                  bool isGroup = false) {
+                  bool isGroup = false, bool repeatsLast = false) {
   return "        " + quoted(verb) + " = @{\n            Options = @(\n" + options +
          "            )\n            Positionals = @(" + positionals +
-         ")\n            IsGroup = " + (isGroup ? "$true" : "$false") + "\n        }\n";
+         ")\n            IsGroup = " + (isGroup ? "$true" : "$false") +
+         (repeatsLast ? "\n            RepeatsLast = $true" : "") + "\n        }\n";
 }
 
 std::string positionalSets(const tVerbRow& verb) {
@@ -147,7 +151,8 @@ std::string grammarTable(const tGrammar& grammar) {
   }
   for (const tVerbRow& verb : grammar.verbs) {
     text += entry(verb.name, optionLines(grammar.optionsOfEveryVerb) + optionLines(verb.options),
-                  positionalSets(verb));
+                  positionalSets(verb), false,
+                  !verb.positionals.empty() && verb.positionals.back().repeatable);
   }
   return text + "    }\n";
 }

@@ -28,6 +28,7 @@ extern const tWordSet kVerbWords;      // the first words of verbs
 extern const tWordSet kFirmwareWords;  // the second words of a group
 extern const tWordSet kRouteWords;     // ... of another group
 extern const tWordSet kDeviceWords;    // devices of a firmware image
+extern const tWordSet kSubjectWords;   // subjects of attributes
 extern const tWordSet kTerminalWords;  // names of trigger terminals
 extern const tWordSet kFormatWords;    // formats of metrics
 

@@ -43,7 +43,7 @@ TEST_F(Help, EndsWithExamplesAndExitCodes) {
 
 TEST_F(Help, OfAVerb_NamesItsOptions) {
   const std::string text = run({"get", "--help"}).out;
-  EXPECT_THAT(text, HasSubstr("\nUsage: quenra get NAME|ID [--instance N] "
+  EXPECT_THAT(text, HasSubstr("\nUsage: quenra get NAME|ID... [--instance N] "
                               "[--controller|--marten]\n"));
   for (const char* option : {"\n  NAME|ID  ", "\n  --instance N  ", "\n  --controller  ",
                              "\n  --marten  ", "\n  --json  "}) {

@@ -207,6 +207,80 @@ TEST_F(Get, NumberOutOfRange_IsNamedWithTheRange) {
   EXPECT_THAT(run({"get", "12x"}).error, HasSubstr("quenra: '12x' is not a name or an id\n"));
 }
 
+// ---- Several attributes ----
+
+TEST_F(Get, SeveralAttributes_AreALineEach) {
+  library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "qctl-8840");
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE, 16384);
+  const tRun result = run({"get", "memory-size", "product-name", "0x2000D000"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.out, "16384\nqctl-8840\n16384\n");
+  EXPECT_THAT(result.error, IsEmpty());
+  EXPECT_EQ(library_.opens, 1);
+}
+
+TEST_F(Get, SeveralAttributesOnATerminal_AreATable) {
+  library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "qctl-8840");
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE + 1, 8192);
+  const tRun result =
+      runOnTerminal({"get", "product-name", "memory-size", "serial-number", "--instance", "1"});
+  EXPECT_THAT(result.out, testing::StartsWith("product-name             qctl-8840\n"
+                                              "memory-size, instance 1  8192 MiB\n"
+                                              "serial-number            "));
+  EXPECT_THAT(result.out, HasSubstr("not supported"));
+}
+
+TEST_F(Get, InstanceWithSeveralAttributes_AppliesToThoseThatHaveInstances) {
+  library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE + 1, 8192);
+  static_cast<void>(run({"get", "product-name", "memory-size", "--instance", "1"}));
+  EXPECT_THAT(library_.reads, testing::IsSupersetOf({uint32_t{QUENRA_ATTRIBUTE_PRODUCT_NAME},
+                                                     uint32_t{QUENRA_ATTRIBUTE_MEMORY_SIZE + 1}}));
+  EXPECT_THAT(run({"get", "product-name", "serial-number", "--instance", "1"}).error,
+              HasSubstr("product-name has no instances\n"))
+      << "an instance that no attribute has is not ignored";
+}
+
+TEST_F(Get, FailureAmongSeveralAttributes_LeavesItsLineEmpty) {
+  library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "qctl-8840");
+  library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, QUENRA_STATUS_TIME_OUT);
+  const tRun result = run({"get", "driver-setting-1", "product-name", "serial-number"});
+  EXPECT_EQ(result.exitCode, 1) << "the code of the first failure";
+  EXPECT_EQ(result.out, "\nqctl-8840\n\n");
+  EXPECT_THAT(result.error, HasSubstr("cannot read driver-setting-1\n"));
+  EXPECT_THAT(result.error, HasSubstr("serial-number is not supported on this machine\n"));
+  EXPECT_EQ(run({"get", "serial-number", "driver-setting-1"}).exitCode, 3);
+}
+
+TEST_F(Get, DocumentOfSeveralAttributes_HasTheReadingsInOrder) {
+  library_.text(QUENRA_ATTRIBUTE_PRODUCT_NAME, "qctl-8840");
+  library_.code(QUENRA_ATTRIBUTE_DRIVER_SETTING_1, QUENRA_STATUS_TIME_OUT);
+  const tRun result = run({"get", "product-name", "driver-setting-1", "--json"});
+  EXPECT_EQ(result.exitCode, 1);
+  const auto document = result.document();
+  EXPECT_THAT(memberNames(document),
+              ElementsAre("format", "kind", "exitCode", "warnings", "readings"));
+  EXPECT_STREQ(document["kind"].GetString(), "get");
+  EXPECT_EQ(document["exitCode"].GetInt(), 1);
+  ASSERT_EQ(document["readings"].Size(), 2u);
+  EXPECT_STREQ(document["readings"][0]["value"].GetString(), "qctl-8840");
+  EXPECT_STREQ(document["readings"][1]["state"].GetString(), "failed");
+  EXPECT_EQ(document["readings"][1]["status"]["code"].GetInt(), QUENRA_STATUS_TIME_OUT);
+}
+
+TEST_F(Get, UnknownNameAmongSeveral_ReadsNothing) {
+  const tRun result = run({"get", "product-name", "serial-numbr"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.error, HasSubstr("Did you mean serial-number?"));
+  EXPECT_THAT(library_.reads, IsEmpty());
+}
+
+TEST_F(Get, DevicePathAmongSeveral_OpensTheControllerForTheOthers) {
+  library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
+  library_.text(QUENRA_ATTRIBUTE_DEVICE_PATH, "path");
+  EXPECT_EQ(run({"get", "device-path", "device-path"}).out, "path\npath\n");
+  EXPECT_EQ(run({"get", "device-path", "product-name"}).exitCode, 4);
+}
+
 // ---- Opening ----
 
 TEST_F(Get, TwoInterfacesOfAKind_AreAFailureWithTheirNumber) {
@@ -277,7 +351,9 @@ TEST_F(Get, Document_HasThePromisedMembers) {
   library_.number(QUENRA_ATTRIBUTE_MEMORY_SIZE + 1, 8192);
   const auto document = run({"get", "memory-size", "--instance", "1", "--json"}).document();
   EXPECT_THAT(memberNames(document),
-              ElementsAre("format", "kind", "exitCode", "warnings", "attribute"));
+              ElementsAre("format", "kind", "exitCode", "warnings", "attribute", "readings"));
+  ASSERT_EQ(document["readings"].Size(), 1u);
+  EXPECT_EQ(document["readings"][0], document["attribute"]);
   const rapidjson::Value& attribute = document["attribute"];
   EXPECT_THAT(memberNames(attribute), ElementsAre("name", "id", "instance", "interface", "type",
                                                   "state", "value", "shown", "unit", "status"));

@@ -142,6 +142,33 @@ TEST_F(Info, FailedReadWithJson_IsPartOfTheDocument) {
   EXPECT_EQ(attribute["status"]["code"].GetInt(), QUENRA_STATUS_TIME_OUT);
 }
 
+TEST_F(Info, Subject_LimitsTheReadsAndTheTable) {
+  const tRun result = run({"info", "--subject", "Memory"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_THAT(result.out, testing::StartsWith("Memory\n  "));
+  EXPECT_THAT(result.out, HasSubstr("memory-size[1]"));
+  EXPECT_THAT(result.out, Not(HasSubstr("Identity")));
+  EXPECT_EQ(readsOf(QUENRA_ATTRIBUTE_PRODUCT_NAME), 0);
+}
+
+TEST_F(Info, Subjects_AreInTheOrderOfTheTable) {
+  const auto document =
+      run({"info", "--json", "--subject", "memory", "--subject=identity", "--subject", "memory"})
+          .document();
+  ASSERT_EQ(document["subjects"].Size(), 2u);
+  EXPECT_STREQ(document["subjects"][0]["subject"].GetString(), "identity");
+  EXPECT_STREQ(document["subjects"][1]["subject"].GetString(), "memory");
+}
+
+TEST_F(Info, UnknownSubject_GetsASuggestion) {
+  const tRun result = run({"info", "--subject", "memry"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.error, HasSubstr("quenra: unknown subject 'memry'\n"
+                                      "  Did you mean memory?\n"
+                                      "  Use identity, platform, "));
+  EXPECT_EQ(library_.opens, 0);
+}
+
 TEST_F(Info, NoController_IsReported) {
   library_.openCode = QUENRA_STATUS_NO_CONTROLLER;
   const tRun result = run({"info"});

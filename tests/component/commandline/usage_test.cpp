@@ -24,7 +24,8 @@ const tWords kWrong[] = {{},
                          {"get", "product-name", "--controller", "--marten"},
                          {"route", "plan", "--from", "TRIG_SMB"},
                          {"info", "/json"},
-                         {"get", "product-name", "serial-number"},
+                         {"set", "driver-setting-1", "7", "8"},
+                         {"info", "--subject"},
                          {"get", "product-name", "--instance"},
                          {"info", "get"},
                          {"--unknown"},
@@ -105,7 +106,7 @@ TEST_F(Usage, MisspeltOption_GetsASuggestion) {
 
 TEST_F(Usage, MissingWord_IsNamedWithTheUsage) {
   const std::string usage =
-      "\n  Usage: quenra get NAME|ID [--instance N] [--controller|--marten]\n";
+      "\n  Usage: quenra get NAME|ID... [--instance N] [--controller|--marten]\n";
   EXPECT_EQ(run({"get"}).error, "quenra: NAME or ID is missing" + usage);
   EXPECT_EQ(run({"get", "product-name", "--instance"}).error,
             "quenra: the value of --instance is missing" + usage);

@@ -4,6 +4,7 @@
 
 #include "tools/commandline/argumenttext.h"
 #include "tools/commandline/utf8text.h"
+#include "tools/quenra/tables/statustable.h"
 
 namespace nCommandLine {
 namespace {
@@ -131,6 +132,20 @@ std::optional<uint64_t> memorySizeInBytes(uint32_t size) noexcept {
   }
   return isSizeInMebibytes(size) ? size * kKibibyte * kKibibyte
                                  : (size & ~kSizeInKibibytes) * kKibibyte;
+}
+
+std::string shownReading(const tAttributeRow* row, const tReading& reading) {
+  switch (reading.state()) {
+    case tReadingState::value:
+      return shownValue(row, reading.value);
+    case tReadingState::notSupported:
+      return "not supported";
+    case tReadingState::notAvailable:
+      return "not available";
+    case tReadingState::failed:
+      break;
+  }
+  return "failed: " + codeAndConstant(reading.code);
 }
 
 std::string_view unitOf(const tAttributeRow* row, const tAttributeValue& value) {

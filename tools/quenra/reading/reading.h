@@ -73,6 +73,10 @@ struct tReading {
 // Decodes the SMBIOS size word of a memory module. Empty if the word cannot represent the size.
 [[nodiscard]] std::optional<uint64_t> memorySizeInBytes(uint32_t size) noexcept;
 
+// The reading for people: the shown value, or why there is none: "not supported",
+// "failed: -52007 QUENRA_STATUS_TIME_OUT".
+[[nodiscard]] std::string shownReading(const tAttributeRow* row, const tReading& reading);
+
 // The unit of the number itself; empty if it has none.
 [[nodiscard]] std::string_view unitOf(const tAttributeRow* row, const tAttributeValue& value);
 

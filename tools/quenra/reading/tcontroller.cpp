@@ -228,12 +228,16 @@ uint32_t countInstances(const tController& controller, const tInstanceRow& insta
              : 0;
 }
 
-std::vector<tAttributeReadings> readMachine(const tController& controller) {
+std::vector<tAttributeReadings> readMachine(const tController& controller,
+                                            std::span<const tSubjectRow* const> subjects) {
   tInstanceCounter counter(controller);
   std::vector<tAttributeReadings> machine;
   for (const tAttributeRow& row : kAttributes) {
-    machine.push_back(row.perInterface ? readPerInterface(controller, row)
-                                       : readAll(controller, row, counter.countOf(*row.instances)));
+    if (std::ranges::find(subjects, row.subject) != subjects.end()) {
+      machine.push_back(row.perInterface
+                            ? readPerInterface(controller, row)
+                            : readAll(controller, row, counter.countOf(*row.instances)));
+    }
   }
   return machine;
 }

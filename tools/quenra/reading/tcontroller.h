@@ -3,6 +3,7 @@
 #define TOOLS_QUENRA_READING_TCONTROLLER_H
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,8 +76,9 @@ struct tAttributeReadings {
 // The number of instances on this machine, limited to those that the library serves.
 [[nodiscard]] uint32_t countInstances(const tController& controller, const tInstanceRow& instances);
 
-// Reads every attribute of the table, in its order.
-[[nodiscard]] std::vector<tAttributeReadings> readMachine(const tController& controller);
+// Reads every attribute of these subjects, in the order of the table.
+[[nodiscard]] std::vector<tAttributeReadings> readMachine(
+    const tController& controller, std::span<const tSubjectRow* const> subjects = kSubjects);
 
 }  // namespace nCommandLine
 

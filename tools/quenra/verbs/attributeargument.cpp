@@ -92,23 +92,42 @@ void applyInterface(tInterface which, tAttributeAddress& address) {
   address.which = which;
 }
 
-tAttributeArgument parseAttributeArgument(const tArguments& arguments, tPurpose purpose) {
-  const std::string text = arguments.text(nWords::kAttribute);
-  tAttributeArgument argument =
-      looksLikeNumber(text) ? attributeById(text, purpose) : attributeByName(text, purpose);
-  if (const auto instance = arguments.optional(nWords::kInstance)) {
-    applyInstance(*instance, argument.address);
-  }
+tAttributeArgument attributeNamed(const std::string& text, tPurpose purpose) {
+  return looksLikeNumber(text) ? attributeById(text, purpose) : attributeByName(text, purpose);
+}
+
+bool hasInstances(const tAttributeArgument& argument) noexcept {
+  return argument.row == nullptr || argument.row->instances->maximum > 1;
+}
+
+void applyInterfaces(const tArguments& arguments, tAttributeAddress& address) {
   if (arguments.has(nWords::kController)) {
-    applyInterface(tInterface::controller, argument.address);
+    applyInterface(tInterface::controller, address);
   }
   if (arguments.has(nWords::kMarten)) {
-    applyInterface(tInterface::marten, argument.address);
+    applyInterface(tInterface::marten, address);
   }
   if (arguments.has(nWords::kBoth)) {
-    applyInterface(tInterface::both, argument.address);
+    applyInterface(tInterface::both, address);
   }
-  return argument;
+}
+
+std::vector<tAttributeArgument> parseAttributeArguments(const tArguments& arguments,
+                                                        tPurpose purpose) {
+  std::vector<tAttributeArgument> attributes;
+  for (const std::string& text : arguments.all(nWords::kAttribute)) {
+    attributes.push_back(attributeNamed(text, purpose));
+  }
+  // An instance that applies to no attribute is an error of the attributes, not ignored.
+  const bool appliesToAll = std::ranges::none_of(attributes, hasInstances);
+  const auto instance = arguments.optional(nWords::kInstance);
+  for (tAttributeArgument& attribute : attributes) {
+    if (instance && (appliesToAll || hasInstances(attribute))) {
+      applyInstance(*instance, attribute.address);
+    }
+    applyInterfaces(arguments, attribute.address);
+  }
+  return attributes;
 }
 
 }  // namespace
@@ -128,12 +147,12 @@ std::string tAttributeArgument::label() const {
   return text;
 }
 
-tAttributeArgument parseAttributeToRead(const tArguments& arguments) {
-  return parseAttributeArgument(arguments, tPurpose::reading);
+std::vector<tAttributeArgument> parseAttributesToRead(const tArguments& arguments) {
+  return parseAttributeArguments(arguments, tPurpose::reading);
 }
 
 tAttributeArgument parseAttributeToWrite(const tArguments& arguments) {
-  return parseAttributeArgument(arguments, tPurpose::writing);
+  return parseAttributeArguments(arguments, tPurpose::writing).front();
 }
 
 }  // namespace nCommandLine

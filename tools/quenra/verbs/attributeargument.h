@@ -2,6 +2,7 @@
 #define TOOLS_QUENRA_VERBS_ATTRIBUTEARGUMENT_H
 
 #include <string>
+#include <vector>
 
 #include "tools/commandline/grammar.h"
 #include "tools/quenra/reading/reading.h"
@@ -19,8 +20,9 @@ struct tAttributeArgument {
   [[nodiscard]] std::string label() const;
 };
 
-// Parses the attribute arguments of a verb. Throws tCommandError if they match no attribute.
-[[nodiscard]] tAttributeArgument parseAttributeToRead(const tArguments& arguments);
+// Parse the attribute arguments of a verb. Throw tUsageError if they match no attribute. With several
+// attributes, the instance applies to those that have instances.
+[[nodiscard]] std::vector<tAttributeArgument> parseAttributesToRead(const tArguments& arguments);
 [[nodiscard]] tAttributeArgument parseAttributeToWrite(const tArguments& arguments);
 
 }  // namespace nCommandLine

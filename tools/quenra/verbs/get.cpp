@@ -1,6 +1,9 @@
+#include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/table.h"
 #include "tools/quenra/reading/reading.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/verbs/attributeargument.h"
@@ -16,9 +19,11 @@ bool needsNoController(const tAttributeAddress& address) noexcept {
 
 // A reading; `instanceFault` explains an instance that the machine does not have.
 struct tAnswer {
+  tAttributeArgument argument;
   tReading reading;
   std::string instanceFault = {};
 };
+using tAnswers = std::vector<tAnswer>;
 
 // "memory-size has 3 instances (0 to 2)"; empty if the machine has the instance.
 std::string instanceFaultOf(const tController& controller, const tAttributeArgument& argument) {
@@ -44,17 +49,35 @@ std::string instanceFaultOf(const tController& controller, const tAttributeArgum
   }
 }
 
-tAnswer readAnswer(iQuenra& library, const tAttributeArgument& argument,
-                   std::vector<tWarning>& warnings) {
-  if (needsNoController(argument.address)) {
-    return {readAttribute(library, 0, argument.address)};
-  }
-  const tController controller(library);
-  checkOpening(controller, warnings);
+tAnswer readAnswer(const tController& controller, const tAttributeArgument& argument) {
   const tReading reading = controller.read(argument.address);
-  return {reading, reading.state() == tReadingState::notSupported
-                       ? instanceFaultOf(controller, argument)
-                       : ""};
+  return {
+      argument, reading,
+      reading.state() == tReadingState::notSupported ? instanceFaultOf(controller, argument) : ""};
+}
+
+// Opens the controller unless no attribute needs it.
+tAnswers readAnswers(iQuenra& library, const std::vector<tAttributeArgument>& attributes,
+                     std::vector<tWarning>& warnings) {
+  tAnswers answers;
+  std::optional<tController> controller;
+  for (const tAttributeArgument& argument : attributes) {
+    if (needsNoController(argument.address)) {
+      answers.push_back({argument, readAttribute(library, 0, argument.address)});
+      continue;
+    }
+    if (!controller) {
+      controller.emplace(library);
+      checkOpening(*controller, warnings);
+    }
+    answers.push_back(readAnswer(*controller, argument));
+  }
+  for (const tAnswer& answer : answers) {
+    if (answer.reading.code > 0) {
+      warnings.push_back({"reading " + answer.argument.label(), answer.reading.code});
+    }
+  }
+  return answers;
 }
 
 tExitCode exitCodeOf(const tReading& reading) noexcept {
@@ -83,7 +106,8 @@ std::string absenceOf(const tAttributeAddress& address) {
   return "the SMBIOS table lacks a field that determines it";
 }
 
-std::string remedyFor(const tAttributeArgument& argument, const tAnswer& answer) {
+std::string remedyFor(const tAnswer& answer) {
+  const tAttributeArgument& argument = answer.argument;
   if (answer.reading.state() == tReadingState::notAvailable) {
     return argument.address.which == tInterface::marten ? "Leave out the Marten interface." : "";
   }
@@ -92,7 +116,8 @@ std::string remedyFor(const tAttributeArgument& argument, const tAnswer& answer)
              : "Leave out the instance.";
 }
 
-tCommandError errorOf(const tAttributeArgument& argument, const tAnswer& answer) {
+tCommandError errorOf(const tAnswer& answer) {
+  const tAttributeArgument& argument = answer.argument;
   const tReading& reading = answer.reading;
   const tExitCode exitCode = exitCodeOf(reading);
   switch (reading.state()) {
@@ -100,13 +125,13 @@ tCommandError errorOf(const tAttributeArgument& argument, const tAnswer& answer)
       return {exitCode,
               answer.instanceFault.empty() ? argument.label() + " is not supported on this machine"
                                            : answer.instanceFault,
-              reading.code, tSiteExplanation{{}, remedyFor(argument, answer)}};
+              reading.code, tSiteExplanation{{}, remedyFor(answer)}};
     case tReadingState::notAvailable:
       return {exitCode, argument.label() + " is not available: " + absenceOf(argument.address),
               reading.code,
               tSiteExplanation{"The interface is not present, or the field that determines the "
                                "value cannot be read.",
-                               remedyFor(argument, answer)}};
+                               remedyFor(answer)}};
     case tReadingState::value:
     case tReadingState::failed:
       break;
@@ -114,44 +139,84 @@ tCommandError errorOf(const tAttributeArgument& argument, const tAnswer& answer)
   return {exitCode, "cannot read " + argument.label(), reading.code};
 }
 
-void printDocument(std::ostream& stream, const tAttributeArgument& argument,
-                   const tReading& reading, const std::vector<tWarning>& warnings) {
-  tJsonDocument document("get", exitCodeOf(reading), warnings);
-  document.beginObject("attribute");
-  writeReading(document, argument.row, reading);
+// The exit code of the first reading that failed.
+tExitCode exitCodeOf(const tAnswers& answers) noexcept {
+  const auto failed = std::ranges::find_if(
+      answers, [](const tAnswer& answer) { return exitCodeOf(answer.reading) != tExitCode::done; });
+  return failed == answers.end() ? tExitCode::done : exitCodeOf(failed->reading);
+}
+
+void writeAnswer(tJsonDocument& document, const tAnswer& answer) {
+  writeReading(document, answer.argument.row, answer.reading);
   document.endObject();
+}
+
+void printDocument(std::ostream& stream, const tAnswers& answers,
+                   const std::vector<tWarning>& warnings) {
+  tJsonDocument document("get", exitCodeOf(answers), warnings);
+  if (answers.size() == 1) {
+    document.beginObject("attribute");
+    writeAnswer(document, answers.front());
+  }
+  document.beginArray("readings");
+  for (const tAnswer& answer : answers) {
+    document.beginObject();
+    writeAnswer(document, answer);
+  }
+  document.endArray();
   document.writeTo(stream);
 }
 
-void printValue(const tStreams& streams, const tAttributeArgument& argument,
-                const tReading& reading) {
-  streams.out << (streams.outIsTerminal ? shownValue(argument.row, reading.value)
-                                        : plainValue(reading.value))
-              << '\n';
+void printTable(const tStreams& streams, const tAnswers& answers) {
+  tTable table;
+  for (const tAnswer& answer : answers) {
+    table.addRow({answer.argument.label(), shownReading(answer.argument.row, answer.reading)},
+                 answer.reading.state() != tReadingState::value);
+  }
+  table.write(streams.out, tStyle(streams.outTakesStyles));
+}
+
+// A line for each value: line N belongs to the name N, also after one that cannot be read.
+void printValues(std::ostream& stream, const tAnswers& answers) {
+  for (const tAnswer& answer : answers) {
+    const bool hasValue = answer.reading.state() == tReadingState::value;
+    stream << (hasValue ? plainValue(answer.reading.value) : "") << '\n';
+  }
+}
+
+void print(const tStreams& streams, const tAnswers& answers) {
+  const tAnswer& first = answers.front();
+  if (answers.size() > 1 && streams.outIsTerminal) {
+    printTable(streams, answers);
+  } else if (answers.size() > 1) {
+    printValues(streams.out, answers);
+  } else if (first.reading.state() == tReadingState::value) {
+    streams.out << (streams.outIsTerminal ? shownValue(first.argument.row, first.reading.value)
+                                          : plainValue(first.reading.value))
+                << '\n';
+  }
 }
 
 }  // namespace
 
 tExitCode runGet(const tArguments& arguments, const tVerbContext& context) {
-  const tAttributeArgument argument = parseAttributeToRead(arguments);
   std::vector<tWarning> warnings;
-  const tAnswer answer = readAnswer(context.ports.library, argument, warnings);
-  const tReading& reading = answer.reading;
-  if (reading.code > 0) {
-    warnings.push_back({"reading " + argument.label(), reading.code});
-  }
-  const tExitCode exitCode = exitCodeOf(reading);
-  if (exitCode != tExitCode::done && exitCode != tExitCode::notSupported) {
-    throw errorOf(argument, answer);
+  const tAnswers answers =
+      readAnswers(context.ports.library, parseAttributesToRead(arguments), warnings);
+  const tExitCode exitCode = exitCodeOf(answers);
+  if (answers.size() == 1 && exitCode != tExitCode::done && exitCode != tExitCode::notSupported) {
+    throw errorOf(answers.front());
   }
   printWarnings(context.streams.error, warnings);
-  if (exitCode == tExitCode::notSupported) {
-    printError(context.streams.error, errorOf(argument, answer));
+  for (const tAnswer& answer : answers) {
+    if (exitCodeOf(answer.reading) != tExitCode::done) {
+      printError(context.streams.error, errorOf(answer));
+    }
   }
   if (context.json) {
-    printDocument(context.streams.out, argument, reading, warnings);
-  } else if (exitCode == tExitCode::done) {
-    printValue(context.streams, argument, reading);
+    printDocument(context.streams.out, answers, warnings);
+  } else {
+    print(context.streams, answers);
   }
   return exitCode;
 }

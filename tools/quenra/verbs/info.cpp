@@ -1,14 +1,17 @@
 // The verbs that read the complete machine, and that let the library test itself.
+#include <algorithm>
+#include <iterator>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "tools/commandline/argumenttext.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/table.h"
 #include "tools/quenra/reading/reading.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/attributetable.h"
-#include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
@@ -17,6 +20,33 @@ namespace {
 // ---- info ----
 
 using tMachine = std::vector<tAttributeReadings>;
+using tSubjects = std::vector<const tSubjectRow*>;
+
+const tSubjectRow* subjectNamed(const std::string& text) {
+  const auto subject = std::ranges::find(kSubjects, comparableName(text), &tSubjectRow::key);
+  if (subject == kSubjects.end()) {
+    std::vector<std::string_view> keys;
+    std::ranges::transform(kSubjects, std::back_inserter(keys), &tSubjectRow::key);
+    throw tUsageError(
+        "unknown subject '" + text + "'",
+        "Use " + alternatives(std::vector<std::string>(keys.begin(), keys.end())) + ".",
+        suggest(text, keys));
+  }
+  return *subject;
+}
+
+// The requested subjects in the order of the table; all without the option.
+tSubjects subjectsOf(const tArguments& arguments) {
+  std::set<const tSubjectRow*> requested;
+  for (const std::string& word : arguments.all(nWords::kSubject)) {
+    requested.insert(subjectNamed(word));
+  }
+  tSubjects subjects;
+  std::ranges::copy_if(kSubjects, std::back_inserter(subjects), [&](const tSubjectRow* subject) {
+    return requested.empty() || requested.contains(subject);
+  });
+  return subjects;
+}
 
 bool hasInstances(const tAttributeRow& row) noexcept {
   return row.instances->maximum > 1;
@@ -66,20 +96,6 @@ std::vector<tCommandError> errorsOf(const tMachine& machine) {
   return errors;
 }
 
-std::string cellOf(const tAttributeRow& row, const tReading& reading) {
-  switch (reading.state()) {
-    case tReadingState::value:
-      return shownValue(&row, reading.value);
-    case tReadingState::notSupported:
-      return "not supported";
-    case tReadingState::notAvailable:
-      return "not available";
-    case tReadingState::failed:
-      break;
-  }
-  return "failed: " + codeAndConstant(reading.code);
-}
-
 void printTable(const tStreams& streams, const tMachine& machine) {
   tTable table;
   const tSubjectRow* subject = nullptr;
@@ -88,7 +104,7 @@ void printTable(const tStreams& streams, const tMachine& machine) {
       subject = row.subject;
       table.addHeading(subject->title);
     }
-    table.addRow({"  " + labelOf(row, reading), cellOf(row, reading)},
+    table.addRow({"  " + labelOf(row, reading), shownReading(&row, reading)},
                  reading.state() != tReadingState::value);
   });
   table.write(streams.out, tStyle(streams.outTakesStyles));
@@ -110,11 +126,11 @@ void writeSubject(tJsonDocument& document, const tSubjectRow& subject, const tMa
   document.endObject();
 }
 
-void printDocument(std::ostream& stream, const tMachine& machine, tExitCode exitCode,
-                   const std::vector<tWarning>& warnings) {
+void printDocument(std::ostream& stream, const tSubjects& subjects, const tMachine& machine,
+                   tExitCode exitCode, const std::vector<tWarning>& warnings) {
   tJsonDocument document("info", exitCode, warnings);
   document.beginArray("subjects");
-  for (const tSubjectRow* const subject : kSubjects) {
+  for (const tSubjectRow* const subject : subjects) {
     writeSubject(document, *subject, machine);
   }
   document.endArray();
@@ -147,11 +163,12 @@ void printSelfTest(std::ostream& stream, int32_t code, const std::vector<tWarnin
 
 }  // namespace
 
-tExitCode runInfo(const tArguments& /*arguments*/, const tVerbContext& context) {
+tExitCode runInfo(const tArguments& arguments, const tVerbContext& context) {
+  const tSubjects subjects = subjectsOf(arguments);
   std::vector<tWarning> warnings;
   const tController controller(context.ports.library);
   checkOpening(controller, warnings);
-  const tMachine machine = readMachine(controller);
+  const tMachine machine = readMachine(controller, subjects);
   addWarnings(machine, warnings);
   printWarnings(context.streams.error, warnings);
 
@@ -161,7 +178,7 @@ tExitCode runInfo(const tArguments& /*arguments*/, const tVerbContext& context) 
   }
   const tExitCode exitCode = errors.empty() ? tExitCode::done : tExitCode::failure;
   if (context.json) {
-    printDocument(context.streams.out, machine, exitCode, warnings);
+    printDocument(context.streams.out, subjects, machine, exitCode, warnings);
   } else {
     printTable(context.streams, machine);
   }

@@ -62,6 +62,7 @@ inline constexpr std::string_view kNoWait = "--no-wait";
 inline constexpr std::string_view kOnlyNewer = "--only-newer";
 inline constexpr std::string_view kOutput = "--output";
 inline constexpr std::string_view kPlan = "--plan";
+inline constexpr std::string_view kSubject = "--subject";
 inline constexpr std::string_view kTo = "--to";
 inline constexpr std::string_view kWatch = "--watch";
 }  // namespace nWords
@@ -75,7 +76,7 @@ inline constexpr std::string_view kPrometheusText = "prometheus";
 // `quenra info`: all attributes by subject. Shows an absent attribute as absent. Any other failure
 // to read one sets the exit code to `failure`; the remaining attributes are still shown.
 [[nodiscard]] tExitCode runInfo(const tArguments& arguments, const tVerbContext& context);
-// `quenra get`: one attribute.
+// `quenra get`: one attribute or several.
 [[nodiscard]] tExitCode runGet(const tArguments& arguments, const tVerbContext& context);
 // `quenra set`: writes one attribute.
 [[nodiscard]] tExitCode runSet(const tArguments& arguments, const tVerbContext& context);

@@ -13,8 +13,18 @@ inline constexpr tOptionRow kInstance{nWords::kInstance, "N",
 
 // ---- info ----
 
+inline constexpr tOptionRow kInfoOptions[] = {
+    {nWords::kSubject,
+     "SUBJECT",
+     "Show the attributes of this subject only, such as memory; repeatable",
+     {},
+     false,
+     &kSubjectWords,
+     true},
+};
 inline constexpr tExampleRow kInfoExamples[] = {
     {"info", "all attributes of this machine"},
+    {"info --subject memory", "those of its memory"},
     {"info --json", "the same as JSON"},
 };
 
@@ -22,7 +32,8 @@ inline constexpr tExampleRow kInfoExamples[] = {
 
 inline constexpr tPositionalRow kGetPositionals[] = {
     {nWords::kAttribute, "NAME|ID",
-     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kReadableWords},
+     "Name of the attribute, or its id in decimal or in hexadecimal after 0x", &kReadableWords,
+     true, true},
 };
 inline constexpr tOptionRow kGetOptions[] = {
     kInstance,
@@ -34,6 +45,7 @@ inline constexpr tExampleRow kGetExamples[] = {
     {"get 0x10000100", "... and by its id"},
     {"get memory-size --instance 1", "the second populated memory module"},
     {"get firmware-version --controller", "the BIOS, not the Marten"},
+    {"get product-name serial-number", "several attributes"},
 };
 
 // ---- set ----
@@ -68,10 +80,13 @@ inline constexpr tExampleRow kSelfTestExamples[] = {
 inline constexpr tVerbRow kControllerVerbs[] = {
     {"info", "Show all attributes of this machine, by subject",
      "An attribute that the machine does not have is shown as such and is not an error. Other reads that fail are shown with their code.",
-     {}, {}, kInfoExamples},
+     {}, kInfoOptions, kInfoExamples},
 
-    {"get", "Show one attribute",
+    {"get", "Show attributes",
      "On a terminal a number comes with its unit and its meaning; elsewhere the bare value is printed. "
+     "Several attributes are a table on a terminal; elsewhere each value is a line, which is empty for "
+     "an attribute that cannot be read, and the exit code is that of the first failure. --instance then "
+     "applies to the attributes that have instances. "
      "Without an interface option the library chooses the interface.",
      kGetPositionals, kGetOptions, kGetExamples},
 

@@ -37,8 +37,8 @@ constexpr tEnvironmentRow kEnvironment[] = {
 };
 
 constexpr const tWordSet* kWordSets[] = {
-    &kReadableWords, &kWritableWords, &kStatusWords, &kVerbWords,     &kFirmwareWords,
-    &kRouteWords,    &kShellWords,    &kDeviceWords, &kTerminalWords, &kFormatWords,
+    &kReadableWords, &kWritableWords, &kStatusWords,   &kVerbWords,   &kFirmwareWords, &kRouteWords,
+    &kShellWords,    &kDeviceWords,   &kTerminalWords, &kFormatWords, &kSubjectWords,
 };
 
 }  // namespace

@@ -37,6 +37,14 @@ tWords writable() {
   return words;
 }
 
+tWords subjects() {
+  tWords words;
+  for (const tSubjectRow* const subject : kSubjects) {
+    words.push_back({subject->key, subject->title});
+  }
+  return words;
+}
+
 tWords statuses() {
   tWords words;
   append(words, kStatuses, &tStatusRow::constant, &tStatusRow::meaning);
@@ -75,6 +83,7 @@ tWords formats() {
 
 constinit const tWordSet kReadableWords{"attributes", readable};
 constinit const tWordSet kWritableWords{"writable", writable};
+constinit const tWordSet kSubjectWords{"subjects", subjects};
 constinit const tWordSet kStatusWords{"statuses", statuses};
 constinit const tWordSet kVerbWords{"verbs", verbs};
 constinit const tWordSet kFirmwareWords{"firmware", firmwareActions};
