@@ -1,3 +1,4 @@
+import hashlib
 import unittest
 
 from commandline import CommandLineTest, Files
@@ -30,6 +31,30 @@ class Firmware(CommandLineTest):
         self.assertEqual(self.quenra("firmware", "verify", self.typed("Größe.fwi")).out,
                          "good: 2 sections\n")
         self.document("firmware", "verify", self.typed("Größe.fwi"), kind="firmware-verify")
+
+    def test_payload_is_extracted_as_it_was_built(self):
+        payload = bytes(range(256)) * 100
+        self.build(payload)
+        self.build(b"[Version]\r\n", "--append", "--file-name", "a.inf", device="BIOS")
+        words = ("firmware", "extract", self.typed("Größe.fwi"), "--section", "1", "--output",
+                 self.typed("Nutzlast.bin"))
+        document = self.document(*words, kind="firmware-extract")
+        self.assertEqual(self.files["Nutzlast.bin"].read_bytes(), payload)
+        digest = hashlib.sha256(payload).hexdigest()
+        self.assertEqual(document["sha256"], digest)
+        self.assertEqual(self.inspected()["sections"][0]["sha256"], digest)
+        self.assertIn(f"\n  1  {digest}\n",
+                      self.quenra("firmware", "inspect", self.typed("Größe.fwi")).out)
+        self.assertIn("the file exists", self.quenra(*words, exit_code=1).error)
+
+    def test_refused_section_is_not_extracted(self):
+        self.build(b"123456789")
+        path = self.files["Größe.fwi"]
+        path.write_bytes(path.read_bytes().replace(b"MTIz", b"MTI0"))
+        run = self.quenra("firmware", "extract", self.typed("Größe.fwi"), "--section", "1",
+                          "--output", self.typed("x"), exit_code=1)
+        self.assertIn("section 1 is refused: CRC mismatch: ", run.error)
+        self.assertFalse(self.files["x"].exists())
 
     def test_every_fault_is_printed(self):
         self.build(b"123456789")

@@ -3,7 +3,7 @@ import unittest
 from commandline import CommandLineTest
 
 VERBS = ("info", "get", "set", "self-test", "metrics", "terminals", "route plan", "route connect",
-         "firmware inspect", "firmware verify", "firmware build", "attributes", "explain", "completion", "help")
+         "firmware inspect", "firmware verify", "firmware build", "firmware extract", "attributes", "explain", "completion", "help")
 
 
 class Help(CommandLineTest):

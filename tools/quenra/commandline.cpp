@@ -25,6 +25,7 @@ constexpr tFunctionRow kFunctions[] = {
     {"firmware inspect", runFirmwareInspect},
     {"firmware verify", runFirmwareVerify},
     {"firmware build", runFirmwareBuild},
+    {"firmware extract", runFirmwareExtract},
     {"update", runUpdate},
     {"attributes", runAttributes},
     {"explain", runExplain},

@@ -189,5 +189,113 @@ TEST_F(FirmwareBuild, FileThatCannotBeUsed_IsAFailureOfTheProgram) {
             "quenra: cannot write '" + folder_.path("none/image") + "': no such directory\n");
 }
 
+// ---- Extract ----
+
+class FirmwareExtract : public CommandLineTest {
+ protected:
+  tRun extract(const std::vector<tFirmwareSection>& sections, const std::string& number,
+               const tWords& more = {}) {
+    tWords words{"firmware",
+                 "extract",
+                 folder_.file("update.fwi", firmwareImage(sections)),
+                 "--section",
+                 number,
+                 "--output",
+                 folder_.path("payload")};
+    words.insert(words.end(), more.begin(), more.end());
+    return run(words);
+  }
+  static std::string dataOf(const tFirmwareSection& section) {
+    return {section.data().begin(), section.data().end()};
+  }
+
+  // The BIOS section and the driver package are applied before the others.
+  const std::vector<tFirmwareSection> sections_{
+      tFirmwareSection("MARTEN").payload(firmwareBytes(1000, 1)),
+      tFirmwareSection("BIOS").payload(firmwareBytes(1001, 2)),
+      tFirmwareSection("SAFEMODE").payload(firmwareBytes(0, 3)),
+      tFirmwareSection::capsule("a.inf").payload(firmwareBytes(1003, 4)),
+      tFirmwareSection::capsule("b.cap").payload(firmwareBytes(1004, 5))};
+  tTestFiles folder_;
+};
+
+TEST_F(FirmwareExtract, EverySection_IsWrittenAsItWas) {
+  for (size_t i = 0; i < sections_.size(); ++i) {
+    const tRun result = extract(sections_, std::to_string(i + 1), {"--force"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.out + result.error, IsEmpty());
+    EXPECT_EQ(folder_.content("payload"), dataOf(sections_[i])) << i;
+  }
+  EXPECT_EQ(library_.opens, 0);
+}
+
+TEST_F(FirmwareExtract, Document_HasTheDigestOfTheFile) {
+  const auto document =
+      extract({tFirmwareSection("BIOS").payload(firmwareBytes(1, 2)),
+               tFirmwareSection("MARTEN").version("1.4.2f7").payload(
+                   std::vector<uint8_t>{'1', '2', '3', '4', '5', '6', '7', '8', '9'})},
+              "2", {"--json"})
+          .document();
+  EXPECT_THAT(memberNames(document),
+              testing::ElementsAre("format", "kind", "exitCode", "warnings", "path", "section",
+                                   "device", "updateType", "version", "fileName", "byteCount",
+                                   "crc", "sha256", "output"));
+  EXPECT_STREQ(document["kind"].GetString(), "firmware-extract");
+  EXPECT_EQ(document["section"].GetInt(), 2);
+  EXPECT_STREQ(document["version"].GetString(), "1.4.2f7");
+  EXPECT_EQ(document["byteCount"].GetInt(), 9);
+  EXPECT_STREQ(document["sha256"].GetString(),
+               "15e2b0d3c33891ebb0f1ef609ec419420c20e320ce94c65fbc8c3312448eb225");
+  EXPECT_EQ(document["output"].GetString(), folder_.path("payload"));
+}
+
+TEST_F(FirmwareExtract, RefusedSection_IsNotWritten) {
+  auto sections = sections_;
+  sections[1].with("CRC", "1");
+  const tRun result = extract(sections, "2");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, HasSubstr("quenra: section 2 is refused: CRC mismatch: header "
+                                      "0x00000001, payload 0x"));
+  EXPECT_THAT(result.error, HasSubstr("\n  -26938 QUENRA_STATUS_INVALID_IMAGE\n"));
+  EXPECT_THAT(result.error, HasSubstr("\n  Advice: Fetch the image again"));
+  EXPECT_EQ(folder_.content("payload"), "(none)");
+  // A fault of another section does not matter, before or after it.
+  EXPECT_EQ(extract(sections, "1").exitCode, 0);
+  EXPECT_EQ(folder_.content("payload"), dataOf(sections[0]));
+  EXPECT_EQ(extract(sections, "4", {"--force"}).exitCode, 0);
+  EXPECT_EQ(folder_.content("payload"), dataOf(sections[3]));
+}
+
+TEST_F(FirmwareExtract, ImpossibleSections_AreRejected) {
+  for (const char* const number : {"0", "-1", "x", "", "4294967296"}) {
+    EXPECT_EQ(extract(sections_, number).exitCode, 2) << number;
+  }
+  const tRun result = extract(sections_, "6");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, HasSubstr("' has no section 6, only 5 sections\n"
+                                      "  Run 'quenra firmware inspect' to list the sections.\n"));
+  EXPECT_THAT(extract({}, "1").error, HasSubstr("' is not a firmware image: the file is empty\n"));
+  EXPECT_EQ(folder_.content("payload"), "(none)");
+}
+
+TEST_F(FirmwareExtract, ExistingFile_IsReplacedWithForceOnly) {
+  folder_.file("payload", "mine");
+  const tRun result = extract(sections_, "1");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, HasSubstr("payload': the file exists\n  --force replaces the file.\n"));
+  EXPECT_EQ(folder_.content("payload"), "mine");
+  EXPECT_EQ(extract(sections_, "1", {"--force"}).exitCode, 0);
+  EXPECT_EQ(folder_.content("payload"), dataOf(sections_[0]));
+}
+
+TEST_F(FirmwareExtract, Image_IsNeverOverwritten) {
+  const std::string image = firmwareImage(sections_);
+  const std::string path = folder_.file("update.fwi", image);
+  EXPECT_EQ(
+      run({"firmware", "extract", path, "--section", "1", "--output", path, "--force"}).exitCode,
+      2);
+  EXPECT_EQ(folder_.content("update.fwi"), image);
+}
+
 }  // namespace
 }  // namespace nTests

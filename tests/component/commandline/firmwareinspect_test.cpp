@@ -14,6 +14,11 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+constexpr const char* kDigestOfDigits =
+    "15e2b0d3c33891ebb0f1ef609ec419420c20e320ce94c65fbc8c3312448eb225";
+constexpr const char* kDigestOfNothing =
+    "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
+
 // ---- Inspect ----
 
 class FirmwareInspect : public CommandLineTest {
@@ -78,7 +83,7 @@ TEST_F(FirmwareInspect, Document_HasThePromisedMembers) {
   EXPECT_THAT(memberNames(good),
               ElementsAre("position", "order", "headerVersion", "device", "updateType", "version",
                           "fileName", "declaredByteCount", "declaredCrc", "textSize", "byteCount",
-                          "crc", "fault", "remarks"));
+                          "crc", "sha256", "fault", "remarks"));
   EXPECT_STREQ(good["fileName"].GetString(), "a.inf");
   EXPECT_STREQ(good["updateType"].GetString(), "CapsuleUpdate");
   EXPECT_EQ(good["byteCount"].GetUint(), 100u);
@@ -90,6 +95,35 @@ TEST_F(FirmwareInspect, Document_HasThePromisedMembers) {
   EXPECT_EQ(fault["line"].GetUint(), 258u);
   EXPECT_EQ(image["sections"][1]["declaredCrc"].GetUint(), 1u);
   EXPECT_EQ(image["sections"][1]["crc"].GetUint(), 0x05440F15u);
+  EXPECT_STREQ(image["sections"][1]["sha256"].GetString(), kDigestOfDigits);
+}
+
+TEST_F(FirmwareInspect, Digests_AreThoseOfTheDecodedPayloadsInTheOrderOfTheImage) {
+  const std::string path = fileOf({digits("MARTEN"), tFirmwareSection("BIOS").payload({}),
+                                   digits("BIOS").with("CRC", "1"), digits("SAFEMODE")});
+  EXPECT_THAT(run({"firmware", "inspect", path}).out,
+              HasSubstr("\n\nSHA-256 of the decoded payloads\n"
+                        "  1  " +
+                        std::string(kDigestOfDigits) +
+                        "\n"
+                        "  2  " +
+                        kDigestOfNothing +
+                        "\n"
+                        "  3  " +
+                        kDigestOfDigits +
+                        "\n"
+                        "  4  " +
+                        kDigestOfDigits + "\n"));
+}
+
+TEST_F(FirmwareInspect, SectionWithoutAPayload_HasNoDigest) {
+  std::string image = firmwareImage({digits("MARTEN")});
+  image.resize(image.find("\r\n\r\n"));
+  const std::string path = folder_.file("update.fwi", image);
+  EXPECT_THAT(run({"firmware", "inspect", path}).out, testing::EndsWith("payloads\n  1  -\n"));
+  EXPECT_TRUE(run({"firmware", "inspect", path, "--json"})
+                  .document()["image"]["sections"][0]["sha256"]
+                  .IsNull());
 }
 
 TEST_F(FirmwareInspect, FileWithoutASection_IsAnErrorWithTheReason) {

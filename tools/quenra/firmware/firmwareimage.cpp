@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <deque>
 #include <iterator>
 #include <memory>
 
@@ -39,7 +40,8 @@ class tParserRun {
   tParserRun& operator=(const tParserRun&) = delete;
   ~tParserRun() { nQUENRA1400::freePayloads(records_); }
 
-  [[nodiscard]] size_t accepted() const noexcept { return records_.size(); }
+  // In the order of application.
+  [[nodiscard]] const tFirmwarePayloads& records() const noexcept { return records_; }
   [[nodiscard]] const zoerr::Status& status() const noexcept { return status_; }
 
  private:
@@ -129,9 +131,19 @@ std::vector<tImageSection> readHeaders(const tImageText& text, std::string_view 
   return sections;
 }
 
+// The indices of `count` sections from `first` on, in the order of application.
+std::deque<size_t> orderOf(const std::vector<tImageSection>& sections, size_t first, size_t count) {
+  std::deque<size_t> order;
+  for (size_t i = first; i < first + count; ++i) {
+    order.insert(sections[i].header.isAppliedFirst() ? order.begin() : order.end(), i);
+  }
+  return order;
+}
+
 // The parser stops at the first fault; run it again on the rest of the image. It only looks ahead,
 // so it reads a section in the same way without the sections before it.
-void judge(std::vector<tImageSection>& sections, std::string_view bytes) {
+void judge(std::vector<tImageSection>& sections, std::string_view bytes,
+           const tVisitPayload& visit) {
   size_t next = 0;
   while (next < sections.size()) {
     if (sections[next].fault) {
@@ -139,7 +151,11 @@ void judge(std::vector<tImageSection>& sections, std::string_view bytes) {
       continue;
     }
     const tParserRun run(bytes.substr(sections[next].position));
-    next += run.accepted();
+    const std::deque<size_t> accepted = orderOf(sections, next, run.records().size());
+    for (size_t i = 0; visit && i < accepted.size(); ++i) {
+      visit(accepted[i], {run.records()[i].data, run.records()[i].byteCount});
+    }
+    next += accepted.size();
     if (!run.status().isError()) {
       return;
     }
@@ -148,7 +164,11 @@ void judge(std::vector<tImageSection>& sections, std::string_view bytes) {
   }
 }
 
-void decode(tImageSection& section, const tImageText& text, size_t end) {
+// Decodes the payload of a refused section, which the decoder accepts nevertheless.
+void decode(std::vector<tImageSection>& sections, size_t index, const tImageText& text,
+            const tVisitPayload& visit) {
+  tImageSection& section = sections[index];
+  const size_t end = index + 1 < sections.size() ? sections[index + 1].position : text.size();
   const size_t headerEnd = text.find(nImageFormat::kHeaderEnd, section.position);
   if (headerEnd == tImageText::kNotFound || headerEnd + nImageFormat::kHeaderEnd.size() > end) {
     return;
@@ -165,15 +185,15 @@ void decode(tImageSection& section, const tImageText& text, size_t end) {
   const auto decoded = bestKernels().decode(text.bytes() + start, section.textSize, data.get());
   section.byteCount = decoded.byteCount;
   section.crc = decoded.crc;
+  if (visit) {
+    visit(index, {data.get(), decoded.byteCount});
+  }
 }
 
 void setOrder(std::vector<tImageSection>& sections) {
-  std::vector<tImageSection*> order;
-  for (tImageSection& section : sections) {
-    order.insert(section.header.isAppliedFirst() ? order.begin() : order.end(), &section);
-  }
+  const std::deque<size_t> order = orderOf(sections, 0, sections.size());
   for (size_t i = 0; i < order.size(); ++i) {
-    order[i]->order = i + 1;
+    sections[order[i]].order = i + 1;
   }
 }
 
@@ -290,13 +310,13 @@ bool tFirmwareImage::isValid() const noexcept {
   return !sections.empty() && std::ranges::none_of(sections, isRefused);
 }
 
-tFirmwareImage inspectImage(std::string_view bytes) {
+tFirmwareImage inspectImage(std::string_view bytes, const tVisitPayload& visit) {
   const tImageText text(bytes.data(), bytes.size(), bestKernels());
   tFirmwareImage image{bytes.size(), {}, readHeaders(text, bytes)};
   std::vector<tImageSection>& sections = image.sections;
-  judge(sections, bytes);
+  judge(sections, bytes, visit);
   for (size_t i = 0; i < sections.size(); ++i) {
-    decode(sections[i], text, i + 1 < sections.size() ? sections[i + 1].position : bytes.size());
+    decode(sections, i, text, visit);
   }
   for (tImageSection& section : sections) {
     section.remarks = remarksOn(section.header.version, section.header.targetFileName);

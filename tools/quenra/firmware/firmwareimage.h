@@ -5,8 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <ostream>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +46,8 @@ struct tImageSection {
   // Size and CRC of the decoded payload; unset if no empty line ends the header.
   std::optional<uint64_t> byteCount;
   std::optional<uint32_t> crc;
+  std::string
+      sha256;  // of the decoded payload, in hexadecimal; empty unless inspectWithDigests ran
   std::optional<tSectionFault> fault;   // why the library refuses it
   std::vector<tSectionRemark> remarks;  // on a section that the library accepts
   // Position in the order of application, from 1; 0 if any section has a fault, since the library
@@ -61,7 +65,26 @@ struct tFirmwareImage {
   [[nodiscard]] bool isValid() const noexcept;
 };
 
-[[nodiscard]] tFirmwareImage inspectImage(std::string_view bytes);
+// Receives the decoded payload of the section with this index, once for each section that has one. The
+// payload of an accepted section is the one that the library's parser returns. The bytes are valid
+// during the call only.
+using tVisitPayload = std::function<void(size_t index, std::span<const uint8_t> payload)>;
+
+[[nodiscard]] tFirmwareImage inspectImage(std::string_view bytes,
+                                          const tVisitPayload& visit = nullptr);
+
+// As above, with the SHA-256 of each payload.
+[[nodiscard]] tFirmwareImage inspectWithDigests(std::string_view bytes);
+
+struct tExtractedPayload {
+  tImageSection section;
+  std::string bytes;
+};
+
+// Extracts the payload of a section, numbered from 1. Throws tCommandError if the image has no such
+// section or the library refuses it. `path` is that of the image, for messages.
+[[nodiscard]] tExtractedPayload extractPayload(const std::string& path, std::string_view bytes,
+                                               size_t number);
 
 // The error for a file without sections, with its remedy. The library accepts such a file and marks
 // the Marten as updated, so the command line must refuse it.
@@ -105,6 +128,8 @@ struct tNewSection {
 [[nodiscard]] std::string countOf(size_t count, std::string_view one);
 
 void printSections(const tStreams& streams, const tFirmwareImage& image);
+// Requires inspectWithDigests.
+void printDigests(const tStreams& streams, const tFirmwareImage& image);
 
 // The reason why the library refuses a section, with the values that differ.
 [[nodiscard]] std::string faultText(const tImageSection& section);

@@ -111,6 +111,7 @@ void writeSection(tJsonDocument& document, const tImageSection& section) {
   document.number("textSize", static_cast<int64_t>(section.textSize));
   writeOptional(document, "byteCount", section.byteCount);
   writeOptional(document, "crc", section.crc);
+  document.optionalText("sha256", section.sha256);
   writeFault(document, section);
   writeRemarks(document, section.remarks);
   document.endObject();
@@ -133,6 +134,15 @@ void printSections(const tStreams& streams, const tFirmwareImage& image) {
       {"Section", "Order", "Device", "Type", "Version", "File", "Bytes", "CRC", "Verdict"});
   for (size_t i = 0; i < image.sections.size(); ++i) {
     table.addRow(cellsOf(image.sections[i], i + 1));
+  }
+  table.write(streams.out, tStyle(streams.outTakesStyles));
+}
+
+void printDigests(const tStreams& streams, const tFirmwareImage& image) {
+  tTable table;
+  table.addHeading("SHA-256 of the decoded payloads");
+  for (size_t i = 0; i < image.sections.size(); ++i) {
+    table.addRow({"  " + std::to_string(i + 1), orDash(image.sections[i].sha256)});
   }
   table.write(streams.out, tStyle(streams.outTakesStyles));
 }

@@ -5,6 +5,7 @@
 
 #include "source/user/firmware/imageformat.h"
 #include "tools/commandline/argumenttext.h"
+#include "tools/commandline/utf8text.h"
 #include "tools/quenra/firmware/files.h"
 #include "tools/quenra/firmware/firmwareimage.h"
 #include "tools/quenra/output/diagnostics.h"
@@ -20,6 +21,8 @@ void printText(const tStreams& streams, const tFirmwareImage& image) {
   if (!image.sections.empty()) {
     streams.out << '\n';
     printSections(streams, image);
+    streams.out << '\n';
+    printDigests(streams, image);
   }
 }
 
@@ -92,17 +95,17 @@ size_t parseLineLength(const tArguments& arguments) {
   return *length;
 }
 
-// Never overwrites the payload, nor an existing image without --append or --force.
-void checkFiles(const std::string& payload, const std::string& output,
-                const tArguments& arguments) {
-  if (isSameFile(payload, output)) {
-    reject("'" + payload + "' is both the payload and the output",
-           "Give the image a path of its own; --force does not replace the payload.");
+// Never overwrites the input, nor an existing output unless an option permits it.
+void checkFiles(const std::string& input, std::string_view kind, const std::string& output,
+                bool mayExist, const char* remedy) {
+  if (isSameFile(input, output)) {
+    reject("'" + input + "' is both the " + std::string(kind) + " and the output",
+           "Give the output a path of its own; --force does not replace the " + std::string(kind) +
+               ".");
   }
-  const bool mayExist = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
   if (!mayExist && fileExists(output)) {
     throw tCommandError(tExitCode::failure, "cannot write '" + output + "': the file exists",
-                        std::nullopt, "--force replaces the file, --append adds a section to it.");
+                        std::nullopt, remedy);
   }
 }
 
@@ -158,11 +161,47 @@ void print(const tVerbContext& context, const std::string& path, const tFirmware
   }
 }
 
+// ---- extract ----
+
+size_t parseSection(const tArguments& arguments) {
+  const std::string text = arguments.text(nWords::kSection);
+  const auto number = parseUnsigned(text);
+  if (!number || *number == 0) {
+    reject("'" + text + "' is not the number of a section",
+           "Sections are numbered from 1; run 'quenra firmware inspect' to list them.");
+  }
+  return *number;
+}
+
+void printExtracted(const tVerbContext& context, const std::string& image, size_t number,
+                    const tImageSection& section, const std::string& output) {
+  if (context.json) {
+    tJsonDocument document("firmware-extract", tExitCode::done);
+    document.text("path", image);
+    document.number("section", static_cast<int64_t>(number));
+    document.text("device", section.header.targetDevice);
+    document.text("updateType", section.header.updateType);
+    document.text("version", section.header.version);
+    document.optionalText("fileName", section.header.targetFileName);
+    document.number("byteCount", section.header.byteCount);
+    document.number("crc", section.header.crc);
+    document.text("sha256", section.sha256);
+    document.text("output", output);
+    document.writeTo(context.streams.out);
+  } else if (context.streams.outIsTerminal) {
+    context.streams.out << "section " << number << ", "
+                        << printableText(section.header.targetDevice.view()) << ' '
+                        << printableText(section.header.version.view()) << ", "
+                        << countOf(section.header.byteCount, "byte") << ": written to '"
+                        << printableText(output) << "'\n";
+  }
+}
+
 }  // namespace
 
 tExitCode runFirmwareInspect(const tArguments& arguments, const tVerbContext& context) {
   const std::string path = arguments.text(nWords::kImage);
-  const tFirmwareImage image = inspectImage(readFile(path));
+  const tFirmwareImage image = inspectWithDigests(readFile(path));
   const bool isEmpty = image.sections.empty();
   const tExitCode exitCode = isEmpty ? tExitCode::failure : tExitCode::done;
   if (isEmpty) {
@@ -180,7 +219,7 @@ tExitCode runFirmwareInspect(const tArguments& arguments, const tVerbContext& co
 
 tExitCode runFirmwareVerify(const tArguments& arguments, const tVerbContext& context) {
   const std::string path = arguments.text(nWords::kImage);
-  const tFirmwareImage image = inspectImage(readFile(path));
+  const tFirmwareImage image = inspectWithDigests(readFile(path));
   const tExitCode exitCode = image.isValid() ? tExitCode::done : tExitCode::failure;
   printProblems(context.streams.error, path, image);
   if (context.json) {
@@ -200,18 +239,31 @@ tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& cont
   section.fileName = parseFileName(arguments);
   section.lineLength = parseLineLength(arguments);
   const std::string path = arguments.text(nWords::kOutput);
-  checkFiles(arguments.text(nWords::kPayload), path, arguments);
+  const bool replaces = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
+  checkFiles(arguments.text(nWords::kPayload), "payload", path, replaces,
+             "--force replaces the file, --append adds a section to it.");
   const std::string payload = payloadOf(arguments.text(nWords::kPayload));
   section.payload = payload;
 
   std::string bytes = arguments.has(nWords::kAppend) ? readFile(path) : "";
   const size_t before = sectionsIn(path, bytes, arguments);
   bytes += sectionText(section);
-  const tFirmwareImage image = inspectImage(bytes);
+  const tFirmwareImage image = inspectWithDigests(bytes);
   checkResult(image, before, section);
-  const bool replaces = arguments.has(nWords::kAppend) || arguments.has(nWords::kForce);
   writeFile(path, bytes, replaces ? tExistingFile::replace : tExistingFile::keep);
   print(context, path, image);
+  return tExitCode::done;
+}
+
+tExitCode runFirmwareExtract(const tArguments& arguments, const tVerbContext& context) {
+  const std::string image = arguments.text(nWords::kImage);
+  const std::string output = arguments.text(nWords::kOutput);
+  const size_t number = parseSection(arguments);
+  const bool replaces = arguments.has(nWords::kForce);
+  checkFiles(image, "image", output, replaces, "--force replaces the file.");
+  const tExtractedPayload payload = extractPayload(image, readFile(image), number);
+  writeFile(output, payload.bytes, replaces ? tExistingFile::replace : tExistingFile::keep);
+  printExtracted(context, image, number, payload.section, output);
   return tExitCode::done;
 }
 

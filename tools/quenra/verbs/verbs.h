@@ -62,6 +62,7 @@ inline constexpr std::string_view kNoWait = "--no-wait";
 inline constexpr std::string_view kOnlyNewer = "--only-newer";
 inline constexpr std::string_view kOutput = "--output";
 inline constexpr std::string_view kPlan = "--plan";
+inline constexpr std::string_view kSection = "--section";
 inline constexpr std::string_view kSubject = "--subject";
 inline constexpr std::string_view kTo = "--to";
 inline constexpr std::string_view kWatch = "--watch";
@@ -107,6 +108,9 @@ inline constexpr std::string_view kPrometheusText = "prometheus";
 [[nodiscard]] tExitCode runFirmwareVerify(const tArguments& arguments, const tVerbContext& context);
 // `quenra firmware build`: builds a firmware image.
 [[nodiscard]] tExitCode runFirmwareBuild(const tArguments& arguments, const tVerbContext& context);
+// `quenra firmware extract`: writes the payload of a section to a file.
+[[nodiscard]] tExitCode runFirmwareExtract(const tArguments& arguments,
+                                           const tVerbContext& context);
 // `quenra update`: applies a firmware image, or prints the plan of the update.
 [[nodiscard]] tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context);
 

@@ -29,6 +29,11 @@ inline constexpr tOptionRow kFirmwareBuildOptions[] = {
     {nWords::kAppend, "", "Add the section to an existing image"},
     {nWords::kForce, "", "Replace an existing image"},
 };
+inline constexpr tOptionRow kFirmwareExtractOptions[] = {
+    {nWords::kSection, "N", "Number of the section in the image, from 1", {}, true},
+    {nWords::kOutput, "FILE", "File of the decoded payload; must not exist", {}, true},
+    {nWords::kForce, "", "Replace an existing file"},
+};
 inline constexpr tExampleRow kFirmwareInspectExamples[] = {
     {"firmware inspect update.fwi", "the sections of an image"},
 };
@@ -40,6 +45,9 @@ inline constexpr tExampleRow kFirmwareBuildExamples[] = {
      "an image of one section"},
     {"firmware build b.bin --append --output update.fwi --device BIOS --firmware-version 3.1.0f2",
      "... and a second one"},
+};
+inline constexpr tExampleRow kFirmwareExtractExamples[] = {
+    {"firmware extract update.fwi --section 1 --output a.bin", "the payload of the first section"},
 };
 
 // ---- update ----
@@ -61,7 +69,7 @@ inline constexpr tExampleRow kUpdateExamples[] = {
 // clang-format off
 inline constexpr tVerbRow kFirmwareVerbs[] = {
     {"firmware inspect", "Show the sections of a firmware image",
-     "Each section with its device, type, version, file name, size and CRC, its place in the order of application, and the verdict of the library. A section that the library rejects is shown with the reason; the sections after it are checked as well, although one fault prevents the whole image from being applied. Needs no controller.",
+     "Each section with its device, type, version, file name, size and CRC, its place in the order of application, and the verdict of the library; then the SHA-256 of each decoded payload. A section that the library rejects is shown with the reason; the sections after it are checked as well, although one fault prevents the whole image from being applied. Needs no controller.",
      kImagePositionals, {}, kFirmwareInspectExamples},
 
     {"firmware verify", "Check whether an update would apply a firmware image",
@@ -75,6 +83,11 @@ inline constexpr tVerbRow kFirmwareVerbs[] = {
      "1.4.2f7. The image is read back before it is written, and an existing file is replaced with "
      "--force only. Needs no controller.",
      kPayloadPositionals, kFirmwareBuildOptions, kFirmwareBuildExamples},
+
+    {"firmware extract", "Write the payload of a section to a file",
+     "The payload is decoded and checked by the library's own parser. A section that the library "
+     "refuses is not extracted. An existing file is replaced with --force only. Needs no controller.",
+     kImagePositionals, kFirmwareExtractOptions, kFirmwareExtractExamples},
 
     {"update", "Apply a firmware image, or show its plan",
      "Prints the plan, shows the elapsed time of the update, and reports the result of each section. An "

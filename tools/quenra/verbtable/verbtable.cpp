@@ -27,7 +27,7 @@ constexpr auto kVerbs = joined(nRows::kControllerVerbs, nRows::kMonitoringVerbs,
 
 constexpr tVerbGroupRow kGroups[] = {
     {"route", "Plan trigger routes, and connect them", &kRouteWords},
-    {"firmware", "Inspect, verify and build firmware images", &kFirmwareWords},
+    {"firmware", "Inspect, verify, build and extract firmware images", &kFirmwareWords},
 };
 
 constexpr tOptionRow kOptionsOfEveryVerb[] = {kHelpOption, kJsonOption};
