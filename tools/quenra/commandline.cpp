@@ -19,6 +19,7 @@ constexpr tFunctionRow kFunctions[] = {
     {"set", runSet},
     {"self-test", runSelfTest},
     {"metrics", runMetrics},
+    {"doctor", runDoctor},
     {"terminals", runTerminals},
     {"route plan", runRoutePlan},
     {"route connect", runRouteConnect},

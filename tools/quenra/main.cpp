@@ -137,6 +137,7 @@ int main() {
   nCommandLine::tQuenraLibrary library;
   nCommandLine::tQuenraRouting routing;
   nCommandLine::tUpdateFacts updateFacts;
+  nCommandLine::tInstallation installation;
   tConsoleInterruption interruption;
   nCommandLine::tUpdateLock updateLock;
   const std::vector<std::string> words = commandLineWords();
@@ -145,6 +146,7 @@ int main() {
   for (const std::string& word : words) {
     pointers.push_back(word.c_str());
   }
-  return nCommandLine::runCommandLine(static_cast<int>(pointers.size()), pointers.data(), streams,
-                                      {library, routing, updateFacts, interruption, updateLock});
+  return nCommandLine::runCommandLine(
+      static_cast<int>(pointers.size()), pointers.data(), streams,
+      {library, routing, updateFacts, interruption, updateLock, installation});
 }

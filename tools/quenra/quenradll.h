@@ -6,8 +6,13 @@
 // setupapi.h requires windows.h before it.
 #include <setupapi.h>
 
+#include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
 
 #include "protocol/interfaces.h"
 #include "quenra.h"
@@ -66,6 +71,44 @@ class tQuenraLibrary final : public iQuenra {
     SetupDiDestroyDeviceInfoList(set);
     return count;
   }
+};
+
+class tInstallation final : public iInstallation {
+ public:
+  [[nodiscard]] std::string libraryVersion() override {
+    const HMODULE library = GetModuleHandleW(L"quenra.dll");
+    const HRSRC place = FindResourceA(library, MAKEINTRESOURCEA(VS_VERSION_INFO), RT_VERSION);
+    const HGLOBAL resource = place == nullptr ? nullptr : LoadResource(library, place);
+    const std::string_view bytes =
+        resource == nullptr ? std::string_view()
+                            : std::string_view(static_cast<const char*>(LockResource(resource)),
+                                               SizeofResource(library, place));
+    return versionIn(bytes);
+  }
+  [[nodiscard]] bool isAdministrator() noexcept override {
+    std::array<std::byte, SECURITY_MAX_SID_SIZE> administrators{};
+    DWORD size = administrators.size();
+    BOOL isMember = FALSE;
+    return CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, administrators.data(), &size) &&
+           CheckTokenMembership(nullptr, administrators.data(), &isMember) && isMember;
+  }
+
+ private:
+  // The fixed part of a version resource begins with a signature, aligned to 32 bits.
+  static std::string versionIn(std::string_view resource) {
+    VS_FIXEDFILEINFO info{};
+    for (size_t at = 0; at + sizeof info <= resource.size(); at += sizeof(DWORD)) {
+      std::memcpy(&info, resource.data() + at, sizeof info);
+      if (info.dwSignature == kVersionSignature) {
+        return std::to_string(HIWORD(info.dwFileVersionMS)) + "." +
+               std::to_string(LOWORD(info.dwFileVersionMS)) + "." +
+               std::to_string(HIWORD(info.dwFileVersionLS));
+      }
+    }
+    return "";
+  }
+
+  static constexpr DWORD kVersionSignature = 0xFEEF04BD;
 };
 
 class tQuenraRouting final : public iRouting {

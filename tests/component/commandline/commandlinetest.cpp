@@ -83,8 +83,9 @@ int CommandLineTest::runOn(const std::vector<std::string>& words, nCommandLine::
   for (const std::string& word : words) {
     arguments.push_back(word.c_str());
   }
-  return nCommandLine::runCommandLine(static_cast<int>(arguments.size()), arguments.data(), streams,
-                                      {library_, routing_, facts_, interruption_, lock_});
+  return nCommandLine::runCommandLine(
+      static_cast<int>(arguments.size()), arguments.data(), streams,
+      {library_, routing_, facts_, interruption_, lock_, installation_});
 }
 
 std::vector<std::string> wordsOf(std::string_view verb) {

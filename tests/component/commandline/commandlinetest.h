@@ -17,6 +17,7 @@
 #include <thread>
 #include <vector>
 
+#include "quenra_version.h"
 #include "tests/builders/ttemporaryfolder.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
 #include "tests/component/commandline/tscriptedrouting.h"
@@ -62,6 +63,16 @@ class tScriptedLock final : public nCommandLine::iUpdateLock {
 
   std::deque<nCommandLine::tLockState> states;  // results of the next calls; acquired after them
   int held = 0;
+};
+
+// The installed library and the account; an administrator with the matching library.
+class tScriptedInstallation final : public nCommandLine::iInstallation {
+ public:
+  [[nodiscard]] std::string libraryVersion() override { return version; }
+  [[nodiscard]] bool isAdministrator() noexcept override { return isElevated; }
+
+  std::string version = QUENRA_VERSION;
+  bool isElevated = true;
 };
 
 // The files of a test, in a temporary folder of their own.
@@ -127,6 +138,7 @@ class CommandLineTest : public testing::Test {
   tScriptedFacts facts_;
   tScriptedInterruption interruption_;
   tScriptedLock lock_;
+  tScriptedInstallation installation_;
 
  private:
   tRun runWith(const std::vector<std::string>& words, bool terminal);

@@ -88,9 +88,10 @@ tFailedRun runOn(std::ostream& out, const tOutputBuffer* buffer,
   tScriptedFacts facts;
   tScriptedInterruption interruption;
   tScriptedLock lock;
+  tScriptedInstallation installation;
   const int exitCode =
       nCommandLine::runCommandLine(static_cast<int>(words.size()), words.data(), streams,
-                                   {library, routing, facts, interruption, lock});
+                                   {library, routing, facts, interruption, lock, installation});
   return {exitCode, error.str()};
 }
 

@@ -2,6 +2,7 @@
 #define TOOLS_QUENRA_READING_IQUENRA_H
 
 #include <cstdint>
+#include <string>
 
 #include "tools/quenra/reading/reading.h"
 
@@ -31,6 +32,20 @@ class iQuenra {
 
   // The number of device interfaces of the controller or the Marten that the system shows as present.
   [[nodiscard]] virtual uint32_t presentInterfaces(tInterface which) const noexcept = 0;
+};
+
+// The library that the program has loaded, and the account that runs the program.
+class iInstallation {
+ public:
+  iInstallation() = default;
+  iInstallation(const iInstallation&) = delete;
+  iInstallation& operator=(const iInstallation&) = delete;
+  virtual ~iInstallation() = default;
+
+  // The version in the properties of the library: "1.2.3"; empty if it has none.
+  [[nodiscard]] virtual std::string libraryVersion() = 0;
+  // True if the process has the rights of an administrator, as an update requires.
+  [[nodiscard]] virtual bool isAdministrator() noexcept = 0;
 };
 
 }  // namespace nCommandLine

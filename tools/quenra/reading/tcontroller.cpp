@@ -50,7 +50,8 @@ std::string failureOf(const std::string& cause) {
 
 tOpeningFailure tooMany(uint32_t count, const std::string& kind, const std::string& supported) {
   return {failureOf(std::to_string(count) + " " + kind + " interfaces are present; " + supported),
-          {{}, "Disable the others in the system's device manager."}};
+          {{}, "Disable the others in the system's device manager."},
+          tOpeningCause::interfaces};
 }
 
 // ---- The complete machine ----
@@ -199,7 +200,8 @@ tOpeningFailure explainOpeningFailure(const tController& controller) {
   if (isCodeOfTable && controllers > 0) {
     return {failureOf("the driver replied, but its SMBIOS table is unusable or is not that of a "
                       "supported machine"),
-            {{}, "Update the machine's firmware, which provides the table, and the driver."}};
+            {{}, "Update the machine's firmware, which provides the table, and the driver."},
+            tOpeningCause::table};
   }
   return {kFailure, {}};
 }

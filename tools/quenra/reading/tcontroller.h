@@ -50,10 +50,17 @@ class tController {
 // The exit code of a program that cannot open the controller.
 [[nodiscard]] tExitCode exitCodeOfOpening(int32_t code) noexcept;
 
+enum class tOpeningCause : uint8_t {
+  unknown,
+  interfaces,  // their number is not supported
+  table,       // the driver replied; its SMBIOS table is unusable or that of an unsupported machine
+};
+
 // A failure to open the controller, with its cause as far as the present device interfaces show it.
 struct tOpeningFailure {
   std::string fact;              // "cannot open the controller: ..."
   tSiteExplanation explanation;  // of the code
+  tOpeningCause cause = tOpeningCause::unknown;
 };
 
 // Precondition: the controller's code is negative.

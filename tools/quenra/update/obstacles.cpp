@@ -57,26 +57,6 @@ std::string adviceFor(int32_t code) {
   return std::string(explainStatus(code).advice);
 }
 
-void addDrive(const tDriveProtection& drive, tObstacles& obstacles) {
-  if (drive.code < 0) {
-    const auto* const step = std::ranges::find(
-        kProtectionSteps, drive.line,
-        [](const tProtectionStep& candidate) { return candidate.site.location.line; });
-    std::string fact = "the encryption state of drive C: is unknown";
-    if (step != std::end(kProtectionSteps)) {
-      fact.append(": ").append(step->fact);
-    }
-    obstacles.push_back({fact,
-                         "Run the update as an administrator, on a system with its management "
-                         "service running and the feature of drive encryption installed.",
-                         drive.code, drive.line});
-  } else if (drive.isOn) {
-    obstacles.push_back(obstacleAt(nUpdateSites::kDriveEncrypted,
-                                   "drive C: is encrypted, and the protection is on",
-                                   adviceFor(nUpdateSites::kDriveEncrypted.code)));
-  }
-}
-
 void addEligibility(const tReading& takesUpdates, tObstacles& obstacles) {
   if (takesUpdates.state() != tReadingState::value) {
     obstacles.push_back(
@@ -171,6 +151,26 @@ tObstacle toolNotStarted(const std::error_code& reason) {
       "Check that " + std::string(kTool) + " is the system's own tool. " + kMakeLink);
 }
 
+std::optional<tObstacle> obstacleOf(const tDriveProtection& drive) {
+  if (drive.code < 0) {
+    const auto* const step = std::ranges::find(
+        kProtectionSteps, drive.line,
+        [](const tProtectionStep& candidate) { return candidate.site.location.line; });
+    std::string fact = "the encryption state of drive C: is unknown";
+    if (step != std::end(kProtectionSteps)) {
+      fact.append(": ").append(step->fact);
+    }
+    return tObstacle{fact,
+                     "Run the update as an administrator, on a system with its management "
+                     "service running and the feature of drive encryption installed.",
+                     drive.code, drive.line};
+  }
+  return drive.isOn ? std::optional(obstacleAt(nUpdateSites::kDriveEncrypted,
+                                               "drive C: is encrypted, and the protection is on",
+                                               adviceFor(nUpdateSites::kDriveEncrypted.code)))
+                    : std::nullopt;
+}
+
 std::optional<tObstacle> obstacleOf(const tDriverStoreTool& tool) {
   if (!isWindowsFolder(tool.windowsFolder)) {
     return tObstacle{
@@ -196,7 +196,9 @@ std::optional<tObstacle> obstacleOf(const tDriverStoreTool& tool) {
 
 tObstacles findObstacles(const tUpdateSituation& situation, iUpdateFacts& facts) {
   tObstacles obstacles;
-  addDrive(facts.driveProtection(), obstacles);
+  if (const auto obstacle = obstacleOf(facts.driveProtection())) {
+    obstacles.push_back(*obstacle);
+  }
   if (situation.machine != nullptr) {
     addEligibility(situation.machine->takesUpdates, obstacles);
   }

@@ -117,8 +117,7 @@ void printPlan(const tStreams& streams, const tUpdateMachine* machine,
                const std::vector<tPlannedSection>& plan, std::string_view heading) {
   streams.out << "installed: " << installedText(machine) << '\n';
   if (machine != nullptr && machine->awaitsRestart()) {
-    streams.out << "an update awaits a restart: until then the Marten reports version "
-                << nQUENRA1400::kIncompleteVersion << '\n';
+    streams.out << pendingRestartText() << '\n';
   }
   tTable table;
   table.addRow({"Section", "Device", "Version", "File", "Bytes", std::string(heading)});

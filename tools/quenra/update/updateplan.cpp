@@ -104,6 +104,11 @@ bool tUpdateMachine::awaitsRestart() const {
   return martenVersion() == nQUENRA1400::kIncompleteVersion;
 }
 
+std::string pendingRestartText() {
+  return "an update awaits a restart: until then the Marten reports version " +
+         std::string(nQUENRA1400::kIncompleteVersion);
+}
+
 tUpdateMachine readUpdateMachine(const tController& controller) {
   return {controller.read({QUENRA_ATTRIBUTE_FIRMWARE_UPDATE_SUPPORT}),
           hasMarten(controller.read({QUENRA_ATTRIBUTE_INTERFACES_PRESENT})),

@@ -36,6 +36,9 @@ struct tUpdateMachine {
   [[nodiscard]] bool awaitsRestart() const;
 };
 
+// "an update awaits a restart: until then the Marten reports version 0.0.0f0"
+[[nodiscard]] std::string pendingRestartText();
+
 [[nodiscard]] tUpdateMachine readUpdateMachine(const tController& controller);
 
 using nQUENRA1400::tSectionAction;
@@ -95,6 +98,9 @@ struct tUpdateSituation {
 
 // The exit code for an update that fails with `code` while the controller is open.
 [[nodiscard]] tExitCode exitCodeOfUpdate(int32_t code) noexcept;
+
+// The reason why the encryption of drive C: prevents an update; empty if it does not.
+[[nodiscard]] std::optional<tObstacle> obstacleOf(const tDriveProtection& drive);
 
 // The reason why the driver-store tool must not or cannot be started; empty if it can.
 [[nodiscard]] std::optional<tObstacle> obstacleOf(const tDriverStoreTool& tool);

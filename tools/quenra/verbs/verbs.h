@@ -21,6 +21,7 @@ struct tPorts {
   iUpdateFacts& updateFacts;
   iInterruption& interruption;
   iUpdateLock& updateLock;
+  iInstallation& installation;
 };
 
 // The arguments of every verb. A verb prints its answer and returns the exit code, or throws
@@ -83,6 +84,8 @@ inline constexpr std::string_view kPrometheusText = "prometheus";
 [[nodiscard]] tExitCode runSet(const tArguments& arguments, const tVerbContext& context);
 // `quenra self-test`: opens the controller and lets the library test itself.
 [[nodiscard]] tExitCode runSelfTest(const tArguments& arguments, const tVerbContext& context);
+// `quenra doctor`: checks everything that a working controller and an update require.
+[[nodiscard]] tExitCode runDoctor(const tArguments& arguments, const tVerbContext& context);
 
 // ---- For others: monitoring ----
 

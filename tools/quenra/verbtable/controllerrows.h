@@ -76,6 +76,12 @@ inline constexpr tExampleRow kSelfTestExamples[] = {
     {"self-test", "check that the controller can be opened and used"},
 };
 
+// ---- doctor ----
+
+inline constexpr tExampleRow kDoctorExamples[] = {
+    {"doctor", "check driver, controller and requirements of an update"},
+};
+
 // clang-format off
 inline constexpr tVerbRow kControllerVerbs[] = {
     {"info", "Show all attributes of this machine, by subject",
@@ -102,6 +108,14 @@ inline constexpr tVerbRow kControllerVerbs[] = {
     {"self-test", "Test the controller",
      "Opens the controller and runs the self-test of the library, which passes if the controller can be opened.",
      {}, {}, kSelfTestExamples},
+
+    {"doctor", "Check everything that a working controller and an update require",
+     "A line for each check, with its result and a remedy: the version of the library, the device "
+     "interfaces, the driver, the SMBIOS table, the rights of the account, the encryption of drive C:, "
+     "the tool for driver packages, and an update that awaits a restart. A failed check means that the "
+     "controller cannot be used, a warning that an update or something else would not work. Warnings "
+     "leave the exit code 0. Nothing is changed.",
+     {}, {}, kDoctorExamples},
 };
 // clang-format on
 
