@@ -38,6 +38,19 @@ std::optional<tStructure> structureAt(const std::vector<uint8_t>& table, size_t 
   return std::nullopt;
 }
 
+// The first structure of a type; none if the table has no such structure.
+std::optional<tStructure> structureOfType(const std::vector<uint8_t>& table, uint8_t type) {
+  auto structure = structureAt(table, 0);
+  while (structure && table[structure->begin] != type) {
+    structure = structureAt(table, structure->end);
+  }
+  return structure;
+}
+
+bool hasField(const tStructure& structure, uint8_t offset) {
+  return offset >= kHeaderSize && offset < structure.formattedSize;
+}
+
 constexpr const char* kNotInstalled =
     "the simulated machine is not installed; run 'quenra-sim install'";
 
@@ -74,18 +87,35 @@ std::string failureText(uint32_t code, uint32_t windowsError) {
 }  // namespace
 
 bool changeStructureByte(std::vector<uint8_t>& table, uint8_t type, uint8_t offset, uint8_t value) {
-  size_t place = 0;
-  while (const auto structure = structureAt(table, place)) {
-    if (table[place] == type) {
-      const bool fits = offset >= kHeaderSize && offset < structure->formattedSize;
-      if (fits) {
-        table[place + offset] = value;
-      }
-      return fits;
-    }
-    place = structure->end;
+  const auto structure = structureOfType(table, type);
+  if (!structure || !hasField(*structure, offset)) {
+    return false;
   }
-  return false;
+  table[structure->begin + offset] = value;
+  return true;
+}
+
+bool changeStructureText(std::vector<uint8_t>& table, uint8_t type, uint8_t offset,
+                         std::string_view text) {
+  const auto structure = structureOfType(table, type);
+  const bool isText = !text.empty() && text.find('\0') == std::string_view::npos;
+  if (!structure || !hasField(*structure, offset) || !isText) {
+    return false;
+  }
+  const auto strings =
+      table.begin() + static_cast<ptrdiff_t>(structure->begin + structure->formattedSize);
+  const auto endOfStrings = table.begin() + static_cast<ptrdiff_t>(structure->end - 1);
+  const uint8_t number = table[structure->begin + offset];
+  auto begin = strings;
+  for (unsigned i = 1; i < number && begin != endOfStrings; ++i) {
+    begin = std::find(begin, endOfStrings, uint8_t{0}) + 1;
+  }
+  const auto end = std::find(begin, endOfStrings, uint8_t{0});
+  if (number == 0 || begin == end) {
+    return false;
+  }
+  table.insert(table.erase(begin, end), text.begin(), text.end());
+  return true;
 }
 
 bool removeStructures(std::vector<uint8_t>& table, uint8_t type) {

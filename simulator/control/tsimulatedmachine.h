@@ -18,6 +18,11 @@ namespace nSimulator {
 [[nodiscard]] bool changeStructureByte(std::vector<uint8_t>& table, uint8_t type, uint8_t offset,
                                        uint8_t value);
 
+// Replaces the text of a field of the first SMBIOS structure of a type. Returns false and changes nothing
+// if the table has no such structure, the field has no text, or the new text is empty or contains a NUL.
+[[nodiscard]] bool changeStructureText(std::vector<uint8_t>& table, uint8_t type, uint8_t offset,
+                                       std::string_view text);
+
 // Removes all structures of a type from a table. Returns false if it has none.
 [[nodiscard]] bool removeStructures(std::vector<uint8_t>& table, uint8_t type);
 

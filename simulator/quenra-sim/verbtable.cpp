@@ -68,6 +68,13 @@ constexpr tOptionRow kScenarioOptions[] = {
      false,
      nullptr,
      true},
+    {nWords::kStructureText,
+     "TYPE/OFFSET=TEXT",
+     "Change a text of the first structure of a type in that table; may be repeated",
+     {},
+     false,
+     nullptr,
+     true},
     {nWords::kWithoutStructure,
      "TYPE",
      "Remove the structures of a type from that table; may be repeated",
@@ -167,6 +174,7 @@ constexpr tExampleRow kResetExamples[] = {{"reset", "before a test"}};
 constexpr tExampleRow kScenarioExamples[] = {
     {"scenario --martens 0", "no Marten interface"},
     {"scenario --structure-byte 0x9D/4=0", "no text settings"},
+    {"scenario --structure-text 1/7=VQ0300017", "another serial number"},
 };
 constexpr tExampleRow kAttributeSetExamples[] = {
     {"attribute set marten 0x10000400 --text 1.4.0f9", "the version of the Marten"},

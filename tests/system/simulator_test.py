@@ -74,6 +74,15 @@ class Simulator(CommandLineTest):
         self.assertLess(self.status()["tableSize"], size)
         self.sim("scenario", "--without-structure", "0x9D", exit_code=2)
 
+    def test_texts_of_the_table_can_be_changed(self):
+        self.sim("scenario", "--structure-text", "1/7=<b>17 = 18", "--structure-text", "0/5=2.2.0f1")
+        self.assertEqual(self.quenra("get", "serial-number").out, "<b>17 = 18\n")
+        self.assertEqual(self.quenra("get", "firmware-version", "--controller").out, "2.2.0f1\n")
+        self.assertEqual(self.quenra("get", "product-name").out, "qctl-8840\n")
+        for wrong in ("1/7", "1/7=", "300/7=x", "1/200=x", "x"):
+            self.sim("scenario", "--structure-text", wrong, exit_code=2)
+        self.assertEqual(self.quenra("get", "serial-number").out, "<b>17 = 18\n")
+
     def test_attribute_is_given_and_removed(self):
         self.sim("attribute", "set", "controller", "0x20044C00", "--bytes", "04 03,0201")
         self.assertEqual(self.quenra("get", "driver-setting-1").out, f"{0x01020304}\n")

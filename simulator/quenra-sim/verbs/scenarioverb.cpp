@@ -19,23 +19,25 @@ struct tScenario {
   std::optional<std::string> tableFile;
   std::optional<std::string> versionText;
   std::vector<std::string> structureBytes;  // as "0x9D/4=1"
+  std::vector<std::string> structureTexts;  // as "1/7=VQ0300017"
   std::vector<uint8_t> removedStructures;   // types
   std::optional<uint64_t> pathLength;
   std::optional<std::string> topographyName;
 
   [[nodiscard]] bool changesTable() const {
-    return tableFile || !structureBytes.empty() || !removedStructures.empty();
+    return tableFile || !structureBytes.empty() || !structureTexts.empty() ||
+           !removedStructures.empty();
   }
 };
 
-// The value of `--structure-byte`.
-struct tStructureByte {
+// The value of `--structure-byte` or `--structure-text`.
+struct tStructureChange {
   uint8_t type;
   uint8_t offset;
-  uint8_t value;
+  std::string value;
 };
 
-uint8_t byteOf(const std::string& text, const std::string& argument) {
+uint8_t byteOf(const std::string& text, std::string_view option, const std::string& argument) {
   try {
     size_t used = 0;
     const unsigned long number = std::stoul(text, &used, 0);
@@ -45,20 +47,22 @@ uint8_t byteOf(const std::string& text, const std::string& argument) {
   } catch (const std::exception&) {
     // Reported below.
   }
-  throw tUsageError(
-      "'" + argument + "' does not have the form TYPE/OFFSET=VALUE with numbers up to 255",
-      "Give --structure-byte such a value, for example 0x9D/4=1.");
+  const bool isText = option == nWords::kStructureText;
+  throw tUsageError("'" + argument + "' does not have the form TYPE/OFFSET=" +
+                        (isText ? "TEXT" : "VALUE") + " with numbers up to 255",
+                    "Give " + std::string(option) + " such a value, for example " +
+                        (isText ? "1/7=VQ0300017." : "0x9D/4=1."));
 }
 
-tStructureByte parseStructureByte(const std::string& text) {
+tStructureChange parseStructureChange(std::string_view option, const std::string& text) {
   const size_t slash = text.find('/');
   const size_t equals = text.find('=', slash == std::string::npos ? 0 : slash);
   if (slash == std::string::npos || equals == std::string::npos) {
-    return {byteOf("", text), 0, 0};
+    return {byteOf("", option, text), 0, ""};
   }
-  return {byteOf(text.substr(0, slash), text),
-          byteOf(text.substr(slash + 1, equals - slash - 1), text),
-          byteOf(text.substr(equals + 1), text)};
+  return {byteOf(text.substr(0, slash), option, text),
+          byteOf(text.substr(slash + 1, equals - slash - 1), option, text),
+          text.substr(equals + 1)};
 }
 
 std::vector<uint8_t> readFile(const std::string& name) {
@@ -89,9 +93,19 @@ void editTable(std::vector<uint8_t>& table, const tScenario& scenario) {
     }
   }
   for (const std::string& text : scenario.structureBytes) {
-    const tStructureByte byte = parseStructureByte(text);
-    if (!changeStructureByte(table, byte.type, byte.offset, byte.value)) {
+    const tStructureChange change = parseStructureChange(nWords::kStructureByte, text);
+    const uint8_t value = byteOf(change.value, nWords::kStructureByte, text);
+    if (!changeStructureByte(table, change.type, change.offset, value)) {
       throw tUsageError("the table has no structure with the byte '" + text + "'", kTableAdvice);
+    }
+  }
+  for (const std::string& text : scenario.structureTexts) {
+    const tStructureChange change = parseStructureChange(nWords::kStructureText, text);
+    if (change.value.empty()) {
+      throw tUsageError("'" + text + "' has no text", "Give at least one character.");
+    }
+    if (!changeStructureText(table, change.type, change.offset, change.value)) {
+      throw tUsageError("the table has no structure with the text '" + text + "'", kTableAdvice);
     }
   }
 }
@@ -122,6 +136,7 @@ tScenario scenarioOf(const tArguments& arguments) {
   scenario.tableFile = arguments.optional(nWords::kTable);
   scenario.versionText = textShorterThan(SIMULATOR_TEXT_CAPACITY, arguments, nWords::kVersionText);
   scenario.structureBytes = arguments.all(nWords::kStructureByte);
+  scenario.structureTexts = arguments.all(nWords::kStructureText);
   for (const std::string& type : arguments.all(nWords::kWithoutStructure)) {
     scenario.removedStructures.push_back(
         static_cast<uint8_t>(numberOf(arguments, nWords::kWithoutStructure, type, 0, UINT8_MAX)));

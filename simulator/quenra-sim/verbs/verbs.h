@@ -72,6 +72,7 @@ inline constexpr std::string_view kPathLength = "--path-length";
 inline constexpr std::string_view kSeconds = "--seconds";
 inline constexpr std::string_view kSkip = "--skip";
 inline constexpr std::string_view kStructureByte = "--structure-byte";
+inline constexpr std::string_view kStructureText = "--structure-text";
 inline constexpr std::string_view kTable = "--table";
 inline constexpr std::string_view kText = "--text";
 inline constexpr std::string_view kTimeout = "--timeout";

@@ -126,6 +126,7 @@ TEST(RequestLogText, UnknownRequest_ShowsItsBytes) {
 // ---- Changes of a table ----
 
 using nSimulator::changeStructureByte;
+using nSimulator::changeStructureText;
 using nSimulator::removeStructures;
 using tBytes = std::vector<uint8_t>;
 
@@ -152,6 +153,37 @@ TEST(TableEdit, OffsetOutsideTheFormattedArea_ChangesNothing) {
     EXPECT_FALSE(changeStructureByte(table, 0x9D, offset, 99));
     EXPECT_EQ(table, kTable);
   }
+}
+
+// A structure with two texts, one of them used by no field, and one without texts.
+const tBytes kTexts{1,    6, 1, 0, 2, 3, 'a', 'b', 0, 'c', 0, 0,  //
+                    0x9D, 6, 2, 0, 1, 0, 0,   0};
+
+TEST(TableEdit, ChangedText_MayBeLongerOrShorter) {
+  tBytes table = kTexts;
+  EXPECT_TRUE(changeStructureText(table, 1, 4, "xyz"));
+  EXPECT_EQ(table, (tBytes{1,    6, 1, 0, 2, 3, 'a', 'b', 0, 'x', 'y', 'z', 0, 0,  //
+                           0x9D, 6, 2, 0, 1, 0, 0,   0}));
+  EXPECT_TRUE(changeStructureText(table, 1, 4, "q"));
+  EXPECT_EQ(table, (tBytes{1,    6, 1, 0, 2, 3, 'a', 'b', 0, 'q', 0, 0,  //
+                           0x9D, 6, 2, 0, 1, 0, 0,   0}));
+}
+
+TEST(TableEdit, FieldWithoutText_ChangesNothing) {
+  tBytes table = kTexts;
+  EXPECT_FALSE(changeStructureText(table, 1, 5, "x"));     // number 3 of two texts
+  EXPECT_FALSE(changeStructureText(table, 0x9D, 4, "x"));  // number 1 of none
+  EXPECT_FALSE(changeStructureText(table, 0x9D, 5, "x"));  // number 0: no text
+  EXPECT_FALSE(changeStructureText(table, 1, 6, "x"));     // outside the formatted area
+  EXPECT_FALSE(changeStructureText(table, 2, 4, "x"));
+  EXPECT_EQ(table, kTexts);
+}
+
+TEST(TableEdit, TextThatWouldEndTheStrings_ChangesNothing) {
+  tBytes table = kTexts;
+  EXPECT_FALSE(changeStructureText(table, 1, 4, ""));
+  EXPECT_FALSE(changeStructureText(table, 1, 4, std::string_view("a\0b", 3)));
+  EXPECT_EQ(table, kTexts);
 }
 
 TEST(TableEdit, AbsentStructure_ChangesNothing) {
