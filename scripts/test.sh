@@ -7,6 +7,8 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 # Integration tests, each with the Debian packages that only this test needs. tests/integration/README.md
 # describes how to add one.
 declare -rA integration_packages=(
+  [fleet]="wine"
+  [manyracks]="wine"
   [layout]="chromium ${docs_packages[*]}"
   [metrics]="python3-prometheus-client"
 )

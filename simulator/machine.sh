@@ -1,16 +1,27 @@
-# Sourced by scripts that run programs in the simulated machine: those of ./dev, and quenra-machine of
-# the download. Creates the machine, switches it on and off, and runs programs in it.
+# Sourced by scripts that run programs in simulated machines: those of ./dev, and quenra-machine of the
+# download. Creates a machine, switches it on and off, and runs programs in it.
 #
 # The script defines before: binaries, the folder of quenra-sim and the driver's files, and
-# binaries_remedy, the advice to a user who has none; machine, the folder of Wine's prefix, an absolute
-# path; machine_log and machine_lock, files outside it; machine_lifetime, the option of wineserver for
-# the time after the last program; the functions `step`, which shows a step to the user, and `fail`,
-# which shows a message and exits.
+# binaries_remedy, the advice to a user who has none; machine_lifetime, the option of wineserver for the
+# time after the last program; the functions `step`, which shows a step to the user, and `fail`, which
+# shows a message and exits. It then calls select_machine, before any other function, and may define
+# configure_machine again.
 # shellcheck shell=bash
 # shellcheck disable=SC2154 # defined by the script
 
-# Wine prints no diagnostics, opens no dialogs, and does not touch the prefix in the home folder.
-export WINEPREFIX=$machine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
+# select_machine DISK LOG LOCK: the machine of the following calls. DISK is the folder of Wine's prefix, an
+# absolute path; the files LOG and LOCK are outside it.
+select_machine() {
+  machine=$1 machine_log=$2 machine_lock=$3
+  # Keeps Wine from the prefix in the home folder.
+  export WINEPREFIX=$machine
+}
+
+# Called when the machine has been switched on, or its driver replaced: it is the default machine then.
+configure_machine() { :; }
+
+# Wine prints no diagnostics and opens no dialogs.
+export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 # Wine decodes the arguments of a program in the encoding of the locale.
 export LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
@@ -57,34 +68,38 @@ make_prefix() {
   quietly wineboot -i && quietly wineserver -w && touch "$machine/.made"
 }
 
+driver_hash() {
+  cat "$binaries"/{quenrasim.sys,quenrasim.inf,quenrasimmemory.dll,quenrasimmanagement.dll,quenrasimpnputil.exe} |
+    sha256sum
+}
+
+driver_is_current() { [[ -f $machine/.driver && $(<"$machine/.driver") == "$(driver_hash)" ]]; }
+
 install_driver() {
-  local images=("$binaries"/quenrasim.sys "$binaries"/quenrasim.inf "$binaries"/quenrasimmemory.dll
-    "$binaries"/quenrasimmanagement.dll "$binaries"/quenrasimpnputil.exe)
-  local installed=$machine/.driver
-  local current
-  current=$(cat "${images[@]}" | sha256sum)
-  [[ -f $installed && $(<"$installed") == "$current" ]] && return
   step "Installing the simulated controller"
-  quietly wine "$binaries/quenra-sim.exe" install && printf '%s' "$current" >"$installed"
+  quietly wine "$binaries/quenra-sim.exe" install && driver_hash >"$machine/.driver"
 }
 
 # Signal 0 succeeds only if a server runs.
 is_on() { quietly wineserver -k0; }
 
-switch_on() {
-  make_prefix || return
-  if is_on; then
-    install_driver
-    return
-  fi
-  quietly wineserver "$machine_lifetime"
-  install_driver || return
+start_driver() {
+  driver_is_current || install_driver || return
   # The prefix keeps changes from before the machine was switched off.
   quietly wine "$binaries/quenra-sim.exe" wait --timeout 10 &&
     quietly wine "$binaries/quenra-sim.exe" reset && return
   # The driver was uninstalled.
-  rm -f "$machine/.driver"
   install_driver
+}
+
+switch_on() {
+  make_prefix || return
+  if is_on; then
+    driver_is_current || { install_driver && configure_machine; }
+    return
+  fi
+  quietly wineserver "$machine_lifetime"
+  start_driver && configure_machine
 }
 
 # Programs may start concurrently; the lock lets one of them switch the machine on.

@@ -12,10 +12,11 @@ use_programs_of() {
   binaries_remedy="run ./dev build $1"
 }
 use_programs_of windows
-readonly machine=$build/machine # Wine's prefix: the disk of the simulated machine
-readonly machine_log=$build/machine.log machine_lock=$build/.machine.lock machine_lifetime=-p600
+readonly machine_lifetime=-p600
 # shellcheck source=simulator/machine.sh
 source "$root/simulator/machine.sh"
+# Wine's prefix: the disk of the simulated machine.
+select_machine "$build/machine" "$build/machine.log" "$build/.machine.lock"
 
 end_machine_on_exit() {
   trap 'machine_off' EXIT

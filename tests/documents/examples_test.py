@@ -37,7 +37,8 @@ class Pages(unittest.TestCase):
     def test_test_that_a_reason_names_exists(self):
         for page in PAGES:
             for block in blocks_of(page):
-                for name in re.findall(r"[\w/]+\.py", block.options.get("no-run", "")):
+                for name in re.findall(r"[\w/]+\.py", block.options.get("no-run", "") +
+                                       block.options.get("tested-by", "")):
                     with self.subTest(page=page, line=block.line):
                         self.assertTrue((ROOT / name).is_file(), name)
 
