@@ -41,8 +41,6 @@ class tControllerUserSession {
  private:
   void openControllerInterface(zoerr::Status& status) noexcept;
   void openMartenInterface(zoerr::Status& status) noexcept;
-  void checkPlatform(zoerr::Status& status) noexcept;
-  void checkModel(zoerr::Status& status) noexcept;
   void closeInterfaces() noexcept;
 
   nZOSMBIOS_1_1::cZoSmBiosProvider& provider_;
