@@ -262,6 +262,18 @@ void tSimulatedMachine::removeAttribute(tSimulatorInterface interfaceKind, uint3
   commandOn(SIMULATOR_REMOVE_ATTRIBUTE, interfaceKind, attribute);
 }
 
+void tSimulatedMachine::clearAttributes() {
+  command(SIMULATOR_CLEAR_ATTRIBUTES);
+}
+
+void tSimulatedMachine::setAttributeAnswer(const tSimulatorAttributeAnswer& answer) {
+  command(SIMULATOR_SET_ATTRIBUTE_ANSWER, bytesOf(answer));
+}
+
+void tSimulatedMachine::setHandoverAnswer(const tSimulatorHandoverAnswer& answer) {
+  command(SIMULATOR_SET_HANDOVER_ANSWER, bytesOf(answer));
+}
+
 void tSimulatedMachine::allowWrites(tSimulatorInterface interfaceKind, uint32_t attribute) {
   commandOn(SIMULATOR_ALLOW_WRITES, interfaceKind, attribute);
 }

@@ -71,6 +71,12 @@ class tSimulatedMachine {
   void setAttributeText(tSimulatorInterface interfaceKind, uint32_t attribute,
                         std::string_view text);
   void removeAttribute(tSimulatorInterface interfaceKind, uint32_t attribute);
+  // Removes every attribute of both interfaces.
+  void clearAttributes();
+
+  // Set the driver's answers to reads; setting a value afterwards restores the plain answer.
+  void setAttributeAnswer(const tSimulatorAttributeAnswer& answer);
+  void setHandoverAnswer(const tSimulatorHandoverAnswer& answer);
 
   // Allows or refuses writes by the library to an attribute that has a value.
   void allowWrites(tSimulatorInterface interfaceKind, uint32_t attribute);

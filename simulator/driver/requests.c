@@ -114,6 +114,14 @@ NTSTATUS NTAPI dispatchClose(DEVICE_OBJECT* deviceObject, IRP* irp) {
 
 /* ---- Device control requests ---- */
 
+static void waitBeforeReply(uint32_t microseconds) {
+  if (microseconds != 0) {
+    /* Negative: relative to now, in units of 100 ns. */
+    LARGE_INTEGER interval = {.QuadPart = -10 * (LONGLONG)microseconds};
+    KeDelayExecutionThread(KernelMode, FALSE, &interval);
+  }
+}
+
 NTSTATUS NTAPI dispatchDeviceControl(DEVICE_OBJECT* deviceObject, IRP* irp) {
   (void)deviceObject;
   const IO_STACK_LOCATION* stack = IoGetCurrentIrpStackLocation(irp);
@@ -128,9 +136,11 @@ NTSTATUS NTAPI dispatchDeviceControl(DEVICE_OBJECT* deviceObject, IRP* irp) {
   };
   lockMachine();
   const tModelReply reply = modelRequest(lockedMachine(), &request);
+  const uint32_t delay = modelReplyDelay(lockedMachine());
   const bool isPending = reply.windowsError == kWindowsErrorIoPending;
   const NTSTATUS pending = isPending ? keepPending(irp) : STATUS_SUCCESS;
   unlockMachine();
+  waitBeforeReply(delay);
   return isPending ? pending
                    : completeIrp(irp, statusOfWindowsError(reply.windowsError), reply.size);
 }

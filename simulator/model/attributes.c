@@ -44,6 +44,7 @@ bool attributesPut(tAttributeStore* store, const tSimulatorAttribute* attribute)
     return false;
   }
   store->entries[index] = *attribute;
+  fillWithZeros(&store->answers[index], sizeof(store->answers[index]));
   if (index == store->count) {
     store->writable[index] = false;
     ++store->count;
@@ -57,6 +58,7 @@ void attributesRemove(tAttributeStore* store, uint32_t interfaceKind, uint32_t a
     --store->count;
     store->entries[index] = store->entries[store->count];
     store->writable[index] = store->writable[store->count];
+    store->answers[index] = store->answers[store->count];
   }
 }
 
@@ -76,14 +78,29 @@ bool attributesIsWritable(const tAttributeStore* store, uint32_t interfaceKind,
   return index < store->count && store->writable[index];
 }
 
+bool attributesSetAnswer(tAttributeStore* store, const tSimulatorAttributeAnswer* answer) {
+  const uint32_t index = indexOf(store, answer->interfaceKind, answer->attribute);
+  if (index == store->count) {
+    return false;
+  }
+  store->answers[index] = *answer;
+  return true;
+}
+
 /* ---- The requests ---- */
 
-static tGetAttributeReply getAttribute(const tModel* model, const tModelFile* file,
+static tGetAttributeReply getAttribute(tModel* model, const tModelFile* file,
                                        const tGetAttributeRequest* request) {
-  const tSimulatorAttribute* attribute =
-      attributesFind(&model->attributes, file->interfaceKind, request->attribute);
-  if (attribute == NULL) {
+  const tAttributeStore* store = &model->attributes;
+  const uint32_t index = indexOf(store, file->interfaceKind, request->attribute);
+  if (index == store->count) {
     return (tGetAttributeReply){.size = 0, .driverStatus = SIMULATOR_STATUS_NOT_SUPPORTED};
+  }
+  const tSimulatorAttribute* attribute = &store->entries[index];
+  const tSimulatorAttributeAnswer* answer = &store->answers[index];
+  model->replyDelay = answer->delay;
+  if (answer->driverStatus < 0) {
+    return (tGetAttributeReply){.size = answer->size, .driverStatus = answer->driverStatus};
   }
   if (request->size < attribute->size) {
     return (tGetAttributeReply){.size = attribute->size,
@@ -92,7 +109,7 @@ static tGetAttributeReply getAttribute(const tModel* model, const tModelFile* fi
   if (!writeToCaller(&model->host, file, request->buffer, attribute->value, attribute->size)) {
     return (tGetAttributeReply){.size = 0, .driverStatus = SIMULATOR_STATUS_BAD_ADDRESS};
   }
-  return (tGetAttributeReply){.size = attribute->size, .driverStatus = 0};
+  return (tGetAttributeReply){.size = attribute->size, .driverStatus = answer->driverStatus};
 }
 
 void carryOutGetAttribute(tModel* model, const tModelFile* file, const void* input, void* reply) {
@@ -120,12 +137,16 @@ static int32_t setAttribute(tModel* model, const tModelFile* file,
   if (!fits(present, request->size)) {
     return SIMULATOR_STATUS_BAD_VALUE;
   }
+  /* Setting the value would restore the plain answer. */
+  const tSimulatorAttributeAnswer answer =
+      model->attributes.answers[present - model->attributes.entries];
   tSimulatorAttribute changed = *present;
   changed.size = (uint32_t)request->size;
   if (!readFromCaller(&model->host, file, request->buffer, changed.value, changed.size)) {
     return SIMULATOR_STATUS_BAD_ADDRESS;
   }
   attributesPut(&model->attributes, &changed);
+  attributesSetAnswer(&model->attributes, &answer);
   return 0;
 }
 
@@ -144,6 +165,7 @@ bool handoverSetText(tSmbiosHandover* handover, const void* text, uint32_t size)
   }
   copyBytes(handover->text, text, size);
   handover->textSize = size;
+  handover->hasAnswer = false;
   return true;
 }
 
@@ -153,6 +175,7 @@ bool handoverSetTable(tSmbiosHandover* handover, const void* table, uint32_t siz
   }
   copyBytes(handover->table, table, size);
   handover->tableSize = size;
+  handover->hasAnswer = false;
   return true;
 }
 
@@ -173,9 +196,28 @@ static int32_t exchangeValues(const tModel* model, const tModelFile* file,
   return copied ? 0 : SIMULATOR_STATUS_BAD_ADDRESS;
 }
 
+/* The configured answer to one of the two requests. */
+static tExchangeValuesReply answerHandover(tModel* model, const tModelFile* file,
+                                           const tExchangeValuesRequest* request) {
+  const tSimulatorHandoverAnswer* configured = &model->handover.answer;
+  const bool isQuery = request->textBuffer == 0 && request->tableBuffer == 0;
+  const tSimulatorSizesAnswer* answer = isQuery ? &configured->query : &configured->values;
+  const bool returnsBytes = !isQuery && answer->driverStatus >= 0;
+  const int32_t status = returnsBytes ? exchangeValues(model, file, request) : 0;
+  model->replyDelay = answer->delay;
+  return (tExchangeValuesReply){.textSize = answer->textSize,
+                                .tableSize = answer->tableSize,
+                                .driverStatus = status < 0 ? status : answer->driverStatus};
+}
+
 void carryOutExchangeValues(tModel* model, const tModelFile* file, const void* input, void* reply) {
   tExchangeValuesRequest request;
   copyBytes(&request, input, sizeof(request));
+  if (model->handover.hasAnswer) {
+    const tExchangeValuesReply configured = answerHandover(model, file, &request);
+    copyBytes(reply, &configured, sizeof(configured));
+    return;
+  }
   const tExchangeValuesReply answer = {
       .textSize = model->handover.textSize,
       .tableSize = model->handover.tableSize,

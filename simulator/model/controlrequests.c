@@ -107,6 +107,31 @@ static tModelReply setWritable(tModel* model, const tModelRequest* request, bool
                                          attribute.attribute, writable));
 }
 
+static tModelReply clearAttributes(tModel* model, const tModelRequest* request) {
+  (void)request;
+  attributesClear(&model->attributes);
+  return emptyReply(kWindowsErrorNone);
+}
+
+static tModelReply setAttributeAnswer(tModel* model, const tModelRequest* request) {
+  tSimulatorAttributeAnswer answer;
+  copyBytes(&answer, request->input, sizeof(answer));
+  return successOr(
+      kWindowsErrorInvalidParameter,
+      answer.delay <= SIMULATOR_MAX_DELAY && attributesSetAnswer(&model->attributes, &answer));
+}
+
+static tModelReply setHandoverAnswer(tModel* model, const tModelRequest* request) {
+  tSimulatorHandoverAnswer answer;
+  copyBytes(&answer, request->input, sizeof(answer));
+  if (answer.query.delay > SIMULATOR_MAX_DELAY || answer.values.delay > SIMULATOR_MAX_DELAY) {
+    return emptyReply(kWindowsErrorInvalidParameter);
+  }
+  model->handover.answer = answer;
+  model->handover.hasAnswer = true;
+  return emptyReply(kWindowsErrorNone);
+}
+
 static tModelReply allowWrites(tModel* model, const tModelRequest* request) {
   return setWritable(model, request, true);
 }
@@ -319,6 +344,9 @@ static const tControlRequest kControlRequests[] = {
     {SIMULATOR_CLEAR_SCRIPTS, NO_INPUT, clearScripts},
     {SIMULATOR_READ_LOG, sizeof(uint64_t), readLog},
     {SIMULATOR_CLEAR_LOG, NO_INPUT, clearLog},
+    {SIMULATOR_CLEAR_ATTRIBUTES, NO_INPUT, clearAttributes},
+    {SIMULATOR_SET_ATTRIBUTE_ANSWER, sizeof(tSimulatorAttributeAnswer), setAttributeAnswer},
+    {SIMULATOR_SET_HANDOVER_ANSWER, sizeof(tSimulatorHandoverAnswer), setHandoverAnswer},
     {SIMULATOR_READ_COUNTERS, NO_INPUT, readCounters},
     {SIMULATOR_SET_ACCEPTANCE, sizeof(uint32_t), setAcceptance},
     {SIMULATOR_ACCEPT_PENDING, NO_INPUT, acceptAllPending},

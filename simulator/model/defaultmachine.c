@@ -385,6 +385,7 @@ static const char kVersionText[] = "3.2";
 
 void resetMachine(tModel* model) {
   handoverSetText(&model->handover, kVersionText, sizeof(kVersionText));
+  model->handover.hasAnswer = false;
   model->handover.tableSize = writeDefaultTable(model->handover.table, SIMULATOR_TABLE_CAPACITY);
   putDefaultAttributes(&model->attributes);
   scriptsClear(&model->scripts);

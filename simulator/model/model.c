@@ -38,6 +38,7 @@ void modelInitialise(tModel* model, const tModelHost* host) {
   model->host = *host;
   model->filesOpened = 0;
   model->filesClosed = 0;
+  model->replyDelay = 0;
   fillWithZeros(&model->pending, sizeof(model->pending));
   fillWithZeros(&model->router, sizeof(model->router));
   fillWithZeros(&model->notifications, sizeof(model->notifications));
@@ -70,7 +71,12 @@ void modelClose(tModel* model, const tModelFile* file) {
   logFileEvent(model, file, kSimulatorEventClose);
 }
 
+uint32_t modelReplyDelay(const tModel* model) {
+  return model->replyDelay;
+}
+
 tModelReply modelRequest(tModel* model, const tModelRequest* request) {
+  model->replyDelay = 0;
   return isLogged(&request->file) ? answerAndLog(model, request)
                                   : answerControlRequest(model, request);
 }

@@ -26,6 +26,7 @@ struct tModel {
   tModelHost host;
   uint64_t filesOpened;
   uint64_t filesClosed;
+  uint32_t replyDelay; /* of the latest request */
   tSimulatorPresence presence;
   tSmbiosHandover handover;
   tAttributeStore attributes;
@@ -49,6 +50,9 @@ void modelPended(tModel* model, uint64_t token);
 /* Call when the host completes a pending request as cancelled. False if it is not pending. */
 bool modelCancel(tModel* model, uint64_t token);
 tModelReply modelRequest(tModel* model, const tModelRequest* request);
+/* The time, in microseconds, by which the host delays the reply of the latest request. A host without a
+ * clock may ignore it. */
+uint32_t modelReplyDelay(const tModel* model);
 
 /* ---- The default machine: every attribute of the library has a value on it (defaultmachine.c) ---- */
 

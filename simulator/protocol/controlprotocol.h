@@ -48,6 +48,14 @@ static const tInterfaceClass kSimulatorControlInterfaceClass = {
 #define SIMULATOR_REFUSE_WRITES SIMULATOR_CONTROL_CODE(0x90D)
 /* Out: tSimulatorCounters. */
 #define SIMULATOR_READ_COUNTERS SIMULATOR_CONTROL_CODE(0x90E)
+/* In: tSimulatorAttributeAnswer. Sets the driver's answer to later reads of an attribute that has a
+ * value. Setting the value restores the plain answer. */
+#define SIMULATOR_SET_ATTRIBUTE_ANSWER SIMULATOR_CONTROL_CODE(0x910)
+/* No input, no output. Removes every attribute of both interfaces. */
+#define SIMULATOR_CLEAR_ATTRIBUTES SIMULATOR_CONTROL_CODE(0x912)
+/* In: tSimulatorHandoverAnswer. Sets the driver's answers to later requests for the SMBIOS text and
+ * table. Setting either restores the plain answers. */
+#define SIMULATOR_SET_HANDOVER_ANSWER SIMULATOR_CONTROL_CODE(0x911)
 /* Out: the latest SIMULATOR_PAYLOAD_CAPACITY firmware payloads of both interfaces as
  * tSimulatorPayload, oldest first. */
 #define SIMULATOR_READ_FIRMWARE SIMULATOR_CONTROL_CODE(0x950)
@@ -90,7 +98,8 @@ enum {
   SIMULATOR_OUTPUT_CAPACITY = 48,
   SIMULATOR_PAYLOAD_CAPACITY = 64,
   SIMULATOR_PAYLOAD_START = 64,
-  SIMULATOR_HASH_SIZE = 32
+  SIMULATOR_HASH_SIZE = 32,
+  SIMULATOR_MAX_DELAY = 10000000 /* microseconds */
 };
 
 /* The simulated driver's codes: an attribute that it does not have, */
@@ -127,6 +136,30 @@ typedef struct tSimulatorAttribute {
   uint8_t value[SIMULATOR_VALUE_CAPACITY]; /* a text includes its NUL */
 } tSimulatorAttribute;
 PROTOCOL_SIZE(tSimulatorAttribute, 268);
+
+/* The answer to a read of an attribute. */
+typedef struct tSimulatorAttributeAnswer {
+  uint32_t interfaceKind; /* tSimulatorInterface: controller or Marten */
+  uint32_t attribute;     /* the id with its instance; the selector is ignored */
+  int32_t driverStatus;   /* negative: the value is not returned */
+  uint32_t size;          /* reported with a negative status */
+  uint32_t delay;         /* before the reply, in microseconds, at most SIMULATOR_MAX_DELAY */
+} tSimulatorAttributeAnswer;
+PROTOCOL_SIZE(tSimulatorAttributeAnswer, 20);
+
+/* The answer to one of the two requests for the SMBIOS text and table. */
+typedef struct tSimulatorSizesAnswer {
+  int32_t driverStatus;
+  uint32_t textSize;
+  uint32_t tableSize;
+  uint32_t delay; /* as above */
+} tSimulatorSizesAnswer;
+
+typedef struct tSimulatorHandoverAnswer {
+  tSimulatorSizesAnswer query;  /* to the request that offers no buffers */
+  tSimulatorSizesAnswer values; /* to the other; a negative status: no bytes are returned */
+} tSimulatorHandoverAnswer;
+PROTOCOL_SIZE(tSimulatorHandoverAnswer, 32);
 
 /* A firmware payload that an interface has received completely. */
 typedef struct tSimulatorPayload {

@@ -204,6 +204,118 @@ TEST_F(ModelRequests, RequestOfAWrongSize_IsRejected) {
 
 // ---- Scripted answers ----
 
+// ---- Answers set for reads ----
+
+class ModelAnswers : public ModelRequests {
+ protected:
+  // Sets the answer to reads of an attribute, which has a value of two bytes.
+  uint32_t answer(int32_t code, uint32_t size, uint32_t delayed = 0) {
+    setValue(kMarten, kOtherAttribute, "ab");
+    return control(SIMULATOR_SET_ATTRIBUTE_ANSWER,
+                   tSimulatorAttributeAnswer{kMarten, kOtherAttribute, code, size, delayed})
+        .windowsError;
+  }
+  uint32_t answerExchange(const tSimulatorSizesAnswer& query, const tSimulatorSizesAnswer& values) {
+    return control(SIMULATOR_SET_HANDOVER_ANSWER, tSimulatorHandoverAnswer{query, values})
+        .windowsError;
+  }
+  static tExchangeValuesRequest withBuffers() {
+    tExchangeValuesRequest sent{};
+    sent.textBuffer = 0x100;
+    sent.textSize = 0x80;
+    sent.tableBuffer = 0x200;
+    sent.tableSize = 0x8000;
+    return sent;
+  }
+};
+
+TEST_F(ModelAnswers, Error_IsReturnedWithItsSizeAndWithoutTheValue) {
+  ASSERT_EQ(answer(-7, 300), kWindowsErrorNone);
+  const tGetAttributeReply reply = get(kMarten, kOtherAttribute, 0x100, 256);
+  EXPECT_EQ(reply.driverStatus, -7);
+  EXPECT_EQ(reply.size, 300u);
+  EXPECT_EQ(memory[0x100], 0xEE);
+}
+
+TEST_F(ModelAnswers, Warning_IsReturnedWithTheValue) {
+  ASSERT_EQ(answer(7, 300), kWindowsErrorNone);
+  const tGetAttributeReply reply = get(kMarten, kOtherAttribute, 0x100, 256);
+  EXPECT_EQ(reply.driverStatus, 7);
+  EXPECT_EQ(reply.size, 2u);
+  EXPECT_EQ(memory[0x100], 'a');
+}
+
+TEST_F(ModelAnswers, Delay_IsThatOfTheRequestOnly) {
+  ASSERT_EQ(answer(0, 0, 5000), kWindowsErrorNone);
+  get(kMarten, kOtherAttribute, 0x100, 256);
+  EXPECT_EQ(delay(), 5000u);
+  get(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0x100, 256);
+  EXPECT_EQ(delay(), 0u);
+}
+
+TEST_F(ModelAnswers, ValueSetAgain_IsReturnedWithoutThem) {
+  ASSERT_EQ(answer(-7, 300, 5000), kWindowsErrorNone);
+  setValue(kMarten, kOtherAttribute, "abc");
+  EXPECT_EQ(get(kMarten, kOtherAttribute, 0x100, 256).driverStatus, 0);
+  EXPECT_EQ(delay(), 0u);
+}
+
+TEST_F(ModelAnswers, WriteOfTheLibrary_KeepsThem) {
+  ASSERT_EQ(answer(7, 0), kWindowsErrorNone);
+  tSimulatorAttribute writable{};
+  writable.interfaceKind = kMarten;
+  writable.attribute = kOtherAttribute;
+  ASSERT_EQ(control(SIMULATOR_ALLOW_WRITES, writable).windowsError, kWindowsErrorNone);
+  ASSERT_EQ(set(kMarten, kOtherAttribute, 0x100, 3), 0);
+  EXPECT_EQ(get(kMarten, kOtherAttribute, 0x100, 256).driverStatus, 7);
+}
+
+TEST_F(ModelAnswers, OfAnUnknownAttributeOrWithALongDelay_AreRejected) {
+  EXPECT_EQ(answer(0, 0, SIMULATOR_MAX_DELAY + 1), kWindowsErrorInvalidParameter);
+  EXPECT_EQ(control(SIMULATOR_SET_ATTRIBUTE_ANSWER,
+                    tSimulatorAttributeAnswer{kMarten, 0x10FFFF00, 0, 0, 0})
+                .windowsError,
+            kWindowsErrorInvalidParameter);
+  EXPECT_EQ(answerExchange({0, 0, 0, SIMULATOR_MAX_DELAY + 1}, {}), kWindowsErrorInvalidParameter);
+  EXPECT_EQ(answerExchange({}, {0, 0, 0, SIMULATOR_MAX_DELAY + 1}), kWindowsErrorInvalidParameter);
+}
+
+TEST_F(ModelAnswers, ExchangeAnswers_DifferForSizesAndValues) {
+  ASSERT_EQ(answerExchange({-1, 5, 6, 1000}, {9, 7, 8, 2000}), kWindowsErrorNone);
+  const tExchangeValuesReply sizes = exchange({});
+  EXPECT_EQ(sizes.driverStatus, -1);
+  EXPECT_EQ(sizes.textSize, 5u);
+  EXPECT_EQ(sizes.tableSize, 6u);
+  EXPECT_EQ(delay(), 1000u);
+  const tExchangeValuesReply values = exchange(withBuffers());
+  EXPECT_EQ(values.driverStatus, 9);
+  EXPECT_EQ(values.textSize, 7u);
+  EXPECT_EQ(values.tableSize, 8u);
+  EXPECT_EQ(delay(), 2000u);
+  EXPECT_NE(memory[0x201], 0xEE) << "a warning comes with the bytes";
+}
+
+TEST_F(ModelAnswers, FailedExchange_ReturnsNoBytes) {
+  ASSERT_EQ(answerExchange({}, {-1, 7, 8, 0}), kWindowsErrorNone);
+  EXPECT_EQ(exchange(withBuffers()).driverStatus, -1);
+  EXPECT_EQ(memory[0x201], 0xEE);
+}
+
+TEST_F(ModelAnswers, TableSetAgain_RestoresThePlainExchange) {
+  ASSERT_EQ(answerExchange({-1, 5, 6, 0}, {}), kWindowsErrorNone);
+  ASSERT_EQ(control(SIMULATOR_SET_TABLE, std::vector<uint8_t>(9)).windowsError, kWindowsErrorNone);
+  EXPECT_EQ(exchange({}).driverStatus, DRIVER_STATUS_BUFFER_TOO_SMALL);
+  EXPECT_EQ(exchange({}).tableSize, 9u);
+}
+
+TEST_F(ModelAnswers, ClearedAttributes_AreNotSupported) {
+  ASSERT_EQ(control(SIMULATOR_CLEAR_ATTRIBUTES).windowsError, kWindowsErrorNone);
+  EXPECT_EQ(get(kMarten, QUENRA_ATTRIBUTE_FIRMWARE_VERSION, 0x100, 256).driverStatus,
+            SIMULATOR_STATUS_NOT_SUPPORTED);
+}
+
+// ---- Scripts ----
+
 class ModelScripts : public ModelRequests {
  protected:
   static tSimulatorScript scriptWith(uint32_t action) {

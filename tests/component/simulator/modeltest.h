@@ -122,6 +122,8 @@ class ModelTest : public testing::Test {
     const tModelFile closing = {file, kProcess, kSimulatorInterfaceController};
     modelCleanUp(model_.get(), &closing);
   }
+  // The delay of the reply to the latest request, in microseconds.
+  [[nodiscard]] uint32_t delay() const { return modelReplyDelay(model_.get()); }
   bool cancel(uint64_t token) { return modelCancel(model_.get(), token); }
 
   // The memory of the calling process: addresses are offsets into it.
