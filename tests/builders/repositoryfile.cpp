@@ -28,8 +28,18 @@ std::vector<std::string> cellsOf(const std::string& line) {
 
 }  // namespace
 
+std::string repositoryPath(std::string_view path) {
+  return std::string(REPOSITORY_FOLDER "/").append(path);
+}
+
+std::string contentOf(std::string_view path) {
+  std::ifstream file(repositoryPath(path), std::ios::binary);
+  EXPECT_TRUE(file.is_open()) << path;
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
 std::vector<std::string> linesOf(std::string_view path) {
-  std::ifstream file(std::string(REPOSITORY_FOLDER "/").append(path));
+  std::ifstream file(repositoryPath(path));
   EXPECT_TRUE(file.is_open()) << path;
   std::vector<std::string> lines;
   for (std::string line; std::getline(file, line);) {

@@ -9,6 +9,12 @@
 
 namespace nTests {
 
+// The path of a file or a folder of the repository.
+[[nodiscard]] std::string repositoryPath(std::string_view path);
+
+// The content of a file of the repository; fails the test when it cannot be read.
+[[nodiscard]] std::string contentOf(std::string_view path);
+
 // A file of the repository as lines without their ends; fails the test when it cannot be read.
 [[nodiscard]] std::vector<std::string> linesOf(std::string_view path);
 

@@ -28,6 +28,8 @@ constexpr tFunctionRow kFunctions[] = {
     {"firmware build", runFirmwareBuild},
     {"firmware extract", runFirmwareExtract},
     {"update", runUpdate},
+    {"capture", runCapture},
+    {"diff", runDiff},
     {"attributes", runAttributes},
     {"explain", runExplain},
     {"completion", runCompletion},

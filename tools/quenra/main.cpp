@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "tools/commandline/utf8text.h"
+#include "tools/quenra/capture/driveronwindows.h"
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/quenradll.h"
@@ -140,6 +141,7 @@ int main() {
   nCommandLine::tInstallation installation;
   tConsoleInterruption interruption;
   nCommandLine::tUpdateLock updateLock;
+  nCommandLine::tMachineDriver driver;
   const std::vector<std::string> words = commandLineWords();
   std::vector<const char*> pointers;
   pointers.reserve(words.size());
@@ -148,5 +150,5 @@ int main() {
   }
   return nCommandLine::runCommandLine(
       static_cast<int>(pointers.size()), pointers.data(), streams,
-      {library, routing, updateFacts, interruption, updateLock, installation});
+      {library, routing, updateFacts, interruption, updateLock, installation, driver});
 }

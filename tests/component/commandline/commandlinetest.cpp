@@ -49,6 +49,7 @@ CommandLineTest::~CommandLineTest() {
   EXPECT_FALSE(library_.usedWhileClosed);
   EXPECT_EQ(routing_.sessions, 0) << "a routing session was left open";
   EXPECT_EQ(routing_.iterators, 0);
+  EXPECT_FALSE(driver_.isOpen) << "the driver was left open";
   EXPECT_EQ(lock_.held, 0) << "the lock of updates was not released";
 }
 
@@ -85,7 +86,7 @@ int CommandLineTest::runOn(const std::vector<std::string>& words, nCommandLine::
   }
   return nCommandLine::runCommandLine(
       static_cast<int>(arguments.size()), arguments.data(), streams,
-      {library_, routing_, facts_, interruption_, lock_, installation_});
+      {library_, routing_, facts_, interruption_, lock_, installation_, driver_});
 }
 
 std::vector<std::string> wordsOf(std::string_view verb) {

@@ -19,6 +19,7 @@
 
 #include "quenra_version.h"
 #include "tests/builders/ttemporaryfolder.h"
+#include "tests/component/capture/recordedmachine.h"
 #include "tests/component/commandline/tscriptedlibrary.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/output/streams.h"
@@ -139,6 +140,8 @@ class CommandLineTest : public testing::Test {
   tScriptedInterruption interruption_;
   tScriptedLock lock_;
   tScriptedInstallation installation_;
+  nCapture::tMachineRecord machine_ = referenceMachine();  // the machine below the library
+  tRecordDriver driver_{machine_};
 
  private:
   tRun runWith(const std::vector<std::string>& words, bool terminal);

@@ -89,9 +89,11 @@ tFailedRun runOn(std::ostream& out, const tOutputBuffer* buffer,
   tScriptedInterruption interruption;
   tScriptedLock lock;
   tScriptedInstallation installation;
-  const int exitCode =
-      nCommandLine::runCommandLine(static_cast<int>(words.size()), words.data(), streams,
-                                   {library, routing, facts, interruption, lock, installation});
+  const nCapture::tMachineRecord machine;
+  tRecordDriver driver(machine);
+  const int exitCode = nCommandLine::runCommandLine(
+      static_cast<int>(words.size()), words.data(), streams,
+      {library, routing, facts, interruption, lock, installation, driver});
   return {exitCode, error.str()};
 }
 

@@ -27,6 +27,7 @@ enum class tExitCode : uint8_t {
   noController = 4,
   // Not `failure`: a script that repeats a failed command would change the machine a second time.
   outputFailedAfterChange = 5,
+  capturesDiffer = 9,
 };
 
 [[nodiscard]] constexpr int exitNumber(tExitCode code) noexcept {
@@ -44,6 +45,7 @@ inline constexpr tExitCodeRow kExitCodes[] = {
     {exitNumber(tExitCode::noController), "no controller could be reached"},
     {exitNumber(tExitCode::outputFailedAfterChange),
      "the machine was changed, but the output could not be written"},
+    {exitNumber(tExitCode::capturesDiffer), "two captures differ"},
 };
 
 // An operation of the library that succeeded with a positive code.

@@ -12,6 +12,7 @@
 #include "tools/quenra/reading/reading.h"
 #include "tools/quenra/reading/tcontroller.h"
 #include "tools/quenra/tables/attributetable.h"
+#include "tools/quenra/verbs/chosenmachine.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
@@ -166,7 +167,8 @@ void printSelfTest(std::ostream& stream, int32_t code, const std::vector<tWarnin
 tExitCode runInfo(const tArguments& arguments, const tVerbContext& context) {
   const tSubjects subjects = subjectsOf(arguments);
   std::vector<tWarning> warnings;
-  const tController controller(context.ports.library);
+  tChosenMachine chosen(arguments, context.ports);
+  const tController controller(chosen.library());
   checkOpening(controller, warnings);
   const tMachine machine = readMachine(controller, subjects);
   addWarnings(machine, warnings);

@@ -6,6 +6,7 @@
 #include "tools/quenra/tables/statustable.h"
 #include "tools/quenra/update/updateplan.h"
 #include "tools/quenra/update/updaterun.h"
+#include "tools/quenra/verbs/chosenmachine.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
@@ -25,6 +26,10 @@ tUpdateOptions optionsOf(const tArguments& arguments) {
                                arguments.has(nWords::kAllowAnyPath)};
   if (options.force && !options.onlyNewer) {
     throw tUsageError("--force has no meaning without --only-newer", "Leave --force out.", {});
+  }
+  if (arguments.has(nWords::kFrom) && !arguments.has(nWords::kPlan)) {
+    throw tUsageError("--from has no meaning without --plan",
+                      "Add --plan: a captured machine cannot be updated.");
   }
   return options;
 }
@@ -74,7 +79,7 @@ tObstacle obstacleOf(const tController& controller) {
           controller.code()};
 }
 
-tPlanAnswer plan(const tController& controller, const tPorts& ports,
+tPlanAnswer plan(const tController& controller, iUpdateFacts& facts,
                  const tUpdateRequest& request) {
   tPlanAnswer answer{request, {}, {}, {}, {}};
   if (controller.code() >= 0) {
@@ -83,7 +88,7 @@ tPlanAnswer plan(const tController& controller, const tPorts& ports,
   }
   answer.sections = planSections(request.image, answer.machineOrNull(), request.options.onlyNewer);
   answer.obstacles =
-      findObstacles({answer.machineOrNull(), answer.sections, request.options}, ports.updateFacts);
+      findObstacles({answer.machineOrNull(), answer.sections, request.options}, facts);
   if (controller.code() < 0) {
     answer.obstacles.insert(answer.obstacles.begin(), obstacleOf(controller));
   }
@@ -113,9 +118,10 @@ std::string conclusionOf(const tPlanAnswer& answer) {
   return changesAnything(answer.sections) ? "no obstacle was found" : "nothing to do";
 }
 
-tExitCode runPlan(const tUpdateRequest& request, const tVerbContext& context) {
-  const tController controller(context.ports.library);
-  const tPlanAnswer answer = plan(controller, context.ports, request);
+tExitCode runPlan(const tUpdateRequest& request, tChosenMachine& machine,
+                  const tVerbContext& context) {
+  const tController controller(machine.library());
+  const tPlanAnswer answer = plan(controller, machine.updateFacts(), request);
   if (context.json) {
     printPlanDocument(context.streams.out, answer);
   } else {
@@ -261,7 +267,7 @@ tExitCode apply(const tController& controller, tPlanAnswer& answer, const tVerbC
 tExitCode carryOut(const tUpdateRequest& request, const tVerbContext& context) {
   tStreams& streams = context.streams;
   const tController controller(context.ports.library);
-  tPlanAnswer answer = plan(controller, context.ports, request);
+  tPlanAnswer answer = plan(controller, context.ports.updateFacts, request);
   if (!answer.obstacles.empty()) {
     return reject(answer, context);
   }
@@ -288,7 +294,8 @@ tExitCode carryOut(const tUpdateRequest& request, const tVerbContext& context) {
 tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context) {
   const tUpdateRequest request = parseUpdateRequest(arguments);
   if (arguments.has(nWords::kPlan)) {
-    return runPlan(request, context);
+    tChosenMachine machine(arguments, context.ports);
+    return runPlan(request, machine, context);
   }
   // Held from before the plan is made: another update would change the machine that it describes.
   const tHeldUpdateLock lock(context.ports.updateLock, context.ports.interruption,

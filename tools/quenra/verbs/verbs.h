@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "tools/commandline/grammar.h"
+#include "tools/quenra/capture/imachinedriver.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/reading/iquenra.h"
@@ -22,6 +23,7 @@ struct tPorts {
   iInterruption& interruption;
   iUpdateLock& updateLock;
   iInstallation& installation;
+  iMachineDriver& driver;
 };
 
 // The arguments of every verb. A verb prints its answer and returns the exit code, or throws
@@ -37,13 +39,17 @@ using tVerbFunction = tExitCode (*)(const tArguments& arguments, const tVerbCont
 
 // The names of positionals and options, shared by the rows and the verbs that read them.
 namespace nWords {
+inline constexpr std::string_view kAfter = "after";
 inline constexpr std::string_view kAttribute = "attribute";
+inline constexpr std::string_view kBefore = "before";
 inline constexpr std::string_view kCode = "code";
+inline constexpr std::string_view kFile = "file";
 inline constexpr std::string_view kImage = "image";
 inline constexpr std::string_view kPayload = "payload";
 inline constexpr std::string_view kValue = "value";
 
 inline constexpr std::string_view kAllowAnyPath = "--allow-any-path";
+inline constexpr std::string_view kAnonymous = "--anonymous";
 inline constexpr std::string_view kAppend = "--append";
 inline constexpr std::string_view kBoth = "--both";
 inline constexpr std::string_view kController = "--controller";
@@ -63,6 +69,7 @@ inline constexpr std::string_view kNoWait = "--no-wait";
 inline constexpr std::string_view kOnlyNewer = "--only-newer";
 inline constexpr std::string_view kOutput = "--output";
 inline constexpr std::string_view kPlan = "--plan";
+inline constexpr std::string_view kPseudonymKey = "--pseudonym-key";
 inline constexpr std::string_view kSection = "--section";
 inline constexpr std::string_view kSubject = "--subject";
 inline constexpr std::string_view kTo = "--to";
@@ -116,6 +123,13 @@ inline constexpr std::string_view kPrometheusText = "prometheus";
                                            const tVerbContext& context);
 // `quenra update`: applies a firmware image, or prints the plan of the update.
 [[nodiscard]] tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context);
+
+// ---- A machine that is not present ----
+
+// `quenra capture`: writes everything about this machine that a support engineer needs to a file.
+[[nodiscard]] tExitCode runCapture(const tArguments& arguments, const tVerbContext& context);
+// `quenra diff`: compares two captures.
+[[nodiscard]] tExitCode runDiff(const tArguments& arguments, const tVerbContext& context);
 
 // ---- Reference; no controller is needed ----
 

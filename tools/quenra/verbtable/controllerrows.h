@@ -3,6 +3,7 @@
 #define TOOLS_QUENRA_VERBTABLE_CONTROLLERROWS_H
 
 #include "tools/quenra/commandline.h"
+#include "tools/quenra/verbtable/capturerows.h"
 
 namespace nCommandLine::nRows {
 
@@ -21,11 +22,13 @@ inline constexpr tOptionRow kInfoOptions[] = {
      false,
      &kSubjectWords,
      true},
+    kFromCapture,
 };
 inline constexpr tExampleRow kInfoExamples[] = {
     {"info", "all attributes of this machine"},
     {"info --subject memory", "those of its memory"},
     {"info --json", "the same as JSON"},
+    {"info --from rack-7.json", "all attributes of a captured machine"},
 };
 
 // ---- get ----

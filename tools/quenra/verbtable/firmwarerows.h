@@ -59,9 +59,11 @@ inline constexpr tOptionRow kUpdateOptions[] = {
     {nWords::kAllowAnyPath, "", "Accept file names that are not plain, such as paths"},
     {nWords::kNoWait, "", "Fail when another update is running, instead of waiting for its end"},
     {nWords::kPlan, "", "Change nothing; show the plan and every obstacle"},
+    {nWords::kFrom, "CAPTURE", "With --plan: plan for the machine of a capture file"},
 };
 inline constexpr tExampleRow kUpdateExamples[] = {
     {"update --plan update.fwi", "the plan of an update, and its obstacles"},
+    {"update --plan update.fwi --from rack-7.json", "... of a captured machine"},
     {"update update.fwi", "apply the image regardless of the installed versions"},
     {"update update.fwi --only-newer", "... except firmware that is not newer"},
 };

@@ -4,6 +4,7 @@
 
 #include "tools/commandline/generatedtexts.h"
 #include "tools/quenra/commandline.h"
+#include "tools/quenra/verbtable/capturerows.h"
 #include "tools/quenra/verbtable/controllerrows.h"
 #include "tools/quenra/verbtable/firmwarerows.h"
 #include "tools/quenra/verbtable/monitoringrows.h"
@@ -23,7 +24,7 @@ consteval auto joined(const tVerbRow (&... families)[Counts]) {
 
 // In the order of the help and the manual page.
 constexpr auto kVerbs = joined(nRows::kControllerVerbs, nRows::kMonitoringVerbs, nRows::kRouteVerbs,
-                               nRows::kFirmwareVerbs, nRows::kReferenceVerbs);
+                               nRows::kFirmwareVerbs, nRows::kCaptureVerbs, nRows::kReferenceVerbs);
 
 constexpr tVerbGroupRow kGroups[] = {
     {"route", "Plan trigger routes, and connect them", &kRouteWords},
