@@ -38,6 +38,7 @@ constexpr tFunctionRow kFunctions[] = {
     {"status", runStatus},
     {"reset", runReset},
     {"scenario", runScenario},
+    {"load", runLoad},
     {"attribute set", runAttributeSet},
     {"attribute remove", runAttributeRemove},
     {"attribute allow-writes", runAttributeAllowWrites},

@@ -88,6 +88,10 @@ constexpr tOptionRow kScenarioOptions[] = {
     {nWords::kTopography, "NAME", "Name of the topography of the trigger router"},
 };
 
+constexpr tPositionalRow kLoadPositionals[] = {
+    {nWords::kFile, "CAPTURE", "File that 'quenra capture' has written"},
+};
+
 constexpr std::string_view kValue = "value";
 constexpr tOptionRow kAttributeSetOptions[] = {
     {nWords::kNumber, "N", "A 32-bit number", kValue},
@@ -176,6 +180,7 @@ constexpr tExampleRow kScenarioExamples[] = {
     {"scenario --structure-byte 0x9D/4=0", "no text settings"},
     {"scenario --structure-text 1/7=VQ0300017", "another serial number"},
 };
+constexpr tExampleRow kLoadExamples[] = {{"load rack-7.json", "the machine of a capture"}};
 constexpr tExampleRow kAttributeSetExamples[] = {
     {"attribute set marten 0x10000400 --text 1.4.0f9", "the version of the Marten"},
 };
@@ -241,6 +246,11 @@ constexpr tVerbRow kRows[] = {
     {"scenario", "Change the machine that later programs find",
      "Nothing is changed if one of the options is wrong.",
      {}, kScenarioOptions, kScenarioExamples},
+    {"load", "Become the machine of a capture",
+     "The simulated driver returns the table, the answers and the codes of the capture, after the "
+     "captured delays. Nothing is changed if the simulated machine cannot imitate the captured one. The "
+     "path of the device and the version of the system stay those of the simulated machine.",
+     kLoadPositionals, {}, kLoadExamples},
     {"attribute set", "Set the value of an attribute",
      "A text that begins with a dash follows an equals sign: --text=-a.",
      kAttribute, kAttributeSetOptions, kAttributeSetExamples},

@@ -119,12 +119,16 @@ void runStatus(const tArguments& arguments) {
   showStatus(arguments.has(nWords::kJson));
 }
 
-void runReset(const tArguments& /*arguments*/) {
+void resetSimulation() {
   tSimulatedMachine().reset();
   setEncryption({});
   setDriverStoreBehaviour({});
   clearDriverStoreRuns();
   installDriverStoreTool(tDriverStoreTool::working);
+}
+
+void runReset(const tArguments& /*arguments*/) {
+  resetSimulation();
 }
 
 }  // namespace nSimulator

@@ -48,6 +48,7 @@ extern const tWordSet kToolWords;              // in the order of tDriverStoreTo
 
 // The names of positionals and options, shared by the rows and the verbs that read them.
 namespace nWords {
+inline constexpr std::string_view kFile = "file";
 inline constexpr std::string_view kHandle = "handle";
 inline constexpr std::string_view kId = "id";
 inline constexpr std::string_view kInterface = "interface";
@@ -98,8 +99,12 @@ void runUninstall(const tArguments& arguments);
 void runWait(const tArguments& arguments);
 void runStatus(const tArguments& arguments);
 void runReset(const tArguments& arguments);
+// Restores the default machine, its services included.
+void resetSimulation();
 // scenarioverb.cpp
 void runScenario(const tArguments& arguments);
+// loadverb.cpp
+void runLoad(const tArguments& arguments);
 // answerverbs.cpp
 void runAttributeSet(const tArguments& arguments);
 void runAttributeRemove(const tArguments& arguments);
