@@ -9,6 +9,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 declare -rA integration_packages=(
   [fleet]="wine"
   [manyracks]="wine"
+  [machines]="python3-jsonschema"
   [layout]="chromium ${docs_packages[*]}"
   [metrics]="python3-prometheus-client"
 )
