@@ -132,7 +132,8 @@ end_fleet() {
     (end_rack "$rack_to_end") &
   done
   wait
-  rm -f "$inventory"
+  # With what the roles of Ansible write beside the inventory.
+  rm -rf "$inventory" "$fleet/racks.json" "$fleet/quenra-records"
 }
 
 start_fleet() {

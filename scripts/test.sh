@@ -8,7 +8,8 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 # describes how to add one.
 declare -rA integration_packages=(
   [fleet]="wine"
-  [manyracks]="wine"
+  [manyracks]="ansible-core"
+  [rollout]="ansible-core openssh-client"
   [machines]="python3-jsonschema"
   [layout]="chromium ${docs_packages[*]}"
   [metrics]="python3-prometheus-client"
