@@ -24,7 +24,8 @@ MAY_CALL_WINDOWS = (
     "simulator/driverstore/", "simulator/scenario/",
     "simulator/callermemory/", "simulator/control/", "simulator/quenra-sim/", "tools/quenra/main.cpp",
     "tools/quenra/firmware/files.cpp",
-    "tools/quenra/capture/driveronwindows.cpp", "tools/quenra/quenradll.h", "tools/quenra/update/updateonwindows.cpp",
+    "tools/quenra/capture/driveronwindows.cpp", "tools/quenra/programs/programsonwindows.cpp", "tools/quenra/quenradll.h",
+    "tools/quenra/update/updateonwindows.cpp",
     "bench/", "tests/",
 )
 SKIPPED = {"build", ".git"}

@@ -157,9 +157,9 @@ class CommandLineTest(unittest.TestCase):
         self.assertNotIn("\r", run.out, run)
         return run
 
-    def document(self, *words, kind, exit_code=0):
+    def document(self, *words, kind, exit_code=0, json_is_given=False):
         """The document of a run with --json, validated against its schema."""
-        run = self.quenra(*words, "--json", exit_code=exit_code)
+        run = self.quenra(*words, *(() if json_is_given else ("--json",)), exit_code=exit_code)
         document = json.loads(run.out)  # fails if anything follows the document
         self.assertEqual(document["kind"], kind, run)
         self.assertEqual(document["exitCode"], exit_code, run)

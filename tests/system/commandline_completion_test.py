@@ -151,6 +151,13 @@ class Bash(CommandLineTest):
     def test_no_option_is_offered_after_two_dashes(self):
         self.assertEqual(self.offered("set", "--", "driver-setting-1", "--"), [])
 
+    def test_program_after_two_dashes_is_a_command_with_files(self):
+        connect = ("route", "connect", "--from", "TRIG_SMB", "--")
+        self.assertIn("bash", self.offered(*connect, "bas"))
+        self.assertEqual(self.offered(*connect, "bash", ""), [])  # bash then completes file names
+        self.assertEqual(self.offered(*connect, "bash", "--f"), [])
+        self.assertEqual(self.offered("route", "plan", "--", "bas"), [])
+
     def test_unknown_verb_has_nothing(self):
         self.assertEqual(self.offered("inof", ""), [])
 
@@ -227,6 +234,8 @@ class PowerShell(CommandLineTest):
         text = ScriptFile(self, "powershell").text
         entries = re.findall(r"(?m)^        '([^']*)' = @\{((?:\n            .*)*)", text)
         self.assertEqual([name for name, entry in entries if "RepeatsLast = $true" in entry], ["get"])
+        self.assertEqual([name for name, entry in entries if "RunsProgram = $true" in entry],
+                         ["route connect"])
 
 
 class SimulatorScript(CommandLineTest):

@@ -1,9 +1,17 @@
 import json
+import os
+import subprocess
 import unittest
 
-from commandline import CommandLineTest, Started
+from commandline import CommandLineTest, Started, command
 
 LINE = ("--from", "TRIG_SMB", "--to", "PXI_Trig3")
+
+
+def typed_program(name):
+    """The path of a program as a shell of the simulated machine finds it."""
+    path = os.environ[name]
+    return "Z:" + path.replace("/", "\\") if os.environ.get("QUENRA_RUNNER") else path
 
 
 class Routing(CommandLineTest):
@@ -97,6 +105,106 @@ class Routing(CommandLineTest):
         connection.interrupt()
         connection.end(0)
         self.quenra(*words, "--for", "0")
+
+    # ---- A program, a demotion, a held line ----
+
+    def test_program_runs_while_the_route_is_connected(self):
+        run = self.quenra("route", "connect", *LINE, "--", "quenra-sim", "routes", "--json")
+        self.assertEqual([route["state"] for route in json.loads(run.out)["routes"]], ["programmed"])
+        self.assertRegex(run.error, r"^quenra: connected: TRIG_SMB -> PXI_Trig3, while the program runs\n"
+                         r"quenra: the program has ended, exit code 0\nquenra: released after ")
+        self.assertEqual(self.routes(), [])
+
+    def test_exit_code_is_that_of_the_program(self):
+        for code in (0, 7, 123):
+            self.quenra("route", "connect", *LINE, "--", "cmd", "/c", f"exit {code}", exit_code=code)
+        document = self.document("route", "connect", *LINE, "--json", "--", "cmd", "/c", "exit 7",
+                                 kind="route-connect", exit_code=7, json_is_given=True)
+        self.assertEqual(document["program"], {"words": ["cmd", "/c", "exit 7"], "exitCode": 7,
+                                               "terminated": False})
+
+    def test_arguments_reach_the_program_as_they_were(self):
+        for word in ("", " ", "a b", '"', 'a\\"b c\\', "\\\\server\\share\\", "Größe 測定", "%PATH%", "--json", "tab\there"):
+            run = self.quenra("route", "connect", *LINE, "--", "quenra", "explain", "--", word, exit_code=2)
+            direct = self.quenra("explain", "--", word, exit_code=2)
+            self.assertIn(direct.error, run.error, repr(word))
+
+    def test_program_reads_standard_input(self):
+        process = subprocess.run(
+            command("QUENRA_EXE", ("route", "connect", *LINE, "--", "cmd", "/c", "set /p A= & call echo %^A%")),
+            input=b"from the pipe\r\n", capture_output=True, timeout=60, check=False)
+        self.assertEqual(process.returncode, 0, process)
+        self.assertIn(b"from the pipe", process.stdout)
+
+    def test_demotion_ends_the_program_and_its_processes(self):
+        inner = ("route", "connect", "--from", "TRIG_SMB", "--to", "PXI_Trig5")
+        connection = Started(self, "route", "connect", *LINE, "--grace", "1", "--", "cmd", "/c",
+                             typed_program("QUENRA_EXE"), *inner)
+        connection.read_until("connected: TRIG_SMB -> PXI_Trig5")
+        outer = [route for route in self.routes() if route["destination"] == 7]  # PXI_Trig3
+        self.assertEqual(len(self.routes()), 2)
+        self.machine("demote", str(outer[0]["ticket"]))
+        _, error = connection.end(124)
+        self.assertIn("quenra: the route was demoted after ", error)
+        self.assertEqual(self.routes(), [], "the inner quenra has ended")
+
+    def test_ctrl_c_reaches_the_program_and_releases_the_route(self):
+        connection = Started(self, "route", "connect", *LINE, "--", "quenra", "route", "connect",
+                             "--from", "TRIG_SMB", "--to", "PXI_Trig5")
+        connection.read_until("connected: TRIG_SMB -> PXI_Trig5")
+        connection.interrupt()
+        connection.process.wait(timeout=60)
+        self.assertEqual(self.routes(), [])
+
+    def test_program_that_cannot_be_started_has_its_exit_code(self):
+        run = self.quenra("route", "connect", *LINE, "--", "no-such-program", exit_code=126)
+        self.assertIn("quenra: cannot start 'no-such-program': no such file\n  Give the program", run.error)
+        self.quenra("route", "connect", *LINE, "--", "run.cmd", exit_code=126)
+        self.document("route", "connect", *LINE, "--json", "--", "run.cmd", kind="error", exit_code=126,
+                      json_is_given=True)
+        self.assertEqual(self.routes(), [])
+
+    def test_route_that_cannot_be_connected_starts_no_program(self):
+        self.machine("scenario", "--device-paths", "0")
+        run = self.quenra("route", "connect", *LINE, "--", "quenra", "--version", exit_code=125)
+        self.assertEqual(run.out, "")
+
+    def test_demotion_ends_a_route_until_demoted(self):
+        connection = Started(self, "route", "connect", *LINE, "--until-demoted")
+        self.assertEqual(connection.next_line(), "connected: TRIG_SMB -> PXI_Trig3, until a demotion\n")
+        self.machine("demote", str(self.routes()[0]["ticket"]))
+        out, error = connection.end(0)
+        self.assertIn("released after ", out)
+        self.assertIn("quenra: the route was demoted after ", error)
+        self.assertEqual(self.routes(), [])
+
+    def test_held_line_is_waited_for(self):
+        holder = Started(self, "route", "connect", *LINE)
+        holder.next_line()
+        ticket = self.routes()[0]
+        words = ("route", "connect", "--from", "PXI_Trig0", "--to", "PXI_Trig3", "--for", "0")
+        run = self.quenra(*words, "--wait", "0.5", exit_code=1)
+        self.assertIn(f"quenra: the line is held by ticket {ticket['ticket']} (session {ticket['session']}); "
+                      "waiting for at most 0.", run.error)
+        self.assertIn("cannot reserve the route: held by ", run.error)
+        waiting = Started(self, *words, "--wait", "50")
+        self.assertIn("the line is held by ticket ", waiting.warned())
+        holder.interrupt()
+        holder.end(0)
+        out, _ = waiting.end(0)
+        self.assertIn("connected: PXI_Trig0 -> PXI_Trig3, for 0.0 s", out)
+        self.assertEqual(self.routes(), [])
+
+    def test_ctrl_c_ends_the_wait(self):
+        holder = Started(self, "route", "connect", *LINE)
+        holder.next_line()
+        waiting = Started(self, "route", "connect", "--from", "PXI_Trig0", "--to", "PXI_Trig3", "--wait", "50")
+        self.assertIn("the line is held by ticket ", waiting.warned())
+        waiting.interrupt()
+        _, error = waiting.end(1)
+        self.assertIn("interrupted while another route held the line", error)
+        holder.interrupt()
+        holder.end(0)
 
     def test_unroutable_terminals_have_their_exit_codes(self):
         self.assertIn("Did you mean PXI_Trig3",

@@ -27,7 +27,7 @@ constexpr std::string_view kBody = R"sh(
 }
 
 @prefix@() {
-  local word=${COMP_WORDS[COMP_CWORD]} options valued repeatable choices positionals many
+  local word=${COMP_WORDS[COMP_CWORD]} options valued repeatable choices positionals many program
   local current verb='' group='' ended='' option='' offered given=0 i
   local -A values
   COMPREPLY=()
@@ -36,6 +36,7 @@ constexpr std::string_view kBody = R"sh(
     current=${COMP_WORDS[i]}
     if [[ -z $ended && $current == -- ]]; then
       ended=yes
+      [[ -z $program ]] || given=0
     elif [[ -z $ended && $current == -* ]]; then
       [[ " $repeatable " == *" $current "* ]] || @prefix@_use "$current"
       if [[ " $valued " == *" $current "* ]]; then
@@ -59,6 +60,10 @@ constexpr std::string_view kBody = R"sh(
     # The value of an option, which is still empty at its equals sign.
     offered=${values[$option]-}
     [[ $word != = ]] || word=''
+  elif [[ -n $ended && -n $program ]]; then
+    # A program, and then its arguments, for which file names are completed.
+    ((given > 0)) || mapfile -t COMPREPLY < <(compgen -c -- "$word")
+    return
   elif [[ -z $ended && $word == -* ]] || ((given >= ${#positionals[@]})); then
     offered=$options
   else
@@ -163,6 +168,7 @@ std::string caseOf(const tGrammar& grammar, const tVerbRow& verb) {
   text += "      choices=(" + choices(verb.options) + ")\n";
   text += "      positionals=(" + positionalWords(verb) + ")\n";
   text += repeatsPositional(verb) ? "      many=yes\n" : "";
+  text += verb.program == nullptr ? "" : "      program=yes\n";
   return text + "      ;;\n";
 }
 
@@ -176,7 +182,8 @@ std::string grammarFunction(const tGrammar& grammar) {
   std::string text =
       "\n# Sets the words that may follow a verb, or precede it, in the variables of the caller.\n"
       "@prefix@_grammar() {\n"
-      "  options='' valued='' repeatable='' values=() choices=() positionals=() group='' many=''\n"
+      "  options='' valued='' repeatable='' values=() choices=() positionals=() group='' many='' "
+      "program=''\n"
       "  case $1 in\n"
       "    '')\n"
       "      options='" +

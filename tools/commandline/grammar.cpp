@@ -40,6 +40,12 @@ std::string options(const tVerbRow& verb, const tSynopsisStyle& style) {
   return text;
 }
 
+std::string program(const tVerbRow& verb, const tSynopsisStyle& style) {
+  return verb.program == nullptr
+             ? ""
+             : " [" + style.typed("--") + " " + style.placeholder(verb.program->valueName) + "]";
+}
+
 }  // namespace
 
 std::string_view tVerbRow::actionIn(std::string_view group) const noexcept {
@@ -91,7 +97,7 @@ std::string optionWithValue(const tOptionRow& option) {
 
 std::string synopsis(const tGrammar& grammar, const tVerbRow& verb, const tSynopsisStyle& style) {
   return style.typed(std::string(grammar.program).append(" ").append(verb.name)) +
-         positionals(verb, style) + options(verb, style);
+         positionals(verb, style) + options(verb, style) + program(verb, style);
 }
 
 std::string synopsis(const tGrammar& grammar, const tVerbRow& verb) {

@@ -61,6 +61,8 @@ struct tVerbRow {
   std::span<const tPositionalRow> positionals = {};
   std::span<const tOptionRow> options = {};    // without those of every verb
   std::span<const tExampleRow> examples = {};  // the most useful first
+  // A program and its arguments after "--", which are passed on unchanged; null for none.
+  const tPositionalRow* program = nullptr;
 
   // "inspect" of "firmware inspect" for the group "firmware"; empty for a verb outside the group.
   [[nodiscard]] std::string_view actionIn(std::string_view group) const noexcept;

@@ -65,6 +65,9 @@ std::string verbHelp(const tGrammar& grammar, const tVerbRow& verb) {
     text += termItem(row.valueName, row.description);
   }
   text += "\nOptions:\n" + optionItems(grammar.optionsOfEveryVerb) + optionItems(verb.options);
+  if (verb.program != nullptr) {
+    text += termItem("-- " + std::string(verb.program->valueName), verb.program->description);
+  }
   text += "\nExamples:\n";
   for (const tExampleRow& example : verb.examples) {
     text += exampleItem(grammar, example);

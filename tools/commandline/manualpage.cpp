@@ -49,7 +49,12 @@ std::string verbSection(const tVerbRow& verb) {
   for (const tPositionalRow& row : verb.positionals) {
     text += item(roffItalic(row.valueName), sentence(row.description));
   }
-  return text + optionItems(verb.options);
+  text += optionItems(verb.options);
+  if (verb.program != nullptr) {
+    text += item(roffBold("--") + " " + roffItalic(verb.program->valueName),
+                 sentence(verb.program->description));
+  }
+  return text;
 }
 
 std::string verbSections(const tGrammar& grammar) {

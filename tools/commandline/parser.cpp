@@ -241,6 +241,22 @@ class tWordReader {
   CLI::App app_;
 };
 
+// Moves the words after "--" to the arguments of a verb that runs a program.
+void takeProgram(const tGrammar& grammar, const tVerbRow& verb, std::vector<std::string>& words,
+                 tArguments& arguments) {
+  const auto mark = std::ranges::find(words, kEndOfOptions);
+  if (verb.program == nullptr || mark == words.end()) {
+    return;
+  }
+  if (mark + 1 == words.end()) {
+    throw tUsageError("the program after -- is missing", "Usage: " + synopsis(grammar, verb));
+  }
+  for (auto word = mark + 1; word != words.end(); ++word) {
+    arguments.add(verb.program->name, *word);
+  }
+  words.erase(mark, words.end());
+}
+
 tArguments helpOn(const tGrammar& grammar, const tSplitWords& words) {
   tArguments arguments(knownVerb(grammar, kHelpVerb));
   if (words.hasVerb) {
@@ -266,7 +282,7 @@ const tVerbRow& knownVerb(const tGrammar& grammar, std::string_view name) {
 }
 
 tArguments parseArguments(const tGrammar& grammar, tCommandWords words) {
-  const tSplitWords parts = split(grammar, words);
+  tSplitWords parts = split(grammar, words);
   const bool isHelp = requestsHelp(parts.before) || requestsHelp(parts.after);
   if (isHelp && (!parts.hasVerb || grammar.findGroup(parts.verb) != nullptr)) {
     return helpOn(grammar, parts);
@@ -283,6 +299,7 @@ tArguments parseArguments(const tGrammar& grammar, tCommandWords words) {
   if (verb == nullptr) {
     rejectWithoutVerb(grammar);
   }
+  takeProgram(grammar, *verb, parts.after, arguments);
   tWordReader(grammar, verb, arguments).read(parts.after);
   return arguments;
 }

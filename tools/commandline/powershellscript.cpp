@@ -65,6 +65,9 @@ constexpr std::string_view kBody = R"ps(
     if ($grammar[$verb].RepeatsLast -and $given -ge $positionals.Count) {
         $given = $positionals.Count - 1
     }
+    if ($ended -and $grammar[$verb].RunsProgram) {
+        return
+    }
     if ($null -ne $valued) {
         if ($valued.Words -eq '') {
             return
@@ -125,11 +128,17 @@ std::string optionLines(std::span<const tOptionRow> options) {
 }
 
 std::string entry(std::string_view verb, const std::string& options, const std::string& positionals,
-                  bool isGroup = false, bool repeatsLast = false) {
+                  bool isGroup = false, const std::string& more = "") {
   return "        " + quoted(verb) + " = @{\n            Options = @(\n" + options +
          "            )\n            Positionals = @(" + positionals +
-         ")\n            IsGroup = " + (isGroup ? "$true" : "$false") +
-         (repeatsLast ? "\n            RepeatsLast = $true" : "") + "\n        }\n";
+         ")\n            IsGroup = " + (isGroup ? "$true" : "$false") + more + "\n        }\n";
+}
+
+// The lines of properties that few verbs have.
+std::string further(const tVerbRow& verb) {
+  const bool repeatsLast = !verb.positionals.empty() && verb.positionals.back().repeatable;
+  return std::string(repeatsLast ? "\n            RepeatsLast = $true" : "") +
+         (verb.program == nullptr ? "" : "\n            RunsProgram = $true");
 }
 
 std::string positionalSets(const tVerbRow& verb) {
@@ -151,8 +160,7 @@ std::string grammarTable(const tGrammar& grammar) {
   }
   for (const tVerbRow& verb : grammar.verbs) {
     text += entry(verb.name, optionLines(grammar.optionsOfEveryVerb) + optionLines(verb.options),
-                  positionalSets(verb), false,
-                  !verb.positionals.empty() && verb.positionals.back().repeatable);
+                  positionalSets(verb), false, further(verb));
   }
   return text + "    }\n";
 }

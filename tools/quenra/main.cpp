@@ -21,6 +21,7 @@
 #include "tools/quenra/capture/driveronwindows.h"
 #include "tools/quenra/commandline.h"
 #include "tools/quenra/output/streams.h"
+#include "tools/quenra/programs/programsonwindows.h"
 #include "tools/quenra/quenradll.h"
 #include "tools/quenra/update/updateonwindows.h"
 
@@ -90,6 +91,7 @@ class tConsoleInterruption final : public nCommandLine::iInterruption {
  public:
   void intercept() noexcept override { SetConsoleCtrlHandler(handleEvent, TRUE); }
   [[nodiscard]] bool hasOccurred() noexcept override { return occurred_; }
+  void rearm() noexcept override { occurred_ = false; }
 
  private:
   // Runs on a thread of the system. Windows ends the process when this returns from a close event.
@@ -139,6 +141,7 @@ int main() {
   nCommandLine::tQuenraRouting routing;
   nCommandLine::tUpdateFacts updateFacts;
   nCommandLine::tInstallation installation;
+  nCommandLine::tPrograms programs;
   tConsoleInterruption interruption;
   nCommandLine::tUpdateLock updateLock;
   nCommandLine::tMachineDriver driver;
@@ -150,5 +153,5 @@ int main() {
   }
   return nCommandLine::runCommandLine(
       static_cast<int>(pointers.size()), pointers.data(), streams,
-      {library, routing, updateFacts, interruption, updateLock, installation, driver});
+      {library, routing, updateFacts, interruption, updateLock, installation, driver, programs});
 }

@@ -9,6 +9,53 @@
 #include "tools/quenra/commandline.h"
 
 namespace nTests {
+namespace {
+
+class tScriptedProgram final : public nCommandLine::iProgram {
+ public:
+  explicit tScriptedProgram(tScriptedPrograms& script) : script_(script), polls_(script.polls) {}
+  ~tScriptedProgram() override { script_.calls.emplace_back("release"); }
+
+  [[nodiscard]] std::optional<uint32_t> wait(std::chrono::milliseconds time) noexcept override {
+    if (--polls_ > 0) {
+      std::this_thread::sleep_for(std::min(time, std::chrono::milliseconds(1)));
+      return std::nullopt;
+    }
+    script_.calls.emplace_back("end");
+    return script_.exitCode;
+  }
+  [[nodiscard]] bool requestEnd() noexcept override {
+    script_.calls.emplace_back("request");
+    polls_ = script_.acceptsRequests && script_.endsOnRequest ? 1 : polls_;
+    return script_.acceptsRequests;
+  }
+  void terminate() noexcept override {
+    script_.calls.emplace_back("terminate");
+    polls_ = 1;
+  }
+
+ private:
+  tScriptedPrograms& script_;
+  int polls_;
+};
+
+}  // namespace
+
+std::unique_ptr<nCommandLine::iProgram> tScriptedPrograms::start(
+    std::span<const std::string> command, nCommandLine::tProgramOutput outputOfProgram,
+    std::error_code& failure) {
+  words.assign(command.begin(), command.end());
+  output = outputOfProgram;
+  if (startFailure) {
+    failure = startFailure;
+    return nullptr;
+  }
+  calls.emplace_back("start");
+  if (onStart) {
+    onStart();
+  }
+  return std::make_unique<tScriptedProgram>(*this);
+}
 
 std::string tTestFiles::path(std::string_view name) const {
   const std::u8string path = pathOf(name).generic_u8string();
@@ -86,7 +133,7 @@ int CommandLineTest::runOn(const std::vector<std::string>& words, nCommandLine::
   }
   return nCommandLine::runCommandLine(
       static_cast<int>(arguments.size()), arguments.data(), streams,
-      {library_, routing_, facts_, interruption_, lock_, installation_, driver_});
+      {library_, routing_, facts_, interruption_, lock_, installation_, driver_, programs_});
 }
 
 std::vector<std::string> wordsOf(std::string_view verb) {

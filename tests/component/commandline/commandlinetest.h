@@ -11,6 +11,8 @@
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -23,6 +25,7 @@
 #include "tests/component/commandline/tscriptedlibrary.h"
 #include "tests/component/commandline/tscriptedrouting.h"
 #include "tools/quenra/output/streams.h"
+#include "tools/quenra/programs/programs.h"
 #include "tools/quenra/update/updateports.h"
 
 namespace nTests {
@@ -76,6 +79,25 @@ class tScriptedInstallation final : public nCommandLine::iInstallation {
   bool isElevated = true;
 };
 
+// Programs that end by themselves with the first poll, unless a test changes it.
+class tScriptedPrograms final : public nCommandLine::iPrograms {
+ public:
+  [[nodiscard]] std::unique_ptr<nCommandLine::iProgram> start(std::span<const std::string> words,
+                                                              nCommandLine::tProgramOutput output,
+                                                              std::error_code& failure) override;
+
+  std::error_code startFailure;
+  uint32_t exitCode = 0;
+  int polls = 1;                  // until the program ends by itself
+  bool endsOnRequest = true;      // with the next poll
+  bool acceptsRequests = true;    // the system can send Ctrl-Break
+  std::function<void()> onStart;  // runs when the program has been started
+  std::vector<std::string> words;
+  nCommandLine::tProgramOutput output = nCommandLine::tProgramOutput::inherited;
+  // "start", "request", "terminate", "end" for the first poll with an exit code, "release".
+  std::vector<std::string> calls;
+};
+
 // The files of a test, in a temporary folder of their own.
 class tTestFiles {
  public:
@@ -102,6 +124,7 @@ class tScriptedInterruption final : public nCommandLine::iInterruption {
     ++polls;
     return isIntercepted && isPressed;
   }
+  void rearm() noexcept override { isPressed = furtherPresses-- > 0; }
   // For another thread: waits until hasOccurred() was called this many times.
   void waitForPolls(int times) const {
     while (polls < times) {
@@ -111,6 +134,7 @@ class tScriptedInterruption final : public nCommandLine::iInterruption {
 
   bool isIntercepted = false;
   bool isPressed = false;
+  int furtherPresses = 0;  // after the first one was answered
   std::atomic<int> polls = 0;
 };
 
@@ -142,6 +166,7 @@ class CommandLineTest : public testing::Test {
   tScriptedInstallation installation_;
   nCapture::tMachineRecord machine_ = referenceMachine();  // the machine below the library
   tRecordDriver driver_{machine_};
+  tScriptedPrograms programs_;
 
  private:
   tRun runWith(const std::vector<std::string>& words, bool terminal);

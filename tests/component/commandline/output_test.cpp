@@ -89,11 +89,12 @@ tFailedRun runOn(std::ostream& out, const tOutputBuffer* buffer,
   tScriptedInterruption interruption;
   tScriptedLock lock;
   tScriptedInstallation installation;
+  tScriptedPrograms programs;
   const nCapture::tMachineRecord machine;
   tRecordDriver driver(machine);
   const int exitCode = nCommandLine::runCommandLine(
       static_cast<int>(words.size()), words.data(), streams,
-      {library, routing, facts, interruption, lock, installation, driver});
+      {library, routing, facts, interruption, lock, installation, driver, programs});
   return {exitCode, error.str()};
 }
 

@@ -258,9 +258,10 @@ TEST_F(RouteConnect, Document_HasThePromisedMembers) {
   const tRun result = run(routeWords("connect", {"--json"}));
   EXPECT_EQ(result.exitCode, 1);
   const auto document = result.document();
-  EXPECT_THAT(memberNames(document),
-              ElementsAre("format", "kind", "exitCode", "warnings", "from", "to", "route",
-                          "heldMilliseconds", "interrupted", "demotions"));
+  EXPECT_THAT(memberNames(document), ElementsAre("format", "kind", "exitCode", "warnings", "from",
+                                                 "to", "route", "heldMilliseconds", "interrupted",
+                                                 "demotions", "waitedMilliseconds", "program"));
+  EXPECT_TRUE(document["program"].IsNull());
   EXPECT_THAT(memberNames(document["route"]), ElementsAre("inverted", "cost", "path", "ticket"));
   EXPECT_EQ(document["route"]["ticket"].GetInt(), 7);
   EXPECT_TRUE(document["interrupted"].GetBool());

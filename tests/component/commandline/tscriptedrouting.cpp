@@ -102,6 +102,9 @@ void tScriptedRouting::calculateRoute(tSession* /*session*/, const char* seeds,
 
 void tScriptedRouting::reserveRoute(tSession* /*session*/, uint32_t ticket, char** output,
                                     zoerr_Status* status) noexcept {
+  if (afterConflicts-- == 0) {
+    codes.erase("reserve");
+  }
   if (!take("reserve " + std::to_string(ticket), status) &&
       status->code == QUENRA_STATUS_ROUTE_CONFLICT) {
     answer(conflicts, output, status);

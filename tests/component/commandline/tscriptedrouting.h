@@ -54,6 +54,7 @@ class tScriptedRouting final : public nCommandLine::iRouting {
   std::string routes = R"([{"ticket":7,"destination":"PXI_Trig0","cost":1,"indexOfStartingSeed":0,)"
                        R"("constraints":{}}])";
   std::string conflicts = "[]";
+  int afterConflicts = -1;  // reservations succeed after so many conflicts; negative: never
   std::string path = R"(["TRIG_SMB","PXI_Trig0"])";
   std::function<void()> afterProgramming;
   int sessions = 0;   // not yet destroyed

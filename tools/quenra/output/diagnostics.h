@@ -19,7 +19,8 @@ namespace nCommandLine {
 
 class tJsonDocument;
 
-enum class tExitCode : uint8_t {
+// With a program, any other number is the program's own.
+enum class tExitCode : int32_t {
   done = 0,
   failure = 1,
   wrongUsage = 2,
@@ -28,6 +29,11 @@ enum class tExitCode : uint8_t {
   // Not `failure`: a script that repeats a failed command would change the machine a second time.
   outputFailedAfterChange = 5,
   capturesDiffer = 9,
+  // The codes of a verb that runs a program. Few programs use these numbers, and every shell passes them
+  // on: those above 127 are cut to eight bits by some, and denote signals in others.
+  demoted = 124,
+  notConnected = 125,
+  programNotStarted = 126,
 };
 
 [[nodiscard]] constexpr int exitNumber(tExitCode code) noexcept {
@@ -46,6 +52,11 @@ inline constexpr tExitCodeRow kExitCodes[] = {
     {exitNumber(tExitCode::outputFailedAfterChange),
      "the machine was changed, but the output could not be written"},
     {exitNumber(tExitCode::capturesDiffer), "two captures differ"},
+    {exitNumber(tExitCode::demoted),
+     "with a program: the route was demoted, and the program was ended"},
+    {exitNumber(tExitCode::notConnected),
+     "with a program: the route could not be connected; the program was not started"},
+    {exitNumber(tExitCode::programNotStarted), "with a program: the program could not be started"},
 };
 
 // An operation of the library that succeeded with a positive code.
@@ -93,6 +104,7 @@ class tCommandError : public std::runtime_error {
         suggestions_(error.suggestions()) {}
 
   [[nodiscard]] tExitCode exitCode() const noexcept { return exitCode_; }
+  void setExitCode(tExitCode exitCode) noexcept { exitCode_ = exitCode; }
   [[nodiscard]] std::optional<int32_t> status() const noexcept { return status_; }
   // Empty if the status table explains the status.
   [[nodiscard]] const std::optional<tSiteExplanation>& site() const noexcept { return site_; }

@@ -68,6 +68,8 @@ class iInterruption {
   // From this call on, an interruption no longer ends the program; the program polls hasOccurred.
   virtual void intercept() noexcept = 0;
   [[nodiscard]] virtual bool hasOccurred() noexcept = 0;
+  // Forgets an interruption that was answered: hasOccurred() reports the next one.
+  virtual void rearm() noexcept = 0;
 };
 
 // Measures from its creation.

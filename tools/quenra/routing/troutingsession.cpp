@@ -78,16 +78,6 @@ const std::string& checkedDevice(const std::string& device) {
                       tSiteExplanation{{}, "Install a version of quenra that knows the router."});
 }
 
-// "ticket 9 (session 4), ticket 3 (session 2)"
-std::string holdersText(const std::vector<tRouteHolder>& holders) {
-  std::string text;
-  for (const tRouteHolder& holder : holders) {
-    text += (text.empty() ? "ticket " : ", ticket ") + std::to_string(holder.ticket) +
-            " (session " + std::to_string(holder.session) + ")";
-  }
-  return text;
-}
-
 tCommandError heldRouteError(const std::vector<tRouteHolder>& holders, int32_t code) {
   tCommandError error(
       tExitCode::failure, "cannot reserve the route: held by " + holdersText(holders), code,
@@ -115,6 +105,15 @@ class tWalk {
 };
 
 }  // namespace
+
+std::string holdersText(const std::vector<tRouteHolder>& holders) {
+  std::string text;
+  for (const tRouteHolder& holder : holders) {
+    text += (text.empty() ? "ticket " : ", ticket ") + std::to_string(holder.ticket) +
+            " (session " + std::to_string(holder.session) + ")";
+  }
+  return text;
+}
 
 std::string routingDevice(iQuenra& library) {
   const tReading reading = readAttribute(library, 0, {QUENRA_ATTRIBUTE_DEVICE_PATH});

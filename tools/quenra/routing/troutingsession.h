@@ -43,6 +43,9 @@ struct tRoute {
 [[nodiscard]] std::vector<std::string> terminalsIn(std::string_view answer);
 [[nodiscard]] std::vector<tRouteHolder> holdersIn(std::string_view answer);
 
+// "ticket 9 (session 4), ticket 3 (session 2)"
+[[nodiscard]] std::string holdersText(const std::vector<tRouteHolder>& holders);
+
 // The name of a trigger router that the library does not support, from the description of the
 // status; empty if the description has none.
 [[nodiscard]] std::string unknownRouterIn(std::string_view description);

@@ -1,9 +1,13 @@
 #include <algorithm>
-#include <limits>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "tools/commandline/argumenttext.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
+#include "tools/quenra/verbs/routeholding.h"
 #include "tools/quenra/verbs/routes.h"
 #include "tools/quenra/verbs/verbs.h"
 
@@ -12,24 +16,52 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// The polling interval for interruptions.
-constexpr milliseconds kPollInterval{100};
+// The interval at which a held line is tried again.
+constexpr milliseconds kRetryInterval{200};
+constexpr milliseconds kDefaultGrace{5000};
 
-// The time to hold the route; unlimited without the option.
-milliseconds parseHoldTime(const tArguments& arguments) {
-  const auto given = arguments.optional(nWords::kFor);
-  if (!given) {
-    return milliseconds::max();
+// A time of the command line; empty without the option.
+std::optional<milliseconds> parseTime(const tArguments& arguments, std::string_view option,
+                                      const char* alternative) {
+  const auto given = arguments.optional(option);
+  const auto time = given ? parseSeconds(*given) : std::nullopt;
+  if (given && !time) {
+    throw tUsageError(numberFault(*given, "a number of seconds"),
+                      std::string("Give a decimal number such as 2 or 0.25, with at most three "
+                                  "places after the point, or leave out ")
+                              .append(option) +
+                          alternative,
+                      {});
   }
-  const auto time = parseSeconds(*given);
-  if (!time) {
-    throw tUsageError(
-        numberFault(*given, "a number of seconds"),
-        "Give a decimal number such as 2 or 0.25, with at most three places after the "
-        "point, or leave out --for to hold the route until Ctrl-C.",
-        {});
+  return time;
+}
+
+tHoldLimits parseLimits(const tArguments& arguments) {
+  tHoldLimits limits;
+  limits.program = arguments.all(nWords::kProgram);
+  limits.untilDemoted = arguments.has(nWords::kUntilDemoted);
+  limits.time = parseTime(arguments, nWords::kFor, " to hold the route until Ctrl-C.")
+                    .value_or(milliseconds::max());
+  limits.grace = parseTime(arguments, nWords::kGrace, " for 5 seconds.").value_or(kDefaultGrace);
+  for (const std::string_view option : {nWords::kFor, nWords::kUntilDemoted}) {
+    if (!limits.program.empty() && arguments.has(option)) {
+      throw tUsageError(std::string(option) + " and a program cannot be used together",
+                        "The end of the program ends the route.", {});
+    }
   }
-  return *time;
+  if (limits.program.empty() && arguments.has(nWords::kGrace)) {
+    throw tUsageError("--grace has no meaning without a program",
+                      "Leave it out, or give a program after --.", {});
+  }
+  return limits;
+}
+
+void checkProgramName(const tHoldLimits& limits) {
+  const std::string_view fault =
+      limits.program.empty() ? "" : faultOfProgramName(limits.program.front());
+  if (!fault.empty()) {
+    throw notStarted(limits.program.front(), fault);
+  }
 }
 
 // The first route with the requested polarity.
@@ -53,102 +85,66 @@ tRoute chooseRoute(tRoutingSession& session, const tRouteRequest& request) {
   return *chosen;
 }
 
-struct tDemotion {
-  int32_t reason;
-  milliseconds after;
-};
-
-// The library documents only the reason 101.
-std::string reasonText(int32_t reason) {
-  constexpr int32_t kHigherPriority = 101;
-  return reason == kHigherPriority ? "the line was taken by a route of higher priority (101)"
-                                   : "the library reports the reason " + std::to_string(reason);
+// Reserves the route, and as long as others hold its line, again until the time is over.
+milliseconds reserve(tHeldRoute& route, milliseconds time, iInterruption& interruption,
+                     tRouteReporter& reporter) {
+  const tStopwatch stopwatch;
+  std::vector<tRouteHolder> reported;
+  for (;;) {
+    try {
+      route.reserve();
+      return stopwatch.elapsed();
+    } catch (const tCommandError& error) {
+      if (error.holders().empty() || stopwatch.elapsed() >= time) {
+        throw;
+      }
+      if (error.holders() != reported) {
+        reported = error.holders();
+        reporter.waiting(reported, time - stopwatch.elapsed());
+      }
+    }
+    std::this_thread::sleep_for(
+        std::clamp(time - stopwatch.elapsed(), milliseconds(0), kRetryInterval));
+    if (interruption.hasOccurred()) {
+      throw tCommandError(tExitCode::failure,
+                          "interrupted while another route held the line; no route was connected",
+                          std::nullopt);
+    }
+  }
 }
 
-// The history of a connected route.
-struct tHolding {
-  tRoute route;
-  std::vector<std::string> path;
-  std::vector<tDemotion> demotions;
-  milliseconds held{0};
-  bool interrupted = false;
-
-  // A failure if the route was demoted: it carried no signal from then on.
-  [[nodiscard]] tExitCode exitCode() const noexcept {
-    return demotions.empty() ? tExitCode::done : tExitCode::failure;
-  }
+struct tConnection {
+  tHoldLimits limits;
+  milliseconds waitTime{0};
+  tProgramOutput output = tProgramOutput::inherited;
 };
 
-// Reports events while the route is held as they happen; with --json on the error stream, since the
-// document follows at the end.
-class tReporter {
- public:
-  explicit tReporter(const tVerbContext& context)
-      : stream_(context.json ? context.streams.error : context.streams.out),
-        error_(context.streams.error),
-        prefix_(context.json ? "quenra: " : "") {}
-
-  void connected(const tHolding& holding, milliseconds time) {
-    stream_ << prefix_ << "connected: " << pathText(holding.path)
-            << (holding.route.inverted ? ", inverted" : "") << ", "
-            << (time == milliseconds::max() ? "until Ctrl-C" : "for " + elapsedText(time))
-            << std::endl;
-  }
-  void demoted(const tDemotion& demotion) {
-    error_ << "quenra: the route was demoted after " << elapsedText(demotion.after) << ": "
-           << reasonText(demotion.reason) << "; it no longer carries a signal" << std::endl;
-  }
-  void released(const tHolding& holding) {
-    stream_ << prefix_ << "released after " << elapsedText(holding.held) << std::endl;
-  }
-
- private:
-  std::ostream& stream_;
-  std::ostream& error_;
-  std::string_view prefix_;
-};
-
-// Holds the route until its time expires or the user interrupts.
-class tHolder {
- public:
-  tHolder(tDemotions& demotions, iInterruption& interruption, tReporter& reporter)
-      : demotions_(demotions), interruption_(interruption), reporter_(reporter) {}
-
-  void hold(tHolding& holding, milliseconds time) {
-    const tStopwatch stopwatch;
-    do {
-      const milliseconds rest = std::max(time - stopwatch.elapsed(), milliseconds(0));
-      if (const auto reason = demotions_.take(std::min(rest, kPollInterval))) {
-        holding.demotions.push_back({*reason, stopwatch.elapsed()});
-        reporter_.demoted(holding.demotions.back());
-      }
-      holding.interrupted = interruption_.hasOccurred();
-    } while (!holding.interrupted && stopwatch.elapsed() < time);
-    holding.held = stopwatch.elapsed();
-  }
-
- private:
-  tDemotions& demotions_;
-  iInterruption& interruption_;
-  tReporter& reporter_;
-};
-
-tHolding connect(tRoutingSession& session, const tRoute& chosen, milliseconds time,
-                 tReporter& reporter, tHolder& holder) {
-  tHolding holding{chosen, {}, {}};
+tHolding connect(tRoutingSession& session, const tRoute& chosen, const tConnection& connection,
+                 tDemotions& demotions, const tPorts& ports, tRouteReporter& reporter) {
+  tHolding holding;
+  holding.route = chosen;
   {
     tHeldRoute route(session, chosen.ticket);
-    route.reserve();
+    holding.waited = reserve(route, connection.waitTime, ports.interruption, reporter);
     route.program();
     holding.path = route.path();
-    reporter.connected(holding, time);
-    holder.hold(holding, time);
+    reporter.connected(holding);
+    holdRoute(holding, connection.limits, demotions, ports, connection.output, reporter);
     if (!holding.demotions.empty()) {
       route.markFailed();
     }
   }
   reporter.released(holding);
   return holding;
+}
+
+// A demoted route carried no signal from then on: a failure unless the caller waited for it.
+tExitCode exitCodeOf(const tHolding& holding, const tHoldLimits& limits) {
+  const bool wasDemoted = !holding.demotions.empty();
+  if (holding.program) {
+    return wasDemoted ? tExitCode::demoted : static_cast<tExitCode>(holding.program->exitCode);
+  }
+  return wasDemoted && !limits.untilDemoted ? tExitCode::failure : tExitCode::done;
 }
 
 void writeDemotions(tJsonDocument& document, const tHolding& holding) {
@@ -162,9 +158,25 @@ void writeDemotions(tJsonDocument& document, const tHolding& holding) {
   document.endArray();
 }
 
-void printDocument(std::ostream& stream, const tRouteRequest& request, const tHolding& holding,
-                   const std::vector<tWarning>& warnings) {
-  tJsonDocument document("route-connect", holding.exitCode(), warnings);
+void writeProgram(tJsonDocument& document, const tHoldLimits& limits, const tHolding& holding) {
+  if (!holding.program) {
+    document.null("program");
+    return;
+  }
+  document.beginObject("program");
+  document.beginArray("words");
+  for (const std::string& word : limits.program) {
+    document.textItem(word);
+  }
+  document.endArray();
+  document.number("exitCode", static_cast<int32_t>(holding.program->exitCode));
+  document.truth("terminated", holding.program->wasTerminated);
+  document.endObject();
+}
+
+void printDocument(std::ostream& stream, const tRouteRequest& request, const tHoldLimits& limits,
+                   const tHolding& holding, const std::vector<tWarning>& warnings) {
+  tJsonDocument document("route-connect", exitCodeOf(holding, limits), warnings);
   document.text("from", request.from);
   document.text("to", request.to);
   document.beginObject("route");
@@ -174,26 +186,45 @@ void printDocument(std::ostream& stream, const tRouteRequest& request, const tHo
   document.number("heldMilliseconds", holding.held.count());
   document.truth("interrupted", holding.interrupted);
   writeDemotions(document, holding);
+  document.number("waitedMilliseconds", holding.waited.count());
+  writeProgram(document, limits, holding);
   document.writeTo(stream);
 }
 
-}  // namespace
-
-tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& context) {
-  const milliseconds time = parseHoldTime(arguments);
+tExitCode connectAndHold(const tArguments& arguments, const tVerbContext& context,
+                         const tConnection& connection) {
   tDemotions demotions;
   tRoutingSession session(context.ports.routing, routingDevice(context.ports.library), demotions);
   const tRouteRequest request = parseRouteRequest(arguments, session);
   // Called before the first step, so that an interruption runs the teardown.
   context.ports.interruption.intercept();
-  tReporter reporter(context);
-  tHolder holder(demotions, context.ports.interruption, reporter);
-  const tHolding holding = connect(session, chooseRoute(session, request), time, reporter, holder);
+  tRouteReporter reporter(context, connection.limits);
+  const tHolding holding = connect(session, chooseRoute(session, request), connection, demotions,
+                                   context.ports, reporter);
   printWarnings(context.streams.error, session.warnings());
   if (context.json) {
-    printDocument(context.streams.out, request, holding, session.warnings());
+    printDocument(context.streams.out, request, connection.limits, holding, session.warnings());
   }
-  return holding.exitCode();
+  return exitCodeOf(holding, connection.limits);
+}
+
+}  // namespace
+
+tExitCode runRouteConnect(const tArguments& arguments, const tVerbContext& context) {
+  const tConnection connection{
+      parseLimits(arguments),
+      parseTime(arguments, nWords::kWait, " to fail at once.").value_or(milliseconds(0)),
+      context.json ? tProgramOutput::toErrorStream : tProgramOutput::inherited};
+  checkProgramName(connection.limits);
+  try {
+    return connectAndHold(arguments, context, connection);
+  } catch (tCommandError& error) {
+    // Distinct from the exit codes of the program.
+    if (!connection.limits.program.empty() && error.exitCode() != tExitCode::programNotStarted) {
+      error.setExitCode(tExitCode::notConnected);
+    }
+    throw;
+  }
 }
 
 }  // namespace nCommandLine

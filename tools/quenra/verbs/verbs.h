@@ -9,6 +9,7 @@
 #include "tools/quenra/capture/imachinedriver.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
+#include "tools/quenra/programs/programs.h"
 #include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/routing/irouting.h"
 #include "tools/quenra/update/updateports.h"
@@ -24,6 +25,7 @@ struct tPorts {
   iUpdateLock& updateLock;
   iInstallation& installation;
   iMachineDriver& driver;
+  iPrograms& programs;
 };
 
 // The arguments of every verb. A verb prints its answer and returns the exit code, or throws
@@ -46,6 +48,7 @@ inline constexpr std::string_view kCode = "code";
 inline constexpr std::string_view kFile = "file";
 inline constexpr std::string_view kImage = "image";
 inline constexpr std::string_view kPayload = "payload";
+inline constexpr std::string_view kProgram = "program";
 inline constexpr std::string_view kValue = "value";
 
 inline constexpr std::string_view kAllowAnyPath = "--allow-any-path";
@@ -60,6 +63,7 @@ inline constexpr std::string_view kFor = "--for";
 inline constexpr std::string_view kForce = "--force";
 inline constexpr std::string_view kFormat = "--format";
 inline constexpr std::string_view kFrom = "--from";
+inline constexpr std::string_view kGrace = "--grace";
 inline constexpr std::string_view kInstance = "--instance";
 inline constexpr std::string_view kInvert = "--invert";
 inline constexpr std::string_view kLabel = "--label";
@@ -73,6 +77,8 @@ inline constexpr std::string_view kPseudonymKey = "--pseudonym-key";
 inline constexpr std::string_view kSection = "--section";
 inline constexpr std::string_view kSubject = "--subject";
 inline constexpr std::string_view kTo = "--to";
+inline constexpr std::string_view kUntilDemoted = "--until-demoted";
+inline constexpr std::string_view kWait = "--wait";
 inline constexpr std::string_view kWatch = "--watch";
 }  // namespace nWords
 

@@ -20,16 +20,26 @@ inline constexpr tOptionRow kRoutePlanOptions[] = {kFrom, kTo, kInvert};
 inline constexpr tExampleRow kRoutePlanExamples[] = {
     {"route plan --from TRIG_SMB --to PXI_Trig0", "the routes, with their paths and costs"},
 };
+inline constexpr std::string_view kHoldLimit = "limit";
 inline constexpr tOptionRow kRouteConnectOptions[] = {
     kFrom,
     kTo,
     kInvert,
     {nWords::kFor, "SECONDS",
-     "Hold the route for SECONDS, such as 2 or 0.25, instead of until Ctrl-C"},
+     "Hold the route for SECONDS, such as 2 or 0.25, instead of until Ctrl-C", kHoldLimit},
+    {nWords::kUntilDemoted, "", "Hold the route until the driver demotes it", kHoldLimit},
+    {nWords::kWait, "SECONDS", "Wait at most SECONDS for a line that another route holds"},
+    {nWords::kGrace, "SECONDS",
+     "The time for the program to end after a demotion (default 5), before it is terminated"},
 };
+inline constexpr tPositionalRow kRouteConnectProgram{
+    nWords::kProgram, "PROGRAM [ARGUMENT...]", "Run the program, and hold the route until it ends",
+    nullptr, false};
 inline constexpr tExampleRow kRouteConnectExamples[] = {
     {"route connect --from TRIG_SMB --to PXI_Trig0", "until Ctrl-C"},
     {"route connect --from PXI_Trig0 --to TRIG_SMB --invert --for 60", "a minute, inverted"},
+    {"route connect --from TRIG_SMB --to PXI_Trig0 --wait 30 -- measure.exe --runs 5",
+     "while a program runs"},
 };
 
 // clang-format off
@@ -45,11 +55,15 @@ inline constexpr tVerbRow kRouteVerbs[] = {
      {}, kRoutePlanOptions, kRoutePlanExamples},
 
     {"route connect", "Connect two terminals",
-     "Calculates a route, reserves it, programs it, and holds it until Ctrl-C or for the given time; "
+     "Calculates a route, reserves it, programs it, and holds it until Ctrl-C, for the given time, until a "
+     "demotion or while a program runs; "
      "then releases it in order. When other routes hold a line that it needs, their tickets and "
      "sessions are reported. When the driver demotes the route and takes its line away, the standard "
-     "error stream reports it at once, and the exit code is 1.",
-     {}, kRouteConnectOptions, kRouteConnectExamples},
+     "error stream reports it at once, and the exit code is 1, or with --until-demoted 0. A program after -- receives "
+     "the standard streams, and its exit code is that of quenra. Ctrl-C reaches it as Ctrl-Break, and a second "
+     "one terminates it. On a demotion it is asked to end with Ctrl-Break, and terminated with all "
+     "processes that it has started when the time of --grace is over; the exit code is then 124.",
+     {}, kRouteConnectOptions, kRouteConnectExamples, &kRouteConnectProgram},
 };
 // clang-format on
 
