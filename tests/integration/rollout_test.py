@@ -288,8 +288,16 @@ class Parts(FleetTest):
         self.assertEqual((run.exit_code, run.states()), (0, {"rack-4": "updated"}), run)
         self.assertEqual((len(self.received("rack-4")), self.installed("rack-4")), (sent, NEW))
 
-    def test_rack_that_fails_its_self_test_is_not_updated_successfully(self):
-        # The requests of a self-test fail from the restart on.
+    def test_driver_that_rejects_the_firmware_is_a_failure_and_the_next_run_repeats_it(self):
+        on_rack("rack-2", "quenra-sim", "answer", "add", "controller", "send-command", "--code", "-1")
+        run = self.update("--limit", "rack-2")
+        self.assertEqual((run.states(), run.changed()), ({"rack-2": "failed"}, 1), run)
+        self.assertEqual(self.received("rack-2"), [])
+        run = self.update("--limit", "rack-2")
+        self.assertEqual((run.exit_code, run.states(), self.installed("rack-2")),
+                         (0, {"rack-2": "updated"}, NEW), run)
+
+    def test_rack_without_controller_after_the_restart_has_failed(self):
         restart = (f"{ROOT}/dev fleet restart rack-3 && {ROOT}/dev fleet run rack-3 -- quenra-sim scenario"
                    " --controllers 0")
         run = self.update("--limit", "rack-3", "-e", f"quenra_update_restart_command='{restart}'",
