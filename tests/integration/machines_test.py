@@ -13,7 +13,7 @@ import unittest
 
 from capture_test import CaptureTest, without_durations
 
-MACHINES = 24
+MACHINES = 26
 NOT_SUPPORTED = -26934
 CODES = (-1, NOT_SUPPORTED, -26930, -52007, -52009, 7)
 
@@ -38,6 +38,20 @@ def without_marten(machine, _):
 
 def without_router(machine, _):
     machine["interfaces"]["router"] = 0
+    machine["driver"]["topography"] = None
+
+
+def change_topography(machine, **members):
+    if machine["driver"]["topography"]:  # not without a router
+        machine["driver"]["topography"].update(members)
+
+
+def unknown_topography(machine, _):
+    change_topography(machine, bytes=b"a router of later years".hex())
+
+
+def failing_topography(machine, generator):
+    change_topography(machine, status=generator.choice(CODES), bytes="")
 
 
 def without_controller(machine, _):
@@ -118,10 +132,11 @@ def missing_tool(machine, _):
     machine["update"]["driverStoreTool"]["exists"] = False
 
 
-CHANGES = (without_marten, without_router, without_controller, two_controllers, truncated_table,
-           empty_table, damaged_bytes, damaged_strings, table_without_end, failing_attribute,
-           failing_attributes, long_marten_text, marten_text_without_nul, failing_exchange,
-           failing_sizes, encrypted_drive, missing_tool)
+CHANGES = (without_marten, without_router, unknown_topography, failing_topography,
+           without_controller, two_controllers, truncated_table, empty_table, damaged_bytes,
+           damaged_strings, table_without_end, failing_attribute, failing_attributes,
+           long_marten_text, marten_text_without_nul, failing_exchange, failing_sizes,
+           encrypted_drive, missing_tool)
 
 
 def generated(usual, number):

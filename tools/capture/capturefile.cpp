@@ -352,6 +352,13 @@ void describe(Archive& archive, tHandover& handover) {
 }
 
 template <class Archive>
+void describe(Archive& archive, tTopography& topography) {
+  describe(archive, topography.result);
+  archive.bytes("bytes", topography.name);
+  archive.remark("shown", {topography.name.begin(), topography.name.end()});
+}
+
+template <class Archive>
 void describe(Archive& archive, tReadingRecord& reading) {
   archive.text("name", reading.name);
   archive.identifier("id", reading.id);
@@ -419,6 +426,8 @@ void describe(Archive& archive, tMachineRecord& record) {
     archive.object("smbios", [&] { describe(archive, record.handover); });
     archive.object("controller", [&] { describeDriver(archive, record.controller); });
     archive.object("marten", [&] { describeDriver(archive, record.marten); });
+    archive.optionalObject("topography", record.topography,
+                           [&](tTopography& topography) { describe(archive, topography); });
   });
   archive.object("library", [&] { describeLibrary(archive, record); });
   archive.object("update", [&] { describe(archive, record.updateEnvironment); });

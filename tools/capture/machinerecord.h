@@ -56,6 +56,13 @@ struct tInterface {
   [[nodiscard]] bool isOpen() const noexcept { return opening && opening->code >= 0; }
 };
 
+// The answer of the trigger router to the request for the name of its topography, which decides the
+// terminals. The name ends at its NUL or fills the buffer.
+struct tTopography {
+  tResult result;
+  tBytes name;
+};
+
 // ---- The library ----
 
 // Nothing after an error, otherwise a text or a number.
@@ -110,7 +117,8 @@ struct tMachineRecord {
   tVersions versions;
   tInterface controller;
   tInterface marten;
-  uint32_t devicePaths = 0;  // number of interfaces of the trigger router
+  uint32_t devicePaths = 0;               // number of interfaces of the trigger router
+  std::optional<tTopography> topography;  // unset if there is no trigger router
   tHandover handover;
   tResult opening;
   tResult selfTest;

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <system_error>
 
+#include "protocol/routingrequests.h"
 #include "simulator/control/tsimulatedmachine.h"
 #include "simulator/quenra-sim/installation/installation.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
@@ -56,6 +57,10 @@ void check(const tMachineRecord& record) {
                 "bytes of SMBIOS version");
   requireAtMost(record.controller.attributes.size() + record.marten.attributes.size(),
                 SIMULATOR_ATTRIBUTE_CAPACITY, "attributes of the driver");
+  if (record.topography) {
+    requireAtMost(record.topography->name.size(), SIMULATOR_TOPOGRAPHY_NAME_CAPACITY - 1,
+                  "bytes in the name of its topography");
+  }
   for (const nCapture::tInterface* const interface : {&record.controller, &record.marten}) {
     if (interface->opening && interface->opening->code < 0) {
       reject("a device interface of the machine could not be opened, with code " +
@@ -99,6 +104,19 @@ void loadHandover(tSimulatedMachine& machine, const nCapture::tHandover& handove
   }
 }
 
+void loadTopography(tSimulatedMachine& machine, const nCapture::tTopography& topography) {
+  machine.setTopographyName(std::string(topography.name.begin(), topography.name.end()) + '\0');
+  if (topography.result.code != 0) {
+    tSimulatorScript script{};
+    script.interfaceKind = kSimulatorInterfaceDevicePath;
+    script.requestCode = REQUEST_GET_TOPOGRAPHY_NAME;
+    script.action =
+        topography.result.code < 0 ? kSimulatorActionAnswerCode : kSimulatorActionAddCode;
+    script.driverStatus = topography.result.code;
+    machine.addScript(script);
+  }
+}
+
 // The library's lines for the steps of the encryption query.
 struct tStepLine {
   uint32_t line;
@@ -130,6 +148,9 @@ void loadMachine(const tMachineRecord& record) {
   }
   for (const tAttributeAnswer& answer : record.marten.attributes) {
     loadAttribute(machine, kSimulatorInterfaceMarten, answer);
+  }
+  if (record.topography) {
+    loadTopography(machine, *record.topography);
   }
   machine.setPresence({record.controller.present, record.marten.present, record.devicePaths});
 }

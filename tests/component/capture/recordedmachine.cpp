@@ -83,6 +83,7 @@ tMachineRecord referenceMachine() {
   record.marten.attributes = {answer(kOnMarten, version),
                               answer(QUENRA_ATTRIBUTE_FIRMWARE_VERSION, version)};
   record.devicePaths = 1;
+  record.topography = nCapture::tTopography{{}, bytesOf("a router")};
   installTable(record, tReferenceTable().build());
   record.updateEnvironment = {false, 0, 0, "C:\\Windows", true, true, "BUILTIN\\Administrators", 0};
   return record;

@@ -25,6 +25,9 @@ class tRecordDriver final : public nCommandLine::iMachineDriver {
   [[nodiscard]] nCommandLine::tMartenInterface& marten() noexcept override { return marten_; }
   void close() noexcept override { isOpen = false; }
   [[nodiscard]] uint32_t devicePaths() noexcept override { return record_.devicePaths; }
+  [[nodiscard]] nCapture::tTopography topography() override {
+    return record_.topography.value_or(nCapture::tTopography{});
+  }
   [[nodiscard]] std::string systemVersion() override { return record_.versions.system; }
 
   bool isOpen = false;

@@ -263,6 +263,9 @@ tMachineRecord captureMachine(const tCapturePorts& ports) {
   record.controller.present = ports.library.presentInterfaces(tInterface::controller);
   record.marten.present = ports.library.presentInterfaces(tInterface::marten);
   record.devicePaths = ports.driver.devicePaths();
+  if (record.devicePaths != 0) {
+    record.topography = ports.driver.topography();
+  }
   captureLibrary(ports.library, record);
   record.terminals = captureTerminals(ports);
   captureDriver(ports.driver, record);

@@ -2,10 +2,15 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <array>
 #include <bit>
+#include <chrono>
 #include <string>
 
+#include "codegen/apalcodegen/tinterfaceproxy_routing.h"
 #include "protocol/interfaces.h"
+#include "protocol/routingrequests.h"
 #include "zoapal/protons/enumeration/windows/tdeviceinterfaceiterator.h"
 #include "zoapal/protons/status/tstatus.h"
 
@@ -48,6 +53,26 @@ uint32_t tMachineDriver::devicePaths() noexcept {
     ++count;
   }
   return count;
+}
+
+nCapture::tTopography tMachineDriver::topography() {
+  using tClock = std::chrono::steady_clock;
+  tDeviceInterfaceProxy device;
+  nCapture::tTopography topography;
+  topography.result.code = openFirst(kDevicePathInterfaceClass, device);
+  if (topography.result.code < 0) {
+    return topography;
+  }
+  nQUENRA1400::nZOAPAL000::tInterfaceProxy_routing router(device);
+  std::array<uint8_t, ROUTING_TOPOGRAPHY_NAME_SIZE> name{};
+  tStatus status;
+  const tClock::time_point start = tClock::now();
+  router.getTopographyName(std::bit_cast<uintptr_t>(name.data()), name.size(), status);
+  topography.result = {status.code,
+                       std::chrono::duration_cast<nCapture::tDuration>(tClock::now() - start)};
+  topography.name.assign(name.begin(), std::ranges::find(name, uint8_t{0}));
+  device.close();
+  return topography;
 }
 
 // GetVersionEx would report the version that the program's manifest names.

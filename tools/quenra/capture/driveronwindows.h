@@ -25,6 +25,7 @@ class tMachineDriver final : public iMachineDriver {
   }
   void close() noexcept override;
   [[nodiscard]] uint32_t devicePaths() noexcept override;
+  [[nodiscard]] nCapture::tTopography topography() override;
   // "Windows 10.0.19045"
   [[nodiscard]] std::string systemVersion() override;
 

@@ -6,6 +6,7 @@
 
 #include "codegen/apalcodegen/tinterfaceproxy_hostcontroller.h"
 #include "codegen/apalcodegen/tinterfaceproxy_hostmarten.h"
+#include "tools/capture/machinerecord.h"
 
 namespace nCommandLine {
 
@@ -29,6 +30,8 @@ class iMachineDriver {
 
   // The number of device interfaces of the trigger router.
   [[nodiscard]] virtual uint32_t devicePaths() noexcept = 0;
+  // Reads the name of the router's topography through its first interface, which must be present.
+  [[nodiscard]] virtual nCapture::tTopography topography() = 0;
   [[nodiscard]] virtual std::string systemVersion() = 0;
 };
 

@@ -162,6 +162,12 @@ tProperties propertiesOf(const tMachineRecord& record) {
                             std::to_string(terminal.id) + ", " + terminal.visibility);
   }
   properties.emplace_back("listing of terminals", codeAndConstant(record.terminals.listing.code));
+  if (record.topography) {
+    properties.emplace_back(
+        "topography of the trigger router",
+        resultText(std::string(record.topography->name.begin(), record.topography->name.end()),
+                   record.topography->result.code));
+  }
   addAttributes(properties, "driver attribute of the controller", record.controller);
   addAttributes(properties, "driver attribute of the Marten", record.marten);
   properties.emplace_back("encryption of drive C:",
