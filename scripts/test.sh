@@ -9,7 +9,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 declare -rA integration_packages=(
   [fleet]="wine"
   [manyracks]="ansible-core"
-  [rollout]="ansible-core openssh-client"
+  [rollout]="ansible-core ansible-lint openssh-client"
   [machines]="python3-jsonschema"
   [layout]="chromium ${docs_packages[*]}"
   [metrics]="python3-prometheus-client"

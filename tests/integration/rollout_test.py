@@ -340,6 +340,15 @@ class Collection(unittest.TestCase):
             self.assertEqual(document.returncode, 0, document)
             self.assert_options_are_those_of_the_action(name, json.loads(document.stdout))
 
+    def test_linter_has_no_findings(self):
+        # It finds modules by their collection, and has to be started in its folder.
+        folder = WORK / "ansible_collections" / "quenra" / "rack"
+        shutil.copytree(COLLECTION, folder)
+        lint = subprocess.run(["/usr/bin/ansible-lint", "--offline", "--nocolor", "-p"], cwd=folder,
+                              env=environment() | {"PYTHONPATH": ""}, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, timeout=TIME_LIMIT_SECONDS, check=False)
+        self.assertEqual(lint.returncode, 0, lint.stdout + lint.stderr)
+
     def assert_options_are_those_of_the_action(self, name, document):
         command = options_of(COLLECTION / "plugins/plugin_utils/rack.py", "COMMAND_OPTION", {})
         options = options_of(COLLECTION / f"plugins/action/{name}.py", "OPTIONS", {"COMMAND_OPTION": command})
