@@ -39,8 +39,8 @@ class tRecordDriver final : public nCommandLine::iMachineDriver {
   }
 
   const nCapture::tMachineRecord& record_;
-  nCommandLine::tReplayedController controller_{record_};
-  nCommandLine::tReplayedMarten marten_{record_};
+  nCommandLine::tReplayedController controller_{record_.controller, record_.handover};
+  nCommandLine::tReplayedMarten marten_{record_.marten};
 };
 
 // The installation of a recorded machine. The record must outlive the object.

@@ -18,7 +18,6 @@ using nCapture::tBytes;
 using nCapture::tInterface;
 using nCapture::tSizesAnswer;
 
-constexpr nZOAPALS100::tSourceLocation kReadOnly{"tools\\quenra\\capture\\tReadOnlyInterface", 1};
 constexpr nZOAPALS100::tSourceLocation kRecorded{"tools\\quenra\\capture\\tReplayedInterface", 1};
 
 // The memory at an address of this process; requests carry addresses as numbers.
@@ -117,62 +116,6 @@ void replaySizes(const tSizesAnswer& answer, uint32_t& textSize, int32_t& tableS
 
 }  // namespace
 
-// ---- Everything but reading ----
-
-void tReadOnlyInterface::refuse(tStatus& status) noexcept {
-  mergeStatus(status, QUENRA_STATUS_REQUEST_NOT_SUPPORTED, kReadOnly);
-}
-
-uint32_t tReadOnlyInterface::deviceControl(uint32_t /*code*/, const void* /*in*/,
-                                           uint32_t /*inSize*/, void* /*out*/, uint32_t /*outSize*/,
-                                           tStatus& status) noexcept {
-  refuse(status);
-  return 0;
-}
-
-uint32_t tReadOnlyInterface::read(void* /*buffer*/, uint32_t /*size*/, tStatus& status) noexcept {
-  refuse(status);
-  return 0;
-}
-
-uint32_t tReadOnlyInterface::write(const void* /*buffer*/, uint32_t /*size*/,
-                                   tStatus& status) noexcept {
-  refuse(status);
-  return 0;
-}
-
-uint64_t tReadOnlyInterface::beginPendingRequest(
-    uint16_t /*a*/, uint64_t /*b*/, uint8_t /*c*/,
-    nQUENRA1400::nZOAPAL000::tPendingRequest& /*request*/, tStatus& status) noexcept {
-  refuse(status);
-  return 0;
-}
-
-void tRecordingController::sendCommand(uint64_t, uint32_t, tStatus& status) noexcept {
-  refuse(status);
-}
-void tRecordingController::setAttribute(uint32_t, uint64_t, int32_t, tStatus& status) noexcept {
-  refuse(status);
-}
-void tRecordingMarten::sendCommand(uint64_t, uint32_t, tStatus& status) noexcept {
-  refuse(status);
-}
-void tRecordingMarten::setAttribute(uint32_t, uint64_t, int32_t, tStatus& status) noexcept {
-  refuse(status);
-}
-void tReplayedController::sendCommand(uint64_t, uint32_t, tStatus& status) noexcept {
-  refuse(status);
-}
-void tReplayedController::setAttribute(uint32_t, uint64_t, int32_t, tStatus& status) noexcept {
-  refuse(status);
-}
-void tReplayedMarten::sendCommand(uint64_t, uint32_t, tStatus& status) noexcept {
-  refuse(status);
-}
-void tReplayedMarten::setAttribute(uint32_t, uint64_t, int32_t, tStatus& status) noexcept {
-  refuse(status);
-}
-
 // ---- Recording ----
 
 void tRecordingController::exchangeValues(uint64_t textBuffer, uint32_t& textSize,
@@ -185,7 +128,7 @@ void tRecordingController::exchangeValues(uint64_t textBuffer, uint32_t& textSiz
   const std::span<const uint8_t> table = memoryAt(tableBuffer, sizeOf(tableSize));
   tSizesAnswer answer;
   answer.result = timed(status, [&](tStatus& own) {
-    driver_.exchangeValues(textBuffer, textSize, tableBuffer, tableSize, own);
+    driver().exchangeValues(textBuffer, textSize, tableBuffer, tableSize, own);
   });
   answer.textSize = textSize;
   answer.tableSize = tableSize;
@@ -201,15 +144,14 @@ void tRecordingController::exchangeValues(uint64_t textBuffer, uint32_t& textSiz
   }
 }
 
-void tRecordingController::getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
-                                        tStatus& status) noexcept {
+template <class Interface>
+void tRecordingInterface<Interface>::getAttribute(uint32_t attribute, uint64_t buffer,
+                                                  uint32_t& size, tStatus& status) noexcept {
   recordAttribute(driver_, record_, attribute, buffer, size, status);
 }
 
-void tRecordingMarten::getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
-                                    tStatus& status) noexcept {
-  recordAttribute(driver_, record_, attribute, buffer, size, status);
-}
+template class tRecordingInterface<tControllerInterface>;
+template class tRecordingInterface<tMartenInterface>;
 
 // ---- Replaying ----
 
@@ -219,26 +161,24 @@ void tReplayedController::exchangeValues(uint64_t textBuffer, uint32_t& textSize
   if (status.isError()) {
     return;
   }
-  const nCapture::tHandover& handover = record_.handover;
-  const auto& answer = sizesWereQueried_ ? handover.values : handover.query;
+  const auto& answer = sizesWereQueried_ ? handover_.values : handover_.query;
   sizesWereQueried_ = true;
   if (!answer) {
     answerWith(QUENRA_STATUS_NOT_SUPPORTED, status);
     return;
   }
-  copyTo(memoryAt(textBuffer, textSize), handover.versionText);
-  copyTo(memoryAt(tableBuffer, sizeOf(tableSize)), handover.table);
+  copyTo(memoryAt(textBuffer, textSize), handover_.versionText);
+  copyTo(memoryAt(tableBuffer, sizeOf(tableSize)), handover_.table);
   replaySizes(*answer, textSize, tableSize, status);
 }
 
-void tReplayedController::getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
-                                       tStatus& status) noexcept {
-  replayAttribute(record_.controller, attribute, buffer, size, status);
+template <class Interface>
+void tReplayedInterface<Interface>::getAttribute(uint32_t attribute, uint64_t buffer,
+                                                 uint32_t& size, tStatus& status) noexcept {
+  replayAttribute(record_, attribute, buffer, size, status);
 }
 
-void tReplayedMarten::getAttribute(uint32_t attribute, uint64_t buffer, uint32_t& size,
-                                   tStatus& status) noexcept {
-  replayAttribute(record_.marten, attribute, buffer, size, status);
-}
+template class tReplayedInterface<tControllerInterface>;
+template class tReplayedInterface<tMartenInterface>;
 
 }  // namespace nCommandLine

@@ -33,8 +33,8 @@ class tReplayedLibrary final : public tReadOnlyLibrary {
   // The driver that answers, and the library's session with it.
   struct tSession {
     explicit tSession(const nCapture::tMachineRecord& record) noexcept
-        : controller(record),
-          marten(record),
+        : controller(record.controller, record.handover),
+          marten(record.marten),
           reader(controller, record.controller.isOpen(), marten, record.marten.isOpen()) {}
 
     tReplayedController controller;
