@@ -4,6 +4,9 @@
 # shellcheck source=scripts/lib/machine.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib/machine.sh"
 
+# Empty on a system with an npm of its own, with which the package of Debian would conflict.
+npm_package=$(command -v npm >/dev/null || printf npm)
+
 # Integration tests, each with the Debian packages that only this test needs. tests/integration/README.md
 # describes how to add one.
 declare -rA integration_packages=(
@@ -13,6 +16,7 @@ declare -rA integration_packages=(
   [machines]="python3-jsonschema"
   [layout]="chromium ${docs_packages[*]}"
   [metrics]="python3-prometheus-client"
+  [report]="chromium fonts-dejavu-core $npm_package"
 )
 # Debian packages that a test unpacks into build/integration/NAME, because installing them would start services. A
 # system has those that it knows: Debian 12 has promtool in prometheus.

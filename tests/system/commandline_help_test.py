@@ -2,7 +2,7 @@ import unittest
 
 from commandline import CommandLineTest
 
-VERBS = ("info", "get", "set", "self-test", "metrics", "doctor", "terminals", "route plan", "route connect",
+VERBS = ("info", "get", "set", "self-test", "metrics", "report", "doctor", "terminals", "route plan", "route connect",
          "firmware inspect", "firmware verify", "firmware build", "firmware extract", "attributes", "explain", "completion", "help")
 
 

@@ -20,6 +20,7 @@ constexpr tFunctionRow kFunctions[] = {
     {"self-test", runSelfTest},
     {"metrics", runMetrics},
     {"doctor", runDoctor},
+    {"report", runReport},
     {"terminals", runTerminals},
     {"route plan", runRoutePlan},
     {"route connect", runRouteConnect},

@@ -96,6 +96,9 @@ void tScriptedRouting::calculateRoute(tSession* /*session*/, const char* seeds,
                                       const char* destinations, const char* modifiers,
                                       char** output, zoerr_Status* status) noexcept {
   if (take(std::string("calculate ") + seeds + " " + destinations + " " + modifiers, status)) {
+    if (beforeCalculation) {
+      beforeCalculation(calls.back());
+    }
     answer(routes, output, status);
   }
 }

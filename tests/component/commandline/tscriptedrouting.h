@@ -57,6 +57,8 @@ class tScriptedRouting final : public nCommandLine::iRouting {
   int afterConflicts = -1;  // reservations succeed after so many conflicts; negative: never
   std::string path = R"(["TRIG_SMB","PXI_Trig0"])";
   std::function<void()> afterProgramming;
+  // Runs before each calculation, with its call: it may change `routes`.
+  std::function<void(const std::string& call)> beforeCalculation;
   int sessions = 0;   // not yet destroyed
   int iterators = 0;  // not yet destroyed
 

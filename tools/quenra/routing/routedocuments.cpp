@@ -77,6 +77,10 @@ std::string modifiersText(const tRouteRequest& request) {
       writer.Key(kInversion);
       writer.Bool(true);
     }
+    if (request.ignoresReservations) {
+      writer.Key("calculateIgnoresReservations");
+      writer.Bool(true);
+    }
     writer.EndObject();
     writer.EndObject();
   });

@@ -26,6 +26,7 @@ struct tRouteRequest {
   std::string from;
   std::string to;
   bool inverted = false;
+  bool ignoresReservations = false;  // only while it is calculated
 };
 
 struct tRoute {

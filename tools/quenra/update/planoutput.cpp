@@ -52,18 +52,6 @@ std::string sizeText(const tImageSection& section) {
   return section.byteCount ? std::to_string(*section.byteCount) : "-";
 }
 
-std::string plannedText(const tPlannedSection& planned) {
-  std::string text(wordsOf(planned.action).planned);
-  if (!planned.reason.empty()) {
-    text += wordsOf(planned.action).done.empty() ? ": " : ", although ";
-    text += printableText(planned.reason);
-  }
-  if (!planned.remedy().empty()) {
-    text.append("; ").append(planned.remedy());
-  }
-  return text;
-}
-
 template <class Text>
 void writeVersion(tJsonDocument& document, std::string_view name,
                   const std::optional<Text>& version) {
@@ -112,6 +100,18 @@ void writeSection(tJsonDocument& document, const tPlannedSection& planned) {
 }
 
 }  // namespace
+
+std::string plannedText(const tPlannedSection& planned) {
+  std::string text(wordsOf(planned.action).planned);
+  if (!planned.reason.empty()) {
+    text += wordsOf(planned.action).done.empty() ? ": " : ", although ";
+    text += printableText(planned.reason);
+  }
+  if (!planned.remedy().empty()) {
+    text.append("; ").append(planned.remedy());
+  }
+  return text;
+}
 
 void printPlan(const tStreams& streams, const tUpdateMachine* machine,
                const std::vector<tPlannedSection>& plan, std::string_view heading) {

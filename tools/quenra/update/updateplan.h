@@ -148,6 +148,9 @@ struct tUpdateResult {
 void printPlan(const tStreams& streams, const tUpdateMachine* machine,
                const std::vector<tPlannedSection>& plan, std::string_view heading);
 
+// "send to the Marten interface", with the reason of the decision and the remedy, if it has any.
+[[nodiscard]] std::string plannedText(const tPlannedSection& planned);
+
 // Prints each obstacle with its code and remedy.
 void printObstacles(std::ostream& stream, const std::vector<tObstacle>& obstacles);
 

@@ -64,6 +64,8 @@ inline constexpr std::string_view kForce = "--force";
 inline constexpr std::string_view kFormat = "--format";
 inline constexpr std::string_view kFrom = "--from";
 inline constexpr std::string_view kGrace = "--grace";
+inline constexpr std::string_view kHolders = "--holders";
+inline constexpr std::string_view kImageOption = "--image";
 inline constexpr std::string_view kInstance = "--instance";
 inline constexpr std::string_view kInvert = "--invert";
 inline constexpr std::string_view kLabel = "--label";
@@ -100,11 +102,15 @@ inline constexpr std::string_view kPrometheusText = "prometheus";
 // `quenra doctor`: checks everything that a working controller and an update require.
 [[nodiscard]] tExitCode runDoctor(const tArguments& arguments, const tVerbContext& context);
 
-// ---- For others: monitoring ----
+// ---- The machine for other programs and readers ----
 
 // `quenra metrics`: the state of this machine for Prometheus. The exit code is `done` also if the
 // controller cannot be opened: the metrics report it.
 [[nodiscard]] tExitCode runMetrics(const tArguments& arguments, const tVerbContext& context);
+
+// `quenra report`: a page that describes the machine, with what needs attention first. A machine that
+// cannot be opened is described as far as possible, with exit code `done`.
+[[nodiscard]] tExitCode runReport(const tArguments& arguments, const tVerbContext& context);
 
 // ---- Trigger routes ----
 
