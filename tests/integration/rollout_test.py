@@ -260,6 +260,10 @@ class Parts(FleetTest):
         self.assertRegex(run.text, r"rack-9 +- .* not reached: .*Connection refused")
         self.assertRegex(run.text, r"rack-6 +- .* failed: cannot open the controller")
         self.assertRegex(run.text, r"rack-7 +qctl-8840 ")
+        for run in (Run("quenra.rack.inventory", "-i", str(inventory), "--limit", "rack-9"),
+                    self.update("-i", str(inventory), "--limit", "rack-9")):
+            self.assertRegex(run.text, r"\nrack-9 .*Connection refused")
+            self.assertNotEqual(run.exit_code, 0)
         run = self.update("--check", *words, limit=100)
         self.assertEqual(run.states(), {"rack-6": "refused", "rack-7": "planned", "rack-9": "unreachable"}, run)
         self.assertNotEqual(run.exit_code, 0)

@@ -15,7 +15,7 @@ options:
     type: str
     required: true
   source:
-    description: Path of the image on the controller, copied with the file transfer of the connection.
+    description: Path of the image on the controller, absolute or relative to the playbook, copied with the file transfer of the connection.
     type: path
   versions:
     description: Versions that the image must have, by device, such as C(MARTEN) or C(BIOS).
