@@ -168,6 +168,20 @@ class CommandLineTest(unittest.TestCase):
             self.assertTrue(run.error.startswith("quenra: "), run)
         return document
 
+    def without_duplicates(self, members):
+        self.assertEqual(len({name for name, _ in members}), len(members), members)
+        return dict(members)
+
+    def events(self, text):
+        """The lines of --json-lines, validated against their schema."""
+        lines = [json.loads(line, object_pairs_hook=self.without_duplicates) for line in text.splitlines()]
+        for line in lines:
+            self.schema.check_line(line)
+        self.assertEqual([line["event"] for line in lines].index("result"), len(lines) - 1, text)
+        times = [line["sinceStartMilliseconds"] for line in lines]
+        self.assertEqual(times, sorted(times))
+        return lines
+
     def assert_failure(self, run, code, constant):
         """A failure prints its code, constant and advice, and nothing on standard output."""
         self.assertEqual(run.out, "", run)

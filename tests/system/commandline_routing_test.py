@@ -206,6 +206,46 @@ class Routing(CommandLineTest):
         holder.interrupt()
         holder.end(0)
 
+    # ---- Events ----
+
+    def test_events_of_a_route_with_a_program(self):
+        run = self.quenra("route", "connect", *LINE, "--json-lines", "--", "cmd", "/c", "exit 7", exit_code=7)
+        lines = self.events(run.out)
+        self.assertEqual([line["event"] for line in lines],
+                         ["connected", "program-started", "program-ended", "released", "result"])
+        self.assertEqual(lines[0]["route"]["path"], ["TRIG_SMB", "PXI_Trig3"])
+        self.assertEqual(lines[1]["words"], ["cmd", "/c", "exit 7"])
+        self.assertEqual(lines[2]["programExitCode"], 7)
+        self.assertEqual((lines[4]["kind"], lines[4]["exitCode"]), ("route-connect", 7))
+
+    def test_events_are_printed_as_they_happen(self):
+        connection = Started(self, "route", "connect", *LINE, "--until-demoted", "--json-lines")
+        first = json.loads(connection.next_line())
+        self.assertEqual(first["event"], "connected")
+        self.machine("demote", str(first["route"]["ticket"]))
+        self.assertEqual(json.loads(connection.next_line())["event"], "demoted")
+        rest = connection.next_line() + connection.next_line()
+        self.assertEqual([line["event"] for line in self.events(rest)], ["released", "result"])
+        connection.end(0)
+
+    def test_events_of_a_held_line_end_in_its_error(self):
+        holder = Started(self, "route", "connect", *LINE)
+        holder.next_line()
+        ticket = self.routes()[0]
+        run = self.quenra("route", "connect", "--from", "PXI_Trig0", "--to", "PXI_Trig3", "--wait", "0.3",
+                          "--json-lines", exit_code=1)
+        lines = self.events(run.out)
+        self.assertEqual([line["event"] for line in lines], ["waiting", "result"])
+        self.assertEqual(lines[0]["holders"], [{"session": ticket["session"], "ticket": ticket["ticket"]}])
+        self.assertEqual((lines[1]["kind"], lines[1]["error"]["holders"]), ("error", lines[0]["holders"]))
+        holder.interrupt()
+        holder.end(0)
+
+    def test_wrong_usage_is_a_line(self):
+        run = self.quenra("route", "connect", "--from", "x", "--json-lines", exit_code=2)
+        self.assertEqual(self.events(run.out)[0]["kind"], "error")
+        self.quenra("route", "connect", *LINE, "--json", "--json-lines", exit_code=2)
+
     def test_unroutable_terminals_have_their_exit_codes(self):
         self.assertIn("Did you mean PXI_Trig3",
                       self.quenra("route", "plan", "--from", "TRIG_SMB", "--to", "PXI_Trg3",

@@ -273,6 +273,38 @@ class Update(CommandLineTest):
         self.document("update", "--plan", self.image, kind="error", exit_code=1)
         self.quenra("update", exit_code=2)
 
+    # ---- Events ----
+
+    def test_events_of_an_update(self):
+        path = self.image_for_events()
+        lines = self.events(self.quenra("update", path, "--json-lines").out)
+        self.assertEqual([line["event"] for line in lines],
+                         ["plan", "update-started", "update-ended", "result"])
+        self.assertEqual(lines[1]["sections"], [1])
+        self.assertEqual(lines[2]["status"]["code"], 0)
+        self.assertEqual((lines[3]["kind"], lines[3]["outcome"]), ("update", "done"))
+
+    def test_events_of_an_update_that_is_not_started(self):
+        path = self.image_for_events()
+        self.machine("encryption", "on")
+        lines = self.events(self.quenra("update", path, "--json-lines", exit_code=1).out)
+        self.assertEqual([line["event"] for line in lines], ["plan", "result"])
+        self.assertEqual(lines[0]["obstacles"][0]["status"]["code"], -26942)
+        self.assertFalse(lines[1]["update"]["started"])
+
+    def test_events_of_a_plan_are_its_document(self):
+        path = self.image_for_events()
+        lines = self.events(self.quenra("update", path, "--plan", "--json-lines").out)
+        self.assertEqual([line["event"] for line in lines], ["result"])
+        self.assertEqual(lines[0]["kind"], "update-plan")
+
+    def image_for_events(self):
+        files = Files(self)
+        files["payload"].write_bytes(b"123456789")
+        self.quenra("firmware", "build", files.typed("payload"), "--output", files.typed("update.fwi"),
+                    "--device", "MARTEN", "--firmware-version", "9.9.9f9")
+        return files.typed("update.fwi")
+
 
 if __name__ == "__main__":
     unittest.main()

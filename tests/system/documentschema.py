@@ -20,6 +20,17 @@ class DocumentSchema:
         for schema in self.schemas.values():
             jsonschema.Draft202012Validator.check_schema(schema)
 
+    def check_line(self, line):
+        """Checks an event; the last line is a document."""
+        if line["event"] == "result":
+            self.check(line)
+            return
+        schema = self.schemas["event.schema.json"]
+        self._validator(schema).validate(line)
+        undeclared = [name for name in line if name not in schema["properties"]]
+        if undeclared:
+            raise AssertionError(f"members that the schema leaves out: {undeclared}")
+
     def check(self, document):
         schema = self.schemas[document["kind"] + ".schema.json"]
         self._validator(schema).validate(document)

@@ -130,16 +130,20 @@ std::string valueWords(std::span<const tOptionRow> options) {
 }
 
 // 'a b' 'c d'
-std::string choices(std::span<const tOptionRow> options) {
+std::string choices(std::span<const tOptionRow> always, std::span<const tOptionRow> options) {
   std::map<std::string_view, std::string> groups;
-  for (const tOptionRow& row : options) {
-    if (!row.choice.empty()) {
-      appendWord(groups[row.choice], row.name);
+  for (const std::span<const tOptionRow> rows : {always, options}) {
+    for (const tOptionRow& row : rows) {
+      if (!row.choice.empty()) {
+        appendWord(groups[row.choice], row.name);
+      }
     }
   }
   std::string text;
   for (const auto& [choice, names] : groups) {
-    appendWord(text, "'" + names + "'");
+    if (names.find(' ') != names.npos) {
+      appendWord(text, "'" + names + "'");
+    }
   }
   return text;
 }
@@ -165,7 +169,7 @@ std::string caseOf(const tGrammar& grammar, const tVerbRow& verb) {
       optionsThat(verb.options, [](const tOptionRow& row) { return row.repeatable; });
   text += repeatable.empty() ? "" : "      repeatable='" + repeatable + "'\n";
   text += "      values=(" + valueWords(verb.options) + ")\n";
-  text += "      choices=(" + choices(verb.options) + ")\n";
+  text += "      choices=(" + choices(grammar.optionsOfEveryVerb, verb.options) + ")\n";
   text += "      positionals=(" + positionalWords(verb) + ")\n";
   text += repeatsPositional(verb) ? "      many=yes\n" : "";
   text += verb.program == nullptr ? "" : "      program=yes\n";

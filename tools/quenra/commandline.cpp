@@ -41,7 +41,9 @@ constexpr tFunctionRow kFunctions[] = {
 tExitCode report(const tCommandError& error, const tVerbContext& context, tCommandWords words) {
   printError(context.streams.error, error);
   if (context.json) {
-    writeErrorDocument(context.streams.out, error, verbIn(kGrammar, words));
+    tJsonDocument document("error", error.exitCode());
+    writeError(document, error, verbIn(kGrammar, words));
+    context.print(document);
   }
   return error.exitCode();
 }
@@ -88,8 +90,11 @@ tVerbFunction functionOf(const tVerbRow& verb) noexcept {
 int runCommandLine(int argc, const char* const* argv, tStreams& streams, const tPorts& ports) {
   const tCommandWords words =
       tCommandWords(argv, static_cast<size_t>(argc)).subspan(argc > 0 ? 1 : 0);
-  tExitCode exitCode =
-      runWords({ports, streams, hasOption(words, kJsonOption.name), kGrammar}, words);
+  tEventLines events(streams.out);
+  const bool hasEvents = hasOption(words, nWords::kJsonLines);
+  tExitCode exitCode = runWords({ports, streams, hasEvents || hasOption(words, kJsonOption.name),
+                                 kGrammar, hasEvents ? &events : nullptr},
+                                words);
   if (!streams.out.flush()) {
     // The caller must not mistake a truncated answer for a complete one.
     exitCode = reportOutputFailure(streams);

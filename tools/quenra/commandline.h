@@ -18,8 +18,14 @@ extern const tGrammar kGrammar;
 // The function that runs a verb of the grammar, or kVersionVerb; null for another verb.
 [[nodiscard]] tVerbFunction functionOf(const tVerbRow& verb) noexcept;
 
-inline constexpr tOptionRow kJsonOption{"--json", "",
-                                        "Print one JSON document, also after a failure"};
+inline constexpr std::string_view kJsonChoice = "json";
+inline constexpr tOptionRow kJsonOption{
+    "--json", "", "Print one JSON document, also after a failure", kJsonChoice};
+// Of the verbs that take long.
+inline constexpr tOptionRow kJsonLinesOption{
+    nWords::kJsonLines, "",
+    "Print a line of JSON for each event as it happens, and the document as the last line",
+    kJsonChoice};
 
 extern const tWordSet kReadableWords;  // names of attributes
 extern const tWordSet kWritableWords;  // ... of writable attributes

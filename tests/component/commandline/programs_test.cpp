@@ -127,6 +127,14 @@ TEST_F(RouteProgram, CtrlC_IsPassedOnAndTheProgramDecides) {
   EXPECT_THAT(steps(), testing::IsSupersetOf(teardown_));
 }
 
+TEST_F(RouteProgram, ProgramThatStaysAfterCtrlC_IsNotTerminated) {
+  programs_.polls = 5;
+  programs_.endsOnRequest = false;
+  interruption_.isPressed = true;
+  static_cast<void>(connect({"--grace", "0", "--", "x"}));
+  EXPECT_THAT(programs_.calls, ElementsAre("start", "request", "end", "release"));
+}
+
 TEST_F(RouteProgram, SecondCtrlC_TerminatesTheProgram) {
   programs_.polls = 1 << 20;
   programs_.endsOnRequest = false;

@@ -57,17 +57,6 @@ void writeCause(tJsonDocument& document, const tCommandError& error) {
   document.optionalText("advice", adviceOf(error));
 }
 
-void writeHolders(tJsonDocument& document, std::span<const tRouteHolder> holders) {
-  document.beginArray("holders");
-  for (const tRouteHolder& holder : holders) {
-    document.beginObject();
-    document.unsignedNumber("session", holder.session);
-    document.number("ticket", holder.ticket);
-    document.endObject();
-  }
-  document.endArray();
-}
-
 }  // namespace
 
 void printError(std::ostream& stream, const tCommandError& error) {
@@ -98,11 +87,15 @@ void writeError(tJsonDocument& document, const tCommandError& error, std::string
   document.endObject();
 }
 
-void writeErrorDocument(std::ostream& stream, const tCommandError& error,
-                        std::string_view command) {
-  tJsonDocument document("error", error.exitCode());
-  writeError(document, error, command);
-  document.writeTo(stream);
+void writeHolders(tJsonDocument& document, std::span<const tRouteHolder> holders) {
+  document.beginArray("holders");
+  for (const tRouteHolder& holder : holders) {
+    document.beginObject();
+    document.unsignedNumber("session", holder.session);
+    document.number("ticket", holder.ticket);
+    document.endObject();
+  }
+  document.endArray();
 }
 
 }  // namespace nCommandLine

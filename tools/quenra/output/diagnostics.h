@@ -130,8 +130,8 @@ void printWarnings(std::ostream& stream, std::span<const tWarning> warnings);
 
 // Writes the members of an error document. `command` is the verb, empty if none was recognised.
 void writeError(tJsonDocument& document, const tCommandError& error, std::string_view command);
-// Writes a complete document that has only these members.
-void writeErrorDocument(std::ostream& stream, const tCommandError& error, std::string_view command);
+// Writes the member "holders".
+void writeHolders(tJsonDocument& document, std::span<const tRouteHolder> holders);
 
 }  // namespace nCommandLine
 

@@ -27,6 +27,14 @@ tJsonDocument::tJsonDocument(std::string_view kind, tExitCode exitCode,
   writeWarnings(warnings);
 }
 
+tJsonDocument::tJsonDocument(std::string_view event, std::chrono::milliseconds elapsed) {
+  writer_.SetIndent(' ', 0);
+  writer_.StartObject();
+  number("format", kFormat);
+  text("event", event);
+  number("sinceStartMilliseconds", elapsed.count());
+}
+
 void tJsonDocument::beginObject(std::string_view name) {
   key(name);
   writer_.StartObject();
@@ -69,6 +77,10 @@ void tJsonDocument::number(std::string_view name, int64_t value) {
   writer_.Int64(value);
 }
 
+void tJsonDocument::numberItem(int64_t value) {
+  writer_.Int64(value);
+}
+
 void tJsonDocument::unsignedNumber(std::string_view name, uint64_t value) {
   key(name);
   writer_.Uint64(value);
@@ -95,6 +107,20 @@ void tJsonDocument::writeTo(std::ostream& stream) {
   stream << std::string_view(buffer_.GetString(), buffer_.GetSize()) << '\n';
 }
 
+void tJsonDocument::writeLineTo(std::ostream& stream) {
+  writer_.EndObject();
+  // The writer begins lines with blanks; within a text it escapes line ends.
+  const std::string_view pretty(buffer_.GetString(), buffer_.GetSize());
+  bool isIndentation = false;
+  for (const char character : pretty) {
+    isIndentation = character == '\n' || (isIndentation && character == ' ');
+    if (!isIndentation) {
+      stream << character;
+    }
+  }
+  stream << '\n' << std::flush;
+}
+
 void tJsonDocument::key(std::string_view name) {
   writer_.Key(name.data(), lengthOf(name));
 }
@@ -102,6 +128,18 @@ void tJsonDocument::key(std::string_view name) {
 void tJsonDocument::codeAndConstant(int32_t code) {
   number("code", code);
   optionalText("constant", explainStatus(code).constant);
+}
+
+void tEventLines::write(std::string_view event, const tWriteMembers& members) {
+  tJsonDocument document(event, stopwatch_.elapsed());
+  members(document);
+  document.writeLineTo(stream_);
+}
+
+void tEventLines::writeResult(tJsonDocument& document) {
+  document.text("event", "result");
+  document.number("sinceStartMilliseconds", stopwatch_.elapsed().count());
+  document.writeLineTo(stream_);
 }
 
 void tJsonDocument::writeWarnings(std::span<const tWarning> warnings) {

@@ -4,12 +4,15 @@
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <ostream>
 #include <span>
 #include <string_view>
 
 #include "tools/quenra/output/diagnostics.h"
+#include "tools/quenra/output/streams.h"
 
 namespace nCommandLine {
 
@@ -18,6 +21,8 @@ namespace nCommandLine {
 class tJsonDocument {
  public:
   tJsonDocument(std::string_view kind, tExitCode exitCode, std::span<const tWarning> warnings = {});
+  // An event, without the members that only documents have.
+  tJsonDocument(std::string_view event, std::chrono::milliseconds elapsed);
 
   void beginObject(std::string_view key);
   void beginObject();  // as an item of an array
@@ -30,6 +35,7 @@ class tJsonDocument {
   // Writes null if the text is empty.
   void optionalText(std::string_view key, std::string_view value);
   void number(std::string_view key, int64_t value);
+  void numberItem(int64_t value);
   void unsignedNumber(std::string_view key, uint64_t value);
   void truth(std::string_view key, bool value);
   void null(std::string_view key);
@@ -38,6 +44,8 @@ class tJsonDocument {
 
   // Ends the document and writes it with a line end.
   void writeTo(std::ostream& stream);
+  // As above, in one line.
+  void writeLineTo(std::ostream& stream);
 
  private:
   void key(std::string_view key);
@@ -46,6 +54,22 @@ class tJsonDocument {
 
   rapidjson::StringBuffer buffer_;
   rapidjson::PrettyWriter<rapidjson::StringBuffer> writer_{buffer_};
+};
+
+// The lines that a long verb prints with --json-lines: one JSON object for each event, as it happens, and at
+// the end the document of the verb.
+class tEventLines {
+ public:
+  explicit tEventLines(std::ostream& stream) : stream_(stream) {}
+
+  using tWriteMembers = std::function<void(tJsonDocument& document)>;
+  void write(std::string_view event, const tWriteMembers& members);
+  // The last line.
+  void writeResult(tJsonDocument& document);
+
+ private:
+  std::ostream& stream_;
+  const tStopwatch stopwatch_;
 };
 
 }  // namespace nCommandLine

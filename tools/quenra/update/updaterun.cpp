@@ -31,7 +31,8 @@ tLockState waitForEnd(iUpdateLock& lock, iInterruption& interruption, std::ostre
 }  // namespace
 
 tHeldUpdateLock::tHeldUpdateLock(iUpdateLock& lock, iInterruption& interruption,
-                                 std::ostream& error, bool waits)
+                                 std::ostream& error, bool waits,
+                                 const std::function<void()>& onWaiting)
     : lock_(lock) {
   tLockState state = lock.acquire(std::chrono::milliseconds(0));
   if (state == tLockState::busy && !waits) {
@@ -39,6 +40,9 @@ tHeldUpdateLock::tHeldUpdateLock(iUpdateLock& lock, iInterruption& interruption,
                         std::nullopt, "Without --no-wait this update waits for its end.");
   }
   if (state == tLockState::busy) {
+    if (onWaiting) {
+      onWaiting();
+    }
     state = waitForEnd(lock, interruption, error);
   }
   if (state == tLockState::failed) {
@@ -74,6 +78,10 @@ int32_t tProgress::run(const std::function<int32_t()>& call) {
 
 void tProgress::show() {
   if (isSilent_) {
+    if (report_ && elapsed_ >= nextLine_) {
+      report_(elapsed_);
+      nextLine_ += rhythm_.elsewhere;
+    }
     return;
   }
   if (streams_.outIsTerminal) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <ostream>
+#include <utility>
 
 #include "tools/quenra/output/streams.h"
 #include "tools/quenra/update/updateports.h"
@@ -18,7 +19,9 @@ class tHeldUpdateLock {
  public:
   // If another update holds the lock, prints a message to `error` and waits; throws tCommandError
   // instead if `waits` is false. Also throws it on an interruption and on a failure of the lock.
-  tHeldUpdateLock(iUpdateLock& lock, iInterruption& interruption, std::ostream& error, bool waits);
+  // Calls `onWaiting`, unless it is empty, before it waits.
+  tHeldUpdateLock(iUpdateLock& lock, iInterruption& interruption, std::ostream& error, bool waits,
+                  const std::function<void()>& onWaiting = nullptr);
   tHeldUpdateLock(const tHeldUpdateLock&) = delete;
   tHeldUpdateLock& operator=(const tHeldUpdateLock&) = delete;
   ~tHeldUpdateLock() { lock_.release(); }
@@ -45,6 +48,11 @@ class tProgress {
         isSilent_(isSilent),
         rhythm_(rhythm) {}
 
+  // Called with the elapsed time at the interval of the output that is no terminal.
+  void setReport(std::function<void(std::chrono::milliseconds)> report) {
+    report_ = std::move(report);
+  }
+
   // Runs `call` on a separate thread and returns its result. An interruption meanwhile only prints
   // a message; the operation continues. Throws before it starts `call` if the thread cannot be
   // created.
@@ -61,6 +69,7 @@ class tProgress {
   iInterruption& interruption_;
   bool isSilent_;
   tRhythm rhythm_;
+  std::function<void(std::chrono::milliseconds)> report_;
   std::chrono::milliseconds elapsed_{0};
   std::chrono::milliseconds nextLine_{0};
   bool interruptionAnswered_ = false;

@@ -174,8 +174,9 @@ void writeProgram(tJsonDocument& document, const tHoldLimits& limits, const tHol
   document.endObject();
 }
 
-void printDocument(std::ostream& stream, const tRouteRequest& request, const tHoldLimits& limits,
-                   const tHolding& holding, const std::vector<tWarning>& warnings) {
+void printDocument(const tVerbContext& context, const tRouteRequest& request,
+                   const tHoldLimits& limits, const tHolding& holding,
+                   const std::vector<tWarning>& warnings) {
   tJsonDocument document("route-connect", exitCodeOf(holding, limits), warnings);
   document.text("from", request.from);
   document.text("to", request.to);
@@ -188,7 +189,7 @@ void printDocument(std::ostream& stream, const tRouteRequest& request, const tHo
   writeDemotions(document, holding);
   document.number("waitedMilliseconds", holding.waited.count());
   writeProgram(document, limits, holding);
-  document.writeTo(stream);
+  context.print(document);
 }
 
 tExitCode connectAndHold(const tArguments& arguments, const tVerbContext& context,
@@ -203,7 +204,7 @@ tExitCode connectAndHold(const tArguments& arguments, const tVerbContext& contex
                                    context.ports, reporter);
   printWarnings(context.streams.error, session.warnings());
   if (context.json) {
-    printDocument(context.streams.out, request, connection.limits, holding, session.warnings());
+    printDocument(context, request, connection.limits, holding, session.warnings());
   }
   return exitCodeOf(holding, connection.limits);
 }

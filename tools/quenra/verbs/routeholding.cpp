@@ -158,36 +158,69 @@ tRouteReporter::tRouteReporter(const tVerbContext& context, const tHoldLimits& l
       stream_(context.json || !limits.program.empty() ? context.streams.error
                                                       : context.streams.out),
       error_(context.streams.error),
-      prefix_(&stream_ == &error_ ? "quenra: " : "") {}
+      prefix_(&stream_ == &error_ ? "quenra: " : ""),
+      events_(context.events) {}
 
 void tRouteReporter::print(const std::string& line) {
   stream_ << prefix_ << line << std::endl;
 }
 
+void tRouteReporter::write(std::string_view event,
+                           const tEventLines::tWriteMembers& members) const {
+  if (events_ != nullptr) {
+    events_->write(event, members);
+  }
+}
+
 void tRouteReporter::waiting(const std::vector<tRouteHolder>& holders, milliseconds time) {
   error_ << "quenra: the line is held by " << holdersText(holders) << "; waiting for at most "
          << elapsedText(time) << " (Ctrl-C ends the wait)" << std::endl;
+  write("waiting", [&](tJsonDocument& line) { writeHolders(line, holders); });
 }
 
 void tRouteReporter::connected(const tHolding& holding) {
   print("connected: " + pathText(holding.path) + (holding.route.inverted ? ", inverted" : "") +
         ", " + limitText(limits_));
+  write("connected", [&](tJsonDocument& line) {
+    line.beginObject("route");
+    writeRoute(line, holding.route, holding.path);
+    line.number("ticket", holding.route.ticket);
+    line.endObject();
+  });
 }
 
-void tRouteReporter::programStarted() {}
+void tRouteReporter::programStarted() {
+  write("program-started", [this](tJsonDocument& line) {
+    line.beginArray("words");
+    for (const std::string& word : limits_.program) {
+      line.textItem(word);
+    }
+    line.endArray();
+  });
+}
 
 void tRouteReporter::demoted(const tDemotion& demotion) {
   error_ << "quenra: the route was demoted after " << elapsedText(demotion.after) << ": "
          << reasonText(demotion.reason) << "; it no longer carries a signal" << std::endl;
+  write("demoted", [&](tJsonDocument& line) {
+    line.number("reason", demotion.reason);
+    line.number("afterMilliseconds", demotion.after.count());
+  });
 }
 
 void tRouteReporter::programEnded(const tProgramEnd& end) {
   print(std::string(end.wasTerminated ? "the program was terminated" : "the program has ended") +
         ", exit code " + std::to_string(static_cast<int32_t>(end.exitCode)));
+  write("program-ended", [&](tJsonDocument& line) {
+    line.number("programExitCode", static_cast<int32_t>(end.exitCode));
+    line.truth("terminated", end.wasTerminated);
+  });
 }
 
 void tRouteReporter::released(const tHolding& holding) {
   print("released after " + elapsedText(holding.held));
+  write("released",
+        [&](tJsonDocument& line) { line.number("heldMilliseconds", holding.held.count()); });
 }
 
 // ---- Holding ----

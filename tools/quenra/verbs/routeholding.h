@@ -47,7 +47,7 @@ struct tHolding {
 };
 
 // Reports events as they happen: on the standard output, unless a document or a program uses it, then on
-// the error stream.
+// the error stream; with --json-lines also as lines.
 class tRouteReporter {
  public:
   tRouteReporter(const tVerbContext& context, const tHoldLimits& limits);
@@ -61,11 +61,13 @@ class tRouteReporter {
 
  private:
   void print(const std::string& line);
+  void write(std::string_view event, const tEventLines::tWriteMembers& members) const;
 
   const tHoldLimits& limits_;
   std::ostream& stream_;
   std::ostream& error_;
   std::string_view prefix_;
+  tEventLines* events_;
 };
 
 // The error for a program that cannot be started.

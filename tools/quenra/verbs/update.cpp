@@ -7,19 +7,11 @@
 #include "tools/quenra/update/updateplan.h"
 #include "tools/quenra/update/updaterun.h"
 #include "tools/quenra/verbs/chosenmachine.h"
+#include "tools/quenra/verbs/updatedocuments.h"
 #include "tools/quenra/verbs/verbs.h"
 
 namespace nCommandLine {
 namespace {
-
-constexpr std::string_view kVerb = "update";
-
-struct tUpdateRequest {
-  std::string path;
-  tUpdateOptions options;
-  std::string bytes;
-  tFirmwareImage image;
-};
 
 tUpdateOptions optionsOf(const tArguments& arguments) {
   const tUpdateOptions options{arguments.has(nWords::kOnlyNewer), arguments.has(nWords::kForce),
@@ -45,19 +37,6 @@ tUpdateRequest parseUpdateRequest(const tArguments& arguments) {
 }
 
 // ---- The plan ----
-
-struct tPlanAnswer {
-  const tUpdateRequest& request;
-  std::vector<tWarning> warnings;
-  std::optional<tUpdateMachine> machine;
-  std::vector<tPlannedSection> sections;
-  std::vector<tObstacle> obstacles;
-  tExitCode exitCode = tExitCode::done;
-
-  [[nodiscard]] const tUpdateMachine* machineOrNull() const noexcept {
-    return machine ? &*machine : nullptr;
-  }
-};
 
 tExitCode exitCodeOf(int32_t openingCode, const std::vector<tObstacle>& obstacles) {
   if (openingCode < 0) {
@@ -96,21 +75,6 @@ tPlanAnswer plan(const tController& controller, iUpdateFacts& facts,
   return answer;
 }
 
-// Writes the members that begin the documents of plans and of updates.
-void writeRequest(tJsonDocument& document, const tPlanAnswer& answer) {
-  document.text("path", answer.request.path);
-  document.truth("onlyNewer", answer.request.options.onlyNewer);
-  writeInstalled(document, answer.machineOrNull());
-}
-
-void printPlanDocument(std::ostream& stream, const tPlanAnswer& answer) {
-  tJsonDocument document("update-plan", answer.exitCode, answer.warnings);
-  writeRequest(document, answer);
-  writePlan(document, answer.sections);
-  writeObstacles(document, answer.obstacles);
-  document.writeTo(stream);
-}
-
 std::string conclusionOf(const tPlanAnswer& answer) {
   if (!answer.obstacles.empty()) {
     return countOf(answer.obstacles.size(), "obstacle");
@@ -123,7 +87,7 @@ tExitCode runPlan(const tUpdateRequest& request, tChosenMachine& machine,
   const tController controller(machine.library());
   const tPlanAnswer answer = plan(controller, machine.updateFacts(), request);
   if (context.json) {
-    printPlanDocument(context.streams.out, answer);
+    printPlanDocument(context, answer);
   } else {
     printPlan(context.streams, answer.machineOrNull(), answer.sections, "What would be done");
     context.streams.out << conclusionOf(answer) << std::endl;
@@ -136,30 +100,12 @@ tExitCode runPlan(const tUpdateRequest& request, tChosenMachine& machine,
 
 // ---- An update that is not started ----
 
-// The document reports the first obstacle as its error.
-tCommandError errorOf(const tPlanAnswer& answer) {
-  const tObstacle& first = answer.obstacles.front();
-  if (!first.code) {
-    return {answer.exitCode, first.fact, std::nullopt, first.remedy};
-  }
-  return {answer.exitCode, first.fact, *first.code,
-          tSiteExplanation{first.fact + ".", first.remedy}};
-}
-
 tExitCode reject(const tPlanAnswer& answer, const tVerbContext& context) {
   printWarnings(context.streams.error, answer.warnings);
   printObstacles(context.streams.error, answer.obstacles);
   context.streams.error << "quenra: the update was not started; nothing was changed\n";
   if (context.json) {
-    tJsonDocument document("error", answer.exitCode, answer.warnings);
-    writeError(document, errorOf(answer), kVerb);
-    document.beginObject(kVerb);
-    document.truth("started", false);
-    writeRequest(document, answer);
-    writePlan(document, answer.sections);
-    writeObstacles(document, answer.obstacles);
-    document.endObject();
-    document.writeTo(context.streams.out);
+    printRejection(context, answer);
   }
   return answer.exitCode;
 }
@@ -175,27 +121,6 @@ std::string factOf(const tPlanAnswer& answer, const tUpdateFailure& failure) {
          std::string(section.header.targetDevice) + ": " + failure.fact;
 }
 
-void writeFailure(tJsonDocument& document, const tPlanAnswer& answer,
-                  const tUpdateFailure& failure) {
-  document.beginObject("failure");
-  document.text("fact", failure.fact);
-  if (failure.section) {
-    document.number("section", static_cast<int64_t>(*failure.section));
-    document.text("device",
-                  answer.request.image.sections[*failure.section - 1].header.targetDevice);
-  } else {
-    document.null("section");
-    document.null("device");
-  }
-  document.status("status", failure.code);
-  if (failure.line == 0) {
-    document.null("line");
-  } else {
-    document.number("line", failure.line);
-  }
-  document.endObject();
-}
-
 tExitCode fail(int32_t code, const tPlanAnswer& answer, const tVerbContext& context) {
   const tUpdateResult result =
       failureOf(code, answer.sections, *answer.machine, context.ports.updateFacts);
@@ -205,36 +130,18 @@ tExitCode fail(int32_t code, const tPlanAnswer& answer, const tVerbContext& cont
   printError(context.streams.error, error);
   printResults(context.streams.error, answer.sections, result);
   if (context.json) {
-    tJsonDocument document("error", error.exitCode(), answer.warnings);
-    writeError(document, error, kVerb);
-    document.beginObject(kVerb);
-    document.truth("started", true);
-    writeRequest(document, answer);
-    writePlan(document, answer.sections, result);
-    writeFailure(document, answer, failure);
-    document.endObject();
-    document.writeTo(context.streams.out);
+    printFailure(context, answer, error, result);
   }
   return error.exitCode();
 }
 
 // ---- An update that succeeds, or has nothing to do ----
 
-void printDocument(std::ostream& stream, const tPlanAnswer& answer, std::string_view outcome,
-                   std::chrono::milliseconds elapsed) {
-  tJsonDocument document(kVerb, tExitCode::done, answer.warnings);
-  writeRequest(document, answer);
-  writePlan(document, answer.sections, successOf(answer.sections));
-  document.number("elapsedMilliseconds", elapsed.count());
-  document.text("outcome", outcome);
-  document.writeTo(stream);
-}
-
 // The update ends here: the library would mark the Marten as updated without sending anything.
 tExitCode reportNothingToDo(const tPlanAnswer& answer, const tVerbContext& context) {
   printWarnings(context.streams.error, answer.warnings);
   if (context.json) {
-    printDocument(context.streams.out, answer, "nothing-to-do", std::chrono::milliseconds(0));
+    printUpdate(context, answer, "nothing-to-do", std::chrono::milliseconds(0));
   } else {
     context.streams.out << "nothing to do\n";
   }
@@ -245,8 +152,10 @@ tExitCode apply(const tController& controller, tPlanAnswer& answer, const tVerbC
   tStreams& streams = context.streams;
   const tUpdateRequest& request = answer.request;
   tProgress progress("updating", streams, context.ports.interruption, context.json);
+  reportStart(context, progress, answer);
   const int32_t code =
       progress.run([&] { return controller.update(request.bytes, request.options.onlyNewer); });
+  reportEnd(context, code);
   if (code < 0) {
     return fail(code, answer, context);
   }
@@ -256,7 +165,7 @@ tExitCode apply(const tController& controller, tPlanAnswer& answer, const tVerbC
   }
   printWarnings(streams.error, answer.warnings);
   if (context.json) {
-    printDocument(streams.out, answer, "done", progress.elapsed());
+    printUpdate(context, answer, "done", progress.elapsed());
   } else {
     streams.out << "done after " << elapsedText(progress.elapsed()) << '\n';
     printResults(streams.out, answer.sections, successOf(answer.sections));
@@ -268,6 +177,7 @@ tExitCode carryOut(const tUpdateRequest& request, const tVerbContext& context) {
   tStreams& streams = context.streams;
   const tController controller(context.ports.library);
   tPlanAnswer answer = plan(controller, context.ports.updateFacts, request);
+  reportPlan(context, answer);
   if (!answer.obstacles.empty()) {
     return reject(answer, context);
   }
@@ -299,7 +209,8 @@ tExitCode runUpdate(const tArguments& arguments, const tVerbContext& context) {
   }
   // Held from before the plan is made: another update would change the machine that it describes.
   const tHeldUpdateLock lock(context.ports.updateLock, context.ports.interruption,
-                             context.streams.error, !arguments.has(nWords::kNoWait));
+                             context.streams.error, !arguments.has(nWords::kNoWait),
+                             [&] { reportWaiting(context); });
   return carryOut(request, context);
 }
 

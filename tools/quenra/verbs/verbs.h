@@ -9,6 +9,7 @@
 #include "tools/quenra/capture/imachinedriver.h"
 #include "tools/quenra/output/diagnostics.h"
 #include "tools/quenra/output/streams.h"
+#include "tools/quenra/output/tjsondocument.h"
 #include "tools/quenra/programs/programs.h"
 #include "tools/quenra/reading/iquenra.h"
 #include "tools/quenra/routing/irouting.h"
@@ -33,8 +34,18 @@ struct tPorts {
 struct tVerbContext {
   const tPorts& ports;
   tStreams& streams;
-  bool json;
+  bool json;  // the standard output is for JSON only
   const tGrammar& grammar;
+  tEventLines* events = nullptr;  // with --json-lines only
+
+  // Prints the document of the verb.
+  void print(tJsonDocument& document) const {
+    if (events == nullptr) {
+      document.writeTo(streams.out);
+    } else {
+      events->writeResult(document);
+    }
+  }
 };
 
 using tVerbFunction = tExitCode (*)(const tArguments& arguments, const tVerbContext& context);
@@ -69,6 +80,7 @@ inline constexpr std::string_view kImageOption = "--image";
 inline constexpr std::string_view kInstance = "--instance";
 inline constexpr std::string_view kInvert = "--invert";
 inline constexpr std::string_view kLabel = "--label";
+inline constexpr std::string_view kJsonLines = "--json-lines";
 inline constexpr std::string_view kLineLength = "--line-length";
 inline constexpr std::string_view kMarten = "--marten";
 inline constexpr std::string_view kNoWait = "--no-wait";

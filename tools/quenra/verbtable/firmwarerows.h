@@ -60,6 +60,7 @@ inline constexpr tOptionRow kUpdateOptions[] = {
     {nWords::kNoWait, "", "Fail when another update is running, instead of waiting for its end"},
     {nWords::kPlan, "", "Change nothing; show the plan and every obstacle"},
     {nWords::kFrom, "CAPTURE", "With --plan: plan for the machine of a capture file"},
+    kJsonLinesOption,
 };
 inline constexpr tExampleRow kUpdateExamples[] = {
     {"update --plan update.fwi", "the plan of an update, and its obstacles"},

@@ -31,6 +31,7 @@ inline constexpr tOptionRow kRouteConnectOptions[] = {
     {nWords::kWait, "SECONDS", "Wait at most SECONDS for a line that another route holds"},
     {nWords::kGrace, "SECONDS",
      "The time for the program to end after a demotion (default 5), before it is terminated"},
+    kJsonLinesOption,
 };
 inline constexpr tPositionalRow kRouteConnectProgram{
     nWords::kProgram, "PROGRAM [ARGUMENT...]", "Run the program, and hold the route until it ends",
