@@ -132,6 +132,14 @@ TEST_F(UpdateEvents, Update_HasItsPlanItsStartAndItsEnd) {
   EXPECT_STREQ(lines[3]["outcome"].GetString(), "done");
 }
 
+TEST_F(UpdateEvents, StartOfAnUpdate_NamesTheSectionsThatChangeTheMachine) {
+  const std::string path = fileOf({section("SAFEMODE", "9.0.0f0"), section("MARTEN", "9.0.0f0")});
+  const auto lines = linesIn(run({"update", "--json-lines", path}).out);
+  ASSERT_THAT(eventsIn(lines), ElementsAre("plan", "update-started", "update-ended", "result"));
+  ASSERT_EQ(lines[1]["sections"].Size(), 1u);
+  EXPECT_EQ(lines[1]["sections"][0].GetInt(), 2);
+}
+
 TEST_F(UpdateEvents, FailedUpdate_HasItsCode) {
   library_.updateCode = -333;
   const auto lines = update({}, 1);
