@@ -80,10 +80,52 @@ if [[ ${1:-} == --integration ]]; then
   run_integration_tests "$@"
   exit
 fi
+# Runs the tests of presets, one preset after another, and appends the names of those that failed to
+# the file $failures.
+test_presets() {
+  local preset
+  for preset in "$@"; do
+    if [[ $preset == windows* ]]; then
+      use_programs_of "$preset"
+      machine_on
+    fi
+    step "Testing $preset"
+    ctest --preset "$preset" || printf '%s\n' "$preset" >>"$failures"
+  done
+}
+
+# The tests in the simulated machine take turns, and wait for Wine most of the time: the native ones run
+# meanwhile. A process group of its own makes Ctrl-C and an error end both.
+test_beside() {
+  local -n on_machine=$1 natively=$2
+  local log=$build/test-${on_machine[0]}.log tests
+  step "Testing ${on_machine[*]} meanwhile; the results follow at the end"
+  set -m
+  test_presets "${on_machine[@]}" </dev/null >"$log" 2>&1 &
+  tests=$!
+  set +m
+  # shellcheck disable=SC2064 # the number of this process
+  trap "kill -TERM -- -$tests 2>/dev/null || true; machine_off" EXIT
+  test_presets "${natively[@]}"
+  [[ ! -t 1 ]] || step "Waiting for the tests of ${on_machine[*]}: $log"
+  local status=0
+  wait "$tests" || status=$?
+  end_machine_on_exit
+  cat "$log"
+  ((status == 0)) || fail "the tests of ${on_machine[*]} could not be run"
+}
+
 presets=("$@")
 (($#)) || presets=(native native-library thread windows)
+machine_presets=()
+native_presets=()
 for preset in "${presets[@]}"; do
   is_preset "$preset"
+  if [[ $preset == windows* ]]; then
+    machine_presets+=("$preset")
+  else
+    native_presets+=("$preset")
+  fi
 done
 end_machine_on_exit
 install_packages "${native_packages[@]}" "${machine_packages[@]}" "${docs_packages[@]}" groff-base \
@@ -93,15 +135,14 @@ for preset in "${presets[@]}"; do
   build_preset "$preset"
 done
 rm -rf "$build/native/tests/faultsweep/faults"
-failed=()
-for preset in "${presets[@]}"; do
-  if [[ $preset == windows* ]]; then
-    use_programs_of "$preset"
-    machine_on
-  fi
-  step "Testing $preset"
-  ctest --preset "$preset" || failed+=("$preset")
-done
+readonly failures=$build/failed-presets
+: >"$failures"
+if ((${#machine_presets[@]} && ${#native_presets[@]})); then
+  test_beside machine_presets native_presets
+else
+  test_presets "${presets[@]}"
+fi
 report_faults
+mapfile -t failed <"$failures"
 ((${#failed[@]} == 0)) || fail "tests failed: ${failed[*]}. To repeat the failed ones of a preset:" \
   "ctest --preset ${failed[0]} --rerun-failed"
