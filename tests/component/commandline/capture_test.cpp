@@ -202,5 +202,11 @@ TEST_F(Captures, DiffWithAMissingFile_FailsWithTheReason) {
   EXPECT_THAT(result.error, HasSubstr("none.json"));
 }
 
+TEST_F(Captures, DiffOfTwoMissingFiles_NamesTheFirst) {
+  const tRun result = run({"diff", files_.path("one.json"), files_.path("two.json")});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.error, HasSubstr("one.json"));
+}
+
 }  // namespace
 }  // namespace nTests

@@ -279,7 +279,10 @@ tExitCode runCapture(const tArguments& arguments, const tVerbContext& context) {
 tExitCode runDiff(const tArguments& arguments, const tVerbContext& context) {
   const std::string left = arguments.text(nWords::kBefore);
   const std::string right = arguments.text(nWords::kAfter);
-  const std::vector<tDifference> differences = differencesOf(readCapture(left), readCapture(right));
+  // In this order, so that the first of two faulty files is named.
+  const tMachineRecord before = readCapture(left);
+  const tMachineRecord after = readCapture(right);
+  const std::vector<tDifference> differences = differencesOf(before, after);
   const tExitCode exitCode = differences.empty() ? tExitCode::done : tExitCode::capturesDiffer;
   if (context.json) {
     printDifferences(context.streams.out, exitCode, left, right, differences);
