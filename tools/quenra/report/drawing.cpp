@@ -14,7 +14,7 @@ bool beginsCharacter(char byte) noexcept {
 
 // The texts of a drawing do not wrap: a longer one ends with an ellipsis. The tables have it completely.
 std::string shortened(const std::string& text, size_t characters) {
-  const std::string printable = printableText(text);
+  std::string printable = printableText(text);
   if (widthOf(printable) <= characters) {
     return printable;
   }
