@@ -1,4 +1,4 @@
-"""Controller part of the module firmware."""
+"""The part of the module firmware that runs on the control node."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""Controller part of the module image."""
+"""The part of the module image that runs on the control node."""
 
 from __future__ import annotations
 
@@ -26,7 +26,7 @@ def payload_hash(text):
 
 
 def sections_of_file(path):
-    """Version, device and SHA-256 of each section of an image on the controller."""
+    """Version, device and SHA-256 of each section of an image on the control node."""
     with open(path, "rb") as file:
         parts = file.read().split(b"HeaderVersion::")[1:]
     sections = []
@@ -40,7 +40,7 @@ def sections_of_file(path):
 
 
 def is_copy(image, source):
-    """Whether the image on the rack, as quenra describes it, is the file on the controller."""
+    """Whether the image on the rack, as quenra describes it, is the file on the control node."""
     return [{name: section.get(name) for name in ("version", "device", "sha256")}
             for section in image["sections"]] == sections_of_file(source)
 

@@ -1,4 +1,4 @@
-"""Controller part of the module info."""
+"""The part of the module info that runs on the control node."""
 
 from __future__ import annotations
 

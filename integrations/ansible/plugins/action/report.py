@@ -1,4 +1,4 @@
-"""The module report, which runs on the controller only."""
+"""The module report, which runs on the control node only."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-# Documentation of the module; plugins/action/firmware.py does the work on the controller.
+# Documentation of the module; plugins/action/firmware.py does the work on the control node.
 DOCUMENTATION = r"""
 module: firmware
 short_description: Bring the firmware of a rack to that of an image
@@ -18,7 +18,7 @@ options:
     type: str
     required: true
   records:
-    description: Folder on the controller for the files of updates without a known result.
+    description: Folder on the control node for the files of updates without a known result.
     type: path
     required: true
   restart:

@@ -1,10 +1,10 @@
-# Documentation of the module; plugins/action/image.py does the work on the controller.
+# Documentation of the module; plugins/action/image.py does the work on the control node.
 DOCUMENTATION = r"""
 module: image
 short_description: Make a valid firmware image available on a rack
 description:
   - Verifies a firmware image on a rack with C(quenra firmware verify), the library's own parser.
-  - With I(source), copies an image of the controller to the rack before, unless the rack has the same image.
+  - With I(source), copies an image of the control node to the rack before, unless the rack has the same image.
 options:
   command:
     description: The command that starts quenra on the rack.
@@ -15,7 +15,7 @@ options:
     type: str
     required: true
   source:
-    description: Path of the image on the controller, absolute or relative to the playbook, copied with the file transfer of the connection.
+    description: Path of the image on the control node, absolute or relative to the playbook, copied with the file transfer of the connection.
     type: path
   versions:
     description: Versions that the image must have, by device, such as C(MARTEN) or C(BIOS).

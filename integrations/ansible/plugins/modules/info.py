@@ -1,4 +1,4 @@
-# Documentation of the module; plugins/action/info.py does the work on the controller.
+# Documentation of the module; plugins/action/info.py does the work on the control node.
 DOCUMENTATION = r"""
 module: info
 short_description: Read what a rack is

@@ -17,7 +17,7 @@ POLL_SECONDS = 5
 
 
 class Record:
-    """A file on the controller while an update of a rack has begun and its result is not known."""
+    """A file on the control node while an update of a rack has begun and its result is not known."""
 
     def __init__(self, folder, rack):
         self._path = pathlib.Path(folder).expanduser() / (urllib.parse.quote(rack, safe="") + ".json")
