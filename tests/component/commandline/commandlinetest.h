@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <regex>
 #include <span>
 #include <string>
 #include <string_view>
@@ -175,6 +176,12 @@ class CommandLineTest : public testing::Test {
 
 // The words of a verb, as separate arguments.
 [[nodiscard]] std::vector<std::string> wordsOf(std::string_view verb);
+
+// The text contains a match of the regular expression. Those of GoogleTest's ContainsRegex have no brackets on
+// Windows.
+MATCHER_P(ContainsExpression, expression, std::string("contains ") + expression) {
+  return std::regex_search(std::string(arg), std::regex(expression));
+}
 
 // The names of an object's members, in order.
 [[nodiscard]] std::vector<std::string> memberNames(const rapidjson::Value& object);

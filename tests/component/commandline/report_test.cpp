@@ -13,7 +13,6 @@ namespace {
 
 using nCommandLine::tHtml;
 using nCommandLine::tShown;
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -404,7 +403,7 @@ TEST_F(Report, Document_ListsTheWarnings) {
 TEST_F(Report, Time_IsThatOfTheReport) {
   EXPECT_THAT(
       page(),
-      ContainsRegex(
+      ContainsExpression(
           "State of this machine on 20[0-9][0-9]-[01][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9] UTC"));
 }
 

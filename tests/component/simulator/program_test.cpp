@@ -247,7 +247,8 @@ TEST(Completion, Script_DefinesNamesOfThisProgramOnly) {
   const std::string script = run({"completion", "bash"}, true).out;
   EXPECT_THAT(script,
               HasSubstr("\ncomplete -o default -F _quenra_sim quenra-sim quenra-sim.exe\n"));
-  EXPECT_THAT(script, HasSubstr("repeatable='--structure-byte --without-structure'"));
+  EXPECT_THAT(script,
+              HasSubstr("repeatable='--structure-byte --structure-text --without-structure'"));
   EXPECT_THAT(script, testing::Not(HasSubstr("_quenra-sim")));
   EXPECT_THAT(script, testing::Not(HasSubstr("@program@")));
   EXPECT_THAT(script, testing::Not(HasSubstr("@prefix@")));
