@@ -165,8 +165,10 @@ def linter():
     script = folder / "node_modules" / "axe-core" / "axe.min.js"
     version = json.loads((PACKAGES / "package.json").read_text())["dependencies"]["axe-core"]
     if not script.exists() or f"axe v{version}" not in script.read_text(encoding="utf-8")[:100]:
-        subprocess.run(["npm", "ci", "--ignore-scripts", "--no-audit", "--no-fund"], cwd=folder, check=True,
-                       capture_output=True, timeout=120)
+        result = subprocess.run(["npm", "ci", "--ignore-scripts", "--no-audit", "--no-fund"], cwd=folder,
+                                capture_output=True, text=True, timeout=120, check=False)
+        if result.returncode != 0:
+            raise RuntimeError(f"npm cannot install the linter: {result.stderr}")
     return script.read_text(encoding="utf-8")
 
 
