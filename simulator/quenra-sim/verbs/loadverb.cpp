@@ -11,6 +11,7 @@
 #include "simulator/quenra-sim/installation/installation.h"
 #include "simulator/quenra-sim/verbs/verbs.h"
 #include "simulator/scenario/servicescenarios.h"
+#include "source/user/failuresites.h"
 #include "tools/capture/capturefile.h"
 
 namespace nSimulator {
@@ -122,7 +123,10 @@ struct tStepLine {
   uint32_t line;
   std::string_view step;
 };
-constexpr tStepLine kStepLines[] = {{2863, "locator"}, {2879, "connect"}, {2912, "query"}};
+namespace nUpdateSites = nQUENRA1400::nUpdateSites;
+constexpr tStepLine kStepLines[] = {{nUpdateSites::kNoLocator.location.line, "locator"},
+                                    {nUpdateSites::kNamespaceNotReached.location.line, "connect"},
+                                    {nUpdateSites::kQueryFailed.location.line, "query"}};
 
 tEncryption encryptionOf(const nCapture::tUpdateEnvironment& environment) {
   const auto* const failing =
