@@ -62,8 +62,8 @@ inline constexpr tVerbRow kRouteVerbs[] = {
      "sessions are reported. When the driver demotes the route and takes its line away, the standard "
      "error stream reports it at once, and the exit code is 1, or with --until-demoted 0. A program after -- receives "
      "the standard streams, and its exit code is that of quenra. Ctrl-C reaches it as Ctrl-Break, and a second "
-     "one terminates it. On a demotion it is asked to end with Ctrl-Break, and terminated with all "
-     "processes that it has started when the time of --grace is over; the exit code is then 124.",
+     "one terminates it. On a demotion quenra sends it Ctrl-Break, and after the time of --grace "
+     "terminates it with all processes that it has started; the exit code is then 124.",
      {}, kRouteConnectOptions, kRouteConnectExamples, &kRouteConnectProgram},
 };
 // clang-format on
